@@ -1,0 +1,21 @@
+# Language, warnings and sanitizers: the same for every target of the tree.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+# Assertions stay on in every build: a show device is debugged from what it says at night.
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -g1")
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+
+set(CALVERIN_SANITIZE "" CACHE STRING "Sanitizers for the whole tree, as -fsanitize takes them")
+if(CALVERIN_SANITIZE)
+    add_compile_options(-fsanitize=${CALVERIN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${CALVERIN_SANITIZE})
+endif()

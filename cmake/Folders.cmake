@@ -1,0 +1,47 @@
+# A folder of the tree is one static library, named after its path with points ("foundation.text"). It names its files
+# and the neighbours that it may use; headers are included by their bare name, and only those of a neighbour (and of
+# that neighbour's neighbours) can be found. So a forbidden include does not even compile.
+#
+#   calverin_folder(foundation.commands
+#       SOURCES MCommandObject.h MCommandObject.cpp
+#       USES foundation.text foundation.threads)
+#
+# With QT the folder may use Qt: moc runs over its headers and texts are never converted from 8 bits by accident.
+function(calverin_folder name)
+    cmake_parse_arguments(FOLDER "QT" "" "SOURCES;USES" ${ARGN})
+    add_library(${name} STATIC ${FOLDER_SOURCES})
+    set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+    target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${name} PUBLIC ${FOLDER_USES})
+    if(FOLDER_QT)
+        calverin_use_qt(${name})
+    endif()
+endfunction()
+
+# Qt settings for one target: moc and rcc, no keywords in lower case, no silent conversion between 8-bit text and QString.
+function(calverin_use_qt name)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON AUTORCC ON)
+    target_compile_definitions(${name} PRIVATE
+        QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_DEPRECATED_WARNINGS)
+endfunction()
+
+# Registers a GoogleTest program with ctest: calverin_test(<target> [TIMEOUT seconds] [SHARDS n] [ENVIRONMENT VAR=value...]).
+function(calverin_test name)
+    cmake_parse_arguments(TEST "" "TIMEOUT;SHARDS" "ENVIRONMENT" ${ARGN})
+    if(NOT TEST_TIMEOUT)
+        set(TEST_TIMEOUT 300)
+    endif()
+    if(NOT TEST_SHARDS)
+        set(TEST_SHARDS 1)
+    endif()
+    math(EXPR last "${TEST_SHARDS} - 1")
+    foreach(shard RANGE ${last})
+        set(test_name ${name})
+        if(TEST_SHARDS GREATER 1)
+            set(test_name ${name}.${shard})
+        endif()
+        add_test(NAME ${test_name} COMMAND ${name} --gtest_brief=1)
+        set_tests_properties(${test_name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} ENVIRONMENT
+            "GTEST_TOTAL_SHARDS=${TEST_SHARDS};GTEST_SHARD_INDEX=${shard};${TEST_ENVIRONMENT}")
+    endforeach()
+endfunction()
