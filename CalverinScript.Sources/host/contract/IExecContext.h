@@ -1,0 +1,38 @@
+#pragma once
+
+#include "IMInterface.h"
+
+/// The ticket of one request. Whoever makes the request makes the context; whoever serves it calls `Begin` when the
+/// work is taken on and `End`, exactly once, when the result is there. Contexts are counted: one reference belongs to
+/// the maker.
+class IExecContext : public IMInterface {
+public:
+    /// Stores the request's result code, before End. @return 0.   [any]
+    virtual KXPCode SetErrorCode(KXPCode code) = 0;
+    /// The request has been taken on. @return 0.   [any]
+    virtual KXPCode Begin() = 0;
+    /// The request is over: results that were promised are in place. May arrive before the call that carried the
+    /// context has returned. @return 0.   [any]
+    virtual KXPCode End() = 0;
+    virtual KXPCode Reserved4(void* argument) = 0;
+    virtual KXPCode Reserved5(void* argument) = 0;
+
+protected:
+    ~IExecContext() = default;
+};
+
+/// A context that carries a result text.
+class IExecContext2 : public IExecContext {
+public:
+    /// Adds a reference, to be dropped with Release. @return 0.   [any]
+    virtual KXPCode AddRef() = 0;
+    virtual KXPCode Reserved7(void* argument) = 0;
+    virtual KXPCode Reserved8(void* argument1, void* argument2, void* argument3) = 0;
+    /// Stores the result text, before End. The text is copied; null is the empty text. @return 0.   [any]
+    virtual KXPCode SetResultText(const char* text) = 0;
+    /// 0 created, 1 begun, 2 ended.   [any]
+    virtual std::uint32_t GetState() = 0;
+
+protected:
+    ~IExecContext2() = default;
+};
