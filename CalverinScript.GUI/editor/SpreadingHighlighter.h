@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QSyntaxHighlighter>
+#include <QTextCursor>
+#include <QTimer>
+
+#include <vector>
+
+/// A highlighter that stays quick while a change at the top of a long document alters the state of every line below it
+/// (an opened block comment, one curly brace more). The changed lines are always done at once, and with them the next
+/// lines whose state follows, as far as one pass goes; what is left is done in passes from the event loop, in between
+/// which the user types on. In the end each line has the format and the state that one long pass would give it.
+///
+/// A pass is bounded by its work and not by a clock, so that the same change is always done in the same passes. A full
+/// rehighlight() is done at once, as in the base class.
+///
+/// It also mends two gaps of the base class: the line behind a removal is scanned anew even if the line that the
+/// removal joined keeps its state, and an edit that comes before the first highlighting of a document's text doesn't
+/// cancel that. [thread: that of the document]
+class SpreadingHighlighter : public QSyntaxHighlighter {
+public:
+    /// What one pass may do, in characters; each line counts kLineCost characters more than it has.
+    static constexpr int kPassCost = 100000;
+    static constexpr int kLineCost = 60;
+
+    /// Belongs to the document, as in the base class. A document with text is done from the event loop.
+    explicit SpreadingHighlighter(QTextDocument* document);
+    ~SpreadingHighlighter() override;
+
+    /// Whether lines wait for a later pass.
+    bool IsSpreading() const { return !m_waiting.empty(); }
+
+protected:
+    /// For highlightBlock of the subclass, in place of setCurrentBlockState.
+    void FinishBlock(int state);
+
+private:
+    void BeginChange(int from, int removed, int added);
+    void EndChange();
+    void BeginPass(int mandatoryEnd);
+    void EndPass();
+    void RunPass();
+    QTextBlock TakeFirstWaiting();
+    bool IsPassSpent();
+
+    /// Every line is in tune with the line before it, except those behind these places. A place's own line may still
+    /// hold the state of before the change. They are cursors, so that edits carry them along.
+    std::vector<QTextCursor> m_waiting;
+    QTimer m_nextPass;
+    bool m_inPass = false;
+    int m_mandatoryEnd = 0; ///< lines that begin before it are done in this pass whatever they cost
+    int m_costLeft = 0;
+};
