@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "KXPTypes.h"
+
+namespace stagehost {
+
+/// How one command went. All texts are Latin-1.
+struct CommandOutcome {
+    enum class Kind {
+        Done,         ///< the device has finished the command
+        ScriptFailed, ///< it has reported an error
+        Refused,      ///< ExecuteCommand gave another code than 0
+        NoAnswer      ///< the limit passed
+    };
+
+    Kind kind = Kind::NoAnswer;
+    KXPCode code = KXP_OK; ///< what ExecuteCommand gave
+    std::string result;    ///< the out-parameter "Result", empty without one
+    std::string status;    ///< the variable "Status" at the end
+    std::string error;     ///< the variable "Error" at the end
+    double milliseconds = 0;
+};
+
+} // namespace stagehost

@@ -1,0 +1,79 @@
+#include "CommandWatch.h"
+
+#include <optional>
+
+#include "MainWait.h"
+
+namespace stagehost {
+
+/// What has been seen since the command was about to be sent.
+struct CommandWatch::Seen {
+    std::mutex lock; ///< guards the three fields below
+    bool leftReady = false;
+    bool ready = true;
+    bool error = false;
+
+    const bool hasStatus;
+    std::optional<std::chrono::steady_clock::time_point> failedSince; ///< main thread only
+
+    explicit Seen(bool withStatus)
+        : hasStatus(withStatus) {}
+
+    void StatusIs(std::int32_t index) {
+        {
+            const std::lock_guard<std::mutex> hold(lock);
+            ready = index == 0;
+            leftReady = leftReady || !ready;
+        }
+        MainWait::Wake();
+    }
+
+    void ErrorIs(bool present) {
+        {
+            const std::lock_guard<std::mutex> hold(lock);
+            error = present;
+        }
+        MainWait::Wake();
+    }
+};
+
+CommandWatch::CommandWatch(const std::shared_ptr<HostValue>& status, const std::shared_ptr<HostValue>& error)
+    : seen_(std::make_shared<Seen>(status != nullptr))
+    , context_(new ExecContext([] { MainWait::Wake(); })) {
+    if (status)
+        statusObservation_ =
+            status->Observe([seen = seen_, value = std::weak_ptr<HostValue>(status)] {
+                if (const auto alive = value.lock())
+                    seen->StatusIs(alive->Int());
+            });
+    if (error)
+        errorObservation_ = error->Observe([seen = seen_, value = std::weak_ptr<HostValue>(error)] {
+            if (const auto alive = value.lock())
+                seen->ErrorIs(!alive->Text().empty());
+        });
+}
+
+CommandWatch::~CommandWatch() { context_->Release(); }
+
+CommandWatch::Verdict CommandWatch::Judge(std::chrono::steady_clock::time_point now) {
+    const std::uint32_t state = context_->GetState();
+    if (state == ExecContext::kEnded)
+        return Verdict::Over;
+    const std::lock_guard<std::mutex> hold(seen_->lock);
+    const bool begun = state == ExecContext::kBegun;
+    const bool returned = seen_->leftReady && seen_->ready;
+    const bool failed = seen_->error && seen_->ready;
+    if (!failed) {
+        seen_->failedSince.reset();
+        if (begun || (seen_->hasStatus && !returned))
+            return Verdict::Running;
+        return seen_->hasStatus ? Verdict::Over : Verdict::Unseen;
+    }
+    if (!begun && returned)
+        return Verdict::Failed;
+    if (!seen_->failedSince)
+        seen_->failedSince = now;
+    return now - *seen_->failedSince >= kGrace ? Verdict::Failed : Verdict::Running;
+}
+
+} // namespace stagehost

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "ExecContext.h"
+#include "HostValue.h"
+
+namespace stagehost {
+
+/// Sees how one command goes, from what a host can see of it.
+///
+/// A command for which the device began the context is over when the context has ended. For the others nobody ends
+/// it: their end is the device's variable `Status` coming back to "Ready" (index 0) after it had left it. A device holds
+/// a command that failed, for some ten seconds and without saying so; an error that stands when the device is ready
+/// again is therefore an outcome at once, whatever the context says later.
+///
+/// Made before the command is sent. Device threads feed it, the main thread asks it; its state has a lock of its own.
+class CommandWatch {
+public:
+    /// @param status, error the device's variables; either may be null.
+    CommandWatch(const std::shared_ptr<HostValue>& status, const std::shared_ptr<HostValue>& error);
+    ~CommandWatch();
+    CommandWatch(const CommandWatch&) = delete;
+    CommandWatch& operator=(const CommandWatch&) = delete;
+
+    /// The context to send with the command; lives as long as the watch.
+    IExecContext* Context() { return context_; }
+
+    enum class Verdict {
+        Running, ///< not over yet
+        Over,    ///< over: the result is in place
+        Failed,  ///< an error is known, but not whether the device has let go of the command
+        Unseen   ///< accepted, and this device shows no end of such a command
+    };
+
+    /// @param now the time at which the question is asked.   [host main, after the command was accepted]
+    Verdict Judge(std::chrono::steady_clock::time_point now);
+
+    /// How long an error must stand while the device is ready, where it may not be the last word: a command with a
+    /// context may still end properly, one that has not begun may not be the one that failed.
+    static constexpr std::chrono::milliseconds kGrace{250};
+
+private:
+    struct Seen;
+
+    std::shared_ptr<Seen> seen_; ///< shared with the observers, which may run a last time after their removal
+    ExecContext* context_;
+    Observation statusObservation_;
+    Observation errorObservation_;
+};
+
+} // namespace stagehost

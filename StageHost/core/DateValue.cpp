@@ -1,0 +1,45 @@
+#include "DateValue.h"
+
+#include <cmath>
+
+#include "NumberText.h"
+
+namespace stagehost {
+
+namespace {
+
+const QDate kFirstDay(1900, 1, 1);
+const QDate kLastDay(9999, 12, 31);
+
+} // namespace
+
+DateValue::DateValue(const ValueSpec& spec)
+    : ValueFace(spec)
+    , date_(kFirstDay) {
+    Configure(spec);
+}
+
+std::int32_t DateValue::ReadInt() const { return static_cast<std::int32_t>(kFirstDay.daysTo(date_)); }
+
+std::string DateValue::ReadText() const { return date_.toString(QStringLiteral("dd/MM/yyyy")).toStdString(); }
+
+HostValue::Taken DateValue::WriteInt(std::int32_t value) { return WriteDate(kFirstDay.addDays(value)); }
+
+HostValue::Taken DateValue::WriteReal(double value) {
+    return std::isfinite(value) ? WriteInt(RoundToInt(std::trunc(value))) : Taken::No;
+}
+
+HostValue::Taken DateValue::WriteText(std::string_view text) {
+    if (text.empty())
+        return WriteDate(kFirstDay);
+    const QString date = QString::fromLatin1(text.data(), static_cast<int>(text.size())).trimmed();
+    const bool dayFirst = date.contains(QLatin1Char('/'));
+    return WriteDate(QDate::fromString(date, dayFirst ? QStringLiteral("d/M/yyyy") : QStringLiteral("yyyy-M-d")));
+}
+
+HostValue::Taken DateValue::WriteDate(const QDate& date) {
+    const bool fits = date.isValid() && date >= kFirstDay && date <= kLastDay;
+    return fits ? Assign(date_, date) : Taken::No;
+}
+
+} // namespace stagehost

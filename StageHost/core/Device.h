@@ -1,0 +1,110 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "CommandOutcome.h"
+#include "CommandWatch.h"
+#include "DeviceVariables.h"
+#include "ModuleFile.h"
+#include "ObjectParams.h"
+#include "WorkerPool.h"
+
+namespace stagehost {
+
+/// What a parameter of a command is given.
+struct ParameterInput {
+    std::string name;                    ///< the parameter's name in the definition, or its number from 0
+    std::string text;                    ///< the value in the text form of its type
+    std::shared_ptr<HostValue> variable; ///< the variable bound to it, or null
+};
+
+/// One device of the show, driven in the contract's order of calls.
+///
+/// Start, Stop and commands run on threads of the pool with a time limit, since a script may never return. A device
+/// that did not come back in time is released on the main thread, which makes a blocked Start or Stop return. All
+/// operations come on the main thread.
+class Device {
+public:
+    using Milliseconds = std::chrono::milliseconds;
+
+    /// @param module and @param pool must outlive the device. @param name Latin-1, allowed by IsObjectName.
+    Device(ModuleFile& module, WorkerPool& pool, std::string name);
+
+    /// Stops and releases the device if that has not happened.
+    ~Device();
+    Device(const Device&) = delete;
+    Device& operator=(const Device&) = delete;
+
+    /// Why a device could not be made.
+    struct Problem {
+        bool badSetup = false; ///< the stored setup was refused; otherwise the module is at fault
+        QString text;
+    };
+
+    /// Makes the device in the module, applies the stored setup and takes over the definition. Without a stored setup
+    /// the device is given its own first one, as after a setup dialog that was accepted unchanged.
+    /// @return nothing on success.
+    std::optional<Problem> Create(const std::string& setup);
+
+    /// @return false when the start has not come back within the limit.
+    bool Start(Milliseconds limit);
+
+    /// Sends a command and waits for its end. A parameter that is not named keeps its default.
+    /// @param command its name or id. @param inputs must be parameters of the command, see CheckInputs.
+    CommandOutcome Send(const CommandDefinition& command, const std::vector<ParameterInput>& inputs,
+                        Milliseconds limit);
+
+    /// The first input that names no parameter of the command, or whose text its type does not take.
+    /// @return empty when all fit, otherwise what is wrong.
+    static QString CheckInputs(const CommandDefinition& command, const std::vector<ParameterInput>& inputs);
+
+    /// Stops the device if it runs, releases it and waits for calls that were blocked.
+    /// @return false when something of it is still running: only leaving the process at once ends that.
+    bool Shutdown(Milliseconds limit);
+
+    const std::string& Name() const { return name_; }
+    DeviceVariables& Variables() { return variables_; }
+    std::shared_ptr<HostValue> Status() const { return variables_.Find("Status"); }
+    std::string ErrorText() const;
+
+    /// Asks the device for its definition and takes it over if it has changed.
+    /// @return the text, null when there is none.
+    const char* RefreshDefinition();
+
+    /// The device's setup as it gives it, for the show file.
+    std::string Setup() const;
+
+private:
+    /// A command on its way; kept until the device has let go of it.
+    struct Call {
+        std::int32_t id = 0;
+        std::shared_ptr<ObjectParams> params;
+        std::unique_ptr<CommandWatch> watch;
+        std::shared_ptr<Task> task;
+        KXPCode code = KXP_OK; ///< written by the task, read when it is done
+    };
+
+    std::shared_ptr<Call> MakeCall(const CommandDefinition& command, const std::vector<ParameterInput>& inputs);
+    CommandOutcome Await(Call& call, Milliseconds limit);
+    void Complete(CommandOutcome& outcome, const Call& call) const;
+    void Settle();
+    bool RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit);
+    bool AllBack() const;
+
+    ModuleFile& module_;
+    WorkerPool& pool_;
+    const std::string name_;
+    DeviceVariables variables_;
+    IKXPDevice* device_ = nullptr;
+    bool started_ = false;
+    bool blocked_ = false;   ///< a call did not come back in time: the next Stop will hardly do better
+    bool mayHold_ = false;   ///< the last command failed without ending: the device may hold it still
+    std::vector<std::shared_ptr<Task>> tasks_;  ///< those that have not been seen to come back
+    std::vector<std::shared_ptr<Call>> calls_;  ///< those whose context may still be used
+};
+
+} // namespace stagehost

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "DeviceDefinition.h"
+#include "IKXPDevice.h"
+#include "VariableManager.h"
+
+namespace stagehost {
+
+/// The variables and commands of one device, as its definition tells them.
+///
+/// A variable that the next definition has again, with the same name and type, stays the same object with the same
+/// number, and keeps its content unless the definition changed it. Variables that are gone are kept in memory until the
+/// device's end, since commands that were accepted before may still write to them.
+class DeviceVariables final : public IDeviceVariables {
+public:
+    /// @param manager makes the variables known under "device.variable"; must outlive this object.
+    DeviceVariables(std::string deviceName, VariableManager& manager);
+    ~DeviceVariables();
+    DeviceVariables(const DeviceVariables&) = delete;
+    DeviceVariables& operator=(const DeviceVariables&) = delete;
+
+    KXPCode QueryInterface(const char* name, void** out) override;
+    KXPCode Release() override;
+    IData* GetVariable(const char* name) override;
+    std::uint32_t SetDefinition(const char* xml) override;
+
+    /// The variable of that name without the device's, or null.   [any]
+    std::shared_ptr<HostValue> Find(const std::string& name) const;
+
+    /// The definition in force; an empty one before the first. Never changes once given.   [any]
+    std::shared_ptr<const DeviceDefinition> Definition() const;
+
+    /// The variables in the order of the definition.   [any]
+    std::vector<std::shared_ptr<HostValue>> All() const;
+
+    /// Whether that text is the one in force.   [any]
+    bool IsDefinedBy(const char* xml) const;
+
+    /// Why the last SetDefinition was refused; empty when it was accepted.   [any]
+    std::string LastError() const;
+
+private:
+    using Values = std::vector<std::shared_ptr<HostValue>>;
+
+    Values Adopt(const DeviceDefinition& definition);
+    std::shared_ptr<HostValue> AdoptVariable(const ValueSpec& spec);
+    const ValueSpec* FormerSpec(const std::string& name) const;
+
+    const std::string deviceName_;
+    VariableManager& manager_;
+    mutable std::mutex lock_; ///< guards the fields below; only SetDefinition, on the main thread, changes them
+    std::unordered_map<std::string, std::shared_ptr<HostValue>> variables_; ///< by name without the device's
+    Values order_;
+    Values retired_;
+    std::shared_ptr<const DeviceDefinition> definition_;
+    std::string text_;
+    std::string lastError_;
+};
+
+} // namespace stagehost

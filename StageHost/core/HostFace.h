@@ -1,0 +1,29 @@
+#pragma once
+
+#include "HostFaces.h"
+
+namespace stagehost {
+
+/// One face of the host's root object: the two operations of IMInterface, which all faces answer alike. The host owns
+/// its faces, so Release changes nothing.
+template <typename Interface>
+class HostFace : public Interface {
+public:
+    explicit HostFace(HostFaces& faces)
+        : faces_(faces) {}
+    virtual ~HostFace() = default;
+    HostFace(const HostFace&) = delete;
+    HostFace& operator=(const HostFace&) = delete;
+
+    KXPCode QueryInterface(const char* name, void** out) override { return faces_.Find(name, out); }
+    KXPCode Release() override { return KXP_OK; }
+
+protected:
+    /// Offers this face under its name. The caller is the constructor of the last class.
+    void OfferAs(const char* name) { faces_.Offer(name, static_cast<Interface*>(this)); }
+
+private:
+    HostFaces& faces_;
+};
+
+} // namespace stagehost

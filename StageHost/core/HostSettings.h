@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace stagehost {
+
+/// Which of the two remote links the host offers.
+enum class Link { Newer, Older, None };
+
+/// The log that the host offers to the module.
+struct LogSettings {
+    std::string path;               ///< empty: the host has no log
+    std::uint32_t writerId = 1;
+    std::uint32_t levelBits = 0xF0; ///< see IManagerRuntimeInfo::GetLogSettings
+    std::uint32_t option = 0;
+};
+
+/// What the host tells the module of itself. All texts are Latin-1.
+struct HostSettings {
+    std::string appName = "stagehost"; ///< at most 27 characters count
+    std::string version = "6.7.2";     ///< at most 27 characters count
+    std::uint32_t userMode = 2;
+    std::map<std::uint32_t, std::string> folders; ///< by KXPFolder
+    Link link = Link::Newer;
+    LogSettings log;
+};
+
+} // namespace stagehost

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <limits>
+
+#include "ValueFace.h"
+
+namespace stagehost {
+
+/// A whole number of 32 bits, clamped to its bounds. Text that is no number and a real number that is not finite leave
+/// it as it is; fractions are rounded.   [any]
+class IntegerValue final : public ValueFace<IIntegerData> {
+public:
+    explicit IntegerValue(const ValueSpec& spec);
+
+    std::int32_t GetMaxValue() override;
+    std::int32_t GetMinValue() override;
+
+protected:
+    std::int32_t ReadInt() const override { return value_; }
+    double ReadReal() const override { return value_; }
+    std::string ReadText() const override { return std::to_string(value_); }
+    Taken WriteInt(std::int32_t value) override;
+    Taken WriteReal(double value) override;
+    Taken WriteText(std::string_view text) override;
+    void ReadLimits(const ValueSpec& spec) override;
+
+private:
+    std::int32_t value_ = 0;
+    std::int32_t minimum_ = std::numeric_limits<std::int32_t>::min();
+    std::int32_t maximum_ = std::numeric_limits<std::int32_t>::max();
+};
+
+} // namespace stagehost

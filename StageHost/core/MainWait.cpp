@@ -1,0 +1,51 @@
+#include "MainWait.h"
+
+#include <mutex>
+
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QTimer>
+
+namespace stagehost {
+
+namespace {
+
+std::mutex dispatcherLock; // guards the pointer: module threads may outlive the application object
+QAbstractEventDispatcher* mainDispatcher = nullptr;
+
+} // namespace
+
+MainWait::MainWait() {
+    const std::lock_guard<std::mutex> hold(dispatcherLock);
+    mainDispatcher = QAbstractEventDispatcher::instance(QCoreApplication::instance()->thread());
+}
+
+MainWait::~MainWait() {
+    const std::lock_guard<std::mutex> hold(dispatcherLock);
+    mainDispatcher = nullptr;
+}
+
+bool MainWait::Until(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+    const QDeadlineTimer deadline(limit);
+    QTimer alarm;
+    alarm.setSingleShot(true);
+    alarm.start(limit);
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        if (!alarm.isActive())
+            alarm.start(1); // a coarse timer may fire a little early
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}
+
+void MainWait::Wake() {
+    const std::lock_guard<std::mutex> hold(dispatcherLock);
+    if (mainDispatcher != nullptr)
+        mainDispatcher->wakeUp();
+}
+
+} // namespace stagehost

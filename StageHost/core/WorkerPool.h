@@ -1,0 +1,39 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace stagehost {
+
+/// A call that runs on a thread of the pool.
+class Task {
+public:
+    virtual ~Task() = default;
+    /// Whether the call has come back.   [any]
+    virtual bool IsDone() const = 0;
+};
+
+/// The host's threads for calls that may block: commands, Start and Stop. Tasks begin in the order in which they were
+/// given, each at once on a thread of its own if no other is free, so that one that never returns holds up nobody.
+class WorkerPool {
+public:
+    WorkerPool();
+    /// Waits a short while for running tasks and leaves those that do not end behind; see Close.
+    ~WorkerPool();
+    WorkerPool(const WorkerPool&) = delete;
+    WorkerPool& operator=(const WorkerPool&) = delete;
+
+    /// Runs a call; the main thread's wait is woken when it has come back.   [host main]
+    std::shared_ptr<Task> Run(std::function<void()> call);
+
+    /// Ends the threads. @return false when a task was still running at the end of the limit: it is left behind, and
+    /// only the end of the process ends it.   [host main]
+    bool Close(std::chrono::milliseconds limit);
+
+private:
+    struct State;
+    std::shared_ptr<State> state_; ///< shared with the threads, which may outlive the pool
+};
+
+} // namespace stagehost
