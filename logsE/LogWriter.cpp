@@ -1,0 +1,70 @@
+#include "LogWriter.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+namespace logsE {
+
+namespace {
+
+/// Days since 1970 into year, month and day: the "civil_from_days" algorithm of Howard Hinnant's "chrono-Compatible
+/// Low-Level Date Algorithms". Unlike the C library's it has no hidden buffer that other threads may write to.
+struct CivilDate {
+    explicit CivilDate(long days) {
+        const long shifted = days + 719468;
+        const long era = shifted / 146097;
+        const long dayOfEra = shifted - era * 146097;
+        const long yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+        const long dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+        const long monthFromMarch = (5 * dayOfYear + 2) / 153;
+        day = dayOfYear - (153 * monthFromMarch + 2) / 5 + 1;
+        month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
+        year = yearOfEra + era * 400 + (month <= 2 ? 1 : 0);
+    }
+
+    long year, month, day;
+};
+
+std::string Now() {
+    using namespace std::chrono;
+    const long long now = duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+    const long seconds = static_cast<long>(now / 1000);
+    const CivilDate date(seconds / 86400);
+    std::array<char, 96> text{};
+    std::snprintf(text.data(), text.size(), "%04ld-%02ld-%02ld %02ld:%02ld:%02ld.%03d", date.year, date.month, date.day,
+                  seconds / 3600 % 24, seconds / 60 % 60, seconds % 60, static_cast<int>(now % 1000));
+    return text.data();
+}
+
+std::string OneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char character) { return character == '\n' || character == '\r'; }, ' ');
+    return text;
+}
+
+} // namespace
+
+LogWriter::LogWriter(std::string programName, const LogsERecord& record)
+    : programName_(std::move(programName))
+    , path_(record.path)
+    , writerId_(static_cast<std::int32_t>(record.writerId))
+    , file_(std::fopen(path_.c_str(), "a"))
+    , failed_(file_ == nullptr) {}
+
+std::int32_t LogWriter::Write(std::int32_t level, const std::string& source, const std::string& text) {
+    if (!file_)
+        return LOGSE_NO_FILE;
+    const std::string line = Now() + " [" + std::to_string(level) + "] " + OneLine(source + ": " + text) + "\n";
+    failed_ = std::fwrite(line.data(), 1, line.size(), file_.get()) != line.size();
+    return failed_ ? LOGSE_NO_FILE : Flush();
+}
+
+std::int32_t LogWriter::Flush() {
+    failed_ = !file_ || std::fflush(file_.get()) != 0;
+    return Status();
+}
+
+std::string LogWriter::StatusText() const { return (failed_ ? "cannot write " : "writing ") + path_; }
+
+} // namespace logsE

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+
+#include "LogWriter.h"
+
+namespace logsE {
+
+/// The writers of the process by their handles. One lock covers the table and every call into a writer, so that lines
+/// of several writers to one file never mix.
+class LogWriters {
+public:
+    static LogWriters& Instance();
+
+    void* Add(std::string programName, const LogsERecord& record);
+    bool Remove(void* handle);
+    std::int32_t Count() const;
+
+    /// Calls something with the writer of a handle, under the lock. @return its result, -1 for an unknown handle.
+    template <typename Call>
+    std::int32_t With(void* handle, Call call) {
+        const std::lock_guard<std::mutex> hold(lock_);
+        const auto found = writers_.find(handle);
+        return found == writers_.end() ? LOGSE_BAD_HANDLE : call(*found->second);
+    }
+
+private:
+    mutable std::mutex lock_; ///< guards writers_ and the writers
+    std::map<void*, std::unique_ptr<LogWriter>> writers_;
+};
+
+} // namespace logsE
