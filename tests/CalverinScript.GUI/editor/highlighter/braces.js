@@ -1,0 +1,7 @@
+function f() {
+    if (a) { b(); }
+    else { c = {};
+    }
+}
+{}{
+}

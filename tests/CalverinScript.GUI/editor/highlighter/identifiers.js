@@ -1,0 +1,4 @@
+QCalverin.GetValue
+_a9 b_c
+a.b
+$x

@@ -1,0 +1,4 @@
+a+b-c*d%e=f!g<h>i&j|k^l~m?n:o,p;q.r
+@ # $ \ `
+( ) [ ]
+a == b
