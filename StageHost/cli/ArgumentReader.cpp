@@ -1,0 +1,129 @@
+#include "ArgumentReader.h"
+
+#include <algorithm>
+
+#include <QCommandLineParser>
+
+namespace stagehost {
+
+namespace {
+
+struct OptionRow {
+    const char* name;
+    const char* shortName; ///< null when there is none
+    const char* value;     ///< what the help calls the value; null when it takes none
+    const char* help;
+};
+
+constexpr OptionRow kOptions[] = {
+    {"timeout", nullptr, "MS", "how long to wait for each answer of a script, in ms (10000)"},
+    {"link", nullptr, "newer|older|none", "which remote link the host offers to scripts (newer)"},
+    {"json", nullptr, nullptr, "output for programs: one JSON text"},
+    {"log", nullptr, nullptr, "show the lines of the device log on standard error"},
+    {"log-file", nullptr, "FILE", "keep the device log in this file"},
+    {"module", nullptr, "FILE", "the module to load (kxpCalverinScript.kxp6 beside the program)"},
+    {"help", "h", nullptr, "this help"},
+    {"version", "v", nullptr, "the version of stagehost"},
+};
+
+struct LinkRow {
+    const char* name;
+    Link link;
+};
+
+constexpr LinkRow kLinks[] = {{"newer", Link::Newer}, {"older", Link::Older}, {"none", Link::None}};
+
+constexpr int kExecWordsBeforeArguments = 3; // exec FILE FUNCTION
+constexpr int kLongestTimeout = 24 * 60 * 60 * 1000;
+
+bool TakesNextWord(const QString& word) {
+    return std::any_of(std::begin(kOptions), std::end(kOptions), [&](const OptionRow& option) {
+        return option.value != nullptr && word == QLatin1String("--") + QLatin1String(option.name);
+    });
+}
+
+void AddOptions(QCommandLineParser& parser) {
+    for (const auto& option : kOptions) {
+        QStringList names{QLatin1String(option.name)};
+        if (option.shortName != nullptr)
+            names.prepend(QLatin1String(option.shortName));
+        parser.addOption({names, {}, QLatin1String(option.value == nullptr ? "" : option.value)});
+    }
+}
+
+} // namespace
+
+QString ArgumentReader::Read(const QStringList& words) {
+    const int own = OwnWords(words);
+    QCommandLineParser parser;
+    AddOptions(parser);
+    const bool understood = parser.parse(QStringList(QStringLiteral("stagehost")) + words.mid(0, own));
+    const auto isSet = [&](const char* name) { return parser.isSet(QLatin1String(name)); };
+    const auto value = [&](const char* name) { return parser.value(QLatin1String(name)); };
+    options_.json = isSet("json");
+    options_.help = isSet("help");
+    options_.version = isSet("version");
+    options_.log = isSet("log");
+    options_.logFile = value("log-file");
+    options_.module = value("module");
+    const QStringList rest = parser.positionalArguments() + words.mid(own);
+    options_.command = rest.value(0);
+    options_.arguments = rest.mid(1);
+    if (!understood)
+        return parser.errorText();
+    const QString problem = isSet("timeout") ? ReadTimeout(value("timeout")) : QString();
+    return problem.isEmpty() && isSet("link") ? ReadLink(value("link")) : problem;
+}
+
+/// The count of words that may be options of the program: all, or those up to the function of `exec`.
+int ArgumentReader::OwnWords(const QStringList& words) {
+    QStringList plain;
+    bool optionsEnded = false;
+    for (int index = 0; index < words.size(); ++index) {
+        const QString& word = words.at(index);
+        const bool option = !optionsEnded && word.size() > 1 && word.startsWith(QLatin1Char('-'));
+        if (option) {
+            optionsEnded = word == QLatin1String("--");
+            index += TakesNextWord(word) ? 1 : 0;
+            continue;
+        }
+        plain += word;
+        if (plain.first() == QLatin1String("exec") && plain.size() == kExecWordsBeforeArguments)
+            return index + 1;
+    }
+    return words.size();
+}
+
+QString ArgumentReader::ReadTimeout(const QString& text) {
+    bool number = false;
+    const int milliseconds = text.toInt(&number);
+    if (!number || milliseconds < 1 || milliseconds > kLongestTimeout)
+        return QStringLiteral("--timeout needs a number of milliseconds from 1 to %1, not \"%2\"")
+            .arg(kLongestTimeout)
+            .arg(text);
+    options_.timeout = std::chrono::milliseconds(milliseconds);
+    return {};
+}
+
+QString ArgumentReader::ReadLink(const QString& text) {
+    for (const auto& row : kLinks) {
+        if (text == QLatin1String(row.name)) {
+            options_.link = row.link;
+            return {};
+        }
+    }
+    return QStringLiteral("--link is \"newer\", \"older\" or \"none\", not \"%1\"").arg(text);
+}
+
+QString OptionHelp() {
+    QString text;
+    for (const auto& option : kOptions) {
+        QString form = QLatin1String("--") + QLatin1String(option.name);
+        if (option.value != nullptr)
+            form += QLatin1Char(' ') + QLatin1String(option.value);
+        text += QStringLiteral("  %1  %2\n").arg(form, -23).arg(QLatin1String(option.help));
+    }
+    return text;
+}
+
+} // namespace stagehost

@@ -1,0 +1,85 @@
+#include "CommandTable.h"
+
+#include "ArgumentReader.h"
+#include "Commands.h"
+
+namespace stagehost {
+
+namespace {
+
+constexpr int kAny = -1;
+
+constexpr Command kCommands[] = {
+    {"run", "SHOW.json", "plays a show: starts its devices, sends its steps, shows the results",
+     "stagehost run examples/cuelist/show.json\n"
+     "stagehost run --log examples/cuelist/show.json",
+     1, 1, &RunShow},
+    {"exec", "FILE.js FUNCTION [ARG...]", "runs one function of a script and prints its result",
+     "stagehost exec lights.js fadeTo 50 2.5\n"
+     "stagehost exec --timeout 500 lights.js fadeTo -5   (all words behind FUNCTION reach the function as text)",
+     2, 2 + 8, &ExecFunction},
+    {"check", "FILE.js", "tells whether a script loads and, if not, the error and its line",
+     "stagehost check lights.js\n"
+     "stagehost check --json lights.js",
+     1, 1, &CheckScript},
+    {"send", "SHOW.json DEVICE COMMAND [PARAM=VALUE...]", "sends one command to a device of a show",
+     "stagehost send show.json desk \"Execute Function\" \"Script Function Name=blackout\"\n"
+     "stagehost send show.json desk 3 \"Script Function Name=fadeTo\" Param1=50",
+     3, kAny, &SendCommand},
+    {"definition", "[SHOW.json | FILE.js]", "shows the commands and variables of a device",
+     "stagehost definition\n"
+     "stagehost definition lights.js\n"
+     "stagehost definition --json show.json",
+     0, 1, &ShowDefinition},
+    {"variables", "SHOW.json | FILE.js [NAME...]", "shows variables and their values once the scripts are loaded",
+     "stagehost variables show.json\n"
+     "stagehost variables lights.js script.Status script.Error",
+     1, kAny, &ShowVariables},
+};
+
+QString Lines(const char* text, const QString& indent) {
+    return indent + QString::fromUtf8(text).replace(QLatin1Char('\n'), QLatin1Char('\n') + indent) +
+           QLatin1Char('\n');
+}
+
+QString CommandHelp(const Command& command) {
+    const QString indent = QStringLiteral("  ");
+    return QStringLiteral("stagehost %1 %2\n\n").arg(QLatin1String(command.name), QLatin1String(command.form)) +
+           Lines(command.summary, indent) + QStringLiteral("\nExamples\n") + Lines(command.examples, indent) +
+           QStringLiteral("\nOptions\n") + OptionHelp();
+}
+
+QString ProgramHelp() {
+    QString text = QStringLiteral("stagehost: a small show host for the desk. It loads scripts into devices and works them "
+                                  "as a show does.\n\n"
+                                  "stagehost [OPTIONS] COMMAND ...\n\nCommands\n");
+    QString examples;
+    for (const auto& command : kCommands) {
+        text += QStringLiteral("  %1 %2\n      %3\n")
+                    .arg(QLatin1String(command.name), QLatin1String(command.form), QLatin1String(command.summary));
+        examples += QStringLiteral("  ") + QString::fromUtf8(command.examples).section(QLatin1Char('\n'), 0, 0) +
+                    QLatin1Char('\n');
+    }
+    return text + QStringLiteral("\nOptions\n") + OptionHelp() + QStringLiteral("\nExamples\n") + examples +
+           QStringLiteral("\nExit codes\n"
+                          "  0  all went well\n"
+                          "  1  the script failed, a command was refused, or a step went otherwise than expected\n"
+                          "  2  bad arguments, an unreadable or bad file\n"
+                          "  3  no answer within --timeout\n"
+                          "  4  the module could not be loaded\n"
+                          "\n\"stagehost COMMAND --help\" tells more about one command.\n");
+}
+
+} // namespace
+
+const Command* FindCommand(const QString& name) {
+    for (const auto& command : kCommands) {
+        if (name == QLatin1String(command.name))
+            return &command;
+    }
+    return nullptr;
+}
+
+QString HelpText(const Command* command) { return command == nullptr ? ProgramHelp() : CommandHelp(*command); }
+
+} // namespace stagehost

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+#include "Options.h"
+
+namespace stagehost {
+
+/// One command of the program: its form, its help and its work.
+struct Command {
+    const char* name;
+    const char* form;     ///< the words behind the name
+    const char* summary;  ///< one line
+    const char* examples; ///< lines of the help
+    int fewest;           ///< words behind the name
+    int most;             ///< -1 for any number
+    int (*run)(const Options& options);
+};
+
+/// The command of that name, or null.
+const Command* FindCommand(const QString& name);
+
+/// The help of one command or, for null, of the program.
+QString HelpText(const Command* command);
+
+} // namespace stagehost

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "Options.h"
+
+/// @file
+/// The work of the program's commands. Each prints its outcome and gives the exit code.   [host main]
+
+namespace stagehost {
+
+int RunShow(const Options& options);
+int ExecFunction(const Options& options);
+int CheckScript(const Options& options);
+int SendCommand(const Options& options);
+int ShowDefinition(const Options& options);
+int ShowVariables(const Options& options);
+
+} // namespace stagehost

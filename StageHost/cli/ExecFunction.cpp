@@ -1,0 +1,52 @@
+#include "BorderText.h"
+#include "Commands.h"
+#include "ExitCodes.h"
+#include "Output.h"
+#include "ScriptSession.h"
+
+namespace stagehost {
+
+namespace {
+
+/// The parameters of "Execute Function With Params".
+std::vector<ParameterInput> FunctionInputs(const QStringList& words) {
+    bool lost = false;
+    std::vector<ParameterInput> inputs{{"Script Function Name", ToBorderText(words.first(), &lost), {}}};
+    for (int index = 1; index < words.size(); ++index)
+        inputs.push_back({"Param" + std::to_string(index), ToBorderText(words.at(index), &lost), {}});
+    if (lost)
+        PrintProblem(QStringLiteral("note: a host carries Latin-1 text only; other characters became \"?\""));
+    return inputs;
+}
+
+MaybeFailure Exec(Session& session, const QStringList& words, CommandOutcome& outcome) {
+    if (const auto failure = session.Open(ShowOfScript(words.first())))
+        return failure;
+    if (const auto failure = session.Start())
+        return failure;
+    Device& device = *session.Devices().front();
+    auto failure = session.Send(device, QStringLiteral("Execute Function With Params"),
+                                FunctionInputs(words.mid(1)), &outcome);
+    if (failure && outcome.kind == CommandOutcome::Kind::Refused)
+        failure->text = words.at(1) + QStringLiteral(": ") + failure->text;
+    return failure;
+}
+
+} // namespace
+
+int ExecFunction(const Options& options) {
+    if (const auto failure = CheckReadable(options.arguments.first()))
+        return Fail(options.json, failure->exitCode, failure->text);
+    Session session(options);
+    CommandOutcome outcome;
+    const auto failure = Exec(session, options.arguments, outcome);
+    if (failure)
+        return session.Close(Fail(options.json, failure->exitCode, failure->text));
+    if (options.json)
+        PrintJson(ToJson(outcome));
+    else
+        PrintLine(FromBorderText(outcome.result));
+    return session.Close(kExitOk);
+}
+
+} // namespace stagehost

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <chrono>
+
+#include <QString>
+#include <QStringList>
+
+#include "HostSettings.h"
+
+namespace stagehost {
+
+/// What the command line asks for.
+struct Options {
+    QString command;       ///< the first word
+    QStringList arguments; ///< the words behind it
+    Link link = Link::Newer;
+    bool json = false;
+    bool log = false;
+    QString logFile; ///< empty: a temporary one
+    QString module;  ///< empty: the one beside the program
+    std::chrono::milliseconds timeout{10000};
+    bool help = false;
+    bool version = false;
+};
+
+} // namespace stagehost

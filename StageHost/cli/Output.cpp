@@ -1,0 +1,107 @@
+#include "Output.h"
+
+#include <cstdio>
+
+#include <QJsonDocument>
+
+#include "BorderText.h"
+#include "ExitCodes.h"
+
+namespace stagehost {
+
+namespace {
+
+constexpr int kLongestCell = 60;
+
+void Write(std::FILE* stream, const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+QString RefusalText(KXPCode code, const QString& command) {
+    if (code == KXP_SCRIPT_FAILED)
+        return QStringLiteral("the script has no function of that name");
+    if (code == KXP_BAD_COMMAND)
+        return QStringLiteral("the device does not know the command \"%1\" or lacks parameters for it").arg(command);
+    return QStringLiteral("the device refuses the command \"%1\" (code %2)").arg(command).arg(code);
+}
+
+} // namespace
+
+void Print(const QString& text) { Write(stdout, text); }
+
+void PrintLine(const QString& line) { Write(stdout, line + QLatin1Char('\n')); }
+
+void PrintProblem(const QString& line) { Write(stderr, line + QLatin1Char('\n')); }
+
+void PrintJson(const QJsonObject& object) {
+    Write(stdout, QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented)));
+}
+
+int Fail(bool json, int exitCode, const QString& text) {
+    PrintProblem(text);
+    if (json)
+        PrintJson({{QStringLiteral("ok"), false},
+                   {QStringLiteral("error"), text},
+                   {QStringLiteral("exitCode"), exitCode}});
+    return exitCode;
+}
+
+int ExitCodeOf(const CommandOutcome& outcome) {
+    if (outcome.kind == CommandOutcome::Kind::Done)
+        return kExitOk;
+    return outcome.kind == CommandOutcome::Kind::NoAnswer ? kExitNoAnswer : kExitScriptFailed;
+}
+
+QString FailureText(const CommandOutcome& outcome, const QString& command, std::chrono::milliseconds limit) {
+    switch (outcome.kind) {
+    case CommandOutcome::Kind::Done:
+        return {};
+    case CommandOutcome::Kind::ScriptFailed:
+        return FromBorderText(outcome.error);
+    case CommandOutcome::Kind::Refused:
+        return RefusalText(outcome.code, command);
+    case CommandOutcome::Kind::NoAnswer:
+        break;
+    }
+    return QStringLiteral("no answer to \"%1\" within %2 ms").arg(command).arg(limit.count());
+}
+
+QJsonObject ToJson(const CommandOutcome& outcome) {
+    constexpr const char* kKinds[] = {"done", "failed", "refused", "no answer"};
+    return {{QStringLiteral("ok"), outcome.kind == CommandOutcome::Kind::Done},
+            {QStringLiteral("outcome"), QLatin1String(kKinds[static_cast<int>(outcome.kind)])},
+            {QStringLiteral("code"), static_cast<double>(outcome.code)},
+            {QStringLiteral("result"), FromBorderText(outcome.result)},
+            {QStringLiteral("status"), FromBorderText(outcome.status)},
+            {QStringLiteral("error"), FromBorderText(outcome.error)},
+            {QStringLiteral("milliseconds"), outcome.milliseconds}};
+}
+
+QString Table(const QVector<QStringList>& rows, const QString& indent) {
+    QVector<int> widths;
+    for (const auto& row : rows) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (int column = 0; column < row.size(); ++column)
+            widths[column] = std::max(widths[column], row.at(column).size());
+    }
+    QString text;
+    for (const auto& row : rows) {
+        QString line = indent;
+        for (int column = 0; column < row.size(); ++column)
+            line += row.at(column).leftJustified(widths.at(column) + 2);
+        while (line.endsWith(QLatin1Char(' ')))
+            line.chop(1);
+        text += line + QLatin1Char('\n');
+    }
+    return text;
+}
+
+QString OneLine(const QString& text) {
+    QString line = text;
+    line.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
+    return line.size() <= kLongestCell ? line : line.left(kLongestCell - 3) + QStringLiteral("...");
+}
+
+} // namespace stagehost

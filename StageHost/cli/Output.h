@@ -1,0 +1,41 @@
+#pragma once
+
+#include <chrono>
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+#include "CommandOutcome.h"
+
+/// @file
+/// Output of the program: UTF-8, results on standard output, everything else on standard error.   [host main]
+
+namespace stagehost {
+
+void Print(const QString& text);
+void PrintLine(const QString& line);
+void PrintProblem(const QString& line); ///< to standard error
+void PrintJson(const QJsonObject& object);
+
+/// Reports a failure: the text on standard error, and on standard output as JSON if that was asked for.
+/// @return the exit code, for the caller to pass on.
+int Fail(bool json, int exitCode, const QString& text);
+
+/// The exit code that an outcome stands for.
+int ExitCodeOf(const CommandOutcome& outcome);
+
+/// What went wrong, in words; empty for an outcome that is well.
+QString FailureText(const CommandOutcome& outcome, const QString& command, std::chrono::milliseconds limit);
+
+/// An outcome as JSON.
+QJsonObject ToJson(const CommandOutcome& outcome);
+
+/// Rows as aligned columns, two blanks apart; the last column is not padded.
+QString Table(const QVector<QStringList>& rows, const QString& indent);
+
+/// A text on one line, cut where it is longer than a line is wide.
+QString OneLine(const QString& text);
+
+} // namespace stagehost

@@ -1,0 +1,137 @@
+#include <QFileInfo>
+#include <QJsonArray>
+
+#include "BorderText.h"
+#include "Commands.h"
+#include "ExitCodes.h"
+#include "Output.h"
+#include "ScriptSession.h"
+#include "StepPlayer.h"
+
+namespace stagehost {
+
+namespace {
+
+QString Count(std::size_t number, const char* noun) {
+    return QStringLiteral("%1 %2%3").arg(number).arg(QLatin1String(noun), QLatin1String(number == 1 ? "" : "s"));
+}
+
+QString Milliseconds(double milliseconds) { return QStringLiteral("%1 ms").arg(milliseconds, 0, 'f', 1); }
+
+/// What a step sends, as a line of the output: the command and the parameters that say most of it.
+QString Headline(const ShowStep& step) {
+    if (!step.say.isEmpty())
+        return step.say;
+    QStringList texts;
+    for (const auto& parameter : step.parameters)
+        texts += OneLine(parameter.text);
+    return texts.isEmpty() ? step.command : QStringLiteral("%1 (%2)").arg(step.command, texts.join(QStringLiteral(", ")));
+}
+
+/// Shows a playing show: text as it goes, or one JSON text at the end.
+class ShowReport {
+public:
+    ShowReport(const Options& options, const Show& show)
+        : json_(options.json)
+        , show_(show) {}
+
+    void Begin() const {
+        if (!json_)
+            PrintLine(QStringLiteral("%1 (%2, %3)")
+                          .arg(show_.name, Count(show_.devices.size(), "device"), Count(show_.steps.size(), "step")));
+    }
+
+    void DeviceReady(const ShowDevice& device) const {
+        const QString script = device.scriptFile.isEmpty() ? QString() : QFileInfo(device.scriptFile).fileName();
+        if (!json_)
+            PrintLine(QStringLiteral("  %1 is ready%2")
+                          .arg(device.name, script.isEmpty() ? QString() : QStringLiteral(", running ") + script));
+    }
+
+    void StepDone(const ShowStep& step, const StepOutcome& outcome) {
+        ++played_;
+        if (json_)
+            return AddStep(step, outcome);
+        PrintLine(QStringLiteral("\n%1. %2").arg(played_).arg(Headline(step)));
+        PrintLine(QStringLiteral("   %1: %2").arg(step.device, step.command));
+        QStringList lines = FromBorderText(outcome.command.result).split(QLatin1Char('\n'));
+        while (!lines.isEmpty() && lines.last().isEmpty())
+            lines.removeLast();
+        for (const QString& line : lines)
+            PrintLine(QStringLiteral("   | ") + line);
+        if (!outcome.failure)
+            PrintLine(QStringLiteral("   %1, %2").arg(Verdict(step), Milliseconds(outcome.command.milliseconds)));
+    }
+
+    int End(const MaybeFailure& failure) const {
+        const int exitCode = failure ? failure->exitCode : kExitOk;
+        if (failure)
+            PrintProblem(failure->text);
+        if (json_)
+            PrintJson({{QStringLiteral("show"), show_.name},
+                       {QStringLiteral("ok"), !failure},
+                       {QStringLiteral("error"), failure ? failure->text : QString()},
+                       {QStringLiteral("exitCode"), exitCode},
+                       {QStringLiteral("steps"), steps_}});
+        else if (!failure)
+            PrintLine(QStringLiteral("\nThe show is over: all %1 went well.").arg(Count(show_.steps.size(), "step")));
+        return exitCode;
+    }
+
+private:
+    static QString Verdict(const ShowStep& step) {
+        return step.expectedError ? QStringLiteral("failed as expected: ") + *step.expectedError : QStringLiteral("ok");
+    }
+
+    void AddStep(const ShowStep& step, const StepOutcome& outcome) {
+        QJsonObject object = ToJson(outcome.command);
+        object.insert(QStringLiteral("say"), step.say);
+        object.insert(QStringLiteral("device"), step.device);
+        object.insert(QStringLiteral("command"), step.command);
+        object.insert(QStringLiteral("asExpected"), !outcome.failure);
+        steps_.append(object);
+    }
+
+    const bool json_;
+    const Show& show_;
+    int played_ = 0;
+    QJsonArray steps_;
+};
+
+MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
+    if (const auto failure = session.Open(show))
+        return failure;
+    report.Begin();
+    for (const auto& device : show.devices) {
+        Device& made = *session.FindDevice(device.name);
+        if (const auto failure = session.StartDevice(made))
+            return failure;
+        if (const auto failure = session.LoadScript(made, device))
+            return Failure{failure->exitCode, QStringLiteral("%1: %2").arg(device.name, failure->text)};
+        report.DeviceReady(device);
+    }
+    StepPlayer player(session, show);
+    int number = 0;
+    for (const auto& step : show.steps) {
+        const StepOutcome outcome = player.Play(step);
+        report.StepDone(step, outcome);
+        ++number;
+        if (outcome.failure)
+            return Failure{outcome.failure->exitCode,
+                           QStringLiteral("step %1 (%2): %3").arg(number).arg(Headline(step), outcome.failure->text)};
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+int RunShow(const Options& options) {
+    Show show;
+    if (const auto failure = ReadShow(options.arguments.first(), show))
+        return Fail(options.json, failure->exitCode, failure->text);
+    Session session(options);
+    ShowReport report(options, show);
+    return session.Close(report.End(Play(session, show, report)));
+}
+
+} // namespace stagehost

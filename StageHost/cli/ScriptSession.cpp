@@ -1,0 +1,42 @@
+#include "ScriptSession.h"
+
+#include <QFileInfo>
+
+#include "ExitCodes.h"
+#include "ShowReader.h"
+#include "TextFile.h"
+
+namespace stagehost {
+
+Show ShowOfScript(const QString& file) {
+    Show show = EmptyShow(QFileInfo(file).absolutePath());
+    show.name = QFileInfo(file).completeBaseName();
+    show.devices.push_back({QStringLiteral("script"), file.isEmpty() ? QString() : QFileInfo(file).absoluteFilePath(), {}, {}});
+    return show;
+}
+
+MaybeFailure CheckReadable(const QString& file) {
+    QString problem;
+    if (ReadTextBytes(file, &problem))
+        return std::nullopt;
+    return Failure{kExitBadUse, problem};
+}
+
+MaybeFailure ReadShowOrScript(const QString& file, Show& show) {
+    if (file.endsWith(QLatin1String(".json"), Qt::CaseInsensitive))
+        return ReadShow(file, show);
+    show = ShowOfScript(file);
+    return CheckReadable(file);
+}
+
+MaybeFailure ReadShow(const QString& file, Show& show) {
+    ShowReader reader;
+    const auto read = reader.ReadFile(file);
+    if (!read)
+        return Failure{kExitBadUse, file + QStringLiteral(": ") +
+                                        reader.Complaints().join(QStringLiteral("\n") + file + QStringLiteral(": "))};
+    show = *read;
+    return std::nullopt;
+}
+
+} // namespace stagehost

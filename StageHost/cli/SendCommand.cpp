@@ -1,0 +1,63 @@
+#include "BorderText.h"
+#include "Commands.h"
+#include "ExitCodes.h"
+#include "Output.h"
+#include "ScriptSession.h"
+
+namespace stagehost {
+
+namespace {
+
+MaybeFailure ReadInputs(const QStringList& words, std::vector<ParameterInput>& inputs) {
+    for (const QString& word : words) {
+        const int equals = word.indexOf(QLatin1Char('='));
+        if (equals < 1)
+            return Failure{kExitBadUse, QStringLiteral("expected PARAM=VALUE, not \"%1\"").arg(word)};
+        inputs.push_back({ToBorderText(word.left(equals)), ToBorderText(word.mid(equals + 1)), {}});
+    }
+    return std::nullopt;
+}
+
+MaybeFailure SendTo(Session& session, const Show& show, const QStringList& words, CommandOutcome& outcome, bool& sent) {
+    std::vector<ParameterInput> inputs;
+    if (const auto failure = ReadInputs(words.mid(3), inputs))
+        return failure;
+    if (show.FindDevice(words.at(1)) == nullptr)
+        return Failure{kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(words.at(1))};
+    if (const auto failure = session.Open(show))
+        return failure;
+    if (const auto failure = session.Start())
+        return failure;
+    const auto failure = session.Send(*session.FindDevice(words.at(1)), words.at(2), inputs, &outcome);
+    sent = !failure || failure->exitCode != kExitBadUse;
+    return failure;
+}
+
+void PrintOutcome(const Options& options, const CommandOutcome& outcome) {
+    if (options.json)
+        return PrintJson(ToJson(outcome));
+    Print(Table({{QStringLiteral("Result:"), FromBorderText(outcome.result)},
+                 {QStringLiteral("Status:"), FromBorderText(outcome.status)},
+                 {QStringLiteral("Error:"), FromBorderText(outcome.error)}},
+                {}));
+}
+
+} // namespace
+
+int SendCommand(const Options& options) {
+    Show show;
+    if (const auto failure = ReadShow(options.arguments.first(), show))
+        return Fail(options.json, failure->exitCode, failure->text);
+    Session session(options);
+    CommandOutcome outcome;
+    bool sent = false;
+    const auto failure = SendTo(session, show, options.arguments, outcome, sent);
+    if (failure && !sent)
+        return session.Close(Fail(options.json, failure->exitCode, failure->text));
+    PrintOutcome(options, outcome);
+    if (failure)
+        PrintProblem(failure->text);
+    return session.Close(failure ? failure->exitCode : kExitOk);
+}
+
+} // namespace stagehost

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <QTemporaryDir>
+
+#include "Device.h"
+#include "Host.h"
+#include "LogFollower.h"
+#include "ModuleFile.h"
+#include "Options.h"
+#include "Show.h"
+#include "WorkerPool.h"
+
+namespace stagehost {
+
+/// What went wrong, with the exit code that it means.
+struct Failure {
+    int exitCode;
+    QString text;
+};
+
+using MaybeFailure = std::optional<Failure>;
+
+/// One run of the host: the module loaded, the show's variables and devices made. Every call into the module is bounded
+/// in time.   [host main]
+class Session {
+public:
+    explicit Session(const Options& options);
+
+    /// Ends everything that Close has not ended.
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Loads the module and makes the show's variables and devices.
+    MaybeFailure Open(const Show& show);
+
+    /// Starts every device and loads its script into it.
+    MaybeFailure Start();
+
+    /// Starts one device. @return what is wrong when it does not come back in time.
+    MaybeFailure StartDevice(Device& device);
+
+    /// Loads a show device's script, if it has one, into its device.
+    MaybeFailure LoadScript(Device& device, const ShowDevice& described);
+
+    /// Loads a script file into a device by its command "Load From File".
+    MaybeFailure LoadFile(Device& device, const QString& path);
+
+    /// Sends a command by its name or id with inputs that are checked first.
+    /// @param outcome receives how it went, when it was sent.
+    MaybeFailure Send(Device& device, const QString& command, const std::vector<ParameterInput>& inputs,
+                      CommandOutcome* outcome);
+
+    Device* FindDevice(const QString& name);
+    const std::vector<std::unique_ptr<Device>>& Devices() const { return devices_; }
+    Host& TheHost() { return *host_; }
+
+    /// Stops and releases the devices, ends the module. When something in the module cannot be ended, the process is
+    /// left at once.
+    /// @return the exit code given, or that of "no answer" when it was 0 and a device could not be ended in time.
+    int Close(int exitCode);
+
+private:
+    MaybeFailure PrepareLog(HostSettings& settings);
+    MaybeFailure LoadModule();
+    MaybeFailure MakeDevice(const ShowDevice& described);
+
+    const Options& options_;
+    Show show_;
+    std::unique_ptr<QTemporaryDir> logFolder_; ///< holds a temporary log; null otherwise
+    std::unique_ptr<LogFollower> follower_;
+    std::unique_ptr<Host> host_;
+    std::unique_ptr<ModuleFile> module_;
+    std::unique_ptr<WorkerPool> pool_;
+    std::vector<std::unique_ptr<Device>> devices_;
+};
+
+/// The text of a path for the border: the full path, or one from the working folder when only that can be carried.
+MaybeFailure PathForBorder(const QString& path, std::string& border);
+
+} // namespace stagehost

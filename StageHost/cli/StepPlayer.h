@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Session.h"
+
+namespace stagehost {
+
+/// How one step of a show went.
+struct StepOutcome {
+    CommandOutcome command;
+    MaybeFailure failure; ///< nothing when the step went as expected
+};
+
+/// Plays single steps of a show in a session.   [host main]
+class StepPlayer {
+public:
+    StepPlayer(Session& session, const Show& show);
+
+    StepOutcome Play(const ShowStep& step);
+
+private:
+    MaybeFailure ReadInputs(const ShowStep& step, std::vector<ParameterInput>& inputs);
+    MaybeFailure ReadInput(const ShowParameter& parameter, ParameterInput& input);
+    static MaybeFailure Compare(const ShowStep& step, const CommandOutcome& outcome, const MaybeFailure& failure);
+
+    Session& session_;
+    const Show& show_;
+};
+
+} // namespace stagehost

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <optional>
+
+#include <QJsonValue>
+#include <QString>
+#include <QStringList>
+
+namespace stagehost {
+
+/// A value of a JSON text together with its place in it, so that a complaint can name that place:
+/// "devices[1].script: expected text".
+///
+/// Asking for another type than the value has notes a complaint and gives a neutral value, so that one reading finds
+/// all that is wrong. A value that is missing gives the neutral value without a complaint.
+class JsonNode {
+public:
+    /// @param complaints collects what is wrong; must outlive the node and all nodes made from it.
+    JsonNode(QJsonValue value, QString path, QStringList& complaints);
+
+    bool IsMissing() const { return value_.isUndefined(); }
+    bool IsObject() const { return value_.isObject(); }
+
+    QString Text() const;
+    QString TextOr(const QString& missing) const;
+    std::optional<double> Number() const;
+    std::optional<int> Whole(int lowest, int highest) const;
+
+    /// Text as it is, and numbers and truth values in their text form.
+    QString Scalar() const;
+
+    /// A member of an object; a missing one when there is none.
+    JsonNode Member(const QString& name) const;
+    QStringList MemberNames() const;
+
+    /// The items of a list, in order; none when the value is missing.
+    void ForEach(const std::function<void(const JsonNode&)>& call) const;
+
+    /// Complains when this is no object, and about each member of another name.
+    bool ExpectObject(std::initializer_list<const char*> names) const;
+
+    void Complain(const QString& what) const;
+
+private:
+    bool Expect(bool right, const QString& what) const;
+
+    QJsonValue value_;
+    QString path_;
+    QStringList& complaints_;
+};
+
+/// Number as the shortest text that reads back as the same number; whole numbers without decimals.
+QString NumberText(double number);
+
+} // namespace stagehost

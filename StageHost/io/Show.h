@@ -1,0 +1,73 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include <QString>
+
+#include "HostSettings.h"
+#include "ValueSpec.h"
+
+namespace stagehost {
+
+/// A device of a show. At most one of script file and script text is set.
+struct ShowDevice {
+    QString name;
+    QString scriptFile; ///< as the show file names it: relative to that file or absolute
+    QString scriptText;
+    QString setup; ///< the device's own setup text, kept as the device gave it
+};
+
+/// What a step gives to one parameter of its command.
+struct ShowParameter {
+    enum class Kind {
+        Text,    ///< the text itself
+        File,    ///< the content of a text file
+        Path,    ///< the full path of a file
+        Variable ///< a variable of the show stands for the parameter
+    };
+
+    QString name;
+    Kind kind = Kind::Text;
+    QString text; ///< the text, the file's name relative to the show file, or the variable's name
+};
+
+/// One command that the show sends, and what is expected of it.
+struct ShowStep {
+    QString say; ///< shown to the user when the step begins
+    QString device;
+    QString command; ///< name or id
+    std::vector<ShowParameter> parameters;
+    std::optional<QString> expectedResult;
+    std::optional<QString> expectedError; ///< the step has to fail with this text
+};
+
+/// A show as its file tells it.
+struct Show {
+    QString folder; ///< where the show file stands; relative names start here
+    QString name;
+    HostSettings host; ///< without the log and the link, which are not the show's business
+    std::vector<ValueSpec> variables;
+    std::vector<ShowDevice> devices;
+    std::vector<ShowStep> steps;
+
+    /// The full path of a file that the show names.   [any]
+    QString Path(const QString& file) const;
+
+    /// The device of that name, or null.   [any]
+    const ShowDevice* FindDevice(const QString& deviceName) const;
+};
+
+/// Names of the host's folders in show files, each with its number.
+struct ShowFolder {
+    const char* name;
+    std::uint32_t number;
+};
+
+inline constexpr ShowFolder kShowFolders[] = {
+    {"programData", 1}, {"commonData", 4}, {"projectUserData", 20}, {"scripts", 33}};
+
+/// A show without content in that folder: default host, default folders.
+Show EmptyShow(const QString& folder);
+
+} // namespace stagehost

@@ -1,0 +1,207 @@
+#include "ShowReader.h"
+
+#include <algorithm>
+#include <limits>
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "BorderText.h"
+#include "DataTypes.h"
+#include "NameTools.h"
+#include "TextFile.h"
+#include "ValueFactory.h"
+
+namespace stagehost {
+
+namespace {
+
+constexpr int kHighest = std::numeric_limits<int>::max();
+constexpr int kLongestHostText = 27;
+
+/// Line and column, from 1, of a place in a text. The column counts characters, not bytes.
+QString PlaceOf(const QByteArray& text, int offset) {
+    const QByteArray before = text.left(offset);
+    const int lineStart = before.lastIndexOf('\n') + 1;
+    const int column = QString::fromUtf8(before.mid(lineStart)).size() + 1;
+    return QStringLiteral("%1:%2").arg(before.count('\n') + 1).arg(column);
+}
+
+QString Quoted(const QString& text) { return QLatin1Char('"') + text + QLatin1Char('"'); }
+
+} // namespace
+
+std::optional<Show> ShowReader::ReadFile(const QString& file) {
+    QString problem;
+    const auto text = ReadTextBytes(file, &problem);
+    if (!text) {
+        complaints_ += problem;
+        return std::nullopt;
+    }
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(*text, &error);
+    if (document.isNull()) {
+        complaints_ += PlaceOf(*text, error.offset) + QStringLiteral(": ") + error.errorString();
+        return std::nullopt;
+    }
+    show_ = EmptyShow(QFileInfo(file).absolutePath());
+    show_.name = QFileInfo(file).completeBaseName();
+    ReadShow(JsonNode(document.isObject() ? QJsonValue(document.object()) : QJsonValue(), {}, complaints_));
+    return complaints_.isEmpty() ? std::optional(show_) : std::nullopt;
+}
+
+void ShowReader::ReadShow(const JsonNode& root) {
+    if (!root.ExpectObject({"name", "host", "folders", "variables", "devices", "steps"}))
+        return;
+    show_.name = root.Member(QStringLiteral("name")).TextOr(show_.name);
+    ReadHost(root.Member(QStringLiteral("host")));
+    ReadFolders(root.Member(QStringLiteral("folders")));
+    root.Member(QStringLiteral("variables")).ForEach([this](const JsonNode& node) { ReadVariable(node); });
+    root.Member(QStringLiteral("devices")).ForEach([this](const JsonNode& node) { ReadDevice(node); });
+    root.Member(QStringLiteral("steps")).ForEach([this](const JsonNode& node) { ReadStep(node); });
+}
+
+void ShowReader::ReadHost(const JsonNode& host) {
+    if (!host.ExpectObject({"name", "version", "userMode"}))
+        return;
+    const auto text = [&](const char* name, std::string& target) {
+        const JsonNode node = host.Member(QLatin1String(name));
+        if (node.IsMissing())
+            return;
+        target = Border(node, node.Text());
+        if (target.size() > kLongestHostText)
+            node.Complain(QStringLiteral("at most %1 characters").arg(kLongestHostText));
+    };
+    text("name", show_.host.appName);
+    text("version", show_.host.version);
+    const auto userMode = host.Member(QStringLiteral("userMode")).Whole(0, kHighest);
+    show_.host.userMode = static_cast<std::uint32_t>(userMode.value_or(static_cast<int>(show_.host.userMode)));
+}
+
+void ShowReader::ReadFolders(const JsonNode& folders) {
+    if (!folders.ExpectObject({kShowFolders[0].name, kShowFolders[1].name, kShowFolders[2].name, kShowFolders[3].name}))
+        return;
+    for (const auto& folder : kShowFolders) {
+        const JsonNode node = folders.Member(QLatin1String(folder.name));
+        if (!node.IsMissing())
+            show_.host.folders[folder.number] = Border(node, show_.Path(node.Text()));
+    }
+}
+
+void ShowReader::ReadVariable(const JsonNode& node) {
+    if (!node.ExpectObject({"name", "type", "value", "min", "max", "maxLength", "precision", "timeCodeType", "items"}))
+        return;
+    const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
+    ValueSpec variable;
+    variable.name = Border(member("name"), member("name").Text());
+    if (!IsObjectName(variable.name.c_str()))
+        member("name").Complain(QStringLiteral("expected a name of a variable"));
+    const bool taken = std::any_of(show_.variables.begin(), show_.variables.end(),
+                                   [&](const auto& other) { return other.name == variable.name; });
+    if (taken)
+        member("name").Complain(QStringLiteral("another variable has this name"));
+    const DataType* type = FindDataTypeOfShow(member("type").TextOr(QStringLiteral("String")).toStdString());
+    if (type == nullptr)
+        member("type").Complain(
+            QStringLiteral("expected \"Integer\", \"Real\", \"String\", \"Time\", \"Date\", \"Enum\" or \"Private\""));
+    variable.type = type == nullptr ? KXP_STRING_DATA : type->code;
+    variable.minimum = member("min").Number();
+    variable.maximum = member("max").Number();
+    if (variable.minimum && variable.maximum && *variable.minimum > *variable.maximum)
+        member("min").Complain(QStringLiteral("above \"max\""));
+    variable.maxLength = member("maxLength").Whole(-1, kHighest).value_or(variable.maxLength);
+    variable.precision = member("precision").Whole(0, 15).value_or(variable.precision);
+    variable.timeCodeType = member("timeCodeType").Whole(0, 5).value_or(variable.timeCodeType);
+    member("items").ForEach([&](const JsonNode& item) { variable.items.push_back(Border(item, item.Text())); });
+    variable.text = Border(member("value"), member("value").Scalar());
+    if (!member("value").IsMissing() && !MakeValue(variable)->SetText(variable.text))
+        member("value").Complain(QStringLiteral("not a value of this type"));
+    show_.variables.push_back(std::move(variable));
+}
+
+void ShowReader::ReadDevice(const JsonNode& node) {
+    if (!node.ExpectObject({"name", "script", "scriptText", "setup"}))
+        return;
+    const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
+    ShowDevice device{member("name").Text(), member("script").Text(), member("scriptText").Text(),
+                      member("setup").Text()};
+    if (!IsObjectName(Border(member("name"), device.name).c_str()))
+        member("name").Complain(QStringLiteral("expected a name of a device"));
+    if (show_.FindDevice(device.name) != nullptr)
+        member("name").Complain(QStringLiteral("another device has this name"));
+    if (!member("script").IsMissing() && !member("scriptText").IsMissing())
+        member("scriptText").Complain(QStringLiteral("the device has a \"script\" already"));
+    if (!device.scriptFile.isEmpty() && !QFileInfo(show_.Path(device.scriptFile)).isFile())
+        member("script").Complain(QStringLiteral("there is no file ") + Quoted(device.scriptFile));
+    show_.devices.push_back(device);
+}
+
+void ShowReader::ReadStep(const JsonNode& node) {
+    if (!node.ExpectObject({"say", "device", "command", "params", "expect"}))
+        return;
+    const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
+    ShowStep step;
+    step.say = member("say").Text();
+    step.device = member("device").Text();
+    step.command = member("command").Scalar();
+    if (show_.FindDevice(step.device) == nullptr)
+        member("device").Complain(QStringLiteral("there is no device ") + Quoted(step.device));
+    if (step.command.isEmpty())
+        member("command").Complain(QStringLiteral("expected the name or the id of a command"));
+    const JsonNode params = member("params");
+    if (!params.IsMissing() && !params.IsObject())
+        params.Complain(QStringLiteral("expected an object"));
+    for (const QString& name : params.MemberNames())
+        ReadParameter(name, params.Member(name), step);
+    const JsonNode expect = member("expect");
+    expect.ExpectObject({"result", "error"});
+    const JsonNode result = expect.Member(QStringLiteral("result"));
+    const JsonNode error = expect.Member(QStringLiteral("error"));
+    if (!result.IsMissing())
+        step.expectedResult = result.Scalar();
+    if (!error.IsMissing())
+        step.expectedError = error.Text();
+    show_.steps.push_back(std::move(step));
+}
+
+void ShowReader::ReadParameter(const QString& name, const JsonNode& node, ShowStep& step) {
+    using Kind = ShowParameter::Kind;
+    ShowParameter parameter{name, Kind::Text, {}};
+    if (!node.IsObject()) {
+        parameter.text = node.Scalar();
+    } else if (node.ExpectObject({"file", "path", "variable"})) {
+        const QStringList kinds = node.MemberNames();
+        const QString kind = kinds.isEmpty() ? QString() : kinds.first();
+        if (kinds.size() != 1)
+            node.Complain(QStringLiteral("expected one of \"file\", \"path\" and \"variable\""));
+        parameter.kind = kind == QLatin1String("file")   ? Kind::File
+                         : kind == QLatin1String("path") ? Kind::Path
+                                                         : Kind::Variable;
+        parameter.text = node.Member(kind).Text();
+        CheckParameter(node, parameter);
+    }
+    step.parameters.push_back(parameter);
+}
+
+void ShowReader::CheckParameter(const JsonNode& node, const ShowParameter& parameter) {
+    using Kind = ShowParameter::Kind;
+    if (parameter.kind == Kind::File && !QFileInfo(show_.Path(parameter.text)).isFile())
+        node.Complain(QStringLiteral("there is no file ") + Quoted(parameter.text));
+    const std::string name = ToBorderText(parameter.text);
+    const bool known = std::any_of(show_.variables.begin(), show_.variables.end(),
+                                   [&](const auto& variable) { return variable.name == name; });
+    if (parameter.kind == Kind::Variable && !known && !parameter.text.contains(QLatin1Char('.')))
+        node.Complain(QStringLiteral("there is no variable ") + Quoted(parameter.text));
+}
+
+std::string ShowReader::Border(const JsonNode& node, const QString& text) {
+    bool lost = false;
+    std::string border = ToBorderText(text, &lost);
+    if (lost)
+        node.Complain(QStringLiteral("has characters beyond Latin-1, which a host cannot carry"));
+    return border;
+}
+
+} // namespace stagehost

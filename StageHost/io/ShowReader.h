@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+
+#include <QStringList>
+
+#include "JsonNode.h"
+#include "Show.h"
+
+namespace stagehost {
+
+/// Reads a show file and checks all of it before anything is done. Used once for one file.   [host main]
+class ShowReader {
+public:
+    /// @return nothing when something is wrong; Complaints tells what.
+    std::optional<Show> ReadFile(const QString& file);
+
+    /// One line for each mistake: "steps[0].device: there is no device "desk"", or, for a text that is no JSON,
+    /// "4:17: ..." with line and column.
+    const QStringList& Complaints() const { return complaints_; }
+
+private:
+    void ReadShow(const JsonNode& root);
+    void ReadHost(const JsonNode& host);
+    void ReadFolders(const JsonNode& folders);
+    void ReadVariable(const JsonNode& node);
+    void ReadDevice(const JsonNode& node);
+    void ReadStep(const JsonNode& node);
+    void ReadParameter(const QString& name, const JsonNode& node, ShowStep& step);
+    void CheckParameter(const JsonNode& node, const ShowParameter& parameter);
+    std::string Border(const JsonNode& node, const QString& text);
+
+    Show show_;
+    QStringList complaints_;
+};
+
+} // namespace stagehost

@@ -1,0 +1,123 @@
+#include "ShowWriter.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "BorderText.h"
+#include "DataTypes.h"
+
+namespace stagehost {
+
+namespace {
+
+using Kind = ShowParameter::Kind;
+
+void InsertText(QJsonObject& object, const char* name, const QString& text) {
+    if (!text.isEmpty())
+        object.insert(QLatin1String(name), text);
+}
+
+QJsonObject WriteHost(const HostSettings& host) {
+    return {{QStringLiteral("name"), FromBorderText(host.appName)},
+            {QStringLiteral("version"), FromBorderText(host.version)},
+            {QStringLiteral("userMode"), static_cast<int>(host.userMode)}};
+}
+
+QJsonObject WriteFolders(const Show& show) {
+    const Show defaults = EmptyShow(show.folder);
+    QJsonObject folders;
+    for (const auto& folder : kShowFolders) {
+        const auto& path = show.host.folders.at(folder.number);
+        if (path != defaults.host.folders.at(folder.number))
+            folders.insert(QLatin1String(folder.name), FromBorderText(path));
+    }
+    return folders;
+}
+
+QJsonObject WriteVariable(const ValueSpec& variable) {
+    const ValueSpec defaults;
+    QJsonObject object{{QStringLiteral("name"), FromBorderText(variable.name)},
+                       {QStringLiteral("type"), QLatin1String(FindDataType(variable.type)->showName)}};
+    InsertText(object, "value", FromBorderText(variable.text));
+    if (variable.minimum)
+        object.insert(QStringLiteral("min"), *variable.minimum);
+    if (variable.maximum)
+        object.insert(QStringLiteral("max"), *variable.maximum);
+    if (variable.maxLength != defaults.maxLength)
+        object.insert(QStringLiteral("maxLength"), variable.maxLength);
+    if (variable.precision != defaults.precision)
+        object.insert(QStringLiteral("precision"), variable.precision);
+    if (variable.timeCodeType != defaults.timeCodeType)
+        object.insert(QStringLiteral("timeCodeType"), variable.timeCodeType);
+    QJsonArray items;
+    for (const auto& item : variable.items)
+        items.append(FromBorderText(item));
+    if (!items.isEmpty())
+        object.insert(QStringLiteral("items"), items);
+    return object;
+}
+
+QJsonObject WriteDevice(const ShowDevice& device) {
+    QJsonObject object{{QStringLiteral("name"), device.name}};
+    InsertText(object, "script", device.scriptFile);
+    InsertText(object, "scriptText", device.scriptText);
+    InsertText(object, "setup", device.setup);
+    return object;
+}
+
+QJsonValue WriteParameter(const ShowParameter& parameter) {
+    const auto as = [&](const char* kind) { return QJsonObject{{QLatin1String(kind), parameter.text}}; };
+    switch (parameter.kind) {
+    case Kind::File:
+        return as("file");
+    case Kind::Path:
+        return as("path");
+    case Kind::Variable:
+        return as("variable");
+    case Kind::Text:
+        break;
+    }
+    return parameter.text;
+}
+
+QJsonObject WriteStep(const ShowStep& step) {
+    QJsonObject object{{QStringLiteral("device"), step.device}, {QStringLiteral("command"), step.command}};
+    InsertText(object, "say", step.say);
+    QJsonObject parameters;
+    for (const auto& parameter : step.parameters)
+        parameters.insert(parameter.name, WriteParameter(parameter));
+    if (!parameters.isEmpty())
+        object.insert(QStringLiteral("params"), parameters);
+    QJsonObject expect;
+    if (step.expectedResult)
+        expect.insert(QStringLiteral("result"), *step.expectedResult);
+    if (step.expectedError)
+        expect.insert(QStringLiteral("error"), *step.expectedError);
+    if (!expect.isEmpty())
+        object.insert(QStringLiteral("expect"), expect);
+    return object;
+}
+
+template <typename Items, typename Write>
+QJsonArray WriteList(const Items& items, Write write) {
+    QJsonArray list;
+    for (const auto& item : items)
+        list.append(write(item));
+    return list;
+}
+
+} // namespace
+
+QByteArray WriteShow(const Show& show) {
+    QJsonObject root{{QStringLiteral("name"), show.name}, {QStringLiteral("host"), WriteHost(show.host)}};
+    const QJsonObject folders = WriteFolders(show);
+    if (!folders.isEmpty())
+        root.insert(QStringLiteral("folders"), folders);
+    root.insert(QStringLiteral("variables"), WriteList(show.variables, &WriteVariable));
+    root.insert(QStringLiteral("devices"), WriteList(show.devices, &WriteDevice));
+    root.insert(QStringLiteral("steps"), WriteList(show.steps, &WriteStep));
+    return QJsonDocument(root).toJson(QJsonDocument::Indented);
+}
+
+} // namespace stagehost

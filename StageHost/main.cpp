@@ -1,0 +1,83 @@
+#include <optional>
+
+#include <QApplication>
+#include <QTextCodec>
+
+#include "ArgumentReader.h"
+#include "BorderText.h"
+#include "CommandTable.h"
+#include "ExitCodes.h"
+#include "MainWait.h"
+#include "Output.h"
+
+using namespace stagehost;
+
+namespace {
+
+/// Without any display the windows that a module may make go nowhere instead of ending the program.
+void ChoosePlatform() {
+    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        if (!qEnvironmentVariableIsEmpty(variable))
+            return;
+    }
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+/// File names are UTF-8 where the locale says nothing better, as in a container without one.
+void ChooseFileNameEncoding() {
+    if (!QTextCodec::codecForLocale()->canEncode(QChar(0xE9)))
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+}
+
+QStringList Words(int count, char** words) {
+    QStringList list;
+    for (int index = 1; index < count; ++index)
+        list += FromOutsideText(words[index]);
+    return list;
+}
+
+int BadUse(const Options& options, const QString& problem) {
+    return Fail(options.json, kExitBadUse,
+                problem + QStringLiteral("\nTry: stagehost %1--help")
+                              .arg(FindCommand(options.command) == nullptr ? QString()
+                                                                           : options.command + QLatin1Char(' ')));
+}
+
+/// What the arguments ask for without any device; nothing when a command has to run.
+std::optional<int> AnswerAtOnce(const Options& options, const QString& problem) {
+    const Command* command = FindCommand(options.command);
+    if (options.help || options.command == QLatin1String("help")) {
+        Print(HelpText(options.help ? command : FindCommand(options.arguments.value(0))));
+        return kExitOk;
+    }
+    if (options.version) {
+        PrintLine(QStringLiteral("stagehost " STAGEHOST_VERSION));
+        return kExitOk;
+    }
+    if (!problem.isEmpty())
+        return BadUse(options, problem);
+    if (options.command.isEmpty())
+        return BadUse(options, QStringLiteral("there is no command"));
+    if (command == nullptr)
+        return BadUse(options, QStringLiteral("there is no command \"%1\"").arg(options.command));
+    const int count = options.arguments.size();
+    if (count < command->fewest || (command->most >= 0 && count > command->most))
+        return BadUse(options, QStringLiteral("the form is: stagehost %1 %2")
+                                   .arg(QLatin1String(command->name), QLatin1String(command->form)));
+    return std::nullopt;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    ChooseFileNameEncoding();
+    ArgumentReader reader;
+    const QString problem = reader.Read(Words(argc, argv));
+    if (const auto exitCode = AnswerAtOnce(reader.Result(), problem))
+        return *exitCode;
+    ChoosePlatform();
+    int applicationArguments = 1; // the words are ours, not those of the toolkit
+    const QApplication application(applicationArguments, argv);
+    const MainWait wait;
+    return FindCommand(reader.Result().command)->run(reader.Result());
+}
