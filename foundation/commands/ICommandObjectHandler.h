@@ -10,5 +10,5 @@ public:
     virtual void OnCommandDestroyed(void* userData) = 0;
 
 protected:
-    ~ICommandObjectHandler() = default;
+    virtual ~ICommandObjectHandler() = default;
 };

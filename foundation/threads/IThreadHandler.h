@@ -12,5 +12,5 @@ public:
     virtual std::uint32_t ThreadRun(MThread* thread) = 0;
 
 protected:
-    ~IThreadHandler() = default;
+    virtual ~IThreadHandler() = default;
 };

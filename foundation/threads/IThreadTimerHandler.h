@@ -10,5 +10,5 @@ public:
     virtual void OnTimer(std::uint32_t nowMs) = 0;
 
 protected:
-    ~IThreadTimerHandler() = default;
+    virtual ~IThreadTimerHandler() = default;
 };

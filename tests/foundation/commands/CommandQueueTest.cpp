@@ -1,0 +1,78 @@
+#include "CommandQueue.h"
+
+#include "CommandFixture.h"
+
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+std::unique_ptr<MCommandObject> Command(std::int32_t id, Requests* requests = nullptr) {
+    return std::make_unique<MCommandObject>(nullptr, id, 0, requests, nullptr);
+}
+
+} // namespace
+
+TEST(CommandQueue, CommandsLeaveInTheOrderInWhichTheyCame) {
+    CommandQueue queue;
+    EXPECT_EQ(queue.TakeOldest(), nullptr);
+    for (int id = 1; id <= 3; ++id)
+        EXPECT_EQ(queue.Append(Command(id), 10), nullptr);
+    EXPECT_EQ(queue.Count(), 3);
+    for (int id = 1; id <= 3; ++id)
+        EXPECT_EQ(queue.TakeOldest()->GetId(), id);
+    EXPECT_TRUE(queue.IsEmpty());
+    EXPECT_EQ(queue.TakeOldest(), nullptr);
+    EXPECT_EQ(queue.Append(Command(4), 10), nullptr);
+    EXPECT_EQ(queue.TakeOldest()->GetId(), 4) << "usable again after it was empty";
+}
+
+TEST(CommandQueue, DropsTheOldestOnlyWhenItHeldMoreThanTheLimit) {
+    CommandQueue queue;
+    EXPECT_EQ(queue.Append(Command(1), 1), nullptr);
+    EXPECT_EQ(queue.Append(Command(2), 1), nullptr) << "one is not more than one";
+    const auto dropped = queue.Append(Command(3), 1);
+    ASSERT_NE(dropped, nullptr);
+    EXPECT_EQ(dropped->GetId(), 1);
+    EXPECT_EQ(queue.Count(), 2);
+}
+
+TEST(CommandQueue, ClearingAndDestroyingDeleteWhatWaits) {
+    Requests requests;
+    {
+        CommandQueue queue;
+        queue.Append(Command(1, &requests), 10);
+        queue.Append(Command(2, &requests), 10);
+        queue.Clear();
+        EXPECT_EQ(requests.Ended(), 2U);
+        EXPECT_TRUE(queue.IsEmpty());
+        queue.Clear();
+        queue.Append(Command(3, &requests), 10);
+    }
+    EXPECT_EQ(requests.Ended(), 3U);
+}
+
+TEST(CommandQueue, EachCommandLeavesExactlyOnce) {
+    Requests requests;
+    CommandQueue queue;
+    constexpr int kEach = 2000;
+    std::atomic<int> taken{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i)
+        threads.emplace_back([&] {
+            for (int n = 0; n < kEach; ++n)
+                queue.Append(Command(n, &requests), 50);
+        });
+    threads.emplace_back([&] {
+        for (int n = 0; n < kEach; ++n) {
+            taken += queue.TakeOldest() ? 1 : 0;
+            if (n % 100 == 0)
+                queue.Clear();
+        }
+    });
+    for (auto& thread : threads)
+        thread.join();
+    queue.Clear();
+    EXPECT_EQ(requests.Begun(), 3U * kEach);
+    EXPECT_EQ(requests.Ended(), 3U * kEach);
+}

@@ -1,0 +1,231 @@
+#include "MThreadTimer.h"
+
+#include "Clock.h"
+#include "Deadline.h"
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <gtest/gtest.h>
+#include <thread>
+#include <vector>
+
+namespace {
+
+class Ticks : public IThreadTimerHandler {
+public:
+    void OnTimer(std::uint32_t nowMs) override {
+        lastMs = nowMs;
+        ++count;
+        if (action)
+            action();
+    }
+    bool HaveReached(int wanted) const {
+        return Eventually([&] { return count >= wanted; });
+    }
+
+    std::function<void()> action; // set before the handler is added
+    std::atomic<int> count{0};
+    std::atomic<std::uint32_t> lastMs{0};
+};
+
+constexpr std::uint32_t kHourMs = 3600000;
+
+} // namespace
+
+TEST(MThreadTimer, CallsItsHandlersAgainAndAgain) {
+    Ticks first;
+    Ticks second;
+    MThreadTimer timer(1);
+    timer.AddHandler(&first);
+    timer.AddHandler(&second);
+    ASSERT_TRUE(timer.Start(false));
+    EXPECT_TRUE(first.HaveReached(3));
+    EXPECT_TRUE(second.HaveReached(3));
+    timer.RemoveHandler(&first);
+    timer.RemoveHandler(&second);
+}
+
+TEST(MThreadTimer, HandsTheClockOfThePassToAllHandlers) {
+    Ticks first;
+    Ticks second;
+    const std::uint32_t before = MillisecondClock();
+    MThreadTimer timer(kHourMs);
+    timer.AddHandler(&first);
+    timer.AddHandler(&second);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(second.HaveReached(1));
+    EXPECT_EQ(first.lastMs, second.lastMs);
+    EXPECT_LE(first.lastMs - before, kDeadlineMs);
+}
+
+TEST(MThreadTimer, StoppingDoesNotWaitForThePeriod) {
+    Ticks ticks;
+    MThreadTimer timer(kHourMs);
+    timer.AddHandler(&ticks);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(ticks.HaveReached(1));
+    EXPECT_TRUE(timer.Stop());
+    EXPECT_TRUE(timer.Wait(kDeadlineMs));
+    EXPECT_EQ(ticks.count, 1) << "the period is a sleep between passes";
+}
+
+TEST(MThreadTimer, ThePeriodIsASleepBetweenPassesAndNotARate) {
+    constexpr std::uint32_t kPeriodMs = 20;
+    std::vector<std::uint32_t> begins;
+    std::vector<std::uint32_t> ends;
+    Ticks slow;
+    slow.action = [&] {
+        begins.push_back(MillisecondClock());
+        while (MillisecondClock() - begins.back() < 30)
+            std::this_thread::yield();
+        ends.push_back(MillisecondClock());
+    };
+    MThreadTimer timer(kPeriodMs);
+    timer.AddHandler(&slow);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(slow.HaveReached(4));
+    timer.RemoveHandler(&slow);
+    for (std::size_t i = 1; i < begins.size(); ++i)
+        EXPECT_GE(begins[i] - ends[i - 1], kPeriodMs - 1) << "pass " << i;
+}
+
+TEST(MThreadTimer, AHandlerAddedToAnIdleTimerIsCalled) {
+    MThreadTimer timer(kHourMs);
+    ASSERT_TRUE(timer.Start(true, kDeadlineMs));
+    Ticks ticks;
+    timer.AddHandler(&ticks);
+    EXPECT_TRUE(ticks.HaveReached(1));
+    timer.RemoveHandler(&ticks);
+}
+
+TEST(MThreadTimer, AnIdleTimerStops) {
+    MThreadTimer timer;
+    ASSERT_TRUE(timer.Start(true, kDeadlineMs));
+    timer.Stop();
+    EXPECT_TRUE(timer.Wait(kDeadlineMs));
+}
+
+TEST(MThreadTimer, RemovingAHandlerDuringAPassBlocksUntilThePassEnds) {
+    MEvent inPass;
+    MEvent goOn;
+    Ticks slow;
+    slow.action = [&] {
+        inPass.Set();
+        goOn.Wait(kDeadlineMs);
+    };
+    Ticks other;
+    MThreadTimer timer(kHourMs);
+    timer.AddHandler(&slow);
+    timer.AddHandler(&other);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(inPass.Wait(kDeadlineMs));
+    MEvent removed;
+    std::thread remover([&] {
+        timer.RemoveHandler(&other);
+        removed.Set();
+    });
+    EXPECT_FALSE(removed.Wait(20));
+    EXPECT_EQ(other.count, 0);
+    goOn.Set();
+    EXPECT_TRUE(removed.Wait(kDeadlineMs));
+    EXPECT_EQ(other.count, 1) << "the pass went to its end first";
+    remover.join();
+}
+
+TEST(MThreadTimer, AStopDuringThePassLeavesOutTheRestOfIt) {
+    Ticks stopping;
+    Ticks behind;
+    MThreadTimer timer(kHourMs);
+    stopping.action = [&] { timer.Stop(); };
+    timer.AddHandler(&stopping);
+    timer.AddHandler(&behind);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(timer.Wait(kDeadlineMs));
+    EXPECT_EQ(stopping.count, 1);
+    EXPECT_EQ(behind.count, 0);
+}
+
+TEST(MThreadTimer, AddingTwiceOrNullOrRemovingAStrangerDoesNothing) {
+    Ticks ticks;
+    Ticks stranger;
+    Ticks last;
+    MThreadTimer timer(kHourMs);
+    timer.AddHandler(nullptr);
+    timer.AddHandler(&ticks);
+    timer.AddHandler(&ticks);
+    timer.AddHandler(&last);
+    timer.RemoveHandler(&stranger);
+    timer.RemoveHandler(nullptr);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(last.HaveReached(1));
+    EXPECT_EQ(ticks.count, 1);
+}
+
+TEST(MThreadTimer, ChangingTheHandlersFromWithinAPassIsHarmless) {
+    Ticks leaving;
+    Ticks joining;
+    Ticks last;
+    MThreadTimer timer(kHourMs);
+    leaving.action = [&] {
+        timer.RemoveHandler(&leaving);
+        timer.AddHandler(&joining);
+    };
+    timer.AddHandler(&leaving);
+    timer.AddHandler(&last);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(joining.HaveReached(1));
+    EXPECT_EQ(last.count, 1) << "nobody was left out";
+    EXPECT_EQ(leaving.count, 1);
+}
+
+TEST(MThreadTimer, ANewPeriodCountsFromTheNextSleepOn) {
+    MThreadTimer timer(40, 1);
+    EXPECT_EQ(timer.GetPeriod(), 40U);
+    EXPECT_EQ(timer.GetResolution(), 1U);
+    timer.SetPeriod(0, 5);
+    EXPECT_EQ(timer.GetPeriod(), 1U) << "a sleep of nothing would keep a core busy";
+    EXPECT_EQ(timer.GetResolution(), 5U);
+    Ticks ticks;
+    ticks.action = [&] { timer.SetPeriod(kHourMs, 1); };
+    timer.AddHandler(&ticks);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(ticks.HaveReached(1));
+    EXPECT_EQ(timer.GetPeriod(), kHourMs);
+}
+
+TEST(MThreadTimer, HandlersComeAndGoWhileItRuns) {
+    MThreadTimer timer(1);
+    timer.SetStackSize(0x2001);
+    ASSERT_TRUE(timer.Start(false));
+    std::vector<std::thread> users;
+    for (int i = 0; i < 4; ++i)
+        users.emplace_back([&] {
+            for (int round = 0; round < 50; ++round) {
+                Ticks ticks; // gone right after it was removed
+                timer.AddHandler(&ticks);
+                if (round % 10 == 0) {
+                    EXPECT_TRUE(ticks.HaveReached(1));
+                }
+                timer.RemoveHandler(&ticks);
+            }
+        });
+    for (auto& user : users)
+        user.join();
+}
+
+TEST(MThreadTimer, TwoHundredHandlersThatDoNothingCostNearlyNothing) {
+    std::vector<Ticks> handlers(200);
+    MThreadTimer timer(kHourMs);
+    std::chrono::steady_clock::time_point begin;
+    std::chrono::steady_clock::duration pass{};
+    handlers.front().action = [&] { begin = std::chrono::steady_clock::now(); };
+    handlers.back().action = [&] { pass = std::chrono::steady_clock::now() - begin; };
+    for (auto& handler : handlers)
+        timer.AddHandler(&handler);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(handlers.back().HaveReached(1));
+    timer.Stop();
+    ASSERT_TRUE(timer.Wait(kDeadlineMs));
+    EXPECT_LT(pass, std::chrono::milliseconds(20)) << "half of the period of a device's timer";
+}
