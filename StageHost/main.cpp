@@ -9,6 +9,7 @@
 #include "ExitCodes.h"
 #include "MainWait.h"
 #include "Output.h"
+#include "ToolkitMessages.h"
 
 using namespace stagehost;
 
@@ -75,6 +76,7 @@ int main(int argc, char** argv) {
     const QString problem = reader.Read(Words(argc, argv));
     if (const auto exitCode = AnswerAtOnce(reader.Result(), problem))
         return *exitCode;
+    ShowToolkitMessages(reader.Result().log);
     ChoosePlatform();
     int applicationArguments = 1; // the words are ours, not those of the toolkit
     const QApplication application(applicationArguments, argv);

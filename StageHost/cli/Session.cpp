@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kModuleCall(10000); // for calls of the contract that run no script of a show
 constexpr std::chrono::milliseconds kStop(3000);        // the module waits 25 ms for a script's own stop function
-constexpr std::chrono::milliseconds kEnd(kStop + kModuleCall);
+constexpr std::chrono::milliseconds kEnd(8000);         // for stop and release of one device together
 
 QString DeviceText(const Device& device, const QString& text) {
     return QStringLiteral("%1: %2").arg(FromBorderText(device.Name()), text);

@@ -64,14 +64,15 @@ QJsonObject DeviceJson(Device& device) {
 void PrintDevice(Device& device) {
     const auto definition = device.Variables().Definition();
     const auto text = [](const char* latin) { return QString::fromLatin1(latin); };
-    QVector<QStringList> rows{{text("ID"), text("Command"), text("Status"), text("Parameters")}};
+    QVector<QStringList> rows{{text("ID"), text("Command"), text("Status"), text("Parameters"), {}, {}}};
     for (const auto& command : definition->commands) {
-        QStringList parameters;
-        for (const auto& parameter : command.parameters)
-            parameters += FromBorderText(parameter.name) + text(" (") + Direction(parameter) + text(", ") +
-                          TypeName(parameter) + text(")");
-        rows.push_back({QString::number(command.id), FromBorderText(command.name), FromBorderText(command.status),
-                        parameters.join(text(", "))});
+        QStringList row{QString::number(command.id), FromBorderText(command.name), FromBorderText(command.status)};
+        for (const auto& parameter : command.parameters) {
+            rows.push_back(row + QStringList{FromBorderText(parameter.name), Direction(parameter), TypeName(parameter)});
+            row = QStringList{{}, {}, {}};
+        }
+        if (command.parameters.empty())
+            rows.push_back(row);
     }
     PrintLine(text("Device ") + FromBorderText(device.Name()));
     Print(Table(rows, text("  ")));

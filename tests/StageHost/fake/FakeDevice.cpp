@@ -1,0 +1,284 @@
+#include "FakeDevice.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include "FakeMood.h"
+
+namespace {
+
+constexpr std::uint32_t kFirstText = 2; // parameters 2 to 9 of command 3
+
+char* Copy(const std::string& text) {
+    char* copy = new char[text.size() + 1];
+    std::memcpy(copy, text.c_str(), text.size() + 1);
+    return copy;
+}
+
+} // namespace
+
+void FakeDevice::Gate::WaitForRelease() {
+    std::unique_lock<std::mutex> hold(lock);
+    changed.wait(hold, [this] { return released; });
+}
+
+void FakeDevice::Gate::Open() {
+    const std::lock_guard<std::mutex> hold(lock);
+    released = true;
+    changed.notify_all();
+}
+
+FakeDevice::FakeDevice(const char* definition)
+    : definition_(definition) {}
+
+KXPCode FakeDevice::QueryInterface(const char* name, void** out) {
+    if (name == nullptr || out == nullptr)
+        return KXP_BAD_INTERFACE_ARG;
+    const bool offered = std::strcmp(name, "IMInterface") == 0 || std::strcmp(name, "IKXPDevice") == 0;
+    *out = offered ? this : nullptr;
+    return offered ? KXP_OK : KXP_NO_INTERFACE;
+}
+
+KXPCode FakeDevice::Release() {
+    if (MoodIs("release-hangs"))
+        gate_->WaitForRelease();
+    if (!MoodIs("start-hangs-for-good"))
+        gate_->Open();
+    {
+        const std::lock_guard<std::mutex> hold(lock_);
+        running_ = false;
+        queue_.clear();
+        changed_.notify_all();
+    }
+    if (worker_.joinable())
+        worker_.join();
+    for (auto& helper : helpers_)
+        helper.join();
+    {
+        std::unique_lock<std::mutex> hold(lock_);
+        changed_.wait(hold, [this] { return calls_ == 0; });
+    }
+    delete this;
+    return KXP_OK;
+}
+
+void FakeDevice::SetDeviceVariables(IDeviceVariables* variables) { variables_ = variables; }
+
+KXPCode FakeDevice::QueryCapability(std::uint32_t) { return KXP_NO; }
+
+void FakeDevice::SetName(const char* name) { name_ = name; }
+
+const char* FakeDevice::GetName() { return name_.c_str(); }
+
+KXPCode FakeDevice::ShowSetup(void*) { return KXP_NOT_IMPLEMENTED; }
+
+KXPCode FakeDevice::IsRunning() {
+    const std::lock_guard<std::mutex> hold(lock_);
+    return running_ ? KXP_OK : KXP_NO;
+}
+
+KXPCode FakeDevice::Start() {
+    if (MoodIs("start-hangs") || MoodIs("start-hangs-for-good")) {
+        const auto gate = gate_;
+        gate->WaitForRelease();
+        return KXP_OK;
+    }
+    running_ = true;
+    worker_ = std::thread([this] { Serve(); });
+    return KXP_OK;
+}
+
+KXPCode FakeDevice::Stop() {
+    std::unique_lock<std::mutex> hold(lock_);
+    ++calls_;
+    running_ = false;
+    changed_.notify_all();
+    changed_.wait(hold, [this] { return !busy_; });
+    --calls_;
+    changed_.notify_all();
+    return KXP_OK;
+}
+
+KXPCode FakeDevice::OnTimerailEvent(ITimeData*, std::int32_t) { return KXP_OK; }
+
+KXPBitmap FakeDevice::GetBitmap() { return nullptr; }
+
+KXPCode FakeDevice::GetSetup(char** out) {
+    *out = Copy(setup_.empty() ? "first setup" : setup_);
+    return KXP_OK;
+}
+
+KXPCode FakeDevice::SetSetup(const char* setup) {
+    if (std::strcmp(setup, "bad") == 0)
+        return KXP_BAD_SETUP;
+    setup_ = setup;
+    return variables_->SetDefinition(definition_.c_str()) == 1 ? KXP_OK : KXP_CANCELLED;
+}
+
+KXPCode FakeDevice::UpdateCommand(const char*, char**) { return KXP_NOT_IMPLEMENTED; }
+
+KXPCode FakeDevice::Reserved14(void*) { return KXP_OK; }
+
+KXPCode FakeDevice::Reserved15(void*) { return KXP_OK; }
+
+KXPCode FakeDevice::Reserved16(void*) { return KXP_OK; }
+
+KXPCode FakeDevice::ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) {
+    const std::string text = ParamText(params, 0);
+    if (id == 0) {
+        Post([this, text] {
+            std::ifstream file(text, std::ios::binary);
+            std::ostringstream content;
+            content << file.rdbuf();
+            Load(content.str(), file.good());
+        });
+        return KXP_OK;
+    }
+    if (id == 1) {
+        Post([this, text] { Load(text, true); });
+        return KXP_OK;
+    }
+    return id == 2 || id == 3 ? Execute(text, params, id == 3 ? context : nullptr) : KXP_BAD_COMMAND;
+}
+
+KXPCode FakeDevice::ReleaseString(char** text) {
+    delete[] *text;
+    *text = nullptr;
+    return KXP_OK;
+}
+
+const char* FakeDevice::GetDefinition() { return MoodIs("no-definition") ? nullptr : definition_.c_str(); }
+
+KXPCode FakeDevice::Reserved20() { return KXP_OK; }
+
+KXPCode FakeDevice::CreatePanel(std::uint32_t, IKXPDevicePanel**) { return KXP_NOT_IMPLEMENTED; }
+
+void FakeDevice::Serve() {
+    std::unique_lock<std::mutex> hold(lock_);
+    for (;;) {
+        changed_.wait(hold, [this] { return !running_ || !queue_.empty(); });
+        if (!running_)
+            return;
+        const Work work = std::move(queue_.front());
+        queue_.pop_front();
+        busy_ = true;
+        hold.unlock();
+        work();
+        hold.lock();
+        busy_ = false;
+        changed_.notify_all();
+    }
+}
+
+void FakeDevice::Post(Work work) {
+    const std::lock_guard<std::mutex> hold(lock_);
+    queue_.push_back(std::move(work));
+    changed_.notify_all();
+}
+
+void FakeDevice::Set(const char* variable, const std::string& text) {
+    if (IData* data = variables_->GetVariable(variable))
+        data->SetValueFromString(text.c_str(), 0, 0);
+}
+
+void FakeDevice::SetStatus(std::int32_t index) {
+    if (auto* status = QueryFace<IEnumData>(variables_->GetVariable("Status"), "IEnumData"))
+        status->SetCurrent(index, 0, 0);
+}
+
+void FakeDevice::Load(const std::string& text, bool readable) {
+    Set("Error", "");
+    SetStatus(1);
+    const FakeScript script = FakeScript::Parse(text);
+    if (script.hangs)
+        gate_->WaitForRelease();
+    if (!readable)
+        Set("Error", "This file cannot be loaded.");
+    else if (!script.error.empty())
+        Set("Error", script.error);
+    else
+        script_ = script;
+    Set("ScriptFunctions", script_.FunctionList());
+    SetStatus(0);
+}
+
+KXPCode FakeDevice::Execute(const std::string& name, IObjectParams* params, IExecContext* context) {
+    const auto function = script_.functions.find(name);
+    if (function == script_.functions.end())
+        return KXP_SCRIPT_FAILED;
+    const std::string way = function->second;
+    if (way.rfind("refuse ", 0) == 0)
+        return static_cast<KXPCode>(std::atoi(way.c_str() + 7));
+    if (way == "block") {
+        const auto gate = gate_;
+        gate->WaitForRelease();
+        return KXP_OK;
+    }
+    if (context != nullptr)
+        context->Begin();
+    if (way == "early" && context != nullptr) {
+        SetResult(params, "early");
+        context->End();
+        return KXP_OK;
+    }
+    Post([this, way, params, context] { Behave(way, params, context); });
+    return KXP_OK;
+}
+
+void FakeDevice::Behave(const std::string& way, IObjectParams* params, IExecContext* context) {
+    const std::string verb = way.substr(0, way.find(' '));
+    const std::string text = way.size() > verb.size() ? way.substr(verb.size() + 1) : std::string();
+    Set("Error", "");
+    SetStatus(2);
+    if (verb == "hang")
+        gate_->WaitForRelease();
+    if (verb == "fail" || verb == "held")
+        Set("Error", text);
+    if (verb == "say")
+        SetResult(params, text);
+    if (verb == "echo") {
+        std::string joined = ParamText(params, kFirstText);
+        for (std::uint32_t index = kFirstText + 1; index < params->GetParamCount(); ++index)
+            joined += "|" + ParamText(params, index);
+        SetResult(params, joined);
+    }
+    SetStatus(0);
+    if (context == nullptr || verb == "held" || verb == "never" || verb == "hang")
+        return;
+    if (verb == "elsewhere") {
+        helpers_.emplace_back([params, context] {
+            SetResult(params, "elsewhere");
+            context->End();
+        });
+        return;
+    }
+    auto* counted = QueryFace<IExecContext2>(context, "IExecContext2");
+    if (verb == "twice")
+        counted->AddRef();
+    context->End();
+    if (verb != "twice")
+        return;
+    counted->End();
+    counted->Release();
+}
+
+std::string FakeDevice::ParamText(IObjectParams* params, std::uint32_t index) {
+    IObjectParam* param = params->GetParam(index);
+    if (param == nullptr)
+        return {};
+    IData* data = param->GetValue(0) != nullptr ? param->GetValue(0) : param;
+    char* text = data->GetValueAsString();
+    std::string copy = text;
+    data->ReleaseString(&text);
+    return copy;
+}
+
+void FakeDevice::SetResult(IObjectParams* params, const std::string& text) {
+    IObjectParam* param = params->GetParam(1);
+    if (param == nullptr)
+        return;
+    IData* data = param->GetValue(0) != nullptr ? param->GetValue(0) : param;
+    data->SetValueFromString(text.c_str(), 0, 0);
+}
