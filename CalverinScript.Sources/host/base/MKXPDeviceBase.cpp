@@ -38,7 +38,7 @@ MKXPDeviceBase::MKXPDeviceBase() {
 
 MKXPDeviceBase::~MKXPDeviceBase() {
     Unlist();
-    delete name.load();
+    delete names.load();
 }
 
 void MKXPDeviceBase::Unlist() {
@@ -54,12 +54,12 @@ void MKXPDeviceBase::SetName(const char* newName) {
     std::string text = newName != nullptr ? newName : "";
     if (text == MKXPDeviceBase::GetName())
         return;
-    const NameNode* older = name.load();
-    name = new NameNode{std::move(text), std::unique_ptr<const NameNode>(older)};
+    const NameNode* older = names.load();
+    names = new NameNode{std::move(text), std::unique_ptr<const NameNode>(older)};
 }
 
 const char* MKXPDeviceBase::GetName() {
-    const NameNode* newest = name.load();
+    const NameNode* newest = names.load();
     return newest != nullptr ? newest->text.c_str() : "";
 }
 

@@ -49,7 +49,7 @@ protected:
 private:
     struct NameNode;
     /// Names given so far, the newest first. Written on the host's main thread; readers see the newest without a lock.
-    std::atomic<const NameNode*> name{nullptr};
+    std::atomic<const NameNode*> names{nullptr};
     std::atomic<bool> started{false}; ///< written by host threads, read by all
     std::atomic<bool> running{false}; ///< written by host threads, read by the tick thread
     bool listed = true;               ///< host main

@@ -44,8 +44,8 @@ public:
     virtual const char* GetName() = 0;
 
     /// Shows the modal setup dialog. The argument is ignored.
-    /// @return 0 accepted, 771 accepted and the command list changed, 13 cancelled or not applicable, 19 no setup
-    /// interface. [host main]
+    /// @return 0 accepted, 771 accepted and the command list changed, 13 cancelled, not applicable or not available.
+    ///         [host main]
     virtual KXPCode ShowSetup(void* ignored) = 0;
 
     /// @return 0 when started, 24 when not.   [any host thread]
@@ -95,9 +95,8 @@ public:
     /// @param context may be null. For command 3 and user commands the device calls Begin now and End when the result
     /// is in
     ///                place, on any thread; for commands 0 to 2 it is not used. Kept alive by the caller until End.
-    /// @return 0 accepted (or refused silently while a track runs), 1 unknown id, no parameters or too few of them, 3
-    /// the
-    ///         function does not exist.   [any host thread]
+    /// @return 0 accepted; 1 unknown id, no parameters or too few of them, or a track runs; 3 the function does not exist.
+    ///         [any host thread]
     virtual KXPCode ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) = 0;
 
     /// Frees a text that GetSetup or UpdateCommand gave and clears the pointer. @return 0, or 2 on null.   [host main]

@@ -1,0 +1,5 @@
+#include "MCalverinScript_Module.h"
+
+#include <QtGlobal>
+
+extern "C" Q_DECL_EXPORT KXPCode GetKXPEntryPoint(IKXPModule** out) { return MCalverinScript_Module::GetEntryPoint(out); }

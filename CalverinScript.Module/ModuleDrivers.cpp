@@ -1,0 +1,90 @@
+#include "MCalverinScript_Module.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <QDir>
+#include <QImage>
+
+#include "HostText.h"
+#include "IHostServices.h"
+#include "MCalverinScript_Device.h"
+#include "ModuleFile.h"
+#include "ModuleResources.h"
+#include "ScriptFolders.h"
+
+namespace {
+
+constexpr std::size_t kPathSize = 1024;
+constexpr const char* kConfigFileName = "kxpCalverinScript.cfg";
+
+/// The script library's folder, found once for the life of a module object. Host main.
+char scriptsFolder[kPathSize] = {};
+
+void CopyText(char* buffer, const std::string& text) {
+    const std::size_t length = std::min(text.size(), kPathSize - 1);
+    std::memcpy(buffer, text.data(), length);
+    buffer[length] = '\0';
+}
+
+} // namespace
+
+MCalverinScript_Module::MCalverinScript_Module() { scriptsFolder[0] = '\0'; }
+
+const char* MCalverinScript_Module::GetScriptsFolder() {
+    if (scriptsFolder[0] == '\0') {
+        auto* folders = QueryFace<IFolderManager>(host, "IFolderManager");
+        CopyText(scriptsFolder, FindScriptsFolder(folders, FallbackScriptsFolder()));
+    }
+    return scriptsFolder;
+}
+
+void MCalverinScript_Module::GetConfigFilePath(char* buffer) {
+    std::string path = ModuleFileOf(reinterpret_cast<const void*>(&MCalverinScript_Module::GetEntryPoint));
+    const std::size_t point = path.rfind('.');
+    CopyText(buffer, point != std::string::npos ? path.substr(0, point) + ".cfg" : kConfigFileName);
+}
+
+bool MCalverinScript_Module::GetHostVersion(std::int32_t* major, std::int32_t* minor, std::int32_t* build) const {
+    if (major == nullptr || minor == nullptr || build == nullptr)
+        return false;
+    *major = hostMajor;
+    *minor = hostMinor;
+    *build = hostBuild;
+    return true;
+}
+
+/// Each number is tested by itself, so 7.0.0 does not pass for 6.4.2.
+bool MCalverinScript_Module::IsHostAtLeast(std::int32_t major, std::int32_t minor, std::int32_t build) const {
+    return hostMajor >= major && hostMinor >= minor && hostBuild >= build;
+}
+
+bool MCalverinScript_Module::IsHostAtLeast642() const { return IsHostAtLeast(6, 4, 2); }
+
+bool MCalverinScript_Module::IsHostAtLeast643() const { return IsHostAtLeast(6, 4, 3); }
+
+KXPCode MCalverinScript_Module::GetDriverList(char** out, std::uint32_t* outSize) {
+    if (out == nullptr || outSize == nullptr)
+        return KXP_OK;
+    const QDir folder(QFile::decodeName(GetScriptsFolder()));
+    driverList = ToHostText(folder.entryList({QStringLiteral("*.js")}).join(QLatin1Char(';')));
+    *out = driverList.data();
+    *outSize = static_cast<std::uint32_t>(driverList.size());
+    return KXP_OK;
+}
+
+KXPCode MCalverinScript_Module::ShowDriverSetup(const char* driver, IKXPDevice* device, void* third) {
+    if (device == nullptr || third == nullptr)
+        return KXP_NULL_ARGUMENT;
+    auto* ours = dynamic_cast<MCalverinScript_Device*>(device);
+    return ours != nullptr ? ours->ShowSetupDialog(driver) : KXPCode{KXP_CANCELLED};
+}
+
+KXPBitmap MCalverinScript_Module::GetDriverBitmap() {
+    if (bitmap == nullptr) {
+        const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
+        if (!image.isNull())
+            bitmap = std::make_unique<QImage>(image);
+    }
+    return bitmap.get();
+}

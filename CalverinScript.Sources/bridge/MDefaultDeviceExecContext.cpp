@@ -1,0 +1,85 @@
+#include "MDefaultDeviceExecContext.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace {
+
+constexpr const char* kFaces[] = {"IMInterface", "IExecContext2", "IExecContext"};
+
+} // namespace
+
+MDefaultDeviceExecContext::MDefaultDeviceExecContext(IExecContextEndHandler* endHandler)
+    : handler(endHandler) {}
+
+MDefaultDeviceExecContext::~MDefaultDeviceExecContext() = default;
+
+KXPCode MDefaultDeviceExecContext::QueryInterface(const char* name, void** out) {
+    if (name == nullptr || out == nullptr)
+        return KXP_BAD_INTERFACE_ARG;
+    *out = nullptr;
+    if (std::none_of(std::begin(kFaces), std::end(kFaces), [&](const char* f) { return std::strcmp(name, f) == 0; }))
+        return KXP_NO_INTERFACE;
+    *out = static_cast<IExecContext2*>(this);
+    return KXP_OK;
+}
+
+KXPCode MDefaultDeviceExecContext::Release() {
+    if (refCount.Decrement() == 0)
+        delete this;
+    return KXP_OK;
+}
+
+KXPCode MDefaultDeviceExecContext::SetErrorCode(KXPCode code) {
+    errorCode = code;
+    return KXP_OK;
+}
+
+KXPCode MDefaultDeviceExecContext::Begin() {
+    state = kBegun;
+    return KXP_OK;
+}
+
+KXPCode MDefaultDeviceExecContext::End() {
+    if (handler != nullptr)
+        handler->OnContextEnd(this);
+    state = kEnded;
+    return KXP_OK;
+}
+
+KXPCode MDefaultDeviceExecContext::Reserved4(void* /*argument*/) {
+    return KXP_OK;
+}
+
+KXPCode MDefaultDeviceExecContext::Reserved5(void* /*argument*/) {
+    return KXP_OK;
+}
+
+KXPCode MDefaultDeviceExecContext::AddRef() {
+    refCount.Increment();
+    return KXP_OK;
+}
+
+KXPCode MDefaultDeviceExecContext::Reserved7(void* /*argument*/) {
+    return KXP_OK;
+}
+
+KXPCode MDefaultDeviceExecContext::Reserved8(void* /*argument1*/, void* /*argument2*/, void* /*argument3*/) {
+    return KXP_OK;
+}
+
+KXPCode MDefaultDeviceExecContext::SetResultText(const char* text) {
+    const std::lock_guard<std::mutex> guard(resultLock);
+    result = text;
+    return KXP_OK;
+}
+
+std::uint32_t MDefaultDeviceExecContext::GetState() {
+    return state;
+}
+
+MString MDefaultDeviceExecContext::GetResult() const {
+    const std::lock_guard<std::mutex> guard(resultLock);
+    return result;
+}

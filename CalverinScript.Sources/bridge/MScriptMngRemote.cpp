@@ -1,0 +1,92 @@
+#include "MScriptMngRemote.h"
+
+#include <mutex>
+
+#include "IScriptDevice.h"
+
+namespace {
+
+constexpr const char* kRootGroup = "GrantedRootGroup";
+constexpr int kPostponedHashBits = 10;
+
+/// Ends every context that is still there. A context leaves the registry before it goes, and ending one may make others go, so
+/// each is looked up again under the registry's lock.
+template <typename Context>
+void EndAll(ContextRegistry<Context>& contexts) {
+    const std::lock_guard<ContextRegistry<Context>> guard(contexts);
+    for (Context* context : contexts.Snapshot())
+        if (contexts.Contains(context))
+            context->End();
+}
+
+} // namespace
+
+MScriptMngRemote::MScriptMngRemote(IScriptDevice* scriptDevice, IManagerRemote* olderLink, IManagerRemote2* newerLink,
+                                   IVariableManager* variables, QScriptEngine* scriptEngine)
+    : device(scriptDevice)
+    , remote(olderLink)
+    , remote2(newerLink)
+    , variableManager(variables)
+    , engine(scriptEngine)
+    , postponedMap(kPostponedHashBits, true) {}
+
+MScriptMngRemote::~MScriptMngRemote() {
+    ReleaseScriptObjects();
+    ReleaseAsyncContexts();
+}
+
+void MScriptMngRemote::OnDeviceStart() {
+    ReleaseAsyncContexts();
+}
+
+void MScriptMngRemote::EndContexts() {
+    EndAll(syncContexts);
+    EndAll(asyncContexts);
+}
+
+void MScriptMngRemote::ReleaseScriptObjects() {
+    ResetPostponed();
+}
+
+void MScriptMngRemote::Tick() {}
+
+void MScriptMngRemote::ReleaseAsyncContexts() {
+    for (MyAsyncDeviceExecContext* context : asyncContexts.TakeAll())
+        context->Release();
+}
+
+template <typename Operation>
+KXPCode MScriptMngRemote::CallAndWait(Operation operation, MString* text) {
+    auto* context = new MyDeviceExecContext(syncContexts);
+    KXPCode code = operation(context);
+    if (code == KXP_PENDING) {
+        context->Wait();
+        code = context->GetErrorCode();
+    }
+    if (code == KXP_OK && text != nullptr)
+        *text = context->GetResult();
+    context->Release();
+    return code;
+}
+
+KXPCode MScriptMngRemote::RegisterRootGroup() {
+    if (remote2 != nullptr) {
+        remote2->SetHandler(this);
+        return CallAndWait(
+            [&](IExecContext* context) { return remote2->RegisterGroup(kRootGroup, "", context, nullptr); });
+    }
+    return remote != nullptr ? remote->RegisterGroup(this, kRootGroup) : KXPCode{KXP_NOT_IMPLEMENTED};
+}
+
+KXPCode MScriptMngRemote::UnregisterRootGroup() {
+    if (remote2 != nullptr)
+        return CallAndWait([&](IExecContext* context) { return remote2->UnregisterGroup(nullptr, context, nullptr); });
+    if (remote == nullptr)
+        return KXP_NOT_IMPLEMENTED;
+    remote->UnregisterGroup();
+    return KXP_OK;
+}
+
+bool MScriptMngRemote::IsLiveObject(const MScriptCommonEvent* /*object*/) const {
+    return false;
+}

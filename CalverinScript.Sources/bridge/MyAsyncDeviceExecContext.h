@@ -1,0 +1,28 @@
+#pragma once
+
+#include <atomic>
+
+#include <QObject>
+
+#include "ContextRegistry.h"
+#include "IAsyncDeviceExecContextHandler.h"
+#include "MDefaultDeviceExecContext.h"
+
+/// The context of an asynchronous request: its end is handed to a handler, once, and leaves the state alone.
+class MyAsyncDeviceExecContext : public QObject, public MDefaultDeviceExecContext {
+    Q_OBJECT
+
+public:
+    /// Joins the registry, which must outlive the context.
+    /// @param doneHandler borrowed until the first End; may be null.
+    MyAsyncDeviceExecContext(IAsyncDeviceExecContextHandler* doneHandler,
+                             ContextRegistry<MyAsyncDeviceExecContext>& liveContexts);
+    ~MyAsyncDeviceExecContext() override;
+
+    /// Tells the handler at the first call; every later one, and the first without a handler, drops a reference.
+    KXPCode End() override;
+
+private:
+    std::atomic<IAsyncDeviceExecContextHandler*> asyncHandler; ///< taken by whoever ends first
+    ContextRegistry<MyAsyncDeviceExecContext>& registry;
+};

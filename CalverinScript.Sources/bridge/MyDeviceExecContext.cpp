@@ -1,0 +1,25 @@
+#include "MyDeviceExecContext.h"
+
+MyDeviceExecContext::MyDeviceExecContext(ContextRegistry<MyDeviceExecContext>& liveContexts)
+    : doneEvent(true)
+    , registry(liveContexts) {
+    registry.Add(this);
+}
+
+MyDeviceExecContext::~MyDeviceExecContext() {
+    registry.Remove(this);
+}
+
+KXPCode MyDeviceExecContext::Begin() {
+    doneEvent.Reset();
+    return KXP_OK;
+}
+
+KXPCode MyDeviceExecContext::End() {
+    doneEvent.Set();
+    return KXP_OK;
+}
+
+void MyDeviceExecContext::Wait() {
+    doneEvent.Wait(kInfinite);
+}

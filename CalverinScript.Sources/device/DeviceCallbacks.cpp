@@ -1,0 +1,124 @@
+#include "MCalverinScript_Device.h"
+
+#include <QScriptEngine>
+
+#include "DeviceMarshalling.h"
+#include "EventArguments.h"
+#include "HostText.h"
+#include "MScriptCommonEvent.h"
+#include "MScriptMngRemote.h"
+
+int MCalverinScript_Device::AddTimer(QHash<int, QScriptValue>& timers, const QScriptValue& expression, int delay) {
+    if (!expression.isFunction())
+        return -1;
+    const int id = startTimer(qMax(delay, 0), Qt::PreciseTimer);
+    if (id == 0)
+        return -1;
+    timers.insert(id, expression);
+    return id;
+}
+
+void MCalverinScript_Device::RemoveTimer(QHash<int, QScriptValue>& timers, int id) {
+    if (timers.remove(id) > 0)
+        killTimer(id);
+}
+
+int MCalverinScript_Device::SlotSetInterval(const QScriptValue& expression, int delay) {
+    return AddTimer(intervals, expression, delay);
+}
+
+void MCalverinScript_Device::SlotClearInterval(int id) { RemoveTimer(intervals, id); }
+
+int MCalverinScript_Device::SlotSetTimeout(const QScriptValue& expression, int delay) {
+    return AddTimer(timeouts, expression, delay);
+}
+
+void MCalverinScript_Device::SlotClearTimeout(int id) { RemoveTimer(timeouts, id); }
+
+void MCalverinScript_Device::FireTimer(int id) {
+    const ScriptEntry entry(*this);
+    QScriptValue function = intervals.value(id);
+    if (timeouts.contains(id)) {
+        function = timeouts.value(id);
+        RemoveTimer(timeouts, id);
+    }
+    if (function.isFunction())
+        CallScript(function, {});
+    CheckUncaught();
+}
+
+void MCalverinScript_Device::ClearTimers() {
+    for (const auto* timers : {&intervals, &timeouts})
+        for (auto timer = timers->keyBegin(); timer != timers->keyEnd(); ++timer)
+            killTimer(*timer);
+    intervals.clear();
+    timeouts.clear();
+    deferredTimers.clear();
+    callbacks.clear();
+    propertyCallback.reset();
+}
+
+MyAsyncDeviceExecContext* MCalverinScript_Device::MakeAsyncContext(const QScriptValue& function) {
+    if (!function.isFunction())
+        return nullptr;
+    auto* context = new MyAsyncDeviceExecContext(remote, remote->GetAsyncContexts());
+    callbacks.insert(context, function);
+    return context;
+}
+
+bool MCalverinScript_Device::SlotExecuteCallBack(MyAsyncDeviceExecContext* context) {
+    return RunSlot(MarshalledCall::ExecuteCallBack, [&] {
+        const QScriptValue function = callbacks.take(context);
+        if (!function.isFunction())
+            return true;
+        const MString result = context->GetResult();
+        QScriptValueList arguments;
+        if (result.GetLength() > 0)
+            arguments.append(QScriptValue(FromHostText(result.c_str())));
+        CallScript(function, arguments);
+        CheckUncaught();
+        context->Release();
+        return true;
+    });
+}
+
+bool MCalverinScript_Device::SlotExecuteScriptEventCallBack(const QString& name, const MScriptParamList& params,
+                                                            MScriptCommonEvent* event) {
+    if (ending)
+        return false;
+    const ScriptEntry entry(*this);
+    if (!remote->IsLiveObject(event))
+        return false;
+    event->Lock();
+    const QScriptValue listener = event->GetListener(name);
+    if (listener.isFunction())
+        CallScript(listener, EventArguments(*engine, params));
+    event->Unlock();
+    CheckUncaught();
+    return false;
+}
+
+unsigned int MCalverinScript_Device::SlotSetPropertyChangeCallback(const QScriptValue& function) {
+    if (!function.isFunction())
+        return KXP_NOT_IMPLEMENTED;
+    propertyCallback = std::make_unique<QScriptValue>(function);
+    return KXP_OK;
+}
+
+void MCalverinScript_Device::PostPropertyChange(const char* object, const char* property, const char* value,
+                                                bool objectFollows) {
+    if (object != nullptr && property != nullptr && value != nullptr)
+        Q_EMIT SignalOnPropertyChange(FromHostText(object), FromHostText(property), FromHostText(value), objectFollows);
+}
+
+void MCalverinScript_Device::SlotOnPropertyChange(const QString& object, const QString& /*property*/,
+                                                  const QString& value, bool /*objectFollows*/) {
+    if (ending)
+        return;
+    const ScriptEntry entry(*this);
+    if (propertyCallback == nullptr)
+        return;
+    const QScriptValue function = *propertyCallback;
+    CallScript(function, {QScriptValue(object), QScriptValue(value)});
+    CheckUncaught();
+}

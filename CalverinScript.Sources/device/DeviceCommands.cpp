@@ -1,0 +1,118 @@
+#include "MCalverinScript_Device.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <mutex>
+
+#include "CommandNumbers.h"
+#include "HostText.h"
+#include "MScriptMngRemote.h"
+
+namespace {
+
+constexpr std::uint32_t kParamsOfExecuteWithParams = 2 + kArgumentCount;
+
+/// The value that counts for a parameter: the bound variable's when there is one, its own otherwise.
+IData* EffectiveData(IObjectParam* param) {
+    if (param == nullptr)
+        return nullptr;
+    IData* bound = param->GetValue(0);
+    return bound != nullptr ? bound : param;
+}
+
+/// The text of a parameter for the time of a post; given back to its value at the end.
+class ParamText {
+public:
+    ParamText() = default;
+    explicit ParamText(IObjectParam* param)
+        : m_data(EffectiveData(param))
+        , m_text(m_data != nullptr ? m_data->GetValueAsString() : nullptr) {}
+    ~ParamText() {
+        if (m_text != nullptr)
+            m_data->ReleaseString(&m_text);
+    }
+    ParamText(const ParamText&) = delete;
+    ParamText& operator=(const ParamText&) = delete;
+    const char* Get() const { return m_text; }
+
+private:
+    IData* m_data = nullptr;
+    char* m_text = nullptr;
+};
+
+} // namespace
+
+KXPCode MCalverinScript_Device::ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) {
+    if (!MayPost() || params == nullptr || id == kScriptCallback)
+        return KXP_BAD_COMMAND;
+    if (id >= kLoadFromFile && id <= kExecuteFunctionWithParams)
+        return PostBuiltIn(id, params, context);
+    return PostUserCommand(id, params, context);
+}
+
+KXPCode MCalverinScript_Device::PostBuiltIn(std::int32_t id, IObjectParams* params, IExecContext* context) {
+    const std::uint32_t needed = id == kExecuteFunctionWithParams ? kParamsOfExecuteWithParams : 1;
+    if (params->GetParamCount() < needed)
+        return KXP_BAD_COMMAND;
+    const ParamText first(params->GetParam(0));
+    if (id == kLoadFromFile) {
+        LoadScriptFromFile(context, first.Get(), false);
+        return KXP_OK;
+    }
+    if (id == kLoadFromText) {
+        LoadScriptFromText(context, first.Get(), false);
+        return KXP_OK;
+    }
+    if (!HasFunction(first.Get()))
+        return KXP_SCRIPT_FAILED;
+    if (id == kExecuteFunction) {
+        ExecuteScriptFunction(context, first.Get(), false);
+        return KXP_OK;
+    }
+    std::array<std::unique_ptr<ParamText>, kArgumentCount> owned;
+    std::array<const char*, kArgumentCount> texts{};
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        owned[i] = std::make_unique<ParamText>(params->GetParam(static_cast<std::uint32_t>(2 + i)));
+        texts[i] = owned[i]->Get();
+    }
+    ExecuteScriptFunctionWithParams(context, first.Get(), EffectiveData(params->GetParam(1)), texts.data(), false);
+    return KXP_OK;
+}
+
+KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t /*id*/, IObjectParams* /*params*/,
+                                                IExecContext* /*context*/) {
+    WriteVariable(varError, QStringLiteral("Command not found"));
+    return KXP_BAD_COMMAND;
+}
+
+bool MCalverinScript_Device::MayPost() const { return !IsTracking() && !ending; }
+
+bool MCalverinScript_Device::HasFunction(const char* name) {
+    if (name == nullptr)
+        return false;
+    const QString wanted = FromHostText(name);
+    const std::lock_guard<MLockedList<MScriptCommand>> guard(live.functions);
+    return std::any_of(live.functions.begin(), live.functions.end(),
+                       [&](const MScriptCommand& function) { return function.name == wanted; });
+}
+
+void MCalverinScript_Device::OnCommandCreated(void* context) {
+    if (context != nullptr)
+        static_cast<IExecContext*>(context)->Begin();
+}
+
+void MCalverinScript_Device::OnCommandDestroyed(void* context) {
+    if (context != nullptr)
+        static_cast<IExecContext*>(context)->End();
+}
+
+MCommandObject* MCalverinScript_Device::GetExecutingCommand() { return currentCommand; }
+
+void MCalverinScript_Device::WriteCommandResult(MCommandObject* command, const QString& text) {
+    if (command == nullptr || command->GetId() != kExecuteFunctionWithParams || ending)
+        return;
+    auto* result = static_cast<IData*>(command->GetVoidParam(kResultParam, nullptr));
+    if (result != nullptr)
+        result->SetValueFromString(ToHostText(text).constData(), 0, 0);
+}

@@ -1,0 +1,259 @@
+#include "MCalverinScript_Device.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <vector>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QImage>
+#include <QScriptEngine>
+#include <QScriptEngineDebugger>
+#include <QThread>
+
+#include "CommandNumbers.h"
+#include "ConfigFile.h"
+#include "HostCall.h"
+#include "HostText.h"
+#include "IManagerRuntimeInfo.h"
+#include "IModuleServices.h"
+#include "ISetupInterface.h"
+#include "MScriptMngRemote.h"
+#include "MScriptThread.h"
+#include "ModuleShared.h"
+#include "ScriptGlobals.h"
+
+namespace {
+
+constexpr std::size_t kRequestedStackSize = 8193;
+constexpr int kEngineEventIntervalMs = 10; ///< how often a running engine looks at its thread's events
+constexpr std::uint32_t kThreadEndMs = 50; ///< what the end of a device grants its script
+constexpr std::uint32_t kHostCallEndMs = 50;
+constexpr std::uint32_t kDefaultUserMode = 2;
+constexpr std::size_t kConfigPathSize = 1024;
+
+/// Released devices whose script would not end. Host main thread alone.
+std::vector<MCalverinScript_Device*>& AbandonedDevices() {
+    static std::vector<MCalverinScript_Device*> devices;
+    return devices;
+}
+
+/// Polls a condition that another thread makes true, for a time that a person does not notice.
+template <typename Condition>
+bool WaitUntil(Condition condition, std::uint32_t limitMs) {
+    QElapsedTimer clock;
+    clock.start();
+    while (!condition()) {
+        if (clock.hasExpired(limitMs))
+            return false;
+        QThread::usleep(200);
+    }
+    return true;
+}
+
+} // namespace
+
+MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, ISetupInterface* setup, const char* name)
+    : MyCommandManager(kCommandTimeoutMs, false, true)
+    , module(moduleServices)
+    , setupInterface(setup)
+    , commandThread(static_cast<IThreadHandler*>(this))
+    , inbox([this] { WakeScriptThread(); }) {
+    SweepAbandoned();
+    commandThread.SetStackSize(kRequestedStackSize);
+    homeThread = QThread::currentThread();
+    threadId = homeThread;
+    FindHostServices();
+    MakeEngine();
+    MCalverinScript_Device::SetName(name);
+    JoinModule();
+    ConnectSignals();
+    if (debuggerEnabled)
+        SetUpDebugger();
+    else
+        StartScriptThread();
+}
+
+void MCalverinScript_Device::FindHostServices() {
+    IMInterface* host = module != nullptr ? module->GetHost() : nullptr;
+    remoteManager = QueryFace<IManagerRemoteManager>(host, "IManagerRemoteManager");
+    if (remoteManager != nullptr)
+        remoteHandler = remoteManager->GetRemote();
+    if (auto* remoteManager2 = QueryFace<IManagerRemoteManager2>(host, "IManagerRemoteManager2"))
+        remoteHandler2 = remoteManager2->GetRemote(this);
+    folderManager = QueryFace<IFolderManager>(host, "IFolderManager");
+    variableManager = QueryFace<IVariableManager>(host, "IVariableManager");
+    objectNameTools = QueryFace<IObjectNameTools>(host, "IObjectNameTools");
+}
+
+void MCalverinScript_Device::MakeEngine() {
+    engine = new QScriptEngine(this);
+    live.engine = engine;
+    remote = new MScriptMngRemote(this, remoteHandler, remoteHandler2, variableManager, engine);
+    remote->setParent(this);
+    SetUpScriptGlobals(*engine, *remote);
+    engine->setProcessEventsInterval(kEngineEventIntervalMs);
+}
+
+void MCalverinScript_Device::JoinModule() {
+    ModuleShared::Acquire().tickTimer.AddHandler(this);
+    if (module == nullptr)
+        return;
+    char path[kConfigPathSize] = {};
+    module->GetConfigFilePath(path);
+    const bool hasWindows = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+    debuggerEnabled = ReadConfigInt(path, "DEBUGGER", "enable", 0) != 0 && module->IsDebuggerAllowed() && hasWindows;
+    connect(engine, &QScriptEngine::signalHandlerException, this, &MCalverinScript_Device::SlotHandlerException);
+}
+
+void MCalverinScript_Device::StartScriptThread() {
+    scriptThread = new MScriptThread;
+    scriptThread->SetRequestedStackSize(kRequestedStackSize);
+    scriptThread->SetDevice(this);
+    threadId = scriptThread;
+    moveToThread(scriptThread);
+    scriptThread->start(QThread::InheritPriority);
+}
+
+bool MCalverinScript_Device::IsUsable() const { return scriptThread == nullptr || scriptThread->isRunning(); }
+
+KXPCode MCalverinScript_Device::QueryInterface(const char* name, void** out) {
+    if (name == nullptr || out == nullptr)
+        return KXP_BAD_INTERFACE_ARG;
+    *out = nullptr;
+    if (std::strcmp(name, "IMInterface") != 0 && std::strcmp(name, "IKXPDevice") != 0)
+        return KXP_NO_INTERFACE;
+    *out = static_cast<IKXPDevice*>(this);
+    return KXP_OK;
+}
+
+KXPCode MCalverinScript_Device::Start() {
+    const HostCall call(*this);
+    startPending = true;
+    stopPending = false;
+    remote->OnDeviceStart();
+    SetRunning(true);
+    SetStarted(true);
+    commandThread.Start(false);
+    MTimerailManager::Reset();
+    if (varStatus == nullptr)
+        BindDefaultVariables();
+    if (!setupScriptFileName.isEmpty())
+        LoadScriptCommand(ToHostText(setupScriptFileName).constData(), false);
+    else
+        EvaluateScriptCommand(setupScriptText, false);
+    if (panel != nullptr && setupInterface != nullptr) {
+        auto* info = QueryFace<IManagerRuntimeInfo>(module != nullptr ? module->GetHost() : nullptr,
+                                                    "IManagerRuntimeInfo");
+        setupInterface->PostRunState(panel, true, info != nullptr ? info->GetUserMode() : kDefaultUserMode);
+    }
+    return KXP_OK;
+}
+
+KXPCode MCalverinScript_Device::Stop() {
+    const HostCall call(*this);
+    stopPending = true;
+    ClearScriptState();
+    remote->EndContexts();
+    ExecuteStopFunction();
+    stopPending = false;
+    threadStopDone = true;
+    if (engine->isEvaluating() && IsDebuggerActive()) {
+        threadStopDone = false;
+        debuggerAbort = true;
+    }
+    SetStarted(false);
+    SetRunning(false);
+    if (threadStopDone)
+        StopCommandThread();
+    remote->ReleaseScriptObjects();
+    stackCount.Exchange(0);
+    if (panel != nullptr && setupInterface != nullptr)
+        setupInterface->PostRunState(panel, false, 0);
+    return KXP_OK;
+}
+
+/// The queue and the current command end their host contexts when they are cleared.
+void MCalverinScript_Device::StopCommandThread() {
+    commandThread.Stop(false);
+    WakeCommandThread();
+    commandThread.Wait(kInfinite);
+    ClearCommands();
+    MTimerailManager::Reset();
+}
+
+KXPCode MCalverinScript_Device::Release() {
+    const bool threadEnded = EndScriptThread();
+    LeaveHost();
+    const bool callsLeft = !WaitUntil([this] { return hostCalls.Read() == 0; }, kHostCallEndMs);
+    if (threadEnded && !callsLeft)
+        delete this;
+    else
+        AbandonedDevices().push_back(this);
+    SweepAbandoned();
+    return KXP_OK;
+}
+
+/// The ladder of a script thread's end: requests to the host end, the script is told to abort on its own thread, and what
+/// does not end within its time is left alone, with everybody who waits for it let go.
+/// @return whether the thread has ended.
+bool MCalverinScript_Device::EndScriptThread() {
+    ending = true;
+    inbox.Close();
+    remote->EndContexts();
+    if (scriptThread == nullptr) {
+        gate.Abandon();
+        return entryDepth == 0;
+    }
+    WakeScriptThread();
+    scriptThread->quit();
+    const bool ended = scriptThread->wait(kThreadEndMs);
+    abandoned = !ended;
+    gate.Abandon();
+    return ended;
+}
+
+/// From here on nothing of the host is used or used by this device.
+void MCalverinScript_Device::LeaveHost() {
+    if (ModuleShared* shared = ModuleShared::Get())
+        shared->tickTimer.RemoveHandler(this);
+    StopCommandThread();
+    SetStarted(false);
+    SetRunning(false);
+    for (std::atomic<IData*>* variable : {&varStatus, &varError, &varFileName, &varScriptText, &varFunctions})
+        *variable = nullptr;
+    statusItems = nullptr;
+    if (module != nullptr)
+        module->RemoveDevice(this);
+    Unlist();
+    if (MKXPDeviceBase::GetCount() == 0)
+        ModuleShared::ReleaseLast();
+}
+
+std::size_t MCalverinScript_Device::SweepAbandoned() {
+    std::vector<MCalverinScript_Device*>& devices = AbandonedDevices();
+    const auto over = [](MCalverinScript_Device* device) {
+        const bool threadEnded = device->scriptThread == nullptr || device->scriptThread->isFinished();
+        if (!threadEnded || device->hostCalls.Read() != 0)
+            return false;
+        delete device;
+        return true;
+    };
+    devices.erase(std::remove_if(devices.begin(), devices.end(), over), devices.end());
+    return devices.size();
+}
+
+/// Runs when the script thread has ended, so everything that lived on it belongs to this thread now.
+MCalverinScript_Device::~MCalverinScript_Device() {
+    ClearTimers();
+    live.global = QScriptValue();
+    stop.global = QScriptValue();
+    delete debugger;
+    delete remote;
+    delete engine;
+    delete scriptThread;
+    delete static_cast<QImage*>(bitmap);
+}

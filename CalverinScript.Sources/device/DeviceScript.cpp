@@ -1,0 +1,280 @@
+#include "MCalverinScript_Device.h"
+
+#include <QFile>
+#include <QScriptEngine>
+
+#include "CommandNumbers.h"
+#include "DeviceMarshalling.h"
+#include "HostText.h"
+#include "Log.h"
+#include "MScriptEngineAgent.h"
+#include "MScriptMngRemote.h"
+#include "ScriptScan.h"
+
+namespace {
+
+constexpr int kExceptionLevel = 5;
+
+QString MessageOf(const QScriptValue& error) { return error.property(QStringLiteral("message")).toString(); }
+
+QString ScriptFailure(const QString& text) { return QStringLiteral("Script: ") + text; }
+
+/// The value of a setting as its type asks for it; invalid for types that settings do not have.
+QScriptValue SettingValue(const MScriptSetting& setting) {
+    if (setting.type == QLatin1String("IntegerData") || setting.type == QLatin1String("EnumData"))
+        return QScriptValue(setting.value.toInt());
+    if (setting.type == QLatin1String("RealData"))
+        return QScriptValue(setting.value.toDouble());
+    if (setting.type == QLatin1String("StringData") || setting.type == QLatin1String("DateData") ||
+        setting.type == QLatin1String("TimeData"))
+        return QScriptValue(setting.value);
+    return QScriptValue();
+}
+
+} // namespace
+
+bool MCalverinScript_Device::SlotLoadScriptCommand(const char* fileName, bool stopMode) {
+    return RunSlot(MarshalledCall::LoadScriptCommand, [&] {
+        ScriptSet& set = stopMode ? stop : live;
+        const QString path = FromHostText(fileName);
+        QFile file(path);
+        const bool read = fileName != nullptr && file.open(QIODevice::ReadOnly);
+        set.scriptText = read ? FromScriptBytes(file.readAll()) : QStringLiteral("");
+        if (!read)
+            ReportError(QStringLiteral("This file cannot be loaded."), false);
+        set.scriptFileName = path;
+        Q_EMIT SignalNotifyScriptFileNameChange(set.scriptFileName);
+        Q_EMIT SignalNotifyScriptChange(set.scriptText);
+        return read && (stopMode || RunLoadedScript());
+    });
+}
+
+bool MCalverinScript_Device::SlotEvaluateScriptCommand(const QString& text, bool stopMode) {
+    return RunSlot(MarshalledCall::EvaluateScriptCommand, [&] {
+        ScriptSet& set = stopMode ? stop : live;
+        set.scriptFileName = QStringLiteral("");
+        set.scriptText = text;
+        const bool result = stopMode || RunLoadedScript();
+        Q_EMIT SignalNotifyScriptFileNameChange(set.scriptFileName);
+        Q_EMIT SignalNotifyScriptChange(set.scriptText);
+        return result;
+    });
+}
+
+/// Shows the script that is loaded now, evaluates it and shows its functions.
+bool MCalverinScript_Device::RunLoadedScript() {
+    WriteVariable(varFileName, live.scriptFileName);
+    WriteVariable(varScriptText, live.scriptText);
+    const bool result = EvaluateScript(live.scriptText, nullptr);
+    PublishFunctionList();
+    return result;
+}
+
+void MCalverinScript_Device::PublishFunctionList() {
+    QString list;
+    for (const MScriptCommand& function : live.functions.Snapshot())
+        list += function.name + QLatin1Char('\n');
+    WriteVariable(varFunctions, list);
+}
+
+bool MCalverinScript_Device::SlotEvaluateScript(const QString& text, bool stopMode) {
+    return RunSlot(MarshalledCall::EvaluateScript, [&] { return Evaluate(stopMode ? stop : live, text, stopMode); });
+}
+
+bool MCalverinScript_Device::Evaluate(ScriptSet& set, const QString& text, bool stopMode) {
+    if (!stopMode && IsDebuggerActive()) {
+        Q_EMIT SignalShowDebugger();
+        debuggerContinue = true;
+    }
+    remote->UnregisterRootGroup();
+    if (registerAllUserGroups)
+        remote->RegisterRootGroup();
+    if (!stopMode)
+        CleanupBeforeEvaluate();
+    set.engine->pushContext();
+    set.global = set.engine->evaluate(text, QStringLiteral(""), 1);
+    set.engine->popContext();
+    debuggerContinue = false;
+    if (ending || !ReportEvaluation(set, stopMode))
+        return false;
+    {
+        const std::lock_guard<MLockedList<MScriptCommand>> guard(set.functions);
+        ScanGlobal(set);
+    }
+    if (stopMode)
+        ReportError(QStringLiteral("Evaluation Ok"), true);
+    else
+        AfterEvaluate();
+    return true;
+}
+
+/// @return whether the evaluation succeeded.
+bool MCalverinScript_Device::ReportEvaluation(ScriptSet& set, bool stopMode) {
+    if (set.engine->hasUncaughtException()) {
+        const int line = set.engine->uncaughtExceptionLineNumber();
+        const QScriptValue exception = set.engine->uncaughtException();
+        if (!stopMode)
+            ReportUncaught();
+        const QString text = QStringLiteral("Uncaught exception at line ") + QString::number(line) +
+                             QStringLiteral(", ") + exception.toString();
+        ReportError(ScriptFailure(text), stopMode);
+        Q_EMIT SignalNotifyLineErrorChange(line);
+        set.engine->clearExceptions();
+        return false;
+    }
+    if (set.global.isError()) {
+        ReportError(ScriptFailure(MessageOf(set.global)), stopMode);
+        return false;
+    }
+    return true;
+}
+
+/// Ends the script that has run so far, as a stop would, but for the threads.
+void MCalverinScript_Device::CleanupBeforeEvaluate() {
+    ClearTimers();
+    ExecuteStopFunction();
+    hasStopFunction = false;
+    remote->ReleaseScriptObjects();
+}
+
+void MCalverinScript_Device::AfterEvaluate() {
+    const bool wasStarting = startPending.exchange(false);
+    hasStopFunction = false;
+    GiveSettingsToScript();
+    const QScriptValue start = live.global.property(QStringLiteral("_mStart"));
+    if (start.isFunction())
+        CallScript(start, {QScriptValue(!wasStarting)});
+    hasStopFunction = live.global.property(QStringLiteral("_mStop")).isFunction();
+}
+
+void MCalverinScript_Device::GiveSettingsToScript() {
+    QScriptValue setup = live.global.property(QStringLiteral("Setup"));
+    if (!setup.isObject())
+        return;
+    for (const MScriptSetting& setting : setupSettings.Snapshot()) {
+        const QScriptValue value = SettingValue(setting);
+        if (value.isValid() && setup.property(setting.name).isValid())
+            setup.setProperty(setting.name, value);
+    }
+}
+
+bool MCalverinScript_Device::SlotExecuteScript_mStop() {
+    return RunSlot(MarshalledCall::ExecuteStopFunction, [&] {
+        const bool wasStopping = stopPending.exchange(false);
+        const QScriptValue function = live.global.property(QStringLiteral("_mStop"));
+        const bool callable = !live.global.isError() && function.isFunction();
+        if (callable)
+            CallScript(function, {QScriptValue(!wasStopping)});
+        FinishStopRequest();
+        return callable;
+    });
+}
+
+bool MCalverinScript_Device::SlotExecuteScriptFunction(const char* name, IData* result, const char** params) {
+    return RunSlot(MarshalledCall::ExecuteScriptFunction, [&] { return CallNamedFunction(name, result, params); });
+}
+
+bool MCalverinScript_Device::CallNamedFunction(const char* name, IData* result, const char** params) {
+    if (live.global.isError()) {
+        ReportError(ScriptFailure(MessageOf(live.global)), false);
+        return false;
+    }
+    if (name == nullptr) {
+        ReportError(QStringLiteral("Script function name missing."), false);
+        return false;
+    }
+    const QString functionName = FromHostText(name);
+    const QScriptValue function = live.global.property(functionName);
+    if (function.isError()) {
+        ReportError(functionName + QStringLiteral(": ") + MessageOf(function), false);
+        return false;
+    }
+    if (!function.isFunction()) {
+        ReportError(functionName + QStringLiteral(" function is not defined"), false);
+        return false;
+    }
+    QScriptValueList arguments;
+    if (params != nullptr) {
+        for (int i = 0; i < kArgumentCount && params[i] != nullptr; ++i)
+            arguments.append(QScriptValue(FromHostText(params[i])));
+        remote->SetPostponeAllowed(true);
+    }
+    const QScriptValue value = CallScript(function, arguments);
+    FinishStopRequest();
+    if (params != nullptr)
+        DeliverResult(value, result);
+    engine->clearExceptions();
+    return true;
+}
+
+/// What a function gave becomes the command's result, unless the script failed or answers later.
+void MCalverinScript_Device::DeliverResult(const QScriptValue& value, IData* result) {
+    if (ending || result == nullptr || engine->hasUncaughtException())
+        return;
+    if (value.isError())
+        ReportError(ScriptFailure(MessageOf(value)), false);
+    else if (!remote->HasPostponed() && !value.isUndefined())
+        result->SetValueFromString(ToHostText(value.toString()).constData(), 0, 0);
+}
+
+/// The one way into a function of the script. An exception that the script did not catch is reported here, unless an agent on
+/// the engine has seen it thrown; it stays with the engine until the caller has looked at it.
+QScriptValue MCalverinScript_Device::CallScript(QScriptValue function, const QScriptValueList& arguments) {
+    if (ending)
+        return QScriptValue();
+    engine->clearExceptions();
+    const QScriptValue value = function.call(live.global, arguments);
+    ReportUncaught();
+    return value;
+}
+
+void MCalverinScript_Device::ReportUncaught() {
+    const bool seenByAgent = dynamic_cast<MScriptEngineAgent*>(engine->agent()) != nullptr;
+    if (!seenByAgent && engine->hasUncaughtException() && !ending)
+        SlotHandlerException(engine->uncaughtException());
+}
+
+void MCalverinScript_Device::CheckUncaught() {
+    if (engine->hasUncaughtException() && !ending)
+        Q_EMIT SignalScriptError(engine->uncaughtException());
+    engine->clearExceptions();
+}
+
+void MCalverinScript_Device::SlotHandlerException(const QScriptValue& exception) {
+    const bool isError = exception.isError();
+    const QString message = isError ? MessageOf(exception) : exception.toString();
+    const QString line = isError ? exception.property(QStringLiteral("lineNumber")).toString()
+                                 : QString::number(engine->uncaughtExceptionLineNumber());
+    ReportError(ScriptFailure(message), false);
+    if (!IsLogOn(false))
+        return;
+    const QString text = QStringLiteral("Uncaught Exception - line:") + line + QStringLiteral(", message: ") + message;
+    WriteLog(LogHandle(), kExceptionLevel, "CalverinScript_ [%s] %s", GetName(), ToHostText(text).constData());
+}
+
+void MCalverinScript_Device::FinishStopRequest() {
+    if (!threadStopDone)
+        stopRequested = true;
+}
+
+void MCalverinScript_Device::ReportError(const QString& text, bool stopMode) {
+    if (text.isNull())
+        return;
+    if (!stopMode)
+        WriteVariable(varError, text);
+    Q_EMIT SignalNotifyErrorChange(text);
+}
+
+void MCalverinScript_Device::WriteVariable(const std::atomic<IData*>& variable, const QString& text) {
+    IData* data = variable;
+    if (data != nullptr && !abandoned)
+        data->SetValueFromString(ToHostText(text).constData(), 0, 0);
+}
+
+void MCalverinScript_Device::SetStatus(DeviceStatus status) {
+    const auto index = static_cast<std::int32_t>(status);
+    if (IEnumData* items = statusItems)
+        items->SetCurrent(index, 0, 0);
+    else if (IData* data = varStatus)
+        data->SetIntValue(index, 0, 0);
+}

@@ -1,0 +1,139 @@
+#include "MCalverinScript_Device.h"
+
+#include <cstdlib>
+
+#include <QImage>
+
+#include "CommandNumbers.h"
+#include "DefinitionBuilder.h"
+#include "IModuleServices.h"
+#include "ISetupInterface.h"
+#include "MScriptMngRemote.h"
+#include "ModuleResources.h"
+
+namespace {
+
+constexpr std::uint32_t kFirstCapability = 1;
+constexpr std::uint32_t kLastCapability = 2;
+constexpr std::uint32_t kControlPanelKind = 1;
+
+} // namespace
+
+void MCalverinScript_Device::SetDeviceVariables(IDeviceVariables* variables) { deviceVariables = variables; }
+
+KXPCode MCalverinScript_Device::QueryCapability(std::uint32_t capability) {
+    return capability >= kFirstCapability && capability <= kLastCapability ? KXP_OK : KXP_NO;
+}
+
+void MCalverinScript_Device::SetName(const char* newName) { MKXPDeviceBase::SetName(newName); }
+
+const char* MCalverinScript_Device::GetName() { return MKXPDeviceBase::GetName(); }
+
+const char* MCalverinScript_Device::GetScriptDeviceName() { return MKXPDeviceBase::GetName(); }
+
+KXPCode MCalverinScript_Device::ShowSetup(void* /*ignored*/) { return ShowSetupDialog(nullptr); }
+
+KXPCode MCalverinScript_Device::ShowSetupDialog(const char* scriptName) {
+    return setupInterface != nullptr ? setupInterface->ShowSetup(*this, scriptName) : KXPCode{KXP_CANCELLED};
+}
+
+KXPCode MCalverinScript_Device::IsRunning() { return IsStarted() ? KXP_OK : KXP_NO; }
+
+KXPCode MCalverinScript_Device::OnTimerailEvent(ITimeData* time, std::int32_t action) {
+    ChangeTrackState(action, time != nullptr ? time->GetFrameCount() : 0);
+    return KXP_OK;
+}
+
+KXPBitmap MCalverinScript_Device::GetBitmap() {
+    if (bitmap == nullptr) {
+        const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
+        if (!image.isNull())
+            bitmap = new QImage(image);
+    }
+    return bitmap;
+}
+
+/// The stored setup is not offered yet: a null argument is refused as it always will be, anything else as not implemented.
+KXPCode MCalverinScript_Device::GetSetup(char** out) {
+    return out == nullptr ? KXP_NULL_ARGUMENT : KXP_NOT_IMPLEMENTED;
+}
+
+KXPCode MCalverinScript_Device::SetSetup(const char* setup) {
+    return setup == nullptr || *setup == '\0' ? KXP_NULL_ARGUMENT : KXP_NOT_IMPLEMENTED;
+}
+
+KXPCode MCalverinScript_Device::UpdateCommand(const char* /*commandXml*/, char** /*out*/) {
+    return KXP_NOT_IMPLEMENTED;
+}
+
+KXPCode MCalverinScript_Device::Reserved14(void* /*argument*/) { return KXP_OK; }
+
+KXPCode MCalverinScript_Device::Reserved15(void* /*argument*/) { return KXP_OK; }
+
+KXPCode MCalverinScript_Device::Reserved16(void* /*argument*/) { return KXP_OK; }
+
+KXPCode MCalverinScript_Device::Reserved20() { return KXP_OK; }
+
+KXPCode MCalverinScript_Device::ReleaseString(char** text) {
+    if (text == nullptr || *text == nullptr)
+        return KXP_NULL_ARGUMENT;
+    std::free(*text);
+    *text = nullptr;
+    return KXP_OK;
+}
+
+const char* MCalverinScript_Device::GetDefinition() {
+    if (module == nullptr)
+        return nullptr;
+    if (definitionCache.IsNotEmpty())
+        return definitionCache.c_str();
+    const char* definitionTemplate = module->GetDefinitionTemplate();
+    DefinitionRequest request;
+    request.definitionTemplate = definitionTemplate;
+    request.deviceNumber = moduleDeviceNumber;
+    request.deviceVariables = deviceVariables;
+    request.commands = live.functions.Snapshot();
+    request.variables = variablesLive.Snapshot();
+    std::string text;
+    if (BuildDefinition(request, text))
+        definitionCache = text.c_str();
+    else if (definitionTemplate != nullptr)
+        definitionCache = definitionTemplate;
+    return definitionTemplate != nullptr ? definitionCache.c_str() : nullptr;
+}
+
+KXPCode MCalverinScript_Device::CreatePanel(std::uint32_t kind, IKXPDevicePanel** out) {
+    if (out == nullptr)
+        return KXP_NULL_ARGUMENT;
+    if (kind != kControlPanelKind || setupInterface == nullptr)
+        return KXP_NOT_IMPLEMENTED;
+    panel = setupInterface->CreateControlPanel(*this);
+    *out = panel;
+    return panel != nullptr ? KXP_OK : KXP_NOT_IMPLEMENTED;
+}
+
+void MCalverinScript_Device::SetSetupScript(const QString& fileName, const QString& text) {
+    setupScriptFileName = fileName;
+    setupScriptText = text;
+}
+
+void MCalverinScript_Device::SetSetupSettings(const QList<MScriptSetting>& settings) {
+    setupSettings.Clear();
+    for (const MScriptSetting& setting : settings)
+        setupSettings.Add(setting);
+}
+
+void MCalverinScript_Device::BindDefaultVariables() {
+    const bool keep = deviceVariables != nullptr && !appliedRemoveDefaults;
+    const auto find = [&](const char* name) { return keep ? deviceVariables->GetVariable(name) : nullptr; };
+    varStatus = find("Status");
+    varError = find("Error");
+    varFileName = find("CurrentScriptFileName");
+    varScriptText = find("CurrentScriptText");
+    varFunctions = find("ScriptFunctions");
+    statusItems = QueryFace<IEnumData>(varStatus, "IEnumData");
+}
+
+int MCalverinScript_Device::ValidateCommand(std::int32_t id, IObjectParams* /*params*/) {
+    return id < kFirstUserCommand ? 2 : 0;
+}

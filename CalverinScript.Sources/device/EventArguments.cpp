@@ -1,0 +1,56 @@
+#include "EventArguments.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include <QScriptEngine>
+#include <QVariant>
+
+#include "EventRecords.h"
+#include "MScriptParamList.h"
+
+namespace {
+
+QScriptValue FromBool(QScriptEngine& /*engine*/, const QVariant& value) { return QScriptValue(value.toBool()); }
+
+/// A number reaches a listener as a boolean, true when it is not zero. That is how listeners have always got it.
+QScriptValue FromInt(QScriptEngine& /*engine*/, const QVariant& value) { return QScriptValue(value.toInt() != 0); }
+
+QScriptValue FromAddress(QScriptEngine& engine, const QVariant& value) {
+    const auto info = value.value<IPInfo>();
+    QScriptValue object = engine.newObject();
+    object.setProperty(QStringLiteral("port"), info.GetPort(), QScriptValue::KeepExistingFlags);
+    object.setProperty(QStringLiteral("address"), info.GetAddress(), QScriptValue::KeepExistingFlags);
+    return object;
+}
+
+QScriptValue FromSocketError(QScriptEngine& engine, const QVariant& value) {
+    const auto info = value.value<SocketErrorInfo>();
+    QScriptValue object = engine.newObject();
+    object.setProperty(QStringLiteral("errorCode"), info.GetErrorCode(), QScriptValue::KeepExistingFlags);
+    object.setProperty(QStringLiteral("errorText"), info.GetErrorText(), QScriptValue::KeepExistingFlags);
+    return object;
+}
+
+struct EventArgumentKind {
+    const char* typeName;
+    QScriptValue (*toScript)(QScriptEngine&, const QVariant&);
+};
+
+constexpr EventArgumentKind kEventArgumentKinds[] = {
+    {"bool", &FromBool}, {"int", &FromInt}, {"IPInfo", &FromAddress}, {"SocketErrorInfo", &FromSocketError}};
+
+} // namespace
+
+QScriptValueList EventArguments(QScriptEngine& engine, const MScriptParamList& params) {
+    QScriptValueList arguments;
+    for (int i = 0; i < params.Count(); ++i) {
+        const QVariant value = params.At(i);
+        const auto* kind =
+            std::find_if(std::begin(kEventArgumentKinds), std::end(kEventArgumentKinds),
+                         [&](const EventArgumentKind& k) { return qstrcmp(k.typeName, value.typeName()) == 0; });
+        if (kind != std::end(kEventArgumentKinds))
+            arguments.append(kind->toScript(engine, value));
+    }
+    return arguments;
+}

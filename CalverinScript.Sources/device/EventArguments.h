@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QScriptValue>
+
+class MScriptParamList;
+class QScriptEngine;
+
+/// The values of an event as the arguments of its listener. Values of kinds that are not in the table add nothing, so later
+/// ones move up.   [script]
+QScriptValueList EventArguments(QScriptEngine& engine, const MScriptParamList& params);

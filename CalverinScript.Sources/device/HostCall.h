@@ -1,0 +1,18 @@
+#pragma once
+
+#include "MCalverinScript_Device.h"
+
+/// Counts a host call that may block inside the device, so that Release does not pull the ground from under it.
+class MCalverinScript_Device::HostCall {
+public:
+    explicit HostCall(MCalverinScript_Device& device)
+        : m_count(device.hostCalls) {
+        m_count.Increment();
+    }
+    ~HostCall() { m_count.Decrement(); }
+    HostCall(const HostCall&) = delete;
+    HostCall& operator=(const HostCall&) = delete;
+
+private:
+    InterlockedCounter& m_count;
+};

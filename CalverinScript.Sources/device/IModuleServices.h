@@ -1,0 +1,26 @@
+#pragma once
+
+class IMInterface;
+class MCalverinScript_Device;
+
+/// What a device needs of the module above it.
+class IModuleServices {
+public:
+    /// The root object that the host gave; null before Initialize.   [any]
+    virtual IMInterface* GetHost() = 0;
+    /// The device definition template; null when missing. Valid until the next call.   [host main]
+    virtual const char* GetDefinitionTemplate() = 0;
+    /// Path of the configuration file, at most 1024 characters with the NUL.   [host main]
+    virtual void GetConfigFilePath(char* buffer) = 0;
+    /// Whether the host is one that may show the debugger.   [host main]
+    virtual bool IsDebuggerAllowed() const = 0;
+    /// Whether each of the host's three version numbers is at least that of 6.4.2.   [any]
+    virtual bool IsHostAtLeast642() const = 0;
+    /// The same with 6.4.3.   [any]
+    virtual bool IsHostAtLeast643() const = 0;
+    /// Takes a device out of the module's list.   [host main]
+    virtual void RemoveDevice(MCalverinScript_Device* device) = 0;
+
+protected:
+    ~IModuleServices() = default;
+};

@@ -1,0 +1,386 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+#include <QHash>
+#include <QObject>
+#include <QScriptValue>
+#include <QVector>
+
+#include "CompletionGate.h"
+#include "ICommandObjectHandler.h"
+#include "IHostServices.h"
+#include "IKXPDevice.h"
+#include "IManagerRemote.h"
+#include "IScriptDevice.h"
+#include "IThreadHandler.h"
+#include "IThreadTimerHandler.h"
+#include "InterlockedCounter.h"
+#include "MKXPDeviceBase.h"
+#include "MScriptCommonEvent.h"
+#include "MScriptParamList.h"
+#include "MString.h"
+#include "MThread.h"
+#include "MTimerailManager.h"
+#include "MyAsyncDeviceExecContext.h"
+#include "MyCommandManager.h"
+#include "ScriptInbox.h"
+#include "ScriptSet.h"
+
+class IModuleServices;
+class ISetupInterface;
+class MScriptEngineAgent;
+class MScriptMngRemote;
+class MScriptThread;
+class QScriptEngineDebugger;
+class QThread;
+
+/// Index of the items of the device's variable "Status".
+enum class DeviceStatus : std::int32_t { Ready = 0, Loading = 1, Executing = 2 };
+
+/// A device whose behaviour is a script.
+///
+/// It turns the host's calls into queued commands and commands into script calls. Three threads work for it: its command
+/// thread takes one command after the other, the module's tick thread watches over them, and its script thread runs nothing
+/// but Qt's event loop and, on it, the engine, all that the script calls and every slot here. All other threads reach the
+/// script through a marshalled call and wait for its completion, or leave a task in the inbox.
+///
+/// `mutex` is held for each entry into the script. Lock order: the command manager's lock, `mutex`, a script object's lock.
+class MCalverinScript_Device : public QObject,
+                               public MKXPDeviceBase,
+                               public MTimerailManager,
+                               public MyCommandManager,
+                               public IThreadTimerHandler,
+                               public IThreadHandler,
+                               public IKXPDevice,
+                               public ICommandObjectHandler,
+                               public IScriptDevice {
+    Q_OBJECT
+
+public:
+    /// @param moduleServices borrowed for the device's life. @param setup may be null. @param name copied, may be null.
+    /// [host main]
+    MCalverinScript_Device(IModuleServices* moduleServices, ISetupInterface* setup, const char* name);
+
+    /// Whether the script thread runs, or the debugger makes one needless. A device without one is of no use and is released
+    /// at once.   [host main]
+    bool IsUsable() const;
+
+    // IKXPDevice
+    KXPCode QueryInterface(const char* name, void** out) override;
+    KXPCode Release() override;
+    void SetDeviceVariables(IDeviceVariables* variables) override;
+    KXPCode QueryCapability(std::uint32_t capability) override;
+    void SetName(const char* newName) override;
+    const char* GetName() override;
+    KXPCode ShowSetup(void* ignored) override;
+    using MKXPDeviceBase::IsRunning;
+    KXPCode IsRunning() override;
+    KXPCode Start() override;
+    KXPCode Stop() override;
+    KXPCode OnTimerailEvent(ITimeData* time, std::int32_t action) override;
+    KXPBitmap GetBitmap() override;
+    KXPCode GetSetup(char** out) override;
+    KXPCode SetSetup(const char* setup) override;
+    KXPCode UpdateCommand(const char* commandXml, char** out) override;
+    KXPCode Reserved14(void* argument) override;
+    KXPCode Reserved15(void* argument) override;
+    KXPCode Reserved16(void* argument) override;
+    KXPCode ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) override;
+    KXPCode ReleaseString(char** text) override;
+    const char* GetDefinition() override;
+    KXPCode Reserved20() override;
+    KXPCode CreatePanel(std::uint32_t kind, IKXPDevicePanel** out) override;
+
+    // The setup, as dialogs and stored texts give it
+    /// Opens the setup dialog with a script of the library chosen; null chooses none.   [host main]
+    KXPCode ShowSetupDialog(const char* scriptName);
+    /// The script that Start runs: the file when there is one, the text otherwise.   [host main, not while started]
+    void SetSetupScript(const QString& fileName, const QString& text);
+    /// The values that the script finds in its `Setup` before _mStart.   [host main, not while started]
+    void SetSetupSettings(const QList<MScriptSetting>& settings);
+    /// Whether the group granted to this device is registered at each load.   [host main]
+    void SetRegisterAllUserGroups(bool enabled) { registerAllUserGroups = enabled; }
+    /// How a stored command relates to the user commands of this device.
+    /// @return 0 gone, 1 other parameters, 2 valid.   [host main]
+    int ValidateCommand(std::int32_t id, IObjectParams* params);
+    std::uint32_t GetModuleDeviceNumber() const { return moduleDeviceNumber; }
+    void SetModuleDeviceNumber(std::uint32_t number) { moduleDeviceNumber = number; }
+    /// Looks up the device's five default variables at the host: null where it has none of that name.   [any host thread]
+    void BindDefaultVariables();
+
+    // Calls that cross to the script thread. Each waits for its completion; on the script thread itself it runs at once.
+    /// Loads a file and evaluates it. @return whether it could be read and evaluated.   [any]
+    bool LoadScriptCommand(const char* fileName, bool stopMode);
+    /// Evaluates a text. @return whether it could be evaluated.   [any]
+    bool EvaluateScriptCommand(const QString& text, bool stopMode);
+    /// Evaluates a text in this device, or analyses it on an engine of the caller's on the calling thread.   [any]
+    bool EvaluateScript(const QString& text, QScriptEngine* analysisEngine);
+    /// Calls a function of the script. @param params null, or eight texts, the first null ending the list.   [any]
+    bool ExecuteScriptFunction(const char* name, IData* result, const char** params);
+    /// Delivers an asynchronous result to its function.   [any]
+    bool ExecuteCallBack(MyAsyncDeviceExecContext* context);
+    /// Calls _mStop, if the script has one, and waits 25 ms at most.   [any]
+    bool ExecuteStopFunction();
+
+    /// Delivers an event of a script object to its listener, later. Does nothing without both pointers. @return 1.   [any]
+    int PostScriptEvent(const QString& name, const MScriptParamList* params, MScriptCommonEvent* event);
+
+    // The five operations of the command road. With execute false each posts a command, with execute true it does the work.
+    bool LoadScriptFromFile(IExecContext* context, const char* fileName, bool execute);
+    bool LoadScriptFromText(IExecContext* context, const char* text, bool execute);
+    bool ExecuteScriptFunction(IExecContext* context, const char* name, bool execute);
+    bool ExecuteScriptFunctionWithParams(IExecContext* context, const char* name, IData* result, const char** params,
+                                         bool execute);
+    bool ExecuteCallBack(IExecContext* context, MyAsyncDeviceExecContext* asyncContext, bool execute);
+
+    /// The single way in which failures reach the user: the variable "Error" and the dialogs. A null text does nothing, an
+    /// empty one clears. In stop mode only the dialogs hear of it.   [any]
+    void ReportError(const QString& text, bool stopMode);
+
+    /// Makes the context and notes the function for an asynchronous request.
+    /// @return null when the value is no function.   [script]
+    MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue& function);
+
+    // MyCommandManager
+    using MyCommandManager::ExecuteCommand;
+    bool ExecuteCommand(MCommandObject* command) override;
+
+    // ICommandObjectHandler
+    void OnCommandCreated(void* context) override;
+    void OnCommandDestroyed(void* context) override;
+
+    // IScriptDevice
+    const char* GetScriptDeviceName() override;
+    void PostAsyncResult(MyAsyncDeviceExecContext* context) override;
+    void PostPropertyChange(const char* object, const char* property, const char* value, bool objectFollows) override;
+    MCommandObject* GetExecutingCommand() override;
+    void WriteCommandResult(MCommandObject* command, const QString& text) override;
+
+    // IThreadTimerHandler, IThreadHandler
+    void OnTimer(std::uint32_t nowMs) override;
+    std::uint32_t ThreadRun(MThread* thread) override;
+
+    /// Called by the script thread at its start and before its end.   [script]
+    void OnScriptThreadStarted(MScriptThread* thread);
+    void OnScriptThreadEnding();
+
+    // What dialogs, panels and tests look at
+    MScriptMngRemote* GetRemote() const { return remote; }
+    QScriptEngine* GetEngine() const { return engine; }
+    const ScriptSet& GetLiveSet() const { return live; }
+    const ScriptSet& GetStopSet() const { return stop; }
+    QScriptEngineDebugger* GetDebugger() const { return debugger; }
+    MScriptThread* GetScriptThread() const { return scriptThread; }
+    std::int32_t GetStackCount() const { return stackCount.Read(); }
+    bool HasStopFunction() const { return hasStopFunction; }
+
+    /// Devices that were released while their script would not end. They are looked through at each creation and release,
+    /// and those whose script has ended since are deleted.
+    /// @return how many are left.   [host main]
+    static std::size_t SweepAbandoned();
+
+Q_SIGNALS:
+    void SignalShowDebugger();
+    void SignalNotifyErrorChange(const QString& text);
+    void SignalNotifyLineErrorChange(int line);
+    void SignalNotifyScriptChange(const QString& text);
+    void SignalNotifyScriptFileNameChange(const QString& fileName);
+    bool SignalLoadScriptCommand(const char* fileName, bool stopMode);
+    bool SignalEvaluateScriptCommand(const QString& text, bool stopMode);
+    bool SignalEvaluateScript(const QString& text, bool stopMode);
+    bool SignalExecuteScriptFunction(const char* name, IData* result, const char** params);
+    bool SignalExecuteCallBack(MyAsyncDeviceExecContext* context);
+    bool SignalExecuteScript_mStop();
+    bool SignalExecuteScriptEventCallBack(const QString& name, const MScriptParamList& params, MScriptCommonEvent* event);
+    void SignalLoadScriptCommandFinished();
+    void SignalEvaluateScriptCommandFinished();
+    void SignalEvaluateScriptFinished();
+    void SignalExecuteScriptFunctionFinished();
+    void SignalExecuteCallBackFinished();
+    void SignalExecuteScript_mStopFinished();
+    void SignalOnPropertyChange(QString object, QString property, QString value, bool objectFollows);
+    void SignalScriptError(const QScriptValue& exception);
+
+public Q_SLOTS:
+    void SlotShowDebugger();
+    virtual void SlotHandlerException(const QScriptValue& exception);
+    virtual bool SlotLoadScriptCommand(const char* fileName, bool stopMode);
+    virtual bool SlotEvaluateScriptCommand(const QString& text, bool stopMode);
+    virtual bool SlotEvaluateScript(const QString& text, bool stopMode);
+    virtual bool SlotExecuteScriptFunction(const char* name, IData* result, const char** params);
+    virtual bool SlotExecuteCallBack(MyAsyncDeviceExecContext* context);
+    virtual bool SlotExecuteScript_mStop();
+    virtual bool SlotExecuteScriptEventCallBack(const QString& name, const MScriptParamList& params,
+                                                MScriptCommonEvent* event);
+    int SlotSetInterval(const QScriptValue& expression, int delay);
+    void SlotClearInterval(int id);
+    int SlotSetTimeout(const QScriptValue& expression, int delay);
+    void SlotClearTimeout(int id);
+    unsigned int SlotSetPropertyChangeCallback(const QScriptValue& function);
+    void SlotOnPropertyChange(const QString& object, const QString& property, const QString& value, bool objectFollows);
+
+protected:
+    /// Release is the only way to end a device.
+    ~MCalverinScript_Device() override;
+    bool event(QEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    friend struct MarshalledCallTable;
+
+    class HostCall;
+    /// One entry into the script: holds `mutex` and keeps queued tasks and timers from running inside it.
+    class ScriptEntry;
+
+    // Construction
+    void FindHostServices();
+    void MakeEngine();
+    void JoinModule();
+    void ConnectSignals();
+    void StartScriptThread();
+    void SetUpDebugger();
+
+    // End
+    bool EndScriptThread();
+    void LeaveHost();
+
+    // Marshalling
+    template <typename Emit>
+    bool Marshal(MarshalledCall call, Emit emitRequest);
+    void WaitInEventLoop(MarshalledCall call, CompletionGate::Generation seen);
+    template <typename Work>
+    bool RunSlot(MarshalledCall call, Work work);
+    void Finish(MarshalledCall call, bool result);
+    bool OnScriptThread() const;
+    void WakeScriptThread();
+    void DrainInbox();
+    void AbortScript();
+    void ClearScriptState();
+
+    // Commands
+    struct Operation;
+    template <typename Detail, typename AddParams, typename Work>
+    bool RunOperation(const Operation& operation, IExecContext* context, bool execute, Detail detail,
+                      AddParams addParams, Work work);
+    void PostOperation(MCommandObject* command);
+    bool MayPost() const;
+    bool HasFunction(const char* name);
+    KXPCode PostBuiltIn(std::int32_t id, IObjectParams* params, IExecContext* context);
+    KXPCode PostUserCommand(std::int32_t id, IObjectParams* params, IExecContext* context);
+    bool DispatchCommand(MCommandObject* command);
+    void CheckExpiredCommand();
+    void GiveUpCommand(MCommandObject* command);
+    void StopCommandThread();
+    void FinishRequestedStop();
+    void SetStatus(DeviceStatus status);
+    void WriteVariable(const std::atomic<IData*>& variable, const QString& text);
+
+    // Script work
+    bool RunLoadedScript();
+    bool Evaluate(ScriptSet& set, const QString& text, bool stopMode);
+    bool ReportEvaluation(ScriptSet& set, bool stopMode);
+    void CleanupBeforeEvaluate();
+    void AfterEvaluate();
+    void GiveSettingsToScript();
+    void PublishFunctionList();
+    QScriptValue CallScript(QScriptValue function, const QScriptValueList& arguments);
+    bool CallNamedFunction(const char* name, IData* result, const char** params);
+    void DeliverResult(const QScriptValue& value, IData* result);
+    void ReportUncaught();
+    void CheckUncaught();
+    void FinishStopRequest();
+    void ClearTimers();
+    int AddTimer(QHash<int, QScriptValue>& timers, const QScriptValue& expression, int delay);
+    void RemoveTimer(QHash<int, QScriptValue>& timers, int id);
+    void FireTimer(int id);
+
+    // Debugger
+    bool IsDebuggerActive() const;
+    void TriggerDebuggerAction(int action);
+    void AbortEvaluation();
+
+    MScriptThread* scriptThread = nullptr; ///< null while the debugger is enabled
+    IModuleServices* const module;         ///< not owned
+    ISetupInterface* const setupInterface; ///< not owned, may be null
+    KXPBitmap bitmap = nullptr;            ///< owned cache of GetBitmap
+    IDeviceVariables* deviceVariables = nullptr;
+
+    // The five default variables: written on the host's main thread, read by all. Null when removed or not bound.
+    std::atomic<IData*> varStatus{nullptr};
+    std::atomic<IData*> varError{nullptr};
+    std::atomic<IData*> varFileName{nullptr};
+    std::atomic<IData*> varScriptText{nullptr};
+    std::atomic<IData*> varFunctions{nullptr};
+    std::atomic<IEnumData*> statusItems{nullptr}; ///< the enumeration face of varStatus
+
+    IManagerRemoteManager* remoteManager = nullptr;
+    IManagerRemote* remoteHandler = nullptr;
+    IManagerRemote2* remoteHandler2 = nullptr;
+    IFolderManager* folderManager = nullptr;
+    IObjectNameTools* objectNameTools = nullptr;
+    MString definitionCache; ///< host main; empty means rebuild
+    MThread commandThread;
+    IVariableManager* variableManager = nullptr;
+    InterlockedCounter stackCount; ///< commands posted and not finished
+    bool setupLoaded = false;      ///< host main
+    bool programmingMode = false;
+    bool autoCompletion = true;
+    std::recursive_mutex mutex; ///< guards the engine's state: every entry into the script takes it
+
+    QScriptEngine* engine = nullptr; ///< child of the device
+    ScriptSet live;                  ///< what the engine runs
+    ScriptSet stop;                  ///< what an analysis sees
+    MLockedList<MScriptCommand> commands; ///< the user commands with their ids
+    QString setupScriptText;              ///< the script as the setup stores it; what Start runs
+    QString setupScriptFileName;
+    MLockedList<MScriptSetting> setupSettings;
+    std::atomic<bool> startPending{false};    ///< set by Start, read once by AfterEvaluate
+    std::atomic<bool> stopPending{false};     ///< set by Stop, read once by SlotExecuteScript_mStop
+    std::atomic<bool> hasStopFunction{false}; ///< written on the script thread
+    bool userModeVisible = true;
+    bool runModeVisible = true;
+    std::atomic<bool> registerAllUserGroups{true}; ///< written on the host's main thread, read by the script thread
+    bool removeDefaults = false;
+    std::unique_ptr<bool> scriptOptionRemoveDefaults;
+    std::unique_ptr<bool> pendingRemoveDefaults;
+    bool appliedRemoveDefaults = false;
+    MScriptMngRemote* remote = nullptr;               ///< owned
+    std::atomic<MCommandObject*> currentCommand{};    ///< during a command 3 only; written by whoever executes it
+    QScriptEngineDebugger* debugger = nullptr;        ///< child of the device
+    std::atomic<bool> debuggerContinue{false};        ///< script thread asks the tick to let the debugger go on
+    std::atomic<bool> debuggerAbort{false};           ///< Stop asks the tick to abort
+    std::atomic<bool> stopRequested{false};           ///< script thread asks the tick to finish a stop
+    std::atomic<bool> threadStopDone{true};
+    std::atomic<QThread*> threadId{nullptr};          ///< the thread that owns the engine
+    bool debuggerEnabled = false;
+    std::atomic<bool> loadResult{false}; ///< results of the marshalled calls: written by the script thread
+    std::atomic<bool> evaluateCommandResult{false};
+    std::atomic<bool> evaluateResult{false};
+    std::atomic<bool> executeResult{false};
+    std::atomic<bool> callBackResult{false};
+    std::atomic<bool> stopResult{false};
+    std::atomic<bool> clearResult{false};
+    IKXPDevicePanel* panel = nullptr; ///< the last one created; not owned
+    std::uint32_t moduleDeviceNumber = 0;
+    MLockedList<MScriptVariable> variablesLive; ///< the variables as known to the host
+
+    // Under mutex, on the thread that owns the engine
+    QHash<int, QScriptValue> intervals;
+    QHash<int, QScriptValue> timeouts;
+    QHash<MyAsyncDeviceExecContext*, QScriptValue> callbacks;
+    std::unique_ptr<QScriptValue> propertyCallback;
+    QVector<int> deferredTimers; ///< timers that fired while the script was running
+    bool drainDeferred = false;  ///< a wake-up came while the script was running
+    int abortTimer = 0;          ///< runs once the device is ending inside a script
+    int entryDepth = 0;          ///< entries into the script that are open on the engine's thread
+
+    CompletionGate gate;
+    ScriptInbox inbox;
+    std::atomic<bool> ending{false};    ///< set once by Release: nothing enters the script any more
+    std::atomic<bool> abandoned{false}; ///< set once by Release: the script would not end
+    InterlockedCounter hostCalls;       ///< host calls that are inside the device
+    QThread* homeThread = nullptr;      ///< where the device was made, and goes back to before it ends
+};

@@ -1,0 +1,12 @@
+#include "MScriptEngineAgent.h"
+
+#include "MCalverinScript_Device.h"
+
+MScriptEngineAgent::MScriptEngineAgent(QScriptEngine* engine, MCalverinScript_Device* scriptDevice)
+    : QScriptEngineAgent(engine)
+    , device(scriptDevice) {}
+
+void MScriptEngineAgent::exceptionThrow(qint64 /*scriptId*/, const QScriptValue& exception, bool hasHandler) {
+    if (!hasHandler)
+        device->SlotHandlerException(exception);
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QSet>
+#include <QString>
+
+class MScriptMngRemote;
+class QScriptEngine;
+
+/// @file
+/// What a script finds in its engine beside ECMAScript itself: the same for a device's engine and for an analysis.
+
+/// Gives the engine its global objects. The bridge stays owned by the caller and must outlive the engine's use of it.
+/// [script, or the thread that owns an analysis engine]
+void SetUpScriptGlobals(QScriptEngine& engine, MScriptMngRemote& remote);
+
+/// The names that the global object of a set-up engine has before any script ran. They are never published.   [any]
+const QSet<QString>& BuiltInNames();

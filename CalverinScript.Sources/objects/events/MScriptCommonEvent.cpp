@@ -1,0 +1,33 @@
+#include "MScriptCommonEvent.h"
+
+#include <algorithm>
+#include <mutex>
+
+MScriptCommonEvent::~MScriptCommonEvent() = default;
+
+std::optional<std::size_t> MScriptCommonEvent::SlotOf(const QString& event) {
+    const auto* found = std::find_if(kEventNames.begin(), kEventNames.end(),
+                                     [&](const char* name) { return event == QLatin1String(name); });
+    if (found == kEventNames.end())
+        return std::nullopt;
+    return static_cast<std::size_t>(found - kEventNames.begin());
+}
+
+QScriptValue MScriptCommonEvent::GetListener(const QString& event) const {
+    const std::lock_guard<MLock> guard(m_lock);
+    const std::optional<std::size_t> slot = SlotOf(event);
+    return slot ? m_listeners[*slot] : QScriptValue();
+}
+
+void MScriptCommonEvent::SetListener(const QString& event, const QScriptValue& listener) {
+    const std::optional<std::size_t> slot = SlotOf(event);
+    if (!slot || !listener.isFunction())
+        return;
+    const std::lock_guard<MLock> guard(m_lock);
+    m_listeners[*slot] = listener;
+}
+
+void MScriptCommonEvent::ClearListeners() {
+    const std::lock_guard<MLock> guard(m_lock);
+    m_listeners.fill(QScriptValue());
+}
