@@ -1,0 +1,121 @@
+#include "DeviceFixture.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <QElapsedTimer>
+#include <QThread>
+
+namespace {
+
+class EndOfDevice : public DeviceFixture {
+protected:
+    /// Sends a call whose function never returns and waits until it runs.
+    void WhenItHangs(const std::string& body) {
+        GivenScript("({ Hang: function() { " + body + " } })");
+        hanging = plain::Params::ForFunction("Hang", {});
+        ASSERT_EQ(Send(3, *hanging, &context), KXP_OK);
+        ASSERT_TRUE(variables.status.Plain().WaitFor("2"));
+    }
+    /// Releases without a stop, which would wait for the script. @return milliseconds.
+    qint64 Release() {
+        QElapsedTimer clock;
+        clock.start();
+        device->Release();
+        device = nullptr;
+        return clock.elapsed();
+    }
+
+    std::unique_ptr<plain::Params> hanging;
+    plain::Context context;
+};
+
+TEST_F(EndOfDevice, AScriptThatLoopsForeverIsEndedWithItAndItsRequestToo) {
+    WhenItHangs("while (true) {}");
+    EXPECT_LT(Release(), 100);
+    EXPECT_EQ(context.Ended(), 1);
+    EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 0u);
+    EXPECT_EQ(module.removed, 1);
+}
+
+TEST_F(EndOfDevice, AScriptThatCatchesEverythingInItsLoopIsEndedToo) {
+    WhenItHangs("while (true) { try { while (true) {} } catch (e) {} }");
+    EXPECT_LT(Release(), 150);
+}
+
+TEST_F(EndOfDevice, ALoopAtTheTopLevelLetsStartReturn) {
+    device->SetSetupScript(QString(), QStringLiteral("while (true) {}"));
+    std::thread starter([this] { device->Start(); });
+    while (!device->GetEngine()->isEvaluating()) {
+    }
+    device->Release();
+    device = nullptr;
+    starter.join();
+}
+
+TEST_F(EndOfDevice, AStopThatWaitsForAHungCommandReturnsWhenTheDeviceIsReleased) {
+    WhenItHangs("while (true) {}");
+    std::atomic<bool> stopped{false};
+    std::thread stopper([&] {
+        device->Stop();
+        stopped = true;
+    });
+    while (device->IsRunning() == KXP_OK) {
+    }
+    EXPECT_FALSE(stopped);
+    device->Release();
+    device = nullptr;
+    stopper.join();
+    EXPECT_TRUE(stopped);
+}
+
+TEST_F(EndOfDevice, AScriptThatCannotBeAbortedIsLeftAloneAndSweptWhenItEnds) {
+    WhenItHangs("return new Array(40000000).join('ab').length");
+    EXPECT_LT(Release(), 300);
+    EXPECT_EQ(context.Ended(), 1);
+    QElapsedTimer clock;
+    clock.start();
+    while (MCalverinScript_Device::SweepAbandoned() > 0 && !clock.hasExpired(60000))
+        QThread::msleep(10);
+    EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 0u);
+}
+
+TEST_F(EndOfDevice, WithTasksStillQueuedBehindAHungScriptTheyAreNotRun) {
+    WhenItHangs("while (true) {}");
+    for (int i = 0; i < 100; ++i)
+        device->PostPropertyChange("a", "b", "c", false);
+    EXPECT_LT(Release(), 100);
+}
+
+TEST_F(EndOfDevice, AThousandStartsAndStopsLeaveNothingBehind) {
+    const auto count = [](const char* key) {
+        std::ifstream status("/proc/self/status");
+        std::string word;
+        long value = 0;
+        while (status >> word)
+            if (word == key)
+                status >> value;
+        return value;
+    };
+    const auto descriptors = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
+                             std::filesystem::directory_iterator());
+    };
+    const auto cycles = [this](int n) {
+        for (int i = 0; i < n; ++i) {
+            GivenScript("({ F: function() { return 1 }, _mStart: function() {}, _mStop: function() {} })");
+            ASSERT_EQ(Call("F"), "1");
+            device->Stop();
+        }
+    };
+    cycles(200);
+    const long threads = count("Threads:");
+    const long memory = count("VmRSS:");
+    const auto open = descriptors();
+    cycles(1000);
+    EXPECT_EQ(count("Threads:"), threads);
+    EXPECT_EQ(descriptors(), open);
+    EXPECT_LT(count("VmRSS:"), memory + 4096) << "kB; before: " << memory;
+}
+
+} // namespace

@@ -1,0 +1,166 @@
+#include "DeviceFixture.h"
+
+#include <QElapsedTimer>
+
+#include "ModuleShared.h"
+
+namespace {
+
+class StartStop : public DeviceFixture {};
+
+const char* const kRecorder = "({ log: '', _mStart: function(again) { this.log += 'start ' + again + ';' },"
+                              "   _mStop: function(again) { this.log += 'stop ' + again + ';' },"
+                              "   Get: function() { return this.log } })";
+
+TEST_F(StartStop, RunsTheSetupsScriptAndTellsThatItIsAStart) {
+    GivenScript(kRecorder);
+    EXPECT_EQ(device->IsRunning(), KXP_OK);
+    EXPECT_EQ(Call("Get"), "start false;");
+}
+
+TEST_F(StartStop, PrefersTheSetupsFileToItsText) {
+    const std::string path = WriteFile("file.js", "({ Which: function() { return 'file' } })");
+    device->SetSetupScript(QString::fromStdString(path), QStringLiteral("({ Which: function() { return 'text' } })"));
+    device->Start();
+    EXPECT_EQ(Call("Which"), "file");
+}
+
+TEST_F(StartStop, ALoadInARunningDeviceTellsThatItIsAReload) {
+    GivenScript("");
+    WhenFileIsLoaded(WriteFile("a.js", kRecorder));
+    EXPECT_EQ(Call("Get"), "start true;");
+}
+
+TEST_F(StartStop, AReloadEndsTheOldScriptWithAReloadMark) {
+    GivenScript("var log = ''; ({ _mStop: function(again) { left = 'stop ' + again } })");
+    WhenTextIsLoaded("({ Get: function() { return left } })");
+    EXPECT_EQ(Call("Get"), "stop true");
+}
+
+TEST_F(StartStop, StopTellsThatItIsAStopAndKeepsTheEnginesState) {
+    GivenScript("({ _mStop: function(again) { left = 'stop ' + again } })");
+    device->Stop();
+    EXPECT_EQ(device->IsRunning(), KXP_NO);
+    GivenScript("({ Get: function() { return left } })");
+    EXPECT_EQ(Call("Get"), "stop false");
+}
+
+TEST_F(StartStop, AScriptThatFailsLeavesTheDeviceStarted) {
+    GivenScript("throw new Error('at start')");
+    EXPECT_EQ(device->IsRunning(), KXP_OK);
+    EXPECT_EQ(Error(), "Script: Uncaught exception at line 1, Error: at start");
+    WhenTextIsLoaded("({ F: function() { return 'ok' } })");
+    EXPECT_EQ(Call("F"), "ok");
+}
+
+TEST_F(StartStop, AnExceptionIn_mStartIsReported) {
+    GivenScript("({ _mStart: function() { throw new Error('in start') }, F: function() { return 1 } })");
+    EXPECT_EQ(Error(), "Script: in start");
+    EXPECT_EQ(Call("F"), "1");
+}
+
+TEST_F(StartStop, StopWithoutAStopFunctionWaitsForNothing) {
+    GivenScript("({})");
+    EXPECT_FALSE(device->HasStopFunction());
+    EXPECT_FALSE(device->ExecuteStopFunction());
+    QElapsedTimer clock;
+    clock.start();
+    device->Stop();
+    EXPECT_LT(clock.elapsed(), 25);
+}
+
+TEST_F(StartStop, AStopFunctionThatTakesLongerThan25MsLetsStopGoOnAndEndsLater) {
+    GivenScript("({ _mStop: function() { var end = Date.now() + 300; while (Date.now() < end) {} done = 'ended' },"
+                "   F: function() {} })");
+    QElapsedTimer clock;
+    clock.start();
+    device->Stop();
+    EXPECT_LT(clock.elapsed(), 200);
+    GivenScript("({ Get: function() { return done } })");
+    EXPECT_EQ(Call("Get"), "ended");
+}
+
+TEST_F(StartStop, SettingsReachTheScriptBefore_mStartByTheirTypes) {
+    const auto setting = [](const char* name, const char* type, const char* value) {
+        MScriptSetting s;
+        s.name = QString::fromLatin1(name);
+        s.type = QString::fromLatin1(type);
+        s.value = QString::fromLatin1(value);
+        return s;
+    };
+    device->SetSetupSettings({setting("i", "IntegerData", "42"), setting("e", "EnumData", "2"),
+                              setting("r", "RealData", "1.5"), setting("s", "StringData", "text"),
+                              setting("d", "DateData", "31/12/2020"), setting("t", "TimeData", "00:00:01/00"),
+                              setting("p", "PrivateData", "secret"), setting("gone", "StringData", "no member"),
+                              setting("bad", "IntegerData", "12abc")});
+    GivenScript("({ Setup: { i: 0, e: 0, r: 0, s: '', d: 0, t: 0, p: 'own', bad: 7 }, seen: '',"
+                "   _mStart: function() { var s = this.Setup; var out = [];"
+                "     for (var k in s) out.push(k + '=' + typeof s[k] + ' ' + s[k]); this.seen = out.join(';') },"
+                "   Get: function() { return this.seen } })");
+    EXPECT_EQ(Call("Get"), "i=number 42;e=number 2;r=number 1.5;s=string text;d=string 31/12/2020;"
+                           "t=string 00:00:01/00;p=string own;bad=number 0");
+}
+
+TEST_F(StartStop, AQueuedCommandsRequestIsEndedByStop) {
+    GivenScript("({ F: function() {} })");
+    plain::Params missing({"/no/such/file.js"});
+    ASSERT_EQ(Send(0, missing), KXP_OK);
+    ASSERT_TRUE(variables.error.WaitFor("This file cannot be loaded."));
+    auto params = plain::Params::ForFunction("F", {});
+    plain::Context context;
+    ASSERT_EQ(Send(3, *params, &context), KXP_OK);
+    device->Stop();
+    EXPECT_EQ(context.Ended(), 1);
+    EXPECT_EQ(device->GetStackCount(), 0);
+}
+
+TEST_F(StartStop, CommandsGivenWhileStoppedWaitForTheStart) {
+    device->SetSetupScript(QString(), QStringLiteral("({ F: function() { return 1 } })"));
+    device->Start();
+    device->Stop();
+    auto params = plain::Params::ForFunction("F", {});
+    plain::Context context;
+    ASSERT_EQ(Send(3, *params, &context), KXP_OK);
+    EXPECT_EQ(context.Ended(), 0);
+    device->Start();
+    EXPECT_TRUE(context.WaitForEnd());
+    EXPECT_EQ(params->At(1).Text(), "1");
+}
+
+TEST_F(StartStop, StartAndStopMayComeTwiceInARow) {
+    GivenScript("({ F: function() { return 1 } })");
+    device->Start();
+    EXPECT_EQ(Call("F"), "1");
+    device->Stop();
+    device->Stop();
+    EXPECT_EQ(device->IsRunning(), KXP_NO);
+}
+
+TEST_F(StartStop, WorksWithoutVariablesWithoutServicesAndWithoutAModule) {
+    EndDevice();
+    device = new MCalverinScript_Device(nullptr, nullptr, nullptr);
+    EXPECT_STREQ(device->GetName(), "");
+    EXPECT_EQ(device->GetDefinition(), nullptr);
+    GivenScript("({ F: function() { return 'alone' } })");
+    EXPECT_EQ(Call("F"), "alone");
+}
+
+TEST_F(StartStop, TheHostIsAskedForItsServicesInOrder) {
+    const std::vector<std::string> expected = {"IManagerRemoteManager", "IManagerRemoteManager2", "IFolderManager",
+                                               "IVariableManager", "IObjectNameTools"};
+    EXPECT_EQ(host.asked, expected);
+}
+
+TEST_F(StartStop, TheFirstDeviceMakesTheTickTimerAndTheLastEndsIt) {
+    const ModuleShared* shared = ModuleShared::Get();
+    ASSERT_NE(shared, nullptr);
+    auto* second = new MCalverinScript_Device(&module, nullptr, "Second");
+    EXPECT_EQ(ModuleShared::Get(), shared);
+    second->Release();
+    EXPECT_EQ(ModuleShared::Get(), shared);
+    EXPECT_TRUE(ModuleShared::Get()->tickTimer.IsStarted());
+    EndDevice();
+    EXPECT_EQ(ModuleShared::Get(), nullptr);
+}
+
+} // namespace
