@@ -5,6 +5,7 @@
 
 #include "EditorColors.h"
 #include "LineNumberArea.h"
+#include "ScriptDocumentLayout.h"
 
 namespace {
 
@@ -25,10 +26,18 @@ CodeEditor::CodeEditor(QWidget* parent)
     , m_currentLineColor(QColor(kCurrentLineBase).lighter(kCurrentLineLighter))
     , m_gutterBackground(kGutterBackground)
     , m_gutterText(kGutterText) {
+    CreateDocument();
     FixPalette();
     ConnectSignals();
     updateLineNumberAreaWidth(0);
     highlightCurrentLine();
+}
+
+void CodeEditor::CreateDocument() {
+    auto* script = new QTextDocument(this);
+    script->setDefaultFont(font());
+    script->setDocumentLayout(new ScriptDocumentLayout(script));
+    setDocument(script);
 }
 
 void CodeEditor::FixPalette() {
@@ -80,8 +89,11 @@ void CodeEditor::PaintLineNumber(QPainter& painter, int number, int top) const {
                      QString::number(number));
 }
 
+// Setting the margins lays the whole area out, so it is left alone while they stay the same.
 void CodeEditor::updateLineNumberAreaWidth(int /*newBlockCount*/) {
-    setViewportMargins(lineNumberAreaWidth(), 0, 0, 0);
+    const QMargins margins(lineNumberAreaWidth(), 0, 0, 0);
+    if (margins != viewportMargins())
+        setViewportMargins(margins);
 }
 
 void CodeEditor::updateLineNumberArea(QRect rect, int dy) {

@@ -53,6 +53,7 @@ private Q_SLOTS:
     void insertCompletion(QModelIndex completion);
 
 private:
+    void CreateDocument();
     void FixPalette();
     void ConnectSignals();
     void PaintLineNumber(QPainter& painter, int number, int top) const;

@@ -20,7 +20,7 @@
 class SpreadingHighlighter : public QSyntaxHighlighter {
 public:
     /// What one pass may do, in characters; each line counts kLineCost characters more than it has.
-    static constexpr int kPassCost = 100000;
+    static constexpr int kPassCost = 50000;
     static constexpr int kLineCost = 60;
 
     /// Belongs to the document, as in the base class. A document with text is done from the event loop.

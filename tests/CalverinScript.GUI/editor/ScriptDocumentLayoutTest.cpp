@@ -1,0 +1,100 @@
+#include "ScriptDocumentLayout.h"
+
+#include <QApplication>
+#include <QScreen>
+#include <QScrollBar>
+#include <QTextBlock>
+
+#include <random>
+
+#include "EditorFixture.h"
+#include "Highlighter.h"
+
+namespace {
+
+class ScriptLayoutTest : public EditorTest {
+protected:
+    void SetUp() override {
+        QApplication::setCursorFlashTime(0); // a caret that blinks would be there in one picture only
+        EditorTest::SetUp();
+        new Highlighter(m_editor.document());
+        m_editor.setText(QStringLiteral("var a = 'b';\n").repeated(12));
+        QApplication::processEvents();
+        QObject::connect(&m_editor, &QPlainTextEdit::updateRequest,
+                         [this](const QRect& rect, int) { m_tallest = std::max(m_tallest, rect.height()); });
+    }
+    void TearDown() override { QApplication::setCursorFlashTime(-1); }
+
+    void Replace(int from, int length, const char* text) {
+        QTextCursor cursor(m_editor.document());
+        cursor.setPosition(from);
+        cursor.setPosition(from + length, QTextCursor::KeepAnchor);
+        cursor.insertText(QString::fromLatin1(text));
+        QApplication::processEvents();
+    }
+    /// What changes have painted on the screen is what painting all of it gives.
+    void ExpectScreenIsUpToDate(int edit = 0) {
+        const QImage screen = m_editor.screen()->grabWindow(m_editor.winId()).toImage();
+        const QImage anew = m_editor.grab().toImage();
+        const auto format = QImage::Format_RGB32;
+        ASSERT_EQ(screen.convertToFormat(format), anew.convertToFormat(format)) << "edit " << edit;
+    }
+    int LineHeight() const { return m_editor.fontMetrics().lineSpacing(); }
+
+    int m_tallest = 0; ///< of the rectangles that were to be painted, in pixels
+};
+
+} // namespace
+
+TEST_F(ScriptLayoutTest, PaintsOnlyTheLineThatAKeystrokeChanges) {
+    Replace(4, 0, "b");
+    m_tallest = 0;
+    Replace(4, 0, "c");
+    EXPECT_GT(m_tallest, 0);
+    EXPECT_LT(m_tallest, 2 * LineHeight());
+    ExpectScreenIsUpToDate();
+}
+
+TEST_F(ScriptLayoutTest, PaintsTheLinesBelowWhenTheirColoursChange) {
+    Replace(0, 0, "/*");
+    EXPECT_GT(m_tallest, 5 * LineHeight());
+    ExpectScreenIsUpToDate();
+}
+
+TEST_F(ScriptLayoutTest, PaintsTheLinesBelowWhenALineGrowsInHeight) {
+    Replace(0, 0, std::string(300, 'x').insert(150, " ").c_str());
+    EXPECT_GT(m_editor.document()->firstBlock().layout()->lineCount(), 1);
+    ExpectScreenIsUpToDate();
+}
+
+TEST_F(ScriptLayoutTest, LaysBothLinesOutWhenTheBreakBetweenThemIsReplaced) {
+    m_editor.setText(QStringLiteral("ab\ncd\nef"));
+    QApplication::processEvents();
+    Replace(1, 3, "x\n");
+    EXPECT_EQ(m_editor.text(), QStringLiteral("ax\nd\nef"));
+    ExpectScreenIsUpToDate();
+}
+
+TEST_F(ScriptLayoutTest, KeepsTheScreenUpToDateThroughAnyEdits) {
+    const char* const pieces[] = {"x", "'", "/*", "*/", "{", "\n", "1 ", "", "", "a b\nc"};
+    std::mt19937 random(7);
+    for (int edit = 0; edit < 250; ++edit) {
+        const int characters = m_editor.document()->characterCount() - 1;
+        const int from = static_cast<int>(random() % static_cast<unsigned>(characters + 1));
+        const int length = std::min(characters - from, static_cast<int>(random() % 6));
+        Replace(from, length, pieces[random() % std::size(pieces)]);
+        if (edit % 9 == 0)
+            m_editor.undo();
+        if (edit % 13 == 0)
+            m_editor.verticalScrollBar()->setValue(static_cast<int>(random() % 5));
+        QApplication::processEvents();
+        ExpectScreenIsUpToDate(edit);
+        ASSERT_FALSE(HasFatalFailure());
+    }
+}
+
+TEST_F(ScriptLayoutTest, UsesTheFontOfTheEditorFromTheStart) {
+    EXPECT_EQ(m_editor.document()->defaultFont(), m_editor.font());
+    m_editor.zoomIn(3);
+    EXPECT_EQ(m_editor.document()->defaultFont(), m_editor.font());
+}
