@@ -6,6 +6,8 @@
 #include <limits>
 
 #include <QByteArray>
+#include <QLocale>
+#include <QString>
 
 namespace stagehost {
 
@@ -45,7 +47,7 @@ std::int32_t RoundToInt(double value) {
 std::string FormatReal(double value, std::int32_t decimals) {
     const bool plain = std::abs(value) < kLargestPlain;
     return plain ? QByteArray::number(value, 'f', decimals).toStdString()
-                 : QByteArray::number(value, 'g', std::numeric_limits<double>::max_digits10).toStdString();
+                 : QString::number(value, 'g', QLocale::FloatingPointShortest).toStdString();
 }
 
 } // namespace stagehost

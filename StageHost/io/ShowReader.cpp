@@ -18,6 +18,8 @@ namespace stagehost {
 
 namespace {
 
+using Kind = ShowParameter::Kind;
+
 constexpr int kHighest = std::numeric_limits<int>::max();
 constexpr int kLongestHostText = 27;
 
@@ -43,7 +45,7 @@ std::optional<Show> ShowReader::ReadFile(const QString& file) {
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(*text, &error);
     if (document.isNull()) {
-        complaints_ += PlaceOf(*text, error.offset) + QStringLiteral(": ") + error.errorString();
+        complaints_ += PlaceOf(*text, std::max(0, error.offset - 1)) + QStringLiteral(": ") + error.errorString();
         return std::nullopt;
     }
     show_ = EmptyShow(QFileInfo(file).absolutePath());
@@ -167,26 +169,31 @@ void ShowReader::ReadStep(const JsonNode& node) {
 }
 
 void ShowReader::ReadParameter(const QString& name, const JsonNode& node, ShowStep& step) {
-    using Kind = ShowParameter::Kind;
     ShowParameter parameter{name, Kind::Text, {}};
-    if (!node.IsObject()) {
+    if (node.IsObject() && !ReadReference(node, parameter))
+        return;
+    if (parameter.kind == Kind::Text)
         parameter.text = node.Scalar();
-    } else if (node.ExpectObject({"file", "path", "variable"})) {
-        const QStringList kinds = node.MemberNames();
-        const QString kind = kinds.isEmpty() ? QString() : kinds.first();
-        if (kinds.size() != 1)
-            node.Complain(QStringLiteral("expected one of \"file\", \"path\" and \"variable\""));
-        parameter.kind = kind == QLatin1String("file")   ? Kind::File
-                         : kind == QLatin1String("path") ? Kind::Path
-                                                         : Kind::Variable;
-        parameter.text = node.Member(kind).Text();
-        CheckParameter(node, parameter);
-    }
     step.parameters.push_back(parameter);
 }
 
+/// A parameter that is given as {"file": ...}, {"path": ...} or {"variable": ...}.
+bool ShowReader::ReadReference(const JsonNode& node, ShowParameter& parameter) {
+    static const QStringList kinds{QString(), QStringLiteral("file"), QStringLiteral("path"),
+                                   QStringLiteral("variable")};
+    const QStringList names = node.MemberNames();
+    const int kind = names.size() == 1 ? kinds.indexOf(names.first()) : -1;
+    if (kind < 1) {
+        node.Complain(QStringLiteral("expected one of \"file\", \"path\" and \"variable\""));
+        return false;
+    }
+    parameter.kind = static_cast<Kind>(kind);
+    parameter.text = node.Member(names.first()).Text();
+    CheckParameter(node, parameter);
+    return true;
+}
+
 void ShowReader::CheckParameter(const JsonNode& node, const ShowParameter& parameter) {
-    using Kind = ShowParameter::Kind;
     if (parameter.kind == Kind::File && !QFileInfo(show_.Path(parameter.text)).isFile())
         node.Complain(QStringLiteral("there is no file ") + Quoted(parameter.text));
     const std::string name = ToBorderText(parameter.text);

@@ -27,6 +27,7 @@ private:
     void ReadDevice(const JsonNode& node);
     void ReadStep(const JsonNode& node);
     void ReadParameter(const QString& name, const JsonNode& node, ShowStep& step);
+    bool ReadReference(const JsonNode& node, ShowParameter& parameter);
     void CheckParameter(const JsonNode& node, const ShowParameter& parameter);
     std::string Border(const JsonNode& node, const QString& text);
 

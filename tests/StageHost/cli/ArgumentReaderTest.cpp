@@ -1,0 +1,63 @@
+#include <gtest/gtest.h>
+
+#include "ArgumentReader.h"
+
+using namespace stagehost;
+
+namespace {
+
+QStringList Words(const char* line) {
+    return QString::fromUtf8(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+Options Read(const char* line) {
+    ArgumentReader reader;
+    EXPECT_EQ(reader.Read(Words(line)).toStdString(), "") << line;
+    return reader.Result();
+}
+
+std::string ProblemOf(const char* line) { return ArgumentReader().Read(Words(line)).toStdString(); }
+
+} // namespace
+
+TEST(ArgumentReader, FindsOptionsAnywhere) {
+    for (const char* line : {"--timeout 5 --json check a.js", "check --json --timeout=5 a.js", "check a.js --timeout 5 --json"}) {
+        const Options options = Read(line);
+        EXPECT_EQ(options.command, QStringLiteral("check"));
+        EXPECT_EQ(options.arguments, Words("a.js"));
+        EXPECT_EQ(options.timeout.count(), 5);
+        EXPECT_TRUE(options.json);
+    }
+}
+
+TEST(ArgumentReader, GivesAllWordsBehindTheFunctionToTheFunction) {
+    const Options options = Read("--timeout 7 exec --link older a.js f -5 --json --timeout 9 -- --x -h");
+    EXPECT_EQ(options.arguments, Words("a.js f -5 --json --timeout 9 -- --x -h"));
+    EXPECT_EQ(options.timeout.count(), 7);
+    EXPECT_EQ(options.link, Link::Older);
+    EXPECT_FALSE(options.json);
+    EXPECT_FALSE(options.help);
+}
+
+TEST(ArgumentReader, TakesWordsBehindTwoDashesAsTheyAre) {
+    EXPECT_EQ(Read("exec -- -a.js --f -5").arguments, Words("-a.js --f -5"));
+    EXPECT_EQ(Read("check -- --json").arguments, Words("--json"));
+}
+
+TEST(ArgumentReader, ReadsEveryLink) {
+    EXPECT_EQ(Read("check a").link, Link::Newer);
+    EXPECT_EQ(Read("check a --link newer").link, Link::Newer);
+    EXPECT_EQ(Read("check a --link older").link, Link::Older);
+    EXPECT_EQ(Read("check a --link none").link, Link::None);
+}
+
+TEST(ArgumentReader, SaysWhatIsWrong) {
+    EXPECT_NE(ProblemOf("--timeout x check a").find("--timeout"), std::string::npos);
+    EXPECT_NE(ProblemOf("--timeout 0 check a").find("--timeout"), std::string::npos);
+    EXPECT_NE(ProblemOf("--timeout -5 check a").find("--timeout"), std::string::npos);
+    EXPECT_NE(ProblemOf("--timeout 99999999999 check a").find("--timeout"), std::string::npos);
+    EXPECT_NE(ProblemOf("check a --link both").find("--link"), std::string::npos);
+    EXPECT_NE(ProblemOf("check a --wrong").find("wrong"), std::string::npos);
+    EXPECT_NE(ProblemOf("check a --timeout").find("timeout"), std::string::npos);
+    EXPECT_NE(ProblemOf("check --json=1 a").find("json"), std::string::npos);
+}

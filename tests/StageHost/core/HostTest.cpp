@@ -1,0 +1,220 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include "BorderText.h"
+#include "Host.h"
+#include "HostCodes.h"
+#include "ValueFactory.h"
+
+using namespace stagehost;
+
+namespace {
+
+HostSettings With(Link link) {
+    HostSettings settings;
+    settings.link = link;
+    return settings;
+}
+
+constexpr const char* kAlways[] = {"IMInterface",    "IObjectFactoryManager", "IManagerRuntimeInfo",
+                                   "IFolderManager", "IVariableManager",      "IObjectNameTools"};
+
+/// An object factory that is only ever pointed at.
+IObjectFactory* SomeFactory() {
+    static int place = 0;
+    return reinterpret_cast<IObjectFactory*>(&place);
+}
+
+} // namespace
+
+TEST(Host, AnswersForEveryServiceOnEveryFace) {
+    Host host(With(Link::Newer));
+    for (const char* from : kAlways) {
+        auto* face = QueryFace<IMInterface>(host.Root(), from);
+        ASSERT_NE(face, nullptr) << from;
+        for (const char* to : kAlways)
+            EXPECT_EQ(QueryFace<IMInterface>(face, to), QueryFace<IMInterface>(host.Root(), to)) << from << " " << to;
+        EXPECT_EQ(face->Release(), KXP_OK);
+    }
+    void* out = &out;
+    EXPECT_EQ(host.Root()->QueryInterface("INothing", &out), KXP_NO_INTERFACE);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(host.Root()->QueryInterface(nullptr, &out), KXP_BAD_INTERFACE_ARG);
+    EXPECT_EQ(host.Root()->QueryInterface("IMInterface", nullptr), KXP_BAD_INTERFACE_ARG);
+}
+
+TEST(Host, OffersTheLinkThatWasChosen) {
+    const auto offers = [](Link link, const char* name) {
+        Host host(With(link));
+        return QueryFace<IMInterface>(host.Root(), name) != nullptr;
+    };
+    EXPECT_TRUE(offers(Link::Newer, "IManagerRemoteManager2"));
+    EXPECT_FALSE(offers(Link::Newer, "IManagerRemoteManager"));
+    EXPECT_TRUE(offers(Link::Older, "IManagerRemoteManager"));
+    EXPECT_FALSE(offers(Link::Older, "IManagerRemoteManager2"));
+    EXPECT_FALSE(offers(Link::None, "IManagerRemoteManager"));
+    EXPECT_FALSE(offers(Link::None, "IManagerRemoteManager2"));
+}
+
+TEST(Host, TellsItsNameAndVersionInTheRecord) {
+    HostSettings settings;
+    settings.appName = "a name that is longer than the record's field";
+    settings.userMode = 3;
+    Host host(settings);
+    auto* info = QueryFace<IManagerRuntimeInfo>(host.Root(), "IManagerRuntimeInfo");
+    KXPRuntimeInfo record{};
+    EXPECT_EQ(info->GetRuntimeInfo(&record), 0u) << "the caller has to say the size";
+    record.size = sizeof(record);
+    EXPECT_NE(info->GetRuntimeInfo(&record), 0u);
+    EXPECT_STREQ(record.version, "6.7.2");
+    EXPECT_EQ(std::strlen(record.appName), 27u);
+    EXPECT_EQ(info->GetRuntimeInfo(nullptr), 0u);
+    EXPECT_EQ(info->GetUserMode(), 3u);
+    EXPECT_EQ(info->GetMainWindow(), 0u);
+}
+
+TEST(Host, OffersALogWhenItHasOne) {
+    std::uint32_t enabled = 0;
+    std::uint32_t writer = 0;
+    std::uint32_t levels = 0;
+    std::uint32_t option = 7;
+    char path[KXP_LOG_PATH_SIZE] = {};
+    Host silent{HostSettings()};
+    auto* info = QueryFace<IManagerRuntimeInfo>(silent.Root(), "IManagerRuntimeInfo");
+    EXPECT_EQ(info->GetLogSettings(&enabled, &writer, path, &levels, &option), 0xFFFFFFFFu);
+    HostSettings settings;
+    settings.log.path = "some.log";
+    Host logging(settings);
+    info = QueryFace<IManagerRuntimeInfo>(logging.Root(), "IManagerRuntimeInfo");
+    EXPECT_LT(info->GetLogSettings(&enabled, &writer, path, &levels, &option), 0xFFFFFFFFu);
+    EXPECT_STREQ(path, "some.log");
+    EXPECT_EQ(enabled, 1u);
+    EXPECT_EQ(levels, 0xF0u);
+    EXPECT_LT(info->GetLogSettings(nullptr, nullptr, nullptr, nullptr, nullptr), 0xFFFFFFFFu);
+}
+
+TEST(Host, MakesAFolderWhenItIsAskedFor) {
+    const QTemporaryDir place;
+    const QString folder = place.filePath(QStringLiteral("made"));
+    HostSettings settings;
+    settings.folders[33] = ToBorderText(folder);
+    Host host(settings);
+    auto* folders = QueryFace<IFolderManager>(host.Root(), "IFolderManager");
+    EXPECT_FALSE(QDir(folder).exists());
+    EXPECT_STREQ(folders->GetFolder(33), ToBorderText(folder).c_str());
+    EXPECT_TRUE(QDir(folder).exists());
+    EXPECT_EQ(folders->GetFolder(1), nullptr);
+}
+
+TEST(Host, FindsVariablesByTheirName) {
+    Host host{HostSettings()};
+    ValueSpec spec;
+    spec.name = "level";
+    ASSERT_TRUE(host.Variables().Add(MakeValue(spec)));
+    EXPECT_FALSE(host.Variables().Add(MakeValue(spec))) << "a name is given once";
+    spec.name.clear();
+    EXPECT_FALSE(host.Variables().Add(MakeValue(spec)));
+    auto* manager = QueryFace<IVariableManager>(host.Root(), "IVariableManager");
+    ASSERT_NE(manager->FindVariable("level"), nullptr);
+    EXPECT_NE(manager->FindVariable("level")->GetInstanceID(), 0u);
+    EXPECT_EQ(manager->FindVariable("Level"), nullptr);
+    EXPECT_EQ(manager->FindVariable(nullptr), nullptr);
+    EXPECT_EQ(manager->Reserved1(nullptr), KXP_NOT_IMPLEMENTED);
+}
+
+TEST(Host, KeepsTheFactoriesOfTheModule) {
+    Host host{HostSettings()};
+    auto* factories = QueryFace<IObjectFactoryManager>(host.Root(), "IObjectFactoryManager");
+    EXPECT_EQ(factories->RegisterFactory(nullptr, SomeFactory()), KXP_NULL_ARGUMENT);
+    EXPECT_EQ(factories->RegisterFactory("a", nullptr), KXP_NULL_ARGUMENT);
+    EXPECT_EQ(factories->RegisterFactory("a", SomeFactory()), KXP_OK);
+    EXPECT_EQ(static_cast<FactoryManager*>(factories)->Find("a"), SomeFactory());
+    EXPECT_EQ(factories->UnregisterFactory("a"), KXP_OK);
+    EXPECT_EQ(factories->UnregisterFactory("a"), KXPCode{kUnknownFactory});
+    EXPECT_EQ(factories->UnregisterFactory(nullptr), KXP_NULL_ARGUMENT);
+}
+
+TEST(Host, AllowsNamesByItsRule) {
+    for (const char* name : {"a", "Desk 1", "_x", "L\xE4mpchen", "a-b", "1"})
+        EXPECT_TRUE(IsObjectName(name)) << name;
+    for (const char* name : {"", " a", "a ", "a.b", "a;b", "a/b", "a\\b", "a\"b", "<a", "a>", "a&b", "a\nb", "a\x85"})
+        EXPECT_FALSE(IsObjectName(name)) << name;
+    EXPECT_FALSE(IsObjectName(nullptr));
+    EXPECT_TRUE(IsObjectName(std::string(128, 'a').c_str()));
+    EXPECT_FALSE(IsObjectName(std::string(129, 'a').c_str()));
+    Host host{HostSettings()};
+    auto* tools = QueryFace<IObjectNameTools>(host.Root(), "IObjectNameTools");
+    EXPECT_NE(tools->IsValidName("a"), 0u);
+    EXPECT_EQ(tools->IsValidName("a.b"), 0u);
+}
+
+TEST(OlderLink, AnswersThatTheShowHasNoSuchObject) {
+    Host host(With(Link::Older));
+    auto* link = QueryFace<IManagerRemoteManager>(host.Root(), "IManagerRemoteManager")->GetRemote();
+    ASSERT_NE(link, nullptr);
+    char* text = reinterpret_cast<char*>(&link);
+    std::int32_t number = 5;
+    const KXPCode codes[] = {link->OpenUserScreen("s", 0, 0, 0), link->CloseUserScreen("s"), link->GotoPage("s", 1),
+                             link->StartTask("t"), link->PauseTask("t"), link->StopTask("t", 0),
+                             link->GotoLabel("t", "l"), link->GotoLine("t", 1), link->GotoTime("t", 1),
+                             link->LoadShow("s", 0), link->RegisterGroup(nullptr, "g"),
+                             link->SetProperty("o", "p", "v"), link->SetPropertyAsInt("o", "p", 1),
+                             link->GetPropertyAsInt("o", "p", &number), link->GetObjectList("o", 0, &text),
+                             link->GetProperty("o", "p", &text), link->GetObject("o", 1, &text),
+                             link->Perform("o", "a", "<p/>", &text)};
+    for (const KXPCode code : codes)
+        EXPECT_EQ(code, KXPCode{kNoSuchObject});
+    EXPECT_EQ(text, nullptr);
+    EXPECT_EQ(link->UnregisterGroup(), KXP_OK);
+    EXPECT_EQ(link->StartTask(nullptr), KXP_NULL_ARGUMENT);
+    EXPECT_EQ(link->GetProperty("o", "p", nullptr), KXP_NULL_ARGUMENT);
+    EXPECT_EQ(link->GetPropertyAsInt("o", "p", nullptr), KXP_NULL_ARGUMENT);
+    EXPECT_EQ(link->Reserved14(nullptr), KXP_NOT_IMPLEMENTED);
+    EXPECT_EQ(link->Reserved15(nullptr), KXP_NOT_IMPLEMENTED);
+    link->FreeText(&text);
+    EXPECT_EQ(QueryFace<IManagerRemote>(link, "IManagerRemote"), link);
+}
+
+TEST(NewerLink, AnswersThatTheShowHasNoSuchObject) {
+    Host host(With(Link::Newer));
+    auto* manager = QueryFace<IManagerRemoteManager2>(host.Root(), "IManagerRemoteManager2");
+    EXPECT_EQ(manager->GetRemote(nullptr), nullptr);
+    auto* device = reinterpret_cast<IKXPDevice*>(&host);
+    auto* link = manager->GetRemote(device);
+    ASSERT_NE(link, nullptr);
+    EXPECT_EQ(manager->GetRemote(device), link) << "a device has one link";
+    const KXPCode codes[] = {link->RegisterGroup("g", "", nullptr, nullptr),
+                             link->UnregisterGroup("g", nullptr, nullptr),
+                             link->OpenUserScreen("s", 0, 0, 0, nullptr, nullptr),
+                             link->CloseUserScreen("s", nullptr, nullptr),
+                             link->GotoPage("s", "1", nullptr, nullptr),
+                             link->StartTask("t", nullptr, nullptr),
+                             link->PauseTask("t", nullptr, nullptr),
+                             link->StopTask("t", 0, nullptr, nullptr),
+                             link->GotoLabel("t", "l", nullptr, nullptr),
+                             link->GotoLine("t", 1, nullptr, nullptr),
+                             link->GotoTime("t", 1, nullptr, nullptr),
+                             link->LoadShow("s", 0, nullptr, nullptr),
+                             link->GetObjectList("o", 0, nullptr, nullptr),
+                             link->SetProperty("o", "p", "v", nullptr, nullptr),
+                             link->SetPropertyAsInt("o", "p", 1, nullptr, nullptr),
+                             link->GetProperty("o", "p", nullptr, nullptr),
+                             link->GetObject("o", 1, nullptr, nullptr),
+                             link->Perform("o", "a", "<p/>", nullptr, nullptr)};
+    for (const KXPCode code : codes)
+        EXPECT_EQ(code, KXPCode{kNoSuchObject});
+    EXPECT_EQ(link->Perform(nullptr, "a", "", nullptr, nullptr), KXP_NULL_ARGUMENT);
+    for (const KXPCode code : {link->Reserved2(nullptr), link->Reserved16(nullptr), link->Reserved17(nullptr),
+                               link->Reserved18(nullptr), manager->Reserved1(nullptr)})
+        EXPECT_EQ(code, KXP_NOT_IMPLEMENTED);
+    auto* handler = reinterpret_cast<IManagerRemoteHandler*>(&host);
+    EXPECT_EQ(link->SetHandler(handler), KXP_OK);
+    EXPECT_EQ(static_cast<NewerLink*>(link)->Handler(), handler);
+    EXPECT_EQ(link->SetHandler(nullptr), KXP_OK);
+    EXPECT_EQ(static_cast<NewerLink*>(link)->Handler(), nullptr);
+    host.ForgetDevice(device);
+}
