@@ -12,8 +12,8 @@ enum class ThreadPriority { Idle, Lowest, BelowNormal, Normal, AboveNormal, High
 inline constexpr std::uint32_t kInfinite = 0xFFFFFFFF;
 
 /// The least stack, in bytes, that a thread with a stack size of its own gets: threads here run script engines and
-/// parse documents, and the system adds thread-local data of every loaded library.
-inline constexpr std::size_t kLeastStackSize = std::size_t{1} << 20;
+/// parse documents, and the system takes the thread-local data of every loaded library from it. Unused stack costs no memory.
+inline constexpr std::size_t kLeastStackSize = std::size_t{2} << 20;
 
 /// A handle to one thread of the system. Copies are handles to the same thread, which may be used on different threads
 /// at once; the single handle object is no safer than an int. Dropping the last handle lets the thread go on alone and

@@ -188,7 +188,7 @@ public:
     using ResourceLoader = std::int32_t (*)(void* module, std::uint32_t id, char* buffer, std::int32_t size);
 
     /// Sets where LoadResource finds its texts; null finds none. A loaded text that fills its buffer of 1024 bytes is
-    /// asked for again with 1024 more, up to 16 MB.   [thread: any]
+    /// asked for again with 1024 more, up to 1 MB.   [thread: any]
     static void SetResourceLoader(ResourceLoader loader);
 
 private:

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr std::int32_t kResourceStep = 1024;
-constexpr std::int32_t kMostResourceBytes = 16 << 20;
+constexpr std::int32_t kMostResourceBytes = 1 << 20;
 
 std::atomic<MString::ResourceLoader> resourceLoader{nullptr};
 

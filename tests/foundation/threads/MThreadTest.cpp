@@ -16,8 +16,9 @@ public:
         ++runs;
         startedInside = thread->IsStarted();
         entered.Set();
-        while (!thread->StopRequested())
+        do
             wake.Wait();
+        while (!thread->StopRequested());
         return 42;
     }
 
