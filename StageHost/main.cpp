@@ -39,9 +39,9 @@ QStringList Words(int count, char** words) {
 
 int BadUse(const Options& options, const QString& problem) {
     return Fail(options.json, kExitBadUse,
-                problem + QStringLiteral("\nTry: stagehost %1--help")
-                              .arg(FindCommand(options.command) == nullptr ? QString()
-                                                                           : options.command + QLatin1Char(' ')));
+                problem +
+                    QStringLiteral("\nTry: stagehost %1--help")
+                        .arg(FindCommand(options.command) == nullptr ? QString() : options.command + QLatin1Char(' ')));
 }
 
 /// What the arguments ask for without any device; nothing when a command has to run.

@@ -65,6 +65,8 @@ std::int32_t LogWriter::Flush() {
     return Status();
 }
 
-std::string LogWriter::StatusText() const { return (failed_ ? "cannot write " : "writing ") + path_; }
+std::string LogWriter::StatusText() const {
+    return (failed_ ? "cannot write " : "writing ") + path_;
+}
 
 } // namespace logsE

@@ -10,7 +10,9 @@ using logsE::LogWriters;
 
 namespace {
 
-std::string TextOf(const char* text) { return text == nullptr ? "" : text; }
+std::string TextOf(const char* text) {
+    return text == nullptr ? "" : text;
+}
 
 std::int32_t CopyOut(const std::string& text, char* buffer, std::uint32_t size) {
     const std::size_t length = std::min<std::size_t>(text.size(), size - 1);
@@ -18,7 +20,9 @@ std::int32_t CopyOut(const std::string& text, char* buffer, std::uint32_t size) 
     return LOGSE_OK;
 }
 
-bool IsBuffer(const char* buffer, std::uint32_t size) { return buffer != nullptr && size > 0; }
+bool IsBuffer(const char* buffer, std::uint32_t size) {
+    return buffer != nullptr && size > 0;
+}
 
 } // namespace
 
@@ -42,7 +46,9 @@ std::int32_t logsEFlush(void* handle) {
     return LogWriters::Instance().With(handle, [](LogWriter& writer) { return writer.Flush(); });
 }
 
-std::int32_t logsEGetWriterCounter() { return LogWriters::Instance().Count(); }
+std::int32_t logsEGetWriterCounter() {
+    return LogWriters::Instance().Count();
+}
 
 std::int32_t logsEWriteMessage2(void* handle, std::int32_t level, const char* source, const char* text) {
     return LogWriters::Instance().With(

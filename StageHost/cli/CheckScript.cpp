@@ -13,9 +13,8 @@ namespace {
 struct ScriptProblem {
     explicit ScriptProblem(const QString& text)
         : message(text) {
-        static const QRegularExpression form(
-            QStringLiteral("^Script: (?:Uncaught exception at line (\\d+), )?(.*)$"),
-            QRegularExpression::DotMatchesEverythingOption);
+        static const QRegularExpression form(QStringLiteral("^Script: (?:Uncaught exception at line (\\d+), )?(.*)$"),
+                                             QRegularExpression::DotMatchesEverythingOption);
         const auto match = form.match(text);
         if (!match.hasMatch())
             return;

@@ -38,8 +38,7 @@ constexpr Command kCommands[] = {
 };
 
 QString Lines(const char* text, const QString& indent) {
-    return indent + QString::fromUtf8(text).replace(QLatin1Char('\n'), QLatin1Char('\n') + indent) +
-           QLatin1Char('\n');
+    return indent + QString::fromUtf8(text).replace(QLatin1Char('\n'), QLatin1Char('\n') + indent) + QLatin1Char('\n');
 }
 
 QString CommandHelp(const Command& command) {
@@ -50,9 +49,10 @@ QString CommandHelp(const Command& command) {
 }
 
 QString ProgramHelp() {
-    QString text = QStringLiteral("stagehost: a small show host for the desk. It loads scripts into devices and works them "
-                                  "as a show does.\n\n"
-                                  "stagehost [OPTIONS] COMMAND ...\n\nCommands\n");
+    QString text =
+        QStringLiteral("stagehost: a small show host for the desk. It loads scripts into devices and works them "
+                       "as a show does.\n\n"
+                       "stagehost [OPTIONS] COMMAND ...\n\nCommands\n");
     QString examples;
     for (const auto& command : kCommands) {
         text += QStringLiteral("  %1 %2\n      %3\n")
@@ -80,6 +80,8 @@ const Command* FindCommand(const QString& name) {
     return nullptr;
 }
 
-QString HelpText(const Command* command) { return command == nullptr ? ProgramHelp() : CommandHelp(*command); }
+QString HelpText(const Command* command) {
+    return command == nullptr ? ProgramHelp() : CommandHelp(*command);
+}
 
 } // namespace stagehost

@@ -25,8 +25,8 @@ MaybeFailure Exec(Session& session, const QStringList& words, CommandOutcome& ou
     if (const auto failure = session.Start())
         return failure;
     Device& device = *session.Devices().front();
-    auto failure = session.Send(device, QStringLiteral("Execute Function With Params"),
-                                FunctionInputs(words.mid(1)), &outcome);
+    auto failure =
+        session.Send(device, QStringLiteral("Execute Function With Params"), FunctionInputs(words.mid(1)), &outcome);
     if (failure && outcome.kind == CommandOutcome::Kind::Refused)
         failure->text = words.at(1) + QStringLiteral(": ") + failure->text;
     return failure;

@@ -18,7 +18,9 @@ LogFollower::LogFollower(const QString& path)
     look_.start(kLookEvery);
 }
 
-LogFollower::~LogFollower() { ShowNewLines(); }
+LogFollower::~LogFollower() {
+    ShowNewLines();
+}
 
 void LogFollower::ShowNewLines() {
     if (!file_.isOpen() && !file_.open(QIODevice::ReadOnly))

@@ -29,11 +29,17 @@ QString RefusalText(KXPCode code, const QString& command) {
 
 } // namespace
 
-void Print(const QString& text) { Write(stdout, text); }
+void Print(const QString& text) {
+    Write(stdout, text);
+}
 
-void PrintLine(const QString& line) { Write(stdout, line + QLatin1Char('\n')); }
+void PrintLine(const QString& line) {
+    Write(stdout, line + QLatin1Char('\n'));
+}
 
-void PrintProblem(const QString& line) { Write(stderr, line + QLatin1Char('\n')); }
+void PrintProblem(const QString& line) {
+    Write(stderr, line + QLatin1Char('\n'));
+}
 
 void PrintJson(const QJsonObject& object) {
     Write(stdout, QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented)));
@@ -42,9 +48,8 @@ void PrintJson(const QJsonObject& object) {
 int Fail(bool json, int exitCode, const QString& text) {
     PrintProblem(text);
     if (json)
-        PrintJson({{QStringLiteral("ok"), false},
-                   {QStringLiteral("error"), text},
-                   {QStringLiteral("exitCode"), exitCode}});
+        PrintJson(
+            {{QStringLiteral("ok"), false}, {QStringLiteral("error"), text}, {QStringLiteral("exitCode"), exitCode}});
     return exitCode;
 }
 

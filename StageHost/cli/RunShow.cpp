@@ -16,7 +16,9 @@ QString Count(std::size_t number, const char* noun) {
     return QStringLiteral("%1 %2%3").arg(number).arg(QLatin1String(noun), QLatin1String(number == 1 ? "" : "s"));
 }
 
-QString Milliseconds(double milliseconds) { return QStringLiteral("%1 ms").arg(milliseconds, 0, 'f', 1); }
+QString Milliseconds(double milliseconds) {
+    return QStringLiteral("%1 ms").arg(milliseconds, 0, 'f', 1);
+}
 
 /// What a step sends, as a line of the output: the command and the parameters that say most of it.
 QString Headline(const ShowStep& step) {
@@ -25,7 +27,8 @@ QString Headline(const ShowStep& step) {
     QStringList texts;
     for (const auto& parameter : step.parameters)
         texts += OneLine(parameter.text);
-    return texts.isEmpty() ? step.command : QStringLiteral("%1 (%2)").arg(step.command, texts.join(QStringLiteral(", ")));
+    return texts.isEmpty() ? step.command
+                           : QStringLiteral("%1 (%2)").arg(step.command, texts.join(QStringLiteral(", ")));
 }
 
 /// Shows a playing show: text as it goes, or one JSON text at the end.

@@ -11,7 +11,8 @@ namespace stagehost {
 Show ShowOfScript(const QString& file) {
     Show show = EmptyShow(QFileInfo(file).absolutePath());
     show.name = QFileInfo(file).completeBaseName();
-    show.devices.push_back({QStringLiteral("script"), file.isEmpty() ? QString() : QFileInfo(file).absoluteFilePath(), {}, {}});
+    show.devices.push_back(
+        {QStringLiteral("script"), file.isEmpty() ? QString() : QFileInfo(file).absoluteFilePath(), {}, {}});
     return show;
 }
 

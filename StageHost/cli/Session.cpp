@@ -13,9 +13,9 @@ namespace stagehost {
 
 namespace {
 
-constexpr std::chrono::milliseconds kModuleCall(10000); // for calls of the contract that run no script of a show
-constexpr std::chrono::milliseconds kStop(3000);        // the module waits 25 ms for a script's own stop function
-constexpr std::chrono::milliseconds kEnd(8000);         // for stop and release of one device together
+constexpr std::chrono::milliseconds kModuleCall(5000); // for calls of the contract that run no script of a show
+constexpr std::chrono::milliseconds kStop(3000);       // the module waits 25 ms for a script's own stop function
+constexpr std::chrono::milliseconds kEnd(8000);        // for stop and release of one device together
 
 QString DeviceText(const Device& device, const QString& text) {
     return QStringLiteral("%1: %2").arg(FromBorderText(device.Name()), text);
@@ -26,7 +26,9 @@ QString DeviceText(const Device& device, const QString& text) {
 Session::Session(const Options& options)
     : options_(options) {}
 
-Session::~Session() { Close(kExitOk); }
+Session::~Session() {
+    Close(kExitOk);
+}
 
 MaybeFailure Session::Open(const Show& show) {
     show_ = show;

@@ -11,9 +11,13 @@ namespace stagehost {
 
 namespace {
 
-QString TypeName(const ValueSpec& value) { return QLatin1String(FindDataType(value.type)->showName); }
+QString TypeName(const ValueSpec& value) {
+    return QLatin1String(FindDataType(value.type)->showName);
+}
 
-QString Direction(const ValueSpec& value) { return IsOutParameter(value) ? QStringLiteral("out") : QStringLiteral("in"); }
+QString Direction(const ValueSpec& value) {
+    return IsOutParameter(value) ? QStringLiteral("out") : QStringLiteral("in");
+}
 
 QJsonObject ValueJson(const ValueSpec& value) {
     QJsonObject properties;
@@ -68,7 +72,8 @@ void PrintDevice(Device& device) {
     for (const auto& command : definition->commands) {
         QStringList row{QString::number(command.id), FromBorderText(command.name), FromBorderText(command.status)};
         for (const auto& parameter : command.parameters) {
-            rows.push_back(row + QStringList{FromBorderText(parameter.name), Direction(parameter), TypeName(parameter)});
+            rows.push_back(row +
+                           QStringList{FromBorderText(parameter.name), Direction(parameter), TypeName(parameter)});
             row = QStringList{{}, {}, {}};
         }
         if (command.parameters.empty())

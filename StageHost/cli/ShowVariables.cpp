@@ -25,11 +25,13 @@ MaybeFailure Choose(Session& session, const QStringList& names, Variables& chose
     return std::nullopt;
 }
 
-QString TypeName(const HostValue& variable) { return QLatin1String(FindDataType(variable.Type())->showName); }
+QString TypeName(const HostValue& variable) {
+    return QLatin1String(FindDataType(variable.Type())->showName);
+}
 
 void PrintTable(const Variables& variables) {
-    QVector<QStringList> rows{{QStringLiteral("ID"), QStringLiteral("Variable"), QStringLiteral("Type"),
-                               QStringLiteral("Value")}};
+    QVector<QStringList> rows{
+        {QStringLiteral("ID"), QStringLiteral("Variable"), QStringLiteral("Type"), QStringLiteral("Value")}};
     for (const auto& variable : variables)
         rows.push_back({QString::number(variable->InstanceId()), FromBorderText(variable->Name()), TypeName(*variable),
                         OneLine(FromBorderText(variable->Text()))});

@@ -59,10 +59,10 @@ MaybeFailure StepPlayer::Compare(const ShowStep& step, const CommandOutcome& out
     const QString error = failure ? failure->text : QString();
     const QString expectedError = step.expectedError.value_or(QString());
     if (error != expectedError)
-        return Failure{kExitScriptFailed, expectedError.isEmpty()
-                                              ? error
-                                              : QStringLiteral("expected the error \"%1\", not \"%2\"")
-                                                    .arg(expectedError, error)};
+        return Failure{kExitScriptFailed,
+                       expectedError.isEmpty()
+                           ? error
+                           : QStringLiteral("expected the error \"%1\", not \"%2\"").arg(expectedError, error)};
     const QString result = FromBorderText(outcome.result);
     if (step.expectedResult && *step.expectedResult != result)
         return Failure{kExitScriptFailed,

@@ -15,6 +15,8 @@ void ShowErrorsOnly(QtMsgType type, const QMessageLogContext&, const QString& me
 
 } // namespace
 
-void ShowToolkitMessages(bool all) { qInstallMessageHandler(all ? nullptr : &ShowErrorsOnly); }
+void ShowToolkitMessages(bool all) {
+    qInstallMessageHandler(all ? nullptr : &ShowErrorsOnly);
+}
 
 } // namespace stagehost

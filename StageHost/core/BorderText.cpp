@@ -20,7 +20,9 @@ std::string ToBorderText(const QString& text, bool* lost) {
     return bytes;
 }
 
-QString FromBorderText(const char* text) { return QString::fromLatin1(text); }
+QString FromBorderText(const char* text) {
+    return QString::fromLatin1(text);
+}
 
 QString FromBorderText(const std::string& text) {
     return QString::fromLatin1(text.data(), static_cast<int>(text.size()));
@@ -43,7 +45,7 @@ char* CopyBorderText(std::string_view text) {
 void FreeBorderText(char** text) {
     if (text == nullptr)
         return;
-    delete[] *text;
+    delete[] * text;
     *text = nullptr;
 }
 

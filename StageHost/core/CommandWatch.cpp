@@ -41,11 +41,10 @@ CommandWatch::CommandWatch(const std::shared_ptr<HostValue>& status, const std::
     : seen_(std::make_shared<Seen>(status != nullptr))
     , context_(new ExecContext([] { MainWait::Wake(); })) {
     if (status)
-        statusObservation_ =
-            status->Observe([seen = seen_, value = std::weak_ptr<HostValue>(status)] {
-                if (const auto alive = value.lock())
-                    seen->StatusIs(alive->Int());
-            });
+        statusObservation_ = status->Observe([seen = seen_, value = std::weak_ptr<HostValue>(status)] {
+            if (const auto alive = value.lock())
+                seen->StatusIs(alive->Int());
+        });
     if (error)
         errorObservation_ = error->Observe([seen = seen_, value = std::weak_ptr<HostValue>(error)] {
             if (const auto alive = value.lock())
@@ -53,7 +52,9 @@ CommandWatch::CommandWatch(const std::shared_ptr<HostValue>& status, const std::
         });
 }
 
-CommandWatch::~CommandWatch() { context_->Release(); }
+CommandWatch::~CommandWatch() {
+    context_->Release();
+}
 
 CommandWatch::Verdict CommandWatch::Judge(std::chrono::steady_clock::time_point now) {
     const std::uint32_t state = context_->GetState();

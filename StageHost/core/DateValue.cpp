@@ -19,11 +19,17 @@ DateValue::DateValue(const ValueSpec& spec)
     Configure(spec);
 }
 
-std::int32_t DateValue::ReadInt() const { return static_cast<std::int32_t>(kFirstDay.daysTo(date_)); }
+std::int32_t DateValue::ReadInt() const {
+    return static_cast<std::int32_t>(kFirstDay.daysTo(date_));
+}
 
-std::string DateValue::ReadText() const { return date_.toString(QStringLiteral("dd/MM/yyyy")).toStdString(); }
+std::string DateValue::ReadText() const {
+    return date_.toString(QStringLiteral("dd/MM/yyyy")).toStdString();
+}
 
-HostValue::Taken DateValue::WriteInt(std::int32_t value) { return WriteDate(kFirstDay.addDays(value)); }
+HostValue::Taken DateValue::WriteInt(std::int32_t value) {
+    return WriteDate(kFirstDay.addDays(value));
+}
 
 HostValue::Taken DateValue::WriteReal(double value) {
     return std::isfinite(value) ? WriteInt(RoundToInt(std::trunc(value))) : Taken::No;

@@ -11,7 +11,9 @@ namespace stagehost {
 
 namespace {
 
-QString Latin(const std::string& text) { return FromBorderText(text); }
+QString Latin(const std::string& text) {
+    return FromBorderText(text);
+}
 
 } // namespace
 

@@ -14,10 +14,10 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Milliseconds = Device::Milliseconds;
 
-constexpr Milliseconds kLook(50);            // how often a verdict is asked for that ripens with time alone
-constexpr Milliseconds kBlockedStop(100);    // for the Stop of a device that is known to be blocked
-constexpr Milliseconds kComeBack(2000);      // for blocked calls to return once the device has been released
-constexpr Milliseconds kHeldCommand(6000);   // a held command is run once more, or given up, after 5 s
+constexpr Milliseconds kLook(50);          // how often a verdict is asked for that ripens with time alone
+constexpr Milliseconds kBlockedStop(100);  // for the Stop of a device that is known to be blocked
+constexpr Milliseconds kComeBack(2000);    // for blocked calls to return once the device has been released
+constexpr Milliseconds kHeldCommand(6000); // a held command is run once more, or given up, after 5 s
 constexpr const char* kGivenUp = "Command Timeout.";
 
 Milliseconds Left(Clock::time_point deadline) {
@@ -50,7 +50,9 @@ Device::Device(ModuleFile& module, WorkerPool& pool, std::string name)
     , name_(std::move(name))
     , variables_(name_, module.TheHost().Variables()) {}
 
-Device::~Device() { Shutdown(kComeBack); }
+Device::~Device() {
+    Shutdown(kComeBack);
+}
 
 std::optional<Device::Problem> Device::Create(const std::string& setup) {
     variables_.SetDefinition(module_.Module()->GetDefinition());
@@ -66,8 +68,9 @@ std::optional<Device::Problem> Device::Create(const std::string& setup) {
     if (applied != KXP_OK && !setup.empty())
         return Problem{true, QStringLiteral("the device does not take its setup (code %1)").arg(applied)};
     if (RefreshDefinition() == nullptr || variables_.Definition()->commands.empty())
-        return Problem{false, QStringLiteral("the device has no usable definition. %1")
-                                  .arg(FromBorderText(variables_.LastError()))};
+        return Problem{
+            false,
+            QStringLiteral("the device has no usable definition. %1").arg(FromBorderText(variables_.LastError()))};
     return std::nullopt;
 }
 

@@ -101,10 +101,10 @@ private:
     DeviceVariables variables_;
     IKXPDevice* device_ = nullptr;
     bool started_ = false;
-    bool blocked_ = false;   ///< a call did not come back in time: the next Stop will hardly do better
-    bool mayHold_ = false;   ///< the last command failed without ending: the device may hold it still
-    std::vector<std::shared_ptr<Task>> tasks_;  ///< those that have not been seen to come back
-    std::vector<std::shared_ptr<Call>> calls_;  ///< those whose context may still be used
+    bool blocked_ = false; ///< a call did not come back in time: the next Stop will hardly do better
+    bool mayHold_ = false; ///< the last command failed without ending: the device may hold it still
+    std::vector<std::shared_ptr<Task>> tasks_; ///< those that have not been seen to come back
+    std::vector<std::shared_ptr<Call>> calls_; ///< those whose context may still be used
 };
 
 } // namespace stagehost

@@ -40,7 +40,9 @@ KXPCode DeviceVariables::QueryInterface(const char* name, void** out) {
     return offered ? KXP_OK : KXP_NO_INTERFACE;
 }
 
-KXPCode DeviceVariables::Release() { return KXP_OK; }
+KXPCode DeviceVariables::Release() {
+    return KXP_OK;
+}
 
 IData* DeviceVariables::GetVariable(const char* name) {
     const auto variable = name == nullptr ? nullptr : Find(name);

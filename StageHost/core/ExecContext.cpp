@@ -49,18 +49,26 @@ KXPCode ExecContext::End() {
     return Release();
 }
 
-KXPCode ExecContext::Reserved4(void*) { return KXP_OK; }
+KXPCode ExecContext::Reserved4(void*) {
+    return KXP_OK;
+}
 
-KXPCode ExecContext::Reserved5(void*) { return KXP_OK; }
+KXPCode ExecContext::Reserved5(void*) {
+    return KXP_OK;
+}
 
 KXPCode ExecContext::AddRef() {
     references_.fetch_add(1, std::memory_order_relaxed);
     return KXP_OK;
 }
 
-KXPCode ExecContext::Reserved7(void*) { return KXP_OK; }
+KXPCode ExecContext::Reserved7(void*) {
+    return KXP_OK;
+}
 
-KXPCode ExecContext::Reserved8(void*, void*, void*) { return KXP_OK; }
+KXPCode ExecContext::Reserved8(void*, void*, void*) {
+    return KXP_OK;
+}
 
 KXPCode ExecContext::SetResultText(const char* text) {
     const std::lock_guard<std::mutex> hold(lock_);

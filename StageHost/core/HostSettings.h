@@ -11,7 +11,7 @@ enum class Link { Newer, Older, None };
 
 /// The log that the host offers to the module.
 struct LogSettings {
-    std::string path;               ///< empty: the host has no log
+    std::string path; ///< empty: the host has no log
     std::uint32_t writerId = 1;
     std::uint32_t levelBits = 0xF0; ///< see IManagerRuntimeInfo::GetLogSettings
     std::uint32_t option = 0;

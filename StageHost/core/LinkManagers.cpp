@@ -12,7 +12,9 @@ NewerLinkManager::NewerLinkManager(HostFaces& faces)
     OfferAs("IManagerRemoteManager2");
 }
 
-KXPCode NewerLinkManager::Reserved1(void*) { return KXP_NOT_IMPLEMENTED; }
+KXPCode NewerLinkManager::Reserved1(void*) {
+    return KXP_NOT_IMPLEMENTED;
+}
 
 IManagerRemote2* NewerLinkManager::GetRemote(IKXPDevice* device) {
     if (device == nullptr)

@@ -23,15 +23,25 @@ NameTools::NameTools(HostFaces& faces)
     OfferAs("IObjectNameTools");
 }
 
-KXPCode NameTools::Reserved1(void*) { return KXP_NOT_IMPLEMENTED; }
+KXPCode NameTools::Reserved1(void*) {
+    return KXP_NOT_IMPLEMENTED;
+}
 
-KXPCode NameTools::Reserved2(void*) { return KXP_NOT_IMPLEMENTED; }
+KXPCode NameTools::Reserved2(void*) {
+    return KXP_NOT_IMPLEMENTED;
+}
 
-KXPCode NameTools::Reserved3(void*) { return KXP_NOT_IMPLEMENTED; }
+KXPCode NameTools::Reserved3(void*) {
+    return KXP_NOT_IMPLEMENTED;
+}
 
-KXPCode NameTools::Reserved4(void*) { return KXP_NOT_IMPLEMENTED; }
+KXPCode NameTools::Reserved4(void*) {
+    return KXP_NOT_IMPLEMENTED;
+}
 
-std::uint32_t NameTools::IsValidName(const char* name) { return IsObjectName(name) ? 1 : 0; }
+std::uint32_t NameTools::IsValidName(const char* name) {
+    return IsObjectName(name) ? 1 : 0;
+}
 
 bool IsObjectName(const char* name) {
     const std::string_view text = name == nullptr ? "" : name;

@@ -32,6 +32,8 @@ void ObjectParam::SetValueFromString(const char* text, std::uint32_t reserved1, 
     own_->Face()->SetValueFromString(text, reserved1, reserved2);
 }
 
-IData* ObjectParam::GetValue(std::uint32_t) { return bound_ ? bound_->Face() : nullptr; }
+IData* ObjectParam::GetValue(std::uint32_t) {
+    return bound_ ? bound_->Face() : nullptr;
+}
 
 } // namespace stagehost

@@ -7,6 +7,8 @@ PrivateValue::PrivateValue(const ValueSpec& spec)
     Configure(spec);
 }
 
-HostValue::Taken PrivateValue::WriteText(std::string_view text) { return Assign(text_, std::string(text)); }
+HostValue::Taken PrivateValue::WriteText(std::string_view text) {
+    return Assign(text_, std::string(text));
+}
 
 } // namespace stagehost

@@ -27,9 +27,13 @@ std::int32_t RealValue::GetPrecision() {
     return precision_;
 }
 
-std::int32_t RealValue::ReadInt() const { return RoundToInt(value_); }
+std::int32_t RealValue::ReadInt() const {
+    return RoundToInt(value_);
+}
 
-std::string RealValue::ReadText() const { return FormatReal(value_, precision_); }
+std::string RealValue::ReadText() const {
+    return FormatReal(value_, precision_);
+}
 
 HostValue::Taken RealValue::WriteReal(double value) {
     return std::isfinite(value) ? Assign(value_, std::clamp(value, minimum_, maximum_)) : Taken::No;

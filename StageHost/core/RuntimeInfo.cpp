@@ -41,7 +41,9 @@ std::uint32_t RuntimeInfo::GetLogSettings(std::uint32_t* enabled, std::uint32_t*
     return KXP_OK;
 }
 
-KXPWindow RuntimeInfo::GetMainWindow() { return 0; }
+KXPWindow RuntimeInfo::GetMainWindow() {
+    return 0;
+}
 
 std::uint32_t RuntimeInfo::GetRuntimeInfo(KXPRuntimeInfo* out) {
     if (out == nullptr || out->size != sizeof(KXPRuntimeInfo))
@@ -51,6 +53,8 @@ std::uint32_t RuntimeInfo::GetRuntimeInfo(KXPRuntimeInfo* out) {
     return 1;
 }
 
-std::uint32_t RuntimeInfo::GetUserMode() { return settings_.userMode; }
+std::uint32_t RuntimeInfo::GetUserMode() {
+    return settings_.userMode;
+}
 
 } // namespace stagehost

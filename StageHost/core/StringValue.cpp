@@ -18,11 +18,17 @@ std::int32_t StringValue::GetMaxLength() {
     return maxLength_;
 }
 
-std::int32_t StringValue::ReadInt() const { return RoundToInt(ReadReal()); }
+std::int32_t StringValue::ReadInt() const {
+    return RoundToInt(ReadReal());
+}
 
-double StringValue::ReadReal() const { return ParseNumber(text_).value_or(0); }
+double StringValue::ReadReal() const {
+    return ParseNumber(text_).value_or(0);
+}
 
-HostValue::Taken StringValue::WriteInt(std::int32_t value) { return WriteText(std::to_string(value)); }
+HostValue::Taken StringValue::WriteInt(std::int32_t value) {
+    return WriteText(std::to_string(value));
+}
 
 HostValue::Taken StringValue::WriteReal(double value) {
     return WriteText(QByteArray::number(value, 'g', std::numeric_limits<double>::digits10).toStdString());
@@ -33,6 +39,8 @@ HostValue::Taken StringValue::WriteText(std::string_view text) {
     return Assign(text_, std::string(text.substr(0, length)));
 }
 
-void StringValue::ReadLimits(const ValueSpec& spec) { maxLength_ = spec.maxLength < 0 ? -1 : spec.maxLength; }
+void StringValue::ReadLimits(const ValueSpec& spec) {
+    maxLength_ = spec.maxLength < 0 ? -1 : spec.maxLength;
+}
 
 } // namespace stagehost

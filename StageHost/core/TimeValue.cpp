@@ -17,9 +17,13 @@ std::int32_t TimeValue::GetTimeCodeType() {
     return timeCodeType_;
 }
 
-double TimeValue::ReadReal() const { return static_cast<double>(units_) / TimeCodeRate(timeCodeType_); }
+double TimeValue::ReadReal() const {
+    return static_cast<double>(units_) / TimeCodeRate(timeCodeType_);
+}
 
-std::string TimeValue::ReadText() const { return FormatTimeCode(units_, timeCodeType_); }
+std::string TimeValue::ReadText() const {
+    return FormatTimeCode(units_, timeCodeType_);
+}
 
 HostValue::Taken TimeValue::WriteReal(double value) {
     return std::isfinite(value) ? WriteInt(RoundToInt(value * TimeCodeRate(timeCodeType_))) : Taken::No;
@@ -32,6 +36,8 @@ HostValue::Taken TimeValue::WriteText(std::string_view text) {
     return units ? WriteInt(*units) : Taken::No;
 }
 
-void TimeValue::ReadLimits(const ValueSpec& spec) { timeCodeType_ = spec.timeCodeType; }
+void TimeValue::ReadLimits(const ValueSpec& spec) {
+    timeCodeType_ = spec.timeCodeType;
+}
 
 } // namespace stagehost

@@ -10,7 +10,9 @@ VariableManager::VariableManager(HostFaces& faces)
     OfferAs("IVariableManager");
 }
 
-KXPCode VariableManager::Reserved1(void*) { return KXP_NOT_IMPLEMENTED; }
+KXPCode VariableManager::Reserved1(void*) {
+    return KXP_NOT_IMPLEMENTED;
+}
 
 IData* VariableManager::FindVariable(const char* name) {
     if (name == nullptr)

@@ -41,7 +41,7 @@ public:
 private:
     std::uint32_t NumberFor(const HostValue& variable);
 
-    mutable std::shared_mutex lock_; ///< guards the fields below
+    mutable std::shared_mutex lock_;            ///< guards the fields below
     std::unordered_set<std::uint32_t> numbers_; ///< every number given so far: none is given twice
     std::uint32_t lastNumber_ = 0;
     std::unordered_map<std::string, std::shared_ptr<HostValue>> variables_;

@@ -67,7 +67,9 @@ void WorkerPool::State::Serve(const std::shared_ptr<State>& state) {
 WorkerPool::WorkerPool()
     : state_(std::make_shared<State>()) {}
 
-WorkerPool::~WorkerPool() { Close(kGraceAtEnd); }
+WorkerPool::~WorkerPool() {
+    Close(kGraceAtEnd);
+}
 
 std::shared_ptr<Task> WorkerPool::Run(std::function<void()> call) {
     auto task = std::make_shared<PooledTask>(std::move(call));

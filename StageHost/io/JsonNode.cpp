@@ -19,7 +19,9 @@ QString JsonNode::Text() const {
     return value_.toString();
 }
 
-QString JsonNode::TextOr(const QString& missing) const { return IsMissing() ? missing : Text(); }
+QString JsonNode::TextOr(const QString& missing) const {
+    return IsMissing() ? missing : Text();
+}
 
 std::optional<double> JsonNode::Number() const {
     if (IsMissing() || !Expect(value_.isDouble(), QStringLiteral("expected a number")))
@@ -50,7 +52,9 @@ JsonNode JsonNode::Member(const QString& name) const {
     return {value_.toObject().value(name), path_.isEmpty() ? name : path_ + QLatin1Char('.') + name, complaints_};
 }
 
-QStringList JsonNode::MemberNames() const { return value_.toObject().keys(); }
+QStringList JsonNode::MemberNames() const {
+    return value_.toObject().keys();
+}
 
 void JsonNode::ForEach(const std::function<void(const JsonNode&)>& call) const {
     if (!Expect(IsMissing() || value_.isArray(), QStringLiteral("expected a list")))

@@ -10,7 +10,9 @@
 
 namespace stagehost {
 
-QString Show::Path(const QString& file) const { return QDir::cleanPath(QDir(folder).absoluteFilePath(file)); }
+QString Show::Path(const QString& file) const {
+    return QDir::cleanPath(QDir(folder).absoluteFilePath(file));
+}
 
 const ShowDevice* Show::FindDevice(const QString& deviceName) const {
     const auto found =

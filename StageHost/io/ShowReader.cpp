@@ -31,7 +31,9 @@ QString PlaceOf(const QByteArray& text, int offset) {
     return QStringLiteral("%1:%2").arg(before.count('\n') + 1).arg(column);
 }
 
-QString Quoted(const QString& text) { return QLatin1Char('"') + text + QLatin1Char('"'); }
+QString Quoted(const QString& text) {
+    return QLatin1Char('"') + text + QLatin1Char('"');
+}
 
 } // namespace
 

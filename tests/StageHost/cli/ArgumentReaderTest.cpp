@@ -16,12 +16,15 @@ Options Read(const char* line) {
     return reader.Result();
 }
 
-std::string ProblemOf(const char* line) { return ArgumentReader().Read(Words(line)).toStdString(); }
+std::string ProblemOf(const char* line) {
+    return ArgumentReader().Read(Words(line)).toStdString();
+}
 
 } // namespace
 
 TEST(ArgumentReader, FindsOptionsAnywhere) {
-    for (const char* line : {"--timeout 5 --json check a.js", "check --json --timeout=5 a.js", "check a.js --timeout 5 --json"}) {
+    for (const char* line :
+         {"--timeout 5 --json check a.js", "check --json --timeout=5 a.js", "check a.js --timeout 5 --json"}) {
         const Options options = Read(line);
         EXPECT_EQ(options.command, QStringLiteral("check"));
         EXPECT_EQ(options.arguments, Words("a.js"));

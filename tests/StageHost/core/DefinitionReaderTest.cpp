@@ -6,7 +6,9 @@ using namespace stagehost;
 
 namespace {
 
-std::optional<DeviceDefinition> Read(const std::string& xml) { return DefinitionReader().Read(xml.c_str()); }
+std::optional<DeviceDefinition> Read(const std::string& xml) {
+    return DefinitionReader().Read(xml.c_str());
+}
 
 std::string ErrorOf(const std::string& xml) {
     DefinitionReader reader;
@@ -69,8 +71,9 @@ TEST(DefinitionReader, ReadsVariablesOfEveryType) {
 }
 
 TEST(DefinitionReader, SkipsWhatItDoesNotKnow) {
-    const auto device = Read("<?xml version=\"1.0\"?><!-- c --><Device><Info><Description>x<y/></Description></Info>"
-                             "<Commands><Other/></Commands><Variables><FooData Name=\"f\"/></Variables><More/></Device>");
+    const auto device =
+        Read("<?xml version=\"1.0\"?><!-- c --><Device><Info><Description>x<y/></Description></Info>"
+             "<Commands><Other/></Commands><Variables><FooData Name=\"f\"/></Variables><More/></Device>");
     ASSERT_TRUE(device.has_value());
     EXPECT_TRUE(device->commands.empty());
     EXPECT_TRUE(device->variables.empty());

@@ -158,13 +158,23 @@ TEST(OlderLink, AnswersThatTheShowHasNoSuchObject) {
     ASSERT_NE(link, nullptr);
     char* text = reinterpret_cast<char*>(&link);
     std::int32_t number = 5;
-    const KXPCode codes[] = {link->OpenUserScreen("s", 0, 0, 0), link->CloseUserScreen("s"), link->GotoPage("s", 1),
-                             link->StartTask("t"), link->PauseTask("t"), link->StopTask("t", 0),
-                             link->GotoLabel("t", "l"), link->GotoLine("t", 1), link->GotoTime("t", 1),
-                             link->LoadShow("s", 0), link->RegisterGroup(nullptr, "g"),
-                             link->SetProperty("o", "p", "v"), link->SetPropertyAsInt("o", "p", 1),
-                             link->GetPropertyAsInt("o", "p", &number), link->GetObjectList("o", 0, &text),
-                             link->GetProperty("o", "p", &text), link->GetObject("o", 1, &text),
+    const KXPCode codes[] = {link->OpenUserScreen("s", 0, 0, 0),
+                             link->CloseUserScreen("s"),
+                             link->GotoPage("s", 1),
+                             link->StartTask("t"),
+                             link->PauseTask("t"),
+                             link->StopTask("t", 0),
+                             link->GotoLabel("t", "l"),
+                             link->GotoLine("t", 1),
+                             link->GotoTime("t", 1),
+                             link->LoadShow("s", 0),
+                             link->RegisterGroup(nullptr, "g"),
+                             link->SetProperty("o", "p", "v"),
+                             link->SetPropertyAsInt("o", "p", 1),
+                             link->GetPropertyAsInt("o", "p", &number),
+                             link->GetObjectList("o", 0, &text),
+                             link->GetProperty("o", "p", &text),
+                             link->GetObject("o", 1, &text),
                              link->Perform("o", "a", "<p/>", &text)};
     for (const KXPCode code : codes)
         EXPECT_EQ(code, KXPCode{kNoSuchObject});

@@ -64,15 +64,25 @@ KXPCode FakeDevice::Release() {
     return KXP_OK;
 }
 
-void FakeDevice::SetDeviceVariables(IDeviceVariables* variables) { variables_ = variables; }
+void FakeDevice::SetDeviceVariables(IDeviceVariables* variables) {
+    variables_ = variables;
+}
 
-KXPCode FakeDevice::QueryCapability(std::uint32_t) { return KXP_NO; }
+KXPCode FakeDevice::QueryCapability(std::uint32_t) {
+    return KXP_NO;
+}
 
-void FakeDevice::SetName(const char* name) { name_ = name; }
+void FakeDevice::SetName(const char* name) {
+    name_ = name;
+}
 
-const char* FakeDevice::GetName() { return name_.c_str(); }
+const char* FakeDevice::GetName() {
+    return name_.c_str();
+}
 
-KXPCode FakeDevice::ShowSetup(void*) { return KXP_NOT_IMPLEMENTED; }
+KXPCode FakeDevice::ShowSetup(void*) {
+    return KXP_NOT_IMPLEMENTED;
+}
 
 KXPCode FakeDevice::IsRunning() {
     const std::lock_guard<std::mutex> hold(lock_);
@@ -101,9 +111,13 @@ KXPCode FakeDevice::Stop() {
     return KXP_OK;
 }
 
-KXPCode FakeDevice::OnTimerailEvent(ITimeData*, std::int32_t) { return KXP_OK; }
+KXPCode FakeDevice::OnTimerailEvent(ITimeData*, std::int32_t) {
+    return KXP_OK;
+}
 
-KXPBitmap FakeDevice::GetBitmap() { return nullptr; }
+KXPBitmap FakeDevice::GetBitmap() {
+    return nullptr;
+}
 
 KXPCode FakeDevice::GetSetup(char** out) {
     *out = Copy(setup_.empty() ? "first setup" : setup_);
@@ -117,13 +131,21 @@ KXPCode FakeDevice::SetSetup(const char* setup) {
     return variables_->SetDefinition(definition_.c_str()) == 1 ? KXP_OK : KXP_CANCELLED;
 }
 
-KXPCode FakeDevice::UpdateCommand(const char*, char**) { return KXP_NOT_IMPLEMENTED; }
+KXPCode FakeDevice::UpdateCommand(const char*, char**) {
+    return KXP_NOT_IMPLEMENTED;
+}
 
-KXPCode FakeDevice::Reserved14(void*) { return KXP_OK; }
+KXPCode FakeDevice::Reserved14(void*) {
+    return KXP_OK;
+}
 
-KXPCode FakeDevice::Reserved15(void*) { return KXP_OK; }
+KXPCode FakeDevice::Reserved15(void*) {
+    return KXP_OK;
+}
 
-KXPCode FakeDevice::Reserved16(void*) { return KXP_OK; }
+KXPCode FakeDevice::Reserved16(void*) {
+    return KXP_OK;
+}
 
 KXPCode FakeDevice::ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) {
     const std::string text = ParamText(params, 0);
@@ -144,16 +166,22 @@ KXPCode FakeDevice::ExecuteCommand(std::int32_t id, IObjectParams* params, IExec
 }
 
 KXPCode FakeDevice::ReleaseString(char** text) {
-    delete[] *text;
+    delete[] * text;
     *text = nullptr;
     return KXP_OK;
 }
 
-const char* FakeDevice::GetDefinition() { return MoodIs("no-definition") ? nullptr : definition_.c_str(); }
+const char* FakeDevice::GetDefinition() {
+    return MoodIs("no-definition") ? nullptr : definition_.c_str();
+}
 
-KXPCode FakeDevice::Reserved20() { return KXP_OK; }
+KXPCode FakeDevice::Reserved20() {
+    return KXP_OK;
+}
 
-KXPCode FakeDevice::CreatePanel(std::uint32_t, IKXPDevicePanel**) { return KXP_NOT_IMPLEMENTED; }
+KXPCode FakeDevice::CreatePanel(std::uint32_t, IKXPDevicePanel**) {
+    return KXP_NOT_IMPLEMENTED;
+}
 
 void FakeDevice::Serve() {
     std::unique_lock<std::mutex> hold(lock_);

@@ -13,8 +13,8 @@ constexpr const char* kParam =
     R"(<Properties><Property Name="DataDescriptor::VarDirection" Value="mddIn"/></Properties>)";
 
 std::string TextParam(int id, const std::string& name, const char* properties = kParam) {
-    return R"(<ObjectParam VarType="2" ClassName="IStringData"><StringData ID=")" + std::to_string(id) +
-           R"(" Name=")" + name + R"(" String="">)" + properties + "</StringData></ObjectParam>";
+    return R"(<ObjectParam VarType="2" ClassName="IStringData"><StringData ID=")" + std::to_string(id) + R"(" Name=")" +
+           name + R"(" String="">)" + properties + "</StringData></ObjectParam>";
 }
 
 std::string Command(int id, const std::string& name, const std::string& params) {
@@ -25,13 +25,13 @@ std::string Command(int id, const std::string& name, const std::string& params) 
 std::string Definition() {
     if (MoodIs("broken-definition"))
         return "<Device><Commands>";
-    std::string params = TextParam(0, "Script Function Name") +
-                         TextParam(1, "Result",
-                                   R"(<Properties><Property Name="DataDescriptor::VarDirection" Value="mddOut"/></Properties>)");
+    std::string params =
+        TextParam(0, "Script Function Name") +
+        TextParam(1, "Result",
+                  R"(<Properties><Property Name="DataDescriptor::VarDirection" Value="mddOut"/></Properties>)");
     for (int number = 1; number <= 8; ++number)
         params += TextParam(number + 1, "Param" + std::to_string(number));
-    return R"(<Device ID="" Name=""><Commands>)" +
-           Command(0, "Load From File", TextParam(0, "Script File Name")) +
+    return R"(<Device ID="" Name=""><Commands>)" + Command(0, "Load From File", TextParam(0, "Script File Name")) +
            Command(1, "Load From Text", TextParam(0, "Script Text")) +
            Command(2, "Execute Function", TextParam(0, "Script Function Name")) +
            Command(3, "Execute Function With Params", params) +

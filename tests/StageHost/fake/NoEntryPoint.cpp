@@ -1,2 +1,4 @@
 /// A library that is no module.
-extern "C" __attribute__((visibility("default"))) int GetSomethingElse() { return 0; }
+extern "C" __attribute__((visibility("default"))) int GetSomethingElse() {
+    return 0;
+}

@@ -12,7 +12,9 @@ using namespace stagehost;
 
 namespace {
 
-QString CasesFolder() { return QStringLiteral(STAGEHOST_TESTS "/io/cases"); }
+QString CasesFolder() {
+    return QStringLiteral(STAGEHOST_TESTS "/io/cases");
+}
 
 QString WrittenFile(const QTemporaryDir& folder, const char* name, const QByteArray& text) {
     QFile file(folder.filePath(QLatin1String(name)));
@@ -54,8 +56,8 @@ TEST(ShowReader, ComplainsAsTheCasesSay) {
     for (const QString& file : files) {
         SCOPED_TRACE(file.toStdString());
         QString problem;
-        const auto expected = ReadText(folder.filePath(file).replace(QLatin1String(".json"), QLatin1String(".expected")),
-                                       &problem);
+        const auto expected =
+            ReadText(folder.filePath(file).replace(QLatin1String(".json"), QLatin1String(".expected")), &problem);
         ASSERT_TRUE(expected.has_value()) << problem.toStdString();
         ShowReader reader;
         EXPECT_FALSE(reader.ReadFile(folder.filePath(file)).has_value());
@@ -66,7 +68,8 @@ TEST(ShowReader, ComplainsAsTheCasesSay) {
 TEST(ShowReader, SaysWhyAFileCannotBeRead) {
     ShowReader missing;
     EXPECT_FALSE(missing.ReadFile(QStringLiteral("/nowhere/show.json")).has_value());
-    EXPECT_EQ(missing.Complaints().join(QString()).toStdString(), "cannot read /nowhere/show.json: No such file or directory");
+    EXPECT_EQ(missing.Complaints().join(QString()).toStdString(),
+              "cannot read /nowhere/show.json: No such file or directory");
     ShowReader folder;
     EXPECT_FALSE(folder.ReadFile(CasesFolder()).has_value());
     EXPECT_TRUE(folder.Complaints().join(QString()).endsWith(QLatin1String("is a folder")));
