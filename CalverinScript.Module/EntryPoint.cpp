@@ -2,4 +2,6 @@
 
 #include <QtGlobal>
 
-extern "C" Q_DECL_EXPORT KXPCode GetKXPEntryPoint(IKXPModule** out) { return MCalverinScript_Module::GetEntryPoint(out); }
+extern "C" Q_DECL_EXPORT KXPCode GetKXPEntryPoint(IKXPModule** out) {
+    return MCalverinScript_Module::GetEntryPoint(out);
+}

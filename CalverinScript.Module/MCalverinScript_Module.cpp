@@ -25,9 +25,13 @@ constexpr const char* kDeviceIdProperty = "ObjectParamDescriptor::DeviceID";
 constexpr KXPCode kValidationCodes[] = {KXP_COMMANDS_CHANGED, KXP_NULL_ARGUMENT, KXP_OK};
 
 /// An address inside the module file.
-const void* ModuleHandle() { return reinterpret_cast<const void*>(&MCalverinScript_Module::GetEntryPoint); }
+const void* ModuleHandle() {
+    return reinterpret_cast<const void*>(&MCalverinScript_Module::GetEntryPoint);
+}
 
-MCalverinScript_Device* AsOurDevice(IKXPDevice* device) { return dynamic_cast<MCalverinScript_Device*>(device); }
+MCalverinScript_Device* AsOurDevice(IKXPDevice* device) {
+    return dynamic_cast<MCalverinScript_Device*>(device);
+}
 
 } // namespace
 
@@ -46,7 +50,9 @@ KXPCode MCalverinScript_Module::GetEntryPoint(IKXPModule** out) {
     return KXP_OK;
 }
 
-MCalverinScript_Module::~MCalverinScript_Module() { instance = nullptr; }
+MCalverinScript_Module::~MCalverinScript_Module() {
+    instance = nullptr;
+}
 
 KXPCode MCalverinScript_Module::QueryInterface(const char* name, void** out) {
     if (name == nullptr || out == nullptr)
@@ -161,7 +167,9 @@ IKXPDevice* MCalverinScript_Module::GetDevice(std::uint32_t index) {
     return dynamic_cast<MCalverinScript_Device*>(MKXPDeviceBase::GetByIndex(index));
 }
 
-void MCalverinScript_Module::RemoveDevice(MCalverinScript_Device* device) { devices.Remove(device); }
+void MCalverinScript_Module::RemoveDevice(MCalverinScript_Device* device) {
+    devices.Remove(device);
+}
 
 KXPCode MCalverinScript_Module::CheckCommand(void* /*ignored*/, IKXPDevice* device, std::int32_t id,
                                              IObjectParams* params) {

@@ -11,7 +11,9 @@ QApplication* ownApplication = nullptr;
 int argumentCount = 0;
 char* noArguments[] = {nullptr};
 
-bool HasDisplay() { return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"); }
+bool HasDisplay() {
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
 
 } // namespace
 

@@ -29,7 +29,9 @@ void CopyText(char* buffer, const std::string& text) {
 
 } // namespace
 
-MCalverinScript_Module::MCalverinScript_Module() { scriptsFolder[0] = '\0'; }
+MCalverinScript_Module::MCalverinScript_Module() {
+    scriptsFolder[0] = '\0';
+}
 
 const char* MCalverinScript_Module::GetScriptsFolder() {
     if (scriptsFolder[0] == '\0') {
@@ -59,9 +61,13 @@ bool MCalverinScript_Module::IsHostAtLeast(std::int32_t major, std::int32_t mino
     return hostMajor >= major && hostMinor >= minor && hostBuild >= build;
 }
 
-bool MCalverinScript_Module::IsHostAtLeast642() const { return IsHostAtLeast(6, 4, 2); }
+bool MCalverinScript_Module::IsHostAtLeast642() const {
+    return IsHostAtLeast(6, 4, 2);
+}
 
-bool MCalverinScript_Module::IsHostAtLeast643() const { return IsHostAtLeast(6, 4, 3); }
+bool MCalverinScript_Module::IsHostAtLeast643() const {
+    return IsHostAtLeast(6, 4, 3);
+}
 
 KXPCode MCalverinScript_Module::GetDriverList(char** out, std::uint32_t* outSize) {
     if (out == nullptr || outSize == nullptr)

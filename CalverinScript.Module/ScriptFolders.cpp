@@ -27,8 +27,8 @@ bool CopyEntry(const fs::directory_entry& entry, const fs::path& target, bool st
     if (entry.is_symlink(error))
         fs::copy_symlink(entry.path(), copy, error);
     else
-        fs::copy_file(entry.path(), copy,
-                      overwrite ? fs::copy_options::overwrite_existing : fs::copy_options::none, error);
+        fs::copy_file(entry.path(), copy, overwrite ? fs::copy_options::overwrite_existing : fs::copy_options::none,
+                      error);
     return !error;
 }
 
@@ -38,7 +38,9 @@ void MoveFolder(const std::string& source, const std::string& target) {
         RemoveFolder(source.c_str(), true);
 }
 
-std::string Below(const char* folder, const char* name) { return (fs::path(folder) / name).string(); }
+std::string Below(const char* folder, const char* name) {
+    return (fs::path(folder) / name).string();
+}
 
 } // namespace
 
@@ -62,8 +64,8 @@ bool RemoveFolder(const char* path, bool stopOnError) {
     fs::directory_iterator entry(path, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         std::error_code failure;
-        const bool removed = IsFolder(*entry) ? RemoveFolder(entry->path().c_str(), stopOnError)
-                                              : fs::remove(entry->path(), failure);
+        const bool removed =
+            IsFolder(*entry) ? RemoveFolder(entry->path().c_str(), stopOnError) : fs::remove(entry->path(), failure);
         if (!removed && stopOnError)
             return false;
     }

@@ -22,6 +22,10 @@ KXPCode MSelectorWizard::QueryInterface(const char* name, void** out) {
     return KXP_OK;
 }
 
-KXPCode MSelectorWizard::Release() { return KXP_OK; }
+KXPCode MSelectorWizard::Release() {
+    return KXP_OK;
+}
 
-IMInterface* MSelectorWizard::CreateObject(const char* /*name*/) { return nullptr; }
+IMInterface* MSelectorWizard::CreateObject(const char* /*name*/) {
+    return nullptr;
+}

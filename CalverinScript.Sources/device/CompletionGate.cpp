@@ -9,7 +9,9 @@
 namespace {
 
 /// The loop lives on another thread; it quits when it next looks at its events, or at once when it starts.
-void QuitLater(QEventLoop* loop) { QMetaObject::invokeMethod(loop, &QEventLoop::quit, Qt::QueuedConnection); }
+void QuitLater(QEventLoop* loop) {
+    QMetaObject::invokeMethod(loop, &QEventLoop::quit, Qt::QueuedConnection);
+}
 
 } // namespace
 

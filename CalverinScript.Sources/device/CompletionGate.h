@@ -52,6 +52,6 @@ private:
     mutable std::mutex m_lock;
     std::condition_variable m_changed;
     std::array<Generation, kMarshalledCallCount> m_generations{}; ///< under m_lock
-    std::vector<WaitingLoop> m_loops;                              ///< under m_lock
+    std::vector<WaitingLoop> m_loops;                             ///< under m_lock
     bool m_abandoned = false;                                     ///< under m_lock
 };

@@ -9,12 +9,12 @@ class IDeviceVariables;
 
 /// What the definition of one device is built from.
 struct DefinitionRequest {
-    const char* definitionTemplate = nullptr; ///< XML text of the module
-    std::uint32_t deviceNumber = 0;           ///< tells selectors which device's functions to offer
+    const char* definitionTemplate = nullptr;    ///< XML text of the module
+    std::uint32_t deviceNumber = 0;              ///< tells selectors which device's functions to offer
     IDeviceVariables* deviceVariables = nullptr; ///< gives the numbers of known variables; may be null
     std::vector<MScriptCommand> commands;        ///< user commands; those without an id are not offered
     std::vector<MScriptVariable> variables;      ///< published variables
-    bool hideDefaults = false;    ///< hides the built-in commands and drops the default variables
+    bool hideDefaults = false;                   ///< hides the built-in commands and drops the default variables
     bool resetDefaultIds = false; ///< gives the default variables no numbers, so that the host allocates them anew
 };
 

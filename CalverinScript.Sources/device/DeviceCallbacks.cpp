@@ -27,13 +27,17 @@ int MCalverinScript_Device::SlotSetInterval(const QScriptValue& expression, int 
     return AddTimer(intervals, expression, delay);
 }
 
-void MCalverinScript_Device::SlotClearInterval(int id) { RemoveTimer(intervals, id); }
+void MCalverinScript_Device::SlotClearInterval(int id) {
+    RemoveTimer(intervals, id);
+}
 
 int MCalverinScript_Device::SlotSetTimeout(const QScriptValue& expression, int delay) {
     return AddTimer(timeouts, expression, delay);
 }
 
-void MCalverinScript_Device::SlotClearTimeout(int id) { RemoveTimer(timeouts, id); }
+void MCalverinScript_Device::SlotClearTimeout(int id) {
+    RemoveTimer(timeouts, id);
+}
 
 void MCalverinScript_Device::FireTimer(int id) {
     const ScriptEntry entry(*this);

@@ -86,7 +86,9 @@ KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t /*id*/, IObjectPara
     return KXP_BAD_COMMAND;
 }
 
-bool MCalverinScript_Device::MayPost() const { return !IsTracking() && !ending; }
+bool MCalverinScript_Device::MayPost() const {
+    return !IsTracking() && !ending;
+}
 
 bool MCalverinScript_Device::HasFunction(const char* name) {
     if (name == nullptr)
@@ -107,7 +109,9 @@ void MCalverinScript_Device::OnCommandDestroyed(void* context) {
         static_cast<IExecContext*>(context)->End();
 }
 
-MCommandObject* MCalverinScript_Device::GetExecutingCommand() { return currentCommand; }
+MCommandObject* MCalverinScript_Device::GetExecutingCommand() {
+    return currentCommand;
+}
 
 void MCalverinScript_Device::WriteCommandResult(MCommandObject* command, const QString& text) {
     if (command == nullptr || command->GetId() != kExecuteFunctionWithParams || ending)

@@ -21,9 +21,9 @@
 #include "IManagerRuntimeInfo.h"
 #include "IModuleServices.h"
 #include "ISetupInterface.h"
+#include "ModuleShared.h"
 #include "MScriptMngRemote.h"
 #include "MScriptThread.h"
-#include "ModuleShared.h"
 #include "ScriptGlobals.h"
 
 namespace {
@@ -56,7 +56,8 @@ bool WaitUntil(Condition condition, std::uint32_t limitMs) {
 
 } // namespace
 
-MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, ISetupInterface* setup, const char* name)
+MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, ISetupInterface* setup,
+                                               const char* name)
     : MyCommandManager(kCommandTimeoutMs, false, true)
     , module(moduleServices)
     , setupInterface(setup)
@@ -118,7 +119,9 @@ void MCalverinScript_Device::StartScriptThread() {
     scriptThread->start(QThread::InheritPriority);
 }
 
-bool MCalverinScript_Device::IsUsable() const { return scriptThread == nullptr || scriptThread->isRunning(); }
+bool MCalverinScript_Device::IsUsable() const {
+    return scriptThread == nullptr || scriptThread->isRunning();
+}
 
 KXPCode MCalverinScript_Device::QueryInterface(const char* name, void** out) {
     if (name == nullptr || out == nullptr)
@@ -146,8 +149,8 @@ KXPCode MCalverinScript_Device::Start() {
     else
         EvaluateScriptCommand(setupScriptText, false);
     if (panel != nullptr && setupInterface != nullptr) {
-        auto* info = QueryFace<IManagerRuntimeInfo>(module != nullptr ? module->GetHost() : nullptr,
-                                                    "IManagerRuntimeInfo");
+        auto* info =
+            QueryFace<IManagerRuntimeInfo>(module != nullptr ? module->GetHost() : nullptr, "IManagerRuntimeInfo");
         setupInterface->PostRunState(panel, true, info != nullptr ? info->GetUserMode() : kDefaultUserMode);
     }
     return KXP_OK;

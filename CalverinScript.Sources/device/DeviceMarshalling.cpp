@@ -3,12 +3,14 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QEventLoop>
+#include <QScriptContext>
+#include <QScriptEngine>
 #include <QTimer>
 #include <QTimerEvent>
 
 #include "DeviceMarshalling.h"
-#include "MScriptThread.h"
 #include "MarshalledCallTable.h"
+#include "MScriptThread.h"
 #include "ScriptEntry.h"
 
 static_assert(MarshalledCallTable::InOrder(), "the table follows the enumeration");
@@ -43,9 +45,13 @@ MCalverinScript_Device::ScriptEntry::~ScriptEntry() {
     m_device.mutex.unlock();
 }
 
-bool MCalverinScript_Device::OnScriptThread() const { return QThread::currentThread() == threadId.load(); }
+bool MCalverinScript_Device::OnScriptThread() const {
+    return QThread::currentThread() == threadId.load();
+}
 
-void MCalverinScript_Device::OnScriptThreadStarted(MScriptThread* thread) { threadId = thread; }
+void MCalverinScript_Device::OnScriptThreadStarted(MScriptThread* thread) {
+    threadId = thread;
+}
 
 void MCalverinScript_Device::OnScriptThreadEnding() {
     ClearTimers();
@@ -76,7 +82,9 @@ void MCalverinScript_Device::ConnectSignals() {
     connect(this, &Device::SignalShowDebugger, this, &Device::SlotShowDebugger);
 }
 
-void MCalverinScript_Device::WakeScriptThread() { QCoreApplication::postEvent(this, new QEvent(kDrainEvent)); }
+void MCalverinScript_Device::WakeScriptThread() {
+    QCoreApplication::postEvent(this, new QEvent(kDrainEvent));
+}
 
 bool MCalverinScript_Device::event(QEvent* received) {
     if (received->type() != kDrainEvent)
@@ -104,10 +112,18 @@ void MCalverinScript_Device::DrainInbox() {
     }
 }
 
-/// Once is not enough: between two calls into the script there is nothing to abort. So it is tried until the thread has left
-/// the script.
+/// The engine takes an abort from inside `evaluate` only, while most scripts run in a function that was called. So the abort
+/// is asked for by a small evaluation of its own; the engine keeps it for the script around it, which cannot catch it. Between
+/// two calls into the script there is nothing to abort, so it is tried until the thread has left the script.
 void MCalverinScript_Device::AbortScript() {
-    engine->abortEvaluation();
+    QScriptContext* context = engine->pushContext();
+    const QScriptValue abort = engine->newFunction([](QScriptContext*, QScriptEngine* caller) {
+        caller->abortEvaluation();
+        return QScriptValue();
+    });
+    context->activationObject().setProperty(QStringLiteral("abort"), abort);
+    engine->evaluate(QStringLiteral("abort()"));
+    engine->popContext();
     if (abortTimer == 0)
         abortTimer = startTimer(kAbortRetryMs);
 }
@@ -115,7 +131,7 @@ void MCalverinScript_Device::AbortScript() {
 void MCalverinScript_Device::timerEvent(QTimerEvent* fired) {
     const int id = fired->timerId();
     if (id == abortTimer && entryDepth > 0)
-        engine->abortEvaluation();
+        AbortScript();
     else if (entryDepth == 0)
         FireTimer(id);
     else if (!deferredTimers.contains(id))

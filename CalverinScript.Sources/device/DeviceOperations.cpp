@@ -19,10 +19,14 @@ namespace {
 
 constexpr int kOperationLevel = 7;
 
-const char* Printable(const char* text) { return text != nullptr ? text : ""; }
+const char* Printable(const char* text) {
+    return text != nullptr ? text : "";
+}
 
 /// The texts of an operation as the log shows them, ": " in front; empty for none.
-QByteArray LogDetail(const char* text) { return QByteArray(": ") + Printable(text); }
+QByteArray LogDetail(const char* text) {
+    return QByteArray(": ") + Printable(text);
+}
 
 QByteArray LogDetail(const char* text, const char** params) {
     QByteArray detail = LogDetail(text);
@@ -36,8 +40,8 @@ QByteArray LogDetail(const char* text, const char** params) {
 /// Posts the operation, or does its work with all that stands around it.
 /// @param detail gives the log's texts, asked for only while the log is on. @param addParams adds what follows the context.
 template <typename Detail, typename AddParams, typename Work>
-bool MCalverinScript_Device::RunOperation(const Operation& operation, IExecContext* context, bool execute, Detail detail,
-                                          AddParams addParams, Work work) {
+bool MCalverinScript_Device::RunOperation(const Operation& operation, IExecContext* context, bool execute,
+                                          Detail detail, AddParams addParams, Work work) {
     if (!execute && !MayPost())
         return false;
     if (IsLogOn(false)) {
@@ -47,8 +51,8 @@ bool MCalverinScript_Device::RunOperation(const Operation& operation, IExecConte
     }
     if (!execute) {
         const bool endsContext = operation.id == kExecuteFunctionWithParams;
-        auto* command = new MCommandObject(this, operation.id, 0, endsContext ? this : nullptr,
-                                           endsContext ? context : nullptr);
+        auto* command =
+            new MCommandObject(this, operation.id, 0, endsContext ? this : nullptr, endsContext ? context : nullptr);
         command->AddVoidParam(context, kPointerParamSize);
         addParams(*command);
         PostOperation(command);

@@ -15,9 +15,13 @@ namespace {
 
 constexpr int kExceptionLevel = 5;
 
-QString MessageOf(const QScriptValue& error) { return error.property(QStringLiteral("message")).toString(); }
+QString MessageOf(const QScriptValue& error) {
+    return error.property(QStringLiteral("message")).toString();
+}
 
-QString ScriptFailure(const QString& text) { return QStringLiteral("Script: ") + text; }
+QString ScriptFailure(const QString& text) {
+    return QStringLiteral("Script: ") + text;
+}
 
 /// The value of a setting as its type asks for it; invalid for types that settings do not have.
 QScriptValue SettingValue(const MScriptSetting& setting) {

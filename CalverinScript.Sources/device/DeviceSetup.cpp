@@ -8,8 +8,8 @@
 #include "DefinitionBuilder.h"
 #include "IModuleServices.h"
 #include "ISetupInterface.h"
-#include "MScriptMngRemote.h"
 #include "ModuleResources.h"
+#include "MScriptMngRemote.h"
 
 namespace {
 
@@ -19,25 +19,37 @@ constexpr std::uint32_t kControlPanelKind = 1;
 
 } // namespace
 
-void MCalverinScript_Device::SetDeviceVariables(IDeviceVariables* variables) { deviceVariables = variables; }
+void MCalverinScript_Device::SetDeviceVariables(IDeviceVariables* variables) {
+    deviceVariables = variables;
+}
 
 KXPCode MCalverinScript_Device::QueryCapability(std::uint32_t capability) {
     return capability >= kFirstCapability && capability <= kLastCapability ? KXP_OK : KXP_NO;
 }
 
-void MCalverinScript_Device::SetName(const char* newName) { MKXPDeviceBase::SetName(newName); }
+void MCalverinScript_Device::SetName(const char* newName) {
+    MKXPDeviceBase::SetName(newName);
+}
 
-const char* MCalverinScript_Device::GetName() { return MKXPDeviceBase::GetName(); }
+const char* MCalverinScript_Device::GetName() {
+    return MKXPDeviceBase::GetName();
+}
 
-const char* MCalverinScript_Device::GetScriptDeviceName() { return MKXPDeviceBase::GetName(); }
+const char* MCalverinScript_Device::GetScriptDeviceName() {
+    return MKXPDeviceBase::GetName();
+}
 
-KXPCode MCalverinScript_Device::ShowSetup(void* /*ignored*/) { return ShowSetupDialog(nullptr); }
+KXPCode MCalverinScript_Device::ShowSetup(void* /*ignored*/) {
+    return ShowSetupDialog(nullptr);
+}
 
 KXPCode MCalverinScript_Device::ShowSetupDialog(const char* scriptName) {
     return setupInterface != nullptr ? setupInterface->ShowSetup(*this, scriptName) : KXPCode{KXP_CANCELLED};
 }
 
-KXPCode MCalverinScript_Device::IsRunning() { return IsStarted() ? KXP_OK : KXP_NO; }
+KXPCode MCalverinScript_Device::IsRunning() {
+    return IsStarted() ? KXP_OK : KXP_NO;
+}
 
 KXPCode MCalverinScript_Device::OnTimerailEvent(ITimeData* time, std::int32_t action) {
     ChangeTrackState(action, time != nullptr ? time->GetFrameCount() : 0);
@@ -66,13 +78,21 @@ KXPCode MCalverinScript_Device::UpdateCommand(const char* /*commandXml*/, char**
     return KXP_NOT_IMPLEMENTED;
 }
 
-KXPCode MCalverinScript_Device::Reserved14(void* /*argument*/) { return KXP_OK; }
+KXPCode MCalverinScript_Device::Reserved14(void* /*argument*/) {
+    return KXP_OK;
+}
 
-KXPCode MCalverinScript_Device::Reserved15(void* /*argument*/) { return KXP_OK; }
+KXPCode MCalverinScript_Device::Reserved15(void* /*argument*/) {
+    return KXP_OK;
+}
 
-KXPCode MCalverinScript_Device::Reserved16(void* /*argument*/) { return KXP_OK; }
+KXPCode MCalverinScript_Device::Reserved16(void* /*argument*/) {
+    return KXP_OK;
+}
 
-KXPCode MCalverinScript_Device::Reserved20() { return KXP_OK; }
+KXPCode MCalverinScript_Device::Reserved20() {
+    return KXP_OK;
+}
 
 KXPCode MCalverinScript_Device::ReleaseString(char** text) {
     if (text == nullptr || *text == nullptr)

@@ -63,7 +63,9 @@ void MCalverinScript_Device::FinishRequestedStop() {
     stopRequested = false;
 }
 
-bool MCalverinScript_Device::IsDebuggerActive() const { return debugger != nullptr; }
+bool MCalverinScript_Device::IsDebuggerActive() const {
+    return debugger != nullptr;
+}
 
 /// The debugger lives on the engine's thread, which serves its events also while the script is halted.
 void MCalverinScript_Device::TriggerDebuggerAction(int action) {
@@ -73,13 +75,13 @@ void MCalverinScript_Device::TriggerDebuggerAction(int action) {
 
 void MCalverinScript_Device::AbortEvaluation() {
     const auto abort = [this] {
-        if (!engine->isEvaluating())
+        if (entryDepth == 0)
             return;
         if (IsDebuggerActive() && debugger->state() != QScriptEngineDebugger::SuspendedState)
             for (const auto action : {QScriptEngineDebugger::ToggleBreakpointAction,
                                       QScriptEngineDebugger::ContinueAction, QScriptEngineDebugger::StepOutAction})
                 debugger->action(action)->trigger();
-        engine->abortEvaluation();
+        AbortScript();
     };
     QMetaObject::invokeMethod(this, abort, Qt::QueuedConnection);
 }

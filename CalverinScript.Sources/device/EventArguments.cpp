@@ -11,10 +11,14 @@
 
 namespace {
 
-QScriptValue FromBool(QScriptEngine& /*engine*/, const QVariant& value) { return QScriptValue(value.toBool()); }
+QScriptValue FromBool(QScriptEngine& /*engine*/, const QVariant& value) {
+    return QScriptValue(value.toBool());
+}
 
 /// A number reaches a listener as a boolean, true when it is not zero. That is how listeners have always got it.
-QScriptValue FromInt(QScriptEngine& /*engine*/, const QVariant& value) { return QScriptValue(value.toInt() != 0); }
+QScriptValue FromInt(QScriptEngine& /*engine*/, const QVariant& value) {
+    return QScriptValue(value.toInt() != 0);
+}
 
 QScriptValue FromAddress(QScriptEngine& engine, const QVariant& value) {
     const auto info = value.value<IPInfo>();

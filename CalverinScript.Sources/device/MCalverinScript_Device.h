@@ -14,10 +14,10 @@
 #include "IHostServices.h"
 #include "IKXPDevice.h"
 #include "IManagerRemote.h"
+#include "InterlockedCounter.h"
 #include "IScriptDevice.h"
 #include "IThreadHandler.h"
 #include "IThreadTimerHandler.h"
-#include "InterlockedCounter.h"
 #include "MKXPDeviceBase.h"
 #include "MScriptCommonEvent.h"
 #include "MScriptParamList.h"
@@ -194,7 +194,8 @@ Q_SIGNALS:
     bool SignalExecuteScriptFunction(const char* name, IData* result, const char** params);
     bool SignalExecuteCallBack(MyAsyncDeviceExecContext* context);
     bool SignalExecuteScript_mStop();
-    bool SignalExecuteScriptEventCallBack(const QString& name, const MScriptParamList& params, MScriptCommonEvent* event);
+    bool SignalExecuteScriptEventCallBack(const QString& name, const MScriptParamList& params,
+                                          MScriptCommonEvent* event);
     void SignalLoadScriptCommandFinished();
     void SignalEvaluateScriptCommandFinished();
     void SignalEvaluateScriptFinished();
@@ -330,9 +331,9 @@ private:
     bool autoCompletion = true;
     std::recursive_mutex mutex; ///< guards the engine's state: every entry into the script takes it
 
-    QScriptEngine* engine = nullptr; ///< child of the device
-    ScriptSet live;                  ///< what the engine runs
-    ScriptSet stop;                  ///< what an analysis sees
+    QScriptEngine* engine = nullptr;      ///< child of the device
+    ScriptSet live;                       ///< what the engine runs
+    ScriptSet stop;                       ///< what an analysis sees
     MLockedList<MScriptCommand> commands; ///< the user commands with their ids
     QString setupScriptText;              ///< the script as the setup stores it; what Start runs
     QString setupScriptFileName;
@@ -347,14 +348,14 @@ private:
     std::unique_ptr<bool> scriptOptionRemoveDefaults;
     std::unique_ptr<bool> pendingRemoveDefaults;
     bool appliedRemoveDefaults = false;
-    MScriptMngRemote* remote = nullptr;               ///< owned
-    std::atomic<MCommandObject*> currentCommand{};    ///< during a command 3 only; written by whoever executes it
-    QScriptEngineDebugger* debugger = nullptr;        ///< child of the device
-    std::atomic<bool> debuggerContinue{false};        ///< script thread asks the tick to let the debugger go on
-    std::atomic<bool> debuggerAbort{false};           ///< Stop asks the tick to abort
-    std::atomic<bool> stopRequested{false};           ///< script thread asks the tick to finish a stop
+    MScriptMngRemote* remote = nullptr;            ///< owned
+    std::atomic<MCommandObject*> currentCommand{}; ///< during a command 3 only; written by whoever executes it
+    QScriptEngineDebugger* debugger = nullptr;     ///< child of the device
+    std::atomic<bool> debuggerContinue{false};     ///< script thread asks the tick to let the debugger go on
+    std::atomic<bool> debuggerAbort{false};        ///< Stop asks the tick to abort
+    std::atomic<bool> stopRequested{false};        ///< script thread asks the tick to finish a stop
     std::atomic<bool> threadStopDone{true};
-    std::atomic<QThread*> threadId{nullptr};          ///< the thread that owns the engine
+    std::atomic<QThread*> threadId{nullptr}; ///< the thread that owns the engine
     bool debuggerEnabled = false;
     std::atomic<bool> loadResult{false}; ///< results of the marshalled calls: written by the script thread
     std::atomic<bool> evaluateCommandResult{false};

@@ -25,7 +25,9 @@ ModuleShared::ModuleShared()
 
 ModuleShared::~ModuleShared() = default;
 
-ModuleShared* ModuleShared::Get() { return Instance().get(); }
+ModuleShared* ModuleShared::Get() {
+    return Instance().get();
+}
 
 ModuleShared& ModuleShared::Acquire() {
     if (!Instance())
@@ -33,4 +35,6 @@ ModuleShared& ModuleShared::Acquire() {
     return *Instance();
 }
 
-void ModuleShared::ReleaseLast() { Instance().reset(); }
+void ModuleShared::ReleaseLast() {
+    Instance().reset();
+}

@@ -16,8 +16,8 @@ using ScriptProperties = QList<QPair<QString, QString>>;
 struct MScriptVariable {
     IData* data = nullptr; ///< the host's value, not owned; null until bound
     QString name;
-    QString type;                                    ///< "IntegerData" and the like, or empty
-    QString valueType = QStringLiteral("String");    ///< "Integer", "Real" or "String"
+    QString type;                                 ///< "IntegerData" and the like, or empty
+    QString valueType = QStringLiteral("String"); ///< "Integer", "Real" or "String"
     QString value;
     QString defaultScriptValue;
     bool useDefaultScriptValue = true;

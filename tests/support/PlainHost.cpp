@@ -49,7 +49,9 @@ bool Value::WaitForHistory(std::size_t count, int deadlineMs) const {
     return WaitUntil(m_lock, m_changed, deadlineMs, [&] { return m_history.size() >= count; });
 }
 
-KXPCode Value::QueryInterface(const char* name, void** out) { return Answer(name, out, "IStringData", nullptr); }
+KXPCode Value::QueryInterface(const char* name, void** out) {
+    return Answer(name, out, "IStringData", nullptr);
+}
 
 KXPCode Value::SetProperty(const char* name, const char* value, std::uint32_t, std::uint32_t) {
     m_properties[name] = value;
@@ -69,13 +71,17 @@ void Value::ReleaseString(char** text) {
     --s_outstanding;
 }
 
-std::int32_t Value::GetIntValue() { return std::atoi(Text().c_str()); }
+std::int32_t Value::GetIntValue() {
+    return std::atoi(Text().c_str());
+}
 
 void Value::SetIntValue(std::int32_t value, std::uint32_t, std::uint32_t) {
     SetValueFromString(std::to_string(value).c_str(), 0, 0);
 }
 
-double Value::GetRealValue() { return std::atof(Text().c_str()); }
+double Value::GetRealValue() {
+    return std::atof(Text().c_str());
+}
 
 void Value::SetRealValue(double value, std::uint32_t, std::uint32_t) {
     SetValueFromString(std::to_string(value).c_str(), 0, 0);
@@ -104,7 +110,9 @@ KXPCode EnumValue::QueryInterface(const char* name, void** out) {
 
 Variables::Variables() = default;
 
-KXPCode Variables::QueryInterface(const char* name, void** out) { return Answer(name, out, "IDeviceVariables", this); }
+KXPCode Variables::QueryInterface(const char* name, void** out) {
+    return Answer(name, out, "IDeviceVariables", this);
+}
 
 IData* Variables::GetVariable(const char* name) {
     if (std::strcmp(name, "Status") == 0)
@@ -136,7 +144,9 @@ std::unique_ptr<Params> Params::ForFunction(const std::string& function, const s
     return params;
 }
 
-KXPCode Params::QueryInterface(const char* name, void** out) { return Answer(name, out, "IObjectParams", this); }
+KXPCode Params::QueryInterface(const char* name, void** out) {
+    return Answer(name, out, "IObjectParams", this);
+}
 
 KXPCode Params::SetProperty(const char* name, const char* value, std::uint32_t, std::uint32_t) {
     m_properties[name] = value;
@@ -166,7 +176,9 @@ int Context::Ended() const {
     return m_ended;
 }
 
-KXPCode Context::QueryInterface(const char* name, void** out) { return Answer(name, out, "IExecContext", this); }
+KXPCode Context::QueryInterface(const char* name, void** out) {
+    return Answer(name, out, "IExecContext", this);
+}
 
 KXPCode Context::Begin() {
     const std::lock_guard<std::mutex> guard(m_lock);

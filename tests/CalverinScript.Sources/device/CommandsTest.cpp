@@ -12,7 +12,8 @@ class Commands : public DeviceFixture {};
 using Texts = std::vector<std::string>;
 
 TEST_F(Commands, ExecuteFunctionWithParamsGivesTheTextOfTheReturnValue) {
-    GivenScript("({ Join: function(a, b) { return a + '-' + b }, Sum: function(a, b) { return Number(a) + Number(b) } })");
+    GivenScript(
+        "({ Join: function(a, b) { return a + '-' + b }, Sum: function(a, b) { return Number(a) + Number(b) } })");
     EXPECT_EQ(Call("Join", {"x", "y"}), "x-y");
     EXPECT_EQ(Call("Sum", {"1", "2"}), "3");
     EXPECT_EQ(Error(), "");
@@ -24,7 +25,8 @@ TEST_F(Commands, ArgumentsReachTheScriptAsStrings) {
 }
 
 TEST_F(Commands, AnEmptyTextIsPassedAndTheListEndsAtTheFirstNull) {
-    GivenScript("({ Count: function() { return arguments.length + ':' + Array.prototype.join.call(arguments, '|') } })");
+    GivenScript(
+        "({ Count: function() { return arguments.length + ':' + Array.prototype.join.call(arguments, '|') } })");
     EXPECT_EQ(Call("Count", {"", "b", ""}), "3:|b|");
     auto params = plain::Params::ForFunction("Count", {"a", "b", "c"});
     params->At(3).m_givesNullText = true;
@@ -255,8 +257,9 @@ TEST_F(Commands, APostponedResultStaysOpenUntilItIsSetAndIgnoresTheReturnValue) 
             }));
         engine->setProperty("remote", QVariant::fromValue(device->GetRemote()));
     });
-    WhenTextIsLoaded("({ id: 0, again: 1, Later: function() { this.id = postpone(); this.again = postpone(); return 'ignored' },"
-                     "   Other: function() { return 'free' } })");
+    WhenTextIsLoaded(
+        "({ id: 0, again: 1, Later: function() { this.id = postpone(); this.again = postpone(); return 'ignored' },"
+        "   Other: function() { return 'free' } })");
     auto params = plain::Params::ForFunction("Later", {});
     plain::Context context;
     ASSERT_EQ(Send(3, *params, &context), KXP_OK);

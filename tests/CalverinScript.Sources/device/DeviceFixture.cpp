@@ -8,7 +8,9 @@
 
 #include "HostText.h"
 
-void TestModule::GetConfigFilePath(char* buffer) { std::strncpy(buffer, configPath.c_str(), 1023); }
+void TestModule::GetConfigFilePath(char* buffer) {
+    std::strncpy(buffer, configPath.c_str(), 1023);
+}
 
 void DeviceFixture::MakeDevice() {
     module.host = host.Root();

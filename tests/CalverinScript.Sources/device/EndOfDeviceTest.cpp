@@ -12,10 +12,23 @@ class EndOfDevice : public DeviceFixture {
 protected:
     /// Sends a call whose function never returns and waits until it runs.
     void WhenItHangs(const std::string& body) {
-        GivenScript("({ Hang: function() { " + body + " } })");
+        TellWhenInside();
+        GivenScript("({ Hang: function() { inside(); " + body + " } })");
         hanging = plain::Params::ForFunction("Hang", {});
         ASSERT_EQ(Send(3, *hanging, &context), KXP_OK);
-        ASSERT_TRUE(variables.status.Plain().WaitFor("2"));
+        ASSERT_TRUE(inside.WaitFor("yes"));
+    }
+    /// Gives the script a function `inside` that tells the test that it runs.
+    void TellWhenInside() {
+        OnScriptThread([this] {
+            QScriptEngine* engine = device->GetEngine();
+            engine->setProperty("inside", QVariant::fromValue(static_cast<void*>(&inside)));
+            const auto tell = [](QScriptContext*, QScriptEngine* e) {
+                static_cast<plain::Value*>(e->property("inside").value<void*>())->SetValueFromString("yes", 0, 0);
+                return QScriptValue();
+            };
+            engine->globalObject().setProperty(QStringLiteral("inside"), engine->newFunction(tell));
+        });
     }
     /// Releases without a stop, which would wait for the script. @return milliseconds.
     qint64 Release() {
@@ -28,6 +41,7 @@ protected:
 
     std::unique_ptr<plain::Params> hanging;
     plain::Context context;
+    plain::Value inside{"inside"};
 };
 
 TEST_F(EndOfDevice, AScriptThatLoopsForeverIsEndedWithItAndItsRequestToo) {
@@ -44,10 +58,10 @@ TEST_F(EndOfDevice, AScriptThatCatchesEverythingInItsLoopIsEndedToo) {
 }
 
 TEST_F(EndOfDevice, ALoopAtTheTopLevelLetsStartReturn) {
-    device->SetSetupScript(QString(), QStringLiteral("while (true) {}"));
+    TellWhenInside();
+    device->SetSetupScript(QString(), QStringLiteral("inside(); while (true) {}"));
     std::thread starter([this] { device->Start(); });
-    while (!device->GetEngine()->isEvaluating()) {
-    }
+    ASSERT_TRUE(inside.WaitFor("yes"));
     device->Release();
     device = nullptr;
     starter.join();

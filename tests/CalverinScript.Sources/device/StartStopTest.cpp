@@ -38,11 +38,19 @@ TEST_F(StartStop, AReloadEndsTheOldScriptWithAReloadMark) {
 }
 
 TEST_F(StartStop, StopTellsThatItIsAStopAndKeepsTheEnginesState) {
-    GivenScript("({ _mStop: function(again) { left = 'stop ' + again } })");
+    GivenScript("left = ''; ({ _mStop: function(again) { left += 'stop ' + again + ';' } })");
     device->Stop();
     EXPECT_EQ(device->IsRunning(), KXP_NO);
+    QString kept;
+    OnScriptThread([&] { kept = device->GetEngine()->globalObject().property(QStringLiteral("left")).toString(); });
+    EXPECT_EQ(kept, QStringLiteral("stop false;"));
+}
+
+TEST_F(StartStop, AStartAfterAStopEndsTheOldScriptOnceMoreAsAReloadDoesAndThatIsMeant) {
+    GivenScript("left = ''; ({ _mStop: function(again) { left += 'stop ' + again + ';' } })");
+    device->Stop();
     GivenScript("({ Get: function() { return left } })");
-    EXPECT_EQ(Call("Get"), "stop false");
+    EXPECT_EQ(Call("Get"), "stop false;stop true;");
 }
 
 TEST_F(StartStop, AScriptThatFailsLeavesTheDeviceStarted) {

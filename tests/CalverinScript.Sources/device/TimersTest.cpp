@@ -5,9 +5,7 @@ namespace {
 /// Timers, changes and events as the bridge hands them to the device.
 class Timers : public DeviceFixture {
 protected:
-    QScriptValue Function(const char* name) {
-        return device->GetLiveSet().global.property(QString::fromLatin1(name));
-    }
+    QScriptValue Function(const char* name) { return device->GetLiveSet().global.property(QString::fromLatin1(name)); }
 };
 
 const char* const kCounter = "({ n: 0, Tick: function() { this.n++ }, Get: function() { return this.n },"
@@ -16,9 +14,7 @@ const char* const kCounter = "({ n: 0, Tick: function() { this.n++ }, Get: funct
 TEST_F(Timers, ATimeoutFiresOnceAndAnIntervalUntilItIsCleared) {
     GivenScript(kCounter);
     int interval = 0;
-    OnScriptThread([&] {
-        EXPECT_GT(device->SlotSetTimeout(Function("Tick"), 1), 0);
-    });
+    OnScriptThread([&] { EXPECT_GT(device->SlotSetTimeout(Function("Tick"), 1), 0); });
     for (int tries = 0; tries < 1000 && Call("Get") != "1"; ++tries) {
     }
     EXPECT_EQ(Call("Get"), "1");
