@@ -33,6 +33,8 @@ CodeEditor::CodeEditor(QWidget* parent)
     highlightCurrentLine();
 }
 
+CodeEditor::~CodeEditor() = default;
+
 void CodeEditor::CreateDocument() {
     auto* script = new QTextDocument(this);
     script->setDefaultFont(font());
@@ -54,6 +56,14 @@ void CodeEditor::ConnectSignals() {
     connect(this, &QPlainTextEdit::cursorPositionChanged, this, &CodeEditor::highlightCurrentLine);
 }
 
+QString CodeEditor::text() const {
+    return toPlainText();
+}
+
+void CodeEditor::setText(const QString& text) {
+    setPlainText(text);
+}
+
 void CodeEditor::zoomIn(int range) {
     QFont zoomed = font();
     const int size = zoomed.pointSize() + range;
@@ -61,6 +71,10 @@ void CodeEditor::zoomIn(int range) {
         return;
     zoomed.setPointSize(size);
     setFont(zoomed);
+}
+
+void CodeEditor::zoomOut(int range) {
+    zoomIn(-range);
 }
 
 int CodeEditor::lineNumberAreaWidth() const {

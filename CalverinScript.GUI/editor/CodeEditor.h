@@ -18,17 +18,18 @@ class CALVERIN_EDITOR_EXPORT CodeEditor : public QPlainTextEdit {
 
 public:
     explicit CodeEditor(QWidget* parent = nullptr);
+    ~CodeEditor() override;
 
     /// The completer is not owned. The editor makes itself its widget, takes it for a pop-up that ignores case, and
     /// inserts what is activated in it. Null takes the present one away.
     void setCompleter(QCompleter* completer);
-    QCompleter* completer() const { return m_completer; }
+    QCompleter* completer() const;
 
-    QString text() const { return toPlainText(); }
+    QString text() const;
 
     /// Adds points to the size of the font; a size below 1 leaves it alone.
     void zoomIn(int range);
-    void zoomOut(int range) { zoomIn(-range); }
+    void zoomOut(int range);
 
     /// In pixels: as wide as the number of the last line.
     int lineNumberAreaWidth() const;
@@ -36,7 +37,7 @@ public:
     void lineNumberAreaPaintEvent(QPaintEvent* event);
 
 public Q_SLOTS:
-    void setText(const QString& text) { setPlainText(text); }
+    void setText(const QString& text);
     /// Inserts at the caret, if the completer works for this editor; otherwise, and without a completer, does nothing.
     void SlotInsertText(const QString& text);
 

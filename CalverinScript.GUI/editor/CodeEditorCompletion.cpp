@@ -30,6 +30,10 @@ void CodeEditor::setCompleter(QCompleter* completer) {
     connect(completer, QOverload<const QModelIndex&>::of(&QCompleter::activated), this, &CodeEditor::insertCompletion);
 }
 
+QCompleter* CodeEditor::completer() const {
+    return m_completer;
+}
+
 void CodeEditor::SlotInsertText(const QString& text) {
     if (!m_completer || m_completer->widget() != this)
         return;

@@ -6,6 +6,8 @@ LineNumberArea::LineNumberArea(CodeEditor* editor)
     : QWidget(editor)
     , m_editor(editor) {}
 
+LineNumberArea::~LineNumberArea() = default;
+
 QSize LineNumberArea::sizeHint() const {
     return {m_editor->lineNumberAreaWidth(), 0};
 }

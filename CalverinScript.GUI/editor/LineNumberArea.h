@@ -11,6 +11,7 @@ class CALVERIN_EDITOR_EXPORT LineNumberArea : public QWidget {
 public:
     /// A child of the editor.
     explicit LineNumberArea(CodeEditor* editor);
+    ~LineNumberArea() override;
 
     QSize sizeHint() const override;
 

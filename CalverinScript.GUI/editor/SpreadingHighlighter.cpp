@@ -74,7 +74,6 @@ void SpreadingHighlighter::RunPass() {
     m_costLeft = kPassCost;
     while (IsSpreading() && m_costLeft > 0) {
         const QTextBlock block = TakeFirstWaiting();
-        ForgetState(block);
         m_inPass = true;
         m_mandatoryEnd = block.position() + block.length();
         rehighlightBlock(block);

@@ -43,8 +43,8 @@ private:
     QTextBlock TakeFirstWaiting();
     bool IsPassSpent();
 
-    /// Every line is in tune with the line before it, except those behind these places. A place's own line may still
-    /// hold the state of before the change. They are cursors, so that edits carry them along.
+    /// Every line is in tune with the state of the line before it. The lines at these places have new formats but still
+    /// their old state, with which the lines behind them are in tune. They are cursors, so that edits carry them along.
     std::vector<QTextCursor> m_waiting;
     QTimer m_nextPass;
     bool m_inPass = false;

@@ -64,6 +64,19 @@ TEST_P(ReturnKey, IsOneStepOfUndo) {
     EXPECT_EQ(Text(), "    ab|");
 }
 
+TEST_P(ReturnKey, CarriesTheIndentationOverABreakWithinTheLineToo) {
+    Given("  a|b");
+    Press(GetParam(), Qt::ShiftModifier);
+    EXPECT_EQ(Text(), "  a\n  |b");
+    EXPECT_EQ(m_editor.blockCount(), 1);
+}
+
+TEST_P(ReturnKey, InsertsTheIndentationAlsoWithControlThatBreaksNoLineAsIsMeant) {
+    Given("  a|b");
+    Press(GetParam(), Qt::ControlModifier);
+    EXPECT_EQ(Text(), "  a  |b");
+}
+
 INSTANTIATE_TEST_SUITE_P(Both, ReturnKey, ::testing::Values(Qt::Key_Return, Qt::Key_Enter));
 
 TEST_F(EditorKeys, TypePlainBracesBracketsAndQuotes) {

@@ -228,7 +228,8 @@ TEST(SpreadingHighlighterEnd, LetsTheHighlighterBeTakenToAnotherDocument) {
     QTextCursor(first.get()).insertText(QStringLiteral("/*"));
     highlighter.setDocument(second.get());
     second->setPlainText(QStringLiteral("{\n1"));
-    QTextCursor(first.get()).insertText(QStringLiteral("x"));
+    QTextCursor(first.get()).deleteChar();
+    EXPECT_EQ(second->firstBlock().userState(), 16);
     QTextCursor(second.get()).insertText(QStringLiteral("{"));
     EXPECT_EQ(second->lastBlock().userState(), 32);
     ASSERT_TRUE(WaitUntil([&] { return !highlighter.IsSpreading(); }));
