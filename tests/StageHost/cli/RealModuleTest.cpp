@@ -1,0 +1,195 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QJsonArray>
+
+#include "StageHostProcess.h"
+
+/// The program with the module beside it: what a technician does at the desk, from the command line.
+
+namespace {
+
+QString Text(const char* text) { return QString::fromUtf8(text); }
+
+class ScriptAtTheDesk : public testing::Test {
+protected:
+    void GivenScript(const char* text) { script = host.File(Text("script.js"), text); }
+
+    void Exec(const QStringList& functionAndArguments, const QStringList& options = {}) {
+        host.Run(options + QStringList{Text("exec"), script} + functionAndArguments);
+    }
+
+    void ThenResultIs(const char* result) {
+        EXPECT_EQ(host.Output().toStdString(), std::string(result) + "\n");
+        EXPECT_EQ(host.Errors().toStdString(), "");
+        EXPECT_EQ(host.ExitCode(), 0);
+    }
+
+    void ThenFails(int exitCode, const char* error) {
+        EXPECT_EQ(host.Errors().toStdString(), std::string(error) + "\n");
+        EXPECT_EQ(host.Output().toStdString(), "");
+        EXPECT_EQ(host.ExitCode(), exitCode);
+    }
+
+    StageHostProcess host;
+    QString script;
+};
+
+constexpr qint64 kSoon = 5000; // ms
+
+} // namespace
+
+TEST_F(ScriptAtTheDesk, GivesTheResultOfAFunction) {
+    GivenScript("({ add: function (a, b) { return Number(a) + Number(b); } })");
+    Exec({Text("add"), Text("2"), Text("-5")});
+    ThenResultIs("-3");
+}
+
+TEST_F(ScriptAtTheDesk, GivesArgumentsAsTextAsTheyAre) {
+    GivenScript("({ list: function () { return Array.prototype.join.call(arguments, '|'); } })");
+    Exec({Text("list"), Text("--x"), Text("-5"), {}, Text("a \"b\""), Text("\xC3\xA4"), Text("line\nfeed")});
+    ThenResultIs("--x|-5||a \"b\"|\xC3\xA4|line\nfeed||");
+}
+
+TEST_F(ScriptAtTheDesk, GivesAnEmptyLineForAFunctionThatReturnsNothing) {
+    GivenScript("({ quiet: function () {} })");
+    Exec({Text("quiet")});
+    ThenResultIs("");
+}
+
+TEST_F(ScriptAtTheDesk, WorksWithEveryLink) {
+    GivenScript("({ f: function () { return 'ok'; } })");
+    for (const char* link : {"newer", "older", "none"}) {
+        Exec({Text("f")}, {Text("--link"), Text(link)});
+        ThenResultIs("ok");
+    }
+}
+
+TEST_F(ScriptAtTheDesk, TellsWhatAFunctionThrows) {
+    GivenScript("({ boom: function () { throw new Error('bad thing'); } })");
+    Exec({Text("boom")});
+    ThenFails(1, "Script: bad thing");
+}
+
+TEST_F(ScriptAtTheDesk, TellsAMissingFunction) {
+    GivenScript("({ _hidden: function () { return 1; } })");
+    Exec({Text("nothing")});
+    ThenFails(1, "nothing: the script has no function of that name");
+    Exec({Text("_hidden")});
+    ThenFails(1, "_hidden: the script has no function of that name");
+}
+
+TEST_F(ScriptAtTheDesk, TellsAMistakeInTheScriptWithoutWaitingForTheDevice) {
+    GivenScript("var a = 1;\nvar b = ;\n");
+    Exec({Text("f")});
+    ThenFails(1, "Script: Uncaught exception at line 2, SyntaxError: Parse error");
+    EXPECT_LT(host.Milliseconds(), kSoon);
+    host.Run({Text("check"), script});
+    EXPECT_EQ(host.Output(), script + Text(":2: SyntaxError: Parse error\n"));
+    EXPECT_EQ(host.ExitCode(), 1);
+}
+
+TEST_F(ScriptAtTheDesk, ChecksAScriptThatThrowsAtItsTopLevel) {
+    GivenScript("\n\nthrow new Error('at top');");
+    host.Run({Text("check"), script});
+    EXPECT_EQ(host.Output(), script + Text(":3: Error: at top\n"));
+    GivenScript("({})");
+    host.Run({Text("check"), script});
+    EXPECT_EQ(host.Output(), script + Text(": ok\n"));
+    EXPECT_EQ(host.ExitCode(), 0);
+}
+
+TEST_F(ScriptAtTheDesk, IsNotHeldUpByAFunctionThatNeverReturns) {
+    GivenScript("({ hang: function () { while (true) {} } })");
+    Exec({Text("hang")}, {Text("--timeout"), Text("500")});
+    ThenFails(3, "no answer to \"Execute Function With Params\" within 500 ms");
+    EXPECT_LT(host.Milliseconds(), kSoon);
+}
+
+TEST_F(ScriptAtTheDesk, IsNotHeldUpByATopLevelThatNeverEnds) {
+    GivenScript("while (true) {}");
+    Exec({Text("f")}, {Text("--timeout"), Text("500")});
+    ThenFails(3, "no answer to \"Load From File\" within 500 ms");
+    EXPECT_LT(host.Milliseconds(), kSoon);
+    host.Run({Text("check"), Text("--timeout"), Text("500"), script});
+    EXPECT_EQ(host.ExitCode(), 3);
+}
+
+TEST_F(ScriptAtTheDesk, EndsThoughTheStopFunctionNeverReturns) {
+    GivenScript("({ f: function () { return 1; }, _mStop: function () { while (true) {} } })");
+    Exec({Text("f")});
+    ThenResultIs("1");
+    EXPECT_LT(host.Milliseconds(), kSoon);
+}
+
+TEST_F(ScriptAtTheDesk, ShowsTheLogOfTheDevice) {
+    GivenScript("({ f: function () { return 1; } })");
+    Exec({Text("f")}, {Text("--log")});
+    EXPECT_EQ(host.Output().toStdString(), "1\n");
+    EXPECT_TRUE(host.Errors().contains(Text("kxpCalverinScript [script] LoadScriptFromFile [post]: ")))
+        << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().contains(Text("kxpCalverinScript [script] LoadScriptFromFile [executed]: ")));
+    EXPECT_TRUE(host.Errors().contains(Text("ExecuteScriptFunctionWithParams [executed]: f, ")));
+}
+
+TEST_F(ScriptAtTheDesk, KeepsTheLogInAFile) {
+    GivenScript("({ f: function () { return 1; } })");
+    const QString log = host.Folder() + Text("/device.log");
+    Exec({Text("f")}, {Text("--log-file"), log});
+    ThenResultIs("1");
+    EXPECT_GT(QFileInfo(log).size(), 0);
+}
+
+TEST_F(ScriptAtTheDesk, ShowsVariablesAndDefinitionOfALoadedScript) {
+    GivenScript("({ first: function () {}, second: function (a) {} })");
+    host.Run({Text("variables"), Text("--json"), script, Text("script.ScriptFunctions"),
+              Text("script.CurrentScriptFileName")});
+    const QJsonArray variables = host.Json().value(Text("variables")).toArray();
+    ASSERT_EQ(variables.size(), 2);
+    EXPECT_EQ(variables.at(0).toObject().value(Text("value")).toString(), Text("first\nsecond\n"));
+    EXPECT_EQ(variables.at(1).toObject().value(Text("value")).toString(), script);
+    host.Run({Text("definition"), Text("--json"), script});
+    EXPECT_EQ(host.ExitCode(), 0);
+    const QJsonObject device = host.Json().value(Text("devices")).toArray().at(0).toObject();
+    EXPECT_GE(device.value(Text("commands")).toArray().size(), 4);
+    EXPECT_GE(device.value(Text("variables")).toArray().size(), 5);
+}
+
+TEST_F(ScriptAtTheDesk, GoesOnBehindALoadThatFailedAsExpected) {
+    host.File(Text("bad.js"), "throw 'no';");
+    host.File(Text("good.js"), "({ f: function () { return 'good'; } })");
+    const QString show = host.File(
+        Text("show.json"),
+        R"({"devices":[{"name":"desk"}],"steps":[)"
+        R"({"device":"desk","command":"Load From File","params":{"Script File Name":{"path":"bad.js"}},)"
+        R"("expect":{"error":"Script: Uncaught exception at line 1, no"}},)"
+        R"({"device":"desk","command":"Load From File","params":{"Script File Name":{"path":"good.js"}}},)"
+        R"({"device":"desk","command":3,"params":{"Script Function Name":"f"},"expect":{"result":"good"}}]})");
+    host.Run({Text("run"), show});
+    EXPECT_EQ(host.ExitCode(), 0) << host.Output().toStdString() << host.Errors().toStdString();
+}
+
+TEST_F(ScriptAtTheDesk, DrivesTwoDevicesOfOneShow) {
+    host.File(Text("a.js"), "var n = 0; ({ next: function () { return ++n; } })");
+    const QString show = host.File(
+        Text("show.json"), R"({"devices":[{"name":"left","script":"a.js"},{"name":"right","script":"a.js"}],"steps":[)"
+                           R"({"device":"left","command":3,"params":{"Script Function Name":"next"}},)"
+                           R"({"device":"left","command":3,"params":{"Script Function Name":"next"}},)"
+                           R"({"device":"right","command":3,"params":{"Script Function Name":"next"}}]})");
+    host.Run({Text("run"), Text("--json"), show});
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    const QJsonArray steps = host.Json().value(Text("steps")).toArray();
+    ASSERT_EQ(steps.size(), 3);
+    EXPECT_EQ(steps.at(1).toObject().value(Text("result")).toString(), Text("2"));
+    EXPECT_EQ(steps.at(2).toObject().value(Text("result")).toString(), Text("1"));
+}
+
+TEST(Examples, TheCueListPlaysToItsEnd) {
+    StageHostProcess host;
+    host.Run({Text("run"), Text(STAGEHOST_ROOT "/examples/cuelist/show.json")});
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Output().contains(Text("19:30:13.50  at once          cue 3.5  Thunder, far away")));
+    EXPECT_TRUE(host.Output().contains(Text("The show is over")));
+    EXPECT_EQ(host.Errors().toStdString(), "");
+    EXPECT_LT(host.Milliseconds(), kSoon);
+}
