@@ -47,7 +47,7 @@ int ReportProblem(const Options& options, const QString& file, const Failure& fa
 
 int CheckScript(const Options& options) {
     const QString& file = options.arguments.first();
-    if (const auto failure = CheckReadable(file))
+    if (auto failure = CheckReadable(file))
         return Fail(options.json, failure->exitCode, failure->text);
     Session session(options);
     auto failure = session.Open(ShowOfScript(file));

@@ -20,9 +20,9 @@ std::vector<ParameterInput> FunctionInputs(const QStringList& words) {
 }
 
 MaybeFailure Exec(Session& session, const QStringList& words, CommandOutcome& outcome) {
-    if (const auto failure = session.Open(ShowOfScript(words.first())))
+    if (auto failure = session.Open(ShowOfScript(words.first())))
         return failure;
-    if (const auto failure = session.Start())
+    if (auto failure = session.Start())
         return failure;
     Device& device = *session.Devices().front();
     auto failure =
@@ -35,7 +35,7 @@ MaybeFailure Exec(Session& session, const QStringList& words, CommandOutcome& ou
 } // namespace
 
 int ExecFunction(const Options& options) {
-    if (const auto failure = CheckReadable(options.arguments.first()))
+    if (auto failure = CheckReadable(options.arguments.first()))
         return Fail(options.json, failure->exitCode, failure->text);
     Session session(options);
     CommandOutcome outcome;

@@ -102,14 +102,14 @@ private:
 };
 
 MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
-    if (const auto failure = session.Open(show))
+    if (auto failure = session.Open(show))
         return failure;
     report.Begin();
     for (const auto& device : show.devices) {
         Device& made = *session.FindDevice(device.name);
-        if (const auto failure = session.StartDevice(made))
+        if (auto failure = session.StartDevice(made))
             return failure;
-        if (const auto failure = session.LoadScript(made, device))
+        if (auto failure = session.LoadScript(made, device))
             return Failure{failure->exitCode, QStringLiteral("%1: %2").arg(device.name, failure->text)};
         report.DeviceReady(device);
     }
@@ -130,7 +130,7 @@ MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
 
 int RunShow(const Options& options) {
     Show show;
-    if (const auto failure = ReadShow(options.arguments.first(), show))
+    if (auto failure = ReadShow(options.arguments.first(), show))
         return Fail(options.json, failure->exitCode, failure->text);
     Session session(options);
     ShowReport report(options, show);

@@ -20,15 +20,15 @@ MaybeFailure ReadInputs(const QStringList& words, std::vector<ParameterInput>& i
 
 MaybeFailure SendTo(Session& session, const Show& show, const QStringList& words, CommandOutcome& outcome, bool& sent) {
     std::vector<ParameterInput> inputs;
-    if (const auto failure = ReadInputs(words.mid(3), inputs))
+    if (auto failure = ReadInputs(words.mid(3), inputs))
         return failure;
     if (show.FindDevice(words.at(1)) == nullptr)
         return Failure{kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(words.at(1))};
-    if (const auto failure = session.Open(show))
+    if (auto failure = session.Open(show))
         return failure;
-    if (const auto failure = session.Start())
+    if (auto failure = session.Start())
         return failure;
-    const auto failure = session.Send(*session.FindDevice(words.at(1)), words.at(2), inputs, &outcome);
+    auto failure = session.Send(*session.FindDevice(words.at(1)), words.at(2), inputs, &outcome);
     sent = !failure || failure->exitCode != kExitBadUse;
     return failure;
 }
@@ -46,7 +46,7 @@ void PrintOutcome(const Options& options, const CommandOutcome& outcome) {
 
 int SendCommand(const Options& options) {
     Show show;
-    if (const auto failure = ReadShow(options.arguments.first(), show))
+    if (auto failure = ReadShow(options.arguments.first(), show))
         return Fail(options.json, failure->exitCode, failure->text);
     Session session(options);
     CommandOutcome outcome;

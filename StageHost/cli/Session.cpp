@@ -34,16 +34,16 @@ MaybeFailure Session::Open(const Show& show) {
     show_ = show;
     HostSettings settings = show.host;
     settings.link = options_.link;
-    if (const auto failure = PrepareLog(settings))
+    if (auto failure = PrepareLog(settings))
         return failure;
     host_ = std::make_unique<Host>(settings);
     pool_ = std::make_unique<WorkerPool>();
     for (const auto& variable : show.variables)
         host_->Variables().Add(MakeValue(variable));
-    if (const auto failure = LoadModule())
+    if (auto failure = LoadModule())
         return failure;
     for (const auto& device : show.devices) {
-        if (const auto failure = MakeDevice(device))
+        if (auto failure = MakeDevice(device))
             return failure;
     }
     return std::nullopt;
@@ -86,9 +86,9 @@ MaybeFailure Session::MakeDevice(const ShowDevice& described) {
 
 MaybeFailure Session::Start() {
     for (const auto& device : devices_) {
-        if (const auto failure = StartDevice(*device))
+        if (auto failure = StartDevice(*device))
             return failure;
-        if (const auto failure = LoadScript(*device, *show_.FindDevice(FromBorderText(device->Name()))))
+        if (auto failure = LoadScript(*device, *show_.FindDevice(FromBorderText(device->Name()))))
             return failure;
     }
     return std::nullopt;
@@ -113,7 +113,7 @@ MaybeFailure Session::LoadScript(Device& device, const ShowDevice& described) {
 
 MaybeFailure Session::LoadFile(Device& device, const QString& path) {
     ParameterInput file{"Script File Name", {}, {}};
-    if (const auto failure = PathForBorder(path, file.text))
+    if (auto failure = PathForBorder(path, file.text))
         return failure;
     CommandOutcome outcome;
     return Send(device, QStringLiteral("Load From File"), {file}, &outcome);
@@ -128,6 +128,8 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
     const QString problem = Device::CheckInputs(*found, inputs);
     if (!problem.isEmpty())
         return Failure{kExitBadUse, DeviceText(device, problem)};
+    if (device.MayHold())
+        PrintProblem(DeviceText(device, QStringLiteral("waiting until the device gives up the command that failed")));
     *outcome = device.Send(*found, inputs, options_.timeout);
     const int exitCode = ExitCodeOf(*outcome);
     if (exitCode == kExitOk)

@@ -94,11 +94,11 @@ void PrintDevice(Device& device) {
 }
 
 MaybeFailure OpenWithScripts(Session& session, const Show& show, bool withScripts) {
-    if (const auto failure = session.Open(show))
+    if (auto failure = session.Open(show))
         return failure;
     if (!withScripts)
         return std::nullopt;
-    const auto failure = session.Start();
+    auto failure = session.Start();
     for (const auto& device : session.Devices())
         device->RefreshDefinition();
     return failure;
@@ -110,11 +110,11 @@ int ShowDefinition(const Options& options) {
     Show show = ShowOfScript({});
     const bool named = !options.arguments.isEmpty();
     if (named) {
-        if (const auto failure = ReadShowOrScript(options.arguments.first(), show))
+        if (auto failure = ReadShowOrScript(options.arguments.first(), show))
             return Fail(options.json, failure->exitCode, failure->text);
     }
     Session session(options);
-    if (const auto failure = OpenWithScripts(session, show, named))
+    if (auto failure = OpenWithScripts(session, show, named))
         return session.Close(Fail(options.json, failure->exitCode, failure->text));
     QJsonArray devices;
     for (const auto& device : session.Devices()) {

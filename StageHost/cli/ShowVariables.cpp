@@ -52,9 +52,9 @@ void PrintVariables(const Options& options, const Variables& variables) {
 }
 
 MaybeFailure OpenAndChoose(Session& session, const Options& options, const Show& show, Variables& chosen) {
-    if (const auto failure = session.Open(show))
+    if (auto failure = session.Open(show))
         return failure;
-    if (const auto failure = session.Start())
+    if (auto failure = session.Start())
         return failure;
     return Choose(session, options.arguments.mid(1), chosen);
 }
@@ -63,7 +63,7 @@ MaybeFailure OpenAndChoose(Session& session, const Options& options, const Show&
 
 int ShowVariables(const Options& options) {
     Show show;
-    if (const auto failure = ReadShowOrScript(options.arguments.first(), show))
+    if (auto failure = ReadShowOrScript(options.arguments.first(), show))
         return Fail(options.json, failure->exitCode, failure->text);
     Session session(options);
     Variables chosen;

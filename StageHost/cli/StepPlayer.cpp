@@ -24,7 +24,7 @@ StepOutcome StepPlayer::Play(const ShowStep& step) {
 MaybeFailure StepPlayer::ReadInputs(const ShowStep& step, std::vector<ParameterInput>& inputs) {
     for (const auto& parameter : step.parameters) {
         ParameterInput input{ToBorderText(parameter.name), {}, {}};
-        if (const auto failure = ReadInput(parameter, input))
+        if (auto failure = ReadInput(parameter, input))
             return failure;
         inputs.push_back(std::move(input));
     }

@@ -66,6 +66,9 @@ public:
     /// @return false when something of it is still running: only leaving the process at once ends that.
     bool Shutdown(Milliseconds limit);
 
+    /// Whether the device may still hold a command that failed: the next one waits for that, some seconds long.
+    bool MayHold() const { return mayHold_; }
+
     const std::string& Name() const { return name_; }
     DeviceVariables& Variables() { return variables_; }
     std::shared_ptr<HostValue> Status() const { return variables_.Find("Status"); }
