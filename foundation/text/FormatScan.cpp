@@ -25,18 +25,32 @@ constexpr Conversion kConversions[] = {
 
 constexpr std::int32_t kHashSize = 2; // "0x"
 
-/// The walk itself, over a copy of the arguments.
+/// A copy of an argument list, read one by one.
+class ArgumentReader {
+public:
+    explicit ArgumentReader(va_list source) { va_copy(m_list, source); }
+    ~ArgumentReader() { va_end(m_list); }
+    ArgumentReader(const ArgumentReader&) = delete;
+    ArgumentReader& operator=(const ArgumentReader&) = delete;
+
+    template <class T>
+    T Take() {
+        return va_arg(m_list, T); // NOLINT(clang-analyzer-valist.Uninitialized): the analyzer loses the field
+    }
+
+private:
+    va_list m_list;
+};
+
+/// The walk itself.
 class Scanner {
 public:
     Scanner(const char* format, va_list arguments, TextArguments texts)
         : m_next(format)
-        , m_measureTexts(texts == TextArguments::Measure) {
-        va_copy(m_arguments, arguments);
+        , m_measureTexts(texts == TextArguments::Measure)
+        , m_arguments(arguments) {
         m_scan.length = static_cast<std::int64_t>(std::strlen(format)) + 1;
     }
-    ~Scanner() { va_end(m_arguments); }
-    Scanner(const Scanner&) = delete;
-    Scanner& operator=(const Scanner&) = delete;
 
     FormatScan Walk() {
         while (const char* percent = std::strchr(m_next, '%')) {
@@ -64,7 +78,7 @@ private:
     FormatScan m_scan;
     const char* m_next;
     const bool m_measureTexts;
-    va_list m_arguments;
+    ArgumentReader m_arguments;
 };
 
 // False when the walk cannot go on: what the following arguments are is not known.
@@ -99,7 +113,7 @@ bool Scanner::ReadConversion(const char* start) {
 std::int64_t Scanner::ReadColumns() {
     if (*m_next == '*') {
         ++m_next;
-        const std::int64_t columns = va_arg(m_arguments, int);
+        const std::int64_t columns = m_arguments.Take<int>();
         return columns < 0 ? -columns : columns; // a negative width means "to the left"
     }
     std::int64_t columns = 0;
@@ -139,21 +153,21 @@ std::int32_t Scanner::ReadModifiers() {
 std::int64_t Scanner::Consume(const Conversion& conversion, char letter, std::int32_t modifiers) {
     switch (conversion.argument) {
     case Argument::Char:
-        va_arg(m_arguments, int); // a wide character is passed in the same size
+        m_arguments.Take<int>(); // a wide character is passed in the same size
         break;
     case Argument::Integer:
         ConsumeInteger(modifiers);
         break;
     case Argument::Real:
         if ((modifiers & (kLongDouble | kLongLong)) != 0)
-            va_arg(m_arguments, long double);
+            m_arguments.Take<long double>();
         else
-            va_arg(m_arguments, double);
+            m_arguments.Take<double>();
         break;
     case Argument::Text:
         return ConsumeText(letter == 'S' || (modifiers & kLong) != 0);
     case Argument::Pointer:
-        va_arg(m_arguments, void*);
+        m_arguments.Take<void*>();
         break;
     case Argument::None:
         break;
@@ -163,15 +177,15 @@ std::int64_t Scanner::Consume(const Conversion& conversion, char letter, std::in
 
 void Scanner::ConsumeInteger(std::int32_t modifiers) {
     if ((modifiers & (kLongLong | kLongDouble | kSystemSize)) != 0)
-        va_arg(m_arguments, long long);
+        m_arguments.Take<long long>();
     else if ((modifiers & kLong) != 0)
-        va_arg(m_arguments, long);
+        m_arguments.Take<long>();
     else
-        va_arg(m_arguments, int);
+        m_arguments.Take<int>();
 }
 
 std::int64_t Scanner::ConsumeText(bool wide) {
-    const void* text = va_arg(m_arguments, const void*);
+    const void* text = m_arguments.Take<const void*>();
     if (!text || !m_measureTexts)
         return 1;
     const std::size_t length =

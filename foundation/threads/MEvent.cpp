@@ -1,36 +1,55 @@
 #include "MEvent.h"
 
+#include "WaitAddress.h"
+
 #include <chrono>
 
-// Notified under the mutex: a waiter cannot return, and so cannot destroy the event, before Set has left it.
+// Writes even when the event is set already: whoever resets it afterwards then sees what was done before this Set.
+// Nothing is touched after the exchange but the bare address, since a waiter may have destroyed the event.
 void MEvent::Set() {
-    const std::lock_guard<std::mutex> guard(m_mutex);
-    if (m_set)
-        return;
-    m_set = true;
-    ++m_generation;
-    m_wake.notify_all();
+    std::uint32_t before = m_state.load(std::memory_order_relaxed);
+    std::uint32_t after = 0;
+    do
+        after = (before & kSet) != 0 ? before : ((before + kGeneration) & ~kAwaited) | kSet;
+    while (!m_state.compare_exchange_weak(before, after, std::memory_order_acq_rel, std::memory_order_relaxed));
+    if (before != after && (before & kAwaited) != 0)
+        WakeAllOnAddress(&m_state);
 }
 
 void MEvent::Reset() {
-    const std::lock_guard<std::mutex> guard(m_mutex);
-    m_set = false;
+    m_state.fetch_and(~kSet, std::memory_order_acq_rel);
 }
 
 bool MEvent::IsSet() const {
-    const std::lock_guard<std::mutex> guard(m_mutex);
-    return m_set;
+    return (m_state.load(std::memory_order_acquire) & kSet) != 0;
 }
 
-// The generation lets a waiter through that was woken by a Set and finds a later Reset already done.
 bool MEvent::Wait(std::uint32_t timeoutMs) {
-    std::unique_lock<std::mutex> lock(m_mutex);
-    if (m_set || timeoutMs == 0)
-        return m_set;
-    const auto released = [this, generation = m_generation] { return m_set || m_generation != generation; };
-    if (timeoutMs == kInfinite) {
-        m_wake.wait(lock, released);
+    const std::uint32_t before = m_state.load(std::memory_order_acquire);
+    if ((before & kSet) != 0)
         return true;
+    return timeoutMs != 0 && SleepWhile(before, timeoutMs);
+}
+
+// The generation lets a waiter through that finds the Set which woke it already undone by a Reset.
+bool MEvent::SleepWhile(std::uint32_t before, std::uint32_t timeoutMs) {
+    using namespace std::chrono;
+    const auto end = steady_clock::now() + milliseconds(timeoutMs);
+    std::uint32_t state = before;
+    std::uint32_t leftMs = timeoutMs;
+    while (!Releases(state, before)) {
+        if ((state & kAwaited) == 0 &&
+            !m_state.compare_exchange_weak(state, state | kAwaited, std::memory_order_acq_rel,
+                                           std::memory_order_acquire))
+            continue;
+        WaitOnAddress(m_state, state | kAwaited, leftMs);
+        state = m_state.load(std::memory_order_acquire);
+        if (timeoutMs == kInfinite)
+            continue;
+        const auto now = steady_clock::now();
+        if (now >= end)
+            break;
+        leftMs = static_cast<std::uint32_t>(ceil<milliseconds>(end - now).count());
     }
-    return m_wake.wait_for(lock, std::chrono::milliseconds(timeoutMs), released);
+    return Releases(state, before);
 }

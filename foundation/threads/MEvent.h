@@ -2,9 +2,8 @@
 
 #include "SystemThread.h"
 
-#include <condition_variable>
+#include <atomic>
 #include <cstdint>
-#include <mutex>
 
 /// A manual-reset event: once set it lets every waiter through until it is reset.
 /// - A Set is never lost: whoever waits after it, and before the next Reset, passes at once.
@@ -16,7 +15,7 @@
 class MEvent {
 public:
     explicit MEvent(bool set = false)
-        : m_set(set) {}
+        : m_state(set ? kSet : 0) {}
 
     void Set();
     void Reset();
@@ -27,8 +26,14 @@ public:
     bool Wait(std::uint32_t timeoutMs = kInfinite);
 
 private:
-    mutable std::mutex m_mutex;
-    std::condition_variable m_wake;
-    bool m_set;                     // under m_mutex
-    std::uint64_t m_generation = 0; // number of Sets that changed m_set; under m_mutex
+    static constexpr std::uint32_t kSet = 1;
+    static constexpr std::uint32_t kAwaited = 2;    // somebody sleeps, so Set must call the system
+    static constexpr std::uint32_t kGeneration = 4; // the bits above count the Sets that changed something
+
+    static bool Releases(std::uint32_t state, std::uint32_t before) {
+        return (state & kSet) != 0 || state / kGeneration != before / kGeneration;
+    }
+    bool SleepWhile(std::uint32_t before, std::uint32_t timeoutMs);
+
+    std::atomic<std::uint32_t> m_state; // written by all; every change is one atomic step
 };
