@@ -28,26 +28,48 @@ protected:
 /// The older link. Text results are allocated by the host and given back with FreeText.
 class IManagerRemote : public IMInterface {
 public:
+    /// Opens a user screen. The meaning of position, left and top is the host's. @return 0, or a code of the host.  
+    /// [script]
     virtual KXPCode OpenUserScreen(const char* name, std::int32_t position, std::int32_t left, std::int32_t top) = 0;
+    /// Closes a user screen. @return 0, or a code of the host.   [script]
     virtual KXPCode CloseUserScreen(const char* name) = 0;
+    /// Shows a page of a user screen. @return 0, or a code of the host.   [script]
     virtual KXPCode GotoPage(const char* name, std::int32_t page) = 0;
+    /// Starts a task. @return 0, or a code of the host.   [script]
     virtual KXPCode StartTask(const char* task) = 0;
+    /// Pauses a task. @return 0, or a code of the host.   [script]
     virtual KXPCode PauseTask(const char* task) = 0;
+    /// Stops a task. The modes are the host's. @return 0, or a code of the host.   [script]
     virtual KXPCode StopTask(const char* task, std::int32_t mode) = 0;
+    /// Moves a task to a label. @return 0, or a code of the host.   [script]
     virtual KXPCode GotoLabel(const char* task, const char* label) = 0;
+    /// Moves a task to a line. @return 0, or a code of the host.   [script]
     virtual KXPCode GotoLine(const char* task, std::int32_t line) = 0;
+    /// Moves a task to a time, in the host's unit. @return 0, or a code of the host.   [script]
     virtual KXPCode GotoTime(const char* task, std::int32_t time) = 0;
+    /// Loads a show at a time, in the host's unit. @return 0, or a code of the host.   [script]
     virtual KXPCode LoadShow(const char* show, std::int32_t time) = 0;
     /// Binds the handler and registers it for the group. The handler stays owned by the module.   [script]
     virtual KXPCode RegisterGroup(IManagerRemoteHandler* handler, const char* group) = 0;
+    /// Ends all registrations of the handler. The result is not looked at.   [script]
     virtual KXPCode UnregisterGroup() = 0;
+    /// Lists the objects of a type below a parent. @param out the text, given back with FreeText. @return 0, or a
+    /// code of the host.   [script]
     virtual KXPCode GetObjectList(const char* parent, std::uint32_t type, char** out) = 0;
     virtual KXPCode Reserved14(void* argument) = 0;
     virtual KXPCode Reserved15(void* argument) = 0;
+    /// Sets a property of an object from a text. @return 0, or a code of the host.   [script]
     virtual KXPCode SetProperty(const char* object, const char* property, const char* value) = 0;
+    /// Sets a property of an object from a number. @return 0, or a code of the host.   [script]
     virtual KXPCode SetPropertyAsInt(const char* object, const char* property, std::int32_t value) = 0;
+    /// Reads a property of an object as a text. @param out the text, given back with FreeText. @return 0, or a code
+    /// of the host.   [script]
     virtual KXPCode GetProperty(const char* object, const char* property, char** out) = 0;
+    /// Reads a property of an object as a number. @param out the number, 0 on failure. @return 0, or a code of the
+    /// host.   [script]
     virtual KXPCode GetPropertyAsInt(const char* object, const char* property, std::int32_t* out) = 0;
+    /// Describes an object down to a depth. @param out the text, given back with FreeText. @return 0, or a code of
+    /// the host.   [script]
     virtual KXPCode GetObject(const char* object, std::uint16_t depth, char** out) = 0;
     /// Runs an action on an object and waits for it. @param parameters an XML text. @param out the result text.
     /// [script]
@@ -67,30 +89,54 @@ public:
     /// Binds the handler for changes. Stays owned by the module; null unbinds.   [script]
     virtual KXPCode SetHandler(IManagerRemoteHandler* handler) = 0;
     virtual KXPCode Reserved2(void* argument) = 0;
+    /// Registers the handler for changes in a group. @param options an XML text, empty for none.
+    /// @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode RegisterGroup(const char* group, const char* options, IExecContext* context, void* reserved) = 0;
+    /// Ends the registration for a group; null for the group granted to the device. @return 0 done, 21 goes on, or a
+    /// code of the host.   [script]
     virtual KXPCode UnregisterGroup(const char* group, IExecContext* context, void* reserved) = 0;
+    /// Opens a user screen. The meaning of position, left and top is the host's. @return 0 done, 21 goes on, or a
+    /// code of the host.   [script]
     virtual KXPCode OpenUserScreen(const char* name, std::int32_t position, std::int32_t left, std::int32_t top,
                                    IExecContext* context, void* reserved) = 0;
+    /// Closes a user screen. @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode CloseUserScreen(const char* name, IExecContext* context, void* reserved) = 0;
     /// The page is a decimal text here and a number on the older link.   [script]
     virtual KXPCode GotoPage(const char* name, const char* page, IExecContext* context, void* reserved) = 0;
+    /// Starts a task. @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode StartTask(const char* task, IExecContext* context, void* reserved) = 0;
+    /// Pauses a task. @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode PauseTask(const char* task, IExecContext* context, void* reserved) = 0;
+    /// Stops a task. The modes are the host's. @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode StopTask(const char* task, std::int32_t mode, IExecContext* context, void* reserved) = 0;
+    /// Moves a task to a label. @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode GotoLabel(const char* task, const char* label, IExecContext* context, void* reserved) = 0;
+    /// Moves a task to a line. @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode GotoLine(const char* task, std::int32_t line, IExecContext* context, void* reserved) = 0;
+    /// Moves a task to a time, in the host's unit. @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode GotoTime(const char* task, std::int32_t time, IExecContext* context, void* reserved) = 0;
+    /// Loads a show at a time, in the host's unit. @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode LoadShow(const char* show, std::int32_t time, IExecContext* context, void* reserved) = 0;
+    /// Lists the objects of a type below a parent. The list is the result text. @return 0 done, 21 goes on, or a
+    /// code of the host.   [script]
     virtual KXPCode GetObjectList(const char* parent, std::uint32_t type, IExecContext* context, void* reserved) = 0;
     virtual KXPCode Reserved16(void* argument) = 0;
     virtual KXPCode Reserved17(void* argument) = 0;
     virtual KXPCode Reserved18(void* argument) = 0;
+    /// Sets a property of an object from a text. @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode SetProperty(const char* object, const char* property, const char* value, IExecContext* context,
                                 void* reserved) = 0;
+    /// Sets a property of an object from a number. @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode SetPropertyAsInt(const char* object, const char* property, std::int32_t value,
                                      IExecContext* context, void* reserved) = 0;
+    /// Reads a property of an object as a text. The value is the result text, also when it is read as a number.
+    /// @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode GetProperty(const char* object, const char* property, IExecContext* context, void* reserved) = 0;
+    /// Describes an object down to a depth. The description is the result text. @return 0 done, 21 goes on, or a
+    /// code of the host.   [script]
     virtual KXPCode GetObject(const char* object, std::uint16_t depth, IExecContext* context, void* reserved) = 0;
+    /// Runs an action on an object. Parameters are an XML text; the answer is the result text. @return 0 done, 21
+    /// goes on, or a code of the host.   [script]
     virtual KXPCode Perform(const char* object, const char* action, const char* parameters, IExecContext* context,
                             void* reserved) = 0;
 
