@@ -28,7 +28,7 @@ protected:
 /// The older link. Text results are allocated by the host and given back with FreeText.
 class IManagerRemote : public IMInterface {
 public:
-    /// Opens a user screen. The meaning of position, left and top is the host's. @return 0, or a code of the host.  
+    /// Opens a user screen. The meaning of position, left and top is the host's. @return 0, or a code of the host.
     /// [script]
     virtual KXPCode OpenUserScreen(const char* name, std::int32_t position, std::int32_t left, std::int32_t top) = 0;
     /// Closes a user screen. @return 0, or a code of the host.   [script]
