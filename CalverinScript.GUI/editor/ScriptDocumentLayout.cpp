@@ -14,18 +14,14 @@ ScriptDocumentLayout::ScriptDocumentLayout(QTextDocument* document)
 
 // As many lines as before, and one around all that is new: so none was removed either.
 void ScriptDocumentLayout::NoteEdit(int from, int /*removed*/, int added) {
-    const int first = document()->findBlock(from).blockNumber();
-    const int last = document()->findBlock(from + added).blockNumber();
     const int lineCount = document()->blockCount();
-    m_editedLine = first == last && lineCount == m_lineCount ? first : -1;
+    m_isWithinLine = lineCount == m_lineCount && document()->findBlock(from) == document()->findBlock(from + added);
     m_lineCount = lineCount;
 }
 
+// The base adds up what went and what came to find the last line that changed; what came is enough if all of it is one.
 void ScriptDocumentLayout::documentChanged(int from, int removed, int added) {
-    const int line = std::exchange(m_editedLine, -1);
-    const QTextBlock block = document()->findBlock(from);
-    const int room = block.position() + block.length() - from;
-    if (line >= 0 && block.blockNumber() == line && added <= room)
+    if (std::exchange(m_isWithinLine, false))
         QPlainTextDocumentLayout::documentChanged(from, 0, std::max(added, 1));
     else
         QPlainTextDocumentLayout::documentChanged(from, removed, added);

@@ -15,8 +15,8 @@ protected:
 private:
     void NoteEdit(int from, int removed, int added);
 
-    /// The number of the line that the edit under way doesn't leave, or -1. Set by what the document tells of an edit, just
-    /// before the change comes here, widened by what a highlighter did in between.
-    int m_editedLine = -1;
+    /// Whether the edit under way stays within one line. Known from what the document tells of an edit just before the change
+    /// comes here, widened then by what a highlighter did in between.
+    bool m_isWithinLine = false;
     int m_lineCount = 0; ///< as it was after the last edit
 };

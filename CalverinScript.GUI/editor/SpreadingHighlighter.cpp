@@ -5,15 +5,6 @@
 
 #include <algorithm>
 
-namespace {
-
-/// The base class goes on to the next line when a line's state changes. No scan gives this state, so it always does.
-void ForgetState(QTextBlock block) {
-    block.setUserState(-1);
-}
-
-} // namespace
-
 // The base class is made without a document: its own answer to a change has to lie between the two of ours.
 SpreadingHighlighter::SpreadingHighlighter(QTextDocument* document)
     : QSyntaxHighlighter(static_cast<QObject*>(document)) {
@@ -47,8 +38,6 @@ void SpreadingHighlighter::BeginChange(int from, int removed, int added) {
     if (sender() != document())
         return;
     const QTextBlock last = document()->findBlock(from + added + (removed > 0 ? 1 : 0));
-    if (removed > 0 && last.isValid())
-        ForgetState(last);
     BeginPass(last.isValid() ? last.position() + last.length() : document()->characterCount());
 }
 

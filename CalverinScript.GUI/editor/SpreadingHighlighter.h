@@ -14,8 +14,7 @@
 /// A pass is bounded by its work and not by a clock, so that the same change is always done in the same passes. A full
 /// rehighlight() is done at once, as in the base class.
 ///
-/// It also mends two gaps of the base class: the line behind a removal is scanned anew even if the line that the
-/// removal joined keeps its state, and an edit that comes before the first highlighting of a document's text doesn't
+/// It also mends a gap of the base class: an edit that comes before the first highlighting of a document's text doesn't
 /// cancel that. [thread: that of the document]
 class SpreadingHighlighter : public QSyntaxHighlighter {
 public:
@@ -44,7 +43,8 @@ private:
     bool IsPassSpent();
 
     /// Every line is in tune with the state of the line before it. The lines at these places have new formats but still
-    /// their old state, with which the lines behind them are in tune. They are cursors, so that edits carry them along.
+    /// their old state, with which the lines behind them are in tune; lines that are joined keep the state of the last, so
+    /// that stays true. They are cursors, so that edits carry them along.
     std::vector<QTextCursor> m_waiting;
     QTimer m_nextPass;
     bool m_inPass = false;

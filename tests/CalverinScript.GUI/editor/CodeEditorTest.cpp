@@ -123,6 +123,17 @@ TEST_F(GutterTest, HasItsOwnColours) {
     EXPECT_GT(ink, 20);
 }
 
+TEST_F(GutterTest, IsWrittenInTheFontOfTheEditor) {
+    GivenLines(3);
+    m_editor.zoomIn(2);
+    ASSERT_TRUE(WaitUntil([this] { return LeftMargin() == WidthFor(1); }));
+    const QImage before = PaintedGutter();
+    QFont small = m_editor.font();
+    small.setPointSize(4);
+    m_editor.Gutter()->setFont(small);
+    EXPECT_EQ(PaintedGutter(), before);
+}
+
 TEST_F(GutterTest, PaintsANumberBesideEachLineAndNoneBelowTheLast) {
     GivenLines(3);
     const QImage image = PaintedGutter();

@@ -94,7 +94,12 @@ TEST_F(ScriptLayoutTest, KeepsTheScreenUpToDateThroughAnyEdits) {
 }
 
 TEST_F(ScriptLayoutTest, UsesTheFontOfTheEditorFromTheStart) {
-    EXPECT_EQ(m_editor.document()->defaultFont(), m_editor.font());
+    QWidget window;
+    QFont large = window.font();
+    large.setPointSize(30);
+    window.setFont(large);
+    const CodeEditor editor(&window);
+    EXPECT_EQ(editor.document()->defaultFont().pointSize(), 30);
     m_editor.zoomIn(3);
     EXPECT_EQ(m_editor.document()->defaultFont(), m_editor.font());
 }
