@@ -43,7 +43,7 @@ public:
             m_at = open + 1;
             if (SkipSection("!--", "-->") || SkipSection("![CDATA[", "]]>"))
                 continue;
-            const bool ok = StartsName() ? WalkTag(limits) : SkipUnknown();
+            const bool ok = StartsEndTag() ? SkipEndTag() : StartsName() ? WalkStartTag(limits) : SkipToEnd();
             if (!ok)
                 return false;
         }
@@ -65,22 +65,23 @@ private:
         return true;
     }
 
-    /// Whether the parser would take what starts here for an element or its end.
+    bool StartsEndTag() const { return m_at < m_end && *m_at == '/'; }
+
+    /// Whether the parser would take what starts here for an element.
     bool StartsName() const {
         const unsigned char c = m_at < m_end ? static_cast<unsigned char>(*m_at) : '\0';
-        return c == '/' || c == '_' || c >= 127 || std::isalpha(c) != 0;
+        return c == '_' || c >= 127 || std::isalpha(c) != 0;
     }
 
-    /// Declarations and what the parser calls unknown end at the first ">". Quotes around such a ">" are read by the
-    /// parser in some of them and not in others, so a text that depends on that is refused.
-    bool SkipUnknown() {
+    /// End tags, declarations and what the parser calls unknown end at the first ">". Quotes around such a ">" are read by
+    /// the parser in some of them and not in others, so a text that depends on that is refused. An end tag without an
+    /// element to end is unknown to the parser too.
+    bool SkipToEnd() {
         char quote = 0;
         for (; m_at < m_end; ++m_at) {
             const char c = *m_at;
-            if (c == '>' && quote != 0)
-                return false;
             if (c == '>')
-                return true;
+                return quote == 0;
             if (quote != 0)
                 quote = c == quote ? '\0' : quote;
             else if (c == '"' || c == '\'')
@@ -89,9 +90,13 @@ private:
         return true;
     }
 
-    /// Walks one tag up to its ">" outside quotes; every "=" outside quotes stands for an attribute.
-    bool WalkTag(const XmlLimits& limits) {
-        const bool closing = m_at < m_end && *m_at == '/';
+    bool SkipEndTag() {
+        m_depth -= m_depth > 0 ? 1 : 0;
+        return SkipToEnd();
+    }
+
+    /// Walks one start tag up to its ">" outside quotes; every "=" outside quotes stands for an attribute.
+    bool WalkStartTag(const XmlLimits& limits) {
         int attributes = 0;
         char quote = 0;
         char last = 0;
@@ -107,9 +112,7 @@ private:
                 return false;
             last = c;
         }
-        if (closing)
-            m_depth -= m_depth > 0 ? 1 : 0;
-        else if (last != '/')
+        if (last != '/')
             ++m_depth;
         return m_depth <= limits.depth;
     }
