@@ -10,7 +10,7 @@ class IMInterface;
 /// and in what the host says of its log. OpenLog and CloseLog belong to the host's main thread; everything else may
 /// come on any thread.
 
-/// Most characters that one log line can have; what is longer is cut.
+/// Size of one log line in bytes, its NUL included; what is longer is cut.
 constexpr int kLogLineSize = 1024;
 
 /// Reads the switches and, when they say so, loads the library and opens the log. An open log is closed first.

@@ -35,7 +35,7 @@ bool LogLibrary::Load(const std::string& besideFile) {
 }
 
 void LogLibrary::UnloadWhenUnused() {
-    if (!IsLoaded() || GetWriterCounter() > 0)
+    if (!IsLoaded() || GetWriterCounter() != 0)
         return;
     std::fill(std::begin(m_entries), std::end(m_entries), nullptr);
     m_library.Close();

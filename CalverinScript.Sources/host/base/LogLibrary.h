@@ -29,7 +29,7 @@ public:
     /// Loads the library that lies beside the given file, or else the one that the system finds by name.
     /// @return whether it is there with its four obligatory entries.
     bool Load(const std::string& besideFile);
-    /// Unloads the library and clears all entries when no writer is open in the process any more.
+    /// Unloads the library and clears all entries when it says that no writer is open in the process any more.
     void UnloadWhenUnused();
     bool IsLoaded() const { return m_entries[kInitialize] != nullptr; }
 
