@@ -1,5 +1,6 @@
 #include "PlainHost.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
@@ -215,9 +216,9 @@ std::uint32_t Host::GetLogSettings(std::uint32_t* enabled, std::uint32_t* writer
     *enabled = logEnabled;
     *writerId = logWriter;
     *levelBits = logLevelBits;
-    *option = 0;
-    std::strncpy(path, logPath.c_str(), KXP_LOG_PATH_SIZE - 1);
-    path[KXP_LOG_PATH_SIZE - 1] = '\0';
+    *option = logOption;
+    // A path that fills the buffer has no end: a module must cope with that.
+    std::memcpy(path, logPath.c_str(), std::min<std::size_t>(logPath.size() + 1, KXP_LOG_PATH_SIZE));
     return 0;
 }
 

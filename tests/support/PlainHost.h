@@ -191,6 +191,7 @@ public:
     std::uint32_t logEnabled = 0;
     std::uint32_t logWriter = 0;
     std::uint32_t logLevelBits = 0;
+    std::uint32_t logOption = 0;
     std::string logPath;
 
     KXPCode QueryInterface(const char* name, void** out) override;
