@@ -56,6 +56,11 @@ CommandWatch::~CommandWatch() {
     context_->Release();
 }
 
+void CommandWatch::StopLooking() {
+    statusObservation_.reset();
+    errorObservation_.reset();
+}
+
 CommandWatch::Verdict CommandWatch::Judge(std::chrono::steady_clock::time_point now) {
     const std::uint32_t state = context_->GetState();
     if (state == ExecContext::kEnded)

@@ -39,6 +39,9 @@ public:
     /// @param now the time at which the question is asked.   [host main, after the command was accepted]
     Verdict Judge(std::chrono::steady_clock::time_point now);
 
+    /// Ends the looking at the device's variables; the context stays.   [host main]
+    void StopLooking();
+
     /// How long an error must stand while the device is ready, where it may not be the last word: a command with a
     /// context may still end properly, one that has not begun may not be the one that failed.
     static constexpr std::chrono::milliseconds kGrace{250};

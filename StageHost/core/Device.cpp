@@ -92,6 +92,9 @@ CommandOutcome Device::Send(const CommandDefinition& command, const std::vector<
     CommandOutcome outcome = Await(*call, limit);
     outcome.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
     Complete(outcome, *call);
+    call->watch->StopLooking();
+    if (outcome.kind != CommandOutcome::Kind::NoAnswer && !mayHold_)
+        calls_.pop_back();
     return outcome;
 }
 

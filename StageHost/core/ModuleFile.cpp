@@ -22,7 +22,7 @@ QString ModuleFile::Load(const QString& path) {
         return QStringLiteral("there is no module file %1").arg(path);
     library_.setFileName(file.absoluteFilePath());
     const QString problem = FindModule(path);
-    if (!problem.isEmpty())
+    if (module_ == nullptr)
         return problem;
     module_->Initialize(host_.Root(), nullptr, nullptr);
     module_->SetDeviceHost(&host_);

@@ -132,3 +132,11 @@ TEST_F(CommandWatchTest, SurvivesVariablesThatChangeBehindItsEnd) {
     context->Release();
     EXPECT_EQ(status->Int(), 1);
 }
+
+TEST_F(CommandWatchTest, LooksAwayWhenItIsToldTo) {
+    GivenAWatch();
+    watch->StopLooking();
+    status->SetInt(2);
+    status->SetInt(0);
+    EXPECT_EQ(Now(), Verdict::Running);
+}
