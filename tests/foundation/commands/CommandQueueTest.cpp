@@ -58,6 +58,7 @@ TEST(CommandQueue, EachCommandLeavesExactlyOnce) {
     constexpr int kEach = 2000;
     std::atomic<int> taken{0};
     std::vector<std::thread> threads;
+    threads.reserve(3);
     for (int i = 0; i < 3; ++i)
         threads.emplace_back([&] {
             for (int n = 0; n < kEach; ++n)

@@ -100,6 +100,7 @@ TEST(MCommandObjectParam, ANullTextLeavesDataNullAndSizeZero) {
     EXPECT_EQ(param.GetData(), nullptr);
     EXPECT_EQ(param.GetSize(), 0U);
     EXPECT_STREQ(param.GetName(), "name");
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): copying is what is tested
     const MCommandObjectCharBufferParam copy(param);
     EXPECT_EQ(copy.GetData(), nullptr);
 }
@@ -111,12 +112,14 @@ TEST(MCommandObjectParam, BytesWithoutDataHaveSizeZero) {
     const MCommandObjectBYTEBufferParam empty("abc", 0);
     EXPECT_NE(empty.GetData(), nullptr);
     EXPECT_EQ(empty.GetSize(), 0U);
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): copying is what is tested
     const MCommandObjectBYTEBufferParam copyOfNone(none);
     EXPECT_EQ(copyOfNone.GetData(), nullptr);
 }
 
 TEST(MCommandObjectParam, ItIsMeantThatACopiedByteBufferStopsAtTheFirstZeroByte) {
     const MCommandObjectBYTEBufferParam source("ab\0cd", 5, "n");
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): copying is what is tested
     const MCommandObjectBYTEBufferParam copy(source);
     EXPECT_EQ(copy.GetSize(), 5U);
     EXPECT_EQ(Bytes(copy), std::string("ab\0\0\0", 5)) << "readable up to its size all the same";

@@ -322,6 +322,7 @@ TEST(MCommandObject, AssigningToItselfChangesNothing) {
 
 TEST(MCommandObject, EqualityIsIdentity) {
     const MCommandObject first(nullptr, 1);
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the copy is the other object
     const MCommandObject second(first);
     EXPECT_TRUE(first == first);
     EXPECT_FALSE(first == second);

@@ -181,6 +181,7 @@ TEST(MIObjectMap, ALockedMapMayBeUsedFromManyThreads) {
     MIObjectMap map(4, true);
     std::atomic<int> mistakes{0};
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (std::uint32_t t = 0; t < 4; ++t)
         threads.emplace_back([&, t] {
             for (std::uint32_t n = 0; n < 1000; ++n) {

@@ -93,7 +93,7 @@ public:
         , m_thread(this) {
         EXPECT_TRUE(m_thread.Start(true, kDeadlineMs));
     }
-    ~CommandThread() { Stop(); }
+    ~CommandThread() override { Stop(); }
     void Stop() {
         m_thread.Stop();
         m_manager.WakeCommandThread();
@@ -496,6 +496,7 @@ TEST(MyCommandManager, TheCommandThreadExecutesWhatManyThreadsPostInEachOnesOrde
     {
         CommandThread thread(manager);
         std::vector<std::thread> posters;
+        posters.reserve(kPosters);
         for (int p = 0; p < kPosters; ++p)
             posters.emplace_back([&, p] {
                 for (int n = 0; n < kEach; ++n)
@@ -536,6 +537,7 @@ TEST(MyCommandManager, EveryRequestEndsOnceWhenPostersWatchdogAndStopRace) {
             }
         });
         std::vector<std::thread> posters;
+        posters.reserve(3);
         for (int p = 0; p < 3; ++p)
             posters.emplace_back([&] {
                 for (int n = 0; n < 1000; ++n)

@@ -46,6 +46,7 @@ TEST(MyPostponedObject, IdsTakenOnManyThreadsAtTheWrapAreUniqueAndNotZero) {
     InterlockedCounter counter(-1000);
     std::vector<std::vector<std::uint32_t>> taken(4);
     std::vector<std::thread> threads;
+    threads.reserve(taken.size());
     for (auto& ids : taken)
         threads.emplace_back([&] {
             for (int n = 0; n < 1000; ++n)

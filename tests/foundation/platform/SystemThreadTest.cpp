@@ -85,6 +85,7 @@ TEST(SystemThread, ManyThreadsMayWaitForOne) {
     });
     std::atomic<int> joined{0};
     std::vector<std::thread> waiters;
+    waiters.reserve(4);
     for (int i = 0; i < 4; ++i)
         waiters.emplace_back([&] { joined += thread.Join(kDeadlineMs) ? 1 : 0; });
     go.Set();
@@ -112,18 +113,16 @@ TEST(SystemThread, DoesNotWaitForItself) {
 }
 
 TEST(SystemThread, ADetachedThreadRunsOnAndFreesWhatItHeld) {
-    MEvent go;
-    auto held = std::make_shared<int>(0);
-    const std::weak_ptr<int> watched = held;
-    SystemThread thread = SystemThread::Create([&go, held] {
-        go.Wait();
-        return static_cast<std::uint32_t>(*held);
+    auto go = std::make_shared<MEvent>();
+    const std::weak_ptr<MEvent> watched = go;
+    SystemThread thread = SystemThread::Create([held = go] {
+        held->Wait();
+        return 0U;
     });
-    held.reset();
     thread.Detach();
     EXPECT_FALSE(thread);
-    EXPECT_FALSE(watched.expired());
-    go.Set();
+    go->Set();
+    go.reset();
     EXPECT_TRUE(Eventually([&] { return watched.expired(); }));
 }
 

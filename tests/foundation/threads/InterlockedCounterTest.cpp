@@ -24,6 +24,7 @@ TEST(InterlockedCounter, WrapsAtBothEnds) {
 TEST(InterlockedCounter, LosesNothingBetweenThreads) {
     InterlockedCounter counter;
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([&] {
             for (int n = 0; n < 10000; ++n)

@@ -28,6 +28,7 @@ TEST(MEvent, LetsEveryWaiterThrough) {
     MEvent event;
     std::atomic<int> passed{0};
     std::vector<std::thread> waiters;
+    waiters.reserve(8);
     for (int i = 0; i < 8; ++i)
         waiters.emplace_back([&, i] { passed += event.Wait(i % 2 ? kInfinite : kDeadlineMs) ? 1 : 0; });
     event.Set();

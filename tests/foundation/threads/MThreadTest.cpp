@@ -245,6 +245,7 @@ TEST(MThread, AThreadWithAnyPriorityRuns) {
 TEST(MThread, StartStopAndWaitMayRaceOnManyThreads) {
     RunningItself thread;
     std::vector<std::thread> users;
+    users.reserve(4);
     for (int i = 0; i < 4; ++i)
         users.emplace_back([&, i] {
             for (int round = 0; round < 200; ++round) {

@@ -199,6 +199,7 @@ TEST(MThreadTimer, HandlersComeAndGoWhileItRuns) {
     timer.SetStackSize(0x2001);
     ASSERT_TRUE(timer.Start(false));
     std::vector<std::thread> users;
+    users.reserve(4);
     for (int i = 0; i < 4; ++i)
         users.emplace_back([&] {
             for (int round = 0; round < 50; ++round) {
