@@ -164,7 +164,7 @@ KXPCode MCalverinScript_Device::Stop() {
     ExecuteStopFunction();
     stopPending = false;
     threadStopDone = true;
-    if (engine->isEvaluating() && IsDebuggerActive()) {
+    if (entryDepth > 0 && IsDebuggerActive()) {
         threadStopDone = false;
         debuggerAbort = true;
     }

@@ -12,6 +12,7 @@
 #include "MarshalledCallTable.h"
 #include "MScriptThread.h"
 #include "ScriptEntry.h"
+#include "ScriptGlobals.h"
 
 static_assert(MarshalledCallTable::InOrder(), "the table follows the enumeration");
 
@@ -190,6 +191,7 @@ bool MCalverinScript_Device::EvaluateScriptCommand(const QString& text, bool sto
 
 bool MCalverinScript_Device::EvaluateScript(const QString& text, QScriptEngine* analysisEngine) {
     if (analysisEngine != nullptr) {
+        SetUpAnalysisGlobals(*analysisEngine);
         stop.engine = analysisEngine;
         const bool result = SlotEvaluateScript(text, true);
         stop.engine = nullptr;

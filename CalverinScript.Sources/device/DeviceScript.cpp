@@ -90,11 +90,12 @@ bool MCalverinScript_Device::Evaluate(ScriptSet& set, const QString& text, bool 
         Q_EMIT SignalShowDebugger();
         debuggerContinue = true;
     }
-    remote->UnregisterRootGroup();
-    if (registerAllUserGroups)
-        remote->RegisterRootGroup();
-    if (!stopMode)
+    if (!stopMode) {
+        remote->UnregisterRootGroup();
+        if (registerAllUserGroups)
+            remote->RegisterRootGroup();
         CleanupBeforeEvaluate();
+    }
     set.engine->pushContext();
     set.global = set.engine->evaluate(text, QStringLiteral(""), 1);
     set.engine->popContext();

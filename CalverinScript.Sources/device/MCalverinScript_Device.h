@@ -376,7 +376,8 @@ private:
     QVector<int> deferredTimers; ///< timers that fired while the script was running
     bool drainDeferred = false;  ///< a wake-up came while the script was running
     int abortTimer = 0;          ///< runs once the device is ending inside a script
-    int entryDepth = 0;          ///< entries into the script that are open on the engine's thread
+    std::atomic<int> entryDepth{
+        0}; ///< entries into the script that are open on the engine's thread, which alone writes it
 
     CompletionGate gate;
     ScriptInbox inbox;

@@ -13,11 +13,18 @@ void SetUpScriptGlobals(QScriptEngine& engine, MScriptMngRemote& remote) {
     engine.globalObject().setProperty(QStringLiteral("QCalverin"), wrapper, QScriptValue::KeepExistingFlags);
 }
 
+void SetUpAnalysisGlobals(QScriptEngine& engine) {
+    if (engine.findChild<MScriptMngRemote*>() != nullptr)
+        return;
+    auto* neutral = new MScriptMngRemote(nullptr, nullptr, nullptr, nullptr, &engine);
+    neutral->setParent(&engine);
+    SetUpScriptGlobals(engine, *neutral);
+}
+
 const QSet<QString>& BuiltInNames() {
     static const QSet<QString> names = [] {
         QScriptEngine engine;
-        MScriptMngRemote remote(nullptr, nullptr, nullptr, nullptr, &engine);
-        SetUpScriptGlobals(engine, remote);
+        SetUpAnalysisGlobals(engine);
         QSet<QString> found;
         QScriptValueIterator member(engine.globalObject());
         while (member.hasNext()) {

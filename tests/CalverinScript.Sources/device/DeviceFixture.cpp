@@ -4,7 +4,8 @@
 #include <future>
 
 #include <QFile>
-#include <QTimer>
+#include <QScriptEngine>
+#include <QThread>
 
 #include "HostText.h"
 
@@ -70,7 +71,23 @@ std::string DeviceFixture::Call(const std::string& function, const std::vector<s
     return context.WaitForEnd() ? params->At(1).Text() : "(no end)";
 }
 
+void DeviceFixture::TellWhenInside(plain::Value& inside) {
+    OnScriptThread([&] {
+        QScriptEngine* engine = device->GetEngine();
+        engine->setProperty("inside", QVariant::fromValue(static_cast<void*>(&inside)));
+        const auto tell = [](QScriptContext*, QScriptEngine* e) {
+            static_cast<plain::Value*>(e->property("inside").value<void*>())->SetValueFromString("yes", 0, 0);
+            return QScriptValue();
+        };
+        engine->globalObject().setProperty(QStringLiteral("inside"), engine->newFunction(tell));
+    });
+}
+
 void DeviceFixture::OnScriptThread(const std::function<void()>& work) {
+    if (device->thread() == QThread::currentThread()) {
+        work();
+        return;
+    }
     std::promise<void> done;
     QMetaObject::invokeMethod(
         device,

@@ -8,27 +8,18 @@
 
 namespace {
 
+/// A release grants a script 50 ms and anything else as much; the rest is for a busy machine.
+constexpr qint64 kPromptMs = 2000;
+
 class EndOfDevice : public DeviceFixture {
 protected:
     /// Sends a call whose function never returns and waits until it runs.
     void WhenItHangs(const std::string& body) {
-        TellWhenInside();
+        TellWhenInside(inside);
         GivenScript("({ Hang: function() { inside(); " + body + " } })");
         hanging = plain::Params::ForFunction("Hang", {});
         ASSERT_EQ(Send(3, *hanging, &context), KXP_OK);
         ASSERT_TRUE(inside.WaitFor("yes"));
-    }
-    /// Gives the script a function `inside` that tells the test that it runs.
-    void TellWhenInside() {
-        OnScriptThread([this] {
-            QScriptEngine* engine = device->GetEngine();
-            engine->setProperty("inside", QVariant::fromValue(static_cast<void*>(&inside)));
-            const auto tell = [](QScriptContext*, QScriptEngine* e) {
-                static_cast<plain::Value*>(e->property("inside").value<void*>())->SetValueFromString("yes", 0, 0);
-                return QScriptValue();
-            };
-            engine->globalObject().setProperty(QStringLiteral("inside"), engine->newFunction(tell));
-        });
     }
     /// Releases without a stop, which would wait for the script. @return milliseconds.
     qint64 Release() {
@@ -46,7 +37,7 @@ protected:
 
 TEST_F(EndOfDevice, AScriptThatLoopsForeverIsEndedWithItAndItsRequestToo) {
     WhenItHangs("while (true) {}");
-    EXPECT_LT(Release(), 100);
+    EXPECT_LT(Release(), kPromptMs);
     EXPECT_EQ(context.Ended(), 1);
     EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 0u);
     EXPECT_EQ(module.removed, 1);
@@ -54,11 +45,11 @@ TEST_F(EndOfDevice, AScriptThatLoopsForeverIsEndedWithItAndItsRequestToo) {
 
 TEST_F(EndOfDevice, AScriptThatCatchesEverythingInItsLoopIsEndedToo) {
     WhenItHangs("while (true) { try { while (true) {} } catch (e) {} }");
-    EXPECT_LT(Release(), 150);
+    EXPECT_LT(Release(), kPromptMs);
 }
 
 TEST_F(EndOfDevice, ALoopAtTheTopLevelLetsStartReturn) {
-    TellWhenInside();
+    TellWhenInside(inside);
     device->SetSetupScript(QString(), QStringLiteral("inside(); while (true) {}"));
     std::thread starter([this] { device->Start(); });
     ASSERT_TRUE(inside.WaitFor("yes"));
@@ -85,7 +76,7 @@ TEST_F(EndOfDevice, AStopThatWaitsForAHungCommandReturnsWhenTheDeviceIsReleased)
 
 TEST_F(EndOfDevice, AScriptThatCannotBeAbortedIsLeftAloneAndSweptWhenItEnds) {
     WhenItHangs("return new Array(40000000).join('ab').length");
-    EXPECT_LT(Release(), 300);
+    EXPECT_LT(Release(), kPromptMs);
     EXPECT_EQ(context.Ended(), 1);
     QElapsedTimer clock;
     clock.start();
@@ -98,7 +89,7 @@ TEST_F(EndOfDevice, WithTasksStillQueuedBehindAHungScriptTheyAreNotRun) {
     WhenItHangs("while (true) {}");
     for (int i = 0; i < 100; ++i)
         device->PostPropertyChange("a", "b", "c", false);
-    EXPECT_LT(Release(), 100);
+    EXPECT_LT(Release(), kPromptMs);
 }
 
 TEST_F(EndOfDevice, AThousandStartsAndStopsLeaveNothingBehind) {

@@ -145,6 +145,14 @@ TEST_F(Loading, InStopModeReportsFailuresToTheDialogsOnly) {
     EXPECT_EQ(Error(), "");
 }
 
+TEST_F(Loading, InStopModeKnowsTheSameGlobals) {
+    GivenScript("");
+    QScriptEngine engine;
+    EXPECT_TRUE(device->EvaluateScript(QStringLiteral("({ kind: typeof QCalverin })"), &engine));
+    EXPECT_EQ(device->GetStopSet().global.property(QStringLiteral("kind")).toString(), QStringLiteral("object"));
+    EXPECT_TRUE(device->EvaluateScript(QStringLiteral("({ kind: typeof QCalverin })"), &engine));
+}
+
 TEST(CommandFromFunction, NamesTheResultFirstAndThenTheParametersWithoutBlanks) {
     const MScriptCommand command =
         CommandFromFunction(QStringLiteral("F"), QStringLiteral("function F( a , bc,  d) { return (1); }"));
