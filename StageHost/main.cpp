@@ -15,13 +15,14 @@ using namespace stagehost;
 
 namespace {
 
-/// Without any display the windows that a module may make go nowhere instead of ending the program.
+/// Without a display, or with one that does not answer, the windows that a module may make go nowhere instead of ending
+/// the program.
 void ChoosePlatform() {
-    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-        if (!qEnvironmentVariableIsEmpty(variable))
-            return;
-    }
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return;
+    QByteArray platforms = qEnvironmentVariableIsEmpty("DISPLAY") ? "" : "xcb;";
+    platforms += qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? "" : "wayland;";
+    qputenv("QT_QPA_PLATFORM", platforms + "offscreen");
 }
 
 /// File names are UTF-8 where the locale says nothing better, as in a container without one.

@@ -15,7 +15,7 @@ std::vector<ParameterInput> FunctionInputs(const QStringList& words) {
     for (int index = 1; index < words.size(); ++index)
         inputs.push_back({"Param" + std::to_string(index), ToBorderText(words.at(index), &lost), {}});
     if (lost)
-        PrintProblem(QStringLiteral("note: a host carries Latin-1 text only; other characters became \"?\""));
+        PrintProblem(LostCharactersNote());
     return inputs;
 }
 

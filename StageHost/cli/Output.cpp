@@ -45,6 +45,10 @@ void PrintJson(const QJsonObject& object) {
     Write(stdout, QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented)));
 }
 
+QString LostCharactersNote() {
+    return QStringLiteral("note: a host carries Latin-1 text only; other characters became \"?\"");
+}
+
 int Fail(bool json, int exitCode, const QString& text) {
     PrintProblem(text);
     if (json)

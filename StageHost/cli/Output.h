@@ -19,6 +19,9 @@ void PrintLine(const QString& line);
 void PrintProblem(const QString& line); ///< to standard error
 void PrintJson(const QJsonObject& object);
 
+/// What is said when characters of a text were replaced on the way to the module.
+QString LostCharactersNote();
+
 /// Reports a failure: the text on standard error, and on standard output as JSON if that was asked for.
 /// @return the exit code, for the caller to pass on.
 int Fail(bool json, int exitCode, const QString& text);

@@ -60,8 +60,8 @@ public:
     Host& TheHost() { return *host_; }
 
     /// Stops and releases the devices, ends the module. When something in the module cannot be ended, the process is
-    /// left at once.
-    /// @return the exit code given, or that of "no answer" when it was 0 and a device could not be ended in time.
+    /// left at once, with the exit code given or, when that is 0, with that of "no answer".
+    /// @return the exit code given.
     int Close(int exitCode);
 
 private:

@@ -2,6 +2,7 @@
 
 #include "BorderText.h"
 #include "ExitCodes.h"
+#include "Output.h"
 #include "TextFile.h"
 
 namespace stagehost {
@@ -49,7 +50,10 @@ MaybeFailure StepPlayer::ReadInput(const ShowParameter& parameter, ParameterInpu
     const auto text = ReadText(show_.Path(parameter.text), &problem);
     if (!text)
         return Failure{kExitBadUse, problem};
-    input.text = ToBorderText(*text);
+    bool lost = false;
+    input.text = ToBorderText(*text, &lost);
+    if (lost)
+        PrintProblem(parameter.text + QStringLiteral(": ") + LostCharactersNote());
     return std::nullopt;
 }
 

@@ -137,6 +137,8 @@ void ShowReader::ReadDevice(const JsonNode& node) {
         member("name").Complain(QStringLiteral("another device has this name"));
     if (!member("script").IsMissing() && !member("scriptText").IsMissing())
         member("scriptText").Complain(QStringLiteral("the device has a \"script\" already"));
+    Border(member("scriptText"), device.scriptText);
+    Border(member("setup"), device.setup);
     if (!device.scriptFile.isEmpty() && !QFileInfo(show_.Path(device.scriptFile)).isFile())
         member("script").Complain(QStringLiteral("there is no file ") + Quoted(device.scriptFile));
     show_.devices.push_back(device);
@@ -175,7 +177,7 @@ void ShowReader::ReadParameter(const QString& name, const JsonNode& node, ShowSt
     if (node.IsObject() && !ReadReference(node, parameter))
         return;
     if (parameter.kind == Kind::Text)
-        parameter.text = node.Scalar();
+        Border(node, parameter.text = node.Scalar());
     step.parameters.push_back(parameter);
 }
 

@@ -335,6 +335,27 @@ TEST_F(CommandLine, RunBindsVariablesToParameters) {
     EXPECT_EQ(steps.at(1).toObject().value(Text("result")).toString(), first + Text("|||||||"));
 }
 
+TEST_F(CommandLine, RunSaysThatCharactersOfATextFileWereReplaced) {
+    host.File(Text("text.txt"), "5 \xE2\x82\xAC");
+    host.Run(List({"run"}) +
+             QStringList{Show(R"({"device":"desk","command":3,"expect":{"result":"5 ?|||||||"},)"
+                              R"("params":{"Script Function Name":"echo","Param1":{"file":"text.txt"}}})")});
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    EXPECT_EQ(host.Errors().count(Text("text.txt: note: a host carries Latin-1 text only")), 1);
+}
+
+TEST_F(CommandLine, ADisplayThatDoesNotAnswerIsNoObstacle) {
+    qputenv("DISPLAY", ":4077");
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    qunsetenv("QT_QPA_PLATFORM");
+    Exec("hello");
+    qunsetenv("DISPLAY");
+    qputenv("QT_QPA_PLATFORM", platform);
+    EXPECT_EQ(host.Output().toStdString(), "hello\n");
+    EXPECT_EQ(host.Errors().toStdString(), "");
+    EXPECT_EQ(host.ExitCode(), 0);
+}
+
 TEST_F(CommandLine, RunEndsAtTheFirstStepThatGoesOtherwiseThanExpected) {
     const QList<QPair<QByteArray, QString>> cases{
         {Step("hello", R"(,"expect":{"result":"bye"})"), Text("expected the result \"bye\", not \"hello\"")},

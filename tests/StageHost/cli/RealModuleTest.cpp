@@ -9,7 +9,9 @@
 
 namespace {
 
-QString Text(const char* text) { return QString::fromUtf8(text); }
+QString Text(const char* text) {
+    return QString::fromUtf8(text);
+}
 
 class ScriptAtTheDesk : public testing::Test {
 protected:
