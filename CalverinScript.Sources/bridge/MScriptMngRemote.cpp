@@ -28,6 +28,8 @@ MScriptMngRemote::MScriptMngRemote(IScriptDevice* scriptDevice, IManagerRemote* 
     , remote2(newerLink)
     , variableManager(variables)
     , engine(scriptEngine)
+    , syncContexts(std::make_shared<ContextRegistry<MyDeviceExecContext>>())
+    , asyncContexts(std::make_shared<ContextRegistry<MyAsyncDeviceExecContext>>())
     , postponedMap(kPostponedHashBits, true) {}
 
 MScriptMngRemote::~MScriptMngRemote() {
@@ -40,8 +42,8 @@ void MScriptMngRemote::OnDeviceStart() {
 }
 
 void MScriptMngRemote::EndContexts() {
-    EndAll(syncContexts);
-    EndAll(asyncContexts);
+    EndAll(*syncContexts);
+    EndAll(*asyncContexts);
 }
 
 void MScriptMngRemote::ReleaseScriptObjects() {
@@ -51,8 +53,10 @@ void MScriptMngRemote::ReleaseScriptObjects() {
 void MScriptMngRemote::Tick() {}
 
 void MScriptMngRemote::ReleaseAsyncContexts() {
-    for (MyAsyncDeviceExecContext* context : asyncContexts.TakeAll())
+    for (MyAsyncDeviceExecContext* context : asyncContexts->TakeAll()) {
+        context->ForgetHandler();
         context->Release();
+    }
 }
 
 template <typename Operation>

@@ -69,7 +69,7 @@ public:
     bool IsLiveObject(const MScriptCommonEvent* object) const;
 
     /// The list that asynchronous contexts join.   [script]
-    ContextRegistry<MyAsyncDeviceExecContext>& GetAsyncContexts() { return asyncContexts; }
+    const SharedContextRegistry<MyAsyncDeviceExecContext>& GetAsyncContexts() const { return asyncContexts; }
 
     // IManagerRemoteHandler
     KXPCode QueryInterface(const char* name, void** out) override;
@@ -98,8 +98,8 @@ private:
     IVariableManager* const variableManager;
     QScriptEngine* const engine;
 
-    ContextRegistry<MyDeviceExecContext> syncContexts;
-    ContextRegistry<MyAsyncDeviceExecContext> asyncContexts;
+    const SharedContextRegistry<MyDeviceExecContext> syncContexts;
+    const SharedContextRegistry<MyAsyncDeviceExecContext> asyncContexts;
 
     bool postponeAllowed = false; ///< under the device's command in execution: script, command
     std::atomic<MyPostponedObject*>

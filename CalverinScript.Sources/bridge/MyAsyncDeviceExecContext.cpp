@@ -1,14 +1,16 @@
 #include "MyAsyncDeviceExecContext.h"
 
+#include <utility>
+
 MyAsyncDeviceExecContext::MyAsyncDeviceExecContext(IAsyncDeviceExecContextHandler* doneHandler,
-                                                   ContextRegistry<MyAsyncDeviceExecContext>& liveContexts)
+                                                   SharedContextRegistry<MyAsyncDeviceExecContext> liveContexts)
     : asyncHandler(doneHandler)
-    , registry(liveContexts) {
-    registry.Add(this);
+    , registry(std::move(liveContexts)) {
+    registry->Add(this);
 }
 
 MyAsyncDeviceExecContext::~MyAsyncDeviceExecContext() {
-    registry.Remove(this);
+    registry->Remove(this);
 }
 
 KXPCode MyAsyncDeviceExecContext::End() {

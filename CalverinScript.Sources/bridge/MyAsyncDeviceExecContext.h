@@ -13,16 +13,19 @@ class MyAsyncDeviceExecContext : public QObject, public MDefaultDeviceExecContex
     Q_OBJECT
 
 public:
-    /// Joins the registry, which must outlive the context.
-    /// @param doneHandler borrowed until the first End; may be null.
+    /// Joins the registry.
+    /// @param doneHandler borrowed until the first End or ForgetHandler; may be null.
     MyAsyncDeviceExecContext(IAsyncDeviceExecContextHandler* doneHandler,
-                             ContextRegistry<MyAsyncDeviceExecContext>& liveContexts);
+                             SharedContextRegistry<MyAsyncDeviceExecContext> liveContexts);
     ~MyAsyncDeviceExecContext() override;
 
     /// Tells the handler at the first call; every later one, and the first without a handler, drops a reference.
     KXPCode End() override;
 
+    /// From now on nobody is told: the request has been given up, and an End that still comes drops a reference.   [any]
+    void ForgetHandler() { asyncHandler = nullptr; }
+
 private:
     std::atomic<IAsyncDeviceExecContextHandler*> asyncHandler; ///< taken by whoever ends first
-    ContextRegistry<MyAsyncDeviceExecContext>& registry;
+    const SharedContextRegistry<MyAsyncDeviceExecContext> registry;
 };

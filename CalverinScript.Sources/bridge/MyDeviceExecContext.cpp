@@ -1,13 +1,15 @@
 #include "MyDeviceExecContext.h"
 
-MyDeviceExecContext::MyDeviceExecContext(ContextRegistry<MyDeviceExecContext>& liveContexts)
+#include <utility>
+
+MyDeviceExecContext::MyDeviceExecContext(SharedContextRegistry<MyDeviceExecContext> liveContexts)
     : doneEvent(true)
-    , registry(liveContexts) {
-    registry.Add(this);
+    , registry(std::move(liveContexts)) {
+    registry->Add(this);
 }
 
 MyDeviceExecContext::~MyDeviceExecContext() {
-    registry.Remove(this);
+    registry->Remove(this);
 }
 
 KXPCode MyDeviceExecContext::Begin() {

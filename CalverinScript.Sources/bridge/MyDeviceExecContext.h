@@ -9,8 +9,8 @@
 /// is not waited for.
 class MyDeviceExecContext : public MDefaultDeviceExecContext {
 public:
-    /// Joins the registry, which must outlive the context.
-    explicit MyDeviceExecContext(ContextRegistry<MyDeviceExecContext>& liveContexts);
+    /// Joins the registry.
+    explicit MyDeviceExecContext(SharedContextRegistry<MyDeviceExecContext> liveContexts);
     ~MyDeviceExecContext() override;
 
     KXPCode Begin() override;
@@ -21,5 +21,5 @@ public:
 
 private:
     MEvent doneEvent;
-    ContextRegistry<MyDeviceExecContext>& registry;
+    const SharedContextRegistry<MyDeviceExecContext> registry;
 };
