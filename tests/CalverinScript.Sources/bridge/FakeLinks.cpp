@@ -1,0 +1,49 @@
+#include "FakeLinks.h"
+
+#include "HostText.h"
+
+namespace {
+
+std::string Shown(const char* text) {
+    return text != nullptr ? text : "-";
+}
+
+} // namespace
+
+KXPCode FakeRemote2::Note(const std::string& call, IExecContext* context) {
+    calls.push_back(call);
+    lastContext = context;
+    if (onCall)
+        onCall(QueryFace<IExecContext2>(context, "IExecContext2"));
+    return code;
+}
+
+KXPCode FakeRemote2::SetHandler(IManagerRemoteHandler* newHandler) {
+    handler = newHandler;
+    calls.emplace_back("SetHandler");
+    return KXP_OK;
+}
+
+KXPCode FakeRemote2::RegisterGroup(const char* group, const char* options, IExecContext* context, void* reserved) {
+    return Note("RegisterGroup|" + Shown(group) + "|" + Shown(options) + (reserved != nullptr ? "|reserved" : ""),
+                context);
+}
+
+KXPCode FakeRemote2::UnregisterGroup(const char* group, IExecContext* context, void* reserved) {
+    return Note("UnregisterGroup|" + Shown(group) + (reserved != nullptr ? "|reserved" : ""), context);
+}
+
+KXPCode FakeRemote::RegisterGroup(IManagerRemoteHandler* newHandler, const char* group) {
+    handler = newHandler;
+    return Note("RegisterGroup|" + Shown(group));
+}
+
+void FakeScriptDevice::PostPropertyChange(const char* object, const char* property, const char* value,
+                                          bool objectFollows) {
+    changes.push_back(Shown(object) + "|" + Shown(property) + "|" + Shown(value) + (objectFollows ? "|1" : "|0"));
+}
+
+void FakeScriptDevice::WriteCommandResult(MCommandObject* command, const QString& text) {
+    resultCommand = command;
+    results.push_back(ToHostText(text).toStdString());
+}

@@ -1,0 +1,123 @@
+#include "MyAsyncDeviceExecContext.h"
+
+#include <atomic>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class DoneWatcher : public IAsyncDeviceExecContextHandler {
+public:
+    virtual ~DoneWatcher() = default;
+    void OnAsyncContextDone(MyAsyncDeviceExecContext* context) override {
+        last = context;
+        ++count;
+    }
+    std::atomic<MyAsyncDeviceExecContext*> last{nullptr};
+    std::atomic<int> count{0};
+};
+
+class AsyncContext : public testing::Test {
+protected:
+    void TearDown() override { EXPECT_TRUE(registry->IsEmpty()); }
+    MyAsyncDeviceExecContext* Make(IAsyncDeviceExecContextHandler* handler) {
+        return new MyAsyncDeviceExecContext(handler, registry);
+    }
+    bool Lives(MyAsyncDeviceExecContext* context) const { return registry->Contains(context); }
+
+    DoneWatcher watcher;
+    SharedContextRegistry<MyAsyncDeviceExecContext> registry =
+        std::make_shared<ContextRegistry<MyAsyncDeviceExecContext>>();
+};
+
+TEST_F(AsyncContext, IsInItsRegistryWhileItLives) {
+    auto* context = Make(&watcher);
+    EXPECT_TRUE(Lives(context));
+    context->Release();
+    EXPECT_FALSE(Lives(context));
+}
+
+TEST_F(AsyncContext, TellsItsHandlerOfTheFirstEndAndKeepsItsReferences) {
+    auto* context = Make(&watcher);
+    EXPECT_EQ(context->End(), KXP_OK);
+    EXPECT_EQ(watcher.count, 1);
+    EXPECT_EQ(watcher.last, context);
+    EXPECT_TRUE(Lives(context));
+    context->Release();
+}
+
+TEST_F(AsyncContext, DropsAReferenceAtTheSecondEndInsteadOfTellingAgain) {
+    auto* context = Make(&watcher);
+    context->AddRef();
+    context->End();
+    context->End();
+    EXPECT_EQ(watcher.count, 1);
+    EXPECT_TRUE(Lives(context));
+    context->End();
+    EXPECT_EQ(watcher.count, 1);
+    EXPECT_FALSE(Lives(context));
+}
+
+TEST_F(AsyncContext, WithoutAHandlerDropsAReferenceAtItsEnd) {
+    auto* context = Make(nullptr);
+    context->End();
+    EXPECT_FALSE(Lives(context));
+}
+
+TEST_F(AsyncContext, WhoseHandlerWasForgottenDropsAReferenceAtItsEnd) {
+    auto* context = Make(&watcher);
+    context->ForgetHandler();
+    context->End();
+    EXPECT_EQ(watcher.count, 0);
+    EXPECT_FALSE(Lives(context));
+}
+
+TEST_F(AsyncContext, LeavesItsStateAloneAtItsEnd) {
+    auto* context = Make(&watcher);
+    context->End();
+    EXPECT_EQ(context->GetState(), 0u);
+    context->Release();
+    context = Make(&watcher);
+    context->Begin();
+    context->End();
+    EXPECT_EQ(context->GetState(), 1u);
+    context->Release();
+}
+
+TEST_F(AsyncContext, EndedOnManyThreadsAtOnceTellsItsHandlerOnce) {
+    constexpr int kThreads = 4;
+    for (int round = 0; round < 200; ++round) {
+        watcher.count = 0;
+        auto* context = Make(&watcher);
+        for (int i = 1; i < kThreads; ++i)
+            context->AddRef();
+        std::vector<std::thread> threads;
+        threads.reserve(kThreads);
+        for (int i = 0; i < kThreads; ++i)
+            threads.emplace_back([context] { context->End(); });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(watcher.count, 1);
+        ASSERT_TRUE(Lives(context));
+        context->Release();
+        ASSERT_FALSE(Lives(context));
+    }
+}
+
+TEST_F(AsyncContext, MayBeEndedByAHostAfterTheDeviceIsGone) {
+    auto* context = Make(&watcher);
+    context->AddRef();
+    context->ForgetHandler();
+    context->Release();
+    std::weak_ptr<ContextRegistry<MyAsyncDeviceExecContext>> watched = registry;
+    registry = std::make_shared<ContextRegistry<MyAsyncDeviceExecContext>>();
+    context->SetResultText("late");
+    context->End();
+    EXPECT_TRUE(watched.expired());
+    EXPECT_EQ(watcher.count, 0);
+}
+
+} // namespace
