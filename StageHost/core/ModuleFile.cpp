@@ -21,7 +21,7 @@ QString ModuleFile::Load(const QString& path) {
     if (!file.isFile())
         return QStringLiteral("there is no module file %1").arg(path);
     library_.setFileName(file.absoluteFilePath());
-    const QString problem = FindModule(path);
+    QString problem = FindModule(path);
     if (module_ == nullptr)
         return problem;
     module_->Initialize(host_.Root(), nullptr, nullptr);
