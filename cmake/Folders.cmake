@@ -42,6 +42,6 @@ function(calverin_test name)
         endif()
         add_test(NAME ${test_name} COMMAND ${name} --gtest_brief=1)
         set_tests_properties(${test_name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} ENVIRONMENT
-            "GTEST_TOTAL_SHARDS=${TEST_SHARDS};GTEST_SHARD_INDEX=${shard};${TEST_ENVIRONMENT}")
+            "GTEST_TOTAL_SHARDS=${TEST_SHARDS};GTEST_SHARD_INDEX=${shard};${CALVERIN_SANITIZER_ENVIRONMENT};${TEST_ENVIRONMENT}")
     endforeach()
 endfunction()

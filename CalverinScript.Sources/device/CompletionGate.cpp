@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <chrono>
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QEventLoop>
-#include <QMetaObject>
 
 namespace {
 
 /// The loop lives on another thread; it quits when it next looks at its events, or at once when it starts.
 void QuitLater(QEventLoop* loop) {
-    QMetaObject::invokeMethod(loop, &QEventLoop::quit, Qt::QueuedConnection);
+    QCoreApplication::postEvent(loop, new QEvent(QEvent::Quit));
 }
 
 } // namespace

@@ -213,7 +213,7 @@ bool MCalverinScript_Device::EndScriptThread() {
     }
     WakeScriptThread();
     scriptThread->quit();
-    const bool ended = scriptThread->wait(kThreadEndMs);
+    const bool ended = scriptThread->wait(kThreadEndMs) && threadLeft;
     abandoned = !ended;
     gate.Abandon();
     return ended;
@@ -239,7 +239,8 @@ void MCalverinScript_Device::LeaveHost() {
 std::size_t MCalverinScript_Device::SweepAbandoned() {
     std::vector<MCalverinScript_Device*>& devices = AbandonedDevices();
     const auto over = [](MCalverinScript_Device* device) {
-        const bool threadEnded = device->scriptThread == nullptr || device->scriptThread->isFinished();
+        const bool threadEnded =
+            device->scriptThread == nullptr || (device->scriptThread->isFinished() && device->threadLeft);
         if (!threadEnded || device->hostCalls.Read() != 0)
             return false;
         delete device;

@@ -57,6 +57,7 @@ void MCalverinScript_Device::OnScriptThreadStarted(MScriptThread* thread) {
 void MCalverinScript_Device::OnScriptThreadEnding() {
     ClearTimers();
     moveToThread(homeThread);
+    threadLeft = true;
 }
 
 /// Each request signal only leaves a task in the inbox, on the emitting thread, so that requests run in order, never inside

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include <QHash>
 #include <QObject>
@@ -125,6 +126,9 @@ public:
     /// Calls _mStop, if the script has one, and waits 25 ms at most.   [any]
     bool ExecuteStopFunction();
 
+    /// Leaves a task for the script thread. It runs outside the script, behind what was left before it.
+    /// @return false when the device is ending.   [any]
+    bool PostTask(ScriptInbox::Task task) { return inbox.Post(std::move(task)); }
     /// Delivers an event of a script object to its listener, later. Does nothing without both pointers. @return 1.   [any]
     int PostScriptEvent(const QString& name, const MScriptParamList* params, MScriptCommonEvent* event);
 
@@ -381,6 +385,7 @@ private:
 
     CompletionGate gate;
     ScriptInbox inbox;
+    std::atomic<bool> threadLeft{false}; ///< set by the script thread when it touches the device no more
     std::atomic<bool> ending{false};    ///< set once by Release: nothing enters the script any more
     std::atomic<bool> abandoned{false}; ///< set once by Release: the script would not end
     InterlockedCounter hostCalls;       ///< host calls that are inside the device

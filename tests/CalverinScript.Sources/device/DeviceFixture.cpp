@@ -89,13 +89,10 @@ void DeviceFixture::OnScriptThread(const std::function<void()>& work) {
         return;
     }
     std::promise<void> done;
-    QMetaObject::invokeMethod(
-        device,
-        [&] {
-            work();
-            done.set_value();
-        },
-        Qt::QueuedConnection);
+    ASSERT_TRUE(device->PostTask([&] {
+        work();
+        done.set_value();
+    }));
     ASSERT_EQ(done.get_future().wait_for(std::chrono::milliseconds(plain::kDeadlineMs)), std::future_status::ready);
 }
 
