@@ -56,6 +56,8 @@ void MCalverinScript_Device::OnScriptThreadStarted(MScriptThread* thread) {
 
 void MCalverinScript_Device::OnScriptThreadEnding() {
     ClearTimers();
+    if (abortTimer != 0)
+        killTimer(abortTimer);
     moveToThread(homeThread);
     threadLeft = true;
 }

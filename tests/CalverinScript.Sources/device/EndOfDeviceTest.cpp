@@ -120,7 +120,7 @@ TEST_F(EndOfDevice, AThousandStartsAndStopsLeaveNothingBehind) {
     cycles(1000);
     EXPECT_EQ(count("Threads:"), threads);
     EXPECT_EQ(descriptors(), open);
-    EXPECT_LT(count("VmRSS:"), memory + 4096) << "kB; before: " << memory;
+    EXPECT_LT(count("VmRSS:"), memory + MEMORY_ALLOWANCE_KB) << "kB; before: " << memory;
 }
 
 } // namespace
