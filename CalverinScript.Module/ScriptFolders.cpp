@@ -1,5 +1,6 @@
 #include "ScriptFolders.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -17,6 +18,15 @@ namespace {
 bool IsFolder(const fs::directory_entry& entry) {
     std::error_code error;
     return entry.is_directory(error) && !entry.is_symlink(error);
+}
+
+/// Whether a path lies below a folder: a copy there would find itself again and again.
+bool LiesBelow(const char* path, const char* folder) {
+    std::error_code error;
+    const fs::path inner = fs::weakly_canonical(path, error);
+    const fs::path outer = fs::weakly_canonical(folder, error);
+    return !error && !outer.empty() &&
+           std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first == outer.end();
 }
 
 bool CopyEntry(const fs::directory_entry& entry, const fs::path& target, bool stopOnError, bool overwrite) {
@@ -45,7 +55,7 @@ std::string Below(const char* folder, const char* name) {
 } // namespace
 
 bool CopyFolder(const char* source, const char* target, bool stopOnError, bool overwrite) {
-    if (source == nullptr || target == nullptr || qstricmp(source, target) == 0)
+    if (source == nullptr || target == nullptr || qstricmp(source, target) == 0 || LiesBelow(target, source))
         return false;
     std::error_code error;
     if (!fs::create_directory(target, error) || error)
@@ -58,9 +68,11 @@ bool CopyFolder(const char* source, const char* target, bool stopOnError, bool o
 }
 
 bool RemoveFolder(const char* path, bool stopOnError) {
-    if (path == nullptr || *path == '\0')
-        return false;
     std::error_code error;
+    if (path == nullptr || !fs::is_directory(path, error))
+        return false;
+    if (fs::remove(path, error))
+        return true;
     fs::directory_iterator entry(path, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         std::error_code failure;
@@ -69,7 +81,7 @@ bool RemoveFolder(const char* path, bool stopOnError) {
         if (!removed && stopOnError)
             return false;
     }
-    return fs::is_directory(fs::symlink_status(path, error)) && fs::remove(path, error);
+    return fs::remove(path, error);
 }
 
 std::string FindScriptsFolder(IFolderManager* folders, const std::string& fallback) {
