@@ -1,33 +1,11 @@
-#include <dlfcn.h>
-
 #include <gtest/gtest.h>
 
+#include "LoadedModule.h"
 #include "PlainHost.h"
 
 namespace {
 
 using namespace plain;
-
-/// The module file, loaded as any host loads it.
-class LoadedModule {
-public:
-    LoadedModule() {
-        m_file = dlopen(MODULE_FILE, RTLD_NOW | RTLD_LOCAL);
-        if (m_file == nullptr)
-            return;
-        const auto entry = reinterpret_cast<KXPEntryPoint>(dlsym(m_file, KXP_ENTRY_POINT_NAME));
-        if (entry != nullptr)
-            entry(&module);
-    }
-    ~LoadedModule() {
-        if (m_file != nullptr)
-            dlclose(m_file);
-    }
-    IKXPModule* module = nullptr;
-
-private:
-    void* m_file = nullptr;
-};
 
 TEST(PlainHost, DrivesADeviceThroughItsWholeLifeAndReadsAResult) {
     Host host;

@@ -199,14 +199,28 @@ KXPCode Host::QueryInterface(const char* name, void** out) {
         return KXP_BAD_INTERFACE_ARG;
     asked.emplace_back(name);
     *out = nullptr;
-    const std::string wanted = name;
-    if (wanted == "IManagerRuntimeInfo" && offerRuntimeInfo)
-        *out = static_cast<IManagerRuntimeInfo*>(this);
-    else if (wanted == "IFolderManager" && offerFolders)
-        *out = static_cast<IFolderManager*>(this);
-    else if (wanted == "IObjectFactoryManager" && offerFactories)
-        *out = static_cast<IObjectFactoryManager*>(this);
+    if (nullFaces.count(name) > 0)
+        return KXP_OK;
+    *out = FaceOf(name);
     return *out != nullptr ? KXP_OK : KXPCode{KXP_NO_INTERFACE};
+}
+
+void* Host::FaceOf(const std::string& name) {
+    if (name == "IManagerRuntimeInfo" && offerRuntimeInfo)
+        return static_cast<IManagerRuntimeInfo*>(this);
+    if (name == "IFolderManager" && offerFolders)
+        return static_cast<IFolderManager*>(this);
+    if (name == "IObjectFactoryManager" && offerFactories)
+        return static_cast<IObjectFactoryManager*>(this);
+    if (name == "IManagerRemoteManager" && offerRemoteManager)
+        return static_cast<IManagerRemoteManager*>(&m_remoteManager);
+    if (name == "IManagerRemoteManager2" && offerRemoteManager2)
+        return static_cast<IManagerRemoteManager2*>(&m_remoteManager2);
+    if (name == "IVariableManager")
+        return variableManager;
+    if (name == "IObjectNameTools")
+        return nameTools;
+    return nullptr;
 }
 
 std::uint32_t Host::GetLogSettings(std::uint32_t* enabled, std::uint32_t* writerId, char* path,
@@ -225,8 +239,9 @@ std::uint32_t Host::GetLogSettings(std::uint32_t* enabled, std::uint32_t* writer
 std::uint32_t Host::GetRuntimeInfo(KXPRuntimeInfo* out) {
     if (runtimeInfoResult == 0 || out->size != sizeof(KXPRuntimeInfo))
         return 0;
-    std::strncpy(out->appName, appName.c_str(), sizeof(out->appName) - 1);
-    std::strncpy(out->version, version.c_str(), sizeof(out->version) - 1);
+    // A text that fills its field has no end: a module must cope with that.
+    std::memcpy(out->appName, appName.c_str(), std::min(appName.size() + 1, sizeof(out->appName)));
+    std::memcpy(out->version, version.c_str(), std::min(version.size() + 1, sizeof(out->version)));
     return runtimeInfoResult;
 }
 

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -173,6 +174,8 @@ private:
 };
 
 /// The root object. Each service is offered unless it is switched off.
+///
+/// The services that reach into the show are not offered unless a test gives something to offer.
 class Host : public IManagerRuntimeInfo, public IFolderManager, public IObjectFactoryManager {
 public:
     virtual ~Host() = default;
@@ -180,6 +183,14 @@ public:
     bool offerRuntimeInfo = true;
     bool offerFolders = true;
     bool offerFactories = true;
+    /// Faces that are answered with success and a null pointer, as a careless host might.
+    std::set<std::string> nullFaces;
+    bool offerRemoteManager = false;
+    bool offerRemoteManager2 = false;
+    IManagerRemote* remote = nullptr;   ///< what the older manager hands out
+    IManagerRemote2* remote2 = nullptr; ///< what the newer manager hands out
+    IVariableManager* variableManager = nullptr;
+    IObjectNameTools* nameTools = nullptr;
     std::uint32_t runtimeInfoResult = 1;
     std::string appName = "plainhost";
     std::string version = "6.7.2";
@@ -206,6 +217,38 @@ public:
     KXPCode UnregisterFactory(const char* name) override;
 
     IMInterface* Root() { return static_cast<IManagerRuntimeInfo*>(this); }
+
+private:
+    class RemoteManager : public IManagerRemoteManager {
+    public:
+        explicit RemoteManager(Host& host)
+            : m_host(host) {}
+        virtual ~RemoteManager() = default;
+        KXPCode QueryInterface(const char* name, void** out) override { return m_host.QueryInterface(name, out); }
+        KXPCode Release() override { return KXP_OK; }
+        IManagerRemote* GetRemote() override { return m_host.remote; }
+
+    private:
+        Host& m_host;
+    };
+    class RemoteManager2 : public IManagerRemoteManager2 {
+    public:
+        explicit RemoteManager2(Host& host)
+            : m_host(host) {}
+        virtual ~RemoteManager2() = default;
+        KXPCode QueryInterface(const char* name, void** out) override { return m_host.QueryInterface(name, out); }
+        KXPCode Release() override { return KXP_OK; }
+        KXPCode Reserved1(void*) override { return KXP_OK; }
+        IManagerRemote2* GetRemote(IKXPDevice*) override { return m_host.remote2; }
+
+    private:
+        Host& m_host;
+    };
+
+    void* FaceOf(const std::string& name);
+
+    RemoteManager m_remoteManager{*this};
+    RemoteManager2 m_remoteManager2{*this};
 };
 
 } // namespace plain

@@ -1,6 +1,7 @@
 #include <memory>
 
-#include "FakeLinks.h"
+#include "FakeRemotes.h"
+#include "FakeScriptDevice.h"
 #include "LogFixture.h"
 #include "MScriptMngRemote.h"
 

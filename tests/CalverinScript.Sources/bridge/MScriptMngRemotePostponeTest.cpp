@@ -2,7 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "FakeLinks.h"
+#include "FakeRemotes.h"
+#include "FakeScriptDevice.h"
 #include "MCommandObject.h"
 #include "MScriptMngRemote.h"
 

@@ -7,7 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "FakeLinks.h"
+#include "FakeRemotes.h"
+#include "FakeScriptDevice.h"
 
 namespace {
 

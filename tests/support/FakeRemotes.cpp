@@ -1,6 +1,4 @@
-#include "FakeLinks.h"
-
-#include "HostText.h"
+#include "FakeRemotes.h"
 
 namespace {
 
@@ -36,14 +34,4 @@ KXPCode FakeRemote2::UnregisterGroup(const char* group, IExecContext* context, v
 KXPCode FakeRemote::RegisterGroup(IManagerRemoteHandler* newHandler, const char* group) {
     handler = newHandler;
     return Note("RegisterGroup|" + Shown(group));
-}
-
-void FakeScriptDevice::PostPropertyChange(const char* object, const char* property, const char* value,
-                                          bool objectFollows) {
-    changes.push_back(Shown(object) + "|" + Shown(property) + "|" + Shown(value) + (objectFollows ? "|1" : "|0"));
-}
-
-void FakeScriptDevice::WriteCommandResult(MCommandObject* command, const QString& text) {
-    resultCommand = command;
-    results.push_back(ToHostText(text).toStdString());
 }

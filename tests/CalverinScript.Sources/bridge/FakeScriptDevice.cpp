@@ -1,0 +1,21 @@
+#include "FakeScriptDevice.h"
+
+#include "HostText.h"
+
+namespace {
+
+std::string Shown(const char* text) {
+    return text != nullptr ? text : "-";
+}
+
+} // namespace
+
+void FakeScriptDevice::PostPropertyChange(const char* object, const char* property, const char* value,
+                                          bool objectFollows) {
+    changes.push_back(Shown(object) + "|" + Shown(property) + "|" + Shown(value) + (objectFollows ? "|1" : "|0"));
+}
+
+void FakeScriptDevice::WriteCommandResult(MCommandObject* command, const QString& text) {
+    resultCommand = command;
+    results.push_back(ToHostText(text).toStdString());
+}
