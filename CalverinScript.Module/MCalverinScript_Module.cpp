@@ -7,6 +7,7 @@
 
 #include <QImage>
 
+#include "FaceAnswer.h"
 #include "IManagerRuntimeInfo.h"
 #include "IObjectFactoryManager.h"
 #include "Log.h"
@@ -55,14 +56,9 @@ MCalverinScript_Module::~MCalverinScript_Module() {
 }
 
 KXPCode MCalverinScript_Module::QueryInterface(const char* name, void** out) {
-    if (name == nullptr || out == nullptr)
-        return KXP_BAD_INTERFACE_ARG;
-    *out = nullptr;
-    if (std::strcmp(name, "IKXPModule") == 0)
-        *out = static_cast<IKXPModule*>(this);
-    else if (std::strcmp(name, "IKXPModuleDriverManager") == 0)
-        *out = static_cast<IKXPModuleDriverManager*>(this);
-    return *out != nullptr ? KXP_OK : KXPCode{KXP_NO_INTERFACE};
+    return AnswerFace(name, out,
+                      {{"IKXPModule", static_cast<IKXPModule*>(this)},
+                       {"IKXPModuleDriverManager", static_cast<IKXPModuleDriverManager*>(this)}});
 }
 
 KXPCode MCalverinScript_Module::Release() {

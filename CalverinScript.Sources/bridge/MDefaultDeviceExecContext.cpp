@@ -1,14 +1,6 @@
 #include "MDefaultDeviceExecContext.h"
 
-#include <algorithm>
-#include <cstring>
-#include <iterator>
-
-namespace {
-
-constexpr const char* kFaces[] = {"IMInterface", "IExecContext2", "IExecContext"};
-
-} // namespace
+#include "FaceAnswer.h"
 
 MDefaultDeviceExecContext::MDefaultDeviceExecContext(IExecContextEndHandler* endHandler)
     : handler(endHandler) {}
@@ -16,13 +8,8 @@ MDefaultDeviceExecContext::MDefaultDeviceExecContext(IExecContextEndHandler* end
 MDefaultDeviceExecContext::~MDefaultDeviceExecContext() = default;
 
 KXPCode MDefaultDeviceExecContext::QueryInterface(const char* name, void** out) {
-    if (name == nullptr || out == nullptr)
-        return KXP_BAD_INTERFACE_ARG;
-    *out = nullptr;
-    if (std::none_of(std::begin(kFaces), std::end(kFaces), [&](const char* f) { return std::strcmp(name, f) == 0; }))
-        return KXP_NO_INTERFACE;
-    *out = static_cast<IExecContext2*>(this);
-    return KXP_OK;
+    auto* self = static_cast<IExecContext2*>(this);
+    return AnswerFace(name, out, {{"IMInterface", self}, {"IExecContext2", self}, {"IExecContext", self}});
 }
 
 KXPCode MDefaultDeviceExecContext::Release() {

@@ -1,8 +1,6 @@
 #include "MCalverinScript_Device.h"
 
 #include <algorithm>
-#include <cstring>
-#include <iterator>
 #include <vector>
 
 #include <QCoreApplication>
@@ -16,6 +14,7 @@
 
 #include "CommandNumbers.h"
 #include "ConfigFile.h"
+#include "FaceAnswer.h"
 #include "HostCall.h"
 #include "HostText.h"
 #include "IManagerRuntimeInfo.h"
@@ -124,13 +123,8 @@ bool MCalverinScript_Device::IsUsable() const {
 }
 
 KXPCode MCalverinScript_Device::QueryInterface(const char* name, void** out) {
-    if (name == nullptr || out == nullptr)
-        return KXP_BAD_INTERFACE_ARG;
-    *out = nullptr;
-    if (std::strcmp(name, "IMInterface") != 0 && std::strcmp(name, "IKXPDevice") != 0)
-        return KXP_NO_INTERFACE;
-    *out = static_cast<IKXPDevice*>(this);
-    return KXP_OK;
+    auto* self = static_cast<IKXPDevice*>(this);
+    return AnswerFace(name, out, {{"IMInterface", self}, {"IKXPDevice", self}});
 }
 
 KXPCode MCalverinScript_Device::Start() {
