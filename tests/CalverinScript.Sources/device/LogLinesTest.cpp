@@ -1,0 +1,121 @@
+#include "Log.h"
+#include "LoggedDevice.h"
+#include "MScriptMngRemote.h"
+
+namespace {
+
+using Lines = std::vector<LogLine>;
+
+class LogLines : public LoggedDevice {};
+
+TEST_F(LogLines, OfALoadFromAFile) {
+    GivenScript("");
+    const std::string path = WriteFile("a.js", "({})");
+    GivenAnEmptyLog();
+    WhenFileIsLoaded(path);
+    EXPECT_EQ(LogOf(3), (Lines{{7, "kxpCalverinScript [Desk] LoadScriptFromFile [post]: " + path + " - Stack: 0"},
+                               {7, "kxpCalverinScript [Desk] LoadScriptFromFile [execute]: " + path + " - Stack: 1"},
+                               {7, "kxpCalverinScript [Desk] LoadScriptFromFile [executed]: " + path}}));
+}
+
+TEST_F(LogLines, OfALoadFromAText) {
+    GivenScript("");
+    GivenAnEmptyLog();
+    WhenTextIsLoaded("({ a: '100%s %n' })");
+    EXPECT_EQ(LogOf(3),
+              (Lines{{7, "kxpCalverinScript [Desk] LoadScriptFromText [post]: ({ a: '100%s %n' }) - Stack: 0"},
+                     {7, "kxpCalverinScript [Desk] LoadScriptFromText [execute]: ({ a: '100%s %n' }) - Stack: 1"},
+                     {7, "kxpCalverinScript [Desk] LoadScriptFromText [executed]: ({ a: '100%s %n' })"}}));
+}
+
+TEST_F(LogLines, OfAFunction) {
+    GivenScript("({ F: function() {} })");
+    GivenAnEmptyLog();
+    plain::Params params({"F"});
+    ASSERT_EQ(Send(2, params), KXP_OK);
+    EXPECT_EQ(LogOf(3), (Lines{{7, "kxpCalverinScript [Desk] ExecuteScriptFunction [post]: F - Stack: 0"},
+                               {7, "kxpCalverinScript [Desk] ExecuteScriptFunction [execute]: F - Stack: 1"},
+                               {7, "kxpCalverinScript [Desk] ExecuteScriptFunction [executed]: F"}}));
+}
+
+TEST_F(LogLines, OfAFunctionWithParamsNameAllEightAndShowNullTextsAsEmpty) {
+    GivenScript("({ F: function() {} })");
+    GivenAnEmptyLog();
+    Call("F", {"a", "", "c d", "4", "5"});
+    const std::string texts = "F, a,,c d,4,5,,,";
+    EXPECT_EQ(
+        LogOf(3),
+        (Lines{{7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [post]: " + texts + " - Stack: 0"},
+               {7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [execute]: " + texts + " - Stack: 1"},
+               {7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [executed]: " + texts}}));
+}
+
+TEST_F(LogLines, OfACallbackNameNothing) {
+    GivenScript("");
+    MyAsyncDeviceExecContext* context = nullptr;
+    OnScriptThread(
+        [&] { context = device->MakeAsyncContext(device->GetEngine()->evaluate(QStringLiteral("(function() {})"))); });
+    ASSERT_NE(context, nullptr);
+    GivenAnEmptyLog();
+    context->End();
+    EXPECT_EQ(LogOf(3), (Lines{{7, "kxpCalverinScript [Desk] ExecuteCallBack [post]: - Stack: 0"},
+                               {7, "kxpCalverinScript [Desk] ExecuteCallBack [execute]: - Stack: 1"},
+                               {7, "kxpCalverinScript [Desk] ExecuteCallBack [executed]"}}));
+}
+
+TEST_F(LogLines, CountTheCommandsThatWait) {
+    GivenScript("");
+    device->Stop();
+    GivenAnEmptyLog();
+    plain::Params params({"1"});
+    for (int i = 0; i < 3; ++i)
+        ASSERT_EQ(Send(1, params), KXP_OK);
+    const Lines lines = LogOf(3);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(lines[static_cast<std::size_t>(i)].text,
+                  "kxpCalverinScript [Desk] LoadScriptFromText [post]: 1 - Stack: " + std::to_string(i));
+}
+
+TEST_F(LogLines, ShowANullFileNameAsEmpty) {
+    GivenScript("");
+    device->Stop();
+    GivenAnEmptyLog();
+    device->LoadScriptFromFile(nullptr, nullptr, false);
+    EXPECT_EQ(LogOf(1), (Lines{{7, "kxpCalverinScript [Desk] LoadScriptFromFile [post]:  - Stack: 0"}}));
+}
+
+TEST_F(LogLines, OfALongTextAreCut) {
+    GivenScript("");
+    device->Stop();
+    GivenAnEmptyLog();
+    device->LoadScriptFromText(nullptr, std::string(5000, 'x').c_str(), false);
+    const Lines lines = LogOf(1);
+    EXPECT_EQ(lines[0].text.size(), static_cast<std::size_t>(kLogLineSize - 1));
+    EXPECT_EQ(lines[0].text.rfind("kxpCalverinScript [Desk] LoadScriptFromText [post]: xxx", 0), 0u);
+}
+
+TEST_F(LogLines, OfAnUncaughtExceptionTellLineAndMessageAtLevelFive) {
+    GivenScript("({ F: function() {\n\nthrow new Error('boom'); } })");
+    GivenAnEmptyLog();
+    Call("F");
+    const Lines lines = LogOf(4);
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_EQ(lines[2], (LogLine{5, "CalverinScript_ [Desk] Uncaught Exception - line:3, message: boom"}));
+}
+
+TEST_F(LogLines, AreNotWrittenWhileTheLogIsOff) {
+    GivenScript("({ F: function() {} })");
+    GivenAnEmptyLog();
+    CloseLog();
+    Call("F");
+    EXPECT_TRUE(Log().empty());
+}
+
+TEST_F(LogLines, NameADeviceWithoutANameByNothing) {
+    device->SetName(nullptr);
+    GivenAnEmptyLog();
+    device->LoadScriptFromText(nullptr, "1", false);
+    EXPECT_EQ(LogOf(1), (Lines{{7, "kxpCalverinScript [] LoadScriptFromText [post]: 1 - Stack: 0"}}));
+}
+
+} // namespace
