@@ -88,7 +88,7 @@ std::string FindScriptsFolder(IFolderManager* folders, const std::string& fallba
     if (folders == nullptr)
         return fallback;
     const char* scripts = folders->GetFolder(KXP_FOLDER_SCRIPTS);
-    const std::string library = scripts != nullptr ? Below(scripts, "Script Drivers") : std::string();
+    std::string library = scripts != nullptr ? Below(scripts, "Script Drivers") : std::string();
     const char* programData = folders->GetFolder(KXP_FOLDER_PROGRAM_DATA);
     const std::string old = programData != nullptr ? Below(programData, "Script Drivers") : std::string();
     if (!library.empty()) {
