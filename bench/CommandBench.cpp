@@ -49,6 +49,7 @@ std::vector<double> MeasureQueued() {
     BareRelay bare(QString::fromLatin1(kScript));
     BenchDevice device(kScript);
     std::vector<std::unique_ptr<plain::Params>> params;
+    params.reserve(kQueued);
     for (int i = 0; i < kQueued; ++i)
         params.push_back(plain::Params::ForFunction("F", {"a"}));
     std::vector<double> realRates;

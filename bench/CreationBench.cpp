@@ -46,6 +46,7 @@ std::vector<double> MeasureDeviceCreation() {
 
 std::vector<double> MeasureIdle() {
     std::vector<std::unique_ptr<BenchDevice>> devices;
+    devices.reserve(kDevices);
     for (int i = 0; i < kDevices; ++i)
         devices.push_back(std::make_unique<BenchDevice>("({ F: function(a) { return a } })"));
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
