@@ -1,5 +1,6 @@
 #include <algorithm>
-#include <regex>
+
+#include <QRegularExpression>
 
 #include "LoggedDevice.h"
 #include "MScriptEngineAgent.h"
@@ -85,8 +86,8 @@ struct Report {
 };
 
 std::string WithoutLineNumber(const std::string& text) {
-    static const std::regex number("line[: ]-?[0-9]+,");
-    return std::regex_replace(text, number, "line,");
+    static const QRegularExpression number(QStringLiteral("line[: ]-?[0-9]+,"));
+    return QString::fromLatin1(text.c_str()).replace(number, QStringLiteral("line,")).toLatin1().toStdString();
 }
 
 class ExceptionRoads : public LoggedDevice {
