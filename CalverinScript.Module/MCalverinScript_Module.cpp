@@ -7,6 +7,7 @@
 
 #include <QImage>
 
+#include "Descriptors.h"
 #include "FaceAnswer.h"
 #include "IManagerRuntimeInfo.h"
 #include "IObjectFactoryManager.h"
@@ -20,6 +21,7 @@ namespace {
 constexpr const char* kProgramName = "kxpCalverinScript";
 constexpr const char* kRunTimeHostPrefix = "hostq";
 constexpr std::uint32_t kModuleVersion = 999;
+constexpr int kDescriptorsOfDevice = 4; ///< of the script thread's event loop, with some to spare
 constexpr const char* kDeviceIdProperty = "ObjectParamDescriptor::DeviceID";
 
 /// What ValidateCommand says, as codes of the contract: gone, other parameters, valid.
@@ -146,6 +148,8 @@ KXPCode MCalverinScript_Module::CreateDevice(void* /*ignored*/, IKXPDevice** out
         return KXP_NULL_ARGUMENT;
     if (deviceHost == nullptr)
         return KXP_NO_DEVICE_HOST;
+    if (!CanOpenDescriptors(kDescriptorsOfDevice))
+        return KXP_NO_DEVICE_MADE;
     auto* device = new (std::nothrow) MCalverinScript_Device(this, nullptr, nullptr);
     if (device == nullptr)
         return KXP_NO_DEVICE_MADE;

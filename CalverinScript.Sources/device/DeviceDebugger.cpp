@@ -20,7 +20,7 @@ constexpr int kWindowHeight = 640;
 
 /// The debugger shows windows, so the engine stays on the host's main thread and there is no script thread.
 void MCalverinScript_Device::SetUpDebugger() {
-    engine->setAgent(new MScriptEngineAgent(engine, this));
+    engine->setAgent(agent);
     engine->setProcessEventsInterval(kEngineEventIntervalMs);
     debugger = new QScriptEngineDebugger(this);
     debugger->attachTo(engine);

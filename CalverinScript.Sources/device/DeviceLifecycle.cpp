@@ -21,6 +21,7 @@
 #include "IModuleServices.h"
 #include "ISetupInterface.h"
 #include "ModuleShared.h"
+#include "MScriptEngineAgent.h"
 #include "MScriptMngRemote.h"
 #include "MScriptThread.h"
 #include "ScriptGlobals.h"
@@ -91,6 +92,7 @@ void MCalverinScript_Device::FindHostServices() {
 
 void MCalverinScript_Device::MakeEngine() {
     engine = new QScriptEngine(this);
+    agent = new MScriptEngineAgent(engine, this);
     live.engine = engine;
     remote = new MScriptMngRemote(this, remoteHandler, remoteHandler2, variableManager, engine);
     remote->setParent(this);

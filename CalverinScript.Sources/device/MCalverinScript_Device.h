@@ -386,8 +386,8 @@ private:
     CompletionGate gate;
     ScriptInbox inbox;
     std::atomic<bool> threadLeft{false}; ///< set by the script thread when it touches the device no more
-    std::atomic<bool> ending{false};    ///< set once by Release: nothing enters the script any more
-    std::atomic<bool> abandoned{false}; ///< set once by Release: the script would not end
-    InterlockedCounter hostCalls;       ///< host calls that are inside the device
-    QThread* homeThread = nullptr;      ///< where the device was made, and goes back to before it ends
+    std::atomic<bool> ending{false};     ///< set once by Release: nothing enters the script any more
+    std::atomic<bool> abandoned{false};  ///< set once by Release: the script would not end
+    InterlockedCounter hostCalls;        ///< host calls that are inside the device
+    QThread* homeThread = nullptr;       ///< where the device was made, and goes back to before it ends
 };

@@ -1,5 +1,8 @@
 #include <atomic>
 #include <thread>
+#include <vector>
+
+#include <unistd.h>
 
 #include "ForeignDevice.h"
 #include "MCalverinScript_Device.h"
@@ -28,6 +31,20 @@ TEST_F(ModuleDevices, AreNotMadeIntoAPlaceThatHoldsSomethingOrIsNull) {
     EXPECT_EQ(device, &foreign);
     EXPECT_EQ(module->CreateDevice(nullptr, nullptr), KXP_NULL_ARGUMENT);
     EXPECT_EQ(DeviceCount(), 0u);
+}
+
+TEST_F(ModuleDevices, AreNotMadeWhileTheProcessHasNoFreeDescriptors) {
+    module->SetDeviceHost(&deviceHost);
+    std::vector<int> taken;
+    for (int descriptor = dup(0); descriptor >= 0; descriptor = dup(0))
+        taken.push_back(descriptor);
+    IKXPDevice* device = nullptr;
+    EXPECT_EQ(module->CreateDevice(nullptr, &device), KXP_NO_DEVICE_MADE);
+    EXPECT_EQ(device, nullptr);
+    for (const int descriptor : taken)
+        close(descriptor);
+    EXPECT_EQ(module->CreateDevice(nullptr, &device), KXP_OK);
+    device->Release();
 }
 
 TEST_F(ModuleDevices, AreNotMadeBeforeTheirHostIsSet) {
