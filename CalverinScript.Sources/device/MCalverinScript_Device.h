@@ -336,6 +336,7 @@ private:
     std::recursive_mutex mutex; ///< guards the engine's state: every entry into the script takes it
 
     QScriptEngine* engine = nullptr;      ///< child of the device
+    MScriptEngineAgent* agent = nullptr;  ///< owned by the engine, installed with the debugger only
     ScriptSet live;                       ///< what the engine runs
     ScriptSet stop;                       ///< what an analysis sees
     MLockedList<MScriptCommand> commands; ///< the user commands with their ids

@@ -50,7 +50,7 @@ public:
     bool SetReal(double value);
     bool SetText(std::string_view text);
 
-    /// Takes new limits and the first content of the specification, which must be of the same type.
+    /// Takes the limits and the first content of a ValueSpec of the same type.
     void Configure(const ValueSpec& spec);
 
     bool StoreProperty(const char* name, const char* value);
