@@ -141,7 +141,9 @@ TEST_F(ModuleHost, GivesItsDefinitionFromTheResource) {
     const char* definition = module->GetDefinition();
     ASSERT_NE(definition, nullptr);
     EXPECT_EQ(definition, FindModuleResource(ModuleResource::RawData, kDefinitionId).toStdString());
-    EXPECT_STREQ(module->GetDefinition(), module->GetDefinitionTemplate());
+    const std::string text = definition;
+    EXPECT_EQ(module->GetDefinitionTemplate(), text);
+    EXPECT_EQ(module->GetDefinition(), text);
 }
 
 TEST_F(ModuleHost, GivesItsVersionAndIgnoresANullPlace) {
