@@ -2,6 +2,7 @@
 
 class MCommandObject;
 class MyAsyncDeviceExecContext;
+class QScriptValue;
 class QString;
 
 /// What the bridge needs of the device above it.
@@ -23,6 +24,22 @@ public:
 
     /// Writes a text into the result of a user command that is still open.   [script]
     virtual void WriteCommandResult(MCommandObject* command, const QString& text) = 0;
+
+    /// Whether the device is on its way out: nothing of the host may be called any more.   [any]
+    virtual bool IsEnding() const = 0;
+
+    // Script timers; ids are unique in the device. -1 for a value that is no function.   [script]
+    virtual int SetInterval(const QScriptValue& function, int delayMs) = 0;
+    virtual void ClearInterval(int id) = 0;
+    virtual int SetTimeout(const QScriptValue& function, int delayMs) = 0;
+    virtual void ClearTimeout(int id) = 0;
+
+    /// Replaces the function that hears of changes. @return 0, 19 when the value is no function.   [script]
+    virtual unsigned int SetPropertyChangeCallback(const QScriptValue& function) = 0;
+
+    /// Makes the context of an asynchronous request and notes the function for its result.
+    /// @return null when the value is no function.   [script]
+    virtual MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue& function) = 0;
 
 protected:
     ~IScriptDevice() = default;

@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr const char* kRootGroup = "GrantedRootGroup";
 constexpr int kPostponedHashBits = 10;
 
 /// Ends every context that is still there. A context leaves the registry before it goes, and ending one may make others go, so
@@ -59,36 +58,8 @@ void MScriptMngRemote::ReleaseAsyncContexts() {
     }
 }
 
-template <typename Operation>
-KXPCode MScriptMngRemote::CallAndWait(Operation operation, MString* text) {
-    auto* context = new MyDeviceExecContext(syncContexts);
-    KXPCode code = operation(context);
-    if (code == KXP_PENDING) {
-        context->Wait();
-        code = context->GetErrorCode();
-    }
-    if (code == KXP_OK && text != nullptr)
-        *text = context->GetResult();
-    context->Release();
-    return code;
-}
-
-KXPCode MScriptMngRemote::RegisterRootGroup() {
-    if (remote2 != nullptr) {
-        remote2->SetHandler(this);
-        return CallAndWait(
-            [&](IExecContext* context) { return remote2->RegisterGroup(kRootGroup, "", context, nullptr); });
-    }
-    return remote != nullptr ? remote->RegisterGroup(this, kRootGroup) : KXPCode{KXP_NOT_IMPLEMENTED};
-}
-
-KXPCode MScriptMngRemote::UnregisterRootGroup() {
-    if (remote2 != nullptr)
-        return CallAndWait([&](IExecContext* context) { return remote2->UnregisterGroup(nullptr, context, nullptr); });
-    if (remote == nullptr)
-        return KXP_NOT_IMPLEMENTED;
-    remote->UnregisterGroup();
-    return KXP_OK;
+bool MScriptMngRemote::IsDeviceEnding() const {
+    return device != nullptr && device->IsEnding();
 }
 
 bool MScriptMngRemote::IsLiveObject(const MScriptCommonEvent* /*object*/) const {

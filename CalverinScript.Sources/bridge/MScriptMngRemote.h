@@ -46,21 +46,98 @@ public:
     /// Periodic service while the device runs.   [tick]
     void Tick();
 
+    // What scripts call. The order, the parameter names and the defaults are the script interface. All on the script thread; no
+    // method throws. Codes: 0 done, 16 no asynchronous road, 19 no link or an argument refused, 48 no such variable, any other
+    // is the host's.
+
+    /// Opens a user screen. @param iPosition 0 or 1; anything else is refused.
+    Q_INVOKABLE unsigned int OpenUserScreen(const QString& sUSName = QString(), int iPosition = 0, int iLeft = 0,
+                                            int iTop = 0);
+    Q_INVOKABLE unsigned int CloseUserScreen(const QString& sUSName = QString());
+    Q_INVOKABLE unsigned int GotoPage(const QString& sUSName = QString(), int iPageNumber = 0);
+    Q_INVOKABLE unsigned int StartTask(const QString& sTaskName = QString());
+    Q_INVOKABLE unsigned int PauseTask(const QString& sTaskName = QString());
+    Q_INVOKABLE unsigned int StopTask(const QString& sTaskName = QString(), int iMode = 0);
+    Q_INVOKABLE unsigned int GotoLabel(const QString& sTaskName = QString(), const QString& sLabel = QString());
+    Q_INVOKABLE unsigned int GotoLine(const QString& sTaskName = QString(), int iLineNumber = 0);
+    Q_INVOKABLE unsigned int GotoTime(const QString& sTaskName = QString(), int iTime = 0);
+    Q_INVOKABLE unsigned int LoadShow(const QString& sShowName = QString(), int iTime = 0);
+    /// Registers for changes below an object. The older link has no way to ask for events.
+    Q_INVOKABLE unsigned int RegisterGroup(const QString& sParentObject = QString(), bool bAcceptEvent = false);
+    Q_INVOKABLE unsigned int UnregisterGroup(const QString& sParentObject = QString());
+    /// Sets the function that hears of changes, called with the object's name and the value. Needs the newer link.
+    Q_INVOKABLE unsigned int OnVariableChange(const QScriptValue& expression);
+    /// @param uiObjectType 0 to 30, 100 or 1000; anything else gives "". @return the host's list, "" on failure.
+    Q_INVOKABLE QString GetObjectList(const QString& sParentObject = QString(), uint uiObjectType = 0);
+    Q_INVOKABLE QString GetObject(const QString& sObject = QString(), unsigned short unDepth = 0);
+    Q_INVOKABLE unsigned int SetProperty(const QString& sObject = QString(), const QString& sProperty = QString(),
+                                         const QString& sValue = QString());
+    Q_INVOKABLE unsigned int SetPropertyAsInt(const QString& sObject = QString(), const QString& sProperty = QString(),
+                                              int iValue = 0);
+    Q_INVOKABLE QString GetProperty(const QString& sObject = QString(), const QString& sProperty = QString());
+    Q_INVOKABLE int GetPropertyAsInt(const QString& sObject = QString(), const QString& sProperty = QString());
+    /// Runs an action on an object and waits for its result text; "" when it fails. See PerformParameters.h.
+    Q_INVOKABLE QString Perform(const QString& sObject = QString(), const QString& sAction = QString(),
+                                const QString& sParamsType = QStringLiteral("XML"), const QString& sParam1 = QString(),
+                                const QString& sParam2 = QString(), const QString& sParam3 = QString(),
+                                const QString& sParam4 = QString(), const QString& sParam5 = QString(),
+                                const QString& sParam6 = QString(), const QString& sParam7 = QString(),
+                                const QString& sParam8 = QString(), const QString& sParam9 = QString(),
+                                const QString& sParam10 = QString());
+    /// The same without waiting: the function is called with the result text, or without argument when there is none.
+    Q_INVOKABLE unsigned int PerformAsync(const QScriptValue& expression, const QString& sObject = QString(),
+                                          const QString& sAction = QString(),
+                                          const QString& sParamsType = QStringLiteral("XML"),
+                                          const QString& sParam1 = QString(), const QString& sParam2 = QString(),
+                                          const QString& sParam3 = QString(), const QString& sParam4 = QString(),
+                                          const QString& sParam5 = QString(), const QString& sParam6 = QString(),
+                                          const QString& sParam7 = QString(), const QString& sParam8 = QString(),
+                                          const QString& sParam9 = QString(), const QString& sParam10 = QString());
+    Q_INVOKABLE unsigned int SetValue(const QString& sVariable = QString(), const QString& sValue = QString());
+    /// The value is a text; one that is no whole number sets 0.
+    Q_INVOKABLE unsigned int SetValueAsInteger(const QString& sVariable = QString(), const QString& sValue = QString());
+    Q_INVOKABLE int GetValueAsInteger(const QString& sVariable = QString());
+    Q_INVOKABLE double GetValueAsReal(const QString& sVariable = QString());
+    Q_INVOKABLE QString GetValueAsString(const QString& sVariable = QString());
+    /// @param delay in milliseconds. @return the timer's id, -1 when expression is no function.
+    Q_INVOKABLE int SetInterval(const QScriptValue& expression, int delay);
+    Q_INVOKABLE void ClearInterval(int timerId);
+    Q_INVOKABLE int SetTimeout(const QScriptValue& expression, int delay);
+    Q_INVOKABLE void ClearTimeout(int timerId);
+    /// Writes to the module's log; see IMScriptManagerRemoteLogger for the types.   [any]
+    Q_INVOKABLE void TraceMessage(const QString& sMessage = QString(),
+                                  const QString& sMessageType = QStringLiteral("NORMAL")) override;
+    /// Index of an item in a script array of texts, -1 when it is not there.
+    Q_INVOKABLE int EnumStringToIndex(const QScriptValue& Items, const QString& sItem = QString());
+    Q_INVOKABLE int DateStringToDay(const QString& sDate = QString());
+    Q_INVOKABLE int DateStringToMonth(const QString& sDate = QString());
+    Q_INVOKABLE int DateStringToYear(const QString& sDate = QString());
+    /// 1 Sunday to 7 Saturday.
+    Q_INVOKABLE int DateStringToDayOfWeekAsNumber(const QString& sDate = QString());
+    Q_INVOKABLE int TimeStringToHours(const QString& sTime = QString(), int iTimeCodeType = 4);
+    Q_INVOKABLE int TimeStringToMinutes(const QString& sTime = QString(), int iTimeCodeType = 4);
+    Q_INVOKABLE int TimeStringToSeconds(const QString& sTime = QString(), int iTimeCodeType = 4);
+    Q_INVOKABLE int TimeStringToFrames(const QString& sTime = QString(), int iTimeCodeType = 4);
+    /// The object factories: each gives an invalid value until its objects are there.
+    Q_INVOKABLE QScriptValue CreateSocket(const QString& sType = QString());
+    Q_INVOKABLE QScriptValue CreateHTTPClient();
+    Q_INVOKABLE QScriptValue GetResource(const QScriptValue& svSignature);
+    /// Keeps the user command in execution open until SetResult. @return the id for SetResult, 0 when there is nothing to
+    /// postpone.
+    Q_INVOKABLE int PostponeResult();
+    /// Answers a postponed user command. Unknown ids and 0 do nothing.
+    Q_INVOKABLE void SetResult(int iID, const QString& sResult = QString());
+
     // The group granted to this device
     KXPCode RegisterRootGroup();
     KXPCode UnregisterRootGroup();
 
     // Postponed results of user commands
-    /// Allows or ends postponing around one user command. The postponed result itself, if any, stays open.   [script,
-    /// command]
+    /// Allows or ends postponing around one user command. The postponed result itself, if any, stays open.
+    /// [script, command]
     void SetPostponeAllowed(bool allowed);
     /// Whether the user command in execution has postponed its result.   [script, command]
     bool HasPostponed() const { return currentPostponed != nullptr; }
-    /// Keeps the user command in execution open until SetResult.
-    /// @return the id for SetResult, 0 when there is nothing to postpone.   [script]
-    int PostponeResult();
-    /// Answers a postponed user command. Unknown ids and 0 do nothing.   [script]
-    void SetResult(int id, const QString& text);
     /// Ends every postponed user command without an answer.   [any host thread, script]
     void ResetPostponed();
 
@@ -81,15 +158,18 @@ public:
     // IAsyncDeviceExecContextHandler
     void OnAsyncContextDone(MyAsyncDeviceExecContext* context) override;
 
-    // IMScriptManagerRemoteLogger
-    void TraceMessage(const QString& message, const QString& messageType) override;
-
 private:
-    /// Runs one operation of the newer link with a synchronous context and waits when it is pending.
-    /// @param operation takes the context and gives the host's code.
-    /// @return the final code; on 0 the result text goes to text, which may be null.   [script]
+    // One mechanism for all that goes through a link, see HostCalls.h
     template <typename Operation>
     KXPCode CallAndWait(Operation operation, MString* text = nullptr);
+    template <typename Newer, typename Older, typename... Arguments>
+    KXPCode Forward(Newer newer, Older older, const Arguments&... arguments);
+    template <typename Newer, typename Older, typename... Arguments>
+    QString ForwardForText(Newer newer, Older older, const Arguments&... arguments);
+    KXPCode RegisterNamedGroup(const char* group, const char* options);
+    KXPCode UnregisterNamedGroup(const char* group);
+    bool IsDeviceEnding() const;
+    IData* FindVariable(const QString& name) const;
     void ReleaseAsyncContexts();
 
     IScriptDevice* const device;
@@ -101,6 +181,7 @@ private:
     const SharedContextRegistry<MyDeviceExecContext> syncContexts;
     const SharedContextRegistry<MyAsyncDeviceExecContext> asyncContexts;
 
+    QString lastValueText;        ///< result of the last GetValueAsString: script
     bool postponeAllowed = false; ///< under the device's command in execution: script, command
     std::atomic<MyPostponedObject*>
         currentPostponed{}; ///< written by the script thread in a command, read by the command thread

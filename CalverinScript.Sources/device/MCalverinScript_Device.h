@@ -146,7 +146,7 @@ public:
 
     /// Makes the context and notes the function for an asynchronous request.
     /// @return null when the value is no function.   [script]
-    MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue& function);
+    MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue& function) override;
 
     // MyCommandManager
     using MyCommandManager::ExecuteCommand;
@@ -162,6 +162,14 @@ public:
     void PostPropertyChange(const char* object, const char* property, const char* value, bool objectFollows) override;
     MCommandObject* GetExecutingCommand() override;
     void WriteCommandResult(MCommandObject* command, const QString& text) override;
+    bool IsEnding() const override { return ending; }
+    int SetInterval(const QScriptValue& function, int delayMs) override { return SlotSetInterval(function, delayMs); }
+    void ClearInterval(int id) override { SlotClearInterval(id); }
+    int SetTimeout(const QScriptValue& function, int delayMs) override { return SlotSetTimeout(function, delayMs); }
+    void ClearTimeout(int id) override { SlotClearTimeout(id); }
+    unsigned int SetPropertyChangeCallback(const QScriptValue& function) override {
+        return SlotSetPropertyChangeCallback(function);
+    }
 
     // IThreadTimerHandler, IThreadHandler
     void OnTimer(std::uint32_t nowMs) override;

@@ -4,24 +4,25 @@
 
 #include <algorithm>
 #include <charconv>
-#include <string>
+#include <cstddef>
 #include <string_view>
 
 namespace {
 
 constexpr std::size_t kUsedCharacters = 15; // a sign among them
 constexpr std::int32_t kLargestTypedFrames = 99;
+constexpr std::ptrdiff_t kLongestNumber = 19; // digits of 64 bits
 
 bool IsDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
-void AppendPadded(std::string& text, std::int64_t number, std::int64_t digits) {
-    std::array<char, 20> buffer;
-    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number);
-    const std::int64_t length = written.ptr - buffer.data();
-    text.append(static_cast<std::size_t>(std::max<std::int64_t>(digits - length, 0)), '0');
-    text.append(buffer.data(), written.ptr);
+/// Writes a number that is not negative with at least some digits. @return the end of what was written.
+char* WritePadded(char* at, std::int64_t number, std::int32_t digits) {
+    for (std::int64_t limit = 10; digits > 1; --digits, limit *= 10)
+        if (number < limit)
+            *at++ = '0';
+    return std::to_chars(at, at + kLongestNumber, number).ptr;
 }
 
 /// Cuts a number off the front, as the C library's "%d" does: blanks, a sign, digits. False without digits.
@@ -91,12 +92,19 @@ std::optional<TimeParts> FreeForm(std::string_view text, const TimeBase& base) {
 
 void WriteTimeText(std::int64_t value, const TimeBase& base, TimeTextBuffer& text) {
     const TimeParts parts = SplitTime(value, base);
-    std::string whole = value < 0 ? "-" : "";
-    AppendPadded(whole, parts.hours, 2);
-    AppendPadded(whole += ':', parts.minutes, 2);
-    AppendPadded(whole += ':', parts.seconds, 2);
-    AppendPadded(whole += '/', parts.frames, base.frameDigits);
-    text[whole.copy(text.data(), text.size() - 1)] = 0;
+    std::array<char, 4 * (kLongestNumber + 1)> whole;
+    char* at = whole.data();
+    if (value < 0)
+        *at++ = '-';
+    at = WritePadded(at, parts.hours, 2);
+    *at++ = ':';
+    at = WritePadded(at, parts.minutes, 2);
+    *at++ = ':';
+    at = WritePadded(at, parts.seconds, 2);
+    *at++ = '/';
+    at = WritePadded(at, parts.frames, base.frameDigits);
+    const std::string_view written(whole.data(), static_cast<std::size_t>(at - whole.data()));
+    text[written.copy(text.data(), text.size() - 1)] = 0;
 }
 
 std::optional<std::int32_t> TimeFromText(const char* text, const TimeBase& base) {

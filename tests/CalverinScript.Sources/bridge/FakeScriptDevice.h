@@ -22,4 +22,24 @@ public:
     void PostPropertyChange(const char* object, const char* property, const char* value, bool objectFollows) override;
     MCommandObject* GetExecutingCommand() override { return executing; }
     void WriteCommandResult(MCommandObject* command, const QString& text) override;
+
+    bool ending = false;
+    int timers = 0;                                  ///< the last id given; ids count from 1
+    std::vector<std::string> timerCalls;             ///< "SetInterval 20", "ClearTimeout 3" and so on
+    unsigned int callbackCode = 0;                   ///< what SetPropertyChangeCallback answers
+    MyAsyncDeviceExecContext* madeContext = nullptr; ///< what MakeAsyncContext answers
+
+    bool IsEnding() const override { return ending; }
+    int SetInterval(const QScriptValue&, int delay) override { return NoteTimer("SetInterval", delay); }
+    void ClearInterval(int id) override { timerCalls.push_back("ClearInterval " + std::to_string(id)); }
+    int SetTimeout(const QScriptValue&, int delay) override { return NoteTimer("SetTimeout", delay); }
+    void ClearTimeout(int id) override { timerCalls.push_back("ClearTimeout " + std::to_string(id)); }
+    unsigned int SetPropertyChangeCallback(const QScriptValue&) override { return callbackCode; }
+    MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue&) override { return madeContext; }
+
+private:
+    int NoteTimer(const std::string& call, int delay) {
+        timerCalls.push_back(call + " " + std::to_string(delay));
+        return ++timers;
+    }
 };

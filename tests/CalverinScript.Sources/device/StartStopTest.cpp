@@ -173,7 +173,7 @@ TEST_F(StartStop, TheFirstDeviceMakesTheTickTimerAndTheLastEndsIt) {
     EXPECT_EQ(ModuleShared::Get(), shared);
     second->Release();
     EXPECT_EQ(ModuleShared::Get(), shared);
-    EXPECT_TRUE(ModuleShared::Get()->tickTimer.IsStarted());
+    EXPECT_FALSE(ModuleShared::Get()->tickTimer.StopRequested());
     EndDevice();
     EXPECT_EQ(ModuleShared::Get(), nullptr);
 }

@@ -1,0 +1,97 @@
+#include "HostCalls.h"
+#include "MDate.h"
+#include "MTime.h"
+
+// Timers, enumerations, dates, times and the factories of objects.
+
+namespace {
+
+constexpr int kDaysOfWeek = 7;
+
+MDate DateOf(const QString& text) {
+    MDate date;
+    date.SetFromText(ToHostText(text).constData());
+    return date;
+}
+
+MTime TimeOf(const QString& text, int type) {
+    MTime time;
+    time.SetType(type);
+    time.SetFromText(ToHostText(text).constData());
+    return time;
+}
+
+} // namespace
+
+int MScriptMngRemote::SetInterval(const QScriptValue& expression, int delay) {
+    return device != nullptr ? device->SetInterval(expression, delay) : -1;
+}
+
+void MScriptMngRemote::ClearInterval(int timerId) {
+    if (device != nullptr)
+        device->ClearInterval(timerId);
+}
+
+int MScriptMngRemote::SetTimeout(const QScriptValue& expression, int delay) {
+    return device != nullptr ? device->SetTimeout(expression, delay) : -1;
+}
+
+void MScriptMngRemote::ClearTimeout(int timerId) {
+    if (device != nullptr)
+        device->ClearTimeout(timerId);
+}
+
+int MScriptMngRemote::EnumStringToIndex(const QScriptValue& Items, const QString& sItem) {
+    if (!Items.isArray())
+        return -1;
+    const quint32 length = Items.property(QStringLiteral("length")).toUInt32();
+    for (quint32 i = 0; i < length; ++i)
+        if (Items.property(i).toString() == sItem)
+            return static_cast<int>(i);
+    return -1;
+}
+
+int MScriptMngRemote::DateStringToDay(const QString& sDate) {
+    return DateOf(sDate).GetDay();
+}
+
+int MScriptMngRemote::DateStringToMonth(const QString& sDate) {
+    return DateOf(sDate).GetMonth();
+}
+
+int MScriptMngRemote::DateStringToYear(const QString& sDate) {
+    return DateOf(sDate).GetYear();
+}
+
+/// The calendar counts from Monday 0, scripts from Sunday 1.
+int MScriptMngRemote::DateStringToDayOfWeekAsNumber(const QString& sDate) {
+    return (DateOf(sDate).GetWeekday() + 1) % kDaysOfWeek + 1;
+}
+
+int MScriptMngRemote::TimeStringToHours(const QString& sTime, int iTimeCodeType) {
+    return TimeOf(sTime, iTimeCodeType).GetHours();
+}
+
+int MScriptMngRemote::TimeStringToMinutes(const QString& sTime, int iTimeCodeType) {
+    return TimeOf(sTime, iTimeCodeType).GetMinutes();
+}
+
+int MScriptMngRemote::TimeStringToSeconds(const QString& sTime, int iTimeCodeType) {
+    return TimeOf(sTime, iTimeCodeType).GetSeconds();
+}
+
+int MScriptMngRemote::TimeStringToFrames(const QString& sTime, int iTimeCodeType) {
+    return TimeOf(sTime, iTimeCodeType).GetFrames();
+}
+
+QScriptValue MScriptMngRemote::CreateSocket(const QString& /*sType*/) {
+    return QScriptValue();
+}
+
+QScriptValue MScriptMngRemote::CreateHTTPClient() {
+    return QScriptValue();
+}
+
+QScriptValue MScriptMngRemote::GetResource(const QScriptValue& /*svSignature*/) {
+    return QScriptValue();
+}
