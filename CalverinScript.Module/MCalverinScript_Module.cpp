@@ -6,9 +6,12 @@
 #include <new>
 
 #include <QImage>
+#include <QLocale>
 
+#include "DateFormat.h"
 #include "Descriptors.h"
 #include "FaceAnswer.h"
+#include "HostText.h"
 #include "IManagerRuntimeInfo.h"
 #include "IObjectFactoryManager.h"
 #include "Log.h"
@@ -74,6 +77,7 @@ KXPCode MCalverinScript_Module::Initialize(IMInterface* hostRoot, void* /*ignore
     host = hostRoot;
     RegisterSelectors();
     OpenLog(ModuleHandle(), kProgramName, host);
+    TakeDateFormat();
     LearnHost();
     return KXP_OK;
 }
@@ -86,6 +90,12 @@ void MCalverinScript_Module::RegisterSelectors() {
         if (factories != nullptr)
             factories->RegisterFactory(selector->GetRegisteredName(), selector);
     }
+}
+
+/// Dates of scripts and settings are read as the machine's user writes them.
+void MCalverinScript_Module::TakeDateFormat() {
+    const QByteArray pattern = ToHostText(QLocale::system().dateFormat(QLocale::ShortFormat));
+    SetDefaultDateFormat(DateFormatOfPattern(pattern.constData()));
 }
 
 void MCalverinScript_Module::LearnHost() {

@@ -70,6 +70,7 @@ private:
     virtual ~MCalverinScript_Module();
 
     void RegisterSelectors();
+    void TakeDateFormat();
     void LearnHost();
     void TakeVersion(const std::string& version);
     bool IsHostAtLeast(std::int32_t major, std::int32_t minor, std::int32_t build) const;
