@@ -1,0 +1,164 @@
+#include <gtest/gtest.h>
+#include <QCoreApplication>
+#include <QScriptEngine>
+
+#include "FakeRemotes.h"
+#include "FakeScriptDevice.h"
+#include "FakeVariables.h"
+#include "MScriptMngRemote.h"
+
+namespace {
+
+/// An engine needs an application while it lives.
+class InAScript : public testing::Test {
+protected:
+    InAScript() { engine.globalObject().setProperty(QStringLiteral("QCalverin"), engine.newQObject(&remote)); }
+    /// The text of the value, or of the exception.
+    std::string Run(const std::string& script) {
+        const QScriptValue value = engine.evaluate(QString::fromUtf8(script.c_str()));
+        engine.clearExceptions();
+        return value.toString().toStdString();
+    }
+
+    int count = 1;
+    char name[5] = "test";
+    char* arguments[2] = {name, nullptr};
+    QCoreApplication application{count, arguments};
+    FakeScriptDevice device;
+    FakeRemote2 newer;
+    FakeVariables host;
+    QScriptEngine engine;
+    MScriptMngRemote remote{&device, nullptr, &newer, &host, &engine};
+};
+
+TEST_F(InAScript, EveryMethodButThoseThatNeedArgumentsRunsWithNone) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"OpenUserScreen", "0"},
+        {"CloseUserScreen", "0"},
+        {"GotoPage", "0"},
+        {"StartTask", "0"},
+        {"PauseTask", "0"},
+        {"StopTask", "0"},
+        {"GotoLabel", "0"},
+        {"GotoLine", "0"},
+        {"GotoTime", "0"},
+        {"LoadShow", "0"},
+        {"RegisterGroup", "0"},
+        {"UnregisterGroup", "0"},
+        {"GetObjectList", ""},
+        {"GetObject", ""},
+        {"SetProperty", "0"},
+        {"SetPropertyAsInt", "0"},
+        {"GetProperty", ""},
+        {"GetPropertyAsInt", "0"},
+        {"Perform", ""},
+        {"SetValue", "48"},
+        {"SetValueAsInteger", "48"},
+        {"GetValueAsInteger", "0"},
+        {"GetValueAsReal", "0"},
+        {"GetValueAsString", ""},
+        {"TraceMessage", "undefined"},
+        {"DateStringToDay", "1"},
+        {"DateStringToMonth", "1"},
+        {"DateStringToYear", "1900"},
+        {"TimeStringToHours", "0"},
+        {"TimeStringToMinutes", "0"},
+        {"TimeStringToSeconds", "0"},
+        {"TimeStringToFrames", "0"},
+        {"PostponeResult", "0"},
+        {"DateStringToDayOfWeekAsNumber", "2"},
+    };
+    for (const auto& [method, result] : rows)
+        EXPECT_EQ(Run(std::string("QCalverin.") + method + "()"), result) << method;
+    for (const char* method : {"OnVariableChange", "PerformAsync", "SetInterval", "ClearInterval", "SetTimeout",
+                               "ClearTimeout", "EnumStringToIndex", "GetResource", "SetResult"})
+        EXPECT_EQ(Run(std::string("QCalverin.") + method + "()").find("SyntaxError: too few arguments"), 0u) << method;
+}
+
+TEST_F(InAScript, ArgumentsBeyondTheLongestListAreDropped) {
+    EXPECT_EQ(Run("QCalverin.StartTask('A', 1, 2, 3)"), "0");
+    EXPECT_EQ(newer.calls.back(), "StartTask|A");
+    EXPECT_EQ(Run("QCalverin.GotoLabel('A', 'B', 'C')"), "0");
+    EXPECT_EQ(newer.calls.back(), "GotoLabel|A|B");
+}
+
+TEST_F(InAScript, TextsBeyondLatinOneBecomeQuestionMarks) {
+    EXPECT_EQ(Run("QCalverin.StartTask('\\u00e9\\u20ac')"), "0");
+    EXPECT_EQ(newer.calls.back(), "StartTask|\xe9?");
+}
+
+TEST_F(InAScript, ANumberGivenAsAnIntegerValueTravelsAsText) {
+    FakeVariable& v = host.variables["v"];
+    EXPECT_EQ(Run("QCalverin.SetValueAsInteger('v', 5)"), "0");
+    EXPECT_EQ(v.written, "int|5|0|0");
+    EXPECT_EQ(Run("QCalverin.SetValueAsInteger('v', 5.5)"), "0");
+    EXPECT_EQ(v.written, "int|0|0|0");
+}
+
+TEST_F(InAScript, ItemsAreFoundInArraysOnly) {
+    EXPECT_EQ(Run("QCalverin.EnumStringToIndex(['a', 'b', 'b'], 'b')"), "1");
+    EXPECT_EQ(Run("QCalverin.EnumStringToIndex(['a', 'b'], 'B')"), "-1");
+    EXPECT_EQ(Run("QCalverin.EnumStringToIndex([7, ''], '7')"), "0");
+    EXPECT_EQ(Run("QCalverin.EnumStringToIndex([7, ''])"), "1");
+    for (const char* items : {"'a'", "null", "undefined", "5", "{0: 'a', length: 1}", "[]"})
+        EXPECT_EQ(Run(std::string("QCalverin.EnumStringToIndex(") + items + ", 'a')"), "-1") << items;
+}
+
+TEST_F(InAScript, DatesAndTimesAreTakenApart) {
+    EXPECT_EQ(Run("QCalverin.DateStringToDay('31/02/2012')"), "1");
+    EXPECT_EQ(Run("QCalverin.DateStringToYear('31/02/2012')"), "1900");
+    EXPECT_EQ(Run("QCalverin.DateStringToDay('29/02/2012')"), "29");
+    EXPECT_EQ(Run("QCalverin.DateStringToMonth('29/02/2012')"), "2");
+    for (int day = 1; day <= 7; ++day) // 1 January 2012 was a Sunday
+        EXPECT_EQ(Run("QCalverin.DateStringToDayOfWeekAsNumber('0" + std::to_string(day) + "/01/2012')"),
+                  std::to_string(day));
+    EXPECT_EQ(Run("QCalverin.TimeStringToFrames('01:02:03/04', 1)"), "4");
+    EXPECT_EQ(Run("QCalverin.TimeStringToHours('01:02:03/04')"), "1");
+    EXPECT_EQ(Run("QCalverin.TimeStringToMinutes('01:02:03/04')"), "2");
+    EXPECT_EQ(Run("QCalverin.TimeStringToSeconds('01:02:03/04')"), "3");
+    EXPECT_EQ(Run("QCalverin.TimeStringToHours('no time')"), "0");
+}
+
+TEST_F(InAScript, PerformAsyncGivesNineteenForWhatTheDeviceRefuses) {
+    EXPECT_EQ(Run("QCalverin.PerformAsync(5, 'O', 'A')"), "19");
+    EXPECT_TRUE(newer.calls.empty());
+}
+
+TEST_F(InAScript, PerformAsyncPassesTheCodeAndKeepsTwoReferences) {
+    for (const char* code : {"0", "21", "77"}) {
+        device.madeContext = new MyAsyncDeviceExecContext(&remote, remote.GetAsyncContexts());
+        newer.code = static_cast<KXPCode>(std::stoul(code));
+        EXPECT_EQ(Run("QCalverin.PerformAsync(function() {}, 'O', 'A', 'List', 'a=1')"), code);
+        EXPECT_EQ(newer.calls.back(),
+                  "Perform|O|A|<parameters>\n\t<parameter name=\"a\" value=\"1\" />\n</parameters>\n");
+        device.madeContext->Release();
+        EXPECT_EQ(remote.GetAsyncContexts()->Count(), 1u);
+        device.madeContext->Release();
+        EXPECT_EQ(remote.GetAsyncContexts()->Count(), 0u);
+    }
+    device.ending = true;
+    newer.calls.clear();
+    EXPECT_EQ(Run("QCalverin.PerformAsync(function() {}, 'O', 'A')"), "19");
+    EXPECT_TRUE(newer.calls.empty());
+}
+
+TEST_F(InAScript, PerformAsyncGivesSixteenOnTheOlderLink) {
+    FakeRemote older;
+    EXPECT_EQ(MScriptMngRemote(&device, &older, nullptr, nullptr, &engine).PerformAsync(QScriptValue()), 16u);
+    EXPECT_TRUE(older.calls.empty());
+}
+
+TEST_F(InAScript, TimersAreTheDevices) {
+    EXPECT_EQ(Run("QCalverin.SetInterval(function() {}, 20)"), "1");
+    EXPECT_EQ(Run("QCalverin.SetTimeout(function() {}, 30)"), "2");
+    Run("QCalverin.ClearInterval(1); QCalverin.ClearTimeout(9)");
+    EXPECT_EQ(device.timerCalls,
+              (std::vector<std::string>{"SetInterval 20", "SetTimeout 30", "ClearInterval 1", "ClearTimeout 9"}));
+    MScriptMngRemote alone(nullptr, nullptr, nullptr, nullptr, &engine);
+    EXPECT_EQ(alone.SetInterval(QScriptValue(), 20), -1);
+    EXPECT_EQ(alone.SetTimeout(QScriptValue(), 20), -1);
+    alone.ClearInterval(1);
+    alone.ClearTimeout(1);
+}
+
+} // namespace
