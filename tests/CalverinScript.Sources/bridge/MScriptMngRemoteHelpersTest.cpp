@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <QCoreApplication>
+#include <QMetaMethod>
 #include <QScriptEngine>
 
 #include "FakeRemotes.h"
@@ -159,6 +160,21 @@ TEST_F(InAScript, TimersAreTheDevices) {
     EXPECT_EQ(alone.SetTimeout(QScriptValue(), 20), -1);
     alone.ClearInterval(1);
     alone.ClearTimeout(1);
+}
+
+TEST_F(InAScript, WrongTypesNeverThrow) {
+    const QMetaObject& meta = MScriptMngRemote::staticMetaObject;
+    for (const char* odd : {"undefined", "null", "true", "-1.5", "NaN", "'x'", "{}", "[1]", "new Date(0)", "QCalverin"})
+        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+            const QMetaMethod entry = meta.method(i);
+            std::string list;
+            for (int n = 0; n < entry.parameterCount(); ++n)
+                list += (n > 0 ? "," : "") + std::string(odd);
+            const std::string call = "QCalverin." + entry.name().toStdString() + "(" + list + ")";
+            EXPECT_FALSE(engine.evaluate(QString::fromStdString(call)).isError()) << call;
+            EXPECT_FALSE(engine.hasUncaughtException()) << call;
+            engine.clearExceptions();
+        }
 }
 
 } // namespace
