@@ -48,7 +48,7 @@ QString MScriptMngRemote::ForwardForText(Newer newer, Older older, const Argumen
     char* text = nullptr;
     if (remote == nullptr || (remote->*older)(arguments..., &text) != KXP_OK || text == nullptr)
         return QStringLiteral("");
-    const QString result = FromHostText(text);
+    QString result = FromHostText(text);
     remote->FreeText(&text);
     return result;
 }

@@ -45,7 +45,7 @@ int MScriptMngRemote::EnumStringToIndex(const QScriptValue& Items, const QString
     if (!Items.isArray())
         return -1;
     const quint32 length = Items.property(QStringLiteral("length")).toUInt32();
-    for (quint32 i = 0; i < length; ++i)
+    for (quint32 i = 0; i < length && !IsDeviceEnding(); ++i)
         if (Items.property(i).toString() == sItem)
             return static_cast<int>(i);
     return -1;
