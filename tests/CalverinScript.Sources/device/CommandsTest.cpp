@@ -265,6 +265,7 @@ TEST_F(Commands, APostponedResultStaysOpenUntilItIsSetAndIgnoresTheReturnValue) 
     ASSERT_EQ(Send(3, *params, &context), KXP_OK);
     EXPECT_EQ(Call("Other"), "free");
     EXPECT_EQ(context.Ended(), 0);
+    EXPECT_EQ(params->At(1).Text(), "");
     OnScriptThread([&] {
         const QScriptValue global = device->GetLiveSet().global;
         id = global.property(QStringLiteral("id")).toInt32();

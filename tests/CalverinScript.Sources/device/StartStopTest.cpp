@@ -171,7 +171,8 @@ TEST_F(StartStop, TheFirstDeviceMakesTheTickTimerAndTheLastEndsIt) {
     ASSERT_NE(shared, nullptr);
     auto* second = new MCalverinScript_Device(&module, nullptr, "Second");
     EXPECT_EQ(ModuleShared::Get(), shared);
-    second->Release();
+    device->Release();
+    device = second;
     EXPECT_EQ(ModuleShared::Get(), shared);
     EXPECT_FALSE(ModuleShared::Get()->tickTimer.StopRequested());
     EndDevice();
