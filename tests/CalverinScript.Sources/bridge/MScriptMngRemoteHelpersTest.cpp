@@ -1,36 +1,8 @@
-#include <gtest/gtest.h>
-#include <QCoreApplication>
 #include <QMetaMethod>
-#include <QScriptEngine>
 
-#include "FakeRemotes.h"
-#include "FakeScriptDevice.h"
-#include "FakeVariables.h"
-#include "MScriptMngRemote.h"
+#include "InAScript.h"
 
 namespace {
-
-/// An engine needs an application while it lives.
-class InAScript : public testing::Test {
-protected:
-    InAScript() { engine.globalObject().setProperty(QStringLiteral("QCalverin"), engine.newQObject(&remote)); }
-    /// The text of the value, or of the exception.
-    std::string Run(const std::string& script) {
-        const QScriptValue value = engine.evaluate(QString::fromUtf8(script.c_str()));
-        engine.clearExceptions();
-        return value.toString().toStdString();
-    }
-
-    int count = 1;
-    char name[5] = "test";
-    char* arguments[2] = {name, nullptr};
-    QCoreApplication application{count, arguments};
-    FakeScriptDevice device;
-    FakeRemote2 newer;
-    FakeVariables host;
-    QScriptEngine engine;
-    MScriptMngRemote remote{&device, nullptr, &newer, &host, &engine};
-};
 
 TEST_F(InAScript, EveryMethodButThoseThatNeedArgumentsRunsWithNone) {
     const std::pair<const char*, const char*> rows[] = {
@@ -144,8 +116,7 @@ TEST_F(InAScript, PerformAsyncPassesTheCodeAndKeepsTwoReferences) {
 }
 
 TEST_F(InAScript, PerformAsyncGivesSixteenOnTheOlderLink) {
-    FakeRemote older;
-    EXPECT_EQ(MScriptMngRemote(&device, &older, nullptr, nullptr, &engine).PerformAsync(QScriptValue()), 16u);
+    EXPECT_EQ(onOlder.PerformAsync(QScriptValue()), 16u);
     EXPECT_TRUE(older.calls.empty());
 }
 
