@@ -30,6 +30,30 @@ BareRelay::~BareRelay() {
         m_script.engine, [this] { m_object = QScriptValue(); }, Qt::BlockingQueuedConnection);
 }
 
+void BareRelay::Offer(const QString& name, QObject& object) {
+    QMetaObject::invokeMethod(
+        m_script.engine,
+        [&] { m_script.engine->globalObject().setProperty(name, m_script.engine->newQObject(&object)); },
+        Qt::BlockingQueuedConnection);
+}
+
+void BareRelay::StartTimer(int periodMs) {
+    QMetaObject::invokeMethod(
+        m_script.engine,
+        [&] {
+            m_timer = new QTimer;
+            m_timer->setTimerType(Qt::PreciseTimer);
+            QObject::connect(m_timer, &QTimer::timeout, m_timer, [this] { CallFunction(); });
+            m_timer->start(periodMs);
+        },
+        Qt::BlockingQueuedConnection);
+}
+
+void BareRelay::StopTimer() {
+    QMetaObject::invokeMethod(
+        m_script.engine, [&] { delete m_timer; }, Qt::BlockingQueuedConnection);
+}
+
 QString BareRelay::RoundTrip() {
     m_done = false;
     QMetaObject::invokeMethod(
@@ -44,8 +68,12 @@ QString BareRelay::RoundTrip() {
     return m_result;
 }
 
+QScriptValue BareRelay::CallFunction() {
+    return m_object.property(QStringLiteral("F")).call(m_object, QScriptValueList{QStringLiteral("a")});
+}
+
 void BareRelay::CallOnEngineThread() {
-    m_result = m_object.property(QStringLiteral("F")).call(m_object, QScriptValueList{QStringLiteral("a")}).toString();
+    m_result = CallFunction().toString();
     QMetaObject::invokeMethod(
         &m_relay, [this] { Done(); }, Qt::QueuedConnection);
 }

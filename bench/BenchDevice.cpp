@@ -4,8 +4,12 @@
 
 #include <dlfcn.h>
 
-IKXPModule& BenchModule() {
+plain::Host& BenchHost() {
     static plain::Host host;
+    return host;
+}
+
+IKXPModule& BenchModule() {
     static IKXPModule* module = [] {
         void* file = dlopen(MODULE_FILE, RTLD_NOW | RTLD_LOCAL);
         const auto entry =
@@ -13,8 +17,8 @@ IKXPModule& BenchModule() {
         IKXPModule* made = nullptr;
         if (entry == nullptr || entry(&made) != KXP_OK)
             std::abort();
-        made->Initialize(host.Root(), nullptr, nullptr);
-        made->SetDeviceHost(&host);
+        made->Initialize(BenchHost().Root(), nullptr, nullptr);
+        made->SetDeviceHost(&BenchHost());
         return made;
     }();
     return *module;

@@ -5,7 +5,9 @@
 
 #include "PlainHost.h"
 
-/// The module, loaded once for the process, with a plain host behind it.
+/// The host of the process. What a device is to find there is set before the device is made.
+plain::Host& BenchHost();
+/// The module, loaded once for the process, with that host behind it.
 IKXPModule& BenchModule();
 
 /// One device of it, started with a script.
