@@ -1,0 +1,47 @@
+#pragma once
+
+#include "SystemSocket.h"
+
+#include <cstdint>
+
+/// Wakes the one thread that waits on sockets. A Set before the wait ends the wait at once: it is never lost. Several Sets
+/// before the thread looks are one.
+class SocketWake {
+public:
+    SocketWake() = default;
+    ~SocketWake();
+    SocketWake(const SocketWake&) = delete;
+    SocketWake& operator=(const SocketWake&) = delete;
+
+    /// Takes the descriptor that the wake needs; harmless when it has one. Before any other operation.
+    /// @return false when the system has none left.
+    bool Open();
+
+    /// [thread: any]
+    void Set();
+
+    /// Forgets what was set.   [thread: the one that waits]
+    void Reset();
+
+    bool IsOpen() const { return m_handle >= 0; }
+    int GetHandle() const { return m_handle; }
+
+private:
+    int m_handle = -1; // written by Open, before there are readers
+};
+
+/// What ended a wait. Failed: the system cannot wait on this socket.
+struct SocketReadiness {
+    bool woken = false; ///< the wake was set; it has been reset
+    bool ready = false; ///< the socket can be read, written or has an error or an end to tell
+    bool writable = false;
+    bool failed = false;
+};
+
+/// Waits until a socket can be read (or written, with forWriting too) or the wake is set, at most timeoutMs, kInfinite for
+/// ever. A null socket waits for the wake alone. Nothing ready, woken or failed: the time is over.   [thread: the one that waits]
+SocketReadiness WaitForSocket(const SystemSocket* socket, bool forWriting, SocketWake& wake, std::uint32_t timeoutMs);
+
+/// Waits without limit until a socket can be written, a connect on it has ended, or it was shut down. Any number of threads may
+/// wait. @return false when the system cannot wait on it.   [thread: any]
+bool WaitUntilWritable(const SystemSocket& socket);
