@@ -24,7 +24,7 @@ public:
     WorkerPool(const WorkerPool&) = delete;
     WorkerPool& operator=(const WorkerPool&) = delete;
 
-    /// Runs a call; the main thread's wait is woken when it has come back.   [host main]
+    /// Runs a call; the main thread's wait is woken when it has come back.   [any]
     std::shared_ptr<Task> Run(std::function<void()> call);
 
     /// Ends the threads. @return false when a task was still running at the end of the limit: it is left behind, and

@@ -71,6 +71,16 @@ std::map<std::string, std::string> HostValue::Properties() const {
     return properties_;
 }
 
+void HostValue::TellChangesTo(ChangeSink* sink) {
+    const std::lock_guard<std::mutex> hold(lock_);
+    sink_ = sink;
+}
+
+void HostValue::TellSink() const {
+    if (sink_ != nullptr && sink_->IsWanted())
+        sink_->ValueChanged(name_, ReadText());
+}
+
 Observation HostValue::Observe(std::function<void()> observer) {
     auto entry = std::make_shared<Observer>(std::move(observer));
     const std::lock_guard<std::mutex> hold(lock_);

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "ChangeSink.h"
 #include "IData.h"
 #include "ValueSpec.h"
 
@@ -57,6 +58,9 @@ public:
     const char* Property(const char* name) const;
     std::map<std::string, std::string> Properties() const;
 
+    /// Tells every further change of the content to the sink, which must outlive the value; null for none.   [any]
+    void TellChangesTo(ChangeSink* sink);
+
     /// Calls the observer after each change, on the thread that made it, with no lock held.
     [[nodiscard]] Observation Observe(std::function<void()> observer);
 
@@ -89,20 +93,23 @@ protected:
         {
             const std::lock_guard<std::mutex> hold(lock_);
             taken = change();
-            if (taken == Taken::Changed)
+            if (taken == Taken::Changed) {
                 observers = observers_;
+                TellSink();
+            }
         }
         if (observers)
             Notify(*observers);
         return taken != Taken::No;
     }
 
-    mutable std::mutex lock_; ///< guards the content, the limits, the properties and the list of observers
+    mutable std::mutex lock_; ///< guards the content, the limits, the properties, the sink and the list of observers
 
 private:
     using Observer = std::function<void()>;
     using Observers = std::vector<std::shared_ptr<Observer>>;
 
+    void TellSink() const;
     static void Notify(const Observers& observers);
     void Forget(const Observer* observer);
 
@@ -110,6 +117,7 @@ private:
     const std::uint32_t type_;
     std::uint32_t instanceId_;
     std::map<std::string, std::string> properties_;
+    ChangeSink* sink_ = nullptr;                 ///< not owned
     std::shared_ptr<const Observers> observers_; ///< null while there are none; replaced, never changed
 };
 

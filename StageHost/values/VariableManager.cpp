@@ -5,8 +5,9 @@
 
 namespace stagehost {
 
-VariableManager::VariableManager(HostFaces& faces)
-    : HostFace(faces) {
+VariableManager::VariableManager(HostFaces& faces, ChangeSink* sink)
+    : HostFace(faces)
+    , sink_(sink) {
     OfferAs("IVariableManager");
 }
 
@@ -27,12 +28,17 @@ bool VariableManager::Add(const std::shared_ptr<HostValue>& variable) {
         return false;
     variable->SetIdentity(variable->Name(), NumberFor(*variable));
     variables_.emplace(variable->Name(), variable);
+    variable->TellChangesTo(sink_);
     return true;
 }
 
 void VariableManager::Remove(const std::string& name) {
     const std::lock_guard<std::shared_mutex> hold(lock_);
-    variables_.erase(name);
+    const auto found = variables_.find(name);
+    if (found == variables_.end())
+        return;
+    found->second->TellChangesTo(nullptr);
+    variables_.erase(found);
 }
 
 std::shared_ptr<HostValue> VariableManager::Find(const std::string& name) const {

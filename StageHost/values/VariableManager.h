@@ -19,7 +19,9 @@ namespace stagehost {
 /// been removed is no longer found but stays in memory as long as its owner keeps it, since the module may hold it.
 class VariableManager final : public HostFace<IVariableManager> {
 public:
-    explicit VariableManager(HostFaces& faces);
+    /// @param sink hears of every change of every variable as long as it is one of the show's; must outlive the
+    /// variables; null for none.
+    explicit VariableManager(HostFaces& faces, ChangeSink* sink = nullptr);
 
     KXPCode Reserved1(void* argument) override;
     IData* FindVariable(const char* name) override;
@@ -41,6 +43,7 @@ public:
 private:
     std::uint32_t NumberFor(const HostValue& variable);
 
+    ChangeSink* const sink_;
     mutable std::shared_mutex lock_;            ///< guards the fields below
     std::unordered_set<std::uint32_t> numbers_; ///< every number given so far: none is given twice
     std::uint32_t lastNumber_ = 0;

@@ -1,0 +1,69 @@
+#include "ActionObjects.h"
+
+#include "HostCodes.h"
+
+namespace stagehost {
+
+Cue::Cue(CueSpec spec, ChangeFeed& feed, ActionPlayer player)
+    : ShowObject(ObjectKind::Cue, spec.name, spec.conduct)
+    , action_(std::move(spec.action))
+    , feed_(feed)
+    , player_(std::move(player)) {}
+
+void Cue::Go() {
+    {
+        const std::lock_guard<std::mutex> hold(lock_);
+        feed_.Tell(ObjectKind::Cue, Name(), "Count", std::to_string(++count_));
+    }
+    player_(action_, [this](const std::string& what) { feed_.Tell(ObjectKind::Cue, Name(), "Error", what); });
+}
+
+std::vector<ObjectProperty> Cue::Properties() const {
+    const std::lock_guard<std::mutex> hold(lock_);
+    return {{"Count", std::to_string(count_)}};
+}
+
+void Cue::Perform(const std::string& action, const Parameters& parameters, const Answer& answer) {
+    if (action != "Go")
+        return answer({kNoSuchAction, {}});
+    if (!parameters.List().empty())
+        return answer({kBadParameters, {}});
+    Go();
+    answer({KXP_OK, std::string()});
+}
+
+LoadableShow::LoadableShow(LoadableShowSpec spec, ChangeFeed& feed, ActionPlayer player)
+    : ShowObject(ObjectKind::Show, spec.name, spec.conduct)
+    , action_(std::move(spec.action))
+    , feed_(feed)
+    , player_(std::move(player)) {}
+
+KXPCode LoadableShow::Load(std::int32_t time) {
+    if (time < 0)
+        return kBadValue;
+    {
+        const std::lock_guard<std::mutex> hold(lock_);
+        loaded_ = true;
+        time_ = time;
+        feed_.Tell(ObjectKind::Show, Name(), "Loaded", std::to_string(time));
+    }
+    player_(action_, [this](const std::string& what) { feed_.Tell(ObjectKind::Show, Name(), "Error", what); });
+    return KXP_OK;
+}
+
+std::vector<ObjectProperty> LoadableShow::Properties() const {
+    const std::lock_guard<std::mutex> hold(lock_);
+    return {{"Loaded", loaded_ ? "true" : "false"}, {"Time", std::to_string(time_)}};
+}
+
+void LoadableShow::Perform(const std::string& action, const Parameters& parameters, const Answer& answer) {
+    if (action != "Load")
+        return answer({kNoSuchAction, {}});
+    const auto time = parameters.WholeOr("Time", 0);
+    if (!parameters.AreAmong({"Time"}) || !time)
+        return answer({kBadParameters, {}});
+    const KXPCode code = Load(*time);
+    answer({code, code == KXP_OK ? std::optional(std::string()) : std::nullopt});
+}
+
+} // namespace stagehost

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ChangeSink.h"
+#include "ShowChange.h"
+
+namespace stagehost {
+
+/// Keeps a listener of the feed in place. When it is gone, the listener is not running and never runs again; only a
+/// listener that ends its own subscription goes on to its end.
+using Subscription = std::shared_ptr<void>;
+
+/// Brings the changes of the show to those who asked for them:
+///
+/// - every change that comes after the subscription reaches the listener, once;
+/// - all listeners hear all changes in one order, and changes of one object in the order in which they happened;
+/// - listeners run on the one thread of the feed, never on that of the change;
+/// - what is waiting when the feed ends is not told any more.
+class ChangeFeed final : public ChangeSink {
+public:
+    using Listener = std::function<void(const ShowChange&)>;
+
+    ChangeFeed();
+    /// Waits for a listener that runs.
+    ~ChangeFeed();
+    ChangeFeed(const ChangeFeed&) = delete;
+    ChangeFeed& operator=(const ChangeFeed&) = delete;
+
+    /// @return ends before the feed does.   [any]
+    [[nodiscard]] Subscription Subscribe(Listener listener);
+
+    /// Tells a change.   [any]
+    void Tell(ObjectKind kind, const std::string& object, const std::string& property, std::string value);
+
+    bool IsWanted() const override { return listenerCount_.load() != 0; }
+    void ValueChanged(const std::string& name, std::string text) override;
+
+private:
+    struct Entry {
+        std::recursive_mutex gate; ///< held while the listener runs; guards listener
+        Listener listener;         ///< empty when the subscription has ended
+        std::uint64_t after = 0;   ///< changes up to this number came before the subscription
+    };
+
+    void Serve();
+    void Forget(const std::shared_ptr<Entry>& entry);
+
+    std::atomic<int> listenerCount_{0}; ///< written under the lock, read by every change
+    std::mutex lock_;                   ///< guards the fields below
+    std::condition_variable changed_;
+    std::deque<ShowChange> queue_;
+    std::vector<std::shared_ptr<Entry>> entries_;
+    std::uint64_t lastNumber_ = 0;
+    bool ending_ = false;
+    std::thread thread_;
+};
+
+} // namespace stagehost

@@ -1,0 +1,216 @@
+#include "ShowModel.h"
+
+#include <algorithm>
+
+#include "HostCodes.h"
+#include "VariableObject.h"
+
+namespace stagehost {
+
+namespace {
+
+using Failed = std::function<void(const std::string&)>;
+
+void Report(const Failed& failed, const std::string& what, KXPCode code) {
+    if (code == KXP_OK || !failed)
+        return;
+    const char* text = FindHostCodeText(code);
+    failed(what + ": " + (text == nullptr ? "code " + std::to_string(code) : std::string(text)));
+}
+
+template <typename Object>
+std::shared_ptr<Object> As(const ShowObjectPtr& object) {
+    return std::static_pointer_cast<Object>(object);
+}
+
+} // namespace
+
+ShowModel::ShowModel(VariableManager& variables, ChangeFeed& feed)
+    : variables_(variables)
+    , feed_(feed) {}
+
+ShowModel::~ShowModel() {
+    EndTasks();
+}
+
+void ShowModel::Fill(const ShowSpec& spec) {
+    const auto player = [this](const ActionSpec& action, const Failed& failed) { Run(action, failed); };
+    for (const auto& task : spec.tasks)
+        top_.push_back(std::make_shared<ShowTask>(task, feed_, player));
+    for (const auto& cue : spec.cues)
+        top_.push_back(std::make_shared<Cue>(cue, feed_, player));
+    for (const auto& screen : spec.screens)
+        top_.push_back(std::make_shared<UserScreen>(screen, feed_));
+    for (const auto& show : spec.shows)
+        top_.push_back(std::make_shared<LoadableShow>(show, feed_, player));
+    for (const auto& object : top_)
+        own_.emplace(std::pair(object->Kind(), object->Name()), object);
+    for (const auto& group : spec.groups) {
+        top_.push_back(std::make_shared<UserGroup>(group));
+        FillGroups(As<UserGroup>(top_.back()));
+    }
+    for (const auto& object : spec.objects) {
+        top_.push_back(std::make_shared<PlainObject>(object, std::string(), feed_));
+        FillObjects(As<PlainObject>(top_.back()));
+    }
+}
+
+void ShowModel::FillGroups(const std::shared_ptr<UserGroup>& group) {
+    own_.emplace(std::pair(ObjectKind::UserGroup, group->Name()), group);
+    for (const auto& below : group->Groups())
+        FillGroups(below);
+}
+
+void ShowModel::FillObjects(const std::shared_ptr<PlainObject>& object) {
+    own_.emplace(std::pair(ObjectKind::Object, object->Name()), object);
+    for (const auto& below : object->Objects())
+        FillObjects(below);
+}
+
+void ShowModel::EndTasks() {
+    for (const auto& object : top_) {
+        if (object->Kind() == ObjectKind::Task)
+            As<ShowTask>(object)->End();
+    }
+}
+
+void ShowModel::AddDevice(ShowObjectPtr device) {
+    const std::lock_guard<std::mutex> hold(lock_);
+    const std::string name = device->Name();
+    devices_[name] = std::move(device);
+}
+
+void ShowModel::RemoveDevice(const std::string& name) {
+    ShowObjectPtr last; // goes behind the lock
+    const std::lock_guard<std::mutex> hold(lock_);
+    const auto found = devices_.find(name);
+    if (found == devices_.end())
+        return;
+    last = std::move(found->second);
+    devices_.erase(found);
+}
+
+ShowObjectPtr ShowModel::Find(ObjectKind kind, const std::string& name) const {
+    if (kind == ObjectKind::Variable) {
+        auto variable = variables_.Find(name);
+        return variable ? std::make_shared<VariableObject>(std::move(variable)) : nullptr;
+    }
+    if (kind == ObjectKind::Device) {
+        const std::lock_guard<std::mutex> hold(lock_);
+        const auto found = devices_.find(name);
+        return found == devices_.end() ? nullptr : found->second;
+    }
+    const auto found = own_.find(std::pair(kind, name));
+    return found == own_.end() ? nullptr : found->second;
+}
+
+ShowObjectPtr ShowModel::FindAny(const std::string& name) const {
+    for (const auto& row : kObjectKinds) {
+        if (auto object = Find(row.kind, name))
+            return object;
+    }
+    return nullptr;
+}
+
+std::shared_ptr<ShowTask> ShowModel::FindTask(const std::string& name) const {
+    return As<ShowTask>(Find(ObjectKind::Task, name));
+}
+
+std::shared_ptr<UserScreen> ShowModel::FindScreen(const std::string& name) const {
+    return As<UserScreen>(Find(ObjectKind::UserScreen, name));
+}
+
+std::shared_ptr<LoadableShow> ShowModel::FindShow(const std::string& name) const {
+    return As<LoadableShow>(Find(ObjectKind::Show, name));
+}
+
+std::shared_ptr<Cue> ShowModel::FindCue(const std::string& name) const {
+    return As<Cue>(Find(ObjectKind::Cue, name));
+}
+
+std::shared_ptr<UserGroup> ShowModel::FindGroup(const std::string& name) const {
+    return As<UserGroup>(Find(ObjectKind::UserGroup, name));
+}
+
+std::vector<ShowObjectPtr> ShowModel::Top(ObjectKind kind) const {
+    std::vector<ShowObjectPtr> objects;
+    if (kind == ObjectKind::Variable) {
+        for (auto& variable : variables_.All())
+            objects.push_back(std::make_shared<VariableObject>(std::move(variable)));
+        return objects;
+    }
+    if (kind == ObjectKind::Device) {
+        const std::lock_guard<std::mutex> hold(lock_);
+        for (const auto& entry : devices_)
+            objects.push_back(entry.second);
+        return objects;
+    }
+    std::copy_if(top_.begin(), top_.end(), std::back_inserter(objects),
+                 [&](const auto& object) { return object->Kind() == kind; });
+    return objects;
+}
+
+std::vector<ShowObjectPtr> ShowModel::Below(const ShowObject& object) const {
+    std::vector<ShowObjectPtr> below;
+    if (object.Kind() == ObjectKind::UserGroup) {
+        const auto& group = static_cast<const UserGroup&>(object);
+        for (const auto& member : group.Members()) {
+            if (auto found = FindAny(member))
+                below.push_back(std::move(found));
+        }
+        below.insert(below.end(), group.Groups().begin(), group.Groups().end());
+    }
+    if (object.Kind() == ObjectKind::Object) {
+        const auto& objects = static_cast<const PlainObject&>(object).Objects();
+        below.insert(below.end(), objects.begin(), objects.end());
+    }
+    if (object.Kind() == ObjectKind::Device) {
+        for (auto& variable : Top(ObjectKind::Variable)) {
+            if (variable->Name().rfind(object.Name() + ".", 0) == 0)
+                below.push_back(std::move(variable));
+        }
+    }
+    return below;
+}
+
+bool ShowModel::GroupHas(const std::string& group, const std::string& variable) const {
+    if (group == kGrantedGroup)
+        return true;
+    const auto found = FindGroup(group);
+    return found && found->HasVariable(variable);
+}
+
+void ShowModel::Run(const ActionSpec& action, const Failed& failed) {
+    for (const auto& [name, value] : action.sets) {
+        const auto variable = variables_.Find(name);
+        const KXPCode code = !variable ? kNoSuchObject : variable->SetText(value) ? KXP_OK : KXPCode{kBadValue};
+        Report(failed, name, code);
+    }
+    if (!action.device.empty())
+        RunCommand(action, failed);
+    if (!action.task.empty()) {
+        const auto task = FindTask(action.task);
+        Report(failed, action.task, task ? task->Do(action.taskAction) : KXPCode{kNoSuchObject});
+    }
+    if (action.cue.empty())
+        return;
+    const auto cue = FindCue(action.cue);
+    Report(failed, action.cue, cue ? KXP_OK : KXPCode{kNoSuchObject});
+    if (cue)
+        cue->Go();
+}
+
+void ShowModel::RunCommand(const ActionSpec& action, const Failed& failed) {
+    const auto device = Find(ObjectKind::Device, action.device);
+    const std::string what = action.device + ", " + action.command;
+    if (!device)
+        return Report(failed, what, kNoSuchObject);
+    device->Perform(action.command, Parameters(action.parameters), [failed, what](const Reply& reply) {
+        if (reply.code == kActionFailed && reply.text && failed)
+            failed(what + ": " + *reply.text);
+        else
+            Report(failed, what, reply.code);
+    });
+}
+
+} // namespace stagehost
