@@ -2,6 +2,7 @@
 
 #include "SystemSocket.h"
 
+#include <atomic>
 #include <cstdint>
 
 /// Wakes the one thread that waits on sockets. A Set before the wait ends the wait at once: it is never lost. Several Sets
@@ -13,8 +14,8 @@ public:
     SocketWake(const SocketWake&) = delete;
     SocketWake& operator=(const SocketWake&) = delete;
 
-    /// Takes the descriptor that the wake needs; harmless when it has one. Before any other operation.
-    /// @return false when the system has none left.
+    /// Takes the descriptor that the wake needs; harmless when it has one. Before it, Set does nothing.
+    /// @return false when the system has none left.   [thread: one at a time]
     bool Open();
 
     /// [thread: any]
@@ -27,7 +28,7 @@ public:
     int GetHandle() const { return m_handle; }
 
 private:
-    int m_handle = -1; // written by Open, before there are readers
+    std::atomic<int> m_handle{-1}; // written once, by Open
 };
 
 /// What ended a wait. Failed: the system cannot wait on this socket.

@@ -97,6 +97,7 @@ public:
 
 private:
     SocketError Open(int type);
+    void Dissolve();
     void Close();
 
     SocketHandle m_handle = kNoSocket;

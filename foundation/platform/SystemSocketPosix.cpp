@@ -171,8 +171,16 @@ SocketError SystemSocket::FinishConnect(const SocketAddress& address) {
     if (error != SocketError::None && error != SocketError::IsConnected)
         return error;
     SocketAddress local;
-    const bool metItself = GetLocalAddress(local) == SocketError::None && local == address;
-    return metItself ? SocketError::ConnectionRefused : SocketError::None;
+    if (!(GetLocalAddress(local) == SocketError::None && local == address))
+        return SocketError::None;
+    Dissolve();
+    return SocketError::ConnectionRefused;
+}
+
+void SystemSocket::Dissolve() {
+    sockaddr nobody{};
+    nobody.sa_family = AF_UNSPEC;
+    connect(Fd(m_handle), &nobody, sizeof nobody);
 }
 
 SocketError SystemSocket::GetPendingCount(std::uint32_t& count) const {

@@ -1,0 +1,113 @@
+#include "Clock.h"
+#include "MTCPClientSocket.h"
+#include "TCPHandlerCalls.h"
+
+#include <algorithm>
+
+// The body of the socket's thread. It sleeps in one place, WaitForSocket, and m_wake ends each of its sleeps.
+
+namespace {
+
+constexpr std::uint32_t kBetweenAttemptsMs = 2000;
+constexpr std::uint32_t kBackOffMs = 100;
+
+} // namespace
+
+std::uint32_t MTCPClientSocket::Run() {
+    m_threadId = std::this_thread::get_id();
+    while (!StopRequested()) {
+        if (const ConnectionPtr connection = StandingConnection())
+            Serve(connection);
+        else
+            ConnectWhenWanted();
+    }
+    m_threadId = std::thread::id();
+    return 0;
+}
+
+// A pending connect waits for its time and is never dropped.
+void MTCPClientSocket::ConnectWhenWanted() {
+    std::uint32_t waitMs = kInfinite;
+    if (m_connectionWanted && (m_autoReconnect || m_connectPending))
+        waitMs = MillisecondsToNextAttempt();
+    if (waitMs != 0) {
+        WaitForSocket(nullptr, false, m_wake, waitMs);
+        return;
+    }
+    m_connectPending = false;
+    m_lastAttemptMs = std::max<std::uint32_t>(1, MillisecondClock());
+    RunConnect(true);
+}
+
+std::uint32_t MTCPClientSocket::MillisecondsToNextAttempt() const {
+    const std::uint32_t last = m_lastAttemptMs;
+    const std::uint32_t passed = MillisecondClock() - last;
+    return last == 0 || passed >= kBetweenAttemptsMs ? 0 : kBetweenAttemptsMs - passed;
+}
+
+void MTCPClientSocket::Serve(const ConnectionPtr& connection) {
+    while (!StopRequested() && StandingConnection() == connection) {
+        const bool unsent = connection->outgoing.HasUnsent();
+        const SocketReadiness readiness = WaitForSocket(&connection->socket, unsent, m_wake, kInfinite);
+        if (StopRequested())
+            return;
+        if (readiness.failed) {
+            TellError(NetSetupFailed);
+            return BackOff();
+        }
+        if (readiness.writable)
+            connection->outgoing.Flush(connection->socket);
+        if (readiness.ready && !ReadSome(connection))
+            return;
+    }
+}
+
+// False when the connection is over. What came before the end is delivered first.
+bool MTCPClientSocket::ReadSome(const ConnectionPtr& connection) {
+    std::uint32_t pending = 0;
+    if (connection->socket.GetPendingCount(pending) != SocketError::None) {
+        TellError(NetReadFailed);
+        BackOff();
+        return true;
+    }
+    if (pending > m_receiveBufferSize) {
+        m_receiveBuffer.reset(new char[pending]);
+        m_receiveBufferSize = pending;
+    }
+    const SocketTransfer received = connection->socket.Receive(m_receiveBuffer.get(), m_receiveBufferSize);
+    if (received.bytes > 0) {
+        const auto length = static_cast<std::int32_t>(received.bytes);
+        TellHandlers([&](ITCPClientSocketHandler& handler) { handler.OnData(m_receiveBuffer.get(), length, this); });
+        return true;
+    }
+    if (received.error == SocketError::WouldBlock)
+        return true;
+    Lose(connection, received.error);
+    return false;
+}
+
+// The peer closed or reset. Who closed the socket before us has told of it.
+void MTCPClientSocket::Lose(const ConnectionPtr& connection, SocketError error) {
+    const std::lock_guard<MLock> lock(m_connectLock);
+    {
+        const std::lock_guard<std::mutex> guard(m_state);
+        if (m_connection != connection)
+            return;
+        m_connection = nullptr;
+        m_connected = false;
+    }
+    if (error != SocketError::None)
+        TellError(TranslateError(static_cast<std::int32_t>(error)));
+    const bool stop = m_stopOnClose;
+    if (stop)
+        RequestStop();
+    connection->socket.ShutDown();
+    TellHandlers([this](ITCPClientSocketHandler& handler) { handler.OnClose(this); });
+    if (stop)
+        MWSAData::Stop();
+}
+
+// A system that refuses to wait or to read must not make the thread spin.
+void MTCPClientSocket::BackOff() {
+    WaitForSocket(nullptr, false, m_wake, kBackOffMs);
+}
