@@ -53,6 +53,7 @@ public:
     bool IsDebuggerAllowed() const override { return debuggerAllowed; }
     bool IsHostAtLeast642() const override;
     bool IsHostAtLeast643() const override;
+    MLockedList<MCalverinScript_Device*>* GetDeviceList() override { return &devices; }
     void RemoveDevice(MCalverinScript_Device* device) override;
 
     /// The host's version numbers, -1 where it told none. @return false on a null argument.   [any]

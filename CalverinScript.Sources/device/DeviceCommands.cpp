@@ -6,20 +6,13 @@
 #include <mutex>
 
 #include "CommandNumbers.h"
+#include "HostData.h"
 #include "HostText.h"
 #include "MScriptMngRemote.h"
 
 namespace {
 
 constexpr std::uint32_t kParamsOfExecuteWithParams = 2 + kArgumentCount;
-
-/// The value that counts for a parameter: the bound variable's when there is one, its own otherwise.
-IData* EffectiveData(IObjectParam* param) {
-    if (param == nullptr)
-        return nullptr;
-    IData* bound = param->GetValue(0);
-    return bound != nullptr ? bound : param;
-}
 
 /// The text of a parameter for the time of a post; given back to its value at the end.
 class ParamText {
@@ -78,12 +71,6 @@ KXPCode MCalverinScript_Device::PostBuiltIn(std::int32_t id, IObjectParams* para
     }
     ExecuteScriptFunctionWithParams(context, first.Get(), EffectiveData(params->GetParam(1)), texts.data(), false);
     return KXP_OK;
-}
-
-KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t /*id*/, IObjectParams* /*params*/,
-                                                IExecContext* /*context*/) {
-    WriteVariable(varError, QStringLiteral("Command not found"));
-    return KXP_BAD_COMMAND;
 }
 
 bool MCalverinScript_Device::MayPost() const {

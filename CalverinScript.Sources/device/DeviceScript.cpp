@@ -1,14 +1,17 @@
 #include "MCalverinScript_Device.h"
 
 #include <QFile>
+#include <QHash>
 #include <QScriptEngine>
 
 #include "CommandNumbers.h"
 #include "DeviceMarshalling.h"
+#include "FaceAnswer.h"
 #include "HostText.h"
 #include "Log.h"
 #include "MScriptEngineAgent.h"
 #include "MScriptMngRemote.h"
+#include "ScriptGlobals.h"
 #include "ScriptScan.h"
 
 namespace {
@@ -34,6 +37,30 @@ QScriptValue SettingValue(const MScriptSetting& setting) {
         return QScriptValue(setting.value);
     return QScriptValue();
 }
+
+/// What a scan asks of the device; its own variables are found by their names at once, however many there are.
+class VariableLookup final : public IScanHost {
+public:
+    VariableLookup(IVariableManager* manager, IObjectNameTools* names, MLockedList<MScriptVariable>& own)
+        : m_manager(manager)
+        , m_names(names) {
+        const std::lock_guard<MLockedList<MScriptVariable>> guard(own);
+        for (const MScriptVariable& variable : own)
+            m_own.insert(variable.name, variable.data);
+    }
+    IData* FindHostVariable(const QString& name) override {
+        return m_manager != nullptr ? m_manager->FindVariable(ToHostText(name).constData()) : nullptr;
+    }
+    IData* FindDeviceVariable(const QString& name) override { return m_own.value(name, nullptr); }
+    bool IsValidName(const QString& name) override {
+        return m_names == nullptr || m_names->IsValidName(ToHostText(name).constData()) != 0;
+    }
+
+private:
+    IVariableManager* const m_manager;
+    IObjectNameTools* const m_names;
+    QHash<QString, IData*> m_own;
+};
 
 } // namespace
 
@@ -81,8 +108,12 @@ void MCalverinScript_Device::PublishFunctionList() {
     WriteVariable(varFunctions, list);
 }
 
+/// An analysis touches nothing of the running script, so it does not wait for it, and it completes no call that somebody else
+/// waits for.
 bool MCalverinScript_Device::SlotEvaluateScript(const QString& text, bool stopMode) {
-    return RunSlot(MarshalledCall::EvaluateScript, [&] { return Evaluate(stopMode ? stop : live, text, stopMode); });
+    if (stopMode)
+        return Evaluate(stop, text, true);
+    return RunSlot(MarshalledCall::EvaluateScript, [&] { return Evaluate(live, text, false); });
 }
 
 bool MCalverinScript_Device::Evaluate(ScriptSet& set, const QString& text, bool stopMode) {
@@ -102,15 +133,46 @@ bool MCalverinScript_Device::Evaluate(ScriptSet& set, const QString& text, bool 
     debuggerContinue = false;
     if (ending || !ReportEvaluation(set, stopMode))
         return false;
-    {
-        const std::lock_guard<MLockedList<MScriptCommand>> guard(set.functions);
-        ScanGlobal(set);
-    }
+    ScanPublished(set, stopMode);
     if (stopMode)
         ReportError(QStringLiteral("Evaluation Ok"), true);
     else
         AfterEvaluate();
     return true;
+}
+
+void MCalverinScript_Device::ScanPublished(ScriptSet& set, bool stopMode) {
+    VariableLookup lookup(variableManager, objectNameTools, variablesLive);
+    ScanRequest request;
+    request.published = set.global;
+    request.stopMode = stopMode;
+    request.removeDefaults = stopMode ? pendingRemoveDefaults.value_or(removeDefaults) : appliedRemoveDefaults.load();
+    request.hiddenNames = set.global.strictlyEquals(set.engine->globalObject()) ? &BuiltInNames() : nullptr;
+    request.host = &lookup;
+    request.accessors = &accessors;
+    request.enumHelpers = &enumHelpers;
+    const ScanResult result = ScanGlobal(request);
+    if (stopMode)
+        scriptOptionRemoveDefaults = result.removeDefaults;
+    ReplaceAll(set.variables, result.variables);
+    ReplaceAll(set.monitors, result.monitors);
+    ReplaceAll(set.settings, result.settings);
+    ReplaceAll(set.functions, result.functions);
+}
+
+/// The functions on `Device` know a variable of the device by its name without the device's.
+EnumHelpers::Target MCalverinScript_Device::EnumTarget() {
+    const auto enumNamed = [this](const QString& name) -> IEnumData* {
+        if (ending)
+            return nullptr;
+        const std::lock_guard<MLockedList<MScriptVariable>> guard(live.monitors);
+        for (const MScriptVariable& variable : live.monitors)
+            if (variable.name.mid(variable.name.indexOf(QLatin1Char('.')) + 1) == name &&
+                variable.type == QLatin1String("EnumData"))
+                return QueryFace<IEnumData>(variable.data, "IEnumData");
+        return nullptr;
+    };
+    return {[this] { return live.global; }, enumNamed};
 }
 
 /// @return whether the evaluation succeeded.

@@ -4,8 +4,6 @@
 
 #include <QImage>
 
-#include "CommandNumbers.h"
-#include "DefinitionBuilder.h"
 #include "IModuleServices.h"
 #include "ISetupInterface.h"
 #include "ModuleResources.h"
@@ -65,19 +63,6 @@ KXPBitmap MCalverinScript_Device::GetBitmap() {
     return bitmap;
 }
 
-/// The stored setup is not offered yet: a null argument is refused as it always will be, anything else as not implemented.
-KXPCode MCalverinScript_Device::GetSetup(char** out) {
-    return out == nullptr ? KXP_NULL_ARGUMENT : KXP_NOT_IMPLEMENTED;
-}
-
-KXPCode MCalverinScript_Device::SetSetup(const char* setup) {
-    return setup == nullptr || *setup == '\0' ? KXP_NULL_ARGUMENT : KXP_NOT_IMPLEMENTED;
-}
-
-KXPCode MCalverinScript_Device::UpdateCommand(const char* /*commandXml*/, char** /*out*/) {
-    return KXP_NOT_IMPLEMENTED;
-}
-
 KXPCode MCalverinScript_Device::Reserved14(void* /*argument*/) {
     return KXP_OK;
 }
@@ -107,19 +92,14 @@ const char* MCalverinScript_Device::GetDefinition() {
         return nullptr;
     if (definitionCache.IsNotEmpty())
         return definitionCache.c_str();
-    const char* definitionTemplate = module->GetDefinitionTemplate();
-    DefinitionRequest request;
-    request.definitionTemplate = definitionTemplate;
-    request.deviceNumber = moduleDeviceNumber;
-    request.deviceVariables = deviceVariables;
-    request.commands = live.functions.Snapshot();
-    request.variables = variablesLive.Snapshot();
     std::string text;
-    if (BuildDefinition(request, text))
+    if (MakeDefinition(live.functions.Snapshot(), variablesLive.Snapshot(), appliedRemoveDefaults, false, text))
         definitionCache = text.c_str();
-    else if (definitionTemplate != nullptr)
+    else if (const char* definitionTemplate = module->GetDefinitionTemplate())
         definitionCache = definitionTemplate;
-    return definitionTemplate != nullptr ? definitionCache.c_str() : nullptr;
+    else
+        return nullptr;
+    return definitionCache.c_str();
 }
 
 KXPCode MCalverinScript_Device::CreatePanel(std::uint32_t kind, IKXPDevicePanel** out) {
@@ -138,9 +118,7 @@ void MCalverinScript_Device::SetSetupScript(const QString& fileName, const QStri
 }
 
 void MCalverinScript_Device::SetSetupSettings(const QList<MScriptSetting>& settings) {
-    setupSettings.Clear();
-    for (const MScriptSetting& setting : settings)
-        setupSettings.Add(setting);
+    ReplaceAll(setupSettings, settings);
 }
 
 void MCalverinScript_Device::BindDefaultVariables() {
@@ -152,8 +130,4 @@ void MCalverinScript_Device::BindDefaultVariables() {
     varScriptText = find("CurrentScriptText");
     varFunctions = find("ScriptFunctions");
     statusItems = QueryFace<IEnumData>(varStatus, "IEnumData");
-}
-
-int MCalverinScript_Device::ValidateCommand(std::int32_t id, IObjectParams* /*params*/) {
-    return id < kFirstUserCommand ? 2 : 0;
 }

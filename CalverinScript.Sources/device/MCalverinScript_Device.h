@@ -3,7 +3,9 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include <QHash>
 #include <QObject>
@@ -11,6 +13,7 @@
 #include <QVector>
 
 #include "CompletionGate.h"
+#include "EnumHelpers.h"
 #include "ICommandObjectHandler.h"
 #include "IHostServices.h"
 #include "IKXPDevice.h"
@@ -27,8 +30,11 @@
 #include "MTimerailManager.h"
 #include "MyAsyncDeviceExecContext.h"
 #include "MyCommandManager.h"
+#include "ResourceSignature.h"
 #include "ScriptInbox.h"
 #include "ScriptSet.h"
+#include "SetupFormat.h"
+#include "VariableAccessor.h"
 
 class IModuleServices;
 class ISetupInterface;
@@ -105,8 +111,24 @@ public:
     /// Whether the group granted to this device is registered at each load.   [host main]
     void SetRegisterAllUserGroups(bool enabled) { registerAllUserGroups = enabled; }
     /// How a stored command relates to the user commands of this device.
-    /// @return 0 gone, 1 other parameters, 2 valid.   [host main]
+    /// @param params with them the command is looked up by the function that they name, without by its id.
+    /// @return 0 gone, 1 other parameters or none to compare, 2 valid.   [host main]
     int ValidateCommand(std::int32_t id, IObjectParams* params);
+
+    // What a setup dialog needs: BeginSetup, its own analyses by EvaluateScript, then one of the two others
+    /// Before the dialog fills its form.   [host main]
+    void BeginSetup();
+    /// The setup as the device has it now, all but the commands.   [host main]
+    DeviceSetup GetCurrentSetup();
+    /// Takes over what the dialog holds, once the host has taken the definition that follows from it. The script has to have been
+    /// analysed before.
+    /// @param setup its commands and module commands are not read. @param scriptFile path of the script's file, may be empty.
+    /// @return 0, 771 the commands have changed, 13 the host refused and the device is as it was.   [host main]
+    KXPCode AcceptSetup(const DeviceSetup& setup, const QString& scriptFile);
+    /// The dialog was left without. @return 13.   [host main]
+    KXPCode CancelSetup();
+    /// What the open dialog says about the default commands and variables.   [host main]
+    void SetPendingRemoveDefaults(bool remove) { pendingRemoveDefaults = remove; }
     std::uint32_t GetModuleDeviceNumber() const { return moduleDeviceNumber; }
     void SetModuleDeviceNumber(std::uint32_t number) { moduleDeviceNumber = number; }
     /// Looks up the device's five default variables at the host: null where it has none of that name.   [any host thread]
@@ -188,6 +210,16 @@ public:
     MScriptThread* GetScriptThread() const { return scriptThread; }
     std::int32_t GetStackCount() const { return stackCount.Read(); }
     bool HasStopFunction() const { return hasStopFunction; }
+    std::vector<MScriptCommand> GetCommands() const { return commands.Snapshot(); }
+    std::vector<MScriptVariable> GetLiveVariables() const { return variablesLive.Snapshot(); }
+    std::vector<MScriptSetting> GetSetupSettings() const { return setupSettings.Snapshot(); }
+    const QString& GetSetupScriptText() const { return setupScriptText; }
+    const QString& GetSetupScriptFileName() const { return setupScriptFileName; }
+    bool GetRemoveDefaults() const { return removeDefaults; }
+    /// Whether the default commands and variables are gone: the script's word, or else the setup's.
+    bool GetAppliedRemoveDefaults() const { return appliedRemoveDefaults; }
+    /// The resources of the host that the settings name.   [host main]
+    const std::vector<ResourceRequest>& GetResourceRequests() const { return resources; }
 
     /// Devices that were released while their script would not end. They are looked through at each creation and release,
     /// and those whose script has ended since are deleted.
@@ -281,6 +313,8 @@ private:
     void PostOperation(MCommandObject* command);
     bool MayPost() const;
     bool HasFunction(const char* name);
+    template <typename Condition>
+    bool FindCommand(Condition condition, MScriptCommand& found);
     KXPCode PostBuiltIn(std::int32_t id, IObjectParams* params, IExecContext* context);
     KXPCode PostUserCommand(std::int32_t id, IObjectParams* params, IExecContext* context);
     bool DispatchCommand(MCommandObject* command);
@@ -295,6 +329,8 @@ private:
     bool RunLoadedScript();
     bool Evaluate(ScriptSet& set, const QString& text, bool stopMode);
     bool ReportEvaluation(ScriptSet& set, bool stopMode);
+    void ScanPublished(ScriptSet& set, bool stopMode);
+    EnumHelpers::Target EnumTarget();
     void CleanupBeforeEvaluate();
     void AfterEvaluate();
     void GiveSettingsToScript();
@@ -309,6 +345,19 @@ private:
     int AddTimer(QHash<int, QScriptValue>& timers, const QScriptValue& expression, int delay);
     void RemoveTimer(QHash<int, QScriptValue>& timers, int id);
     void FireTimer(int id);
+
+    // Setup
+    void TakeStoredSetup(const DeviceSetup& setup);
+    void TakeStoredScript(const SetupScript& script);
+    void TakeScript(const QString& fileName, const QString& text);
+    void Analyse();
+    bool IsFirstDevice() const;
+    void AssignIds(bool keepOld);
+    void CommitStopFunctions();
+    bool MakeDefinition(const ScriptCommands& definedCommands, const ScriptVariables& variables, bool hideDefaults,
+                        bool resetDefaultIds, std::string& text);
+    void BindLiveVariables();
+    void MergeLegacy();
 
     // Debugger
     bool IsDebuggerActive() const;
@@ -356,17 +405,18 @@ private:
     std::atomic<bool> hasStopFunction{false}; ///< written on the script thread
     bool userModeVisible = true;
     bool runModeVisible = true;
-    std::atomic<bool> registerAllUserGroups{true}; ///< written on the host's main thread, read by the script thread
-    bool removeDefaults = false;
-    std::unique_ptr<bool> scriptOptionRemoveDefaults;
-    std::unique_ptr<bool> pendingRemoveDefaults;
-    bool appliedRemoveDefaults = false;
-    MScriptMngRemote* remote = nullptr;            ///< owned
-    std::atomic<MCommandObject*> currentCommand{}; ///< during a command 3 only; written by whoever executes it
-    QScriptEngineDebugger* debugger = nullptr;     ///< child of the device
-    std::atomic<bool> debuggerContinue{false};     ///< script thread asks the tick to let the debugger go on
-    std::atomic<bool> debuggerAbort{false};        ///< Stop asks the tick to abort
-    std::atomic<bool> stopRequested{false};        ///< script thread asks the tick to finish a stop
+    std::atomic<bool> registerAllUserGroups{true};  ///< written on the host's main thread, read by the script thread
+    bool removeDefaults = false;                    ///< host main, as are the next two
+    std::optional<bool> scriptOptionRemoveDefaults; ///< the script's own word at the last analysis
+    std::optional<bool> pendingRemoveDefaults;      ///< the dialog's while it is open
+    std::atomic<bool> appliedRemoveDefaults{false}; ///< written on the host's main thread, read by the script thread
+    std::vector<ResourceRequest> resources;         ///< host main
+    MScriptMngRemote* remote = nullptr;             ///< owned
+    std::atomic<MCommandObject*> currentCommand{};  ///< during a command 3 only; written by whoever executes it
+    QScriptEngineDebugger* debugger = nullptr;      ///< child of the device
+    std::atomic<bool> debuggerContinue{false};      ///< script thread asks the tick to let the debugger go on
+    std::atomic<bool> debuggerAbort{false};         ///< Stop asks the tick to abort
+    std::atomic<bool> stopRequested{false};         ///< script thread asks the tick to finish a stop
     std::atomic<bool> threadStopDone{true};
     std::atomic<QThread*> threadId{nullptr}; ///< the thread that owns the engine
     bool debuggerEnabled = false;
@@ -396,7 +446,9 @@ private:
     ScriptInbox inbox;
     std::atomic<bool> threadLeft{false}; ///< set by the script thread when it touches the device no more
     std::atomic<bool> ending{false};     ///< set once by Release: nothing enters the script any more
-    std::atomic<bool> abandoned{false};  ///< set once by Release: the script would not end
-    InterlockedCounter hostCalls;        ///< host calls that are inside the device
-    QThread* homeThread = nullptr;       ///< where the device was made, and goes back to before it ends
+    AccessorPool accessors{ending};      ///< what the script's members stand for; outlives the engine
+    EnumHelpers enumHelpers{EnumTarget()};
+    std::atomic<bool> abandoned{false}; ///< set once by Release: the script would not end
+    InterlockedCounter hostCalls;       ///< host calls that are inside the device
+    QThread* homeThread = nullptr;      ///< where the device was made, and goes back to before it ends
 };

@@ -1,10 +1,21 @@
 #pragma once
 
+#include <mutex>
+
 #include <QScriptEngine>
 #include <QScriptValue>
 
 #include "MLockedList.h"
 #include "ScriptRecords.h"
+
+/// Gives a list other content in one step.   [any]
+template <typename T, typename Values>
+void ReplaceAll(MLockedList<T>& list, const Values& values) {
+    const std::lock_guard<MLockedList<T>> guard(list);
+    list.Clear();
+    for (const auto& value : values)
+        list.Add(value);
+}
 
 /// One script with what was found in it. A device has two that never mix: what its engine runs, and what an analysis sees
 /// while the device need not run.

@@ -1,25 +1,20 @@
 #include "DefinitionBuilder.h"
 
-#include <algorithm>
 #include <cstring>
-#include <iterator>
 
 #include <tinyxml.h>
 
-#include "GuardedXml.h"
+#include "CommandIds.h"
+#include "CommandXml.h"
+#include "DriverTables.h"
+#include "HostText.h"
+#include "HostXml.h"
 #include "IKXPDevice.h"
+#include "VariableXml.h"
 
 namespace {
 
 constexpr const char* kDeviceIdProperty = "ObjectParamDescriptor::DeviceID";
-constexpr const char* kDefaultVariables[] = {"Status", "Error", "CurrentScriptFileName", "CurrentScriptText",
-                                             "ScriptFunctions"};
-
-bool IsDefaultVariable(const char* name) {
-    return std::any_of(std::begin(kDefaultVariables), std::end(kDefaultVariables),
-                       [&](const char* known) { return std::strcmp(known, name) == 0; });
-}
-
 void HideDefaults(TiXmlElement* commands, TiXmlElement* variables) {
     for (TiXmlElement* command = commands->FirstChildElement("Command"); command != nullptr;
          command = command->NextSiblingElement("Command"))
@@ -48,10 +43,27 @@ void NumberVariables(TiXmlElement* variables, const DefinitionRequest& request) 
         if (name == nullptr)
             continue;
         IData* data = request.deviceVariables != nullptr ? request.deviceVariables->GetVariable(name) : nullptr;
-        if (request.resetDefaultIds && IsDefaultVariable(name))
+        if (request.resetDefaultIds && IsDefaultVariable(QString::fromUtf8(name)))
             variable->SetAttribute("InstanceID", "0");
         else if (data != nullptr)
             variable->SetAttribute("InstanceID", std::to_string(data->GetInstanceID()));
+    }
+}
+
+void AddCommands(TiXmlElement& commands, const DefinitionRequest& request) {
+    for (const MScriptCommand& command : request.commands)
+        if (IsUserCommandId(command.id))
+            commands.LinkEndChild(MakeCommandElement(command).release());
+}
+
+void AddVariables(TiXmlElement& variables, const DefinitionRequest& request) {
+    for (const MScriptVariable& variable : request.variables) {
+        IData* data = request.deviceVariables != nullptr
+                          ? request.deviceVariables->GetVariable(ToHostText(variable.name).constData())
+                          : nullptr;
+        auto element = MakeVariableElement(variable, data != nullptr ? data->GetInstanceID() : variable.instanceId);
+        if (element != nullptr)
+            variables.LinkEndChild(element.release());
     }
 }
 
@@ -59,7 +71,7 @@ void NumberVariables(TiXmlElement* variables, const DefinitionRequest& request) 
 
 bool BuildDefinition(const DefinitionRequest& request, std::string& out) {
     TiXmlDocument document;
-    if (!ParseXml(document, request.definitionTemplate))
+    if (!ParseHostXml(document, request.definitionTemplate))
         return false;
     TiXmlElement* device = document.FirstChildElement("Device");
     TiXmlElement* commands = device != nullptr ? device->FirstChildElement("Commands") : nullptr;
@@ -69,7 +81,9 @@ bool BuildDefinition(const DefinitionRequest& request, std::string& out) {
     if (request.hideDefaults)
         HideDefaults(commands, variables);
     SetDeviceNumber(commands, request.deviceNumber);
+    AddCommands(*commands, request);
     NumberVariables(variables, request);
-    out = PrintXml(document);
+    AddVariables(*variables, request);
+    out = PrintHostXml(document);
     return true;
 }

@@ -1,15 +1,19 @@
 #pragma once
 
 #include <cstdint>
-#include <utility>
+#include <vector>
 
 #include <QList>
+#include <QPair>
 #include <QString>
 #include <QStringList>
 
 class IData;
 
-/// Name and value of one property that a script gave, in the order of the script.
+/// @file
+/// What a script publishes, as plain values.
+
+/// Name and value of one property that a script gave, in the order of the script. Names are unique.
 using ScriptProperties = QList<QPair<QString, QString>>;
 
 /// One variable that a script publishes or binds.
@@ -57,7 +61,11 @@ struct MScriptSetting {
     QString name;
     QString type;
     QString value;
-    int widget = 0; ///< kind of the form's field
+    int widget = 0; ///< kind of the form's field, see WidgetKindOf
     ScriptProperties properties;
     QStringList items;
 };
+
+using ScriptVariables = std::vector<MScriptVariable>;
+using ScriptCommands = std::vector<MScriptCommand>;
+using ScriptSettings = std::vector<MScriptSetting>;

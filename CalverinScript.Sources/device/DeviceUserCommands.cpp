@@ -1,0 +1,97 @@
+#include "MCalverinScript_Device.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <mutex>
+
+#include "CommandNumbers.h"
+#include "DriverTables.h"
+#include "HostData.h"
+#include "HostText.h"
+#include "ModuleShared.h"
+#include "StoredCommand.h"
+#include "ValueConversion.h"
+
+namespace {
+
+template <typename Condition>
+bool FindIn(MLockedList<MScriptCommand>& list, Condition condition, MScriptCommand& found) {
+    const std::lock_guard<MLockedList<MScriptCommand>> guard(list);
+    const auto place = std::find_if(list.begin(), list.end(), condition);
+    if (place == list.end())
+        return false;
+    found = *place;
+    return true;
+}
+
+QByteArray ArgumentText(const MScriptCommandParam& param, IData& data) {
+    QString text;
+    return ToHostText(ParamToText(param, data, text) ? text : TextOf(data));
+}
+
+} // namespace
+
+template <typename Condition>
+bool MCalverinScript_Device::FindCommand(Condition condition, MScriptCommand& found) {
+    return FindIn(commands, condition, found);
+}
+
+/// The first parameter takes the result, at most eight others reach the function as texts.
+KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t id, IObjectParams* params, IExecContext* context) {
+    MScriptCommand command;
+    if (!FindCommand([&](const MScriptCommand& candidate) { return candidate.id == id; }, command)) {
+        WriteVariable(varError, QStringLiteral("Command not found"));
+        return KXP_BAD_COMMAND;
+    }
+    const QByteArray name = ToHostText(command.name);
+    if (!HasFunction(name.constData()))
+        return KXP_SCRIPT_FAILED;
+    std::array<QByteArray, kArgumentCount> owned;
+    std::array<const char*, kArgumentCount> texts{};
+    const int count = std::min(kArgumentCount, command.params.size() - 1);
+    for (int i = 0; i < count; ++i) {
+        IData* data = EffectiveData(params->GetParam(static_cast<std::uint32_t>(i + 1)));
+        if (data == nullptr)
+            break;
+        const auto place = static_cast<std::size_t>(i);
+        owned[place] = ArgumentText(command.params[i + 1], *data);
+        texts[place] = owned[place].constData();
+    }
+    IData* result = remoteHandler2 != nullptr ? EffectiveData(params->GetParam(0)) : nullptr;
+    ExecuteScriptFunctionWithParams(context, name.constData(), result, texts.data(), false);
+    return KXP_OK;
+}
+
+int MCalverinScript_Device::ValidateCommand(std::int32_t id, IObjectParams* params) {
+    if (id < kFirstUserCommand)
+        return 2;
+    MScriptCommand command;
+    if (params == nullptr)
+        return FindCommand([&](const MScriptCommand& candidate) { return candidate.id == id; }, command) ? 1 : 0;
+    const QString name = FromHostText(params->GetProperty(kCommandNameProperty));
+    if (!FindCommand([&](const MScriptCommand& candidate) { return candidate.name == name; }, command))
+        return 0;
+    return MatchesStoredParams(command, *params) ? 2 : 1;
+}
+
+KXPCode MCalverinScript_Device::UpdateCommand(const char* commandXml, char** out) {
+    StoredCommand stored;
+    if (out == nullptr || !stored.Parse(commandXml))
+        return KXP_NOT_IMPLEMENTED;
+    const QString owner = stored.OwnerName();
+    const QString name = stored.FunctionName();
+    if ((!owner.isNull() && owner != FromHostText(GetName())) || name.isEmpty())
+        return KXP_NOT_IMPLEMENTED;
+    const auto hasName = [&](const MScriptCommand& candidate) { return candidate.name == name; };
+    MScriptCommand command;
+    if (FindCommand(hasName, command)) {
+        *out = strdup(stored.Rewrite(command).c_str());
+        return KXP_OK;
+    }
+    ModuleShared* shared = ModuleShared::Get();
+    if (shared != nullptr && shared->legacyModuleCommands != nullptr &&
+        FindIn(shared->moduleCommands, hasName, command))
+        shared->legacyModuleCommands->Add(command);
+    return KXP_NOT_IMPLEMENTED;
+}

@@ -1,0 +1,82 @@
+#include "EnumHelpers.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QScriptContext>
+#include <QScriptEngine>
+
+#include "HostText.h"
+#include "IData.h"
+#include "ScriptMembers.h"
+
+namespace {
+
+constexpr int kDeepest = 100;
+
+using Copies = QHash<qint64, QScriptValue>;
+
+QScriptValue EmptyLike(const QScriptValue& value, QScriptEngine& engine) {
+    if (value.isArray())
+        return engine.newArray();
+    return value.isDate() ? engine.newDate(value.toNumber()) : engine.newObject();
+}
+
+QScriptValue CopyOf(const QScriptValue& value, Copies& copies, int depth) {
+    if (!value.isObject() || value.isFunction() || depth > kDeepest)
+        return value;
+    const auto known = copies.constFind(value.objectId());
+    if (known != copies.constEnd())
+        return *known;
+    QScriptValue copy = EmptyLike(value, *value.engine());
+    copies.insert(value.objectId(), copy);
+    for (const ScriptMember& member : MembersOf(value))
+        copy.setProperty(member.name, CopyOf(member.value, copies, depth + 1));
+    return copy;
+}
+
+} // namespace
+
+QScriptValue DeepCopy(const QScriptValue& value) {
+    Copies copies;
+    return CopyOf(value, copies, 0);
+}
+
+void EnumHelpers::Install(QScriptValue object) {
+    QScriptEngine* engine = object.engine();
+    object.setProperty(QStringLiteral("EnumClear"), engine->newFunction(&EnumHelpers::Clear, this));
+    object.setProperty(QStringLiteral("EnumAdd"), engine->newFunction(&EnumHelpers::Add, this));
+}
+
+/// The entry of a variable in `Info`; invalid unless it has an array of items.
+QScriptValue EnumHelpers::EntryWithItems(const QString& name) const {
+    const QScriptValue entry =
+        m_target.published().property(QStringLiteral("Info")).property(QStringLiteral("Variables")).property(name);
+    return entry.property(QStringLiteral("Items")).isArray() ? entry : QScriptValue();
+}
+
+QScriptValue EnumHelpers::Clear(QScriptContext* context, QScriptEngine* engine, void* self) {
+    const auto& helpers = *static_cast<EnumHelpers*>(self);
+    const QString name = context->argument(0).toString();
+    IEnumData* data = context->argumentCount() > 0 ? helpers.m_target.enumNamed(name) : nullptr;
+    QScriptValue entry = data != nullptr ? helpers.EntryWithItems(name) : QScriptValue();
+    if (!entry.isObject())
+        return QScriptValue(KXP_NOT_IMPLEMENTED);
+    data->ClearItems(0, 0);
+    entry.setProperty(QStringLiteral("Items"), engine->newArray());
+    return QScriptValue(KXP_OK);
+}
+
+QScriptValue EnumHelpers::Add(QScriptContext* context, QScriptEngine* /*engine*/, void* self) {
+    const auto& helpers = *static_cast<EnumHelpers*>(self);
+    const QString name = context->argument(0).toString();
+    const QString item = context->argument(1).toString();
+    IEnumData* data = context->argumentCount() > 1 ? helpers.m_target.enumNamed(name) : nullptr;
+    QScriptValue entry = data != nullptr ? helpers.EntryWithItems(name) : QScriptValue();
+    if (!entry.isObject())
+        return QScriptValue(KXP_NOT_IMPLEMENTED);
+    data->AddItem(ToHostText(item).constData());
+    QScriptValue items = DeepCopy(entry.property(QStringLiteral("Items")));
+    items.setProperty(items.property(QStringLiteral("length")).toUInt32(), QScriptValue(item));
+    entry.setProperty(QStringLiteral("Items"), items);
+    return QScriptValue(KXP_OK);
+}

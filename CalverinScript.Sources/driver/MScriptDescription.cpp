@@ -1,0 +1,59 @@
+#include "MScriptDescription.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QScriptEngine>
+
+#include "HostText.h"
+#include "ScriptInfo.h"
+#include "ScriptMembers.h"
+
+std::unique_ptr<MScriptDescription> MScriptDescription::FromFile(const QString& path, QScriptEngine* engine) {
+    const QFileInfo info(path);
+    if (!info.exists() || engine == nullptr)
+        return nullptr;
+    auto record = std::make_unique<MScriptDescription>();
+    record->fileName = info.fileName();
+    record->title = info.baseName();
+    QFile file(path);
+    if (file.open(QIODevice::ReadOnly))
+        Parse(FromScriptBytes(file.readAll()), *engine, *record);
+    return record;
+}
+
+std::unique_ptr<MScriptDescription> MScriptDescription::FromText(const QString& text, QScriptEngine* engine) {
+    if (engine == nullptr)
+        return nullptr;
+    auto record = std::make_unique<MScriptDescription>();
+    Parse(text, *engine, *record);
+    return record;
+}
+
+void MScriptDescription::Parse(const QString& text, QScriptEngine& engine, MScriptDescription& record) {
+    engine.pushContext();
+    const QScriptValue published = engine.evaluate(text, QStringLiteral(""), 1);
+    engine.popContext();
+    if (!published.isError() && !engine.hasUncaughtException())
+        record.Take(published);
+    engine.clearExceptions();
+}
+
+void MScriptDescription::Take(const QScriptValue& published) {
+    struct Field {
+        const char* name;
+        QString MScriptDescription::*field;
+    };
+    static constexpr Field kFields[] = {{"Title", &MScriptDescription::title},
+                                        {"Author", &MScriptDescription::author},
+                                        {"Version", &MScriptDescription::version},
+                                        {"Description", &MScriptDescription::description}};
+    for (const ScriptMember& member : MembersOf(FindInfo(published)))
+        for (const Field& field : kFields)
+            if (member.name == QLatin1String(field.name) && !member.value.isNull() && !member.value.isFunction())
+                this->*field.field = member.value.toString();
+}
+
+const QString& MScriptDescription::GetDisplayText() {
+    displayText = title + QStringLiteral(" (") + fileName + QLatin1Char(')');
+    return displayText;
+}

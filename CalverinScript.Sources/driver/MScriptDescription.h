@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+
+#include <QMetaType>
+#include <QString>
+
+class QScriptEngine;
+class QScriptValue;
+
+/// What a script says of itself in `Info`: `Title`, `Author`, `Version` and `Description`.   [the engine's thread]
+struct MScriptDescription {
+    QString fileName; ///< without its folder; empty when made from text
+    QString title;    ///< the file's base name when the script gives none
+    QString author;
+    QString version;
+    QString description;
+    QString displayText; ///< filled by GetDisplayText
+
+    /// Reads and evaluates a script file. @return null unless the file exists and there is an engine.
+    static std::unique_ptr<MScriptDescription> FromFile(const QString& path, QScriptEngine* engine);
+    /// Evaluates a script. @return null without an engine.
+    static std::unique_ptr<MScriptDescription> FromText(const QString& text, QScriptEngine* engine);
+    /// Evaluates a script; a record stays as it was when that fails.
+    static void Parse(const QString& text, QScriptEngine& engine, MScriptDescription& record);
+    /// Takes what the value of an evaluation says.
+    void Take(const QScriptValue& published);
+
+    /// "title (file name)".
+    const QString& GetDisplayText();
+};
+
+Q_DECLARE_METATYPE(MScriptDescription*)

@@ -1,0 +1,61 @@
+#include "ResourceSignature.h"
+
+#include <QScriptEngine>
+
+#include "DriverTables.h"
+
+namespace {
+
+struct ResourceKind {
+    std::int32_t family;
+    std::int32_t subtype;
+    std::int32_t channelType;
+};
+constexpr ResourceKind kResourceKinds[] = {
+    {1, 3, -1}, // Serial
+    {2, 1, -1}, // DMXIn
+    {2, 2, -1}, // DMXOut
+    {5, 3, 1},  // DigitalIn
+    {5, 3, 0},  // DigitalOut
+    {5, 3, 3},  // AnalogIn
+    {5, 3, 2},  // AnalogOut
+};
+static_assert(std::size(kResourceKinds) == kLastResourceWidget - kFirstResourceWidget + 1,
+              "one for each kind of field");
+
+std::int32_t NumberOf(const QScriptValue& object, const char* name) {
+    const QScriptValue value = object.property(QLatin1String(name));
+    return value.isNumber() ? value.toInt32() : -1;
+}
+
+} // namespace
+
+ResourceSignature ReadResourceSignature(const QScriptValue& value, QScriptEngine& engine) {
+    QScriptValue object = value;
+    const QScriptValue json = engine.globalObject().property(QStringLiteral("JSON"));
+    QScriptValue parse = json.property(QStringLiteral("parse"));
+    if (value.isString() && parse.isFunction())
+        object = parse.call(json, QScriptValueList{QScriptValue(value.toString())});
+    engine.clearExceptions();
+    ResourceSignature signature;
+    if (!object.isObject())
+        return signature;
+    const QScriptValue type = object.property(QStringLiteral("Type"));
+    signature.type = type.isString() ? type.toString() : QLatin1String("");
+    signature.resourceId = NumberOf(object, "ResourceID");
+    signature.channelIndex = NumberOf(object, "ChannelIndex");
+    return signature;
+}
+
+std::vector<ResourceRequest> FindResources(const ScriptSettings& settings, QScriptEngine& engine) {
+    std::vector<ResourceRequest> requests;
+    for (const MScriptSetting& setting : settings) {
+        if (setting.widget < kFirstResourceWidget || setting.widget > kLastResourceWidget)
+            continue;
+        const ResourceKind& kind = kResourceKinds[setting.widget - kFirstResourceWidget];
+        const ResourceSignature signature = ReadResourceSignature(QScriptValue(setting.value), engine);
+        requests.push_back({setting.widget, kind.family, kind.subtype, kind.channelType, signature.resourceId,
+                            signature.channelIndex});
+    }
+    return requests;
+}

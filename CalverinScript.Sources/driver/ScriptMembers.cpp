@@ -1,0 +1,15 @@
+#include "ScriptMembers.h"
+
+#include <QScriptValueIterator>
+
+QVector<ScriptMember> MembersOf(const QScriptValue& object) {
+    QVector<ScriptMember> members;
+    if (!object.isObject())
+        return members;
+    QScriptValueIterator member(object);
+    while (member.hasNext()) {
+        member.next();
+        members.append({member.name(), member.value()});
+    }
+    return members;
+}

@@ -1,0 +1,117 @@
+#include "VariableAccessor.h"
+
+#include <cmath>
+
+#include <QScriptContext>
+#include <QScriptEngine>
+
+#include "FaceAnswer.h"
+#include "HostData.h"
+#include "ValueConversion.h"
+
+/// What the native function of an accessor knows. Written by whoever looks the variable up, read by the script thread.
+struct AccessorPool::BoundVariable {
+    std::atomic<IData*> data{nullptr};
+    const std::atomic<bool>& closed;
+};
+
+AccessorPool::AccessorPool(const std::atomic<bool>& closed)
+    : m_closed(closed) {}
+
+AccessorPool::~AccessorPool() = default;
+
+void AccessorPool::Bind(QScriptValue& object, const QString& member, VariableOrigin origin, const QString& name,
+                        IData* data) {
+    BoundVariable* variable = nullptr;
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        std::unique_ptr<BoundVariable>& place = m_variables[{origin, name}];
+        if (place == nullptr)
+            place.reset(new BoundVariable{{}, m_closed});
+        place->data = data;
+        variable = place.get();
+    }
+    const QScriptValue function = object.engine()->newFunction(&AccessorPool::Access, variable);
+    object.setProperty(member, QScriptValue());
+    object.setProperty(member, function, QScriptValue::PropertyGetter | QScriptValue::PropertySetter);
+}
+
+void AccessorPool::Rebind(VariableOrigin origin, const std::function<IData*(const QString& name)>& find) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    for (auto& entry : m_variables)
+        if (entry.first.first == origin)
+            entry.second->data = find(entry.first.second);
+}
+
+/// Called with one argument to write and without to read.
+QScriptValue AccessorPool::Access(QScriptContext* context, QScriptEngine* /*engine*/, void* variable) {
+    const auto& bound = *static_cast<BoundVariable*>(variable);
+    IData* data = bound.data.load(std::memory_order_acquire);
+    const bool writes = context->argumentCount() > 0;
+    if (data == nullptr || bound.closed.load(std::memory_order_relaxed))
+        return writes ? context->argument(0) : QScriptValue(QScriptValue::UndefinedValue);
+    if (!writes)
+        return ReadHostValue(*data);
+    const QScriptValue value = context->argument(0);
+    WriteHostValue(*data, value);
+    return value;
+}
+
+QScriptValue ReadHostValue(IData& data) {
+    switch (data.GetDataType()) {
+    case KXP_INTEGER_DATA:
+    case KXP_ENUM_DATA:
+        return QScriptValue(data.GetIntValue());
+    case KXP_REAL_DATA:
+        return QScriptValue(data.GetRealValue());
+    default:
+        return QScriptValue(TextOf(data));
+    }
+}
+
+namespace {
+
+void WriteTime(IData& data, const QScriptValue& value) {
+    if (value.isString()) {
+        SetText(data, value.toString());
+        return;
+    }
+    auto* time = QueryFace<ITimeData>(&data, "ITimeData");
+    const double frames = value.toNumber();
+    if (value.isNumber() && std::isfinite(frames) && time != nullptr)
+        SetText(data, TimeTextOfFrames(frames, time->GetTimeCodeType()));
+}
+
+void WriteDate(IData& data, const QScriptValue& value) {
+    const double days = value.toNumber();
+    if (value.isString())
+        SetText(data, value.toString());
+    else if (value.isNumber() && std::isfinite(days) && std::trunc(days) == days)
+        SetText(data, DateTextOfDays(days));
+}
+
+/// The text of a value; a script's own toString may throw, and then there is none.
+void WriteText(IData& data, const QScriptValue& value) {
+    const QString text = value.toString();
+    QScriptEngine* engine = value.engine();
+    if (engine == nullptr || !engine->hasUncaughtException())
+        SetText(data, text);
+}
+
+} // namespace
+
+void WriteHostValue(IData& data, const QScriptValue& value) {
+    const std::uint32_t type = data.GetDataType();
+    if (type == KXP_TIME_DATA)
+        WriteTime(data, value);
+    else if (type == KXP_DATE_DATA)
+        WriteDate(data, value);
+    else if (value.isString())
+        SetText(data, value.toString());
+    else if (type == KXP_INTEGER_DATA || type == KXP_ENUM_DATA)
+        data.SetIntValue(value.toInt32(), 0, 0);
+    else if (type != KXP_REAL_DATA)
+        WriteText(data, value);
+    else if (const double number = value.toNumber(); std::isfinite(number))
+        data.SetRealValue(number, 0, 0);
+}
