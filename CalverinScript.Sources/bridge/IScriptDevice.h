@@ -1,6 +1,10 @@
 #pragma once
 
+#include <functional>
+
 class MCommandObject;
+class MScriptCommonEvent;
+class MScriptParamList;
 class MyAsyncDeviceExecContext;
 class QScriptValue;
 class QString;
@@ -18,6 +22,13 @@ public:
     /// Queues a change for the script's callback. Null texts are dropped.   [any host thread]
     virtual void PostPropertyChange(const char* object, const char* property, const char* value,
                                     bool objectFollows) = 0;
+
+    /// Delivers an event of a script object to its listener, later. Does nothing without both pointers. @return 1.   [any]
+    virtual int PostScriptEvent(const QString& name, const MScriptParamList* params, MScriptCommonEvent* event) = 0;
+
+    /// Leaves a task for the script thread. It runs outside the script, behind what was left before it.
+    /// @return false when the device is ending.   [any]
+    virtual bool PostTask(std::function<void()> task) = 0;
 
     /// The user command in execution, null outside one.   [script]
     virtual MCommandObject* GetExecutingCommand() = 0;

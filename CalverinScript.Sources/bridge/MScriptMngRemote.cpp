@@ -1,12 +1,18 @@
 #include "MScriptMngRemote.h"
 
+#include <chrono>
 #include <mutex>
 
+#include <QThread>
+
 #include "IScriptDevice.h"
+#include "MScriptCommonEvent.h"
+#include "MScriptParamList.h"
 
 namespace {
 
 constexpr int kPostponedHashBits = 10;
+constexpr std::chrono::milliseconds kReleaseTime(50); ///< what a host thread grants a script that is still running
 
 /// Ends every context that is still there. A context leaves the registry before it goes, and ending one may make others go, so
 /// each is looked up again under the registry's lock.
@@ -31,8 +37,11 @@ MScriptMngRemote::MScriptMngRemote(IScriptDevice* scriptDevice, IManagerRemote* 
     , asyncContexts(std::make_shared<ContextRegistry<MyAsyncDeviceExecContext>>())
     , postponedMap(kPostponedHashBits, true) {}
 
+/// The script is over and nobody else knows this object any more.
 MScriptMngRemote::~MScriptMngRemote() {
-    ReleaseScriptObjects();
+    ResetPostponed();
+    scriptObjects.Release();
+    scriptObjects.DeleteReleased();
     ReleaseAsyncContexts();
 }
 
@@ -47,6 +56,12 @@ void MScriptMngRemote::EndContexts() {
 
 void MScriptMngRemote::ReleaseScriptObjects() {
     ResetPostponed();
+    if (!scriptObjects.Release())
+        return;
+    if (device == nullptr || QThread::currentThread() == thread())
+        scriptObjects.DeleteReleased();
+    else if (device->PostTask([this] { scriptObjects.DeleteReleased(); }))
+        scriptObjects.WaitUntilDeleted(kReleaseTime);
 }
 
 void MScriptMngRemote::Tick() {}
@@ -62,6 +77,19 @@ bool MScriptMngRemote::IsDeviceEnding() const {
     return device != nullptr && device->IsEnding();
 }
 
-bool MScriptMngRemote::IsLiveObject(const MScriptCommonEvent* /*object*/) const {
-    return false;
+bool MScriptMngRemote::IsLiveObject(const MScriptCommonEvent* object) {
+    return scriptObjects.TakeRaised(object);
+}
+
+void MScriptMngRemote::PostScriptEvent(const QString& eventName, const MScriptParamList* params,
+                                       MScriptCommonEvent* object) {
+    if (device == nullptr || params == nullptr || object == nullptr || !scriptObjects.CountRaised(object))
+        return;
+    MScriptParamList withObject(*params);
+    withObject.Add(QVariant::fromValue(object));
+    device->PostScriptEvent(eventName, &withObject, object);
+}
+
+const char* MScriptMngRemote::GetDeviceName() const {
+    return device != nullptr ? device->GetScriptDeviceName() : "";
 }

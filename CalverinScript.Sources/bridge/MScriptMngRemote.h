@@ -10,9 +10,11 @@
 #include "IHostServices.h"
 #include "IManagerRemote.h"
 #include "IMScriptManagerRemoteLogger.h"
+#include "IScriptObjectOwner.h"
 #include "MIObjectMap.h"
 #include "MyAsyncDeviceExecContext.h"
 #include "MyDeviceExecContext.h"
+#include "ScriptObjects.h"
 
 class IScriptDevice;
 class MScriptCommonEvent;
@@ -27,7 +29,8 @@ class QScriptEngine;
 class MScriptMngRemote : public QObject,
                          public IManagerRemoteHandler,
                          public IAsyncDeviceExecContextHandler,
-                         public IMScriptManagerRemoteLogger {
+                         public IMScriptManagerRemoteLogger,
+                         public IScriptObjectOwner {
     Q_OBJECT
 
 public:
@@ -41,7 +44,9 @@ public:
     void OnDeviceStart();
     /// Ends every request that is on its way, so that whoever waits for one wakes.   [any]
     void EndContexts();
-    /// Drops what the script made: pending results and objects.   [any host thread, script]
+    /// Drops what the script made: pending results and objects. No event of theirs is delivered any more. The objects are deleted on
+    /// the script thread; a host thread waits for that, but for a moment only when a script is still running.
+    /// [any host thread, script]
     void ReleaseScriptObjects();
     /// Periodic service while the device runs.   [tick]
     void Tick();
@@ -142,8 +147,10 @@ public:
     void ResetPostponed();
 
     // Script objects
-    /// Whether an object that raised an event is still there.   [script]
-    bool IsLiveObject(const MScriptCommonEvent* object) const;
+    /// The objects that raise events.   [script, but for what it says itself]
+    ScriptObjects& GetScriptObjects() { return scriptObjects; }
+    /// Whether an object that raised an event is still there. Asked once for each event that was posted.   [script]
+    bool IsLiveObject(const MScriptCommonEvent* object);
 
     /// The list that asynchronous contexts join.   [script]
     const SharedContextRegistry<MyAsyncDeviceExecContext>& GetAsyncContexts() const { return asyncContexts; }
@@ -154,6 +161,10 @@ public:
     KXPCode OnPropertyChange(const char* object, const char* property, const char* value, std::uint32_t flag,
                              std::uint32_t reserved) override;
     KXPCode Reserved2(void* argument1, void* argument2, void* argument3) override;
+
+    // IScriptObjectOwner
+    void PostScriptEvent(const QString& eventName, const MScriptParamList* params, MScriptCommonEvent* object) override;
+    const char* GetDeviceName() const override;
 
     // IAsyncDeviceExecContextHandler
     void OnAsyncContextDone(MyAsyncDeviceExecContext* context) override;
@@ -186,4 +197,5 @@ private:
     std::atomic<MyPostponedObject*>
         currentPostponed{}; ///< written by the script thread in a command, read by the command thread
     MIObjectMap postponedMap;
+    ScriptObjects scriptObjects;
 };

@@ -7,7 +7,9 @@
 #include <QVariant>
 
 #include "EventRecords.h"
+#include "MScriptCommonEvent.h"
 #include "MScriptParamList.h"
+#include "ScriptObject.h"
 
 namespace {
 
@@ -18,6 +20,10 @@ QScriptValue FromBool(QScriptEngine& /*engine*/, const QVariant& value) {
 /// A number reaches a listener as a boolean, true when it is not zero. That is how listeners have always got it.
 QScriptValue FromInt(QScriptEngine& /*engine*/, const QVariant& value) {
     return QScriptValue(value.toInt() != 0);
+}
+
+QScriptValue FromBytes(QScriptEngine& engine, const QVariant& value) {
+    return engine.toScriptValue(value.toByteArray());
 }
 
 QScriptValue FromAddress(QScriptEngine& engine, const QVariant& value) {
@@ -36,13 +42,33 @@ QScriptValue FromSocketError(QScriptEngine& engine, const QVariant& value) {
     return object;
 }
 
+QScriptValue FromResponse(QScriptEngine& engine, const QVariant& value) {
+    const auto response = value.value<HTTPResponse>();
+    QScriptValue object = engine.newObject();
+    object.setProperty(QStringLiteral("data"), engine.toScriptValue(response.GetData()),
+                       QScriptValue::KeepExistingFlags);
+    object.setProperty(QStringLiteral("statusCode"), response.GetStatusCode(), QScriptValue::KeepExistingFlags);
+    object.setProperty(QStringLiteral("headers"), response.GetHeaders(), QScriptValue::KeepExistingFlags);
+    return object;
+}
+
+/// Every class that raises events is a QObject as well.
+QScriptValue FromSource(QScriptEngine& engine, const QVariant& value) {
+    return WrapOwnedByHost(engine, dynamic_cast<QObject*>(value.value<MScriptCommonEvent*>()));
+}
+
 struct EventArgumentKind {
     const char* typeName;
     QScriptValue (*toScript)(QScriptEngine&, const QVariant&);
 };
 
-constexpr EventArgumentKind kEventArgumentKinds[] = {
-    {"bool", &FromBool}, {"int", &FromInt}, {"IPInfo", &FromAddress}, {"SocketErrorInfo", &FromSocketError}};
+constexpr EventArgumentKind kEventArgumentKinds[] = {{"QByteArray", &FromBytes},
+                                                     {"bool", &FromBool},
+                                                     {"int", &FromInt},
+                                                     {"IPInfo", &FromAddress},
+                                                     {"SocketErrorInfo", &FromSocketError},
+                                                     {"HTTPResponse", &FromResponse},
+                                                     {"MScriptCommonEvent*", &FromSource}};
 
 } // namespace
 

@@ -150,9 +150,9 @@ public:
 
     /// Leaves a task for the script thread. It runs outside the script, behind what was left before it.
     /// @return false when the device is ending.   [any]
-    bool PostTask(ScriptInbox::Task task) { return inbox.Post(std::move(task)); }
+    bool PostTask(ScriptInbox::Task task) override { return inbox.Post(std::move(task)); }
     /// Delivers an event of a script object to its listener, later. Does nothing without both pointers. @return 1.   [any]
-    int PostScriptEvent(const QString& name, const MScriptParamList* params, MScriptCommonEvent* event);
+    int PostScriptEvent(const QString& name, const MScriptParamList* params, MScriptCommonEvent* event) override;
 
     // The five operations of the command road. With execute false each posts a command, with execute true it does the work.
     bool LoadScriptFromFile(IExecContext* context, const char* fileName, bool execute);

@@ -4,6 +4,7 @@
 #include <QScriptValueIterator>
 
 #include "MScriptMngRemote.h"
+#include "ScriptClasses.h"
 
 void SetUpScriptGlobals(QScriptEngine& engine, MScriptMngRemote& remote) {
     const QScriptEngine::QObjectWrapOptions hidden = QScriptEngine::ExcludeDeleteLater |
@@ -11,6 +12,7 @@ void SetUpScriptGlobals(QScriptEngine& engine, MScriptMngRemote& remote) {
                                                      QScriptEngine::ExcludeSuperClassContents;
     const QScriptValue wrapper = engine.newQObject(&remote, QScriptEngine::QtOwnership, hidden);
     engine.globalObject().setProperty(QStringLiteral("QCalverin"), wrapper, QScriptValue::KeepExistingFlags);
+    InstallScriptClasses(engine);
 }
 
 void SetUpAnalysisGlobals(QScriptEngine& engine) {

@@ -35,6 +35,8 @@ ByteArrayClass::ByteArrayClass(QScriptEngine* scriptEngine)
     const QScriptValue object = scriptEngine->globalObject().property(QStringLiteral("Object"));
     m_prototype.setPrototype(object.property(QStringLiteral("prototype")));
     m_constructor = scriptEngine->newFunction(&ByteArrayClass::Construct, m_prototype);
+    for (std::size_t i = 0; i < m_numbers.size(); ++i)
+        m_numbers[i] = QScriptValue(scriptEngine, static_cast<int>(i));
     m_constructor.setData(scriptEngine->newVariant(QVariant::fromValue(this)));
 }
 
@@ -89,12 +91,17 @@ QByteArray* ByteArrayClass::BytesOf(const QScriptValue& value) {
 
 QByteArray* ByteArrayClass::Remembered(const QScriptValue& object) {
     const qint64 id = object.objectId();
-    if (id == m_lastId)
-        return m_lastBytes;
-    m_lastBytes = qscriptvalue_cast<QByteArray*>(object.data());
-    m_lastObject = object;
-    m_lastId = id;
-    return m_lastBytes;
+    for (const Recent& recent : m_recent)
+        if (recent.id == id)
+            return recent.bytes;
+    return Remember(object, id);
+}
+
+QByteArray* ByteArrayClass::Remember(const QScriptValue& object, qint64 id) {
+    Recent& recent = m_recent.at(m_oldest);
+    m_oldest = 1 - m_oldest;
+    recent = {object, id, qscriptvalue_cast<QByteArray*>(object.data())};
+    return recent.bytes;
 }
 
 bool ByteArrayClass::Resize(QByteArray& bytes, qint64 size) {
@@ -135,7 +142,7 @@ QScriptValue ByteArrayClass::property(const QScriptValue& object, const QScriptS
         return QScriptValue(bytes->size());
     if (id >= static_cast<uint>(bytes->size()))
         return QScriptValue();
-    return QScriptValue(static_cast<int>(static_cast<uchar>(bytes->at(static_cast<int>(id)))));
+    return m_numbers[static_cast<uchar>(bytes->at(static_cast<int>(id)))];
 }
 
 /// Turning the value into a number may run script, which may change the bytes, so that comes first.

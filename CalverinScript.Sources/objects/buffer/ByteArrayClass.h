@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include <QByteArray>
 #include <QMetaType>
 #include <QObject>
@@ -17,7 +19,7 @@ class QScriptContext;
 /// An instance is a script object of this class whose data is a variant with one QByteArray. The bytes belong to that variant and
 /// are changed in place, so all references to the object see it. One class object serves one engine.
 ///
-/// Element access remembers the object that it last looked at, and keeps that one object alive for it: finding the bytes of an
+/// Element access remembers the two objects that it last looked at, and keeps those two alive for it: finding the bytes of an
 /// object costs more than the access. All on the engine's thread.
 class ByteArrayClass : public QObject, public QScriptClass {
     Q_OBJECT
@@ -48,9 +50,17 @@ public:
     QString name() const override;
 
 private:
+    /// An object that was looked at lately. It is kept alive, so that its bytes stay where they are and its id stays unique.
+    struct Recent {
+        QScriptValue object;
+        qint64 id = -1;
+        QByteArray* bytes = nullptr;
+    };
+
     static QScriptValue Construct(QScriptContext* context, QScriptEngine* engine);
     QScriptValue FromArray(QScriptContext* context, const QScriptValue& array);
     QByteArray* Remembered(const QScriptValue& object);
+    QByteArray* Remember(const QScriptValue& object, qint64 id);
     bool Resize(QByteArray& bytes, qint64 size);
 
     const QScriptString m_length;
@@ -58,7 +68,7 @@ private:
     QScriptValue m_prototype;            ///< its wrapper
     QScriptValue m_constructor;
 
-    QScriptValue m_lastObject; ///< keeps m_lastBytes valid and m_lastId unique
-    qint64 m_lastId = -1;
-    QByteArray* m_lastBytes = nullptr;
+    std::array<QScriptValue, 256> m_numbers; ///< of each byte, since copying a value is cheaper than making one
+    std::array<Recent, 2> m_recent;          ///< a loop looks at one object or goes between two
+    std::size_t m_oldest = 0;                ///< the one of the two that makes room next
 };

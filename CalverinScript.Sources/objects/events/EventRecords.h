@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QMetaType>
 #include <QString>
 
@@ -34,3 +35,22 @@ private:
     QString errorText;
 };
 Q_DECLARE_METATYPE(SocketErrorInfo)
+
+/// The answer to an HTTP request, as it rides in a QVariant to a listener.
+class HTTPResponse {
+public:
+    HTTPResponse() = default;
+    HTTPResponse(const QByteArray& theData, int theStatusCode, const QString& theHeaders)
+        : data(theData)
+        , statusCode(theStatusCode)
+        , headers(theHeaders) {}
+    const QByteArray& GetData() const { return data; }
+    int GetStatusCode() const { return statusCode; }
+    const QString& GetHeaders() const { return headers; }
+
+private:
+    QByteArray data;
+    int statusCode = 0;
+    QString headers;
+};
+Q_DECLARE_METATYPE(HTTPResponse)

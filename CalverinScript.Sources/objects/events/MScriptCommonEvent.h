@@ -3,6 +3,7 @@
 #include <array>
 #include <optional>
 
+#include <QMetaType>
 #include <QScriptValue>
 #include <QString>
 
@@ -59,3 +60,6 @@ private:
     mutable MLock m_lock;
     std::array<QScriptValue, kEventNames.size()> m_listeners; // under m_lock
 };
+
+/// The object that raised an event rides to the listener in a QVariant as well, behind the event's own values.
+Q_DECLARE_METATYPE(MScriptCommonEvent*)

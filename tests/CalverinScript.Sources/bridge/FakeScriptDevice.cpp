@@ -1,6 +1,7 @@
 #include "FakeScriptDevice.h"
 
 #include "HostText.h"
+#include "MScriptParamList.h"
 
 namespace {
 
@@ -18,4 +19,15 @@ void FakeScriptDevice::PostPropertyChange(const char* object, const char* proper
 void FakeScriptDevice::WriteCommandResult(MCommandObject* command, const QString& text) {
     resultCommand = command;
     results.push_back(ToHostText(text).toStdString());
+}
+
+int FakeScriptDevice::PostScriptEvent(const QString& event, const MScriptParamList* params, MScriptCommonEvent*) {
+    events.push_back(event.toStdString() + " " + std::to_string(params->Count()));
+    return 1;
+}
+
+bool FakeScriptDevice::PostTask(std::function<void()> task) {
+    if (takesTasks)
+        tasks.push_back(std::move(task));
+    return takesTasks;
 }

@@ -12,7 +12,10 @@ public:
 
     std::string name = "Desk";
     std::vector<MyAsyncDeviceExecContext*> asyncResults;
-    std::vector<std::string> changes; ///< "object|property|value|flag", "-" for a null text
+    std::vector<std::string> changes;         ///< "object|property|value|flag", "-" for a null text
+    std::vector<std::string> events;          ///< "name count", the count of values
+    std::vector<std::function<void()>> tasks; ///< what was left for the script thread
+    bool takesTasks = true;
     std::vector<std::string> results; ///< texts written into the results of commands
     MCommandObject* resultCommand = nullptr;
     MCommandObject* executing = nullptr;
@@ -22,6 +25,8 @@ public:
     void PostPropertyChange(const char* object, const char* property, const char* value, bool objectFollows) override;
     MCommandObject* GetExecutingCommand() override { return executing; }
     void WriteCommandResult(MCommandObject* command, const QString& text) override;
+    int PostScriptEvent(const QString& event, const MScriptParamList* params, MScriptCommonEvent* object) override;
+    bool PostTask(std::function<void()> task) override;
 
     bool ending = false;
     int timers = 0;                                  ///< the last id given; ids count from 1

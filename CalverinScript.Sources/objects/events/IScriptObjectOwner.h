@@ -1,0 +1,25 @@
+#pragma once
+
+class MScriptCommonEvent;
+class MScriptParamList;
+class QString;
+
+/// What an object that a script uses needs of the bridge, which owns it. An object that raises events keeps a pointer to it from
+/// construction to destruction.
+class IScriptObjectOwner {
+public:
+    /// Queues an event of an object for its listener and returns at once. Everything is copied; the object comes to the listener
+    /// behind the values. The events of one thread arrive in their order, each once, and none after the object is gone.
+    /// Nothing happens without values or object.   [any]
+    virtual void PostScriptEvent(const QString& eventName, const MScriptParamList* params,
+                                 MScriptCommonEvent* object) = 0;
+
+    /// The device's name in the host's 8-bit text, empty without a device.   [any]
+    virtual const char* GetDeviceName() const = 0;
+
+    /// Writes to the module's log; for the types see IMScriptManagerRemoteLogger.   [any]
+    virtual void TraceMessage(const QString& message, const QString& messageType) = 0;
+
+protected:
+    ~IScriptObjectOwner() = default;
+};

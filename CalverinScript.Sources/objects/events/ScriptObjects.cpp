@@ -1,0 +1,117 @@
+#include "ScriptObjects.h"
+
+#include <algorithm>
+#include <iterator>
+#include <tuple>
+#include <utility>
+
+#include "MScriptCommonEvent.h"
+
+namespace {
+
+/// Place of a kind of object when all go.
+int ReleaseOrder(ScriptObjectType type) {
+    switch (type) {
+    case ScriptObjectType::TcpClient:
+        return 0;
+    case ScriptObjectType::Udp:
+        return 1;
+    case ScriptObjectType::HttpClient:
+        return 3;
+    default:
+        return 2;
+    }
+}
+
+} // namespace
+
+ScriptObjects::~ScriptObjects() {
+    Release();
+    DeleteReleased();
+}
+
+void ScriptObjects::Own(std::unique_ptr<MScriptCommonEvent> object) {
+    MScriptCommonEvent* const bare = object.get();
+    Insert({bare, std::move(object), 0, 0});
+}
+
+void ScriptObjects::Borrow(MScriptCommonEvent& resource) {
+    Insert({&resource, nullptr, 0, 0});
+}
+
+void ScriptObjects::Insert(Entry entry) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    entry.age = m_nextAge++;
+    m_live.try_emplace(entry.object, std::move(entry));
+}
+
+bool ScriptObjects::CountRaised(const MScriptCommonEvent* object) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    const auto found = m_live.find(object);
+    if (found == m_live.end())
+        return false;
+    ++found->second.onTheWay;
+    return true;
+}
+
+/// Events come in the order in which they were counted, so the strays of an address come before those of its next object.
+bool ScriptObjects::TakeRaised(const MScriptCommonEvent* object) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    const auto stray = m_strays.find(object);
+    if (stray != m_strays.end()) {
+        if (--stray->second == 0)
+            m_strays.erase(stray);
+        return false;
+    }
+    const auto found = m_live.find(object);
+    if (found == m_live.end() || object->GetObjectType() == ScriptObjectType::None)
+        return false;
+    if (found->second.onTheWay > 0)
+        --found->second.onTheWay;
+    return true;
+}
+
+bool ScriptObjects::GoesBefore(const Entry& one, const Entry& other) {
+    const auto rank = [](const Entry& entry) {
+        return std::make_tuple(ReleaseOrder(entry.object->GetObjectType()), entry.age);
+    };
+    return rank(one) < rank(other);
+}
+
+bool ScriptObjects::Release() {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    const auto first = static_cast<std::ptrdiff_t>(m_released.size());
+    for (auto& [object, entry] : m_live) {
+        if (entry.onTheWay > 0)
+            m_strays[object] += entry.onTheWay;
+        m_released.push_back(std::move(entry));
+    }
+    m_live.clear();
+    std::sort(m_released.begin() + first, m_released.end(), &ScriptObjects::GoesBefore);
+    return !m_released.empty();
+}
+
+void ScriptObjects::Delete(Entry& entry) {
+    if (entry.owned == nullptr)
+        entry.object->ClearListeners();
+    entry.owned.reset();
+}
+
+/// Without the lock: an object's destructor waits for its thread, which may be about to raise an event.
+void ScriptObjects::DeleteReleased() {
+    std::vector<Entry> released;
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        released.swap(m_released);
+        m_deleting = true;
+    }
+    std::for_each(released.begin(), released.end(), &ScriptObjects::Delete);
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_deleting = false;
+    m_deleted.notify_all();
+}
+
+bool ScriptObjects::WaitUntilDeleted(std::chrono::milliseconds limit) {
+    std::unique_lock<std::mutex> guard(m_lock);
+    return m_deleted.wait_for(guard, limit, [this] { return m_released.empty() && !m_deleting; });
+}
