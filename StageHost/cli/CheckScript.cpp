@@ -1,4 +1,6 @@
-#include <QRegularExpression>
+#include <QCoreApplication>
+#include <QDir>
+#include <QProcess>
 
 #include "Commands.h"
 #include "ExitCodes.h"
@@ -9,60 +11,41 @@ namespace stagehost {
 
 namespace {
 
-/// A device's failure text taken apart: "Script: Uncaught exception at line 3, ..." names a line, others do not.
-struct ScriptProblem {
-    explicit ScriptProblem(const QString& text)
-        : message(text) {
-        static const QRegularExpression form(QStringLiteral("^Script: (?:Uncaught exception at line (\\d+), )?(.*)$"),
-                                             QRegularExpression::DotMatchesEverythingOption);
-        const auto match = form.match(text);
-        if (!match.hasMatch())
-            return;
-        line = match.captured(1).toInt();
-        message = match.captured(2);
-    }
+/// What the program that looks into the script gets beyond the time that the script has.
+constexpr int kGraceMs = 3000;
 
-    int line = 0; ///< 0 when the text names none
-    QString message;
-};
+QString CheckerPath() {
+    return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("calverincheck"));
+}
 
-int ReportProblem(const Options& options, const QString& file, const Failure& failure) {
-    const ScriptProblem problem(failure.text);
-    const QString place = problem.line == 0 ? file : QStringLiteral("%1:%2").arg(file).arg(problem.line);
-    if (!options.json) {
-        PrintLine(place + QStringLiteral(": ") + problem.message);
-        return failure.exitCode;
-    }
-    QJsonObject object{{QStringLiteral("file"), file},
-                       {QStringLiteral("ok"), false},
-                       {QStringLiteral("message"), problem.message},
-                       {QStringLiteral("exitCode"), failure.exitCode}};
-    if (problem.line != 0)
-        object.insert(QStringLiteral("line"), problem.line);
-    PrintJson(object);
-    return failure.exitCode;
+QStringList CheckerWords(const Options& options) {
+    QStringList words{QStringLiteral("--timeout"), QString::number(options.timeout.count())};
+    if (options.json)
+        words.append(QStringLiteral("--json"));
+    return words << QStringLiteral("--") << options.arguments.first();
 }
 
 } // namespace
 
+/// The contract carries neither settings nor descriptions to a host, so the module's own program beside this one looks into the
+/// script and says what is in it, on the same output. A script that takes that program down, or keeps it, does no harm here.
 int CheckScript(const Options& options) {
-    const QString& file = options.arguments.first();
-    if (auto failure = CheckReadable(file))
+    if (auto failure = CheckReadable(options.arguments.first()))
         return Fail(options.json, failure->exitCode, failure->text);
-    Session session(options);
-    auto failure = session.Open(ShowOfScript(file));
-    if (failure)
-        return session.Close(Fail(options.json, failure->exitCode, failure->text));
-    failure = session.Start();
-    if (failure && failure->exitCode == kExitScriptFailed)
-        return session.Close(ReportProblem(options, file, *failure));
-    if (failure)
-        return session.Close(Fail(options.json, failure->exitCode, failure->text));
-    if (options.json)
-        PrintJson({{QStringLiteral("file"), file}, {QStringLiteral("ok"), true}});
-    else
-        PrintLine(file + QStringLiteral(": ok"));
-    return session.Close(kExitOk);
+    QProcess checker;
+    checker.setProcessChannelMode(QProcess::ForwardedChannels);
+    checker.start(CheckerPath(), CheckerWords(options));
+    if (!checker.waitForStarted())
+        return Fail(options.json, kExitNoModule, CheckerPath() + QStringLiteral(": ") + checker.errorString());
+    const auto limit = options.timeout.count();
+    if (!checker.waitForFinished(static_cast<int>(limit) + kGraceMs)) {
+        checker.kill();
+        checker.waitForFinished();
+        return Fail(options.json, kExitNoAnswer, QStringLiteral("no answer within %1 ms").arg(limit));
+    }
+    if (checker.exitStatus() != QProcess::NormalExit)
+        return Fail(options.json, kExitScriptFailed, QStringLiteral("the script brought the check to an end by force"));
+    return checker.exitCode();
 }
 
 } // namespace stagehost

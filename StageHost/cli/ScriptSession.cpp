@@ -11,8 +11,11 @@ namespace stagehost {
 Show ShowOfScript(const QString& file) {
     Show show = EmptyShow(QFileInfo(file).absolutePath());
     show.name = QFileInfo(file).completeBaseName();
-    show.devices.push_back(
-        {QStringLiteral("script"), file.isEmpty() ? QString() : QFileInfo(file).absoluteFilePath(), {}, {}});
+    show.devices.push_back({QStringLiteral("script"),
+                            file.isEmpty() ? QString() : QFileInfo(file).absoluteFilePath(),
+                            {},
+                            {},
+                            Conduct::Normal});
     return show;
 }
 

@@ -36,8 +36,7 @@ MaybeFailure Session::Open(const Show& show) {
     settings.link = options_.link;
     if (auto failure = PrepareLog(settings))
         return failure;
-    host_ = std::make_unique<Host>(settings);
-    pool_ = std::make_unique<WorkerPool>();
+    host_ = std::make_unique<Host>(settings, show.objects);
     for (const auto& variable : show.variables)
         host_->Variables().Add(MakeValue(variable));
     if (auto failure = LoadModule())
@@ -77,7 +76,7 @@ MaybeFailure Session::LoadModule() {
 
 MaybeFailure Session::MakeDevice(const ShowDevice& described) {
     const ExitGuard guard(kModuleCall, kExitNoModule, "the module does not come back from making a device");
-    devices_.push_back(std::make_unique<Device>(*module_, *pool_, ToBorderText(described.name)));
+    devices_.push_back(std::make_unique<Device>(*module_, ToBorderText(described.name), described.conduct));
     const auto problem = devices_.back()->Create(ToBorderText(described.setup));
     if (!problem)
         return std::nullopt;
@@ -125,7 +124,7 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
     const CommandDefinition* found = definition->FindCommand(ToBorderText(command));
     if (found == nullptr)
         return Failure{kExitBadUse, DeviceText(device, QStringLiteral("has no command \"%1\"").arg(command))};
-    const QString problem = Device::CheckInputs(*found, inputs);
+    const QString problem = CheckInputs(*found, inputs);
     if (!problem.isEmpty())
         return Failure{kExitBadUse, DeviceText(device, problem)};
     if (device.MayHold())
@@ -147,9 +146,10 @@ Device* Session::FindDevice(const QString& name) {
 }
 
 int Session::Close(int exitCode) {
-    if (!pool_)
+    if (!host_)
         return exitCode;
     const int lateCode = exitCode == kExitOk ? kExitNoAnswer : exitCode;
+    host_->Model().EndTasks();
     for (const auto& device : devices_) {
         const ExitGuard guard(kEnd, lateCode, "a device does not come back from its release");
         if (!device->Shutdown(kStop))
@@ -158,11 +158,10 @@ int Session::Close(int exitCode) {
     devices_.clear();
     {
         const ExitGuard guard(kModuleCall, lateCode, "the module does not come back from its end");
-        if (!pool_->Close(kStop))
+        if (!host_->Pool().Close(kStop))
             LeaveAtOnce(lateCode, "a call into the module does not come back");
         module_.reset();
     }
-    pool_.reset();
     host_.reset();
     follower_.reset();
     return exitCode;

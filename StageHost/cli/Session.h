@@ -12,7 +12,6 @@
 #include "ModuleFile.h"
 #include "Options.h"
 #include "Show.h"
-#include "WorkerPool.h"
 
 namespace stagehost {
 
@@ -75,7 +74,6 @@ private:
     std::unique_ptr<LogFollower> follower_;
     std::unique_ptr<Host> host_;
     std::unique_ptr<ModuleFile> module_;
-    std::unique_ptr<WorkerPool> pool_;
     std::vector<std::unique_ptr<Device>> devices_;
 };
 

@@ -2,8 +2,6 @@
 
 #include <optional>
 
-#include "MainWait.h"
-
 namespace stagehost {
 
 /// What has been seen since the command was about to be sent.
@@ -14,10 +12,13 @@ struct CommandWatch::Seen {
     bool error = false;
 
     const bool hasStatus;
-    std::optional<std::chrono::steady_clock::time_point> failedSince; ///< main thread only
+    std::optional<std::chrono::steady_clock::time_point> failedSince; ///< of the thread that asks
 
-    explicit Seen(bool withStatus)
-        : hasStatus(withStatus) {}
+    const std::function<void()> wake;
+
+    Seen(bool withStatus, std::function<void()> waker)
+        : hasStatus(withStatus)
+        , wake(std::move(waker)) {}
 
     void StatusIs(std::int32_t index) {
         {
@@ -25,7 +26,7 @@ struct CommandWatch::Seen {
             ready = index == 0;
             leftReady = leftReady || !ready;
         }
-        MainWait::Wake();
+        wake();
     }
 
     void ErrorIs(bool present) {
@@ -33,13 +34,15 @@ struct CommandWatch::Seen {
             const std::lock_guard<std::mutex> hold(lock);
             error = present;
         }
-        MainWait::Wake();
+        wake();
     }
 };
 
-CommandWatch::CommandWatch(const std::shared_ptr<HostValue>& status, const std::shared_ptr<HostValue>& error)
-    : seen_(std::make_shared<Seen>(status != nullptr))
-    , context_(new ExecContext([] { MainWait::Wake(); })) {
+CommandWatch::CommandWatch(const std::shared_ptr<HostValue>& status, const std::shared_ptr<HostValue>& error,
+                           std::function<void()> wake)
+    : seen_(std::make_shared<Seen>(status != nullptr, std::move(wake)))
+    , context_(new ExecContext(seen_->wake))
+    , error_(error) {
     if (status)
         statusObservation_ = status->Observe([seen = seen_, value = std::weak_ptr<HostValue>(status)] {
             if (const auto alive = value.lock())
@@ -54,6 +57,15 @@ CommandWatch::CommandWatch(const std::shared_ptr<HostValue>& status, const std::
 
 CommandWatch::~CommandWatch() {
     context_->Release();
+}
+
+bool CommandWatch::HasError() const {
+    const std::lock_guard<std::mutex> hold(seen_->lock);
+    return seen_->error;
+}
+
+std::string CommandWatch::ErrorText() const {
+    return error_ ? error_->Text() : std::string();
 }
 
 void CommandWatch::StopLooking() {

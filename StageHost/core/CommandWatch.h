@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -17,17 +18,24 @@ namespace stagehost {
 /// a command that failed, for some ten seconds and without saying so; an error that stands when the device is ready
 /// again is therefore an outcome at once, whatever the context says later.
 ///
-/// Made before the command is sent. Device threads feed it, the main thread asks it; its state has a lock of its own.
+/// Made before the command is sent. Device threads feed it, one thread asks it; its state has a lock of its own.
 class CommandWatch {
 public:
     /// @param status, error the device's variables; either may be null.
-    CommandWatch(const std::shared_ptr<HostValue>& status, const std::shared_ptr<HostValue>& error);
+    /// @param wake called, on any thread and with no lock held, when a look at the watch may be worth it.
+    CommandWatch(const std::shared_ptr<HostValue>& status, const std::shared_ptr<HostValue>& error,
+                 std::function<void()> wake);
     ~CommandWatch();
     CommandWatch(const CommandWatch&) = delete;
     CommandWatch& operator=(const CommandWatch&) = delete;
 
     /// The context to send with the command; lives as long as the watch.
-    IExecContext* Context() { return context_; }
+    ExecContext* Context() { return context_; }
+
+    /// Whether the device has told an error since, and none of its later commands has cleared it.   [any]
+    bool HasError() const;
+    /// The text of the device's error as it is now.   [any]
+    std::string ErrorText() const;
 
     enum class Verdict {
         Running, ///< not over yet
@@ -36,7 +44,7 @@ public:
         Unseen   ///< accepted, and this device shows no end of such a command
     };
 
-    /// @param now the time at which the question is asked.   [host main, after the command was accepted]
+    /// @param now the time at which the question is asked.   [one thread, after the command was accepted]
     Verdict Judge(std::chrono::steady_clock::time_point now);
 
     /// Ends the looking at the device's variables; the context stays.   [host main]
@@ -51,6 +59,7 @@ private:
 
     std::shared_ptr<Seen> seen_; ///< shared with the observers, which may run a last time after their removal
     ExecContext* context_;
+    const std::shared_ptr<HostValue> error_;
     Observation statusObservation_;
     Observation errorObservation_;
 };

@@ -5,7 +5,6 @@
 
 #include "BorderText.h"
 #include "MainWait.h"
-#include "ValueFactory.h"
 
 namespace stagehost {
 
@@ -24,53 +23,39 @@ Milliseconds Left(Clock::time_point deadline) {
     return std::max(Milliseconds(0), std::chrono::duration_cast<Milliseconds>(deadline - Clock::now()));
 }
 
-const ValueSpec* FindParameter(const CommandDefinition& command, const std::string& name) {
-    const auto& all = command.parameters;
-    auto found = std::find_if(all.begin(), all.end(), [&](const auto& parameter) { return parameter.name == name; });
-    if (found == all.end()) {
-        std::size_t index = 0;
-        found = std::find_if(all.begin(), all.end(), [&](const auto&) { return std::to_string(index++) == name; });
-    }
-    return found == all.end() ? nullptr : &*found;
-}
-
-const ParameterInput* FindInput(const CommandDefinition& command, const ValueSpec& parameter,
-                                const std::vector<ParameterInput>& inputs) {
-    const auto found = std::find_if(inputs.rbegin(), inputs.rend(), [&](const auto& input) {
-        return FindParameter(command, input.name) == &parameter;
-    });
-    return found == inputs.rend() ? nullptr : &*found;
-}
-
 } // namespace
 
-Device::Device(ModuleFile& module, WorkerPool& pool, std::string name)
+Device::Device(ModuleFile& module, std::string name, Conduct conduct)
     : module_(module)
-    , pool_(pool)
+    , pool_(module.TheHost().Pool())
     , name_(std::move(name))
-    , variables_(name_, module.TheHost().Variables()) {}
+    , conduct_(conduct)
+    , variables_(std::make_shared<DeviceVariables>(name_, module.TheHost().Variables())) {}
 
 Device::~Device() {
     Shutdown(kComeBack);
 }
 
 std::optional<Device::Problem> Device::Create(const std::string& setup) {
-    variables_.SetDefinition(module_.Module()->GetDefinition());
+    variables_->SetDefinition(module_.Module()->GetDefinition());
     const KXPCode made = module_.Module()->CreateDevice(nullptr, &device_);
     if (made != KXP_OK || device_ == nullptr) {
         device_ = nullptr;
         return Problem{false, QStringLiteral("the module makes no device (code %1)").arg(made)};
     }
-    device_->SetDeviceVariables(&variables_);
+    object_ = std::make_shared<DeviceObject>(name_, conduct_, device_, variables_, TheHost().Variables(), pool_,
+                                             TheHost().Commands());
+    TheHost().Model().AddDevice(object_);
+    device_->SetDeviceVariables(variables_.get());
     device_->SetName(name_.c_str());
     const std::string text = setup.empty() ? Setup() : setup;
     const KXPCode applied = text.empty() ? KXP_OK : device_->SetSetup(text.c_str());
     if (applied != KXP_OK && !setup.empty())
         return Problem{true, QStringLiteral("the device does not take its setup (code %1)").arg(applied)};
-    if (RefreshDefinition() == nullptr || variables_.Definition()->commands.empty())
+    if (RefreshDefinition() == nullptr || variables_->Definition()->commands.empty())
         return Problem{
             false,
-            QStringLiteral("the device has no usable definition. %1").arg(FromBorderText(variables_.LastError()))};
+            QStringLiteral("the device has no usable definition. %1").arg(FromBorderText(variables_->LastError()))};
     return std::nullopt;
 }
 
@@ -84,7 +69,7 @@ CommandOutcome Device::Send(const CommandDefinition& command, const std::vector<
     if (mayHold_)
         Settle();
     const auto begin = Clock::now();
-    const auto call = MakeCall(command, inputs);
+    const auto call = std::make_shared<Call>(command, inputs, *variables_, &MainWait::Wake);
     calls_.push_back(call);
     call->task = pool_.Run([device = device_, call] {
         call->code = device->ExecuteCommand(call->id, call->params.get(), call->watch->Context());
@@ -98,42 +83,36 @@ CommandOutcome Device::Send(const CommandDefinition& command, const std::vector<
     return outcome;
 }
 
-QString Device::CheckInputs(const CommandDefinition& command, const std::vector<ParameterInput>& inputs) {
-    for (const auto& input : inputs) {
-        const ValueSpec* parameter = FindParameter(command, input.name);
-        if (parameter == nullptr)
-            return QStringLiteral("the command \"%1\" has no parameter \"%2\"")
-                .arg(FromBorderText(command.name), FromBorderText(input.name));
-        if (!input.variable && !MakeValue(*parameter)->SetText(input.text))
-            return QStringLiteral("the parameter \"%1\" does not take \"%2\"")
-                .arg(FromBorderText(input.name), FromBorderText(input.text));
-    }
-    return {};
-}
-
 bool Device::Shutdown(Milliseconds limit) {
     if (device_ == nullptr)
         return true;
+    TheHost().Model().RemoveDevice(name_);
+    object_->Close();
+    TheHost().EndWaitingOfOlderLink();
     if (started_ && AllBack())
         RunInTime(pool_.Run([device = device_] { device->Stop(); }), blocked_ ? kBlockedStop : limit);
+    TheHost().CloseLink(device_);
     device_->Release();
-    module_.TheHost().ForgetDevice(device_);
+    TheHost().ForgetDevice(device_);
     device_ = nullptr;
     const bool back = MainWait::Until([this] { return AllBack(); }, kComeBack);
-    if (back)
-        calls_.clear();
-    return back;
+    if (!back)
+        return false;
+    calls_.clear();
+    object_->Forget();
+    object_.reset();
+    return true;
 }
 
 std::string Device::ErrorText() const {
-    const auto error = variables_.Find("Error");
+    const auto error = variables_->Find("Error");
     return error ? error->Text() : std::string();
 }
 
 const char* Device::RefreshDefinition() {
     const char* text = device_->GetDefinition();
-    if (text != nullptr && !variables_.IsDefinedBy(text))
-        variables_.SetDefinition(text);
+    if (text != nullptr && !variables_->IsDefinedBy(text))
+        variables_->SetDefinition(text);
     return text;
 }
 
@@ -144,22 +123,6 @@ std::string Device::Setup() const {
     std::string setup = text;
     device_->ReleaseString(&text);
     return setup;
-}
-
-std::shared_ptr<Device::Call> Device::MakeCall(const CommandDefinition& command,
-                                               const std::vector<ParameterInput>& inputs) {
-    auto call = std::make_shared<Call>();
-    call->id = command.id;
-    call->params = std::make_shared<ObjectParams>(command.properties);
-    for (const auto& parameter : command.parameters) {
-        std::shared_ptr<HostValue> own = MakeValue(parameter);
-        const ParameterInput* input = FindInput(command, parameter, inputs);
-        if (input != nullptr)
-            own->SetText(input->text);
-        call->params->Add(std::move(own), input == nullptr ? nullptr : input->variable);
-    }
-    call->watch = std::make_unique<CommandWatch>(Status(), variables_.Find("Error"));
-    return call;
 }
 
 CommandOutcome Device::Await(Call& call, Milliseconds limit) {
@@ -188,10 +151,7 @@ CommandOutcome Device::Await(Call& call, Milliseconds limit) {
 }
 
 void Device::Complete(CommandOutcome& outcome, const Call& call) const {
-    for (const auto& param : call.params->Params()) {
-        if (std::string(param->GetName()) == "Result")
-            outcome.result = param->Effective().Text();
-    }
+    outcome.result = call.ResultText();
     const auto status = Status();
     outcome.status = status ? status->Text() : std::string();
     outcome.error = ErrorText();
@@ -222,7 +182,8 @@ bool Device::RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit) {
 }
 
 bool Device::AllBack() const {
-    return std::all_of(tasks_.begin(), tasks_.end(), [](const auto& task) { return task->IsDone(); });
+    const bool done = std::all_of(tasks_.begin(), tasks_.end(), [](const auto& task) { return task->IsDone(); });
+    return done && (!object_ || object_->IsEmpty());
 }
 
 } // namespace stagehost

@@ -6,21 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "CommandCall.h"
 #include "CommandOutcome.h"
-#include "CommandWatch.h"
+#include "DeviceObject.h"
 #include "DeviceVariables.h"
 #include "ModuleFile.h"
-#include "ObjectParams.h"
 #include "WorkerPool.h"
 
 namespace stagehost {
-
-/// What a parameter of a command is given.
-struct ParameterInput {
-    std::string name;                    ///< the parameter's name in the definition, or its number from 0
-    std::string text;                    ///< the value in the text form of its type
-    std::shared_ptr<HostValue> variable; ///< the variable bound to it, or null
-};
 
 /// One device of the show, driven in the contract's order of calls.
 ///
@@ -31,8 +24,9 @@ class Device {
 public:
     using Milliseconds = std::chrono::milliseconds;
 
-    /// @param module and @param pool must outlive the device. @param name Latin-1, allowed by IsObjectName.
-    Device(ModuleFile& module, WorkerPool& pool, std::string name);
+    /// @param module must outlive the device. @param name Latin-1, allowed by IsObjectName.
+    /// @param conduct how the device takes requests of scripts.
+    Device(ModuleFile& module, std::string name, Conduct conduct = Conduct::Normal);
 
     /// Stops and releases the device if that has not happened.
     ~Device();
@@ -46,7 +40,8 @@ public:
     };
 
     /// Makes the device in the module, applies the stored setup and takes over the definition. Without a stored setup
-    /// the device is given its own first one, as after a setup dialog that was accepted unchanged.
+    /// the device is given its own first one, as after a setup dialog that was accepted unchanged. From then on scripts
+    /// and tasks can find the device.
     /// @return nothing on success.
     std::optional<Problem> Create(const std::string& setup);
 
@@ -58,11 +53,8 @@ public:
     CommandOutcome Send(const CommandDefinition& command, const std::vector<ParameterInput>& inputs,
                         Milliseconds limit);
 
-    /// The first input that names no parameter of the command, or whose text its type does not take.
-    /// @return empty when all fit, otherwise what is wrong.
-    static QString CheckInputs(const CommandDefinition& command, const std::vector<ParameterInput>& inputs);
-
-    /// Stops the device if it runs, releases it and waits for calls that were blocked.
+    /// Stops the device if it runs, releases it and waits for calls that were blocked. Requests that wait for it or that
+    /// it has made are answered with 75.
     /// @return false when something of it is still running: only leaving the process at once ends that.
     bool Shutdown(Milliseconds limit);
 
@@ -70,8 +62,8 @@ public:
     bool MayHold() const { return mayHold_; }
 
     const std::string& Name() const { return name_; }
-    DeviceVariables& Variables() { return variables_; }
-    std::shared_ptr<HostValue> Status() const { return variables_.Find("Status"); }
+    DeviceVariables& Variables() { return *variables_; }
+    std::shared_ptr<HostValue> Status() const { return variables_->Find("Status"); }
     std::string ErrorText() const;
 
     /// Asks the device for its definition and takes it over if it has changed.
@@ -83,25 +75,26 @@ public:
 
 private:
     /// A command on its way; kept until the device has let go of it.
-    struct Call {
-        std::int32_t id = 0;
-        std::shared_ptr<ObjectParams> params;
-        std::unique_ptr<CommandWatch> watch;
+    struct Call : CommandCall {
+        using CommandCall::CommandCall;
         std::shared_ptr<Task> task;
         KXPCode code = KXP_OK; ///< written by the task, read when it is done
     };
 
-    std::shared_ptr<Call> MakeCall(const CommandDefinition& command, const std::vector<ParameterInput>& inputs);
     CommandOutcome Await(Call& call, Milliseconds limit);
     void Complete(CommandOutcome& outcome, const Call& call) const;
     void Settle();
     bool RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit);
     bool AllBack() const;
 
+    Host& TheHost() { return module_.TheHost(); }
+
     ModuleFile& module_;
     WorkerPool& pool_;
     const std::string name_;
-    DeviceVariables variables_;
+    const Conduct conduct_;
+    const std::shared_ptr<DeviceVariables> variables_;
+    std::shared_ptr<DeviceObject> object_; ///< the device as scripts and tasks see it; null before Create
     IKXPDevice* device_ = nullptr;
     bool started_ = false;
     bool blocked_ = false; ///< a call did not come back in time: the next Stop will hardly do better

@@ -73,6 +73,11 @@ std::shared_ptr<const DeviceDefinition> DeviceVariables::Definition() const {
     return definition_;
 }
 
+std::string DeviceVariables::DefinitionText() const {
+    const std::lock_guard<std::mutex> hold(lock_);
+    return text_;
+}
+
 std::vector<std::shared_ptr<HostValue>> DeviceVariables::All() const {
     const std::lock_guard<std::mutex> hold(lock_);
     return order_;

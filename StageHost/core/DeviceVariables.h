@@ -36,6 +36,9 @@ public:
     /// The definition in force; an empty one before the first. Never changes once given.   [any]
     std::shared_ptr<const DeviceDefinition> Definition() const;
 
+    /// The text of the definition in force; empty before the first.   [any]
+    std::string DefinitionText() const;
+
     /// The variables in the order of the definition.   [any]
     std::vector<std::shared_ptr<HostValue>> All() const;
 

@@ -13,9 +13,13 @@ namespace stagehost {
 /// Hands out the one older link.
 class OlderLinkManager final : public HostFace<IManagerRemoteManager> {
 public:
-    explicit OlderLinkManager(HostFaces& faces);
+    /// @param desk must outlive the link.
+    OlderLinkManager(HostFaces& faces, RequestDesk& desk);
 
     IManagerRemote* GetRemote() override { return &link_; }
+
+    /// Lets go of all callers that wait.   [host main]
+    void EndWaiting() { link_.EndWaiting(); }
 
 private:
     OlderLink link_;
@@ -24,16 +28,22 @@ private:
 /// Hands out the newer links, one for each device.
 class NewerLinkManager final : public HostFace<IManagerRemoteManager2> {
 public:
-    explicit NewerLinkManager(HostFaces& faces);
+    /// @param desk must outlive the links.
+    NewerLinkManager(HostFaces& faces, RequestDesk& desk);
 
     KXPCode Reserved1(void* argument) override;
     /// The same link at every call for a device; null for a null device.
     IManagerRemote2* GetRemote(IKXPDevice* device) override;
 
+    /// Ends what the link of a device has under way, before the device is released: its handler is not called any more,
+    /// and requests that never end are answered with 75. Unknown devices are ignored.   [host main]
+    void Close(IKXPDevice* device);
+
     /// Ends the link of a device that has been released; unknown devices are ignored.   [host main]
     void Forget(IKXPDevice* device);
 
 private:
+    RequestDesk& desk_;
     std::mutex lock_; ///< guards links_
     std::map<IKXPDevice*, std::unique_ptr<NewerLink>> links_;
 };

@@ -1,25 +1,65 @@
 #include "NewerLink.h"
 
-#include <cstring>
+#include <QXmlStreamReader>
 
+#include "BorderText.h"
+#include "FaceAnswer.h"
 #include "HostCodes.h"
+#include "LinkAnswer.h"
+#include "WholeNumber.h"
 
 namespace stagehost {
 
 namespace {
 
-KXPCode Missing(const char* object) {
-    return object == nullptr ? KXP_NULL_ARGUMENT : KXPCode{kNoSuchObject};
+using Kind = RequestKind;
+
+/// Whether options ask for events: <Options><Option name="acceptevents" value="true"/></Options>; nothing for a text
+/// that is no options.
+std::optional<bool> AcceptsEvents(const char* options) {
+    const QString text = FromBorderText(options);
+    if (text.isEmpty())
+        return false;
+    bool accepts = false;
+    QXmlStreamReader xml(text);
+    if (!xml.readNextStartElement() || xml.name() != QLatin1String("Options"))
+        return std::nullopt;
+    while (xml.readNextStartElement()) {
+        const auto attributes = xml.attributes();
+        if (attributes.value(QLatin1String("name")) == QLatin1String("acceptevents"))
+            accepts = attributes.value(QLatin1String("value")) == QLatin1String("true");
+        xml.skipCurrentElement();
+    }
+    return xml.hasError() ? std::nullopt : std::optional(accepts);
 }
 
 } // namespace
 
+NewerLink::NewerLink(RequestDesk& desk)
+    : desk_(desk)
+    , registrations_(desk.Model()) {}
+
+void NewerLink::Close() {
+    registrations_.Close();
+    desk_.EndWaiting(this);
+}
+
+KXPCode NewerLink::Ask(const char* object, Request request, IExecContext* context) {
+    if (object == nullptr)
+        return KXP_NULL_ARGUMENT;
+    request.object = object;
+    request.link = this;
+    const KXPCode code = desk_.Check(request);
+    if (code != KXP_OK)
+        return code;
+    if (context == nullptr)
+        return KXP_NULL_ARGUMENT;
+    desk_.Serve(std::move(request), BeginContext(context));
+    return KXP_PENDING;
+}
+
 KXPCode NewerLink::QueryInterface(const char* name, void** out) {
-    if (name == nullptr || out == nullptr)
-        return KXP_BAD_INTERFACE_ARG;
-    const bool offered = std::strcmp(name, "IMInterface") == 0 || std::strcmp(name, "IManagerRemote2") == 0;
-    *out = offered ? this : nullptr;
-    return offered ? KXP_OK : KXP_NO_INTERFACE;
+    return AnswerFace(name, out, {{"IMInterface", this}, {"IManagerRemote2", this}});
 }
 
 KXPCode NewerLink::Release() {
@@ -27,7 +67,7 @@ KXPCode NewerLink::Release() {
 }
 
 KXPCode NewerLink::SetHandler(IManagerRemoteHandler* handler) {
-    handler_ = handler;
+    registrations_.SetHandler(handler);
     return KXP_OK;
 }
 
@@ -35,56 +75,74 @@ KXPCode NewerLink::Reserved2(void*) {
     return KXP_NOT_IMPLEMENTED;
 }
 
-KXPCode NewerLink::RegisterGroup(const char* group, const char*, IExecContext*, void*) {
-    return Missing(group);
+KXPCode NewerLink::RegisterGroup(const char* group, const char* options, IExecContext*, void*) {
+    if (group == nullptr)
+        return KXP_NULL_ARGUMENT;
+    const KXPCode code = desk_.CheckGroup(group);
+    if (code != KXP_OK)
+        return code;
+    const auto events = AcceptsEvents(options);
+    if (!events)
+        return kBadParameters;
+    registrations_.Add(group, *events || std::string(group) == kGrantedGroup);
+    return KXP_OK;
 }
 
 KXPCode NewerLink::UnregisterGroup(const char* group, IExecContext*, void*) {
-    return Missing(group);
+    if (group != nullptr && *group == '\0')
+        registrations_.Clear();
+    else
+        registrations_.Remove(group == nullptr ? kGrantedGroup : group);
+    return KXP_OK;
 }
 
-KXPCode NewerLink::OpenUserScreen(const char* name, std::int32_t, std::int32_t, std::int32_t, IExecContext*, void*) {
-    return Missing(name);
+KXPCode NewerLink::OpenUserScreen(const char* name, std::int32_t position, std::int32_t left, std::int32_t top,
+                                  IExecContext* context, void*) {
+    Request request{Kind::OpenUserScreen};
+    request.number = position;
+    request.left = left;
+    request.top = top;
+    return Ask(name, std::move(request), context);
 }
 
-KXPCode NewerLink::CloseUserScreen(const char* name, IExecContext*, void*) {
-    return Missing(name);
+KXPCode NewerLink::CloseUserScreen(const char* name, IExecContext* context, void*) {
+    return Ask(name, Request{Kind::CloseUserScreen}, context);
 }
 
-KXPCode NewerLink::GotoPage(const char* name, const char*, IExecContext*, void*) {
-    return Missing(name);
+KXPCode NewerLink::GotoPage(const char* name, const char* page, IExecContext* context, void*) {
+    return Ask(name, NumberRequest(Kind::GotoPage, ParseWholeNumber(TextOrEmpty(page)).value_or(0)), context);
 }
 
-KXPCode NewerLink::StartTask(const char* task, IExecContext*, void*) {
-    return Missing(task);
+KXPCode NewerLink::StartTask(const char* task, IExecContext* context, void*) {
+    return Ask(task, Request{Kind::StartTask}, context);
 }
 
-KXPCode NewerLink::PauseTask(const char* task, IExecContext*, void*) {
-    return Missing(task);
+KXPCode NewerLink::PauseTask(const char* task, IExecContext* context, void*) {
+    return Ask(task, Request{Kind::PauseTask}, context);
 }
 
-KXPCode NewerLink::StopTask(const char* task, std::int32_t, IExecContext*, void*) {
-    return Missing(task);
+KXPCode NewerLink::StopTask(const char* task, std::int32_t mode, IExecContext* context, void*) {
+    return Ask(task, NumberRequest(Kind::StopTask, mode), context);
 }
 
-KXPCode NewerLink::GotoLabel(const char* task, const char*, IExecContext*, void*) {
-    return Missing(task);
+KXPCode NewerLink::GotoLabel(const char* task, const char* label, IExecContext* context, void*) {
+    return Ask(task, TextRequest(Kind::GotoLabel, label), context);
 }
 
-KXPCode NewerLink::GotoLine(const char* task, std::int32_t, IExecContext*, void*) {
-    return Missing(task);
+KXPCode NewerLink::GotoLine(const char* task, std::int32_t line, IExecContext* context, void*) {
+    return Ask(task, NumberRequest(Kind::GotoLine, line), context);
 }
 
-KXPCode NewerLink::GotoTime(const char* task, std::int32_t, IExecContext*, void*) {
-    return Missing(task);
+KXPCode NewerLink::GotoTime(const char* task, std::int32_t time, IExecContext* context, void*) {
+    return Ask(task, NumberRequest(Kind::GotoTime, time), context);
 }
 
-KXPCode NewerLink::LoadShow(const char* show, std::int32_t, IExecContext*, void*) {
-    return Missing(show);
+KXPCode NewerLink::LoadShow(const char* show, std::int32_t time, IExecContext* context, void*) {
+    return Ask(show, NumberRequest(Kind::LoadShow, time), context);
 }
 
-KXPCode NewerLink::GetObjectList(const char* parent, std::uint32_t, IExecContext*, void*) {
-    return Missing(parent);
+KXPCode NewerLink::GetObjectList(const char* parent, std::uint32_t type, IExecContext* context, void*) {
+    return Ask(parent, NumberRequest(Kind::GetObjectList, static_cast<std::int32_t>(type)), context);
 }
 
 KXPCode NewerLink::Reserved16(void*) {
@@ -99,24 +157,29 @@ KXPCode NewerLink::Reserved18(void*) {
     return KXP_NOT_IMPLEMENTED;
 }
 
-KXPCode NewerLink::SetProperty(const char* object, const char*, const char*, IExecContext*, void*) {
-    return Missing(object);
+KXPCode NewerLink::SetProperty(const char* object, const char* property, const char* value, IExecContext* context,
+                               void*) {
+    return Ask(object, TextRequest(Kind::SetProperty, property, value), context);
 }
 
-KXPCode NewerLink::SetPropertyAsInt(const char* object, const char*, std::int32_t, IExecContext*, void*) {
-    return Missing(object);
+KXPCode NewerLink::SetPropertyAsInt(const char* object, const char* property, std::int32_t value, IExecContext* context,
+                                    void*) {
+    Request request = TextRequest(Kind::SetPropertyAsInt, property);
+    request.number = value;
+    return Ask(object, std::move(request), context);
 }
 
-KXPCode NewerLink::GetProperty(const char* object, const char*, IExecContext*, void*) {
-    return Missing(object);
+KXPCode NewerLink::GetProperty(const char* object, const char* property, IExecContext* context, void*) {
+    return Ask(object, TextRequest(Kind::GetProperty, property), context);
 }
 
-KXPCode NewerLink::GetObject(const char* object, std::uint16_t, IExecContext*, void*) {
-    return Missing(object);
+KXPCode NewerLink::GetObject(const char* object, std::uint16_t depth, IExecContext* context, void*) {
+    return Ask(object, NumberRequest(Kind::GetObject, depth), context);
 }
 
-KXPCode NewerLink::Perform(const char* object, const char*, const char*, IExecContext*, void*) {
-    return Missing(object);
+KXPCode NewerLink::Perform(const char* object, const char* action, const char* parameters, IExecContext* context,
+                           void*) {
+    return Ask(object, TextRequest(Kind::Perform, action, parameters), context);
 }
 
 } // namespace stagehost

@@ -1,29 +1,38 @@
 #pragma once
 
-#include <atomic>
-
-#include "IManagerRemote.h"
+#include "GroupRegistrations.h"
+#include "RequestDesk.h"
 
 namespace stagehost {
 
-/// The newer link of one device. The show has no tasks, screens, groups or objects yet: an operation on one answers 64,
-/// no such object, and 2 when its name is null. A request that fails at once does not touch its context. The reserved
-/// operations answer 19.   [any]
+/// The newer link of one device.
+///
+/// A request that fails at once (2 a null name or context, 64, 72) does not touch its context. Every other is taken on:
+/// the context is begun, the answer is 21, and the context ends on a thread of the host. Registrations are made at once
+/// and answer 0. The reserved operations answer 19.   [any]
 class NewerLink final : public IManagerRemote2 {
 public:
-    NewerLink() = default;
+    /// @param desk must outlive the link.
+    explicit NewerLink(RequestDesk& desk);
     virtual ~NewerLink() = default;
     NewerLink(const NewerLink&) = delete;
     NewerLink& operator=(const NewerLink&) = delete;
 
     /// The handler that the device bound last, or null.   [any]
-    IManagerRemoteHandler* Handler() const { return handler_.load(); }
+    IManagerRemoteHandler* Handler() const { return registrations_.Handler(); }
+
+    /// Calls the handler no more and answers 75 to the requests that never end.   [host main]
+    void Close();
 
     KXPCode QueryInterface(const char* name, void** out) override;
     KXPCode Release() override;
     KXPCode SetHandler(IManagerRemoteHandler* handler) override;
     KXPCode Reserved2(void* argument) override;
+    /// Changes are told when the options have "acceptevents" set, and always for the granted group.
+    /// @return 0, 2 null name, 64, 71 options that are none, 72.
     KXPCode RegisterGroup(const char* group, const char* options, IExecContext* context, void* reserved) override;
+    /// @param group null for the granted group, empty for all that the device has registered for.
+    /// @return 0, also when there was no such registration.
     KXPCode UnregisterGroup(const char* group, IExecContext* context, void* reserved) override;
     KXPCode OpenUserScreen(const char* name, std::int32_t position, std::int32_t left, std::int32_t top,
                            IExecContext* context, void* reserved) override;
@@ -50,7 +59,10 @@ public:
                     void* reserved) override;
 
 private:
-    std::atomic<IManagerRemoteHandler*> handler_{nullptr}; ///< written by the script thread, read by host threads
+    KXPCode Ask(const char* object, Request request, IExecContext* context);
+
+    RequestDesk& desk_;
+    GroupRegistrations registrations_;
 };
 
 } // namespace stagehost

@@ -20,6 +20,9 @@ public:
     /// The value in force by the contract's rule: the bound variable if there is one, the own value otherwise.
     const HostValue& Effective() const { return bound_ ? *bound_ : *own_; }
 
+    /// The own value, bound or not.
+    const HostValue& Own() const { return *own_; }
+
     KXPCode QueryInterface(const char* name, void** out) override;
     KXPCode Release() override { return KXP_OK; }
     const char* GetName() override { return own_->Face()->GetName(); }

@@ -1,89 +1,126 @@
 #include "OlderLink.h"
 
-#include <cstring>
+#include <optional>
 
 #include "BorderText.h"
+#include "FaceAnswer.h"
 #include "HostCodes.h"
+#include "WholeNumber.h"
 
 namespace stagehost {
 
 namespace {
 
-KXPCode Missing(const char* object) {
-    return object == nullptr ? KXP_NULL_ARGUMENT : KXPCode{kNoSuchObject};
-}
+using Kind = RequestKind;
 
-KXPCode MissingWithText(const char* object, char** out) {
-    if (out == nullptr)
-        return KXP_NULL_ARGUMENT;
-    *out = nullptr;
-    return Missing(object);
-}
+constexpr std::chrono::milliseconds kLastMoment(200); // for a request that comes when the host is ending
 
 } // namespace
 
+OlderLink::OlderLink(RequestDesk& desk)
+    : desk_(desk) {}
+
+void OlderLink::EndWaiting() {
+    {
+        const std::lock_guard<std::mutex> hold(waiting_->lock);
+        waiting_->ending = true;
+    }
+    waiting_->changed.notify_all();
+    desk_.EndWaiting(this);
+}
+
+Reply OlderLink::Ask(const char* object, Request request) {
+    if (object == nullptr)
+        return {KXP_NULL_ARGUMENT};
+    request.object = object;
+    request.link = this;
+    const KXPCode code = desk_.Check(request);
+    if (code != KXP_OK)
+        return {code};
+    const auto reply = std::make_shared<std::optional<Reply>>();
+    desk_.Serve(std::move(request), [waiting = waiting_, reply](const Reply& given) {
+        const std::lock_guard<std::mutex> hold(waiting->lock);
+        *reply = given;
+        waiting->changed.notify_all();
+    });
+    std::unique_lock<std::mutex> hold(waiting_->lock);
+    waiting_->changed.wait(hold, [&] { return waiting_->ending || reply->has_value(); });
+    waiting_->changed.wait_for(hold, kLastMoment, [&] { return reply->has_value(); });
+    return reply->value_or(Reply{kEnding});
+}
+
+KXPCode OlderLink::AskForText(const char* object, Request request, char** out) {
+    if (out == nullptr)
+        return KXP_NULL_ARGUMENT;
+    *out = nullptr;
+    const Reply reply = Ask(object, std::move(request));
+    if (reply.code == KXP_OK)
+        *out = CopyBorderText(reply.text.value_or(std::string()));
+    return reply.code;
+}
+
 KXPCode OlderLink::QueryInterface(const char* name, void** out) {
-    if (name == nullptr || out == nullptr)
-        return KXP_BAD_INTERFACE_ARG;
-    const bool offered = std::strcmp(name, "IMInterface") == 0 || std::strcmp(name, "IManagerRemote") == 0;
-    *out = offered ? this : nullptr;
-    return offered ? KXP_OK : KXP_NO_INTERFACE;
+    return AnswerFace(name, out, {{"IMInterface", this}, {"IManagerRemote", this}});
 }
 
 KXPCode OlderLink::Release() {
     return KXP_OK;
 }
 
-KXPCode OlderLink::OpenUserScreen(const char* name, std::int32_t, std::int32_t, std::int32_t) {
-    return Missing(name);
+KXPCode OlderLink::OpenUserScreen(const char* name, std::int32_t position, std::int32_t left, std::int32_t top) {
+    Request request{Kind::OpenUserScreen};
+    request.number = position;
+    request.left = left;
+    request.top = top;
+    return Ask(name, std::move(request)).code;
 }
 
 KXPCode OlderLink::CloseUserScreen(const char* name) {
-    return Missing(name);
+    return Ask(name, Request{Kind::CloseUserScreen}).code;
 }
 
-KXPCode OlderLink::GotoPage(const char* name, std::int32_t) {
-    return Missing(name);
+KXPCode OlderLink::GotoPage(const char* name, std::int32_t page) {
+    return Ask(name, NumberRequest(Kind::GotoPage, page)).code;
 }
 
 KXPCode OlderLink::StartTask(const char* task) {
-    return Missing(task);
+    return Ask(task, Request{Kind::StartTask}).code;
 }
 
 KXPCode OlderLink::PauseTask(const char* task) {
-    return Missing(task);
+    return Ask(task, Request{Kind::PauseTask}).code;
 }
 
-KXPCode OlderLink::StopTask(const char* task, std::int32_t) {
-    return Missing(task);
+KXPCode OlderLink::StopTask(const char* task, std::int32_t mode) {
+    return Ask(task, NumberRequest(Kind::StopTask, mode)).code;
 }
 
-KXPCode OlderLink::GotoLabel(const char* task, const char*) {
-    return Missing(task);
+KXPCode OlderLink::GotoLabel(const char* task, const char* label) {
+    return Ask(task, TextRequest(Kind::GotoLabel, label)).code;
 }
 
-KXPCode OlderLink::GotoLine(const char* task, std::int32_t) {
-    return Missing(task);
+KXPCode OlderLink::GotoLine(const char* task, std::int32_t line) {
+    return Ask(task, NumberRequest(Kind::GotoLine, line)).code;
 }
 
-KXPCode OlderLink::GotoTime(const char* task, std::int32_t) {
-    return Missing(task);
+KXPCode OlderLink::GotoTime(const char* task, std::int32_t time) {
+    return Ask(task, NumberRequest(Kind::GotoTime, time)).code;
 }
 
-KXPCode OlderLink::LoadShow(const char* show, std::int32_t) {
-    return Missing(show);
+KXPCode OlderLink::LoadShow(const char* show, std::int32_t time) {
+    return Ask(show, NumberRequest(Kind::LoadShow, time)).code;
 }
 
 KXPCode OlderLink::RegisterGroup(IManagerRemoteHandler*, const char* group) {
-    return Missing(group);
+    return group == nullptr ? KXPCode{KXP_NULL_ARGUMENT} : desk_.CheckGroup(group);
 }
 
 KXPCode OlderLink::UnregisterGroup() {
     return KXP_OK;
 }
 
-KXPCode OlderLink::GetObjectList(const char* parent, std::uint32_t, char** out) {
-    return MissingWithText(parent, out);
+KXPCode OlderLink::GetObjectList(const char* parent, std::uint32_t type, char** out) {
+    return AskForText(parent, NumberRequest(Kind::GetObjectList, static_cast<std::int32_t>(type)), out);
 }
 
 KXPCode OlderLink::Reserved14(void*) {
@@ -94,28 +131,34 @@ KXPCode OlderLink::Reserved15(void*) {
     return KXP_NOT_IMPLEMENTED;
 }
 
-KXPCode OlderLink::SetProperty(const char* object, const char*, const char*) {
-    return Missing(object);
+KXPCode OlderLink::SetProperty(const char* object, const char* property, const char* value) {
+    return Ask(object, TextRequest(Kind::SetProperty, property, value)).code;
 }
 
-KXPCode OlderLink::SetPropertyAsInt(const char* object, const char*, std::int32_t) {
-    return Missing(object);
+KXPCode OlderLink::SetPropertyAsInt(const char* object, const char* property, std::int32_t value) {
+    Request request = TextRequest(Kind::SetPropertyAsInt, property);
+    request.number = value;
+    return Ask(object, std::move(request)).code;
 }
 
-KXPCode OlderLink::GetProperty(const char* object, const char*, char** out) {
-    return MissingWithText(object, out);
+KXPCode OlderLink::GetProperty(const char* object, const char* property, char** out) {
+    return AskForText(object, TextRequest(Kind::GetProperty, property), out);
 }
 
-KXPCode OlderLink::GetPropertyAsInt(const char* object, const char*, std::int32_t* out) {
-    return out == nullptr ? KXP_NULL_ARGUMENT : Missing(object);
+KXPCode OlderLink::GetPropertyAsInt(const char* object, const char* property, std::int32_t* out) {
+    if (out == nullptr)
+        return KXP_NULL_ARGUMENT;
+    const Reply reply = Ask(object, TextRequest(Kind::GetPropertyAsInt, property));
+    *out = reply.code == KXP_OK ? ParseWholeNumber(reply.text.value_or(std::string())).value_or(0) : 0;
+    return reply.code;
 }
 
-KXPCode OlderLink::GetObject(const char* object, std::uint16_t, char** out) {
-    return MissingWithText(object, out);
+KXPCode OlderLink::GetObject(const char* object, std::uint16_t depth, char** out) {
+    return AskForText(object, NumberRequest(Kind::GetObject, depth), out);
 }
 
-KXPCode OlderLink::Perform(const char* object, const char*, const char*, char** out) {
-    return MissingWithText(object, out);
+KXPCode OlderLink::Perform(const char* object, const char* action, const char* parameters, char** out) {
+    return AskForText(object, TextRequest(Kind::Perform, action, parameters), out);
 }
 
 void OlderLink::FreeText(char** text) {

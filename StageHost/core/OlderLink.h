@@ -1,17 +1,29 @@
 #pragma once
 
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+
 #include "IManagerRemote.h"
+#include "RequestDesk.h"
 
 namespace stagehost {
 
-/// The older link. The show has no tasks, screens, groups or objects yet: an operation on one answers 64, no such
-/// object, and 2 when its name is null. Texts are not given. The reserved operations answer 19.   [any]
+/// The older link. It keeps its caller until the request is over, which a request that never ends is only when the
+/// waiting is ended.
+///
+/// It tells no changes: it takes a registration for a group that exists, and keeps nothing of it. The reserved
+/// operations answer 19.   [any]
 class OlderLink final : public IManagerRemote {
 public:
-    OlderLink() = default;
+    /// @param desk must outlive the link.
+    explicit OlderLink(RequestDesk& desk);
     virtual ~OlderLink() = default;
     OlderLink(const OlderLink&) = delete;
     OlderLink& operator=(const OlderLink&) = delete;
+
+    /// Answers 75 to all callers that wait. From then on a caller waits a moment at most.   [host main]
+    void EndWaiting();
 
     KXPCode QueryInterface(const char* name, void** out) override;
     KXPCode Release() override;
@@ -37,6 +49,20 @@ public:
     KXPCode GetObject(const char* object, std::uint16_t depth, char** out) override;
     KXPCode Perform(const char* object, const char* action, const char* parameters, char** out) override;
     void FreeText(char** text) override;
+
+private:
+    /// Shared with the answers, which may come when the caller has gone.
+    struct Waiting {
+        std::mutex lock; ///< guards ending and the replies that callers wait for
+        std::condition_variable changed;
+        bool ending = false;
+    };
+
+    Reply Ask(const char* object, Request request);
+    KXPCode AskForText(const char* object, Request request, char** out);
+
+    RequestDesk& desk_;
+    const std::shared_ptr<Waiting> waiting_ = std::make_shared<Waiting>();
 };
 
 } // namespace stagehost

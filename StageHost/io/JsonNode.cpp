@@ -7,6 +7,8 @@
 #include <QJsonObject>
 #include <QLocale>
 
+#include "BorderText.h"
+
 namespace stagehost {
 
 JsonNode::JsonNode(QJsonValue value, QString path, QStringList& complaints)
@@ -59,13 +61,32 @@ QStringList JsonNode::MemberNames() const {
 void JsonNode::ForEach(const std::function<void(const JsonNode&)>& call) const {
     if (!Expect(IsMissing() || value_.isArray(), QStringLiteral("expected a list")))
         return;
+    for (const JsonNode& item : Items())
+        call(item);
+}
+
+std::vector<JsonNode> JsonNode::Items() const {
+    std::vector<JsonNode> nodes;
     const QJsonArray items = value_.toArray();
     for (int index = 0; index < items.size(); ++index)
-        call(JsonNode(items.at(index), QStringLiteral("%1[%2]").arg(path_).arg(index), complaints_));
+        nodes.emplace_back(items.at(index), QStringLiteral("%1[%2]").arg(path_).arg(index), complaints_);
+    return nodes;
+}
+
+std::string JsonNode::Border(const QString& text) const {
+    bool lost = false;
+    std::string border = ToBorderText(text, &lost);
+    if (lost)
+        Complain(QStringLiteral("has characters beyond Latin-1, which a host cannot carry"));
+    return border;
+}
+
+bool JsonNode::ExpectObjectOfAny() const {
+    return Expect(IsMissing() || IsObject(), QStringLiteral("expected an object"));
 }
 
 bool JsonNode::ExpectObject(std::initializer_list<const char*> names) const {
-    if (!Expect(IsMissing() || IsObject(), QStringLiteral("expected an object")))
+    if (!ExpectObjectOfAny())
         return false;
     for (const QString& name : MemberNames()) {
         const bool known =

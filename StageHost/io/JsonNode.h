@@ -3,6 +3,8 @@
 #include <functional>
 #include <initializer_list>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include <QJsonValue>
 #include <QString>
@@ -31,15 +33,29 @@ public:
     /// Text as it is, and numbers and truth values in their text form.
     QString Scalar() const;
 
+    /// The text without a complaint about its type: the neutral value for what is none.
+    QString PlainText() const { return value_.toString(); }
+
+    /// Text and Scalar as the 8-bit text of the contract; complains about characters that it does not have.
+    std::string BorderText() const { return Border(Text()); }
+    std::string BorderScalar() const { return Border(Scalar()); }
+    std::string Border(const QString& text) const;
+
     /// A member of an object; a missing one when there is none.
     JsonNode Member(const QString& name) const;
     QStringList MemberNames() const;
+
+    /// The items of a list, without a complaint when it is none.
+    std::vector<JsonNode> Items() const;
 
     /// The items of a list, in order; none when the value is missing.
     void ForEach(const std::function<void(const JsonNode&)>& call) const;
 
     /// Complains when this is no object, and about each member of another name.
     bool ExpectObject(std::initializer_list<const char*> names) const;
+
+    /// Complains when there is something that is no object.
+    bool ExpectObjectOfAny() const;
 
     void Complain(const QString& what) const;
 

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include "HostSettings.h"
+#include "ShowSpec.h"
 #include "ValueSpec.h"
 
 namespace stagehost {
@@ -16,6 +17,7 @@ struct ShowDevice {
     QString scriptFile; ///< as the show file names it: relative to that file or absolute
     QString scriptText;
     QString setup; ///< the device's own setup text, kept as the device gave it
+    Conduct conduct = Conduct::Normal;
 };
 
 /// What a step gives to one parameter of its command.
@@ -32,14 +34,23 @@ struct ShowParameter {
     QString text; ///< the text, the file's name relative to the show file, or the variable's name
 };
 
-/// One command that the show sends, and what is expected of it.
+/// A variable that has to get a value.
+struct ShowWait {
+    QString variable;
+    QString value;
+    std::optional<int> within; ///< ms; the limit for answers when it is not given
+};
+
+/// One step of a show: a command and what is expected of it, something else that the show does, or a wait.
 struct ShowStep {
-    QString say; ///< shown to the user when the step begins
-    QString device;
+    QString say;     ///< shown to the user when the step begins
+    QString device;  ///< empty: no command
     QString command; ///< name or id
     std::vector<ShowParameter> parameters;
     std::optional<QString> expectedResult;
     std::optional<QString> expectedError; ///< the step has to fail with this text
+    ActionSpec action;                    ///< variables, a task or a cue; never a command
+    std::optional<ShowWait> wait;
 };
 
 /// A show as its file tells it.
@@ -49,6 +60,7 @@ struct Show {
     HostSettings host; ///< without the log and the link, which are not the show's business
     std::vector<ValueSpec> variables;
     std::vector<ShowDevice> devices;
+    ShowSpec objects; ///< tasks, cues, screens, groups, objects, shows
     std::vector<ShowStep> steps;
 
     /// The full path of a file that the show names.   [any]

@@ -57,14 +57,17 @@ std::optional<Show> ShowReader::ReadFile(const QString& file) {
 }
 
 void ShowReader::ReadShow(const JsonNode& root) {
-    if (!root.ExpectObject({"name", "host", "folders", "variables", "devices", "steps"}))
+    if (!root.ExpectObject({"name", "host", "folders", "variables", "devices", "tasks", "cues", "screens", "groups",
+                            "objects", "shows", "steps"}))
         return;
     show_.name = root.Member(QStringLiteral("name")).TextOr(show_.name);
     ReadHost(root.Member(QStringLiteral("host")));
     ReadFolders(root.Member(QStringLiteral("folders")));
     root.Member(QStringLiteral("variables")).ForEach([this](const JsonNode& node) { ReadVariable(node); });
     root.Member(QStringLiteral("devices")).ForEach([this](const JsonNode& node) { ReadDevice(node); });
-    root.Member(QStringLiteral("steps")).ForEach([this](const JsonNode& node) { ReadStep(node); });
+    ObjectsReader objects(show_);
+    objects.Read(root);
+    root.Member(QStringLiteral("steps")).ForEach([&](const JsonNode& node) { ReadStep(node, objects); });
 }
 
 void ShowReader::ReadHost(const JsonNode& host) {
@@ -74,7 +77,7 @@ void ShowReader::ReadHost(const JsonNode& host) {
         const JsonNode node = host.Member(QLatin1String(name));
         if (node.IsMissing())
             return;
-        target = Border(node, node.Text());
+        target = node.BorderText();
         if (target.size() > kLongestHostText)
             node.Complain(QStringLiteral("at most %1 characters").arg(kLongestHostText));
     };
@@ -90,7 +93,7 @@ void ShowReader::ReadFolders(const JsonNode& folders) {
     for (const auto& folder : kShowFolders) {
         const JsonNode node = folders.Member(QLatin1String(folder.name));
         if (!node.IsMissing())
-            show_.host.folders[folder.number] = Border(node, show_.Path(node.Text()));
+            show_.host.folders[folder.number] = node.Border(show_.Path(node.Text()));
     }
 }
 
@@ -99,7 +102,7 @@ void ShowReader::ReadVariable(const JsonNode& node) {
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ValueSpec variable;
-    variable.name = Border(member("name"), member("name").Text());
+    variable.name = member("name").BorderText();
     if (!IsObjectName(variable.name.c_str()))
         member("name").Complain(QStringLiteral("expected a name of a variable"));
     const bool taken = std::any_of(show_.variables.begin(), show_.variables.end(),
@@ -118,38 +121,68 @@ void ShowReader::ReadVariable(const JsonNode& node) {
     variable.maxLength = member("maxLength").Whole(-1, kHighest).value_or(variable.maxLength);
     variable.precision = member("precision").Whole(0, 15).value_or(variable.precision);
     variable.timeCodeType = member("timeCodeType").Whole(0, 5).value_or(variable.timeCodeType);
-    member("items").ForEach([&](const JsonNode& item) { variable.items.push_back(Border(item, item.Text())); });
-    variable.text = Border(member("value"), member("value").Scalar());
+    member("items").ForEach([&](const JsonNode& item) { variable.items.push_back(item.BorderText()); });
+    variable.text = member("value").BorderScalar();
     if (!member("value").IsMissing() && !MakeValue(variable)->SetText(variable.text))
         member("value").Complain(QStringLiteral("not a value of this type"));
     show_.variables.push_back(std::move(variable));
 }
 
 void ShowReader::ReadDevice(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "script", "scriptText", "setup"}))
+    if (!node.ExpectObject({"name", "script", "scriptText", "setup", "requests"}))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ShowDevice device{member("name").Text(), member("script").Text(), member("scriptText").Text(),
-                      member("setup").Text()};
-    if (!IsObjectName(Border(member("name"), device.name).c_str()))
+                      member("setup").Text(), ReadConduct(node)};
+    if (!IsObjectName(member("name").Border(device.name).c_str()))
         member("name").Complain(QStringLiteral("expected a name of a device"));
     if (show_.FindDevice(device.name) != nullptr)
         member("name").Complain(QStringLiteral("another device has this name"));
     if (!member("script").IsMissing() && !member("scriptText").IsMissing())
         member("scriptText").Complain(QStringLiteral("the device has a \"script\" already"));
-    Border(member("scriptText"), device.scriptText);
-    Border(member("setup"), device.setup);
+    member("scriptText").Border(device.scriptText);
+    member("setup").Border(device.setup);
     if (!device.scriptFile.isEmpty() && !QFileInfo(show_.Path(device.scriptFile)).isFile())
         member("script").Complain(QStringLiteral("there is no file ") + Quoted(device.scriptFile));
     show_.devices.push_back(device);
 }
 
-void ShowReader::ReadStep(const JsonNode& node) {
-    if (!node.ExpectObject({"say", "device", "command", "params", "expect"}))
+void ShowReader::ReadStep(const JsonNode& node, ObjectsReader& objects) {
+    if (!node.ExpectObject({"say", "device", "command", "params", "expect", "set", "task", "action", "cue", "wait"}))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ShowStep step;
     step.say = member("say").Text();
+    const auto given = [&](const char* name) { return member(name).IsMissing() ? 0 : 1; };
+    if (given("device") + given("set") + given("task") + given("cue") + given("wait") != 1)
+        node.Complain(QStringLiteral("expected one of \"device\", \"set\", \"task\", \"cue\" and \"wait\""));
+    else if (member("device").IsMissing())
+        ReadOtherStep(node, objects, step);
+    else
+        ReadCommandStep(node, step);
+    show_.steps.push_back(std::move(step));
+}
+
+void ShowReader::ReadOtherStep(const JsonNode& node, ObjectsReader& objects, ShowStep& step) {
+    const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
+    for (const char* name : {"command", "params", "expect"}) {
+        if (!member(name).IsMissing())
+            member(name).Complain(QStringLiteral("needs a \"device\""));
+    }
+    objects.ReadSets(member("set"), step.action);
+    objects.ReadTaskAction(node, step.action);
+    objects.ReadCueName(member("cue"), step.action);
+    const JsonNode wait = member("wait");
+    if (wait.IsMissing() || !wait.ExpectObject({"variable", "value", "within"}))
+        return;
+    const JsonNode variable = wait.Member(QStringLiteral("variable"));
+    objects.CheckVariable(variable, variable.Text());
+    step.wait = ShowWait{variable.PlainText(), wait.Member(QStringLiteral("value")).Scalar(),
+                         wait.Member(QStringLiteral("within")).Whole(1, kHighest)};
+}
+
+void ShowReader::ReadCommandStep(const JsonNode& node, ShowStep& step) {
+    const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     step.device = member("device").Text();
     step.command = member("command").Scalar();
     if (show_.FindDevice(step.device) == nullptr)
@@ -157,8 +190,7 @@ void ShowReader::ReadStep(const JsonNode& node) {
     if (step.command.isEmpty())
         member("command").Complain(QStringLiteral("expected the name or the id of a command"));
     const JsonNode params = member("params");
-    if (!params.IsMissing() && !params.IsObject())
-        params.Complain(QStringLiteral("expected an object"));
+    params.ExpectObjectOfAny();
     for (const QString& name : params.MemberNames())
         ReadParameter(name, params.Member(name), step);
     const JsonNode expect = member("expect");
@@ -169,7 +201,6 @@ void ShowReader::ReadStep(const JsonNode& node) {
         step.expectedResult = result.Scalar();
     if (!error.IsMissing())
         step.expectedError = error.Text();
-    show_.steps.push_back(std::move(step));
 }
 
 void ShowReader::ReadParameter(const QString& name, const JsonNode& node, ShowStep& step) {
@@ -177,7 +208,7 @@ void ShowReader::ReadParameter(const QString& name, const JsonNode& node, ShowSt
     if (node.IsObject() && !ReadReference(node, parameter))
         return;
     if (parameter.kind == Kind::Text)
-        Border(node, parameter.text = node.Scalar());
+        node.Border(parameter.text = node.Scalar());
     step.parameters.push_back(parameter);
 }
 
@@ -205,14 +236,6 @@ void ShowReader::CheckParameter(const JsonNode& node, const ShowParameter& param
                                    [&](const auto& variable) { return variable.name == name; });
     if (parameter.kind == Kind::Variable && !known && !parameter.text.contains(QLatin1Char('.')))
         node.Complain(QStringLiteral("there is no variable ") + Quoted(parameter.text));
-}
-
-std::string ShowReader::Border(const JsonNode& node, const QString& text) {
-    bool lost = false;
-    std::string border = ToBorderText(text, &lost);
-    if (lost)
-        node.Complain(QStringLiteral("has characters beyond Latin-1, which a host cannot carry"));
-    return border;
 }
 
 } // namespace stagehost

@@ -5,6 +5,7 @@
 #include <QStringList>
 
 #include "JsonNode.h"
+#include "ObjectsReader.h"
 #include "Show.h"
 
 namespace stagehost {
@@ -25,11 +26,12 @@ private:
     void ReadFolders(const JsonNode& folders);
     void ReadVariable(const JsonNode& node);
     void ReadDevice(const JsonNode& node);
-    void ReadStep(const JsonNode& node);
+    void ReadStep(const JsonNode& node, ObjectsReader& objects);
+    static void ReadOtherStep(const JsonNode& node, ObjectsReader& objects, ShowStep& step);
+    void ReadCommandStep(const JsonNode& node, ShowStep& step);
     void ReadParameter(const QString& name, const JsonNode& node, ShowStep& step);
     bool ReadReference(const JsonNode& node, ShowParameter& parameter);
     void CheckParameter(const JsonNode& node, const ShowParameter& parameter);
-    std::string Border(const JsonNode& node, const QString& text);
 
     Show show_;
     QStringList complaints_;

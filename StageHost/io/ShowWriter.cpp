@@ -6,6 +6,7 @@
 
 #include "BorderText.h"
 #include "DataTypes.h"
+#include "ObjectsWriter.h"
 
 namespace stagehost {
 
@@ -63,6 +64,7 @@ QJsonObject WriteDevice(const ShowDevice& device) {
     InsertText(object, "script", device.scriptFile);
     InsertText(object, "scriptText", device.scriptText);
     InsertText(object, "setup", device.setup);
+    WriteConduct(device.conduct, object);
     return object;
 }
 
@@ -81,9 +83,21 @@ QJsonValue WriteParameter(const ShowParameter& parameter) {
     return parameter.text;
 }
 
+QJsonObject WriteWait(const ShowWait& wait) {
+    QJsonObject object{{QStringLiteral("variable"), wait.variable}, {QStringLiteral("value"), wait.value}};
+    if (wait.within)
+        object.insert(QStringLiteral("within"), *wait.within);
+    return object;
+}
+
 QJsonObject WriteStep(const ShowStep& step) {
-    QJsonObject object{{QStringLiteral("device"), step.device}, {QStringLiteral("command"), step.command}};
+    QJsonObject object;
+    InsertText(object, "device", step.device);
+    InsertText(object, "command", step.command);
     InsertText(object, "say", step.say);
+    WriteAction(step.action, object);
+    if (step.wait)
+        object.insert(QStringLiteral("wait"), WriteWait(*step.wait));
     QJsonObject parameters;
     for (const auto& parameter : step.parameters)
         parameters.insert(parameter.name, WriteParameter(parameter));
@@ -116,6 +130,7 @@ QByteArray WriteShow(const Show& show) {
         root.insert(QStringLiteral("folders"), folders);
     root.insert(QStringLiteral("variables"), WriteList(show.variables, &WriteVariable));
     root.insert(QStringLiteral("devices"), WriteList(show.devices, &WriteDevice));
+    WriteObjects(show.objects, root);
     root.insert(QStringLiteral("steps"), WriteList(show.steps, &WriteStep));
     return QJsonDocument(root).toJson(QJsonDocument::Indented);
 }

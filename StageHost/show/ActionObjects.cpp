@@ -25,9 +25,9 @@ std::vector<ObjectProperty> Cue::Properties() const {
 
 void Cue::Perform(const std::string& action, const Parameters& parameters, const Answer& answer) {
     if (action != "Go")
-        return answer({kNoSuchAction, {}});
+        return answer({kNoSuchAction});
     if (!parameters.List().empty())
-        return answer({kBadParameters, {}});
+        return answer({kBadParameters});
     Go();
     answer({KXP_OK, std::string()});
 }
@@ -58,10 +58,10 @@ std::vector<ObjectProperty> LoadableShow::Properties() const {
 
 void LoadableShow::Perform(const std::string& action, const Parameters& parameters, const Answer& answer) {
     if (action != "Load")
-        return answer({kNoSuchAction, {}});
+        return answer({kNoSuchAction});
     const auto time = parameters.WholeOr("Time", 0);
     if (!parameters.AreAmong({"Time"}) || !time)
-        return answer({kBadParameters, {}});
+        return answer({kBadParameters});
     const KXPCode code = Load(*time);
     answer({code, code == KXP_OK ? std::optional(std::string()) : std::nullopt});
 }

@@ -38,6 +38,11 @@ void ChangeFeed::ValueChanged(const std::string& name, std::string text) {
     Tell(ObjectKind::Variable, name, "Value", std::move(text));
 }
 
+std::uint64_t ChangeFeed::LastNumber() const {
+    const std::lock_guard<std::mutex> hold(lock_);
+    return lastNumber_;
+}
+
 void ChangeFeed::Serve() {
     std::unique_lock<std::mutex> hold(lock_);
     for (;;) {

@@ -41,6 +41,9 @@ public:
     /// Tells a change.   [any]
     void Tell(ObjectKind kind, const std::string& object, const std::string& property, std::string value);
 
+    /// The number of the last change told so far; a later one is greater.   [any]
+    std::uint64_t LastNumber() const;
+
     bool IsWanted() const override { return listenerCount_.load() != 0; }
     void ValueChanged(const std::string& name, std::string text) override;
 
@@ -55,7 +58,7 @@ private:
     void Forget(const std::shared_ptr<Entry>& entry);
 
     std::atomic<int> listenerCount_{0}; ///< written under the lock, read by every change
-    std::mutex lock_;                   ///< guards the fields below
+    mutable std::mutex lock_;           ///< guards the fields below
     std::condition_variable changed_;
     std::deque<ShowChange> queue_;
     std::vector<std::shared_ptr<Entry>> entries_;

@@ -19,10 +19,14 @@ struct ObjectKindRow {
 inline constexpr std::uint32_t kEveryType = 0;
 
 inline constexpr ObjectKindRow kObjectKinds[] = {
-    {ObjectKind::Device, "Device", 1},       {ObjectKind::Task, "Task", 3},
-    {ObjectKind::Cue, "Cue", 28},            {ObjectKind::UserScreen, "UserScreen", 8},
-    {ObjectKind::UserGroup, "UserGroup", 27}, {ObjectKind::Variable, "Variable", 6},
-    {ObjectKind::Object, "Object", 100},     {ObjectKind::Show, "Show", 1000},
+    {ObjectKind::Device, "Device", 1},
+    {ObjectKind::Task, "Task", 3},
+    {ObjectKind::Cue, "Cue", 28},
+    {ObjectKind::UserScreen, "UserScreen", 8},
+    {ObjectKind::UserGroup, "UserGroup", 27},
+    {ObjectKind::Variable, "Variable", 6},
+    {ObjectKind::Object, "Object", 100},
+    {ObjectKind::Show, "Show", 1000},
 };
 
 constexpr bool InEnumOrder() {

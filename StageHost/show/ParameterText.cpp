@@ -34,8 +34,7 @@ bool ReadList(QXmlStreamReader& xml, std::vector<ActionParameter>& list) {
         const QString name = attributes.value(QLatin1String("name")).toString();
         if (xml.name() != QLatin1String("parameter") || name.isEmpty())
             return false;
-        list.push_back(
-            {ToBorderText(name), ToBorderText(attributes.value(QLatin1String("value")).toString()), false});
+        list.push_back({ToBorderText(name), ToBorderText(attributes.value(QLatin1String("value")).toString()), false});
         xml.skipCurrentElement();
     }
     return true;

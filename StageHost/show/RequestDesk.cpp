@@ -13,13 +13,13 @@ namespace {
 using Serving = Reply (*)(ShowModel& model, const Request& request);
 
 Reply TextReply(std::optional<std::string> text) {
-    return text ? Reply{KXP_OK, std::move(text)} : Reply{kNoSuchObject, {}};
+    return text ? Reply{KXP_OK, std::move(text)} : Reply{kNoSuchObject};
 }
 
 /// Runs work on a screen, task, show or any object, which may have gone since it was checked.
 template <typename Object, typename Work>
 Reply On(const std::shared_ptr<Object>& object, Work work) {
-    return {object ? work(*object) : KXPCode{kNoSuchObject}, {}};
+    return {object ? work(*object) : KXPCode{kNoSuchObject}};
 }
 
 Reply OpenUserScreen(ShowModel& model, const Request& request) {
@@ -84,17 +84,17 @@ Reply SetPropertyAsInt(ShowModel& model, const Request& request) {
 Reply GetProperty(ShowModel& model, const Request& request) {
     const auto object = model.FindAny(request.object);
     if (!object)
-        return {kNoSuchObject, {}};
+        return {kNoSuchObject};
     auto text = object->Property(request.text);
-    return text ? Reply{KXP_OK, std::move(text)} : Reply{kNoSuchProperty, {}};
+    return text ? Reply{KXP_OK, std::move(text)} : Reply{kNoSuchProperty};
 }
 
 Reply GetPropertyAsInt(ShowModel& model, const Request& request) {
     const auto object = model.FindAny(request.object);
     if (!object)
-        return {kNoSuchObject, {}};
+        return {kNoSuchObject};
     const auto number = object->PropertyAsInt(request.text);
-    return number ? Reply{KXP_OK, std::to_string(*number)} : Reply{kNoSuchProperty, {}};
+    return number ? Reply{KXP_OK, std::to_string(*number)} : Reply{kNoSuchProperty};
 }
 
 /// How a request is served, and among which objects its name is looked up: one kind, or all.
@@ -158,7 +158,7 @@ RequestDesk::RequestDesk(ShowModel& model, WorkerPool& pool)
 
 RequestDesk::~RequestDesk() {
     for (const auto& entry : waiting_)
-        entry.second({kEnding, {}});
+        entry.second({kEnding});
 }
 
 KXPCode RequestDesk::Check(const Request& request) const {
@@ -168,6 +168,15 @@ KXPCode RequestDesk::Check(const Request& request) const {
     if (!object)
         return kNoSuchObject;
     return object->HowItTakesRequests() == Conduct::Refuses ? KXPCode{kRefused} : KXP_OK;
+}
+
+KXPCode RequestDesk::CheckGroup(const std::string& group) const {
+    if (group == kGrantedGroup)
+        return KXP_OK;
+    const auto found = model_.FindGroup(group);
+    if (!found)
+        return kNoSuchObject;
+    return found->HowItTakesRequests() == Conduct::Refuses ? KXPCode{kRefused} : KXP_OK;
 }
 
 void RequestDesk::Serve(Request request, Answer answer) {
@@ -191,7 +200,7 @@ void RequestDesk::EndWaiting(const void* link) {
         waiting_.erase(others, waiting_.end());
     }
     for (const auto& answer : ended)
-        answer({kEnding, {}});
+        answer({kEnding});
 }
 
 void RequestDesk::Run(const Request& request, const Answer& answer) {
@@ -200,9 +209,9 @@ void RequestDesk::Run(const Request& request, const Answer& answer) {
     const auto object = model_.FindAny(request.object);
     const auto parameters = ReadParameters(request.value);
     if (!object)
-        return answer({kNoSuchObject, {}});
+        return answer({kNoSuchObject});
     if (!parameters)
-        return answer({kBadParameters, {}});
+        return answer({kBadParameters});
     object->Perform(request.text, *parameters, answer);
 }
 

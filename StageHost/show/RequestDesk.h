@@ -27,6 +27,9 @@ public:
     /// @return 0 when the request can be served; 64 there is no such object, 72 it refuses.   [any]
     KXPCode Check(const Request& request) const;
 
+    /// The same for a registration for a group; the granted group can always be had.   [any]
+    KXPCode CheckGroup(const std::string& group) const;
+
     /// Serves a request that Check let pass.   [any]
     void Serve(Request request, Answer answer);
 

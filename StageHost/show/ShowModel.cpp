@@ -206,8 +206,8 @@ void ShowModel::RunCommand(const ActionSpec& action, const Failed& failed) {
     if (!device)
         return Report(failed, what, kNoSuchObject);
     device->Perform(action.command, Parameters(action.parameters), [failed, what](const Reply& reply) {
-        if (reply.code == kActionFailed && reply.text && failed)
-            failed(what + ": " + *reply.text);
+        if (!reply.problem.empty() && failed)
+            failed(what + ": " + reply.problem);
         else
             Report(failed, what, reply.code);
     });

@@ -75,9 +75,9 @@ private:
 
     VariableManager& variables_;
     ChangeFeed& feed_;
-    std::vector<ShowObjectPtr> top_;                                 ///< filled once, only read afterwards
+    std::vector<ShowObjectPtr> top_;                                  ///< filled once, only read afterwards
     std::map<std::pair<ObjectKind, std::string>, ShowObjectPtr> own_; ///< filled once, only read afterwards
-    mutable std::mutex lock_;                                        ///< guards devices_
+    mutable std::mutex lock_;                                         ///< guards devices_
     std::map<std::string, ShowObjectPtr> devices_;
 };
 

@@ -32,7 +32,7 @@ KXPCode ShowObject::SetPropertyAsInt(const std::string& property, std::int32_t v
 }
 
 void ShowObject::Perform(const std::string&, const Parameters&, const Answer& answer) {
-    answer({kNoSuchAction, {}});
+    answer({kNoSuchAction});
 }
 
 } // namespace stagehost

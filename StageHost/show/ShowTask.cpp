@@ -32,8 +32,8 @@ constexpr ActionRow kActions[] = {
     {"Start", "", [](ShowTask& task, const std::string&, std::int32_t) { return task.Start(); }, false},
     {"Pause", "", [](ShowTask& task, const std::string&, std::int32_t) { return task.Pause(); }, false},
     {"Stop", "Mode", [](ShowTask& task, const std::string&, std::int32_t mode) { return task.Stop(mode); }, true},
-    {"GotoLabel", "Label",
-     [](ShowTask& task, const std::string& label, std::int32_t) { return task.GotoLabel(label); }, false},
+    {"GotoLabel", "Label", [](ShowTask& task, const std::string& label, std::int32_t) { return task.GotoLabel(label); },
+     false},
     {"GotoLine", "Line", [](ShowTask& task, const std::string&, std::int32_t line) { return task.GotoLine(line); },
      true},
     {"GotoTime", "Time", [](ShowTask& task, const std::string&, std::int32_t time) { return task.GotoTime(time); },
@@ -119,9 +119,8 @@ KXPCode ShowTask::Stop(std::int32_t mode) {
 }
 
 KXPCode ShowTask::GotoLabel(const std::string& label) {
-    const auto line = std::find_if(spec_.lines.begin(), spec_.lines.end(), [&](const auto& candidate) {
-        return !label.empty() && candidate.label == label;
-    });
+    const auto line = std::find_if(spec_.lines.begin(), spec_.lines.end(),
+                                   [&](const auto& candidate) { return !label.empty() && candidate.label == label; });
     const std::lock_guard<std::mutex> hold(lock_);
     return Move(timeline_.GotoLine(static_cast<std::size_t>(line - spec_.lines.begin()), Clock::now()));
 }
@@ -166,10 +165,10 @@ void ShowTask::Perform(const std::string& action, const Parameters& parameters, 
     const auto* row =
         std::find_if(std::begin(kActions), std::end(kActions), [&](const auto& known) { return known.name == action; });
     if (row == std::end(kActions))
-        return answer({kNoSuchAction, {}});
+        return answer({kNoSuchAction});
     const auto number = row->isNumber ? parameters.WholeOr(row->parameter, 0) : std::optional<std::int32_t>(0);
     if (!parameters.AreAmong({row->parameter}) || !number)
-        return answer({kBadParameters, {}});
+        return answer({kBadParameters});
     const KXPCode code = row->run(*this, parameters.Text(row->parameter).value_or(std::string()), *number);
     answer({code, code == KXP_OK ? std::optional(Status()) : std::nullopt});
 }

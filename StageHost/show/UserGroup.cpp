@@ -15,8 +15,8 @@ bool UserGroup::HasVariable(const std::string& variable) const {
     const std::string device = variable.substr(0, variable.find('.'));
     const bool direct = std::any_of(members_.begin(), members_.end(),
                                     [&](const auto& member) { return member == variable || member == device; });
-    return direct || std::any_of(groups_.begin(), groups_.end(),
-                                 [&](const auto& group) { return group->HasVariable(variable); });
+    return direct ||
+           std::any_of(groups_.begin(), groups_.end(), [&](const auto& group) { return group->HasVariable(variable); });
 }
 
 std::vector<ObjectProperty> UserGroup::Properties() const {

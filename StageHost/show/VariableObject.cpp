@@ -20,9 +20,8 @@ VariableObject::VariableObject(std::shared_ptr<HostValue> variable)
     , variable_(std::move(variable)) {}
 
 std::vector<ObjectProperty> VariableObject::Properties() const {
-    std::vector<ObjectProperty> all{{kValue, variable_->Text()},
-                                    {"Type", ValueText()},
-                                    {"InstanceID", std::to_string(variable_->InstanceId())}};
+    std::vector<ObjectProperty> all{
+        {kValue, variable_->Text()}, {"Type", ValueText()}, {"InstanceID", std::to_string(variable_->InstanceId())}};
     for (const auto& [name, value] : variable_->Properties())
         all.push_back({name, value});
     return all;
@@ -43,12 +42,12 @@ KXPCode VariableObject::SetPropertyAsInt(const std::string& property, std::int32
 void VariableObject::Perform(const std::string& action, const Parameters& parameters, const Answer& answer) {
     const bool sets = action == "SetValue";
     if (!sets && action != "GetValue")
-        return answer({kNoSuchAction, {}});
+        return answer({kNoSuchAction});
     const auto value = parameters.Text(kValue);
     if (sets != value.has_value() || !parameters.AreAmong({kValue}))
-        return answer({kBadParameters, {}});
+        return answer({kBadParameters});
     if (sets && !variable_->SetText(*value))
-        return answer({kBadValue, {}});
+        return answer({kBadValue});
     answer({KXP_OK, variable_->Text()});
 }
 

@@ -1,0 +1,75 @@
+#include "CommandCall.h"
+
+#include <algorithm>
+
+#include "BorderText.h"
+#include "ValueFactory.h"
+
+namespace stagehost {
+
+namespace {
+
+constexpr const char* kResult = "Result";
+
+const ValueSpec* FindParameter(const CommandDefinition& command, const std::string& name) {
+    const auto& all = command.parameters;
+    auto found = std::find_if(all.begin(), all.end(), [&](const auto& parameter) { return parameter.name == name; });
+    if (found == all.end()) {
+        std::size_t index = 0;
+        found = std::find_if(all.begin(), all.end(), [&](const auto&) { return std::to_string(index++) == name; });
+    }
+    return found == all.end() ? nullptr : &*found;
+}
+
+const ParameterInput* FindInput(const CommandDefinition& command, const ValueSpec& parameter,
+                                const std::vector<ParameterInput>& inputs) {
+    const auto found = std::find_if(inputs.rbegin(), inputs.rend(), [&](const auto& input) {
+        return FindParameter(command, input.name) == &parameter;
+    });
+    return found == inputs.rend() ? nullptr : &*found;
+}
+
+bool IsWritten(const ObjectParam& param) {
+    const auto properties = param.Own().Properties();
+    const auto direction = properties.find(kDirectionProperty);
+    return direction != properties.end() && direction->second == kDirectionOut;
+}
+
+} // namespace
+
+CommandCall::CommandCall(const CommandDefinition& command, const std::vector<ParameterInput>& inputs,
+                         const DeviceVariables& variables, std::function<void()> wake)
+    : id(command.id)
+    , params(std::make_shared<ObjectParams>(command.properties))
+    , watch(std::make_unique<CommandWatch>(variables.Find("Status"), variables.Find("Error"), std::move(wake))) {
+    for (const auto& parameter : command.parameters) {
+        std::shared_ptr<HostValue> own = MakeValue(parameter);
+        const ParameterInput* input = FindInput(command, parameter, inputs);
+        if (input != nullptr)
+            own->SetText(input->text);
+        params->Add(std::move(own), input == nullptr ? nullptr : input->variable);
+    }
+}
+
+std::string CommandCall::ResultText() const {
+    const auto& all = params->Params();
+    auto found = std::find_if(all.begin(), all.end(), [](const auto& param) { return param->Own().Name() == kResult; });
+    if (found == all.end())
+        found = std::find_if(all.begin(), all.end(), [](const auto& param) { return IsWritten(*param); });
+    return found == all.end() ? std::string() : (*found)->Effective().Text();
+}
+
+QString CheckInputs(const CommandDefinition& command, const std::vector<ParameterInput>& inputs) {
+    for (const auto& input : inputs) {
+        const ValueSpec* parameter = FindParameter(command, input.name);
+        if (parameter == nullptr)
+            return QStringLiteral("the command \"%1\" has no parameter \"%2\"")
+                .arg(FromBorderText(command.name), FromBorderText(input.name));
+        if (!input.variable && !MakeValue(*parameter)->SetText(input.text))
+            return QStringLiteral("the parameter \"%1\" does not take \"%2\"")
+                .arg(FromBorderText(input.name), FromBorderText(input.text));
+    }
+    return {};
+}
+
+} // namespace stagehost

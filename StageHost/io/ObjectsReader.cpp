@@ -1,0 +1,277 @@
+#include "ObjectsReader.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+
+#include "BorderText.h"
+#include "NameTools.h"
+#include "UserGroup.h"
+
+namespace stagehost {
+
+namespace {
+
+constexpr int kHighest = std::numeric_limits<int>::max();
+constexpr const char* kFirstPage = "Page 1";
+
+enum Key { kTasks, kCues, kScreens, kGroups, kObjects, kShows };
+
+QString Quoted(const QString& text) {
+    return QLatin1Char('"') + text + QLatin1Char('"');
+}
+
+JsonNode MemberOf(const JsonNode& node, const char* name) {
+    return node.Member(QLatin1String(name));
+}
+
+/// The place of a text among names; complains about any other.
+template <std::size_t Count>
+int Choose(const JsonNode& node, const char* const (&names)[Count]) {
+    if (node.IsMissing())
+        return 0;
+    const QString text = node.Text();
+    QStringList all;
+    for (std::size_t index = 0; index < Count; ++index) {
+        if (text == QLatin1String(names[index]))
+            return static_cast<int>(index);
+        all += Quoted(QLatin1String(names[index]));
+    }
+    node.Complain(QStringLiteral("expected ") + all.mid(0, all.size() - 1).join(QStringLiteral(", ")) +
+                  QStringLiteral(" or ") + all.last());
+    return 0;
+}
+
+void CheckKnown(const JsonNode& node, const QSet<QString>& known, const QString& name, const char* kind) {
+    if (!known.contains(name))
+        node.Complain(QStringLiteral("there is no %1 \"%2\"").arg(QLatin1String(kind), name));
+}
+
+} // namespace
+
+ObjectsReader::ObjectsReader(Show& show)
+    : show_(show) {
+    for (const auto& variable : show.variables)
+        variables_ += FromBorderText(variable.name);
+    for (const auto& device : show.devices)
+        devices_ += device.name;
+}
+
+void ObjectsReader::Read(const JsonNode& root) {
+    CollectNames(root);
+    const auto list = [&root](Key key) { return MemberOf(root, kKeys[key]); };
+    list(kTasks).ForEach([this](const JsonNode& node) { ReadTask(node); });
+    list(kCues).ForEach([this](const JsonNode& node) { ReadCue(node); });
+    list(kScreens).ForEach([this](const JsonNode& node) { ReadScreen(node); });
+    list(kGroups).ForEach([this](const JsonNode& node) { show_.objects.groups.push_back(ReadGroup(node)); });
+    list(kObjects).ForEach([this](const JsonNode& node) { show_.objects.objects.push_back(ReadObject(node, {})); });
+    list(kShows).ForEach([this](const JsonNode& node) { ReadShow(node); });
+}
+
+void ObjectsReader::CollectNames(const JsonNode& root) {
+    QSet<QString>* const sets[] = {&tasks_, &cues_, &screens_, &groups_, &objects_, &shows_};
+    constexpr const char* kBelow[] = {nullptr, nullptr, nullptr, "groups", "objects", nullptr};
+    for (std::size_t key = 0; key < std::size(kKeys); ++key) {
+        for (const JsonNode& node : MemberOf(root, kKeys[key]).Items())
+            CollectNested(node, kBelow[key], {}, *sets[key]);
+    }
+}
+
+void ObjectsReader::CollectNested(const JsonNode& node, const char* below, const QString& holder,
+                                  QSet<QString>& names) {
+    const bool dotted = &names == &objects_;
+    const QString name = (dotted ? holder : QString()) + MemberOf(node, "name").PlainText();
+    names += name;
+    if (below == nullptr)
+        return;
+    for (const JsonNode& inner : MemberOf(node, below).Items())
+        CollectNested(inner, below, name + QLatin1Char('.'), names);
+}
+
+void ObjectsReader::ReadTask(const JsonNode& node) {
+    if (!node.ExpectObject({"name", "lines", "requests"}))
+        return;
+    TaskSpec task;
+    task.name = ReadName(MemberOf(node, "name"), {}, taken_[kTasks]);
+    task.conduct = ReadConduct(node);
+    MemberOf(node, "lines").ForEach([&](const JsonNode& line) { ReadLine(line, task); });
+    show_.objects.tasks.push_back(std::move(task));
+}
+
+void ObjectsReader::ReadLine(const JsonNode& node, TaskSpec& task) {
+    if (!node.ExpectObject({"at", "label", "set", "device", "command", "params", "task", "action", "cue"}))
+        return;
+    TaskLineSpec line;
+    const std::int32_t before = task.lines.empty() ? 0 : task.lines.back().at;
+    line.at = MemberOf(node, "at").Whole(0, kHighest).value_or(before);
+    if (line.at < before)
+        MemberOf(node, "at").Complain(QStringLiteral("before the line above"));
+    const JsonNode label = MemberOf(node, "label");
+    line.label = label.BorderText();
+    const bool taken = std::any_of(task.lines.begin(), task.lines.end(),
+                                   [&](const auto& other) { return !label.IsMissing() && other.label == line.label; });
+    if (taken)
+        label.Complain(QStringLiteral("another line has this label"));
+    line.action = ReadAction(node);
+    ReadCueName(MemberOf(node, "cue"), line.action);
+    task.lines.push_back(std::move(line));
+}
+
+void ObjectsReader::ReadCue(const JsonNode& node) {
+    if (!node.ExpectObject({"name", "set", "device", "command", "params", "task", "action", "requests"}))
+        return;
+    CueSpec cue;
+    cue.name = ReadName(MemberOf(node, "name"), {}, taken_[kCues]);
+    cue.action = ReadAction(node);
+    cue.conduct = ReadConduct(node);
+    show_.objects.cues.push_back(std::move(cue));
+}
+
+void ObjectsReader::ReadScreen(const JsonNode& node) {
+    if (!node.ExpectObject({"name", "pages", "requests"}))
+        return;
+    UserScreenSpec screen;
+    screen.name = ReadName(MemberOf(node, "name"), {}, taken_[kScreens]);
+    screen.conduct = ReadConduct(node);
+    MemberOf(node, "pages").ForEach([&](const JsonNode& page) { screen.pages.push_back(page.BorderText()); });
+    if (screen.pages.empty())
+        screen.pages.emplace_back(kFirstPage);
+    show_.objects.screens.push_back(std::move(screen));
+}
+
+void ObjectsReader::ReadShow(const JsonNode& node) {
+    if (!node.ExpectObject({"name", "set", "device", "command", "params", "task", "action", "cue", "requests"}))
+        return;
+    LoadableShowSpec show;
+    show.name = ReadName(MemberOf(node, "name"), {}, taken_[kShows]);
+    show.action = ReadAction(node);
+    ReadCueName(MemberOf(node, "cue"), show.action);
+    show.conduct = ReadConduct(node);
+    show_.objects.shows.push_back(std::move(show));
+}
+
+UserGroupSpec ObjectsReader::ReadGroup(const JsonNode& node) {
+    UserGroupSpec group;
+    if (!node.ExpectObject({"name", "members", "groups", "requests"}))
+        return group;
+    group.name = ReadName(MemberOf(node, "name"), {}, taken_[kGroups]);
+    if (group.name == kGrantedGroup)
+        MemberOf(node, "name").Complain(QStringLiteral("this name stands for the whole show"));
+    group.conduct = ReadConduct(node);
+    MemberOf(node, "members").ForEach([&](const JsonNode& member) {
+        if (!IsKnownObject(member.Text()))
+            member.Complain(QStringLiteral("there is no object ") + Quoted(member.PlainText()));
+        group.members.push_back(member.BorderText());
+    });
+    MemberOf(node, "groups").ForEach([&](const JsonNode& inner) { group.groups.push_back(ReadGroup(inner)); });
+    return group;
+}
+
+ObjectSpec ObjectsReader::ReadObject(const JsonNode& node, const QString& holder) {
+    ObjectSpec object;
+    if (!node.ExpectObject({"name", "properties", "objects", "requests"}))
+        return object;
+    object.name = ReadName(MemberOf(node, "name"), holder, taken_[kObjects]);
+    object.conduct = ReadConduct(node);
+    const JsonNode properties = MemberOf(node, "properties");
+    properties.ExpectObjectOfAny();
+    for (const QString& name : properties.MemberNames())
+        object.properties.emplace_back(properties.Border(name), properties.Member(name).BorderScalar());
+    const QString below = holder + FromBorderText(object.name) + QLatin1Char('.');
+    MemberOf(node, "objects").ForEach([&](const JsonNode& inner) {
+        object.objects.push_back(ReadObject(inner, below));
+    });
+    return object;
+}
+
+ActionSpec ObjectsReader::ReadAction(const JsonNode& node) {
+    ActionSpec action;
+    ReadSets(MemberOf(node, "set"), action);
+    ReadCommand(node, action);
+    ReadTaskAction(node, action);
+    return action;
+}
+
+void ObjectsReader::ReadSets(const JsonNode& node, ActionSpec& action) {
+    node.ExpectObjectOfAny();
+    for (const QString& name : node.MemberNames()) {
+        CheckVariable(node.Member(name), name);
+        action.sets.emplace_back(node.Border(name), node.Member(name).BorderScalar());
+    }
+}
+
+void ObjectsReader::ReadCommand(const JsonNode& node, ActionSpec& action) {
+    const JsonNode device = MemberOf(node, "device");
+    const JsonNode command = MemberOf(node, "command");
+    const JsonNode params = MemberOf(node, "params");
+    if (device.IsMissing()) {
+        for (const JsonNode& lonely : {command, params}) {
+            if (!lonely.IsMissing())
+                lonely.Complain(QStringLiteral("needs a \"device\""));
+        }
+        return;
+    }
+    CheckKnown(device, devices_, device.Text(), "device");
+    action.device = device.BorderText();
+    action.command = command.BorderScalar();
+    if (action.command.empty())
+        command.Complain(QStringLiteral("expected the name or the id of a command"));
+    params.ExpectObjectOfAny();
+    for (const QString& name : params.MemberNames()) {
+        const JsonNode value = params.Member(name);
+        const bool variable = value.IsObject() && value.ExpectObject({"variable"});
+        const JsonNode given = variable ? MemberOf(value, "variable") : value;
+        if (variable)
+            CheckVariable(given, given.Text());
+        action.parameters.push_back({params.Border(name), given.BorderScalar(), variable});
+    }
+}
+
+void ObjectsReader::ReadTaskAction(const JsonNode& node, ActionSpec& action) {
+    const JsonNode task = MemberOf(node, "task");
+    const JsonNode what = MemberOf(node, "action");
+    if (task.IsMissing()) {
+        if (!what.IsMissing())
+            what.Complain(QStringLiteral("needs a \"task\""));
+        return;
+    }
+    CheckKnown(task, tasks_, task.Text(), "task");
+    action.task = task.BorderText();
+    action.taskAction = static_cast<TaskAction>(Choose(what, kTaskActionNames));
+}
+
+void ObjectsReader::ReadCueName(const JsonNode& node, ActionSpec& action) {
+    if (node.IsMissing())
+        return;
+    CheckKnown(node, cues_, node.Text(), "cue");
+    action.cue = node.BorderText();
+}
+
+void ObjectsReader::CheckVariable(const JsonNode& node, const QString& name) const {
+    if (!variables_.contains(name) && !name.contains(QLatin1Char('.')))
+        node.Complain(QStringLiteral("there is no variable ") + Quoted(name));
+}
+
+std::string ObjectsReader::ReadName(const JsonNode& node, const QString& holder, QSet<QString>& taken) {
+    std::string name = node.BorderText();
+    if (!IsObjectName(name.c_str()))
+        node.Complain(QStringLiteral("expected a name"));
+    const QString full = holder + FromBorderText(name);
+    if (taken.contains(full))
+        node.Complain(QStringLiteral("another one has this name"));
+    taken += full;
+    return name;
+}
+
+bool ObjectsReader::IsKnownObject(const QString& name) const {
+    const QSet<QString>* const sets[] = {&variables_, &devices_, &tasks_, &cues_, &screens_, &objects_, &shows_};
+    const bool ofDevice = devices_.contains(name.section(QLatin1Char('.'), 0, 0)) && name.contains(QLatin1Char('.'));
+    return ofDevice ||
+           std::any_of(std::begin(sets), std::end(sets), [&](const auto* set) { return set->contains(name); });
+}
+
+Conduct ReadConduct(const JsonNode& node) {
+    return static_cast<Conduct>(Choose(MemberOf(node, "requests"), kConductNames));
+}
+
+} // namespace stagehost
