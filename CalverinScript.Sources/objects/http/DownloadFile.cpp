@@ -1,0 +1,23 @@
+#include "DownloadFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+QString DownloadTarget(const QString& path, const QUrl& address) {
+    QString plain = path;
+    plain.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    if (QFileInfo(plain).isDir())
+        return QDir::toNativeSeparators(plain + QLatin1Char('/') + address.fileName());
+    return QFileInfo(plain).fileName().isEmpty() ? QString() : QDir::toNativeSeparators(plain);
+}
+
+bool WriteDownload(const QString& target, const QByteArray& bytes) {
+    const QFileInfo before(target);
+    if (before.exists() && !before.isFile())
+        return false;
+    QFile file(target);
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+    file.close();
+    return written && QFileInfo(target).isFile();
+}

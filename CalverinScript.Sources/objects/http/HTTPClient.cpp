@@ -1,0 +1,170 @@
+#include "HTTPClient.h"
+
+#include <chrono>
+
+#include "BufferConversion.h"
+#include "Descriptors.h"
+#include "EventRecords.h"
+#include "HeaderList.h"
+#include "HostText.h"
+#include "HttpErrors.h"
+#include "HttpRequest.h"
+#include "IScriptObjectOwner.h"
+#include "MScriptParamList.h"
+#include "MThreadHTTPClient.h"
+#include "ScriptObject.h"
+
+namespace {
+
+constexpr std::chrono::milliseconds kThreadReadyTime(10000);
+constexpr int kDescriptorsOfClient = 8; ///< of the event loops behind a client, with some to spare
+
+/// A text of the script as it goes out.
+QString Plain(const QString& text) {
+    return FromHostText(ToHostText(text).constData());
+}
+
+} // namespace
+
+HTTPClient::HTTPClient(IScriptObjectOwner* objectOwner)
+    : owner(objectOwner)
+    , lpThread(new MThreadHTTPClient) {
+    m_type = ScriptObjectType::HttpClient;
+    qRegisterMetaType<QNetworkRequest>("QNetworkRequest");
+    ConnectThread();
+    if (CanOpenDescriptors(kDescriptorsOfClient))
+        StartThread();
+}
+
+HTTPClient::~HTTPClient() {
+    MThreadHTTPClient::Retire(lpThread);
+}
+
+void HTTPClient::ConnectThread() {
+    connect(lpThread, &MThreadHTTPClient::SignalResponseReceived, this, &HTTPClient::SlotResponseReceived,
+            Qt::DirectConnection);
+    connect(lpThread, &MThreadHTTPClient::SignalDownloadProgressReceived, this,
+            &HTTPClient::SlotDownloadProgressReceived, Qt::DirectConnection);
+    connect(lpThread, &MThreadHTTPClient::SignalUploadProgressReceived, this, &HTTPClient::SlotUploadProgressReceived,
+            Qt::DirectConnection);
+}
+
+void HTTPClient::StartThread() {
+    connect(lpThread, &MThreadHTTPClient::SignalInitialized, this, &HTTPClient::SlotThreadReady, Qt::DirectConnection);
+    lpThread->start(QThread::InheritPriority);
+    {
+        std::unique_lock<std::mutex> guard(mutex);
+        wakeUp.wait_for(guard, kThreadReadyTime, [this] { return ready; });
+    }
+    disconnect(lpThread, &MThreadHTTPClient::SignalInitialized, this, &HTTPClient::SlotThreadReady);
+}
+
+QScriptValue HTTPClient::ToScript(QScriptEngine& engine) {
+    return WrapOwnedByHost(engine, this);
+}
+
+QString HTTPClient::getHeaderValue(const QString& HeaderList, const QString& HeaderName) const {
+    return HeaderValue(HeaderList, HeaderName);
+}
+
+QString HTTPClient::getHeaderNameByIndex(const QString& HeaderList, int HeaderIndex) const {
+    return HeaderNameAt(HeaderList, HeaderIndex);
+}
+
+QString HTTPClient::getHeaderValueByIndex(const QString& HeaderList, int HeaderIndex) const {
+    return HeaderValueAt(HeaderList, HeaderIndex);
+}
+
+int HTTPClient::getHeaderCount(const QString& HeaderList) const {
+    return HeaderCount(HeaderList);
+}
+
+QString HTTPClient::addHeader(const QString& HeaderList, const QString& HeaderName, const QString& HeaderValue) const {
+    return WithHeader(HeaderList, HeaderName, HeaderValue);
+}
+
+void HTTPClient::on(const QString& sEvent, const QScriptValue& svListener) {
+    SetListener(sEvent, svListener);
+}
+
+void HTTPClient::get(const QString& sRequest, const QString& sRequestHeaders, const QString& sRequestItems,
+                     int iItemsEncoding, const QString& sUser, const QString& sPassword) {
+    const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
+    SetAuthentication(sUser, sPassword);
+    lpThread->SlotGet(request);
+}
+
+void HTTPClient::post(const QString& sRequest, const QString& sRequestHeaders, const QScriptValue& params,
+                      const QString& sRequestItems, int iItemsEncoding, const QString& sUser,
+                      const QString& sPassword) {
+    const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
+    SetAuthentication(sUser, sPassword);
+    Send(&MThreadHTTPClient::SlotPost, request, params);
+}
+
+void HTTPClient::put(const QString& sRequest, const QString& sRequestHeaders, const QScriptValue& params,
+                     const QString& sRequestItems, int iItemsEncoding, const QString& sUser, const QString& sPassword) {
+    const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
+    SetAuthentication(sUser, sPassword);
+    Send(&MThreadHTTPClient::SlotPut, request, params);
+}
+
+void HTTPClient::downloadFile(const QString& sRequest, const QString& sRequestHeaders, const QString& sPath,
+                              const QString& sRequestItems, int iItemsEncoding, const QString& sUser,
+                              const QString& sPassword) {
+    const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
+    SetAuthentication(sUser, sPassword);
+    lpThread->SlotDownloadFile(request, Plain(sPath));
+}
+
+void HTTPClient::deleteResource(const QString& sRequest, const QString& sRequestHeaders, const QString& sRequestItems,
+                                int iItemsEncoding, const QString& sUser, const QString& sPassword) {
+    const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
+    SetAuthentication(sUser, sPassword);
+    lpThread->SlotDelete(request);
+}
+
+void HTTPClient::SetAuthentication(const QString& user, const QString& password) {
+    lpThread->SlotSetAuthentication(Plain(user), Plain(password));
+}
+
+void HTTPClient::Send(SendBody verb, const QNetworkRequest& request, const QScriptValue& body) {
+    if (IsBuffer(body))
+        (lpThread->*verb)(request, BytesFromBuffer(body));
+    else if (body.isString())
+        (lpThread->*verb)(request, ToHostText(body.toString()));
+}
+
+void HTTPClient::SlotResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode,
+                                      int iError) {
+    if (owner == nullptr)
+        return;
+    const HTTPResponse response(bysResponse, iHTTPStatusCode, QString::fromLatin1(bysResponseHeaders));
+    const SocketErrorInfo error(iError, QString::fromLatin1(HttpErrorText(iError)));
+    MScriptParamList values;
+    values.Add(QVariant::fromValue(response));
+    values.Add(QVariant::fromValue(error));
+    owner->PostScriptEvent(QStringLiteral("response"), &values, this);
+}
+
+void HTTPClient::SlotDownloadProgressReceived(int iProgress) {
+    RaiseProgress(QStringLiteral("download_progress"), iProgress);
+}
+
+void HTTPClient::SlotUploadProgressReceived(int iProgress) {
+    RaiseProgress(QStringLiteral("upload_progress"), iProgress);
+}
+
+void HTTPClient::RaiseProgress(const QString& event, int percent) {
+    if (owner == nullptr)
+        return;
+    MScriptParamList values;
+    values.Add(percent);
+    owner->PostScriptEvent(event, &values, this);
+}
+
+void HTTPClient::SlotThreadReady() {
+    const std::lock_guard<std::mutex> guard(mutex);
+    ready = true;
+    wakeUp.notify_all();
+}

@@ -1,0 +1,214 @@
+#include "MHTTPClient.h"
+
+#include "Descriptors.h"
+#include "DownloadFile.h"
+#include "HttpErrors.h"
+#include "HttpRequest.h"
+
+namespace {
+
+constexpr int kDescriptorsOfRequest = 16; ///< sockets, look-ups and the event loops behind them, with some to spare
+constexpr int kPercent = 100;
+constexpr const char* kAnswered = "challengeAnswered";
+
+/// The proxy that the host process has chosen; none when it has not, though the environment may name one.
+QNetworkProxy ProxyOfHost() {
+    const QNetworkProxy chosen = QNetworkProxy::applicationProxy();
+    return chosen.type() == QNetworkProxy::DefaultProxy ? QNetworkProxy(QNetworkProxy::NoProxy) : chosen;
+}
+
+QByteArray OneLine(QByteArray value) {
+    return value.replace('\n', ' ').replace('\r', ' ');
+}
+
+QByteArray HeaderListOf(const QNetworkReply& reply) {
+    QByteArray list;
+    for (const QNetworkReply::RawHeaderPair& header : reply.rawHeaderPairs())
+        list += (list.isEmpty() ? "" : "\r\n") + header.first + ':' + OneLine(header.second);
+    return list;
+}
+
+} // namespace
+
+MHTTPClient::MHTTPClient(qint64 maxAnswerBytes)
+    : maxBytes(maxAnswerBytes) {
+    setProxy(ProxyOfHost());
+    setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
+    connect(this, &QNetworkAccessManager::finished, this, &MHTTPClient::SlotDestroyNAMReply);
+}
+
+MHTTPClient::~MHTTPClient() {
+    disconnect(this, nullptr, nullptr, nullptr);
+    for (QNetworkReply* reply : findChildren<QNetworkReply*>()) {
+        Silence(reply);
+        reply->abort();
+        delete reply;
+    }
+}
+
+/// @return whether a request can go out. One that cannot is answered, and takes the place of the last one as any other.
+bool MHTTPClient::MayBegin(const QNetworkRequest& request) {
+    if (!IsHttpAddress(request.url())) {
+        Fail(kHttpUnknownProtocol);
+        return false;
+    }
+    if (!CanOpenDescriptors(kDescriptorsOfRequest)) {
+        Fail(kHttpUnknownNetworkError);
+        return false;
+    }
+    return true;
+}
+
+template <typename Verb>
+void MHTTPClient::Begin(const QNetworkRequest& request, Verb verb) {
+    lpReply = nullptr;
+    if (!MayBegin(request))
+        return;
+    connect(this, &QNetworkAccessManager::authenticationRequired, this, &MHTTPClient::SlotAuthRequired,
+            Qt::UniqueConnection);
+    connect(this, &QNetworkAccessManager::proxyAuthenticationRequired, this, &MHTTPClient::SlotProxyAuthRequired,
+            Qt::UniqueConnection);
+    ++proxyAnswersLeft;
+    lpReply = verb();
+    connect(lpReply, &QNetworkReply::finished, this, &MHTTPClient::SlotReadyRead);
+    connect(lpReply, &QNetworkReply::errorOccurred, this, &MHTTPClient::SlotError);
+    connect(lpReply, &QNetworkReply::downloadProgress, this, &MHTTPClient::SlotDownloadProgress);
+    connect(lpReply, &QNetworkReply::uploadProgress, this, &MHTTPClient::SlotUploadProgress);
+    connect(lpReply, &QNetworkReply::readyRead, this, &MHTTPClient::SlotBodyGrows);
+}
+
+void MHTTPClient::SlotGet(QNetworkRequest request) {
+    Begin(request, [&] { return get(request); });
+}
+
+void MHTTPClient::SlotPost(QNetworkRequest request, QByteArray params) {
+    Begin(request, [&] { return post(request, params); });
+}
+
+void MHTTPClient::SlotPut(QNetworkRequest request, QByteArray params) {
+    Begin(request, [&] { return put(request, params); });
+}
+
+void MHTTPClient::SlotDelete(QNetworkRequest request) {
+    Begin(request, [&] { return deleteResource(request); });
+}
+
+void MHTTPClient::SlotDownloadFile(QNetworkRequest request, QString path) {
+    lpDownload.reset();
+    const QString target = DownloadTarget(path, request.url());
+    if (target.isEmpty()) {
+        Q_EMIT SignalResponseReceived(QByteArray(), QByteArray(), 0, kHttpWrongPath);
+        return;
+    }
+    lpDownload = std::make_unique<QString>(target);
+    SlotGet(request);
+}
+
+void MHTTPClient::SlotDownloadProgress(qint64 bytesReceived, qint64 bytesTotal) {
+    if (bytesTotal > 0)
+        Q_EMIT SignalDownloadProgressReceived(static_cast<int>(bytesReceived * kPercent / bytesTotal));
+}
+
+void MHTTPClient::SlotUploadProgress(qint64 bytesSent, qint64 bytesTotal) {
+    if (bytesTotal > 0)
+        Q_EMIT SignalUploadProgressReceived(static_cast<int>(bytesSent * kPercent / bytesTotal));
+}
+
+void MHTTPClient::SlotCancelPreviousRequest() {
+    if (lpReply != nullptr)
+        Silence(lpReply);
+    lpReply = nullptr;
+}
+
+void MHTTPClient::SlotSetAuthentication(QString _sUser, QString _sPassword) {
+    sUser = _sUser;
+    sPassword = _sPassword;
+}
+
+void MHTTPClient::SlotAuthRequired(QNetworkReply* _lpNR, QAuthenticator* _lpAuth) {
+    if (_lpNR == nullptr || _lpNR->isFinished() || _lpAuth == nullptr || _lpNR->property(kAnswered).toBool())
+        return;
+    _lpNR->setProperty(kAnswered, true);
+    _lpAuth->setUser(sUser);
+    _lpAuth->setPassword(sPassword);
+}
+
+void MHTTPClient::SlotProxyAuthRequired(QNetworkProxy /*Proxy*/, QAuthenticator* _lpAuth) {
+    if (_lpAuth == nullptr || proxyAnswersLeft == 0)
+        return;
+    --proxyAnswersLeft;
+    _lpAuth->setUser(sUser);
+    _lpAuth->setPassword(sPassword);
+}
+
+/// The end of the current request or of an earlier one; either way what the current one has got is what is reported.
+void MHTTPClient::SlotReadyRead() {
+    if (lpReply == nullptr)
+        return;
+    QByteArray body = lpReply->readAll();
+    const int status = lpReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (lpDownload != nullptr) {
+        if (!WriteDownload(*lpDownload, body)) {
+            Fail(kHttpFileRefused, status);
+            return;
+        }
+        body.clear();
+        lpDownload.reset();
+    }
+    const QByteArray headers = HeaderListOf(*lpReply);
+    ReleaseReply();
+    Q_EMIT SignalResponseReceived(body, headers, status, kHttpNoError);
+}
+
+void MHTTPClient::SlotError(QNetworkReply::NetworkError error) {
+    Fail(HttpErrorNumber(error));
+}
+
+void MHTTPClient::SlotTimeOut() {
+    Fail(kHttpTimedOut, 0, QByteArrayLiteral("TimeOut"));
+}
+
+void MHTTPClient::SlotBodyGrows() {
+    auto* growing = qobject_cast<QNetworkReply*>(sender());
+    if (growing == nullptr || growing->bytesAvailable() <= maxBytes)
+        return;
+    if (growing == lpReply)
+        Fail(kHttpUnknownContentError);
+    Silence(growing);
+    growing->abort();
+}
+
+/// Forgets the download and the current request, then answers.
+void MHTTPClient::Fail(int error, int status, const QByteArray& body) {
+    lpDownload.reset();
+    ReleaseReply();
+    Q_EMIT SignalResponseReceived(body, QByteArray(), status, error);
+}
+
+void MHTTPClient::ReleaseReply() {
+    if (lpReply != nullptr)
+        SlotNAMReplyFinished(lpReply);
+    lpReply = nullptr;
+}
+
+void MHTTPClient::SlotNAMReplyFinished(QNetworkReply* reply) {
+    Silence(reply);
+    reply->deleteLater();
+}
+
+/// Earlier requests, which nobody reads any more, go when they end.
+void MHTTPClient::SlotDestroyNAMReply(QNetworkReply* reply) {
+    if (reply != lpReply)
+        reply->deleteLater();
+}
+
+/// Only what Begin has connected: the manager listens to its replies itself.
+void MHTTPClient::Silence(QNetworkReply* reply) {
+    disconnect(this, &QNetworkAccessManager::authenticationRequired, this, &MHTTPClient::SlotAuthRequired);
+    disconnect(this, &QNetworkAccessManager::proxyAuthenticationRequired, this, &MHTTPClient::SlotProxyAuthRequired);
+    disconnect(reply, &QNetworkReply::finished, this, &MHTTPClient::SlotReadyRead);
+    disconnect(reply, &QNetworkReply::errorOccurred, this, &MHTTPClient::SlotError);
+    disconnect(reply, &QNetworkReply::downloadProgress, this, &MHTTPClient::SlotDownloadProgress);
+    disconnect(reply, &QNetworkReply::uploadProgress, this, &MHTTPClient::SlotUploadProgress);
+    disconnect(reply, &QNetworkReply::readyRead, this, &MHTTPClient::SlotBodyGrows);
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <memory>
+
+#include <QAuthenticator>
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QString>
+
+/// The most bytes of one answer, after unpacking. A server that sends without end would otherwise take the process's memory
+/// before anybody hears of it; an answer that grows larger is broken off with the number 299.
+inline constexpr qint64 kMaxHttpAnswerBytes = qint64(1) << 30;
+
+/// The network manager of one HTTP object of a script. It lives on that object's own thread, and all of it is used there.
+///
+/// It knows one request, the last that began. Earlier ones go on; when one of them ends, what is reported is the state of the
+/// last, which is given up then. Who wants one answer for each request waits for it before the next.
+///
+/// Redirects are handed to the script, not followed. There is no time-out. The proxy is the one that the host process has set
+/// for itself, whatever the computer's environment says.
+class MHTTPClient : public QNetworkAccessManager {
+    Q_OBJECT
+
+public:
+    explicit MHTTPClient(qint64 maxAnswerBytes = kMaxHttpAnswerBytes);
+    /// Breaks off all requests without a word.
+    ~MHTTPClient() override;
+
+public Q_SLOTS:
+    void SlotGet(QNetworkRequest request);
+    void SlotPost(QNetworkRequest request, QByteArray params);
+    void SlotPut(QNetworkRequest request, QByteArray params);
+    /// A get whose body goes to a file; see DownloadTarget for the path. Without a file it answers 24 at once.
+    void SlotDownloadFile(QNetworkRequest request, QString path);
+    void SlotDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
+    void SlotUploadProgress(qint64 bytesSent, qint64 bytesTotal);
+    void SlotDelete(QNetworkRequest request);
+    /// Lets the current request end unheard.
+    void SlotCancelPreviousRequest();
+    /// What every later challenge of a server or proxy is answered with.
+    void SlotSetAuthentication(QString _sUser, QString _sPassword);
+    /// Answers a server's challenge, once for each request: a server that refuses would be asked again without end.
+    void SlotAuthRequired(QNetworkReply* _lpNR, QAuthenticator* _lpAuth);
+    /// The same for a proxy, as often as requests were begun.
+    void SlotProxyAuthRequired(QNetworkProxy Proxy, QAuthenticator* _lpAuth);
+
+Q_SIGNALS:
+    /// One for each request that is heard to its end. @param iError 0 or a number of HttpErrors.h.   [http]
+    void SignalResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode, int iError);
+    /// In percent.   [http]
+    void SignalDownloadProgressReceived(int iProgress);
+    void SignalUploadProgressReceived(int iProgress);
+
+private Q_SLOTS:
+    void SlotNAMReplyFinished(QNetworkReply* reply);
+    void SlotDestroyNAMReply(QNetworkReply* reply);
+    void SlotReadyRead();
+    void SlotError(QNetworkReply::NetworkError error);
+    /// Answers 4. No clock leads here: a request waits as long as its server lets it.
+    void SlotTimeOut();
+    void SlotBodyGrows();
+
+private:
+    template <typename Verb>
+    void Begin(const QNetworkRequest& request, Verb verb);
+    bool MayBegin(const QNetworkRequest& request);
+    void Silence(QNetworkReply* reply);
+    void ReleaseReply();
+    void Fail(int error, int status = 0, const QByteArray& body = QByteArray());
+
+    const qint64 maxBytes;
+    QNetworkReply* lpReply = nullptr;    ///< the last request, child of the manager
+    std::unique_ptr<QString> lpDownload; ///< where its body goes; null when it goes to the script
+    QString sUser;
+    QString sPassword;
+    int proxyAnswersLeft = 0;
+};

@@ -1,0 +1,146 @@
+#include "MThreadHTTPClient.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "MHTTPClient.h"
+
+namespace {
+
+constexpr unsigned long kThreadEndMs = 1000;
+
+/// Threads whose end took too long. Never destroyed itself: what is in it at the end of the process still runs.
+struct RetiredThreads {
+    std::mutex lock;
+    std::vector<MThreadHTTPClient*> threads; ///< under lock
+};
+
+RetiredThreads& Retired() {
+    static auto* retired = new RetiredThreads;
+    return *retired;
+}
+
+} // namespace
+
+MThreadHTTPClient::MThreadHTTPClient() = default;
+MThreadHTTPClient::~MThreadHTTPClient() = default;
+
+void MThreadHTTPClient::run() {
+    {
+        MHTTPClient worker;
+        ConnectWorker(worker);
+        m_ready = true;
+        Q_EMIT SignalInitialized();
+        exec();
+        m_ready = false;
+    }
+    Q_EMIT SignalThreadTerminated();
+    m_left = true;
+}
+
+void MThreadHTTPClient::ConnectWorker(MHTTPClient& worker) {
+    connect(&worker, &MHTTPClient::SignalResponseReceived, this, &MThreadHTTPClient::SlotResponseReceived,
+            Qt::DirectConnection);
+    connect(&worker, &MHTTPClient::SignalDownloadProgressReceived, this,
+            &MThreadHTTPClient::SlotDownloadProgressReceived, Qt::DirectConnection);
+    connect(&worker, &MHTTPClient::SignalUploadProgressReceived, this, &MThreadHTTPClient::SlotUploadProgressReceived,
+            Qt::DirectConnection);
+    connect(this, &MThreadHTTPClient::SignalSetAuthentication, &worker, &MHTTPClient::SlotSetAuthentication);
+    connect(this, &MThreadHTTPClient::SignalGet, &worker, &MHTTPClient::SlotGet);
+    connect(this, &MThreadHTTPClient::SignalPost, &worker, &MHTTPClient::SlotPost);
+    connect(this, &MThreadHTTPClient::SignalPut, &worker, &MHTTPClient::SlotPut);
+    connect(this, &MThreadHTTPClient::SignalDownloadFile, &worker, &MHTTPClient::SlotDownloadFile);
+    connect(this, &MThreadHTTPClient::SignalDelete, &worker, &MHTTPClient::SlotDelete);
+    connect(this, &MThreadHTTPClient::SignalCancelPreviousRequest, &worker, &MHTTPClient::SlotCancelPreviousRequest);
+}
+
+void MThreadHTTPClient::Retire(MThreadHTTPClient* thread) {
+    thread->Silence();
+    thread->exit(0);
+    thread->wait(kThreadEndMs);
+    {
+        const std::lock_guard<std::mutex> guard(Retired().lock);
+        Retired().threads.push_back(thread);
+    }
+    SweepRetired();
+}
+
+std::size_t MThreadHTTPClient::SweepRetired() {
+    std::vector<MThreadHTTPClient*> ended;
+    std::size_t left = 0;
+    {
+        const std::lock_guard<std::mutex> guard(Retired().lock);
+        std::vector<MThreadHTTPClient*>& threads = Retired().threads;
+        const auto over = std::partition(threads.begin(), threads.end(), [](auto* t) { return !t->HasEnded(); });
+        ended.assign(over, threads.end());
+        threads.erase(over, threads.end());
+        left = threads.size();
+    }
+    for (MThreadHTTPClient* thread : ended)
+        delete thread;
+    return left;
+}
+
+/// A thread that was never started counts as ended.
+bool MThreadHTTPClient::HasEnded() const {
+    return isFinished() ? m_left.load() : !isRunning();
+}
+
+void MThreadHTTPClient::Silence() {
+    const std::lock_guard<std::mutex> guard(m_wayOut);
+    m_silent = true;
+}
+
+void MThreadHTTPClient::SlotSetAuthentication(QString sUser, QString sPassword) {
+    if (m_ready)
+        Q_EMIT SignalSetAuthentication(sUser, sPassword);
+}
+
+void MThreadHTTPClient::SlotGet(QNetworkRequest request) {
+    if (m_ready)
+        Q_EMIT SignalGet(request);
+}
+
+void MThreadHTTPClient::SlotPost(QNetworkRequest request, QByteArray params) {
+    if (m_ready)
+        Q_EMIT SignalPost(request, params);
+}
+
+void MThreadHTTPClient::SlotPut(QNetworkRequest request, QByteArray params) {
+    if (m_ready)
+        Q_EMIT SignalPut(request, params);
+}
+
+void MThreadHTTPClient::SlotDownloadFile(QNetworkRequest request, QString path) {
+    if (m_ready)
+        Q_EMIT SignalDownloadFile(request, path);
+}
+
+void MThreadHTTPClient::SlotDelete(QNetworkRequest request) {
+    if (m_ready)
+        Q_EMIT SignalDelete(request);
+}
+
+void MThreadHTTPClient::SlotCancelPreviousRequest() {
+    if (m_ready)
+        Q_EMIT SignalCancelPreviousRequest();
+}
+
+void MThreadHTTPClient::SlotResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode,
+                                             int iError) {
+    const std::lock_guard<std::mutex> guard(m_wayOut);
+    if (!m_silent)
+        Q_EMIT SignalResponseReceived(bysResponse, bysResponseHeaders, iHTTPStatusCode, iError);
+}
+
+void MThreadHTTPClient::SlotDownloadProgressReceived(int iProgress) {
+    const std::lock_guard<std::mutex> guard(m_wayOut);
+    if (!m_silent)
+        Q_EMIT SignalDownloadProgressReceived(iProgress);
+}
+
+void MThreadHTTPClient::SlotUploadProgressReceived(int iProgress) {
+    const std::lock_guard<std::mutex> guard(m_wayOut);
+    if (!m_silent)
+        Q_EMIT SignalUploadProgressReceived(iProgress);
+}

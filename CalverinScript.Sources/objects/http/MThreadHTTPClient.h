@@ -1,0 +1,79 @@
+#pragma once
+
+#include <atomic>
+#include <mutex>
+
+#include <QByteArray>
+#include <QNetworkRequest>
+#include <QString>
+#include <QThread>
+
+class MHTTPClient;
+
+/// The thread of one HTTP object of a script, and the two-way door between that object and its worker.
+///
+/// - Requests go in as queued signals and are begun in the order in which they were sent.
+/// - A request that comes before the worker is there, or after its end, is dropped.
+/// - Answers come out on the HTTP thread, by direct connections of whoever listens.
+/// - After Silence has returned nothing comes out any more, and no listener is being called.
+class MThreadHTTPClient : public QThread {
+    Q_OBJECT
+
+public:
+    MThreadHTTPClient();
+    ~MThreadHTTPClient() override;
+
+    /// Ends the thread and deletes it. It gets 1000 ms, for all that a silent server needs is to be let go; one that takes longer
+    /// goes on unheard and is deleted by a later call when it has ended.   [script, host]
+    static void Retire(MThreadHTTPClient* thread);
+    /// Threads that are over their time, after those that have ended since were deleted.   [any]
+    static std::size_t SweepRetired();
+
+    /// Cuts the way out. Must not be called by a listener.   [any but http]
+    void Silence();
+
+public Q_SLOTS:
+    void SlotSetAuthentication(QString sUser, QString sPassword);
+    void SlotGet(QNetworkRequest request);
+    void SlotPost(QNetworkRequest request, QByteArray params);
+    void SlotPut(QNetworkRequest request, QByteArray params);
+    void SlotDownloadFile(QNetworkRequest request, QString path);
+    void SlotDelete(QNetworkRequest request);
+    void SlotCancelPreviousRequest();
+
+Q_SIGNALS:
+    /// The worker is there.   [http]
+    void SignalInitialized();
+    // To the worker   [script]
+    void SignalSetAuthentication(QString sUser, QString sPassword);
+    void SignalGet(QNetworkRequest request);
+    void SignalPost(QNetworkRequest request, QByteArray params);
+    void SignalPut(QNetworkRequest request, QByteArray params);
+    void SignalDownloadFile(QNetworkRequest request, QString path);
+    void SignalDelete(QNetworkRequest request);
+    // From the worker   [http]
+    void SignalResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode, int iError);
+    void SignalDownloadProgressReceived(int iProgress);
+    void SignalUploadProgressReceived(int iProgress);
+    /// The worker is gone.   [http]
+    void SignalThreadTerminated();
+    // To the worker   [script]
+    void SignalCancelPreviousRequest();
+
+protected:
+    void run() override;
+
+private Q_SLOTS:
+    void SlotResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode, int iError);
+    void SlotDownloadProgressReceived(int iProgress);
+    void SlotUploadProgressReceived(int iProgress);
+
+private:
+    void ConnectWorker(MHTTPClient& worker);
+    bool HasEnded() const;
+
+    std::atomic<bool> m_ready{false}; ///< whether the worker is there: written by http, read by script
+    std::atomic<bool> m_left{false};  ///< run() is over: written by http, read by whoever ends the thread
+    std::mutex m_wayOut;              ///< held while something comes out
+    bool m_silent = false;            ///< under m_wayOut
+};
