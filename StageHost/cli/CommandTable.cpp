@@ -2,6 +2,7 @@
 
 #include "ArgumentReader.h"
 #include "Commands.h"
+#include "LiveShow.h"
 
 namespace stagehost {
 
@@ -26,6 +27,11 @@ constexpr Command kCommands[] = {
      "stagehost send show.json desk \"Execute Function\" \"Script Function Name=blackout\"\n"
      "stagehost send show.json desk 3 \"Script Function Name=fadeTo\" Param1=50",
      3, kAny, &SendCommand},
+    {"watch", "SHOW.json | FILE.js [NAME...]", "runs a show, prints what changes, does what standard input says",
+     "stagehost watch examples/evening/show.json\n"
+     "stagehost watch --json show.json Level Overture\n"
+     "printf 'set Level 50\\nwait Answer yes\\n' | stagehost watch show.json",
+     1, kAny, &WatchShow},
     {"definition", "[SHOW.json | FILE.js]", "shows the commands and variables of a device",
      "stagehost definition\n"
      "stagehost definition lights.js\n"
@@ -44,8 +50,10 @@ QString Lines(const char* text, const QString& indent) {
 QString CommandHelp(const Command& command) {
     const QString indent = QStringLiteral("  ");
     return QStringLiteral("stagehost %1 %2\n\n").arg(QLatin1String(command.name), QLatin1String(command.form)) +
-           Lines(command.summary, indent) + QStringLiteral("\nExamples\n") + Lines(command.examples, indent) +
-           QStringLiteral("\nOptions\n") + OptionHelp();
+           Lines(command.summary, indent) +
+           (command.run == &WatchShow ? QStringLiteral("\nLines on standard input\n") + LiveShow::Help() : QString()) +
+           QStringLiteral("\nExamples\n") + Lines(command.examples, indent) + QStringLiteral("\nOptions\n") +
+           OptionHelp();
 }
 
 QString ProgramHelp() {

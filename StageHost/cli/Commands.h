@@ -13,5 +13,6 @@ int CheckScript(const Options& options);
 int SendCommand(const Options& options);
 int ShowDefinition(const Options& options);
 int ShowVariables(const Options& options);
+int WatchShow(const Options& options);
 
 } // namespace stagehost

@@ -6,6 +6,7 @@
 
 #include "BorderText.h"
 #include "ExitCodes.h"
+#include "HostCodes.h"
 
 namespace stagehost {
 
@@ -45,6 +46,10 @@ void PrintJson(const QJsonObject& object) {
     Write(stdout, QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented)));
 }
 
+void PrintJsonLine(const QJsonObject& object) {
+    PrintLine(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
+}
+
 QString LostCharactersNote() {
     return QStringLiteral("note: a host carries Latin-1 text only; other characters became \"?\"");
 }
@@ -75,6 +80,11 @@ QString FailureText(const CommandOutcome& outcome, const QString& command, std::
         break;
     }
     return QStringLiteral("no answer to \"%1\" within %2 ms").arg(command).arg(limit.count());
+}
+
+QString HostCodeLine(KXPCode code) {
+    const char* text = FindHostCodeText(code);
+    return text == nullptr ? QStringLiteral("code %1").arg(code) : QLatin1String(text);
 }
 
 QJsonObject ToJson(const CommandOutcome& outcome) {

@@ -18,6 +18,7 @@ void Print(const QString& text);
 void PrintLine(const QString& line);
 void PrintProblem(const QString& line); ///< to standard error
 void PrintJson(const QJsonObject& object);
+void PrintJsonLine(const QJsonObject& object); ///< on one line
 
 /// What is said when characters of a text were replaced on the way to the module.
 QString LostCharactersNote();
@@ -31,6 +32,9 @@ int ExitCodeOf(const CommandOutcome& outcome);
 
 /// What went wrong, in words; empty for an outcome that is well.
 QString FailureText(const CommandOutcome& outcome, const QString& command, std::chrono::milliseconds limit);
+
+/// A code of the host or the module, in words.
+QString HostCodeLine(KXPCode code);
 
 /// An outcome as JSON.
 QJsonObject ToJson(const CommandOutcome& outcome);

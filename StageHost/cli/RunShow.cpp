@@ -20,10 +20,28 @@ QString Milliseconds(double milliseconds) {
     return QStringLiteral("%1 ms").arg(milliseconds, 0, 'f', 1);
 }
 
+/// What a step does that is no command.
+QString ActionText(const ShowStep& step) {
+    if (step.wait)
+        return QStringLiteral("wait until %1 is %2").arg(step.wait->variable, OneLine(step.wait->value));
+    if (!step.action.task.empty())
+        return QStringLiteral("%1 the task %2")
+            .arg(QLatin1String(kTaskActionNames[static_cast<int>(step.action.taskAction)]),
+                 FromBorderText(step.action.task));
+    if (!step.action.cue.empty())
+        return QStringLiteral("cue ") + FromBorderText(step.action.cue);
+    QStringList sets;
+    for (const auto& [name, value] : step.action.sets)
+        sets += QStringLiteral("%1 = %2").arg(FromBorderText(name), OneLine(FromBorderText(value)));
+    return sets.join(QStringLiteral(", "));
+}
+
 /// What a step sends, as a line of the output: the command and the parameters that say most of it.
 QString Headline(const ShowStep& step) {
     if (!step.say.isEmpty())
         return step.say;
+    if (step.device.isEmpty())
+        return ActionText(step);
     QStringList texts;
     for (const auto& parameter : step.parameters)
         texts += OneLine(parameter.text);
@@ -56,7 +74,10 @@ public:
         if (json_)
             return AddStep(step, outcome);
         PrintLine(QStringLiteral("\n%1. %2").arg(played_).arg(Headline(step)));
-        PrintLine(QStringLiteral("   %1: %2").arg(step.device, step.command));
+        if (!step.device.isEmpty())
+            PrintLine(QStringLiteral("   %1: %2").arg(step.device, step.command));
+        else if (!step.say.isEmpty())
+            PrintLine(QStringLiteral("   ") + ActionText(step));
         QStringList lines = FromBorderText(outcome.command.result).split(QLatin1Char('\n'));
         while (!lines.isEmpty() && lines.last().isEmpty())
             lines.removeLast();
@@ -89,8 +110,12 @@ private:
     void AddStep(const ShowStep& step, const StepOutcome& outcome) {
         QJsonObject object = ToJson(outcome.command);
         object.insert(QStringLiteral("say"), step.say);
-        object.insert(QStringLiteral("device"), step.device);
-        object.insert(QStringLiteral("command"), step.command);
+        if (step.device.isEmpty()) {
+            object.insert(QStringLiteral("action"), ActionText(step));
+        } else {
+            object.insert(QStringLiteral("device"), step.device);
+            object.insert(QStringLiteral("command"), step.command);
+        }
         object.insert(QStringLiteral("asExpected"), !outcome.failure);
         steps_.append(object);
     }
@@ -105,10 +130,12 @@ MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
     if (auto failure = session.Open(show))
         return failure;
     report.Begin();
+    for (const auto& device : session.Devices()) {
+        if (auto failure = session.StartDevice(*device))
+            return failure;
+    }
     for (const auto& device : show.devices) {
         Device& made = *session.FindDevice(device.name);
-        if (auto failure = session.StartDevice(made))
-            return failure;
         if (auto failure = session.LoadScript(made, device))
             return Failure{failure->exitCode, QStringLiteral("%1: %2").arg(device.name, failure->text)};
         report.DeviceReady(device);

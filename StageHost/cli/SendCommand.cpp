@@ -1,22 +1,13 @@
 #include "BorderText.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "LiveShow.h"
 #include "Output.h"
 #include "ScriptSession.h"
 
 namespace stagehost {
 
 namespace {
-
-MaybeFailure ReadInputs(const QStringList& words, std::vector<ParameterInput>& inputs) {
-    for (const QString& word : words) {
-        const int equals = word.indexOf(QLatin1Char('='));
-        if (equals < 1)
-            return Failure{kExitBadUse, QStringLiteral("expected PARAM=VALUE, not \"%1\"").arg(word)};
-        inputs.push_back({ToBorderText(word.left(equals)), ToBorderText(word.mid(equals + 1)), {}});
-    }
-    return std::nullopt;
-}
 
 MaybeFailure SendTo(Session& session, const Show& show, const QStringList& words, CommandOutcome& outcome, bool& sent) {
     std::vector<ParameterInput> inputs;

@@ -6,6 +6,7 @@
 #include "BorderText.h"
 #include "ExitCodes.h"
 #include "ExitGuard.h"
+#include "MainWait.h"
 #include "Output.h"
 #include "ValueFactory.h"
 
@@ -87,6 +88,8 @@ MaybeFailure Session::Start() {
     for (const auto& device : devices_) {
         if (auto failure = StartDevice(*device))
             return failure;
+    }
+    for (const auto& device : devices_) {
         if (auto failure = LoadScript(*device, *show_.FindDevice(FromBorderText(device->Name()))))
             return failure;
     }
@@ -134,6 +137,20 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
     if (exitCode == kExitOk)
         return std::nullopt;
     return Failure{exitCode, FailureText(*outcome, command, options_.timeout)};
+}
+
+MaybeFailure Session::WaitFor(const ShowWait& wait) {
+    const auto variable = host_->Variables().Find(ToBorderText(wait.variable));
+    if (!variable)
+        return Failure{kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(wait.variable)};
+    const std::string value = ToBorderText(wait.value);
+    const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : options_.timeout;
+    const Observation observation = variable->Observe([] { MainWait::Wake(); });
+    if (MainWait::Until([&] { return variable->Text() == value; }, limit))
+        return std::nullopt;
+    return Failure{kExitNoAnswer, QStringLiteral("\"%1\" is \"%2\", not \"%3\", after %4 ms")
+                                      .arg(wait.variable, FromBorderText(variable->Text()), wait.value)
+                                      .arg(limit.count())};
 }
 
 Device* Session::FindDevice(const QString& name) {

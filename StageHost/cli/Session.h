@@ -54,6 +54,9 @@ public:
     MaybeFailure Send(Device& device, const QString& command, const std::vector<ParameterInput>& inputs,
                       CommandOutcome* outcome);
 
+    /// Waits until a variable has a value in its text form, as long as the wait says or for the limit of answers.
+    MaybeFailure WaitFor(const ShowWait& wait);
+
     Device* FindDevice(const QString& name);
     const std::vector<std::unique_ptr<Device>>& Devices() const { return devices_; }
     Host& TheHost() { return *host_; }

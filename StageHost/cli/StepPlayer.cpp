@@ -1,5 +1,8 @@
 #include "StepPlayer.h"
 
+#include <memory>
+#include <mutex>
+
 #include "BorderText.h"
 #include "ExitCodes.h"
 #include "Output.h"
@@ -7,19 +10,60 @@
 
 namespace stagehost {
 
+namespace {
+
+/// What an action could not do; filled from any thread, also when nobody looks any more.
+class Problem {
+public:
+    void Add(const std::string& what) {
+        const std::lock_guard<std::mutex> hold(lock_);
+        lines_ += FromBorderText(what);
+    }
+
+    QString Text() const {
+        const std::lock_guard<std::mutex> hold(lock_);
+        return lines_.join(QStringLiteral("; "));
+    }
+
+private:
+    mutable std::mutex lock_; ///< guards lines_
+    QStringList lines_;
+};
+
+} // namespace
+
 StepPlayer::StepPlayer(Session& session, const Show& show)
     : session_(session)
     , show_(show) {}
 
 StepOutcome StepPlayer::Play(const ShowStep& step) {
     StepOutcome outcome;
-    std::vector<ParameterInput> inputs;
-    outcome.failure = ReadInputs(step, inputs);
-    if (outcome.failure)
+    const auto begin = std::chrono::steady_clock::now();
+    if (!step.device.isEmpty()) {
+        outcome.failure = PlayCommand(step, outcome.command);
         return outcome;
-    const auto failure = session_.Send(*session_.FindDevice(step.device), step.command, inputs, &outcome.command);
-    outcome.failure = Compare(step, outcome.command, failure);
+    }
+    outcome.failure = step.wait ? session_.WaitFor(*step.wait) : PlayAction(step.action);
+    outcome.command.kind = outcome.failure ? CommandOutcome::Kind::NoAnswer : CommandOutcome::Kind::Done;
+    outcome.command.milliseconds =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
     return outcome;
+}
+
+MaybeFailure StepPlayer::PlayCommand(const ShowStep& step, CommandOutcome& outcome) {
+    std::vector<ParameterInput> inputs;
+    if (auto failure = ReadInputs(step, inputs))
+        return failure;
+    const auto failure = session_.Send(*session_.FindDevice(step.device), step.command, inputs, &outcome);
+    return Compare(step, outcome, failure);
+}
+
+/// Variables, tasks and cues answer at once; a command that a cue sends goes on.
+MaybeFailure StepPlayer::PlayAction(const ActionSpec& action) {
+    const auto problem = std::make_shared<Problem>();
+    session_.TheHost().Model().Run(action, [problem](const std::string& what) { problem->Add(what); });
+    const QString text = problem->Text();
+    return text.isEmpty() ? MaybeFailure() : Failure{kExitScriptFailed, text};
 }
 
 MaybeFailure StepPlayer::ReadInputs(const ShowStep& step, std::vector<ParameterInput>& inputs) {

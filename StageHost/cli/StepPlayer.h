@@ -18,6 +18,8 @@ public:
     StepOutcome Play(const ShowStep& step);
 
 private:
+    MaybeFailure PlayCommand(const ShowStep& step, CommandOutcome& outcome);
+    MaybeFailure PlayAction(const ActionSpec& action);
     MaybeFailure ReadInputs(const ShowStep& step, std::vector<ParameterInput>& inputs);
     MaybeFailure ReadInput(const ShowParameter& parameter, ParameterInput& input);
     static MaybeFailure Compare(const ShowStep& step, const CommandOutcome& outcome, const MaybeFailure& failure);

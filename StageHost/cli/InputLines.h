@@ -1,0 +1,40 @@
+#pragma once
+
+#include <deque>
+#include <memory>
+
+#include <QByteArray>
+#include <QFile>
+#include <QSocketNotifier>
+#include <QString>
+
+namespace stagehost {
+
+/// The lines that the user types, or a program sends, on standard input, as they come.   [host main]
+class InputLines {
+public:
+    InputLines();
+    InputLines(const InputLines&) = delete;
+    InputLines& operator=(const InputLines&) = delete;
+
+    bool HasLine() const { return !lines_.empty(); }
+    QString TakeLine();
+
+    /// Whether standard input has ended and every line has been taken.
+    bool IsOver() const { return ended_ && lines_.empty(); }
+
+private:
+    void Read();
+
+    QFile input_;
+    std::unique_ptr<QSocketNotifier> notifier_; ///< null when standard input has ended
+    QByteArray rest_;                           ///< the begin of a line
+    std::deque<QString> lines_;
+    bool ended_ = false;
+};
+
+/// The words of a line, parted by blanks; a word may stand in double quotes, in which \" and \\ stand for the characters.
+/// @return false when a quote is not closed.
+bool SplitWords(const QString& line, QStringList& words);
+
+} // namespace stagehost

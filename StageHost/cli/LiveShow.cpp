@@ -1,0 +1,173 @@
+#include "LiveShow.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "BorderText.h"
+#include "ExitCodes.h"
+#include "HostCodes.h"
+#include "InputLines.h"
+#include "Output.h"
+#include "StepPlayer.h"
+
+namespace stagehost {
+
+namespace {
+
+LineOutcome NoVariable(const QString& name) {
+    return {kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(name)};
+}
+
+LineOutcome OutcomeOf(const MaybeFailure& failure, const QString& text) {
+    return failure ? LineOutcome{failure->exitCode, failure->text} : LineOutcome{kExitOk, text};
+}
+
+LineOutcome OutcomeOf(KXPCode code, const QString& text) {
+    if (code == KXP_OK)
+        return {kExitOk, text};
+    return {kExitScriptFailed, HostCodeLine(code)};
+}
+
+} // namespace
+
+/// One kind of line: its first word, what follows, what it does.
+struct LiveShow::Row {
+    const char* name;
+    const char* form;
+    const char* summary;
+    int fewest; ///< words behind the first
+    int most;   ///< -1 for any number
+    LineOutcome (LiveShow::*run)(const QStringList& words);
+};
+
+const LiveShow::Row LiveShow::kRows[] = {
+    {"set", "NAME VALUE", "gives a variable a value", 2, 2, &LiveShow::Set},
+    {"get", "NAME", "shows a variable", 1, 1, &LiveShow::Get},
+    {"send", "DEVICE COMMAND [PARAM=VALUE...]", "sends a command and waits for its end", 2, -1, &LiveShow::SendLine},
+    {"task", "NAME start|pause|stop", "works a task", 2, 2, &LiveShow::TaskLine},
+    {"cue", "NAME", "runs a cue", 1, 1, &LiveShow::CueLine},
+    {"wait", "NAME VALUE [MS]", "waits until a variable has a value", 2, 3, &LiveShow::WaitLine},
+    {"play", "", "plays the steps of the show", 0, 0, &LiveShow::Play},
+    {"help", "", "shows these lines", 0, 0, &LiveShow::HelpLine},
+    {"quit", "", "ends the show", 0, 0, &LiveShow::Quit},
+};
+
+LiveShow::LiveShow(Session& session, const Show& show)
+    : session_(session)
+    , show_(show) {}
+
+LineOutcome LiveShow::Do(const QString& line) {
+    QStringList words;
+    if (!SplitWords(line, words))
+        return {kExitBadUse, QStringLiteral("a quote is not closed")};
+    if (words.isEmpty())
+        return {};
+    const QString name = words.takeFirst();
+    const auto* row = std::find_if(std::begin(kRows), std::end(kRows),
+                                   [&](const Row& known) { return name == QLatin1String(known.name); });
+    if (row == std::end(kRows))
+        return {kExitBadUse, QStringLiteral("there is no \"%1\"; \"help\" shows what there is").arg(name)};
+    if (words.size() < row->fewest || (row->most >= 0 && words.size() > row->most))
+        return {kExitBadUse,
+                QStringLiteral("the form is: %1 %2").arg(QLatin1String(row->name), QLatin1String(row->form)).trimmed()};
+    return (this->*row->run)(words);
+}
+
+QString LiveShow::Help() {
+    QVector<QStringList> rows;
+    for (const auto& row : kRows)
+        rows.push_back({QStringLiteral("%1 %2").arg(QLatin1String(row.name), QLatin1String(row.form)).trimmed(),
+                        QLatin1String(row.summary)});
+    return Table(rows, QStringLiteral("  "));
+}
+
+LineOutcome LiveShow::Set(const QStringList& words) {
+    const auto variable = session_.TheHost().Variables().Find(ToBorderText(words.at(0)));
+    if (!variable)
+        return NoVariable(words.at(0));
+    if (!variable->SetText(ToBorderText(words.at(1))))
+        return {kExitBadUse, QStringLiteral("\"%1\" does not take \"%2\"").arg(words.at(0), words.at(1))};
+    return {};
+}
+
+LineOutcome LiveShow::Get(const QStringList& words) {
+    const auto variable = session_.TheHost().Variables().Find(ToBorderText(words.at(0)));
+    return variable ? LineOutcome{kExitOk, FromBorderText(variable->Text())} : NoVariable(words.at(0));
+}
+
+LineOutcome LiveShow::SendLine(const QStringList& words) {
+    Device* device = session_.FindDevice(words.at(0));
+    if (device == nullptr)
+        return {kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(words.at(0))};
+    std::vector<ParameterInput> inputs;
+    if (const auto failure = ReadInputs(words.mid(2), inputs))
+        return OutcomeOf(failure, {});
+    CommandOutcome outcome;
+    const auto failure = session_.Send(*device, words.at(1), inputs, &outcome);
+    return OutcomeOf(failure, FromBorderText(outcome.result));
+}
+
+LineOutcome LiveShow::TaskLine(const QStringList& words) {
+    const auto task = session_.TheHost().Model().FindTask(ToBorderText(words.at(0)));
+    if (!task)
+        return {kExitBadUse, QStringLiteral("the show has no task \"%1\"").arg(words.at(0))};
+    const auto* action = std::find_if(std::begin(kTaskActionNames), std::end(kTaskActionNames),
+                                      [&](const char* name) { return words.at(1) == QLatin1String(name); });
+    if (action == std::end(kTaskActionNames))
+        return {kExitBadUse, QStringLiteral("a task knows start, pause and stop, not \"%1\"").arg(words.at(1))};
+    return OutcomeOf(task->Do(static_cast<TaskAction>(action - std::begin(kTaskActionNames))), {});
+}
+
+LineOutcome LiveShow::CueLine(const QStringList& words) {
+    const auto cue = session_.TheHost().Model().FindCue(ToBorderText(words.at(0)));
+    if (!cue)
+        return {kExitBadUse, QStringLiteral("the show has no cue \"%1\"").arg(words.at(0))};
+    cue->Go();
+    return {};
+}
+
+LineOutcome LiveShow::WaitLine(const QStringList& words) {
+    ShowWait wait{words.at(0), words.at(1), std::nullopt};
+    if (words.size() > 2) {
+        bool number = false;
+        wait.within = words.at(2).toInt(&number);
+        if (!number || *wait.within < 1)
+            return {kExitBadUse, QStringLiteral("expected a number of milliseconds, not \"%1\"").arg(words.at(2))};
+    }
+    return OutcomeOf(session_.WaitFor(wait), {});
+}
+
+LineOutcome LiveShow::Play(const QStringList&) {
+    StepPlayer player(session_, show_);
+    int number = 0;
+    for (const auto& step : show_.steps) {
+        const StepOutcome outcome = player.Play(step);
+        ++number;
+        if (outcome.failure)
+            return {outcome.failure->exitCode, QStringLiteral("step %1: %2").arg(number).arg(outcome.failure->text)};
+    }
+    return {};
+}
+
+LineOutcome LiveShow::HelpLine(const QStringList&) {
+    QString help = Help();
+    help.chop(1);
+    return {kExitOk, help};
+}
+
+LineOutcome LiveShow::Quit(const QStringList&) {
+    over_ = true;
+    return {};
+}
+
+MaybeFailure ReadInputs(const QStringList& words, std::vector<ParameterInput>& inputs) {
+    for (const QString& word : words) {
+        const int equals = word.indexOf(QLatin1Char('='));
+        if (equals < 1)
+            return Failure{kExitBadUse, QStringLiteral("expected PARAM=VALUE, not \"%1\"").arg(word)};
+        inputs.push_back({ToBorderText(word.left(equals)), ToBorderText(word.mid(equals + 1)), {}});
+    }
+    return std::nullopt;
+}
+
+} // namespace stagehost

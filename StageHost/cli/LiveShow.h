@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Session.h"
+
+namespace stagehost {
+
+/// What came of one line of the user.
+struct LineOutcome {
+    int exitCode = 0; ///< as the program's
+    QString text;     ///< the answer, or what is wrong
+};
+
+/// Does what the user says while a show runs: one line, one deed. A word may stand in double quotes.   [host main]
+class LiveShow {
+public:
+    LiveShow(Session& session, const Show& show);
+
+    LineOutcome Do(const QString& line);
+
+    /// Whether the user has said "quit".
+    bool IsOver() const { return over_; }
+
+    /// The lines that there are, for the help.
+    static QString Help();
+
+private:
+    struct Row;
+    static const Row kRows[];
+
+    LineOutcome Set(const QStringList& words);
+    LineOutcome Get(const QStringList& words);
+    LineOutcome SendLine(const QStringList& words);
+    LineOutcome TaskLine(const QStringList& words);
+    LineOutcome CueLine(const QStringList& words);
+    LineOutcome WaitLine(const QStringList& words);
+    LineOutcome Play(const QStringList& words);
+    LineOutcome HelpLine(const QStringList& words);
+    LineOutcome Quit(const QStringList& words);
+
+    Session& session_;
+    const Show& show_;
+    bool over_ = false;
+};
+
+/// The inputs that words of the form PARAM=VALUE stand for.
+MaybeFailure ReadInputs(const QStringList& words, std::vector<ParameterInput>& inputs);
+
+} // namespace stagehost

@@ -1,0 +1,83 @@
+#include "BorderText.h"
+#include "ChangePrinter.h"
+#include "Commands.h"
+#include "ExitCodes.h"
+#include "InputLines.h"
+#include "Interrupt.h"
+#include "LiveShow.h"
+#include "MainWait.h"
+#include "Output.h"
+#include "ScriptSession.h"
+
+namespace stagehost {
+
+namespace {
+
+constexpr std::chrono::milliseconds kLook(100); // for Ctrl-C, which wakes nobody
+
+/// Answers to the user's lines: plain, or as lines of JSON among those of the changes.
+void PrintAnswer(bool json, const QString& line, const LineOutcome& outcome) {
+    if (json)
+        return PrintJsonLine({{QStringLiteral("line"), line},
+                              {QStringLiteral("ok"), outcome.exitCode == kExitOk},
+                              {QStringLiteral("answer"), outcome.text},
+                              {QStringLiteral("exitCode"), outcome.exitCode}});
+    if (outcome.exitCode != kExitOk)
+        PrintProblem(outcome.text);
+    else if (!outcome.text.isEmpty())
+        PrintLine(outcome.text);
+}
+
+MaybeFailure CheckNames(Session& session, const QStringList& names) {
+    for (const QString& name : names) {
+        if (!session.TheHost().Model().FindAny(ToBorderText(name)))
+            return Failure{kExitBadUse, QStringLiteral("the show has no object \"%1\"").arg(name)};
+    }
+    return std::nullopt;
+}
+
+MaybeFailure Open(Session& session, const Show& show, const QStringList& names) {
+    if (auto failure = session.Open(show))
+        return failure;
+    if (auto failure = session.Start())
+        return failure;
+    return CheckNames(session, names);
+}
+
+/// Runs until the user has said "quit", has nothing more to say, or wants the program to end.
+/// @return the exit code of the first line that went wrong.
+int Watch(Session& session, const Show& show, bool json, const QStringList& names) {
+    ChangePrinter printer(session.TheHost().Model().Feed(), names, json);
+    if (!json)
+        PrintProblem(QStringLiteral("%1 runs. \"help\" tells what you can say, \"quit\" ends it.").arg(show.name));
+    InputLines input;
+    LiveShow live(session, show);
+    int exitCode = kExitOk;
+    while (!live.IsOver() && !input.IsOver() && !Interrupt::HasCome()) {
+        if (!MainWait::Until([&] { return input.HasLine() || input.IsOver(); }, kLook) || input.IsOver())
+            continue;
+        const QString line = input.TakeLine();
+        const LineOutcome outcome = live.Do(line);
+        printer.Flush();
+        PrintAnswer(json, line, outcome);
+        exitCode = exitCode == kExitOk ? outcome.exitCode : exitCode;
+    }
+    return exitCode;
+}
+
+} // namespace
+
+int WatchShow(const Options& options) {
+    Show show;
+    if (auto failure = ReadShowOrScript(options.arguments.first(), show))
+        return Fail(options.json, failure->exitCode, failure->text);
+    const Interrupt interrupt;
+    const QStringList names = options.arguments.mid(1);
+    Session session(options);
+    const auto failure = Open(session, show, names);
+    if (failure)
+        return session.Close(Fail(options.json, failure->exitCode, failure->text));
+    return session.Close(Watch(session, show, options.json, names));
+}
+
+} // namespace stagehost
