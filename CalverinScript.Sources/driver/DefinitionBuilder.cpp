@@ -7,6 +7,7 @@
 #include "CommandIds.h"
 #include "CommandXml.h"
 #include "DriverTables.h"
+#include "GuardedXml.h"
 #include "HostText.h"
 #include "HostXml.h"
 #include "IKXPDevice.h"
@@ -71,7 +72,7 @@ void AddVariables(TiXmlElement& variables, const DefinitionRequest& request) {
 
 bool BuildDefinition(const DefinitionRequest& request, std::string& out) {
     TiXmlDocument document;
-    if (!ParseHostXml(document, request.definitionTemplate))
+    if (!ParseXml(document, request.definitionTemplate))
         return false;
     TiXmlElement* device = document.FirstChildElement("Device");
     TiXmlElement* commands = device != nullptr ? device->FirstChildElement("Commands") : nullptr;

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <limits>
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
@@ -38,7 +41,8 @@ int CheckScript(const Options& options) {
     if (!checker.waitForStarted())
         return Fail(options.json, kExitNoModule, CheckerPath() + QStringLiteral(": ") + checker.errorString());
     const auto limit = options.timeout.count();
-    if (!checker.waitForFinished(static_cast<int>(limit) + kGraceMs)) {
+    constexpr auto kLongest = static_cast<decltype(limit)>(std::numeric_limits<int>::max() - kGraceMs);
+    if (!checker.waitForFinished(static_cast<int>(std::min(limit, kLongest)) + kGraceMs)) {
         checker.kill();
         checker.waitForFinished();
         return Fail(options.json, kExitNoAnswer, QStringLiteral("no answer within %1 ms").arg(limit));

@@ -156,28 +156,63 @@ TEST_F(CommandLine, ExecGivesJson) {
     EXPECT_EQ(host.Json().value(Text("exitCode")).toInt(), 1);
 }
 
-TEST_F(CommandLine, CheckTellsWhetherAScriptLoads) {
-    host.Run(List({"check"}) + QStringList{script});
+TEST_F(CommandLine, CheckTellsWhatAScriptPublishesWithoutAnyModule) {
+    const QString driver = host.File(Text("driver.js"), "({ Info: { Title: 'Lamp' }, Device: { Level: 5 },\n"
+                                                        "   Setup: { port: 8000 }, On: function (level) {} })");
+    host.SetMood("entry-fails");
+    host.Run(List({"check"}) + QStringList{driver});
     EXPECT_EQ(host.ExitCode(), 0);
-    EXPECT_EQ(host.Output(), script + Text(": ok\n"));
-    host.Run(List({"check"}) + QStringList{broken});
+    EXPECT_EQ(host.Output().toStdString(), driver.toStdString() + ": ok\n"
+                                                                  "\nInfo\n"
+                                                                  "  title  Lamp\n"
+                                                                  "\nCommands\n"
+                                                                  "  4  On\n"
+                                                                  "       out  Result  String\n"
+                                                                  "       in   level   String\n"
+                                                                  "\nVariables\n"
+                                                                  "  Level  Integer  5\n"
+                                                                  "\nSettings\n"
+                                                                  "  port  Integer  SpinBox  8000\n");
+    EXPECT_EQ(host.Errors().toStdString(), "");
+}
+
+TEST_F(CommandLine, CheckTellsTheErrorWithItsLineAndEndsAnEndlessScript) {
+    const QString bad = host.File(Text("bad.js"), "var a;\nvar b = ;\n");
+    host.Run(List({"check"}) + QStringList{bad});
     EXPECT_EQ(host.ExitCode(), 1);
-    EXPECT_EQ(host.Output(), broken + Text(":7: SyntaxError: Parse error\n"));
-    const QString other = host.File(Text("other.js"), "error Script: in the start function\n");
-    host.Run(List({"check"}) + QStringList{other});
-    EXPECT_EQ(host.Output(), other + Text(": in the start function\n"));
-    host.Run(List({"check", "--timeout", "300"}) + QStringList{endless});
-    Fails(3, "no answer");
+    EXPECT_EQ(host.Output(), bad + Text(":2: SyntaxError: Parse error\n"));
+    const QString loop = host.File(Text("loop.js"), "while (true) {}");
+    host.Run(List({"check", "--timeout", "300"}) + QStringList{loop});
+    Fails(3, "no answer within 300 ms");
+    EXPECT_LT(host.Milliseconds(), kSoon);
 }
 
 TEST_F(CommandLine, CheckGivesJson) {
-    host.Run(List({"check", "--json"}) + QStringList{script});
-    EXPECT_TRUE(host.Json().value(Text("ok")).toBool());
-    host.Run(List({"check", "--json"}) + QStringList{broken});
-    EXPECT_EQ(host.Json().value(Text("line")).toInt(), 7);
-    EXPECT_EQ(host.Json().value(Text("message")).toString(), Text("SyntaxError: Parse error"));
-    EXPECT_EQ(host.Json().value(Text("file")).toString(), broken);
+    const QString driver = host.File(Text("driver.js"), "({ On: function (level) {} })");
+    host.Run(List({"check", "--json"}) + QStringList{driver});
+    EXPECT_EQ(host.ExitCode(), 0);
+    EXPECT_TRUE(host.Json().value(Text("error")).isNull());
+    const QJsonObject command = host.Json().value(Text("commands")).toArray().at(0).toObject();
+    EXPECT_EQ(command.value(Text("function")).toString(), Text("On"));
+    const QString bad = host.File(Text("bad.js"), "\n\nthrow new Error('top');");
+    host.Run(List({"check", "--json"}) + QStringList{bad});
     EXPECT_EQ(host.ExitCode(), 1);
+    const QJsonObject error = host.Json().value(Text("error")).toObject();
+    EXPECT_EQ(error.value(Text("line")).toInt(), 3);
+    EXPECT_EQ(error.value(Text("text")).toString(), Text("Error: top"));
+    const QString loop = host.File(Text("loop.js"), "while (true) {}");
+    host.Run(List({"check", "--json", "--timeout", "300"}) + QStringList{loop});
+    EXPECT_EQ(host.ExitCode(), 3);
+    EXPECT_FALSE(host.Json().value(Text("error")).isNull());
+}
+
+TEST_F(CommandLine, CheckSurvivesAScriptThatBringsItsEngineDown) {
+    const QString bomb = host.File(Text("bomb.js"), "var s = ''; for (var i = 0; i < 20000; ++i) s += '(';"
+                                                    "for (i = 0; i < 20000; ++i) s += ')'; new RegExp(s);");
+    host.Run(List({"check"}) + QStringList{bomb});
+    EXPECT_EQ(host.ExitCode(), 1);
+    EXPECT_EQ(host.Output().toStdString(), "");
+    EXPECT_FALSE(host.Errors().isEmpty());
 }
 
 TEST_F(CommandLine, BadUseGivesTwo) {
@@ -209,7 +244,7 @@ TEST_F(CommandLine, BadUseGivesTwo) {
         List({"check", "--timeout", "soon"}) + QStringList{script},
         List({"check", "--link", "both"}) + QStringList{script},
         List({"check", "--unknown"}) + QStringList{script},
-        List({"check", "--log-file", "/nowhere/x.log"}) + QStringList{script},
+        List({"exec", "--log-file", "/nowhere/x.log"}) + QStringList{script, Text("echo")},
     };
     for (const auto& words : uses) {
         SCOPED_TRACE(words.join(QLatin1Char(' ')).toStdString());
@@ -234,7 +269,7 @@ TEST_F(CommandLine, AModuleThatCannotBeUsedGivesFour) {
     for (const QString& module : {Text(STAGEHOST_BIN "/noentrypoint.kxp6"), script, Text("/nowhere.kxp6"), Text("/")}) {
         SCOPED_TRACE(module.toStdString());
         StageHostProcess other(module);
-        other.Run(List({"check"}) + QStringList{script});
+        other.Run(List({"variables"}) + QStringList{script});
         EXPECT_EQ(other.ExitCode(), 4);
         EXPECT_TRUE(other.Errors().contains(module)) << other.Errors().toStdString();
     }

@@ -97,7 +97,7 @@ TEST_F(ScriptAtTheDesk, ChecksAScriptThatThrowsAtItsTopLevel) {
     EXPECT_EQ(host.Output(), script + Text(":3: Error: at top\n"));
     GivenScript("({})");
     host.Run({Text("check"), script});
-    EXPECT_EQ(host.Output(), script + Text(": ok\n"));
+    EXPECT_TRUE(host.Output().startsWith(script + Text(": ok\n"))) << host.Output().toStdString();
     EXPECT_EQ(host.ExitCode(), 0);
 }
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+
+#include <QJsonObject>
+#include <QString>
+
+#include "MScriptDescription.h"
+#include "ScriptScan.h"
+
+/// What is wrong with a script.
+struct ScriptProblem {
+    int line = 0; ///< from 1; 0 when it is not known
+    QString text;
+};
+
+/// What a script publishes, or its problem.
+struct ScriptReport {
+    MScriptDescription info;
+    ScanResult published; ///< commands have the numbers that they get in an empty show
+    std::optional<ScriptProblem> problem;
+};
+
+/// Analyses a script as a device does that is not running: with the same globals, without a host. The script's top level runs; it
+/// may never come back.
+/// @param fileName shown as the title unless the script gives one.   [the main thread]
+ScriptReport AnalyseScript(const QString& text, const QString& fileName);
+
+/// The report as programs read it; docs/drivers.md has its form.
+QJsonObject ToJson(const ScriptReport& report);
+
+/// The report of a script that publishes something as people read it: tables, each line ended.
+QString ToText(const ScriptReport& report);

@@ -1,0 +1,103 @@
+#include <cstdio>
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+
+#include "Deadline.h"
+#include "HostText.h"
+#include "ScriptReport.h"
+
+namespace {
+
+enum ExitCode : int { kOk = 0, kScriptFailed = 1, kBadUse = 2, kNoAnswer = 3 };
+
+struct Request {
+    bool json = false;
+    int timeoutMs = 10000;
+    QString file;
+};
+
+void Write(FILE* stream, const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+/// The whole answer on standard output when it is for a program or tells of the script, on standard error otherwise.
+int Answer(const Request& request, int exitCode, const ScriptReport& report) {
+    if (request.json) {
+        Write(stdout, QString::fromUtf8(QJsonDocument(ToJson(report)).toJson()));
+    } else if (exitCode == kOk) {
+        Write(stdout, request.file + QStringLiteral(": ok\n") + ToText(report));
+    } else {
+        QString place = request.file;
+        if (report.problem->line > 0)
+            place += QLatin1Char(':') + QString::number(report.problem->line);
+        Write(exitCode == kScriptFailed ? stdout : stderr,
+              place + QStringLiteral(": ") + report.problem->text + QLatin1Char('\n'));
+    }
+    return exitCode;
+}
+
+int Fail(const Request& request, int exitCode, const QString& text) {
+    ScriptReport report;
+    report.info.title = QFileInfo(request.file).baseName();
+    report.problem = ScriptProblem{0, text};
+    return Answer(request, exitCode, report);
+}
+
+/// @return what is wrong with the words; empty when nothing is.
+QString ReadWords(QCommandLineParser& parser, Request& request) {
+    parser.setApplicationDescription(QStringLiteral("Tells what a script publishes, or what is wrong with it."));
+    parser.addHelpOption();
+    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("One JSON text on standard output."));
+    const QCommandLineOption timeout(QStringLiteral("timeout"), QStringLiteral("How long the script may take."),
+                                     QStringLiteral("MS"), QStringLiteral("10000"));
+    parser.addOptions({json, timeout});
+    parser.addPositionalArgument(QStringLiteral("FILE.js"), QStringLiteral("The script."));
+    const bool parsed = parser.parse(QCoreApplication::arguments());
+    request.json = parser.isSet(json);
+    if (!parsed)
+        return parser.errorText();
+    bool isNumber = false;
+    request.timeoutMs = parser.value(timeout).toInt(&isNumber);
+    if (!isNumber || request.timeoutMs <= 0)
+        return QStringLiteral("--timeout asks for milliseconds above 0");
+    if (parser.positionalArguments().size() != 1)
+        return QStringLiteral("the form is: calverincheck [--json] [--timeout MS] FILE.js");
+    request.file = parser.positionalArguments().constFirst();
+    return QString();
+}
+
+int Check(const Request& request) {
+    QFile file(request.file);
+    if (QFileInfo(request.file).isDir() || !file.open(QIODevice::ReadOnly))
+        return Fail(request, kBadUse, QStringLiteral("cannot be read"));
+    const QString text = FromScriptBytes(file.readAll());
+    Deadline deadline(std::chrono::milliseconds(request.timeoutMs), kNoAnswer, [&request] {
+        Fail(request, kNoAnswer, QStringLiteral("no answer within %1 ms").arg(request.timeoutMs));
+    });
+    const ScriptReport report = AnalyseScript(text, request.file);
+    if (!deadline.Meet())
+        return kNoAnswer;
+    return Answer(request, report.problem ? kScriptFailed : kOk, report);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    Request request;
+    const QString problem = ReadWords(parser, request);
+    if (parser.isSet(QStringLiteral("help"))) {
+        Write(stdout, parser.helpText());
+        return kOk;
+    }
+    if (!problem.isEmpty())
+        return Fail(request, kBadUse, problem);
+    return Check(request);
+}
