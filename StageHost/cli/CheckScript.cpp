@@ -40,9 +40,9 @@ int CheckScript(const Options& options) {
     checker.start(CheckerPath(), CheckerWords(options));
     if (!checker.waitForStarted())
         return Fail(options.json, kExitNoModule, CheckerPath() + QStringLiteral(": ") + checker.errorString());
-    const auto limit = options.timeout.count();
-    constexpr auto kLongest = static_cast<decltype(limit)>(std::numeric_limits<int>::max() - kGraceMs);
-    if (!checker.waitForFinished(static_cast<int>(std::min(limit, kLongest)) + kGraceMs)) {
+    const qint64 limit = options.timeout.count();
+    const qint64 wait = std::min<qint64>(limit + kGraceMs, std::numeric_limits<int>::max());
+    if (!checker.waitForFinished(static_cast<int>(wait))) {
         checker.kill();
         checker.waitForFinished();
         return Fail(options.json, kExitNoAnswer, QStringLiteral("no answer within %1 ms").arg(limit));
