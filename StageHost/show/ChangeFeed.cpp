@@ -18,7 +18,7 @@ ChangeFeed::~ChangeFeed() {
 
 Subscription ChangeFeed::Subscribe(Listener listener) {
     auto entry = std::make_shared<Entry>();
-    entry->listener = std::move(listener);
+    entry->listener = std::make_shared<Listener>(std::move(listener));
     const std::lock_guard<std::mutex> hold(lock_);
     entry->after = lastNumber_;
     entries_.push_back(entry);
@@ -55,9 +55,9 @@ void ChangeFeed::Serve() {
         hold.unlock();
         for (const auto& entry : entries) {
             const std::lock_guard<std::recursive_mutex> gate(entry->gate);
-            const Listener listener = entry->listener; // a listener may end its own subscription
+            const auto listener = entry->listener; // a listener may end its own subscription
             if (listener && change.number > entry->after)
-                listener(change);
+                (*listener)(change);
         }
         hold.lock();
     }

@@ -49,9 +49,9 @@ public:
 
 private:
     struct Entry {
-        std::recursive_mutex gate; ///< held while the listener runs; guards listener
-        Listener listener;         ///< empty when the subscription has ended
-        std::uint64_t after = 0;   ///< changes up to this number came before the subscription
+        std::recursive_mutex gate;          ///< held while the listener runs; guards listener
+        std::shared_ptr<Listener> listener; ///< null when the subscription has ended
+        std::uint64_t after = 0;            ///< changes up to this number came before the subscription
     };
 
     void Serve();

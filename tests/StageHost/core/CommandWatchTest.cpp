@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "CommandWatch.h"
+#include "MainWait.h"
 #include "ValueFactory.h"
 
 using namespace stagehost;
@@ -20,7 +21,7 @@ protected:
         error = MakeValue(spec);
     }
 
-    void GivenAWatch() { watch = std::make_unique<CommandWatch>(status, error); }
+    void GivenAWatch() { watch = std::make_unique<CommandWatch>(status, error, &MainWait::Wake); }
     Verdict Now() { return watch->Judge(clock); }
     void Later(std::chrono::milliseconds time) { clock += time; }
 
