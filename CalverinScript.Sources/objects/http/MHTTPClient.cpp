@@ -11,12 +11,6 @@ constexpr int kDescriptorsOfRequest = 16; ///< sockets, look-ups and the event l
 constexpr int kPercent = 100;
 constexpr const char* kAnswered = "challengeAnswered";
 
-/// The proxy that the host process has chosen; none when it has not, though the environment may name one.
-QNetworkProxy ProxyOfHost() {
-    const QNetworkProxy chosen = QNetworkProxy::applicationProxy();
-    return chosen.type() == QNetworkProxy::DefaultProxy ? QNetworkProxy(QNetworkProxy::NoProxy) : chosen;
-}
-
 QByteArray OneLine(QByteArray value) {
     return value.replace('\n', ' ').replace('\r', ' ');
 }
@@ -32,7 +26,8 @@ QByteArray HeaderListOf(const QNetworkReply& reply) {
 
 MHTTPClient::MHTTPClient(qint64 maxAnswerBytes)
     : maxBytes(maxAnswerBytes) {
-    setProxy(ProxyOfHost());
+    if (QNetworkProxyFactory::usesSystemConfiguration())
+        setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
     setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
     connect(this, &QNetworkAccessManager::finished, this, &MHTTPClient::SlotDestroyNAMReply);
 }

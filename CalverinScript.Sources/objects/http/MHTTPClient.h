@@ -19,7 +19,7 @@ inline constexpr qint64 kMaxHttpAnswerBytes = qint64(1) << 30;
 /// last, which is given up then. Who wants one answer for each request waits for it before the next.
 ///
 /// Redirects are handed to the script, not followed. There is no time-out. The proxy is the one that the host process has set
-/// for itself, whatever the computer's environment says.
+/// for itself; what the computer's environment names as proxy does not divert the traffic of a show.
 class MHTTPClient : public QNetworkAccessManager {
     Q_OBJECT
 

@@ -1,0 +1,230 @@
+#include <QDir>
+#include <QFile>
+
+#include "HttpFixture.h"
+
+// Servers that break every rule: each request ends in the event that is promised, and a client can always go.
+
+class HostileServers : public HttpFixture {
+protected:
+    Answer Get(const HostileServer& server) { return AnswerTo("client.get(" + Quoted(server.Address()) + ")"); }
+};
+
+TEST_F(HostileServers, NobodyListens) {
+    const Answer answer = AnswerTo("client.get('http://127.0.0.1:" + std::to_string(UnusedPort()) + "/')");
+    EXPECT_EQ(answer.code, 1);
+    EXPECT_EQ(answer.text, "the remote server refused the connection (the server is not accepting requests)");
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.headers, "");
+    EXPECT_EQ(answer.data, "");
+    EXPECT_EQ(answer.object, static_cast<MScriptCommonEvent*>(client.get()));
+}
+
+TEST_F(HostileServers, ResetBeforeTheAnswer) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Reset();
+    });
+    EXPECT_EQ(Get(server).code, 2);
+}
+
+TEST_F(HostileServers, ResetInTheBody) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nten bytes.");
+        peer.Reset();
+    });
+    const Answer answer = Get(server);
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_EQ(answer.status, 0);
+    EXPECT_EQ(answer.data, "");
+}
+
+TEST_F(HostileServers, HalfCloseInTheBody) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nten bytes.");
+        peer.HalfClose();
+        peer.WaitForClose();
+    });
+    EXPECT_EQ(Get(server).code, 2);
+}
+
+TEST_F(HostileServers, CloseInTheHeaders) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nContent-Le");
+    });
+    EXPECT_EQ(Get(server).code, 2);
+}
+
+TEST_F(HostileServers, OneByteAtATime) {
+    HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.SendSlowly("HTTP/1.1 200 OK\r\nX-Slow: yes\r\nContent-Length: 5\r\n\r\nhello");
+        peer.WaitForClose();
+    });
+    const Answer answer = Get(server);
+    EXPECT_EQ(answer.code, 0);
+    EXPECT_EQ(answer.status, 200);
+    EXPECT_EQ(answer.data, "hello");
+    EXPECT_EQ(answer.headers, "X-Slow:yes\r\nContent-Length:5");
+}
+
+TEST_F(HostileServers, ABodyLongerThanAnnouncedIsCut) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello and much more");
+    });
+    const Answer answer = Get(server);
+    EXPECT_EQ(answer.code, 0);
+    EXPECT_EQ(answer.data, "hello");
+}
+
+TEST_F(HostileServers, ABodyWithoutLengthEndsWithTheConnection) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.0 200 OK\r\n\r\nuntil the end");
+    });
+    const Answer answer = Get(server);
+    EXPECT_EQ(answer.code, 0);
+    EXPECT_EQ(answer.data, "until the end");
+}
+
+TEST_F(HostileServers, SomethingElseThanHttp) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("220 mail.example ESMTP ready, and no end of the matter\r\n\r\n");
+        peer.WaitForClose();
+    });
+    const Answer answer = Get(server);
+    EXPECT_EQ(answer.code, 2);
+    EXPECT_EQ(answer.status, 0);
+}
+
+TEST_F(HostileServers, BrokenChunks) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\nhello\r\n");
+    });
+    EXPECT_NE(Get(server).code, -1);
+}
+
+TEST_F(HostileServers, LineBreaksInHeaderValuesArriveAsBlanks) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nSet-Cookie: a=1\r\nSet-Cookie: b=2\r\nX-Bare: p\rq\r\nContent-Length: 0\r\n\r\n");
+    });
+    EXPECT_EQ(Get(server).headers, "Set-Cookie:a=1 b=2\r\nX-Bare:p q\r\nContent-Length:0");
+}
+
+TEST_F(HostileServers, ServerErrorsHaveTheGeneralNumber) {
+    for (const char* status : {"500", "501", "503", "599", "409", "410", "413"}) {
+        const HostileServer server([status](Peer& peer) {
+            peer.ReadRequest();
+            peer.Send(std::string("HTTP/1.1 ") + status + " No\r\nContent-Length: 4\r\n\r\nbody");
+        });
+        const Answer answer = Get(server);
+        EXPECT_EQ(answer.code, 299) << status;
+        EXPECT_EQ(answer.status, 0) << status;
+        EXPECT_EQ(answer.data, "") << status;
+    }
+}
+
+TEST_F(HostileServers, RequestsThatAServerRejectsHaveNumbersOfTheirOwn) {
+    const std::pair<const char*, int> rows[] = {{"400", 302}, {"401", 204}, {"403", 201}, {"404", 203}, {"405", 202}};
+    for (const auto& [status, code] : rows) {
+        const char* line = status;
+        const HostileServer server([line](Peer& peer) {
+            peer.ReadRequest();
+            peer.Send(std::string("HTTP/1.1 ") + line + " No\r\nContent-Length: 4\r\n\r\nbody");
+        });
+        const Answer answer = Get(server);
+        EXPECT_EQ(answer.code, code) << status;
+        EXPECT_EQ(answer.data, "") << status;
+    }
+}
+
+TEST_F(HostileServers, CredentialsThatAreRefusedAreNotOfferedForEver) {
+    std::atomic<int> requests{0};
+    const HostileServer server([&requests](Peer& peer) {
+        while (!peer.ReadRequest().empty()) {
+            ++requests;
+            if (!peer.Send("HTTP/1.1 401 No\r\nWWW-Authenticate: Basic realm=\"x\"\r\nContent-Length: 0\r\n\r\n"))
+                return;
+        }
+    });
+    const Answer answer = AnswerTo("client.get(" + Quoted(server.Address()) + ", '', '', 0, 'ada', 'wrong')");
+    EXPECT_EQ(answer.code, 204);
+    EXPECT_LE(requests, 3);
+}
+
+TEST_F(HostileServers, ASilentServerDoesNotKeepTheClient) {
+    HostileServer server([](Peer& peer) { peer.WaitForClose(); });
+    Run("client.get(" + Quoted(server.Address()) + ")");
+    ASSERT_TRUE(server.WaitForConnections(1));
+    const auto begin = std::chrono::steady_clock::now();
+    EndClient();
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+    EXPECT_TRUE(server.WaitUntilAllClosed());
+    EXPECT_EQ(keeper.AnswersLeft(), 0U);
+}
+
+TEST_F(HostileServers, ManyRequestsUnderWayDoNotKeepTheClient) {
+    HostileServer server([](Peer& peer) { peer.WaitForClose(); });
+    for (int i = 0; i < 40; ++i)
+        Run("client.get(" + Quoted(server.Address()) + ")");
+    ASSERT_TRUE(server.WaitForConnections(2));
+    EndClient();
+    EXPECT_TRUE(server.WaitUntilAllClosed());
+    EXPECT_EQ(keeper.AnswersLeft(), 0U);
+}
+
+TEST_F(HostileServers, AStreamWithoutEndDoesNotKeepTheClient) {
+    HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\n\r\n");
+        while (peer.Send(std::string(65536, 'x'))) {
+        }
+    });
+    Run("client.get(" + Quoted(server.Address()) + ")");
+    ASSERT_TRUE(server.WaitForConnections(1));
+    EndClient();
+    EXPECT_TRUE(server.WaitUntilAllClosed());
+}
+
+TEST_F(HostileServers, HeadersWithoutEndDoNotKeepTheClient) {
+    HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\n");
+        while (peer.Send("X-More: and more\r\n")) {
+        }
+    });
+    Run("client.get(" + Quoted(server.Address()) + ")");
+    ASSERT_TRUE(server.WaitForConnections(1));
+    EndClient();
+    EXPECT_TRUE(server.WaitUntilAllClosed());
+}
+
+TEST_F(HostileServers, AHundredClientsLeaveNeitherThreadsNorDescriptors) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
+    });
+    const auto count = [](const char* what) {
+        return QDir(QString::fromLatin1(what)).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size();
+    };
+    int threads = 0;
+    int descriptors = 0;
+    for (int i = 0; i < 100; ++i) {
+        HTTPClient another(&keeper);
+        another.get(QString::fromStdString(server.Address()));
+        ASSERT_EQ(keeper.NextAnswer().code, 0);
+        if (i == 10) {
+            threads = count("/proc/self/task");
+            descriptors = count("/proc/self/fd");
+        }
+    }
+    EXPECT_LE(count("/proc/self/task"), threads + 3);
+    EXPECT_LE(count("/proc/self/fd"), descriptors + 5);
+}
