@@ -1,0 +1,66 @@
+#include "BufferMemory.h"
+
+#include <limits>
+
+#include "ByteArrayClass.h"
+#include "ScriptFixture.h"
+
+namespace {
+
+class BufferMemory : public ScriptFixture {};
+
+TEST_F(BufferMemory, IsRefusedWithAnErrorThatNamesTheSize) {
+    Run("var b = new Buffer('abc')");
+    Check({{"a size", "new Buffer(2147483647)", "threw RangeError: Buffer: no memory for 2147483647 bytes"},
+           {"one byte too many", "new Buffer(1073741825)", "threw RangeError: Buffer: no memory for 1073741825 bytes"},
+           {"an index", "b[4294967294] = 1", "threw RangeError: Buffer: no memory for 4294967295 bytes"},
+           {"a smaller index", "b[2000000000] = 1", "threw RangeError: Buffer: no memory for 2000000001 bytes"},
+           {"a length", "b.length = 2147483647", "threw RangeError: Buffer: no memory for 2147483647 bytes"},
+           {"an array", "var a = []; a.length = 4294967295; new Buffer(a)",
+            "threw RangeError: Buffer: no memory for 4294967295 bytes"},
+           {"the buffer is as it was", "b.length + b.toString()", "3abc"},
+           {"a script can catch it",
+            "try { new Buffer(2147483647) } catch (e) { 'caught ' + (e instanceof RangeError) }", "caught true"}});
+}
+
+TEST_F(BufferMemory, IsRefusedForTextsThatAreTooLong) {
+    Check({{"hex", "var big = new Buffer(200000000); big.toString('hex')",
+            "threw RangeError: Buffer: no memory for 400000004 bytes"},
+           {"a stretch of it", "big.toString('hex', 0, 3)", "000000"},
+           {"joined beyond the limit", "big.concat([big, big, big, big, big, big])",
+            "threw RangeError: Buffer: no memory for 1200000000 bytes"},
+           {"joined, the first bytes alone", "big.concat([big, big, big, big, big, big], 5).length", "5"}});
+}
+
+TEST_F(BufferMemory, IsReportedSoThatTheCollectorSeesLargeBuffers) {
+    EXPECT_EQ(Run("for (var i = 0; i < 3000; ++i) { var b = new Buffer(4000000); b[3999999] = 1 } b.length"),
+              "4000000");
+    EXPECT_EQ(Run("for (i = 0; i < 3000; ++i) { b = new Buffer(1); b.length = 2000000; b[3999999] = 1 } b.length"),
+              "4000000");
+    EXPECT_EQ(Run("for (i = 0; i < 3000; ++i) b = b.left(-1).concat([b, b]).left(4000000); b.length"), "4000000");
+}
+
+TEST_F(BufferMemory, TurnsAFailedAllocationIntoTheError) {
+    const QScriptValue function = engine.newFunction([](QScriptContext* context, QScriptEngine*) {
+        return WithMemoryFor(context, 42, []() -> QScriptValue { throw std::bad_alloc(); });
+    });
+    engine.globalObject().setProperty(QStringLiteral("fail"), function);
+    EXPECT_EQ(Run("fail()"), "threw RangeError: Buffer: no memory for 42 bytes");
+}
+
+TEST_F(BufferMemory, GivesWhatTheWorkGives) {
+    const QScriptValue function = engine.newFunction([](QScriptContext* context, QScriptEngine*) {
+        return WithMemoryFor(context, kMaxBufferBytes, [] { return QScriptValue(7); });
+    });
+    engine.globalObject().setProperty(QStringLiteral("work"), function);
+    EXPECT_EQ(Run("work()"), "7");
+}
+
+TEST_F(BufferMemory, KnowsWhichTextsAreTooLong) {
+    EXPECT_TRUE(IsTextPossible(0));
+    EXPECT_TRUE(IsTextPossible(10000000));
+    EXPECT_FALSE(IsTextPossible(kMaxBufferText + 1));
+    EXPECT_FALSE(IsTextPossible(std::numeric_limits<qint64>::max()));
+}
+
+} // namespace
