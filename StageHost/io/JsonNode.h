@@ -24,6 +24,7 @@ public:
 
     bool IsMissing() const { return value_.isUndefined(); }
     bool IsObject() const { return value_.isObject(); }
+    bool IsText() const { return value_.isString(); }
 
     QString Text() const;
     QString TextOr(const QString& missing) const;

@@ -31,6 +31,8 @@ int Choose(const JsonNode& node, const char* const (&names)[Count]) {
     if (node.IsMissing())
         return 0;
     const QString text = node.Text();
+    if (!node.IsText())
+        return 0;
     QStringList all;
     for (std::size_t index = 0; index < Count; ++index) {
         if (text == QLatin1String(names[index]))
@@ -43,7 +45,7 @@ int Choose(const JsonNode& node, const char* const (&names)[Count]) {
 }
 
 void CheckKnown(const JsonNode& node, const QSet<QString>& known, const QString& name, const char* kind) {
-    if (!known.contains(name))
+    if ((node.IsText() || node.IsMissing()) && !known.contains(name))
         node.Complain(QStringLiteral("there is no %1 \"%2\"").arg(QLatin1String(kind), name));
 }
 
@@ -159,9 +161,10 @@ UserGroupSpec ObjectsReader::ReadGroup(const JsonNode& node) {
         MemberOf(node, "name").Complain(QStringLiteral("this name stands for the whole show"));
     group.conduct = ReadConduct(node);
     MemberOf(node, "members").ForEach([&](const JsonNode& member) {
-        if (!IsKnownObject(member.Text()))
-            member.Complain(QStringLiteral("there is no object ") + Quoted(member.PlainText()));
-        group.members.push_back(member.BorderText());
+        const QString name = member.Text();
+        if (member.IsText() && !IsKnownObject(name))
+            member.Complain(QStringLiteral("there is no object ") + Quoted(name));
+        group.members.push_back(member.Border(name));
     });
     MemberOf(node, "groups").ForEach([&](const JsonNode& inner) { group.groups.push_back(ReadGroup(inner)); });
     return group;
@@ -217,14 +220,19 @@ void ObjectsReader::ReadCommand(const JsonNode& node, ActionSpec& action) {
     if (action.command.empty())
         command.Complain(QStringLiteral("expected the name or the id of a command"));
     params.ExpectObjectOfAny();
-    for (const QString& name : params.MemberNames()) {
-        const JsonNode value = params.Member(name);
-        const bool variable = value.IsObject() && value.ExpectObject({"variable"});
-        const JsonNode given = variable ? MemberOf(value, "variable") : value;
-        if (variable)
-            CheckVariable(given, given.Text());
-        action.parameters.push_back({params.Border(name), given.BorderScalar(), variable});
-    }
+    for (const QString& name : params.MemberNames())
+        action.parameters.push_back(ReadParameter(params.Border(name), params.Member(name)));
+}
+
+ActionParameter ObjectsReader::ReadParameter(std::string name, const JsonNode& node) const {
+    if (!node.IsObject())
+        return {std::move(name), node.BorderScalar(), false};
+    const JsonNode variable = MemberOf(node, "variable");
+    if (node.MemberNames() != QStringList(QStringLiteral("variable")))
+        node.Complain(QStringLiteral("expected \"variable\""));
+    else
+        CheckVariable(variable, variable.Text());
+    return {std::move(name), ToBorderText(variable.PlainText()), true};
 }
 
 void ObjectsReader::ReadTaskAction(const JsonNode& node, ActionSpec& action) {

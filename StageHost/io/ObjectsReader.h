@@ -39,6 +39,7 @@ private:
     ObjectSpec ReadObject(const JsonNode& node, const QString& holder);
     ActionSpec ReadAction(const JsonNode& node);
     void ReadCommand(const JsonNode& node, ActionSpec& action);
+    ActionParameter ReadParameter(std::string name, const JsonNode& node) const;
     std::string ReadName(const JsonNode& node, const QString& holder, QSet<QString>& taken);
     bool IsKnownObject(const QString& name) const;
 

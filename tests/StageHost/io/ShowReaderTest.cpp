@@ -36,14 +36,34 @@ constexpr const char* kFullShow = R"json({
     ],
     "devices": [
         { "name": "desk", "script": "desk.js", "setup": "<setup/>" },
-        { "name": "lamp", "scriptText": "({})" }
+        { "name": "lamp", "scriptText": "({})", "requests": "neverEnd" }
     ],
+    "tasks": [
+        { "name": "overture", "lines": [
+            { "label": "top", "set": { "level": 3 } },
+            { "at": 500, "device": "lamp", "command": 2, "params": { "p": { "variable": "level" }, "q": 4 } },
+            { "at": 500, "task": "overture", "action": "stop" },
+            { "at": 900, "cue": "thunder" }
+        ] },
+        { "name": "deaf", "requests": "refused" }
+    ],
+    "cues": [ { "name": "thunder", "set": { "note": "boom", "desk.Error": "" } } ],
+    "screens": [ { "name": "panel", "pages": ["a", "b"] }, { "name": "plain" } ],
+    "groups": [ { "name": "house", "members": ["level", "desk", "desk.Status", "overture"],
+                  "groups": [ { "name": "inner", "members": ["hall.door"] } ] } ],
+    "objects": [ { "name": "hall", "properties": { "warm": true, "seats": 120 },
+                   "objects": [ { "name": "door" } ] } ],
+    "shows": [ { "name": "matinee", "cue": "thunder" } ],
     "steps": [
         { "say": "hello", "device": "desk", "command": 3,
           "params": { "a": "text", "b": 1.5, "c": true, "d": { "file": "desk.js" }, "e": { "path": "out.txt" },
                       "f": { "variable": "level" }, "g": { "variable": "desk.Status" } },
           "expect": { "result": 7 } },
-        { "device": "lamp", "command": "go", "expect": { "error": "no" } }
+        { "device": "lamp", "command": "go", "expect": { "error": "no" } },
+        { "set": { "level": 7, "note": "n" } },
+        { "say": "now", "task": "overture", "action": "pause" },
+        { "cue": "thunder" },
+        { "wait": { "variable": "level", "value": 8, "within": 50 } }
     ]
 })json";
 
@@ -92,7 +112,7 @@ TEST(ShowReader, ReadsEverythingThatAShowCanHold) {
     EXPECT_EQ(show->variables[4].items.size(), 2u);
     ASSERT_EQ(show->devices.size(), 2u);
     EXPECT_EQ(show->devices[0].setup, QStringLiteral("<setup/>"));
-    ASSERT_EQ(show->steps.size(), 2u);
+    ASSERT_EQ(show->steps.size(), 6u);
     EXPECT_EQ(show->steps[0].command, QStringLiteral("3"));
     ASSERT_EQ(show->steps[0].parameters.size(), 7u);
     EXPECT_EQ(show->steps[0].parameters[1].text, QStringLiteral("1.5"));
@@ -102,6 +122,43 @@ TEST(ShowReader, ReadsEverythingThatAShowCanHold) {
     EXPECT_EQ(show->steps[0].parameters[5].kind, ShowParameter::Kind::Variable);
     EXPECT_EQ(show->steps[0].expectedResult, QStringLiteral("7"));
     EXPECT_EQ(show->steps[1].expectedError, QStringLiteral("no"));
+}
+
+TEST(ShowReader, ReadsTheObjectsOfAShow) {
+    const QTemporaryDir folder;
+    WrittenFile(folder, "desk.js", "({})");
+    ShowReader reader;
+    const auto show = reader.ReadFile(WrittenFile(folder, "show.json", kFullShow));
+    ASSERT_TRUE(show.has_value()) << reader.Complaints().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(show->devices[0].conduct, Conduct::Normal);
+    EXPECT_EQ(show->devices[1].conduct, Conduct::NeverEnds);
+    const ShowSpec& objects = show->objects;
+    ASSERT_EQ(objects.tasks.size(), 2u);
+    EXPECT_EQ(objects.tasks[1].conduct, Conduct::Refuses);
+    const auto& lines = objects.tasks[0].lines;
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_EQ(lines[0].at, 0);
+    EXPECT_EQ(lines[0].label, "top");
+    EXPECT_EQ(lines[0].action.sets[0].second, "3");
+    EXPECT_EQ(lines[1].at, 500);
+    EXPECT_EQ(lines[1].action.command, "2");
+    EXPECT_TRUE(lines[1].action.parameters[0].isVariable);
+    EXPECT_EQ(lines[1].action.parameters[1].text, "4");
+    EXPECT_EQ(lines[2].action.taskAction, TaskAction::Stop);
+    EXPECT_EQ(lines[3].action.cue, "thunder");
+    EXPECT_EQ(objects.cues[0].action.sets.size(), 2u);
+    EXPECT_EQ(objects.screens[0].pages, (std::vector<std::string>{"a", "b"}));
+    EXPECT_EQ(objects.screens[1].pages.size(), 1u) << "a screen has a page";
+    EXPECT_EQ(objects.groups[0].members.size(), 4u);
+    EXPECT_EQ(objects.groups[0].groups[0].members[0], "hall.door");
+    EXPECT_EQ(objects.objects[0].properties[1].second, "true");
+    EXPECT_EQ(objects.objects[0].objects[0].name, "door");
+    EXPECT_EQ(objects.shows[0].action.cue, "thunder");
+    EXPECT_EQ(show->steps[2].action.sets.size(), 2u);
+    EXPECT_EQ(show->steps[3].action.taskAction, TaskAction::Pause);
+    EXPECT_EQ(show->steps[4].action.cue, "thunder");
+    EXPECT_EQ(show->steps[5].wait->value, QStringLiteral("8"));
+    EXPECT_EQ(show->steps[5].wait->within, 50);
 }
 
 TEST(ShowReader, FillsAnEmptyShowWithDefaults) {
@@ -128,6 +185,12 @@ TEST(ShowWriter, WritesWhatReadsBackAsTheSameShow) {
     ASSERT_TRUE(again.has_value()) << second.Complaints().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(WriteShow(*again), text);
     EXPECT_EQ(again->steps.size(), show->steps.size());
+    EXPECT_EQ(again->steps[5].wait->variable, show->steps[5].wait->variable);
+    EXPECT_EQ(again->devices[1].conduct, Conduct::NeverEnds);
+    EXPECT_EQ(again->objects.tasks[0].lines.size(), 4u);
+    EXPECT_EQ(again->objects.tasks[0].lines[2].action.taskAction, TaskAction::Stop);
+    EXPECT_EQ(again->objects.groups[0].groups[0].name, "inner");
+    EXPECT_EQ(again->objects.objects[0].properties, show->objects.objects[0].properties);
     EXPECT_EQ(again->steps[0].parameters[3].kind, ShowParameter::Kind::File);
     EXPECT_EQ(again->variables[0].maximum, 10);
     EXPECT_EQ(again->devices[0].setup, show->devices[0].setup);
