@@ -85,6 +85,6 @@ bool BuildDefinition(const DefinitionRequest& request, std::string& out) {
     AddCommands(*commands, request);
     NumberVariables(variables, request);
     AddVariables(*variables, request);
-    out = PrintHostXml(document);
+    out = PrintXml(document);
     return true;
 }

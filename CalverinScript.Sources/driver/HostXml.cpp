@@ -14,31 +14,6 @@ bool IsUtf8(const QByteArray& bytes) {
     return state.invalidChars == 0 && state.remainingChars == 0;
 }
 
-/// The printer lets what begins like a reference to a character pass as it is, so the "&" in front is made such a reference
-/// itself.
-std::string WithoutReferences(const std::string& text) {
-    static const std::string kReference = "&#x";
-    static const std::string kEscaped = "&#x26;#x";
-    std::string result;
-    std::size_t from = 0;
-    for (std::size_t at = text.find(kReference); at != std::string::npos; at = text.find(kReference, from)) {
-        result.append(text, from, at - from).append(kEscaped);
-        from = at + kReference.size();
-    }
-    return result.append(text, from, std::string::npos);
-}
-
-void ProtectReferences(TiXmlNode& node) {
-    if (TiXmlElement* element = node.ToElement())
-        for (TiXmlAttribute* a = element->FirstAttribute(); a != nullptr; a = a->Next())
-            a->SetValue(WithoutReferences(a->ValueStr()));
-    TiXmlText* text = node.ToText();
-    if (text != nullptr && !text->CDATA())
-        text->SetValue(WithoutReferences(text->ValueStr()));
-    for (TiXmlNode* child = node.FirstChild(); child != nullptr; child = child->NextSibling())
-        ProtectReferences(*child);
-}
-
 } // namespace
 
 bool ParseHostXml(TiXmlDocument& document, const char* text, bool* plain8Bit) {
@@ -49,11 +24,6 @@ bool ParseHostXml(TiXmlDocument& document, const char* text, bool* plain8Bit) {
     if (plain8Bit != nullptr)
         *plain8Bit = isPlain;
     return ParseXml(document, isPlain ? QString::fromLatin1(bytes).toUtf8().constData() : text);
-}
-
-std::string PrintHostXml(TiXmlDocument& document) {
-    ProtectReferences(document);
-    return PrintXml(document);
 }
 
 void SetXmlText(TiXmlElement& element, const char* attribute, const QString& text) {

@@ -16,10 +16,6 @@ class TiXmlElement;
 /// @return false as ParseXml.
 bool ParseHostXml(TiXmlDocument& document, const char* text, bool* plain8Bit = nullptr);
 
-/// Prints a document with tabs so that it parses back to the same values, also where a value looks like a reference to a
-/// character. The document's values are changed for that.
-std::string PrintHostXml(TiXmlDocument& document);
-
 /// Sets an attribute.
 void SetXmlText(TiXmlElement& element, const char* attribute, const QString& text);
 void SetXmlNumber(TiXmlElement& element, const char* attribute, std::int64_t number);

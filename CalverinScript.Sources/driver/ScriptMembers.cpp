@@ -9,7 +9,8 @@ QVector<ScriptMember> MembersOf(const QScriptValue& object) {
     QScriptValueIterator member(object);
     while (member.hasNext()) {
         member.next();
-        members.append({member.name(), member.value()});
+        if (!member.flags().testFlag(QScriptValue::SkipInEnumeration))
+            members.append({member.name(), member.value()});
     }
     return members;
 }

@@ -10,6 +10,6 @@ struct ScriptMember {
     QScriptValue value;
 };
 
-/// The object's own members in their order, as they are now, so that the object may be changed while they are walked. Nothing
-/// for a value that is no object.   [the thread of the value's engine]
+/// The object's own members in their order, as they are now, so that the object may be changed while they are walked. What the
+/// language hides from a script's own walk (the length of an array) is left out. Nothing for a value that is no object.   [the thread of the value's engine]
 QVector<ScriptMember> MembersOf(const QScriptValue& object);

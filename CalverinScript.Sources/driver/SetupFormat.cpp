@@ -6,6 +6,7 @@
 #include <tinyxml.h>
 
 #include "CommandXml.h"
+#include "GuardedXml.h"
 #include "HostText.h"
 #include "HostXml.h"
 #include "VariableXml.h"
@@ -120,7 +121,7 @@ std::string PrintSetup(const DeviceSetup& content) {
     AddList(setup, "Commands", content.commands, &MakeCommandElement);
     if (content.script)
         AddScript(setup, *content.script);
-    return PrintHostXml(document);
+    return PrintXml(document);
 }
 
 KXPCode ReadSetup(const char* text, DeviceSetup& content) {

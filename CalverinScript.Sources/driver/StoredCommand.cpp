@@ -11,6 +11,7 @@
 
 #include "CommandXml.h"
 #include "DriverTables.h"
+#include "GuardedXml.h"
 #include "HostXml.h"
 #include "ValueConversion.h"
 
@@ -199,6 +200,6 @@ std::string StoredCommand::Rewrite(const MScriptCommand& command) {
         else
             params->InsertEndChild(*param);
     }
-    const std::string text = PrintHostXml(*m_document);
+    const std::string text = PrintXml(*m_document);
     return m_plain8Bit ? QString::fromStdString(text).toLatin1().toStdString() : text;
 }
