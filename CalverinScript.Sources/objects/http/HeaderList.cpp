@@ -23,7 +23,7 @@ HeaderLine SplitLine(const QStringRef& line) {
 }
 
 HeaderLine LineAt(const QString& list, int index) {
-    return SplitLine(list.splitRef(LineEnd()).value(index - 1));
+    return index < 1 ? HeaderLine() : SplitLine(list.splitRef(LineEnd()).value(index - 1));
 }
 
 } // namespace

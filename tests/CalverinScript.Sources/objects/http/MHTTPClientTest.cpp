@@ -1,0 +1,238 @@
+#include "MHTTPClient.h"
+
+#include <functional>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <QEventLoop>
+#include <QNetworkProxy>
+#include <QTimer>
+#include <sys/resource.h>
+
+#include "HostileServer.h"
+#include "HttpDeadline.h"
+
+// The worker on the test's own thread: what it does with more than one request, and with answers that never end.
+
+namespace {
+
+struct Response {
+    QByteArray data;
+    QByteArray headers;
+    int status;
+    int error;
+};
+
+class Worker : public testing::Test {
+protected:
+    explicit Worker(qint64 maxBytes = kMaxHttpAnswerBytes)
+        : worker(maxBytes) {
+        QObject::connect(&worker, &MHTTPClient::SignalResponseReceived,
+                         [this](const QByteArray& data, const QByteArray& headers, int status, int error) {
+                             responses.push_back({data, headers, status, error});
+                         });
+        QObject::connect(&worker, &MHTTPClient::SignalDownloadProgressReceived,
+                         [this](int percent) { percents.push_back(percent); });
+        QObject::connect(&worker, &MHTTPClient::SignalUploadProgressReceived,
+                         [this](int percent) { percents.push_back(percent); });
+    }
+
+    static QNetworkRequest To(const HostileServer& server, const char* path = "/") {
+        return QNetworkRequest(QUrl(QString::fromStdString(server.Address(path))));
+    }
+    /// Runs the event loop until the condition holds. @return false past the deadline.
+    static bool Until(const std::function<bool()>& condition) {
+        QEventLoop loop;
+        QTimer deadline;
+        QTimer look;
+        QObject::connect(&deadline, &QTimer::timeout, &loop, [&] { loop.exit(1); });
+        QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+            if (condition())
+                loop.exit(0);
+        });
+        deadline.start(kHttpDeadline);
+        look.start(1);
+        return loop.exec() == 0;
+    }
+    bool UntilResponses(std::size_t count) {
+        return Until([&] { return responses.size() >= count; });
+    }
+    int Replies() const { return worker.findChildren<QNetworkReply*>().size(); }
+
+    MHTTPClient worker;
+    std::vector<Response> responses;
+    std::vector<int> percents;
+};
+
+class WorkerWithALimit : public Worker {
+protected:
+    WorkerWithALimit()
+        : Worker(1000) {}
+};
+
+std::string Ok(const std::string& body) {
+    return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+}
+
+/// Answers /quick at once and nothing else ever.
+void AnswerQuickOnes(Peer& peer) {
+    const std::string request = peer.ReadRequest();
+    if (request.find("GET /quick ") == 0)
+        peer.Send(Ok("quick"));
+    peer.WaitForClose();
+}
+
+} // namespace
+
+TEST_F(Worker, TheEndOfAnEarlierRequestReportsTheLastOneAsItIsMeant) {
+    const HostileServer server(&AnswerQuickOnes);
+    worker.SlotGet(To(server, "/quick"));
+    worker.SlotGet(To(server, "/silent"));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].error, 0);
+    EXPECT_EQ(responses[0].status, 0);
+    EXPECT_EQ(responses[0].data, "");
+    EXPECT_TRUE(Until([&] { return Replies() == 0; })) << "neither request stays behind";
+    EXPECT_EQ(responses.size(), 1U);
+}
+
+TEST_F(Worker, AnEarlierRequestIsNotCancelledByALaterOne) {
+    HostileServer server(&AnswerQuickOnes);
+    worker.SlotGet(To(server, "/silent"));
+    worker.SlotGet(To(server, "/quick"));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].data, "quick");
+    EXPECT_EQ(Replies(), 1);
+}
+
+TEST_F(Worker, TheErrorOfAnEarlierRequestGivesUpTheLastOne) {
+    const HostileServer silent(&AnswerQuickOnes);
+    worker.SlotGet(QNetworkRequest(QUrl(QStringLiteral("http://127.0.0.1:%1/").arg(UnusedPort()))));
+    worker.SlotGet(To(silent));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].error, 1);
+    EXPECT_TRUE(Until([&] { return Replies() == 0; }));
+}
+
+TEST_F(Worker, ACancelledRequestEndsUnheard) {
+    const HostileServer server([](Peer& peer) {
+        for (std::string request = peer.ReadRequest(); !request.empty(); request = peer.ReadRequest())
+            peer.Send(Ok(request.substr(0, request.find(" HTTP"))));
+    });
+    worker.SlotGet(To(server, "/unheard"));
+    worker.SlotCancelPreviousRequest();
+    EXPECT_EQ(Replies(), 1) << "it goes on";
+    EXPECT_TRUE(Until([&] { return Replies() == 0; })) << "and is gone when it has ended";
+    worker.SlotGet(To(server, "/heard"));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses.size(), 1U);
+    EXPECT_EQ(responses[0].data, "GET /heard");
+}
+
+TEST_F(Worker, CancellingWithoutRequestDoesNothing) {
+    worker.SlotCancelPreviousRequest();
+    EXPECT_TRUE(responses.empty());
+}
+
+TEST_F(Worker, ATimeOutAnswersFourAndGivesUpTheRequest) {
+    const HostileServer server(&AnswerQuickOnes);
+    worker.SlotGet(To(server));
+    ASSERT_TRUE(QMetaObject::invokeMethod(&worker, "SlotTimeOut"));
+    ASSERT_EQ(responses.size(), 1U);
+    EXPECT_EQ(responses[0].data, "TimeOut");
+    EXPECT_EQ(responses[0].headers, "");
+    EXPECT_EQ(responses[0].status, 0);
+    EXPECT_EQ(responses[0].error, 4);
+    EXPECT_TRUE(Until([&] { return Replies() == 0; }));
+}
+
+TEST_F(Worker, ProgressWithoutTotalIsNotTold) {
+    worker.SlotDownloadProgress(0, 0);
+    worker.SlotDownloadProgress(10, -1);
+    worker.SlotDownloadProgress(10, 0);
+    worker.SlotUploadProgress(0, 0);
+    worker.SlotUploadProgress(10, -1);
+    EXPECT_TRUE(percents.empty());
+}
+
+TEST_F(Worker, ProgressOfVeryMuchIsCountedInFull) {
+    worker.SlotDownloadProgress(0, 7);
+    worker.SlotDownloadProgress(2, 3);
+    worker.SlotUploadProgress(5000000000LL, 10000000000LL);
+    EXPECT_EQ(percents, (std::vector<int>{0, 66, 50}));
+}
+
+TEST_F(WorkerWithALimit, AnAnswerWithoutEndIsBrokenOff) {
+    HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\n\r\n");
+        while (peer.Send(std::string(500, 'x'))) {
+        }
+    });
+    worker.SlotGet(To(server));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].error, 299);
+    EXPECT_EQ(responses[0].data, "");
+    EXPECT_TRUE(Until([&] { return Replies() == 0; }));
+    EXPECT_TRUE(server.WaitUntilAllClosed());
+    EXPECT_EQ(responses.size(), 1U);
+}
+
+TEST_F(WorkerWithALimit, AnAnswerAtTheLimitIsWhole) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send(Ok(std::string(1000, 'x')));
+    });
+    worker.SlotGet(To(server));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].error, 0);
+    EXPECT_EQ(responses[0].data.size(), 1000);
+}
+
+TEST_F(Worker, WithoutFreeDescriptorsARequestFailsAndTheProcessLives) {
+    const HostileServer server(&AnswerQuickOnes);
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    rlimit few = before;
+    few.rlim_cur = 4;
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    worker.SlotGet(To(server, "/quick"));
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    ASSERT_EQ(responses.size(), 1U);
+    EXPECT_EQ(responses[0].error, 99);
+}
+
+TEST_F(Worker, AProxyThatRefusesIsNotAskedForEver) {
+    std::atomic<int> requests{0};
+    const HostileServer proxy([&requests](Peer& peer) {
+        while (!peer.ReadRequest().empty()) {
+            ++requests;
+            if (!peer.Send("HTTP/1.1 407 No\r\nProxy-Authenticate: Basic realm=\"x\"\r\nContent-Length: 0\r\n\r\n"))
+                return;
+        }
+    });
+    worker.setProxy(QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.Port()));
+    worker.SlotSetAuthentication(QStringLiteral("ada"), QStringLiteral("wrong"));
+    worker.SlotGet(QNetworkRequest(QUrl(QStringLiteral("http://127.0.0.1:1/"))));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].error, 105);
+    EXPECT_LE(requests, 3);
+}
+
+TEST_F(Worker, AProxyThatAcceptsTheCredentialsIsUsed) {
+    const HostileServer proxy([](Peer& peer) {
+        for (;;) {
+            const std::string request = peer.ReadRequest();
+            if (request.empty())
+                return;
+            const bool known = request.find("Proxy-Authorization: Basic YWRhOmVuZ2luZQ==") != std::string::npos;
+            peer.Send(known ? Ok("through")
+                            : "HTTP/1.1 407 No\r\nProxy-Authenticate: Basic realm=\"x\"\r\nContent-Length: 0\r\n\r\n");
+        }
+    });
+    worker.setProxy(QNetworkProxy(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), proxy.Port()));
+    worker.SlotSetAuthentication(QStringLiteral("ada"), QStringLiteral("engine"));
+    worker.SlotGet(QNetworkRequest(QUrl(QStringLiteral("http://127.0.0.1:1/"))));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].data, "through");
+}
