@@ -3,10 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <QScriptEngine>
+#include <QScriptValueIterator>
 #include <QVariant>
 
+#include "BufferConversion.h"
 #include "EventRecords.h"
+#include "EventSource.h"
 #include "MScriptParamList.h"
+#include "ScriptClasses.h"
 
 namespace {
 
@@ -57,6 +61,68 @@ TEST_F(EventArgumentList, MakesAnObjectOfASocketError) {
     ASSERT_EQ(arguments.size(), 1);
     EXPECT_EQ(arguments[0].property(QStringLiteral("errorCode")).toInt32(), -4);
     EXPECT_EQ(arguments[0].property(QStringLiteral("errorText")).toString(), QStringLiteral("refused"));
+}
+
+TEST_F(EventArgumentList, MakesABufferOfBytes) {
+    InstallScriptClasses(engine);
+    params.Add(QByteArray("a\0b", 3));
+    const QScriptValueList arguments = Arguments();
+    ASSERT_EQ(arguments.size(), 1);
+    EXPECT_TRUE(IsBuffer(arguments[0]));
+    EXPECT_EQ(BytesFromBuffer(arguments[0]), QByteArray("a\0b", 3));
+}
+
+TEST_F(EventArgumentList, MakesAPlainVariantOfBytesWhenTheScriptReplacedTheGlobal) {
+    InstallScriptClasses(engine);
+    engine.evaluate(QStringLiteral("Buffer = null"));
+    params.Add(QByteArray("abc"));
+    const QScriptValueList arguments = Arguments();
+    ASSERT_EQ(arguments.size(), 1);
+    EXPECT_TRUE(arguments[0].isVariant());
+}
+
+TEST_F(EventArgumentList, MakesAnObjectOfAResponseWithABuffer) {
+    InstallScriptClasses(engine);
+    params.Add(QVariant::fromValue(HTTPResponse("body", 200, QStringLiteral("A: b"))));
+    params.Add(QVariant::fromValue(SocketErrorInfo(0, QString())));
+    const QScriptValueList arguments = Arguments();
+    ASSERT_EQ(arguments.size(), 2);
+    EXPECT_EQ(BytesFromBuffer(arguments[0].property(QStringLiteral("data"))), QByteArray("body"));
+    EXPECT_TRUE(arguments[0].property(QStringLiteral("statusCode")).isNumber());
+    EXPECT_EQ(arguments[0].property(QStringLiteral("statusCode")).toInt32(), 200);
+    EXPECT_EQ(arguments[0].property(QStringLiteral("headers")).toString(), QStringLiteral("A: b"));
+}
+
+std::string NamesOf(const QScriptValue& object) {
+    std::string names;
+    QScriptValueIterator member(object);
+    while (member.hasNext()) {
+        member.next();
+        names += member.name().toStdString() + " ";
+    }
+    return names;
+}
+
+TEST_F(EventArgumentList, SetsTheMembersOfRecordsInTheirOrder) {
+    params.Add(QVariant::fromValue(IPInfo()));
+    params.Add(QVariant::fromValue(SocketErrorInfo()));
+    params.Add(QVariant::fromValue(HTTPResponse()));
+    const QScriptValueList arguments = Arguments();
+    ASSERT_EQ(arguments.size(), 3);
+    EXPECT_EQ(NamesOf(arguments[0]), "port address ");
+    EXPECT_EQ(NamesOf(arguments[1]), "errorCode errorText ");
+    EXPECT_EQ(NamesOf(arguments[2]), "data statusCode headers ");
+}
+
+TEST_F(EventArgumentList, ShowsTheObjectThatRaisedTheEventWithoutOwningIt) {
+    EventSource source(nullptr, ScriptObjectType::Udp);
+    params.Add(QVariant::fromValue(static_cast<MScriptCommonEvent*>(&source)));
+    const QScriptValueList arguments = Arguments();
+    ASSERT_EQ(arguments.size(), 1);
+    EXPECT_EQ(arguments[0].toQObject(), &source);
+    EXPECT_TRUE(arguments[0].strictlyEquals(Arguments().first())) << "the same view each time";
+    EXPECT_FALSE(arguments[0].property(QStringLiteral("deleteLater")).isValid());
+    EXPECT_TRUE(arguments[0].property(QStringLiteral("on")).isFunction());
 }
 
 TEST_F(EventArgumentList, LeavesOutValuesOfOtherKindsSoThatLaterOnesMoveUp) {
