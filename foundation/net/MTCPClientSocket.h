@@ -131,6 +131,7 @@ private:
     ConnectionPtr StandingConnection() const;
 
     std::int32_t StartAll();
+    std::int32_t StartUnlessConnecting();
     void Reconnect();
     bool OpenWake();
     std::int32_t RunConnect(bool notify);

@@ -34,16 +34,18 @@ std::int32_t MTCPClientSocket::Connect() {
 }
 
 std::int32_t MTCPClientSocket::ConnectAsync() {
-    const std::unique_lock<MLock> lock(m_connectLock, std::try_to_lock);
-    if (!lock)
-        return NetConnecting;
-    const std::int32_t started = StartAll();
+    const std::int32_t started = StartUnlessConnecting();
     if (started != NetSuccess)
         return started;
-    m_connectPending = true;
+    m_connectPending = true; // the lock is free again: the thread's own try at it must not meet us
     m_connectionWanted = true;
     m_wake.Set();
     return NetSuccess;
+}
+
+std::int32_t MTCPClientSocket::StartUnlessConnecting() {
+    const std::unique_lock<MLock> lock(m_connectLock, std::try_to_lock);
+    return lock ? StartAll() : NetConnecting;
 }
 
 void MTCPClientSocket::Disconnect() {

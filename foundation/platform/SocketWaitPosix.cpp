@@ -65,6 +65,8 @@ SocketReadiness WaitForSocket(const SystemSocket* socket, bool forWriting, Socke
     std::array<pollfd, 2> entries = {Entry(wake.GetHandle(), POLLIN),
                                      Entry(socket ? socket->GetHandle() : kNoSocket, events)};
     SocketReadiness readiness;
+    if (socket && !socket->IsOpen())
+        return {false, false, false, true};
     readiness.failed = Poll(entries.data(), entries.size(), timeoutMs) < 0 || (entries[1].revents & POLLNVAL) != 0;
     readiness.woken = entries[0].revents != 0;
     readiness.writable = (entries[1].revents & POLLOUT) != 0;
@@ -76,5 +78,5 @@ SocketReadiness WaitForSocket(const SystemSocket* socket, bool forWriting, Socke
 
 bool WaitUntilWritable(const SystemSocket& socket) {
     pollfd entry = Entry(socket.GetHandle(), POLLOUT);
-    return Poll(&entry, 1, kInfinite) > 0 && (entry.revents & POLLNVAL) == 0;
+    return socket.IsOpen() && Poll(&entry, 1, kInfinite) > 0 && (entry.revents & POLLNVAL) == 0;
 }

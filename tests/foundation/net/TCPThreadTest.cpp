@@ -1,0 +1,259 @@
+#include "TCPFixture.h"
+
+#include <chrono>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+class TCPThread : public TCPFixture {};
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+} // namespace
+
+TEST_F(TCPThread, DeliversOneByteAtATimeInOrder) {
+    const Peer peer = GivenConnection();
+    const std::string text = "one byte at a time";
+    for (const char byte : text)
+        peer.Send(std::string(1, byte));
+    ASSERT_TRUE(recorder.WaitForData(text.size()));
+    EXPECT_EQ(recorder.Data(), text);
+}
+
+TEST_F(TCPThread, DeliversAFloodWhole) {
+    std::string text(20000000, ' ');
+    for (std::size_t i = 0; i < text.size(); ++i)
+        text[i] = static_cast<char>(i * 31 + i / 4096);
+    const Peer peer = GivenConnection();
+    EXPECT_TRUE(peer.Send(text));
+    ASSERT_TRUE(recorder.WaitForData(text.size()));
+    EXPECT_TRUE(recorder.Data() == text);
+}
+
+TEST_F(TCPThread, LargeBurstsComeInLargeBlocks) {
+    std::atomic<std::size_t> largest{0};
+    MEvent go;
+    recorder.onData = [&](MTCPClientSocket*, const std::string& block) {
+        go.Wait(kDeadlineMs); // meanwhile more arrives
+        largest = std::max<std::size_t>(largest, block.size());
+    };
+    const Peer peer = GivenConnection();
+    peer.Send("x");
+    ASSERT_TRUE(recorder.WaitForData(1));
+    EXPECT_TRUE(peer.Send(std::string(100000, 'y')));
+    go.Set();
+    ASSERT_TRUE(recorder.WaitForData(100001));
+    EXPECT_GT(largest, 4096U);
+}
+
+TEST_F(TCPThread, ThePeersCloseDeliversWhatCameBeforeAndThenTellsClose) {
+    Peer peer = GivenConnection();
+    peer.Send("goodbye");
+    peer.Close();
+    ASSERT_TRUE(recorder.WaitFor("close"));
+    EXPECT_EQ(recorder.Data(), "goodbye");
+    EXPECT_EQ(recorder.All(), (Words{"connect", "close"}));
+    EXPECT_FALSE(client->IsConnected());
+    EXPECT_TRUE(client->IsStarted()) << "the thread goes on";
+}
+
+TEST_F(TCPThread, ThePeersHalfCloseIsAClose) {
+    const Peer peer = GivenConnection();
+    peer.ShutDownSending();
+    EXPECT_TRUE(recorder.WaitFor("close"));
+    EXPECT_TRUE(peer.SeesTheEnd());
+}
+
+TEST_F(TCPThread, AResetTellsErrorMinus29AndThenClose) {
+    Peer peer = GivenConnection();
+    peer.Reset();
+    ASSERT_TRUE(recorder.WaitFor("close"));
+    EXPECT_EQ(recorder.All(), (Words{"connect", "error -29", "close"}));
+}
+
+TEST_F(TCPThread, WhileCloseIsToldItIsNotConnected) {
+    std::atomic<bool> connected{true};
+    recorder.onClose = [&](MTCPClientSocket* socket) { connected = socket->IsConnected(); };
+    Peer peer = GivenConnection();
+    peer.Close();
+    ASSERT_TRUE(recorder.WaitFor("close"));
+    EXPECT_FALSE(connected);
+}
+
+TEST_F(TCPThread, AfterAConnectItIsNotTriedAgainByItself) {
+    Peer peer = GivenConnection();
+    peer.Close();
+    ASSERT_TRUE(recorder.WaitFor("close"));
+    EXPECT_EQ(recorder.queries, 1);
+    client->Disconnect();
+    EXPECT_EQ(recorder.queries, 1);
+}
+
+TEST_F(TCPThread, StopOnCloseEndsTheThread) {
+    client->SetStopOnClose(true);
+    Peer peer = GivenConnection();
+    peer.Close();
+    EXPECT_TRUE(ThreadIsGone());
+    EXPECT_EQ(recorder.All(), (Words{"connect", "close"}));
+    EXPECT_EQ(client->Send("x", 1), -7);
+    const Peer next = GivenConnection();
+    EXPECT_TRUE(recorder.WaitFor("connect", 2)) << "it can be used again";
+}
+
+TEST_F(TCPThread, DisconnectTellsNobodyAndIsPrompt) {
+    const Peer peer = GivenConnection();
+    const auto start = steady_clock::now();
+    client->Disconnect();
+    EXPECT_LT(steady_clock::now() - start, milliseconds(2000));
+    EXPECT_FALSE(client->IsStarted());
+    EXPECT_EQ(recorder.All(), Words{"connect"});
+    EXPECT_TRUE(peer.SeesTheEnd());
+}
+
+TEST_F(TCPThread, DisconnectIsHarmlessInEveryState) {
+    client->Disconnect();
+    client->Disconnect();
+    GivenPort(ClosedPort());
+    EXPECT_EQ(client->Connect(), -5);
+    client->Disconnect();
+    Peer peer = GivenConnection();
+    peer.Close();
+    ASSERT_TRUE(recorder.WaitFor("close"));
+    client->Disconnect();
+    EXPECT_EQ(recorder.All(), (Words{"connect", "close"}));
+}
+
+TEST_F(TCPThread, TheDestructorTellsClose) {
+    const Peer peer = GivenConnection();
+    client.reset();
+    EXPECT_EQ(recorder.All(), (Words{"connect", "close"}));
+}
+
+TEST_F(TCPThread, DisconnectFromAHandlerEndsTheThread) {
+    recorder.onData = [](MTCPClientSocket* socket, const std::string&) { socket->Disconnect(); };
+    const Peer peer = GivenConnection();
+    peer.Send("enough");
+    EXPECT_TRUE(peer.SeesTheEnd());
+    EXPECT_TRUE(ThreadIsGone());
+    EXPECT_EQ(recorder.All(), Words{"connect"});
+}
+
+TEST_F(TCPThread, AHandlerMayRemoveItself) {
+    recorder.onData = [this](MTCPClientSocket* socket, const std::string&) { socket->RemoveHandler(&recorder); };
+    Peer peer = GivenConnection();
+    peer.Send("x");
+    ASSERT_TRUE(recorder.WaitForData(1));
+    peer.Close();
+    EXPECT_TRUE(Eventually([this] { return !client->IsConnected(); }));
+    EXPECT_EQ(recorder.All(), Words{"connect"});
+}
+
+TEST_F(TCPThread, RemoveHandlerWaitsForTheCallThatRuns) {
+    MEvent entered;
+    MEvent go;
+    std::atomic<bool> left{false};
+    recorder.onData = [&](MTCPClientSocket*, const std::string&) {
+        entered.Set();
+        go.Wait(kDeadlineMs);
+        left = true;
+    };
+    const Peer peer = GivenConnection();
+    peer.Send("x");
+    ASSERT_TRUE(entered.Wait(kDeadlineMs));
+    std::thread opener([&] { go.Set(); });
+    client->RemoveHandler(&recorder);
+    EXPECT_TRUE(left);
+    opener.join();
+}
+
+TEST_F(TCPThread, RequestStopEndsTheThreadAtOnceAndLeavesTheConnection) {
+    const Peer peer = GivenConnection();
+    client->RequestStop();
+    EXPECT_TRUE(client->Wait(kDeadlineMs));
+    EXPECT_TRUE(client->IsConnected());
+    EXPECT_EQ(client->Send("still here", 10), 0);
+    EXPECT_EQ(peer.Receive(10), "still here");
+    peer.Send("later");
+    EXPECT_TRUE(client->StartThread());
+    EXPECT_TRUE(recorder.WaitForData(5));
+}
+
+TEST_F(TCPThread, AStopWithAFloodComingInIsPrompt) {
+    const Peer peer = GivenConnection();
+    std::thread flood([&] {
+        while (peer.Send(std::string(65536, 'f'))) {
+        }
+    });
+    ASSERT_TRUE(recorder.WaitForData(1000000));
+    client->Disconnect();
+    EXPECT_FALSE(client->IsStarted());
+    flood.join();
+}
+
+TEST_F(TCPThread, AutoReconnectComesBackAfterALoss) {
+    client->SetAutoReconnect(true);
+    Peer peer = GivenConnection();
+    const auto start = steady_clock::now();
+    peer.Close();
+    EXPECT_TRUE(recorder.WaitFor("connect", 2));
+    EXPECT_LT(steady_clock::now() - start, milliseconds(kDeadlineMs));
+    EXPECT_EQ(recorder.All(), (Words{"connect", "close", "connect"}));
+}
+
+TEST_F(TCPThread, AutoReconnectTriesARefusingPeerEvery2000Milliseconds) {
+    client->SetAutoReconnect(true);
+    GivenPort(ClosedPort());
+    EXPECT_EQ(client->ConnectAsync(), 0);
+    ASSERT_TRUE(recorder.WaitFor("error -5", 1));
+    const auto first = steady_clock::now();
+    ASSERT_TRUE(recorder.WaitFor("error -5", 3));
+    const auto passed = steady_clock::now() - first;
+    EXPECT_GE(passed, milliseconds(3900));
+    EXPECT_LT(passed, milliseconds(8000));
+}
+
+TEST_F(TCPThread, AutoReconnectWithoutAConnectDoesNothing) {
+    client->SetAutoReconnect(true);
+    GivenPort(listener.GetPort());
+    client->MWSAData::Start();
+    EXPECT_TRUE(client->StartThread());
+    EXPECT_TRUE(Eventually([this] { return client->IsStarted(); }));
+    client->Disconnect();
+    EXPECT_EQ(recorder.queries, 0);
+}
+
+TEST_F(TCPThread, AConnectSoonAfterTheLastWaitsAndIsNotDropped) {
+    Peer peer = GivenConnection();
+    const auto first = steady_clock::now();
+    peer.Close();
+    ASSERT_TRUE(recorder.WaitFor("close"));
+    EXPECT_EQ(client->ConnectAsync(), 0);
+    ASSERT_TRUE(recorder.WaitFor("connect", 2));
+    EXPECT_GE(steady_clock::now() - first, milliseconds(1500));
+}
+
+TEST_F(TCPThread, DisconnectEndsTheWaitForTheNextAttempt) {
+    client->SetAutoReconnect(true);
+    GivenPort(ClosedPort());
+    EXPECT_EQ(client->ConnectAsync(), 0);
+    ASSERT_TRUE(recorder.WaitFor("error -5"));
+    const auto start = steady_clock::now();
+    client->Disconnect();
+    EXPECT_LT(steady_clock::now() - start, milliseconds(1000));
+}
+
+// Another file in the socket's place: the system refuses what is asked of it.
+TEST_F(TCPThread, ASocketThatCannotBeReadTellsMinus15WithoutSpinning) {
+    const Peer peer = GivenConnection();
+    const int own = ClientDescriptor(peer);
+    const Peer other(dup(own));
+    const Peer zero(open("/dev/zero", O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(dup2(zero.GetDescriptor(), own), own);
+    peer.Send("wake");
+    ASSERT_TRUE(recorder.WaitFor("error -15", 2));
+    const auto start = steady_clock::now();
+    ASSERT_TRUE(recorder.WaitFor("error -15", 4));
+    EXPECT_GE(steady_clock::now() - start, milliseconds(90));
+    client->Disconnect();
+}
