@@ -24,11 +24,11 @@ QString InputLines::TakeLine() {
     return line;
 }
 
+// One byte for each call: a file asked for more waits until it has all of it, while what the user typed waits for its end.
 void InputLines::Read() {
-    char bytes[4096];
-    const qint64 count = input_.read(bytes, sizeof(bytes));
-    if (count > 0) {
-        rest_.append(bytes, static_cast<int>(count));
+    char byte = 0;
+    if (input_.read(&byte, 1) > 0) {
+        rest_.append(byte);
     } else {
         ended_ = true;
         notifier_->setEnabled(false);
