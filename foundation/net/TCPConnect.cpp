@@ -55,10 +55,15 @@ void MTCPClientSocket::Disconnect() {
     m_lastAttemptMs = 0;
 }
 
+// The close ends a connect that holds the lock, and its handlers' calls end: there is nothing long to wait for. The socket's own
+// thread may come from a handler and only tries.
 void MTCPClientSocket::Reconnect() {
     if (!IsConnected())
         return;
     CloseSocket(true);
+    std::unique_lock<MLock> lock(m_connectLock, std::defer_lock);
+    if (!OnOwnThread())
+        lock.lock();
     RunConnect(true);
 }
 

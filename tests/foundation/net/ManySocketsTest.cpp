@@ -43,7 +43,7 @@ TEST(ManySockets, TwoHundredClientsConnectTalkAndLeaveNothing) {
         clients.clear();
     }
     EXPECT_EQ(CountDescriptors(), descriptors);
-    EXPECT_TRUE(Eventually([=] { return CountThreads() == threads; }));
+    EXPECT_TRUE(Eventually([=] { return CountThreads() <= threads; }));
 }
 
 TEST(ManySockets, TwoHundredDatagramSocketsReceiveAndLeaveNothing) {
@@ -65,7 +65,7 @@ TEST(ManySockets, TwoHundredDatagramSocketsReceiveAndLeaveNothing) {
         sockets.clear();
     }
     EXPECT_EQ(CountDescriptors(), descriptors);
-    EXPECT_TRUE(Eventually([=] { return CountThreads() == threads; }));
+    EXPECT_TRUE(Eventually([=] { return CountThreads() <= threads; }));
 }
 
 TEST(ManySockets, WaitingCostsNothing) {
