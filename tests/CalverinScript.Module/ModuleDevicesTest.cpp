@@ -137,6 +137,29 @@ TEST_F(ModuleDevices, KnowTheBuiltInCommandsAndNoOtherWithoutAScript) {
     device->Release();
 }
 
+TEST_F(ModuleDevices, TellWhetherAStoredCommandIsGoneChangedOrValid) {
+    class Stored : public plain::Params {
+    public:
+        IObjectParam* GetParam(std::uint32_t) override { return &result; }
+        std::uint32_t GetParamCount() override { return count; }
+        plain::Value result{"Result"};
+        std::uint32_t count = 0;
+    } params;
+    IKXPDevice* device = MakeDevice();
+    ASSERT_EQ(
+        device->SetSetup("<DeviceData Version='1' Name='D'><Setup><Commands><Command Name='f' ID='4' Status='Active'>"
+                         "<ObjectParams><ObjectParam><StringData Name='Result'/></ObjectParam></ObjectParams>"
+                         "</Command></Commands></Setup></DeviceData>"),
+        KXP_OK);
+    params.SetProperty("KXPProp::ScriptUserCommandName", "gone", 0, 0);
+    EXPECT_EQ(module->CheckCommand(nullptr, device, 4, &params), KXP_COMMANDS_CHANGED);
+    params.SetProperty("KXPProp::ScriptUserCommandName", "f", 0, 0);
+    EXPECT_EQ(module->CheckCommand(nullptr, device, 4, &params), KXP_NULL_ARGUMENT);
+    params.count = 1;
+    EXPECT_EQ(module->CheckCommand(nullptr, device, 4, &params), KXP_OK);
+    device->Release();
+}
+
 TEST_F(ModuleDevices, ThatAreForeignOrNullLeaveACommandAlone) {
     ForeignDevice foreign;
     plain::Params params;
