@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "ScriptReport.h"
+
+namespace {
+
+QString Text(const char* text) {
+    return QString::fromUtf8(text);
+}
+
+QString Page() {
+    QFile file(Text(DOCS "/drivers.md"));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return QString::fromUtf8(file.readAll());
+}
+
+/// The first block of the page behind a text.
+QString Block(const QString& page, const QString& behind, const QString& fence) {
+    const int from = page.indexOf(fence + QLatin1Char('\n'), page.indexOf(behind)) + fence.size() + 1;
+    return page.mid(from, page.indexOf(Text("```"), from) - from);
+}
+
+std::string Json(const QJsonObject& object) {
+    return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
+}
+
+TEST(ScriptReport, OfTheDriverInTheManualIsWhatTheManualShows) {
+    const QString page = Page();
+    const ScriptReport report = AnalyseScript(Block(page, Text("A complete driver"), Text("```js")), Text("dimmer.js"));
+    ASSERT_FALSE(report.problem) << report.problem->text.toStdString();
+    EXPECT_EQ((Text("dimmer.js: ok\n") + ToText(report)).toStdString(),
+              Block(page, Text("tells what that publishes"), Text("```")).toStdString());
+}
+
+TEST(ScriptReport, HasTheStatedJson) {
+    const ScriptReport report =
+        AnalyseScript(Text("({ Info: { Title: 'T', Author: 'A', Version: 2, Description: 'D',"
+                           "     Options: { RemoveDefaultCommandsAndVariables: false },"
+                           "     Commands: { f: { Name: 'F', Params: { a: { Type: 'Enum', Items: ['x'] } } } },"
+                           "     Variables: { v: { MinValue: 1 } }, Setup: { s: { Widget: 'Serial' } } },"
+                           "   Device: { v: 5 }, Setup: { s: '' }, f: function(a) {} })"),
+                      Text("/x/lamp.js"));
+    EXPECT_EQ(
+        Json(ToJson(report)),
+        R"({"commands":[{"function":"f","id":4,"name":"F","params":[)"
+        R"({"direction":"out","items":[],"name":"Result","properties":{},"type":"StringData"},)"
+        R"({"direction":"in","items":["x"],"name":"a","properties":{},"type":"EnumData"}],"properties":{"Name":"F"}}],)"
+        R"("error":null,"info":{"author":"A","description":"D","title":"T","version":"2"},"removeDefaults":false,)"
+        R"("settings":[{"items":[],"name":"s","properties":{"Widget":"Serial"},"type":"StringData","value":"",)"
+        R"("widget":14}],)"
+        R"("variables":[{"items":[],"name":"v","properties":{"MinValue":"1"},"type":"IntegerData","value":"5"}]})");
+}
+
+TEST(ScriptReport, OfAMistakeHasItsLineAndNothingElse) {
+    for (const char* script : {"\nthrow new Error('top');", "\nvar = ;"}) {
+        const ScriptReport report = AnalyseScript(Text(script), Text("a.js"));
+        ASSERT_TRUE(report.problem.has_value());
+        EXPECT_EQ(report.problem->line, 2) << script;
+        EXPECT_EQ(ToJson(report).value(Text("commands")).toArray().size(), 0);
+        EXPECT_EQ(ToJson(report).value(Text("info")).toObject().value(Text("title")).toString(), Text("a"));
+    }
+    const ScriptReport returned = AnalyseScript(Text("new Error('soft')"), Text("a.js"));
+    ASSERT_TRUE(returned.problem.has_value());
+    EXPECT_EQ(returned.problem->text, Text("Error: soft"));
+}
+
+TEST(ScriptReport, OfAScriptThatEndsInThisLeavesOutWhatWasThereBefore) {
+    const ScriptReport report = AnalyseScript(Text("this.f = function() {}; this"), Text("a.js"));
+    ASSERT_EQ(report.published.functions.size(), 1u);
+    EXPECT_EQ(report.published.functions[0].name, Text("f"));
+}
+
+TEST(ScriptReport, SaysWhenNothingIsPublished) {
+    EXPECT_TRUE(ToText(AnalyseScript(Text("function f() {}"), Text("a.js"))).contains(Text("Nothing is published")));
+}
+
+/// The built program.
+class CheckProgram : public testing::Test {
+protected:
+    void Run(const QStringList& words) {
+        QProcess process;
+        process.start(Text(CHECKER), words);
+        ASSERT_TRUE(process.waitForFinished(30000));
+        exitCode = process.exitCode();
+        output = process.readAllStandardOutput();
+        errors = process.readAllStandardError();
+    }
+    QString File(const QByteArray& content) {
+        QFile file(folder.filePath(Text("a.js")));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        return file.fileName();
+    }
+    QJsonObject Json() const { return QJsonDocument::fromJson(output).object(); }
+
+    QTemporaryDir folder;
+    int exitCode = -1;
+    QByteArray output;
+    QByteArray errors;
+};
+
+TEST_F(CheckProgram, EndsInTheStatedCodes) {
+    Run({File("({ f: function() {} })")});
+    EXPECT_EQ(exitCode, 0);
+    EXPECT_TRUE(output.contains("4  f")) << output.toStdString();
+    Run({File("throw 'text'")});
+    EXPECT_EQ(exitCode, 1);
+    EXPECT_TRUE(output.endsWith("a.js:1: text\n")) << output.toStdString();
+    for (const QStringList& bad :
+         {QStringList(), QStringList{folder.path()}, QStringList{Text("nowhere.js")},
+          QStringList{Text("--wrong"), File("")}, QStringList{Text("--timeout"), Text("0"), File("")},
+          QStringList{File(""), File("")}}) {
+        Run(bad);
+        EXPECT_EQ(exitCode, 2) << bad.join(QLatin1Char(' ')).toStdString();
+        EXPECT_TRUE(output.isEmpty());
+        EXPECT_FALSE(errors.isEmpty());
+    }
+    for (const char* endless : {"while (true) {}", "({ Device: { get x() { while (true) {} } } })"}) {
+        Run({Text("--timeout"), Text("300"), File(endless)});
+        EXPECT_EQ(exitCode, 3) << endless;
+        EXPECT_TRUE(errors.contains("no answer within 300 ms"));
+    }
+}
+
+TEST_F(CheckProgram, GivesJsonForFailuresToo) {
+    Run({Text("--json"), File("\nthrow 1")});
+    EXPECT_EQ(exitCode, 1);
+    EXPECT_EQ(Json().value(Text("error")).toObject().value(Text("line")).toInt(), 2);
+    Run({Text("--json"), Text("--timeout"), Text("300"), File("while (true) {}")});
+    EXPECT_EQ(exitCode, 3);
+    EXPECT_EQ(Json().value(Text("error")).toObject().value(Text("line")).toInt(-1), 0);
+    Run({Text("--json"), Text("nowhere.js")});
+    EXPECT_EQ(exitCode, 2);
+    EXPECT_FALSE(Json().value(Text("error")).isNull());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
