@@ -28,12 +28,19 @@ QString LineOf(const ShowChange& change) {
 } // namespace
 
 ChangePrinter::ChangePrinter(ChangeFeed& feed, const QStringList& names, bool json)
-    : names_(names.begin(), names.end())
+    : feed_(feed)
+    , names_(names.begin(), names.end())
     , json_(json)
     , subscription_(feed.Subscribe([this](const ShowChange& change) { Take(change); })) {}
 
 ChangePrinter::~ChangePrinter() {
+    CatchUp();
     subscription_.reset();
+    Flush();
+}
+
+void ChangePrinter::CatchUp() {
+    feed_.Settle();
     Flush();
 }
 

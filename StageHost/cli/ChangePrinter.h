@@ -25,13 +25,15 @@ public:
     ChangePrinter(const ChangePrinter&) = delete;
     ChangePrinter& operator=(const ChangePrinter&) = delete;
 
-    /// Prints what has come so far.   [host main]
-    void Flush();
+    /// Prints what has changed up to now.   [host main]
+    void CatchUp();
 
 private:
+    void Flush();
     void Take(const ShowChange& change);
     void PrintChange(const ShowChange& change) const;
 
+    ChangeFeed& feed_;
     const QSet<QString> names_;
     const bool json_;
     std::mutex lock_; ///< guards queue_

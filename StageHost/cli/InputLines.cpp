@@ -24,21 +24,18 @@ QString InputLines::TakeLine() {
     return line;
 }
 
-// One byte for each call: a file asked for more waits until it has all of it, while what the user typed waits for its end.
+/// One character at a time: that much is there for certain, and asking for more would wait for it.
 void InputLines::Read() {
-    char byte = 0;
-    if (input_.read(&byte, 1) > 0) {
-        rest_.append(byte);
-    } else {
-        ended_ = true;
-        notifier_->setEnabled(false);
-        if (!rest_.isEmpty())
-            rest_.append('\n');
+    char character = '\n';
+    ended_ = input_.read(&character, 1) <= 0;
+    notifier_->setEnabled(!ended_);
+    if (!ended_ && character != '\n') {
+        rest_.append(character);
+        return;
     }
-    for (int end = rest_.indexOf('\n'); end >= 0; end = rest_.indexOf('\n')) {
-        lines_.push_back(FromOutsideText(rest_.left(end).toStdString()).trimmed());
-        rest_.remove(0, end + 1);
-    }
+    if (!ended_ || !rest_.isEmpty())
+        lines_.push_back(FromOutsideText(rest_.toStdString()).trimmed());
+    rest_.clear();
 }
 
 bool SplitWords(const QString& line, QStringList& words) {

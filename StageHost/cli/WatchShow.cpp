@@ -58,7 +58,7 @@ int Watch(Session& session, const Show& show, bool json, const QStringList& name
             continue;
         const QString line = input.TakeLine();
         const LineOutcome outcome = live.Do(line);
-        printer.Flush();
+        printer.CatchUp();
         PrintAnswer(json, line, outcome);
         exitCode = exitCode == kExitOk ? outcome.exitCode : exitCode;
     }

@@ -28,7 +28,7 @@ void GroupRegistrations::Add(const std::string& group, bool events) {
     Registration& registration = groups_[group];
     if (events && !registration.events)
         registration.after = model_.Feed().LastNumber();
-    registration.events = events;
+    registration.events = registration.events || events;
 }
 
 void GroupRegistrations::Remove(const std::string& group) {

@@ -25,7 +25,8 @@ public:
     void SetHandler(IManagerRemoteHandler* handler);
     IManagerRemoteHandler* Handler() const;
 
-    /// Registers for a group, again if it is registered. @param events whether changes are told.   [any]
+    /// Registers for a group. @param events whether changes are told; a registration that tells them goes on to do so
+    /// when it is made again without.   [any]
     void Add(const std::string& group, bool events);
     /// Ends one registration; one that does not stand is ignored.   [any]
     void Remove(const std::string& group);

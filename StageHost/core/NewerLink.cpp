@@ -84,7 +84,7 @@ KXPCode NewerLink::RegisterGroup(const char* group, const char* options, IExecCo
     const auto events = AcceptsEvents(options);
     if (!events)
         return kBadParameters;
-    registrations_.Add(group, *events || std::string(group) == kGrantedGroup);
+    registrations_.Add(group, *events);
     return KXP_OK;
 }
 

@@ -28,7 +28,7 @@ public:
     KXPCode Release() override;
     KXPCode SetHandler(IManagerRemoteHandler* handler) override;
     KXPCode Reserved2(void* argument) override;
-    /// Changes are told when the options have "acceptevents" set, and always for the granted group.
+    /// Changes are told when the options have "acceptevents" set.
     /// @return 0, 2 null name, 64, 71 options that are none, 72.
     KXPCode RegisterGroup(const char* group, const char* options, IExecContext* context, void* reserved) override;
     /// @param group null for the granted group, empty for all that the device has registered for.

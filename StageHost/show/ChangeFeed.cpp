@@ -38,6 +38,11 @@ void ChangeFeed::ValueChanged(const std::string& name, std::string text) {
     Tell(ObjectKind::Variable, name, "Value", std::move(text));
 }
 
+void ChangeFeed::Settle() {
+    std::unique_lock<std::mutex> hold(lock_);
+    heard_.wait(hold, [this, last = lastNumber_] { return heardNumber_ >= last; });
+}
+
 std::uint64_t ChangeFeed::LastNumber() const {
     const std::lock_guard<std::mutex> hold(lock_);
     return lastNumber_;
@@ -60,6 +65,8 @@ void ChangeFeed::Serve() {
                 (*listener)(change);
         }
         hold.lock();
+        heardNumber_ = change.number;
+        heard_.notify_all();
     }
 }
 

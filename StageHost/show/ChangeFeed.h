@@ -41,6 +41,9 @@ public:
     /// Tells a change.   [any]
     void Tell(ObjectKind kind, const std::string& object, const std::string& property, std::string value);
 
+    /// Waits until every change that has been told so far has been heard. Not to be called by a listener.   [any]
+    void Settle();
+
     /// The number of the last change told so far; a later one is greater.   [any]
     std::uint64_t LastNumber() const;
 
@@ -60,9 +63,11 @@ private:
     std::atomic<int> listenerCount_{0}; ///< written under the lock, read by every change
     mutable std::mutex lock_;           ///< guards the fields below
     std::condition_variable changed_;
+    std::condition_variable heard_;
     std::deque<ShowChange> queue_;
     std::vector<std::shared_ptr<Entry>> entries_;
     std::uint64_t lastNumber_ = 0;
+    std::uint64_t heardNumber_ = 0; ///< the last change that every listener has heard
     bool ending_ = false;
     std::thread thread_;
 };

@@ -195,3 +195,21 @@ TEST(Examples, TheCueListPlaysToItsEnd) {
     EXPECT_EQ(host.Errors().toStdString(), "");
     EXPECT_LT(host.Milliseconds(), kSoon);
 }
+
+TEST(Examples, TheEveningPlaysToItsEnd) {
+    StageHostProcess host;
+    host.Run({Text("run"), Text(STAGEHOST_ROOT "/examples/evening/show.json")});
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Output().contains(Text("| doors open, house light from 40 to 60 %")));
+    EXPECT_TRUE(host.Output().contains(Text("The show is over")));
+    EXPECT_EQ(host.Errors().toStdString(), "");
+    EXPECT_LT(host.Milliseconds(), kSoon);
+}
+
+TEST(Examples, TheEveningLivesWithTheUser) {
+    StageHostProcess host;
+    host.SetInput("set Doors open\nwait \"Light level\" 60\nset Doors closed\nwait Music overture\n");
+    host.Run({Text("watch"), Text(STAGEHOST_ROOT "/examples/evening/show.json")});
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Output().contains(Text("Task Overture: Status = Running")));
+}

@@ -1,9 +1,7 @@
 #include "StageHostProcess.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
-#include <QProcess>
 
 namespace {
 
@@ -15,26 +13,51 @@ StageHostProcess::StageHostProcess(QString module)
     : module_(std::move(module)) {}
 
 void StageHostProcess::Run(const QStringList& words) {
+    Begin(words);
+    process_->write(input_);
+    Finish();
+}
+
+void StageHostProcess::Begin(const QStringList& words) {
     QStringList all = words;
     if (!module_.isEmpty())
         all = QStringList{QStringLiteral("--module"), module_} + words;
-    QProcess process;
+    process_ = std::make_unique<QProcess>();
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("FAKE_MODULE"), mood_);
-    process.setProcessEnvironment(environment);
+    process_->setProcessEnvironment(environment);
     if (!workingFolder_.isEmpty())
-        process.setWorkingDirectory(workingFolder_);
-    QElapsedTimer clock;
-    clock.start();
-    process.start(QStringLiteral(STAGEHOST_BIN "/stagehost"), all);
-    const bool ended = process.waitForFinished(kLongestRun);
-    milliseconds_ = clock.elapsed();
+        process_->setWorkingDirectory(workingFolder_);
+    output_.clear();
+    clock_.start();
+    process_->start(QStringLiteral(STAGEHOST_BIN "/stagehost"), all);
+    process_->waitForStarted(kLongestRun);
+}
+
+void StageHostProcess::Say(const char* line) {
+    process_->write(QByteArray(line) + '\n');
+    process_->waitForBytesWritten(kLongestRun);
+}
+
+bool StageHostProcess::WaitForOutput(const char* text) {
+    while (!output_.contains(QString::fromUtf8(text))) {
+        if (!process_->waitForReadyRead(kLongestRun))
+            return false;
+        output_ += QString::fromUtf8(process_->readAllStandardOutput());
+    }
+    return true;
+}
+
+void StageHostProcess::Finish() {
+    process_->closeWriteChannel();
+    const bool ended = process_->state() == QProcess::NotRunning || process_->waitForFinished(kLongestRun);
+    milliseconds_ = clock_.elapsed();
     if (!ended)
-        process.kill();
-    exitCode_ = ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    output_ = QString::fromUtf8(process.readAllStandardOutput());
-    errors_ = QString::fromUtf8(process.readAllStandardError());
-    process.waitForFinished(kLongestRun);
+        process_->kill();
+    exitCode_ = ended && process_->exitStatus() == QProcess::NormalExit ? process_->exitCode() : -1;
+    output_ += QString::fromUtf8(process_->readAllStandardOutput());
+    errors_ = QString::fromUtf8(process_->readAllStandardError());
+    process_->waitForFinished(kLongestRun);
 }
 
 QJsonObject StageHostProcess::Json() const {

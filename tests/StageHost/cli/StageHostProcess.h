@@ -1,6 +1,10 @@
 #pragma once
 
+#include <memory>
+
+#include <QElapsedTimer>
 #include <QJsonObject>
+#include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
 
@@ -13,6 +17,20 @@ public:
     /// Runs the program with these words and waits for its end. A run that takes longer than a minute is killed and has
     /// the exit code -1.
     void Run(const QStringList& words);
+
+    /// Begins a run that Say, WaitForOutput and Finish go on with.
+    void Begin(const QStringList& words);
+    /// Sends a line to standard input.
+    void Say(const char* line);
+    /// Waits until standard output holds a text. @return false when it does not come within a minute.
+    bool WaitForOutput(const char* text);
+    /// Asks the program to end, as Ctrl-C does.
+    void Interrupt() { process_->terminate(); }
+    /// Closes standard input and waits for the end.
+    void Finish();
+
+    /// What the following runs find on standard input.
+    void SetInput(const QByteArray& input) { input_ = input; }
 
     /// The mood of the fake module for the following runs.
     void SetMood(const char* mood) { mood_ = QString::fromLatin1(mood); }
@@ -35,6 +53,9 @@ private:
     QTemporaryDir folder_;
     QString workingFolder_;
     QString mood_;
+    QByteArray input_;
+    std::unique_ptr<QProcess> process_; ///< the run of now
+    QElapsedTimer clock_;
     int exitCode_ = -1;
     QString output_;
     QString errors_;

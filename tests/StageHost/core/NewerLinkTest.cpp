@@ -250,7 +250,7 @@ TEST_F(NewerLinkTest, TellsEveryChangeOfARegisteredGroupInOrderOnAThreadOfTheHos
 TEST_F(NewerLinkTest, LosesNoChangeOfManyThreads) {
     Listener listener;
     link->SetHandler(&listener);
-    Ask(&Remote::RegisterGroup, kGrantedGroup, "");
+    Ask(&Remote::RegisterGroup, kGrantedGroup, kEvents);
     constexpr int kEach = 500;
     const auto count = [&](const char* variable) {
         for (int value = 1; value <= kEach; ++value)
@@ -278,7 +278,7 @@ TEST_F(NewerLinkTest, TellsAValueOnceThoughTwoGroupsHaveIt) {
     link->SetHandler(&listener);
     Ask(&Remote::RegisterGroup, "House", kEvents);
     Ask(&Remote::RegisterGroup, "Inner", kEvents);
-    Ask(&Remote::RegisterGroup, kGrantedGroup, "");
+    Ask(&Remote::RegisterGroup, kGrantedGroup, kEvents);
     host.Variables().Find("Mood")->SetText("once");
     host.Variables().Find("Other")->SetText("end");
     EXPECT_EQ(listener.WaitFor(2), (std::vector<std::string>{"Mood.Value=once", "Other.Value=end"}));
@@ -291,11 +291,12 @@ TEST_F(NewerLinkTest, TellsNothingWithoutTheOptionOrBeforeTheRegistrationOrBehin
     Ask(&Remote::RegisterGroup, "House", "");
     host.Variables().Find("Level")->SetInt(1);
     Ask(&Remote::RegisterGroup, "House", kEvents);
+    Ask(&Remote::RegisterGroup, "House", "");
     host.Variables().Find("Level")->SetInt(2);
-    EXPECT_EQ(listener.WaitFor(1), std::vector<std::string>{"Level.Value=2"});
+    EXPECT_EQ(listener.WaitFor(1), std::vector<std::string>{"Level.Value=2"}) << "once asked for, changes are told";
     EXPECT_EQ(Ask(&Remote::UnregisterGroup, "House").code, KXP_OK);
     host.Variables().Find("Level")->SetInt(3);
-    Ask(&Remote::RegisterGroup, kGrantedGroup, "");
+    Ask(&Remote::RegisterGroup, kGrantedGroup, kEvents);
     host.Variables().Find("Level")->SetInt(4);
     EXPECT_EQ(listener.WaitFor(2).back(), "Level.Value=4");
     EXPECT_EQ(Ask(&Remote::UnregisterGroup, static_cast<const char*>(nullptr)).code, KXP_OK);
@@ -321,7 +322,7 @@ TEST_F(NewerLinkTest, CallsAHandlerNoMoreOnceItIsReplacedOrTheLinkIsClosed) {
     Listener next;
     link->SetHandler(&former);
     EXPECT_EQ(static_cast<NewerLink*>(link)->Handler(), &former);
-    Ask(&Remote::RegisterGroup, kGrantedGroup, "");
+    Ask(&Remote::RegisterGroup, kGrantedGroup, kEvents);
     link->SetHandler(&next);
     host.Variables().Find("Level")->SetInt(1);
     next.WaitFor(1);

@@ -133,6 +133,18 @@ TEST(ChangeFeed, WantsNothingWhileNobodyListens) {
     EXPECT_FALSE(feed.IsWanted());
 }
 
+TEST(ChangeFeed, SettlesWhenAllThatWasToldHasBeenHeard) {
+    ChangeFeed feed;
+    feed.Settle();
+    std::atomic<int> calls{0};
+    const Subscription subscription = feed.Subscribe([&](const ShowChange&) { ++calls; });
+    for (int number = 0; number < 500; ++number)
+        feed.Tell(ObjectKind::Task, "t", "Line", "x");
+    feed.Settle();
+    EXPECT_EQ(calls.load(), 500);
+    feed.Settle();
+}
+
 TEST(ChangeFeed, EndsWithChangesThatNobodyHasHeard) {
     std::promise<void> reached;
     std::promise<void> go;
