@@ -77,10 +77,10 @@ public:
         {
             const std::lock_guard<std::mutex> guard(m_dataLock);
             m_data.append(data, static_cast<std::size_t>(length));
+            m_arrived.notify_all();
         }
         if (onData)
             onData(socket, std::string(data, static_cast<std::size_t>(length)));
-        m_arrived.notify_all();
     }
     void OnError(std::int32_t code, MTCPClientSocket* /*socket*/) override { Note("error " + std::to_string(code)); }
 
