@@ -123,8 +123,10 @@ public:
     Q_INVOKABLE int TimeStringToMinutes(const QString& sTime = QString(), int iTimeCodeType = 4);
     Q_INVOKABLE int TimeStringToSeconds(const QString& sTime = QString(), int iTimeCodeType = 4);
     Q_INVOKABLE int TimeStringToFrames(const QString& sTime = QString(), int iTimeCodeType = 4);
-    /// The object factories: each gives an invalid value until its objects are there.
+    // The object factories. What they make belongs to this object until the device stops. Sockets and resources give an invalid
+    // value until they are there; so does everything without an engine.
     Q_INVOKABLE QScriptValue CreateSocket(const QString& sType = QString());
+    /// A new HTTPClient. Without a device it sends nothing.
     Q_INVOKABLE QScriptValue CreateHTTPClient();
     Q_INVOKABLE QScriptValue GetResource(const QScriptValue& svSignature);
     /// Keeps the user command in execution open until SetResult. @return the id for SetResult, 0 when there is nothing to

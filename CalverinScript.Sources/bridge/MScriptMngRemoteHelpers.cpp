@@ -1,4 +1,8 @@
+#include <memory>
+#include <utility>
+
 #include "HostCalls.h"
+#include "HTTPClient.h"
 #include "MDate.h"
 #include "MTime.h"
 
@@ -88,8 +92,14 @@ QScriptValue MScriptMngRemote::CreateSocket(const QString& /*sType*/) {
     return QScriptValue();
 }
 
+/// Without a device a script is only looked at: its objects are there and stay idle.
 QScriptValue MScriptMngRemote::CreateHTTPClient() {
-    return QScriptValue();
+    if (engine == nullptr)
+        return QScriptValue();
+    auto client = std::make_unique<HTTPClient>(device != nullptr ? this : nullptr);
+    const QScriptValue view = client->ToScript(*engine);
+    scriptObjects.Own(std::move(client));
+    return view;
 }
 
 QScriptValue MScriptMngRemote::GetResource(const QScriptValue& /*svSignature*/) {

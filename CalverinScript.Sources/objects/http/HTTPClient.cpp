@@ -32,7 +32,7 @@ HTTPClient::HTTPClient(IScriptObjectOwner* objectOwner)
     m_type = ScriptObjectType::HttpClient;
     qRegisterMetaType<QNetworkRequest>("QNetworkRequest");
     ConnectThread();
-    if (CanOpenDescriptors(kDescriptorsOfClient))
+    if (owner != nullptr && CanOpenDescriptors(kDescriptorsOfClient))
         StartThread();
 }
 
@@ -137,8 +137,6 @@ void HTTPClient::Send(SendBody verb, const QNetworkRequest& request, const QScri
 
 void HTTPClient::SlotResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode,
                                       int iError) {
-    if (owner == nullptr)
-        return;
     const HTTPResponse response(bysResponse, iHTTPStatusCode, QString::fromLatin1(bysResponseHeaders));
     const SocketErrorInfo error(iError, QString::fromLatin1(HttpErrorText(iError)));
     MScriptParamList values;
@@ -156,8 +154,6 @@ void HTTPClient::SlotUploadProgressReceived(int iProgress) {
 }
 
 void HTTPClient::RaiseProgress(const QString& event, int percent) {
-    if (owner == nullptr)
-        return;
     MScriptParamList values;
     values.Add(percent);
     owner->PostScriptEvent(event, &values, this);

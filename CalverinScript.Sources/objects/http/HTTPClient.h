@@ -31,7 +31,8 @@ class HTTPClient : public QObject, public QScriptable, public MScriptCommonEvent
 
 public:
     /// Starts the thread and waits until it can take requests, 10 s at most; a client whose thread did not come up drops all
-    /// requests. @param owner borrowed for the object's life; null raises no events.   [script]
+    /// requests. @param owner borrowed for the object's life; null makes a client without thread, for scripts that are only
+    /// looked at.   [script]
     explicit HTTPClient(IScriptObjectOwner* owner);
     /// Ends the thread, within about a second whatever its servers do. Requests under way end without event.   [script]
     ~HTTPClient() override;

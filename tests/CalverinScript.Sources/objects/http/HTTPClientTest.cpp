@@ -112,6 +112,14 @@ TEST_F(WithAWebServer, TheCredentialsOfTheLastRequestStandForLaterChallenges) {
     EXPECT_EQ(AnswerTo("client.get(" + At("/private/x") + ", '', '', 0, 'ada', 'engine')").data, "secret");
 }
 
+TEST_F(WithAWebServer, AcceptedCredentialsAreUsedAgainByTheSameClientAlone) {
+    EXPECT_EQ(AnswerTo("client.get(" + At("/private/x") + ", '', '', 0, 'ada', 'engine')").data, "secret");
+    EXPECT_EQ(Get("/private/x").data, "secret");
+    HTTPClient another(&keeper);
+    another.get(QString::fromStdString(server->Address("/private/x")));
+    EXPECT_EQ(keeper.NextAnswer().code, 204);
+}
+
 TEST_F(WithAWebServer, ItemsAndHeadersGoOut) {
     const Answer answer = AnswerTo("client.get(" + At("/echo?z=0") + ", 'X-Sent:yes\\r\\nnone', 'x=1&y&z=a b')");
     EXPECT_EQ(answer.code, 0);
@@ -273,11 +281,11 @@ TEST_F(WithAWebServer, MethodsGiveNothingBack) {
     EXPECT_EQ(keeper.NextAnswer().data, "hello");
 }
 
-TEST_F(WithAWebServer, AClientWithoutOwnerIsQuiet) {
+TEST_F(WithAWebServer, AClientWithoutOwnerSendsNothing) {
     HTTPClient alone(nullptr);
-    alone.get(QString::fromStdString(server->Address("/hello.txt")));
+    alone.get(QString::fromStdString(server->Address("/hello.txt?alone")));
     EXPECT_EQ(Get("/hello.txt").data, "hello");
-    EXPECT_EQ(keeper.AnswersLeft(), 0U);
+    EXPECT_EQ(server->RequestsFor("/hello.txt?alone"), 0);
 }
 
 TEST_F(WithAWebServer, TheEnvironmentDoesNotDivertRequests) {

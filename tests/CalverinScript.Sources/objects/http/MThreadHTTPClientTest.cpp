@@ -2,10 +2,13 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <mutex>
 
 #include <gtest/gtest.h>
+#include <QCoreApplication>
+#include <QEvent>
 
 #include "HostileServer.h"
 #include "HttpDeadline.h"
@@ -42,28 +45,40 @@ void AnswerOk(Peer& peer) {
     peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
 }
 
-/// A thread whose worker is there, and what lives on it.
+/// Holds up the thread that it is made on as soon as it gets an event.
+class Obstacle : public QObject {
+public:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        stuck.Happen();
+        return release.Wait();
+    }
+
+    Happening stuck;
+    Happening release;
+};
+
+/// A thread whose worker is there.
 struct Running {
-    explicit Running(Happening* terminated = nullptr) {
+    explicit Running(const std::function<void()>& onThread = [] {}) {
         QObject::connect(
             thread, &MThreadHTTPClient::SignalInitialized, thread,
-            [this] {
-                onThread = new QObject;
-                QObject::connect(thread, &QThread::finished, onThread, &QObject::deleteLater);
+            [this, onThread] {
+                onThread();
                 initialized.Happen();
             },
             Qt::DirectConnection);
-        if (terminated != nullptr)
-            QObject::connect(
-                thread, &MThreadHTTPClient::SignalThreadTerminated, thread, [terminated] { terminated->Happen(); },
-                Qt::DirectConnection);
+        QObject::connect(
+            thread, &MThreadHTTPClient::SignalThreadTerminated, thread, [this] { terminated.Happen(); },
+            Qt::DirectConnection);
         thread->start();
         EXPECT_TRUE(initialized.Wait());
     }
 
     Happening initialized;
+    Happening terminated;
     MThreadHTTPClient* thread = new MThreadHTTPClient;
-    QObject* onThread = nullptr;
 };
 
 } // namespace
@@ -83,10 +98,9 @@ TEST(HttpThread, DropsWhatComesBeforeTheWorkerIsThere) {
 }
 
 TEST(HttpThread, TellsWhenItsWorkerIsGone) {
-    Happening terminated;
-    const Running running(&terminated);
+    Running running;
     MThreadHTTPClient::Retire(running.thread);
-    EXPECT_TRUE(terminated.Wait());
+    EXPECT_TRUE(running.terminated.Wait());
     EXPECT_EQ(MThreadHTTPClient::SweepRetired(), 0U);
 }
 
@@ -130,21 +144,16 @@ TEST(HttpThread, LetsNothingOutAfterSilence) {
 }
 
 TEST(HttpThread, ThatIsStuckIsLeftAloneAndGoesLater) {
-    Happening stuck;
-    Happening release;
-    Happening terminated;
-    const Running running(&terminated);
-    QMetaObject::invokeMethod(running.onThread, [&] {
-        stuck.Happen();
-        release.Wait();
-    });
-    ASSERT_TRUE(stuck.Wait());
+    std::unique_ptr<Obstacle> obstacle;
+    Running running([&obstacle] { obstacle = std::make_unique<Obstacle>(); });
+    QCoreApplication::postEvent(obstacle.get(), new QEvent(QEvent::User));
+    ASSERT_TRUE(obstacle->stuck.Wait());
     const auto begin = std::chrono::steady_clock::now();
     MThreadHTTPClient::Retire(running.thread);
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(10));
     EXPECT_EQ(MThreadHTTPClient::SweepRetired(), 1U);
-    release.Happen();
-    EXPECT_TRUE(terminated.Wait());
+    obstacle->release.Happen();
+    EXPECT_TRUE(running.terminated.Wait());
     const auto deadline = std::chrono::steady_clock::now() + kHttpDeadline;
     while (MThreadHTTPClient::SweepRetired() != 0 && std::chrono::steady_clock::now() < deadline)
         QThread::yieldCurrentThread();
