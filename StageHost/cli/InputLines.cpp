@@ -19,7 +19,7 @@ InputLines::InputLines() {
 }
 
 QString InputLines::TakeLine() {
-    const QString line = lines_.front();
+    QString line = lines_.front();
     lines_.pop_front();
     return line;
 }

@@ -10,23 +10,23 @@ enum class ObjectKind { Device, Task, Cue, UserScreen, UserGroup, Variable, Obje
 
 /// One kind: its name in object texts and its number in GetObjectList.
 struct ObjectKindRow {
-    ObjectKind kind;
     const char* name;
     std::uint32_t type;
+    ObjectKind kind;
 };
 
 /// Number 0 of GetObjectList stands for all kinds.
 inline constexpr std::uint32_t kEveryType = 0;
 
 inline constexpr ObjectKindRow kObjectKinds[] = {
-    {ObjectKind::Device, "Device", 1},
-    {ObjectKind::Task, "Task", 3},
-    {ObjectKind::Cue, "Cue", 28},
-    {ObjectKind::UserScreen, "UserScreen", 8},
-    {ObjectKind::UserGroup, "UserGroup", 27},
-    {ObjectKind::Variable, "Variable", 6},
-    {ObjectKind::Object, "Object", 100},
-    {ObjectKind::Show, "Show", 1000},
+    {"Device", 1, ObjectKind::Device},
+    {"Task", 3, ObjectKind::Task},
+    {"Cue", 28, ObjectKind::Cue},
+    {"UserScreen", 8, ObjectKind::UserScreen},
+    {"UserGroup", 27, ObjectKind::UserGroup},
+    {"Variable", 6, ObjectKind::Variable},
+    {"Object", 100, ObjectKind::Object},
+    {"Show", 1000, ObjectKind::Show},
 };
 
 constexpr bool InEnumOrder() {

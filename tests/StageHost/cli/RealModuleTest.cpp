@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFile>
 #include <QJsonArray>
 
 #include "StageHostProcess.h"
@@ -212,4 +213,20 @@ TEST(Examples, TheEveningLivesWithTheUser) {
     host.Run({Text("watch"), Text(STAGEHOST_ROOT "/examples/evening/show.json")});
     EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
     EXPECT_TRUE(host.Output().contains(Text("Task Overture: Status = Running")));
+}
+
+TEST(Manual, ItsFullShowPlaysToItsEnd) {
+    StageHostProcess host;
+    const auto content = [](const char* name) {
+        QFile file(Text(STAGEHOST_ROOT "/") + Text(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
+        return file.readAll();
+    };
+    const QByteArray manual = content("docs/stagehost.md");
+    const int begin = manual.indexOf("```json", manual.indexOf("A full example:")) + 7;
+    for (const char* name : {"cuelist.js", "cues.txt"})
+        host.File(Text(name), content((QByteArray("examples/cuelist/") + name).constData()));
+    host.Run({Text("run"), host.File(Text("show.json"), manual.mid(begin, manual.indexOf("```", begin) - begin))});
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Output().contains(Text("The show is over: all 4 steps went well.")));
 }
