@@ -133,6 +133,7 @@ private:
     std::int32_t StartAll();
     std::int32_t StartUnlessConnecting();
     void Reconnect();
+    std::unique_lock<MLock> EnterConnectLock();
     bool OpenWake();
     std::int32_t RunConnect(bool notify);
     Attempt MakeAttempt(std::uint32_t cancelCount);

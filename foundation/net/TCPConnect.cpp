@@ -55,16 +55,20 @@ void MTCPClientSocket::Disconnect() {
     m_lastAttemptMs = 0;
 }
 
-// The close ends a connect that holds the lock, and its handlers' calls end: there is nothing long to wait for. The socket's own
-// thread may come from a handler and only tries.
 void MTCPClientSocket::Reconnect() {
     if (!IsConnected())
         return;
     CloseSocket(true);
-    std::unique_lock<MLock> lock(m_connectLock, std::defer_lock);
-    if (!OnOwnThread())
-        lock.lock();
+    const std::unique_lock<MLock> lock = EnterConnectLock();
     RunConnect(true);
+}
+
+// For those who have just closed the socket: that ends a connect which holds the lock, and its handlers' calls end, so there is
+// nothing long to wait for. The socket's own thread may come from a handler and only tries.
+std::unique_lock<MLock> MTCPClientSocket::EnterConnectLock() {
+    if (OnOwnThread())
+        return std::unique_lock<MLock>(m_connectLock, std::try_to_lock);
+    return std::unique_lock<MLock>(m_connectLock);
 }
 
 std::int32_t MTCPClientSocket::RunConnect(bool notify) {
@@ -197,10 +201,10 @@ std::int32_t MTCPClientSocket::Attach(SystemSocket socket, const SocketAddress& 
         return NetStartup;
     if (!socket.IsOpen())
         return NetNotCreated;
-    const std::unique_lock<MLock> lock(m_connectLock, std::try_to_lock);
+    CloseSocket(false);
+    const std::unique_lock<MLock> lock = EnterConnectLock();
     if (!lock || m_connecting)
         return NetConnecting;
-    CloseSocket(false);
     SocketAddress address = peer;
     socket.GetPeerAddress(address);
     SetAddress(DottedText(address.address).c_str());
