@@ -135,8 +135,8 @@ void HTTPClient::Send(SendBody verb, const QNetworkRequest& request, const QScri
         (lpThread->*verb)(request, ToHostText(body.toString()));
 }
 
-void HTTPClient::SlotResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode,
-                                      int iError) {
+void HTTPClient::SlotResponseReceived(const QByteArray& bysResponse, const QByteArray& bysResponseHeaders,
+                                      int iHTTPStatusCode, int iError) {
     const HTTPResponse response(bysResponse, iHTTPStatusCode, QString::fromLatin1(bysResponseHeaders));
     const SocketErrorInfo error(iError, QString::fromLatin1(HttpErrorText(iError)));
     MScriptParamList values;

@@ -81,13 +81,14 @@ public:
 
 private Q_SLOTS:
     // Direct connections of the thread's signals   [http]
-    void SlotResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode, int iError);
+    void SlotResponseReceived(const QByteArray& bysResponse, const QByteArray& bysResponseHeaders, int iHTTPStatusCode,
+                              int iError);
     void SlotDownloadProgressReceived(int iProgress);
     void SlotUploadProgressReceived(int iProgress);
     void SlotThreadReady();
 
 private:
-    using SendBody = void (MThreadHTTPClient::*)(QNetworkRequest request, QByteArray body);
+    using SendBody = void (MThreadHTTPClient::*)(const QNetworkRequest& request, const QByteArray& body);
 
     void ConnectThread();
     void StartThread();

@@ -72,23 +72,23 @@ void MHTTPClient::Begin(const QNetworkRequest& request, Verb verb) {
     connect(lpReply, &QNetworkReply::readyRead, this, &MHTTPClient::SlotBodyGrows);
 }
 
-void MHTTPClient::SlotGet(QNetworkRequest request) {
+void MHTTPClient::SlotGet(const QNetworkRequest& request) {
     Begin(request, [&] { return get(request); });
 }
 
-void MHTTPClient::SlotPost(QNetworkRequest request, QByteArray params) {
+void MHTTPClient::SlotPost(const QNetworkRequest& request, const QByteArray& params) {
     Begin(request, [&] { return post(request, params); });
 }
 
-void MHTTPClient::SlotPut(QNetworkRequest request, QByteArray params) {
+void MHTTPClient::SlotPut(const QNetworkRequest& request, const QByteArray& params) {
     Begin(request, [&] { return put(request, params); });
 }
 
-void MHTTPClient::SlotDelete(QNetworkRequest request) {
+void MHTTPClient::SlotDelete(const QNetworkRequest& request) {
     Begin(request, [&] { return deleteResource(request); });
 }
 
-void MHTTPClient::SlotDownloadFile(QNetworkRequest request, QString path) {
+void MHTTPClient::SlotDownloadFile(const QNetworkRequest& request, const QString& path) {
     lpDownload.reset();
     const QString target = DownloadTarget(path, request.url());
     if (target.isEmpty()) {
@@ -115,7 +115,7 @@ void MHTTPClient::SlotCancelPreviousRequest() {
     lpReply = nullptr;
 }
 
-void MHTTPClient::SlotSetAuthentication(QString _sUser, QString _sPassword) {
+void MHTTPClient::SlotSetAuthentication(const QString& _sUser, const QString& _sPassword) {
     sUser = _sUser;
     sPassword = _sPassword;
 }
@@ -128,7 +128,7 @@ void MHTTPClient::SlotAuthRequired(QNetworkReply* _lpNR, QAuthenticator* _lpAuth
     _lpAuth->setPassword(sPassword);
 }
 
-void MHTTPClient::SlotProxyAuthRequired(QNetworkProxy /*Proxy*/, QAuthenticator* _lpAuth) {
+void MHTTPClient::SlotProxyAuthRequired(const QNetworkProxy& /*Proxy*/, QAuthenticator* _lpAuth) {
     if (_lpAuth == nullptr || proxyAnswersLeft == 0)
         return;
     --proxyAnswersLeft;

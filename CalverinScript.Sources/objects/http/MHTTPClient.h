@@ -29,26 +29,27 @@ public:
     ~MHTTPClient() override;
 
 public Q_SLOTS:
-    void SlotGet(QNetworkRequest request);
-    void SlotPost(QNetworkRequest request, QByteArray params);
-    void SlotPut(QNetworkRequest request, QByteArray params);
+    void SlotGet(const QNetworkRequest& request);
+    void SlotPost(const QNetworkRequest& request, const QByteArray& params);
+    void SlotPut(const QNetworkRequest& request, const QByteArray& params);
     /// A get whose body goes to a file; see DownloadTarget for the path. Without a file it answers 24 at once.
-    void SlotDownloadFile(QNetworkRequest request, QString path);
+    void SlotDownloadFile(const QNetworkRequest& request, const QString& path);
     void SlotDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
     void SlotUploadProgress(qint64 bytesSent, qint64 bytesTotal);
-    void SlotDelete(QNetworkRequest request);
+    void SlotDelete(const QNetworkRequest& request);
     /// Lets the current request end unheard.
     void SlotCancelPreviousRequest();
     /// What every later challenge of a server or proxy is answered with.
-    void SlotSetAuthentication(QString _sUser, QString _sPassword);
+    void SlotSetAuthentication(const QString& _sUser, const QString& _sPassword);
     /// Answers a server's challenge, once for each request: a server that refuses would be asked again without end.
     void SlotAuthRequired(QNetworkReply* _lpNR, QAuthenticator* _lpAuth);
     /// The same for a proxy, as often as requests were begun.
-    void SlotProxyAuthRequired(QNetworkProxy Proxy, QAuthenticator* _lpAuth);
+    void SlotProxyAuthRequired(const QNetworkProxy& Proxy, QAuthenticator* _lpAuth);
 
 Q_SIGNALS:
     /// One for each request that is heard to its end. @param iError 0 or a number of HttpErrors.h.   [http]
-    void SignalResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode, int iError);
+    void SignalResponseReceived(const QByteArray& bysResponse, const QByteArray& bysResponseHeaders,
+                                int iHTTPStatusCode, int iError);
     /// In percent.   [http]
     void SignalDownloadProgressReceived(int iProgress);
     void SignalUploadProgressReceived(int iProgress);

@@ -91,32 +91,32 @@ void MThreadHTTPClient::Silence() {
     m_silent = true;
 }
 
-void MThreadHTTPClient::SlotSetAuthentication(QString sUser, QString sPassword) {
+void MThreadHTTPClient::SlotSetAuthentication(const QString& sUser, const QString& sPassword) {
     if (m_ready)
         Q_EMIT SignalSetAuthentication(sUser, sPassword);
 }
 
-void MThreadHTTPClient::SlotGet(QNetworkRequest request) {
+void MThreadHTTPClient::SlotGet(const QNetworkRequest& request) {
     if (m_ready)
         Q_EMIT SignalGet(request);
 }
 
-void MThreadHTTPClient::SlotPost(QNetworkRequest request, QByteArray params) {
+void MThreadHTTPClient::SlotPost(const QNetworkRequest& request, const QByteArray& params) {
     if (m_ready)
         Q_EMIT SignalPost(request, params);
 }
 
-void MThreadHTTPClient::SlotPut(QNetworkRequest request, QByteArray params) {
+void MThreadHTTPClient::SlotPut(const QNetworkRequest& request, const QByteArray& params) {
     if (m_ready)
         Q_EMIT SignalPut(request, params);
 }
 
-void MThreadHTTPClient::SlotDownloadFile(QNetworkRequest request, QString path) {
+void MThreadHTTPClient::SlotDownloadFile(const QNetworkRequest& request, const QString& path) {
     if (m_ready)
         Q_EMIT SignalDownloadFile(request, path);
 }
 
-void MThreadHTTPClient::SlotDelete(QNetworkRequest request) {
+void MThreadHTTPClient::SlotDelete(const QNetworkRequest& request) {
     if (m_ready)
         Q_EMIT SignalDelete(request);
 }
@@ -126,8 +126,8 @@ void MThreadHTTPClient::SlotCancelPreviousRequest() {
         Q_EMIT SignalCancelPreviousRequest();
 }
 
-void MThreadHTTPClient::SlotResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode,
-                                             int iError) {
+void MThreadHTTPClient::SlotResponseReceived(const QByteArray& bysResponse, const QByteArray& bysResponseHeaders,
+                                             int iHTTPStatusCode, int iError) {
     const std::lock_guard<std::mutex> guard(m_wayOut);
     if (!m_silent)
         Q_EMIT SignalResponseReceived(bysResponse, bysResponseHeaders, iHTTPStatusCode, iError);

@@ -33,26 +33,27 @@ public:
     void Silence();
 
 public Q_SLOTS:
-    void SlotSetAuthentication(QString sUser, QString sPassword);
-    void SlotGet(QNetworkRequest request);
-    void SlotPost(QNetworkRequest request, QByteArray params);
-    void SlotPut(QNetworkRequest request, QByteArray params);
-    void SlotDownloadFile(QNetworkRequest request, QString path);
-    void SlotDelete(QNetworkRequest request);
+    void SlotSetAuthentication(const QString& sUser, const QString& sPassword);
+    void SlotGet(const QNetworkRequest& request);
+    void SlotPost(const QNetworkRequest& request, const QByteArray& params);
+    void SlotPut(const QNetworkRequest& request, const QByteArray& params);
+    void SlotDownloadFile(const QNetworkRequest& request, const QString& path);
+    void SlotDelete(const QNetworkRequest& request);
     void SlotCancelPreviousRequest();
 
 Q_SIGNALS:
     /// The worker is there.   [http]
     void SignalInitialized();
     // To the worker   [script]
-    void SignalSetAuthentication(QString sUser, QString sPassword);
-    void SignalGet(QNetworkRequest request);
-    void SignalPost(QNetworkRequest request, QByteArray params);
-    void SignalPut(QNetworkRequest request, QByteArray params);
-    void SignalDownloadFile(QNetworkRequest request, QString path);
-    void SignalDelete(QNetworkRequest request);
+    void SignalSetAuthentication(const QString& sUser, const QString& sPassword);
+    void SignalGet(const QNetworkRequest& request);
+    void SignalPost(const QNetworkRequest& request, const QByteArray& params);
+    void SignalPut(const QNetworkRequest& request, const QByteArray& params);
+    void SignalDownloadFile(const QNetworkRequest& request, const QString& path);
+    void SignalDelete(const QNetworkRequest& request);
     // From the worker   [http]
-    void SignalResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode, int iError);
+    void SignalResponseReceived(const QByteArray& bysResponse, const QByteArray& bysResponseHeaders,
+                                int iHTTPStatusCode, int iError);
     void SignalDownloadProgressReceived(int iProgress);
     void SignalUploadProgressReceived(int iProgress);
     /// The worker is gone.   [http]
@@ -64,7 +65,8 @@ protected:
     void run() override;
 
 private Q_SLOTS:
-    void SlotResponseReceived(QByteArray bysResponse, QByteArray bysResponseHeaders, int iHTTPStatusCode, int iError);
+    void SlotResponseReceived(const QByteArray& bysResponse, const QByteArray& bysResponseHeaders, int iHTTPStatusCode,
+                              int iError);
     void SlotDownloadProgressReceived(int iProgress);
     void SlotUploadProgressReceived(int iProgress);
 
