@@ -85,9 +85,9 @@ void MScriptMngRemote::PostScriptEvent(const QString& eventName, const MScriptPa
                                        MScriptCommonEvent* object) {
     if (device == nullptr || params == nullptr || object == nullptr || !scriptObjects.CountRaised(object))
         return;
-    MScriptParamList withObject(*params);
-    withObject.Add(QVariant::fromValue(object));
-    device->PostScriptEvent(eventName, &withObject, object);
+    MScriptParamList withSource(*params);
+    withSource.SetSource(object);
+    device->PostScriptEvent(eventName, &withSource, object);
 }
 
 const char* MScriptMngRemote::GetDeviceName() const {

@@ -9,7 +9,6 @@
 #include "EventRecords.h"
 #include "MScriptCommonEvent.h"
 #include "MScriptParamList.h"
-#include "ScriptObject.h"
 
 namespace {
 
@@ -52,11 +51,6 @@ QScriptValue FromResponse(QScriptEngine& engine, const QVariant& value) {
     return object;
 }
 
-/// Every class that raises events is a QObject as well.
-QScriptValue FromSource(QScriptEngine& engine, const QVariant& value) {
-    return WrapOwnedByHost(engine, dynamic_cast<QObject*>(value.value<MScriptCommonEvent*>()));
-}
-
 struct EventArgumentKind {
     const char* typeName;
     QScriptValue (*toScript)(QScriptEngine&, const QVariant&);
@@ -67,20 +61,27 @@ constexpr EventArgumentKind kEventArgumentKinds[] = {{"QByteArray", &FromBytes},
                                                      {"int", &FromInt},
                                                      {"IPInfo", &FromAddress},
                                                      {"SocketErrorInfo", &FromSocketError},
-                                                     {"HTTPResponse", &FromResponse},
-                                                     {"MScriptCommonEvent*", &FromSource}};
+                                                     {"HTTPResponse", &FromResponse}};
+
+/// The row of a value's type, null when there is none.
+const EventArgumentKind* KindOf(const QVariant& value) {
+    const auto* kind =
+        std::find_if(std::begin(kEventArgumentKinds), std::end(kEventArgumentKinds),
+                     [&](const EventArgumentKind& k) { return qstrcmp(k.typeName, value.typeName()) == 0; });
+    return kind != std::end(kEventArgumentKinds) ? kind : nullptr;
+}
 
 } // namespace
 
 QScriptValueList EventArguments(QScriptEngine& engine, const MScriptParamList& params) {
     QScriptValueList arguments;
+    arguments.reserve(params.Count() + 1);
     for (int i = 0; i < params.Count(); ++i) {
         const QVariant value = params.At(i);
-        const auto* kind =
-            std::find_if(std::begin(kEventArgumentKinds), std::end(kEventArgumentKinds),
-                         [&](const EventArgumentKind& k) { return qstrcmp(k.typeName, value.typeName()) == 0; });
-        if (kind != std::end(kEventArgumentKinds))
+        if (const EventArgumentKind* kind = KindOf(value))
             arguments.append(kind->toScript(engine, value));
     }
+    if (MScriptCommonEvent* source = params.GetSource())
+        arguments.append(source->GetView(engine));
     return arguments;
 }

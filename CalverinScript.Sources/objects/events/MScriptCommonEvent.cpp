@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <mutex>
 
+#include <QObject>
+
+#include "ScriptObject.h"
+
 MScriptCommonEvent::~MScriptCommonEvent() = default;
 
 std::optional<std::size_t> MScriptCommonEvent::SlotOf(const QString& event) {
@@ -30,4 +34,10 @@ void MScriptCommonEvent::SetListener(const QString& event, const QScriptValue& l
 void MScriptCommonEvent::ClearListeners() {
     const std::lock_guard<MLock> guard(m_lock);
     m_listeners.fill(QScriptValue());
+}
+
+QScriptValue MScriptCommonEvent::GetView(QScriptEngine& engine) {
+    if (!m_view.isValid() || m_view.engine() != &engine)
+        m_view = WrapOwnedByHost(engine, dynamic_cast<QObject*>(this));
+    return m_view;
 }

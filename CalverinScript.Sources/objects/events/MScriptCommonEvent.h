@@ -3,11 +3,12 @@
 #include <array>
 #include <optional>
 
-#include <QMetaType>
 #include <QScriptValue>
 #include <QString>
 
 #include "MLock.h"
+
+class QScriptEngine;
 
 /// Kinds of objects that raise events.
 enum class ScriptObjectType {
@@ -49,6 +50,8 @@ public:
     void Unlock() { m_lock.Leave(); }
     /// Forgets all listeners.   [script]
     void ClearListeners();
+    /// The script's view of this object, which is a QObject too; made when it is first asked for.   [script]
+    QScriptValue GetView(QScriptEngine& engine);
     ScriptObjectType GetObjectType() const { return m_type; }
 
 protected:
@@ -59,7 +62,5 @@ private:
 
     mutable MLock m_lock;
     std::array<QScriptValue, kEventNames.size()> m_listeners; // under m_lock
+    QScriptValue m_view;                                      // script thread alone
 };
-
-/// The object that raised an event rides to the listener in a QVariant as well, behind the event's own values.
-Q_DECLARE_METATYPE(MScriptCommonEvent*)

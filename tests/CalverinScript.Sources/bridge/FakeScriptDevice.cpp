@@ -21,8 +21,10 @@ void FakeScriptDevice::WriteCommandResult(MCommandObject* command, const QString
     results.push_back(ToHostText(text).toStdString());
 }
 
-int FakeScriptDevice::PostScriptEvent(const QString& event, const MScriptParamList* params, MScriptCommonEvent*) {
-    events.push_back(event.toStdString() + " " + std::to_string(params->Count()));
+int FakeScriptDevice::PostScriptEvent(const QString& event, const MScriptParamList* params,
+                                      MScriptCommonEvent* object) {
+    const char* source = params->GetSource() == object ? " with object" : "";
+    events.push_back(event.toStdString() + " " + std::to_string(params->Count()) + source);
     return 1;
 }
 

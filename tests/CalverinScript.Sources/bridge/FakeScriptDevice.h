@@ -13,7 +13,7 @@ public:
     std::string name = "Desk";
     std::vector<MyAsyncDeviceExecContext*> asyncResults;
     std::vector<std::string> changes;         ///< "object|property|value|flag", "-" for a null text
-    std::vector<std::string> events;          ///< "name count", the count of values
+    std::vector<std::string> events;          ///< "data 1 with object": name, count of values, source
     std::vector<std::function<void()>> tasks; ///< what was left for the script thread
     bool takesTasks = true;
     std::vector<std::string> results; ///< texts written into the results of commands

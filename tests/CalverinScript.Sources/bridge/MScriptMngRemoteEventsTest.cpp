@@ -47,8 +47,8 @@ TEST_F(BridgeEvents, GoToTheDeviceWithTheObjectBehindTheValues) {
     values.Add(true);
     remote->PostScriptEvent(QStringLiteral("data"), &values, object);
     remote->PostScriptEvent(QStringLiteral("open"), &none, object);
-    EXPECT_EQ(device.events, (std::vector<std::string>{"data 2", "open 1"}));
-    EXPECT_EQ(values.Count(), 1) << "the caller's own list stays as it is";
+    EXPECT_EQ(device.events, (std::vector<std::string>{"data 1 with object", "open 0 with object"}));
+    EXPECT_EQ(values.GetSource(), nullptr) << "the caller's own list stays as it is";
 }
 
 TEST_F(BridgeEvents, GoNowhereWithoutDeviceValuesOrObject) {

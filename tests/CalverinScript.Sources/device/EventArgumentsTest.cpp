@@ -116,7 +116,7 @@ TEST_F(EventArgumentList, SetsTheMembersOfRecordsInTheirOrder) {
 
 TEST_F(EventArgumentList, ShowsTheObjectThatRaisedTheEventWithoutOwningIt) {
     EventSource source(nullptr, ScriptObjectType::Udp);
-    params.Add(QVariant::fromValue(static_cast<MScriptCommonEvent*>(&source)));
+    params.SetSource(&source);
     const QScriptValueList arguments = Arguments();
     ASSERT_EQ(arguments.size(), 1);
     EXPECT_EQ(arguments[0].toQObject(), &source);
