@@ -17,8 +17,9 @@ std::optional<Reply> ReplyOf(CommandCall& call) {
     const Verdict verdict = begun ? Verdict::Running : call.watch->Judge(std::chrono::steady_clock::now());
     if (verdict == Verdict::Running)
         return std::nullopt;
-    if (verdict == Verdict::Failed || call.watch->HasError())
-        return Reply{kActionFailed, {}, call.watch->ErrorText()};
+    std::string error = call.watch->ErrorText();
+    if (verdict == Verdict::Failed || !error.empty())
+        return Reply{kActionFailed, {}, std::move(error)};
     return Reply{KXP_OK, call.ResultText(), {}};
 }
 

@@ -6,10 +6,11 @@ namespace stagehost {
 
 /// What has been seen since the command was about to be sent.
 struct CommandWatch::Seen {
-    std::mutex lock; ///< guards the three fields below
+    std::mutex lock; ///< guards the four fields below
     bool leftReady = false;
     bool ready = true;
-    bool error = false;
+    std::string error;
+    std::optional<std::string> errorAtEnd; ///< of the context: what comes later is another command's
 
     const bool hasStatus;
     std::optional<std::chrono::steady_clock::time_point> failedSince; ///< of the thread that asks
@@ -29,10 +30,18 @@ struct CommandWatch::Seen {
         wake();
     }
 
-    void ErrorIs(bool present) {
+    void ErrorIs(std::string text) {
         {
             const std::lock_guard<std::mutex> hold(lock);
-            error = present;
+            error = std::move(text);
+        }
+        wake();
+    }
+
+    void ContextEnded() {
+        {
+            const std::lock_guard<std::mutex> hold(lock);
+            errorAtEnd = error;
         }
         wake();
     }
@@ -41,8 +50,7 @@ struct CommandWatch::Seen {
 CommandWatch::CommandWatch(const std::shared_ptr<HostValue>& status, const std::shared_ptr<HostValue>& error,
                            std::function<void()> wake)
     : seen_(std::make_shared<Seen>(status != nullptr, std::move(wake)))
-    , context_(new ExecContext(seen_->wake))
-    , error_(error) {
+    , context_(new ExecContext([seen = seen_] { seen->ContextEnded(); })) {
     if (status)
         statusObservation_ = status->Observe([seen = seen_, value = std::weak_ptr<HostValue>(status)] {
             if (const auto alive = value.lock())
@@ -51,7 +59,7 @@ CommandWatch::CommandWatch(const std::shared_ptr<HostValue>& status, const std::
     if (error)
         errorObservation_ = error->Observe([seen = seen_, value = std::weak_ptr<HostValue>(error)] {
             if (const auto alive = value.lock())
-                seen->ErrorIs(!alive->Text().empty());
+                seen->ErrorIs(alive->Text());
         });
 }
 
@@ -59,13 +67,9 @@ CommandWatch::~CommandWatch() {
     context_->Release();
 }
 
-bool CommandWatch::HasError() const {
-    const std::lock_guard<std::mutex> hold(seen_->lock);
-    return seen_->error;
-}
-
 std::string CommandWatch::ErrorText() const {
-    return error_ ? error_->Text() : std::string();
+    const std::lock_guard<std::mutex> hold(seen_->lock);
+    return seen_->errorAtEnd.value_or(seen_->error);
 }
 
 void CommandWatch::StopLooking() {
@@ -80,7 +84,7 @@ CommandWatch::Verdict CommandWatch::Judge(std::chrono::steady_clock::time_point 
     const std::lock_guard<std::mutex> hold(seen_->lock);
     const bool begun = state == ExecContext::kBegun;
     const bool returned = seen_->leftReady && seen_->ready;
-    const bool failed = seen_->error && seen_->ready;
+    const bool failed = !seen_->error.empty() && seen_->ready;
     if (!failed) {
         seen_->failedSince.reset();
         if (begun || (seen_->hasStatus && !returned))

@@ -32,9 +32,8 @@ public:
     /// The context to send with the command; lives as long as the watch.
     ExecContext* Context() { return context_; }
 
-    /// Whether the device has told an error since, and none of its later commands has cleared it.   [any]
-    bool HasError() const;
-    /// The text of the device's error as it is now.   [any]
+    /// The error that the device has told since the watch was made and not cleared, up to the end of the context; empty
+    /// without one.   [any]
     std::string ErrorText() const;
 
     enum class Verdict {
@@ -59,7 +58,6 @@ private:
 
     std::shared_ptr<Seen> seen_; ///< shared with the observers, which may run a last time after their removal
     ExecContext* context_;
-    const std::shared_ptr<HostValue> error_;
     Observation statusObservation_;
     Observation errorObservation_;
 };

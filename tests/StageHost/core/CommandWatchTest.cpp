@@ -141,3 +141,16 @@ TEST_F(CommandWatchTest, LooksAwayWhenItIsToldTo) {
     status->SetInt(0);
     EXPECT_EQ(Now(), Verdict::Running);
 }
+
+TEST_F(CommandWatchTest, KeepsTheErrorThatStoodAtTheEndOfTheContext) {
+    error->SetText("of a command before");
+    GivenAWatch();
+    EXPECT_EQ(watch->ErrorText(), "");
+    error->SetText("its own");
+    EXPECT_EQ(watch->ErrorText(), "its own");
+    error->SetText("");
+    watch->Context()->End();
+    error->SetText("of the next command");
+    EXPECT_EQ(Now(), Verdict::Over);
+    EXPECT_EQ(watch->ErrorText(), "");
+}
