@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 #include <QEventLoop>
+#include <QFile>
 #include <QNetworkProxy>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <sys/resource.h>
 
@@ -104,6 +106,20 @@ TEST_F(Worker, AnEarlierRequestIsNotCancelledByALaterOne) {
     EXPECT_EQ(responses[0].data, "quick");
     EXPECT_TRUE(Until([&] { return Replies() == 1; })) << "the silent one goes on";
     EXPECT_EQ(responses.size(), 1U);
+}
+
+TEST_F(Worker, ARequestDuringADownloadGoesToItsFileAsItIsMeant) {
+    const HostileServer server(&AnswerQuickOnes);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("film"));
+    worker.SlotDownloadFile(To(server, "/silent"), path);
+    worker.SlotGet(To(server, "/quick"));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].error, 0);
+    EXPECT_EQ(responses[0].data, "");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "quick");
 }
 
 TEST_F(Worker, TheErrorOfAnEarlierRequestGivesUpTheLastOne) {

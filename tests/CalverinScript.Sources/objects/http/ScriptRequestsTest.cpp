@@ -1,9 +1,12 @@
 #include <fstream>
 #include <iterator>
 
+#include <QScriptEngine>
+
 #include "DeviceFixture.h"
 #include "HostileServer.h"
 #include "HttpDeadline.h"
+#include "MScriptMngRemote.h"
 
 // The HTTP client in a device: answers become calls of script functions, and stopping the device ends all of it.
 
@@ -126,6 +129,35 @@ TEST_F(ScriptRequests, ReleaseReturnsWhileServersAreSilent) {
     ASSERT_TRUE(server.WaitForConnections(10));
     EndDevice();
     EXPECT_TRUE(server.WaitUntilAllClosed());
+}
+
+TEST_F(ScriptRequests, AScriptThatIsOnlyLookedAtSendsNothing) {
+    const HostileServer server(&AnswerHello);
+    QScriptEngine looking;
+    MScriptMngRemote bridge(nullptr, nullptr, nullptr, nullptr, &looking);
+    looking.globalObject().setProperty(QStringLiteral("QCalverin"), looking.newQObject(&bridge));
+    const QString script =
+        QStringLiteral("var client = QCalverin.CreateHTTPClient(); client.on('response', function () {});"
+                       "client.get('%1'); client.addHeader('', 'A', '1')");
+    const QScriptValue value = looking.evaluate(script.arg(QString::fromStdString(server.Address())));
+    EXPECT_EQ(value.toString(), QStringLiteral("A:1"));
+    bridge.ReleaseScriptObjects();
+    EXPECT_EQ(server.Connections(), 0);
+}
+
+TEST_F(ScriptRequests, WithoutEngineThereIsNoClient) {
+    MScriptMngRemote bridge(nullptr, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_FALSE(bridge.CreateHTTPClient().isValid());
+}
+
+TEST_F(ScriptRequests, AClientOfAStoppedScriptIsNoLongerThere) {
+    GivenScript("({ Make: function () { this.client = QCalverin.CreateHTTPClient(); },"
+                "   Use: function () { try { this.client.get('http://127.0.0.1:1/'); return 'sent'; }"
+                "                      catch (error) { return 'gone'; } } })");
+    Call("Make");
+    EXPECT_EQ(Call("Use"), "sent");
+    OnScriptThread([this] { device->GetRemote()->ReleaseScriptObjects(); });
+    EXPECT_EQ(Call("Use"), "gone");
 }
 
 TEST_F(ScriptRequests, TheScriptsOfTheManualWork) {
