@@ -131,7 +131,6 @@ private:
     ConnectionPtr StandingConnection() const;
 
     std::int32_t StartAll();
-    std::int32_t StartUnlessConnecting();
     void Reconnect();
     std::unique_lock<MLock> EnterConnectLock();
     bool OpenWake();
@@ -154,7 +153,7 @@ private:
 
     MLockedList<ITCPClientSocketHandler*> m_handlers; // its lock is held while handlers are called
     MLock m_connectLock;                              // held for each connect and while a lost connection is closed
-    bool m_connecting = false;                        // a connect runs; under m_connectLock
+    std::atomic<bool> m_connecting{false};            // a connect runs; written under m_connectLock, read by all
     HostResolver m_resolver;                          // its cancel count tells a connect that it was ended
     SocketWake m_wake;                                // ends the thread's wait
     std::unique_ptr<char[]> m_receiveBuffer;          // the socket's thread

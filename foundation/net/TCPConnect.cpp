@@ -33,19 +33,18 @@ std::int32_t MTCPClientSocket::Connect() {
     return RunConnect(false);
 }
 
+// Without the lock: it is held while the end of the last connection is told, which is just when owners ask for the next one, and the
+// thread's own try at it must not meet us.
 std::int32_t MTCPClientSocket::ConnectAsync() {
-    const std::int32_t started = StartUnlessConnecting();
+    if (m_connecting)
+        return NetConnecting;
+    const std::int32_t started = StartAll();
     if (started != NetSuccess)
         return started;
-    m_connectPending = true; // the lock is free again: the thread's own try at it must not meet us
+    m_connectPending = true;
     m_connectionWanted = true;
     m_wake.Set();
     return NetSuccess;
-}
-
-std::int32_t MTCPClientSocket::StartUnlessConnecting() {
-    const std::unique_lock<MLock> lock(m_connectLock, std::try_to_lock);
-    return lock ? StartAll() : NetConnecting;
 }
 
 void MTCPClientSocket::Disconnect() {

@@ -180,7 +180,7 @@ SocketError SystemSocket::FinishConnect(const SocketAddress& address) {
 void SystemSocket::Dissolve() {
     sockaddr nobody{};
     nobody.sa_family = AF_UNSPEC;
-    connect(Fd(m_handle), &nobody, sizeof nobody);
+    static_cast<void>(connect(Fd(m_handle), &nobody, sizeof nobody));
 }
 
 SocketError SystemSocket::GetPendingCount(std::uint32_t& count) const {

@@ -244,6 +244,22 @@ TEST_F(TCPThread, DisconnectEndsTheWaitForTheNextAttempt) {
     EXPECT_LT(steady_clock::now() - start, milliseconds(1000));
 }
 
+TEST_F(TCPThread, AConnectAskedForWhileTheCloseIsToldIsNotDropped) {
+    MEvent asked;
+    MEvent told;
+    recorder.onClose = [&](MTCPClientSocket*) {
+        told.Set();
+        asked.Wait(kDeadlineMs);
+    };
+    Peer peer = GivenConnection();
+    peer.Close();
+    EXPECT_TRUE(told.Wait(kDeadlineMs));
+    EXPECT_EQ(client->ConnectAsync(), 0); // on another thread than the one that tells
+    asked.Set();
+    EXPECT_TRUE(recorder.WaitFor("connect", 2));
+    client->RemoveHandler(&recorder); // no call runs any more
+}
+
 // Another file in the socket's place: the system refuses what is asked of it.
 TEST_F(TCPThread, ASocketThatCannotBeReadTellsMinus15WithoutSpinning) {
     const Peer peer = GivenConnection();
