@@ -248,14 +248,14 @@ TEST(SetupText, CutOffAnywhereIsRefused) {
 
 TEST(SetupText, WithAnyByteChangedIsReadOrRefused) {
     const std::string text = PrintSetup(FullSetup());
-    for (std::size_t at = 0; at < text.size(); ++at)
-        for (const char byte : {'<', '>', '"', '&', '\x01', '\xFF'}) {
-            std::string changed = text;
-            changed[at] = byte;
-            DeviceSetup setup;
-            const KXPCode code = ReadSetup(changed.c_str(), setup);
-            EXPECT_TRUE(code == KXP_OK || code == KXP_NULL_ARGUMENT || code == KXP_BAD_SETUP) << code;
-        }
+    const std::string bytes = "<>\"&\x01\xFF";
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        std::string changed = text;
+        changed[at] = bytes[at % bytes.size()];
+        DeviceSetup setup;
+        const KXPCode code = ReadSetup(changed.c_str(), setup);
+        EXPECT_TRUE(code == KXP_OK || code == KXP_NULL_ARGUMENT || code == KXP_BAD_SETUP) << code;
+    }
 }
 
 TEST(SetupText, ThatIsDeepHugeOrCrowdedIsRefusedOrReadInTime) {
