@@ -68,6 +68,7 @@ void JsonNode::ForEach(const std::function<void(const JsonNode&)>& call) const {
 std::vector<JsonNode> JsonNode::Items() const {
     std::vector<JsonNode> nodes;
     const QJsonArray items = value_.toArray();
+    nodes.reserve(static_cast<std::size_t>(items.size()));
     for (int index = 0; index < items.size(); ++index)
         nodes.emplace_back(items.at(index), QStringLiteral("%1[%2]").arg(path_).arg(index), complaints_);
     return nodes;
