@@ -5,11 +5,12 @@
 #include <arpa/inet.h>
 #include <array>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
 
@@ -184,9 +185,24 @@ std::vector<int> SocketDescriptors() {
     std::vector<int> sockets;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
         const int descriptor = std::stoi(entry.path().filename().string());
-        struct stat status {};
-        if (fstat(descriptor, &status) == 0 && S_ISSOCK(status.st_mode))
+        std::error_code gone; // the listing's own descriptor is in the list
+        if (std::filesystem::read_symlink(entry.path(), gone).string().rfind("socket:", 0) == 0)
             sockets.push_back(descriptor);
     }
     return sockets;
+}
+
+std::uint16_t LocalPortOf(int descriptor) {
+    Peer view(descriptor);
+    const std::uint16_t port = view.GetPort();
+    view.Release();
+    return port;
+}
+
+Peer ReplaceByZeros(int descriptor) {
+    Peer original(static_cast<int>(syscall(SYS_fcntl, descriptor, F_DUPFD_CLOEXEC, 0)));
+    const Peer zeros(open("/dev/zero", O_RDONLY | O_CLOEXEC));
+    if (syscall(SYS_dup3, zeros.GetDescriptor(), descriptor, O_CLOEXEC) != descriptor)
+        abort();
+    return original;
 }

@@ -70,3 +70,8 @@ std::size_t CountDescriptors();
 std::size_t CountThreads();
 /// The descriptors of the sockets that the process has now.
 std::vector<int> SocketDescriptors();
+std::uint16_t LocalPortOf(int descriptor);
+
+/// Puts a file that is no socket in the place of somebody else's descriptor, so that the system refuses what is asked of it. Called
+/// past the sanitizers, which take it for a race. @return the socket that was there.
+Peer ReplaceByZeros(int descriptor);

@@ -1,8 +1,6 @@
 #include "TCPFixture.h"
 
 #include <chrono>
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
@@ -260,13 +258,10 @@ TEST_F(TCPThread, AConnectAskedForWhileTheCloseIsToldIsNotDropped) {
     client->RemoveHandler(&recorder); // no call runs any more
 }
 
-// Another file in the socket's place: the system refuses what is asked of it.
 TEST_F(TCPThread, ASocketThatCannotBeReadTellsMinus15WithoutSpinning) {
     const Peer peer = GivenConnection();
     const int own = ClientDescriptor(peer);
-    const Peer other(dup(own));
-    const Peer zero(open("/dev/zero", O_RDONLY | O_CLOEXEC));
-    ASSERT_EQ(dup2(zero.GetDescriptor(), own), own);
+    const Peer other = ReplaceByZeros(own);
     peer.Send("wake");
     ASSERT_TRUE(recorder.WaitFor("error -15", 2));
     const auto start = steady_clock::now();

@@ -77,7 +77,7 @@ TEST_F(UDPOptions, InterfaceAddressesStayWithinTheCountThatWasAsked) {
 
 TEST_F(UDPGroups, BindJoinsTheStoredGroup) {
     GivenBound();
-    EXPECT_TRUE(peer.SendTo("to the group", socket->GetPort(), "239.1.2.3") || true);
+
     MUDPSocket sender;
     EXPECT_EQ(sender.SetMulticastInterface("127.0.0.1"), 0);
     EXPECT_EQ(sender.SendTo("to all", 6, "239.1.2.3", socket->GetPort()), 0);

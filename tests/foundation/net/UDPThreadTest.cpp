@@ -1,9 +1,7 @@
 #include "UDPFixture.h"
 
 #include <chrono>
-#include <fcntl.h>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -12,7 +10,7 @@ protected:
     // The socket's descriptor: the one with its port.
     int OwnDescriptor() {
         for (const int descriptor : SocketDescriptors())
-            if (Peer copy(dup(descriptor)); copy.GetPort() == socket->GetPort())
+            if (LocalPortOf(descriptor) == socket->GetPort())
                 return descriptor;
         return -1;
     }
@@ -159,14 +157,11 @@ TEST_F(UDPThread, BindAndCloseMayBeRepeatedManyTimes) {
     EXPECT_EQ(CountDescriptors(), descriptors);
 }
 
-// Another file in the socket's place: the system refuses what is asked of it.
 TEST_F(UDPThread, ASocketThatCannotBeReadTellsMinus15WithoutSpinning) {
     GivenBound();
     const int own = OwnDescriptor();
     ASSERT_GE(own, 0);
-    const Peer other(dup(own));
-    const Peer zero(open("/dev/zero", O_RDONLY | O_CLOEXEC));
-    ASSERT_EQ(dup2(zero.GetDescriptor(), own), own);
+    const Peer other = ReplaceByZeros(own);
     EXPECT_TRUE(peer.SendTo("wake", other.GetPort()));
     ASSERT_TRUE(recorder.WaitFor("error -15", 2));
     const auto start = steady_clock::now();
