@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <net/if.h>
 #include <net/route.h>
@@ -63,11 +64,11 @@ bool SetUpLoopback() {
 }
 
 bool SetUpResolver() {
-    char path[] = "/tmp/resolvXXXXXX";
-    close(mkstemp(path));
-    const bool done = Write(path, "nameserver 127.0.0.1\noptions timeout:5 attempts:1\n") &&
-                      mount(path, "/etc/resolv.conf", nullptr, MS_BIND, nullptr) == 0;
-    unlink(path);
+    std::string path = std::filesystem::temp_directory_path() / "resolvXXXXXX";
+    close(mkstemp(path.data()));
+    const bool done = Write(path.c_str(), "nameserver 127.0.0.1\noptions timeout:5 attempts:1\n") &&
+                      mount(path.c_str(), "/etc/resolv.conf", nullptr, MS_BIND, nullptr) == 0;
+    unlink(path.c_str());
     return done;
 }
 
