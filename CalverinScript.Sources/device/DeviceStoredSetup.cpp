@@ -211,19 +211,8 @@ KXPCode MCalverinScript_Device::AcceptSetup(const DeviceSetup& setup, const QStr
     const bool taken = MakeDefinition(now, setup.monitors, remove, appliedRemoveDefaults && !remove, definition) &&
                        deviceVariables != nullptr && deviceVariables->SetDefinition(definition.c_str()) == 1;
     if (taken) {
-        if (!scriptOptionRemoveDefaults)
-            removeDefaults = script.removeDefaults;
         appliedRemoveDefaults = remove;
-        userModeVisible = setup.userModeVisible.value_or(userModeVisible);
-        runModeVisible = setup.runModeVisible.value_or(runModeVisible);
-        registerAllUserGroups = script.registerAllUserGroups;
-        programmingMode = script.programmingMode;
-        autoCompletion = script.autoCompletion;
-        TakeScript(scriptFile, script.text);
-        ReplaceAll(setupSettings, setup.settings);
-        ReplaceAll(variablesLive, setup.monitors);
-        BindLiveVariables();
-        CommitStopFunctions();
+        TakeAcceptedSetup(setup, script, scriptFile);
         definitionCache = definition.c_str();
         setupLoaded = true;
     }
@@ -232,6 +221,22 @@ KXPCode MCalverinScript_Device::AcceptSetup(const DeviceSetup& setup, const QStr
     if (!taken)
         return KXP_CANCELLED;
     return tellsChange ? KXPCode{KXP_COMMANDS_CHANGED} : KXPCode{KXP_OK};
+}
+
+void MCalverinScript_Device::TakeAcceptedSetup(const DeviceSetup& setup, const SetupScript& script,
+                                               const QString& scriptFile) {
+    if (!scriptOptionRemoveDefaults)
+        removeDefaults = script.removeDefaults;
+    userModeVisible = setup.userModeVisible.value_or(userModeVisible);
+    runModeVisible = setup.runModeVisible.value_or(runModeVisible);
+    registerAllUserGroups = script.registerAllUserGroups;
+    programmingMode = script.programmingMode;
+    autoCompletion = script.autoCompletion;
+    TakeScript(scriptFile, script.text);
+    ReplaceAll(setupSettings, setup.settings);
+    ReplaceAll(variablesLive, setup.monitors);
+    BindLiveVariables();
+    CommitStopFunctions();
 }
 
 KXPCode MCalverinScript_Device::CancelSetup() {

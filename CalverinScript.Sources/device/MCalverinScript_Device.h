@@ -349,6 +349,7 @@ private:
     // Setup
     void TakeStoredSetup(const DeviceSetup& setup);
     void TakeStoredScript(const SetupScript& script);
+    void TakeAcceptedSetup(const DeviceSetup& setup, const SetupScript& script, const QString& scriptFile);
     void TakeScript(const QString& fileName, const QString& text);
     void Analyse();
     bool IsFirstDevice() const;
