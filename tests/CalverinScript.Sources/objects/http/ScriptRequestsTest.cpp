@@ -151,12 +151,13 @@ TEST_F(ScriptRequests, WithoutEngineThereIsNoClient) {
 }
 
 TEST_F(ScriptRequests, AClientOfAStoppedScriptIsNoLongerThere) {
-    GivenScript("({ Make: function () { this.client = QCalverin.CreateHTTPClient(); },"
-                "   Use: function () { try { this.client.get('http://127.0.0.1:1/'); return 'sent'; }"
+    GivenScript("({ Make: function () { kept = QCalverin.CreateHTTPClient(); },"
+                "   Use: function () { try { kept.get('http://127.0.0.1:1/'); return 'sent'; }"
                 "                      catch (error) { return 'gone'; } } })");
     Call("Make");
     EXPECT_EQ(Call("Use"), "sent");
-    OnScriptThread([this] { device->GetRemote()->ReleaseScriptObjects(); });
+    device->Stop();
+    device->Start();
     EXPECT_EQ(Call("Use"), "gone");
 }
 
