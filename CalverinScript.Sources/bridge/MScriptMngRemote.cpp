@@ -1,5 +1,6 @@
 #include "MScriptMngRemote.h"
 
+#include <algorithm>
 #include <chrono>
 #include <mutex>
 
@@ -71,6 +72,21 @@ void MScriptMngRemote::ReleaseAsyncContexts() {
         context->ForgetHandler();
         context->Release();
     }
+}
+
+// The host may be dropping its reference just now: a context that has lost its last one waits for the list's lock in its
+// destructor, and one more release does not delete it again.
+void MScriptMngRemote::DropDelivered(MyAsyncDeviceExecContext* context) {
+    constexpr std::size_t kMostContexts = 1000;
+    context->SetDelivered();
+    context->Release();
+    const std::lock_guard<ContextRegistry<MyAsyncDeviceExecContext>> guard(*asyncContexts);
+    if (asyncContexts->Count() <= kMostContexts)
+        return;
+    const auto isDelivered = [](const MyAsyncDeviceExecContext* listed) { return listed->IsDelivered(); };
+    const auto oldest = std::find_if(asyncContexts->begin(), asyncContexts->end(), isDelivered);
+    if (oldest != asyncContexts->end())
+        (*oldest)->Release();
 }
 
 bool MScriptMngRemote::IsDeviceEnding() const {

@@ -154,6 +154,10 @@ public:
     /// Whether an object that raised an event is still there. Asked once for each event that was posted.   [script]
     bool IsLiveObject(const MScriptCommonEvent* object);
 
+    /// Drops the reference of a delivered answer, and with it that of the host to an answer of long ago: nothing tells a host
+    /// that it has one, so that most never drop it, and a script that asks every second would collect contexts for years.
+    /// [script]
+    void DropDelivered(MyAsyncDeviceExecContext* context);
     /// The list that asynchronous contexts join.   [script]
     const SharedContextRegistry<MyAsyncDeviceExecContext>& GetAsyncContexts() const { return asyncContexts; }
 

@@ -25,7 +25,12 @@ public:
     /// From now on nobody is told: the request has been given up, and an End that still comes drops a reference.   [any]
     void ForgetHandler() { asyncHandler = nullptr; }
 
+    /// The script has had its answer: what is left is the host's reference.   [script]
+    void SetDelivered() { delivered = true; }
+    bool IsDelivered() const { return delivered; }
+
 private:
+    std::atomic<bool> delivered{false};
     std::atomic<IAsyncDeviceExecContextHandler*> asyncHandler; ///< taken by whoever ends first
     const SharedContextRegistry<MyAsyncDeviceExecContext> registry;
 };

@@ -81,7 +81,7 @@ bool MCalverinScript_Device::SlotExecuteCallBack(MyAsyncDeviceExecContext* conte
             arguments.append(QScriptValue(FromHostText(result.c_str())));
         CallScript(function, arguments);
         CheckUncaught();
-        context->Release();
+        remote->DropDelivered(context);
         return true;
     });
 }

@@ -103,6 +103,31 @@ TEST_F(ShowCalls, AnAsynchronousAnswerGivenTwiceCallsTheFunctionOnce) {
     EXPECT_EQ(device->GetRemote()->GetAsyncContexts()->Count(), 0u);
 }
 
+TEST_F(ShowCalls, AsynchronousAnswersOfYearsDoNotPileUpWhenTheHostNeverReleasesThem) {
+    GivenScript("({ n: 0, Ask: function() { var me = this;"
+                "     for (var i = 0; i < 500; ++i) QCalverin.PerformAsync(function() { ++me.n }, 'O', 'A') },"
+                "   Get: function() { return this.n } })");
+    answer = [](IExecContext2* context) { context->End(); };
+    for (int asked = 500; asked <= 3000; asked += 500) {
+        Call("Ask");
+        EXPECT_TRUE(Becomes("Get", std::to_string(asked)));
+    }
+    EXPECT_EQ(device->GetRemote()->GetAsyncContexts()->Count(), 1000u);
+}
+
+TEST_F(ShowCalls, AsynchronousAnswersOfYearsLeaveNothingWhenTheHostReleasesThem) {
+    GivenScript(kAsync);
+    IExecContext2* asked = nullptr;
+    answer = [&](IExecContext2* context) { asked = context; };
+    for (int i = 0; i < 50; ++i) {
+        Call("Ask");
+        asked->End();
+        asked->Release();
+    }
+    Call("Get");
+    EXPECT_EQ(device->GetRemote()->GetAsyncContexts()->Count(), 0u);
+}
+
 TEST_F(ShowCalls, AnAsynchronousFailureWithoutTextCallsTheFunctionWithoutArgument) {
     GivenScript(kAsync);
     answer = [](IExecContext2* context) {
