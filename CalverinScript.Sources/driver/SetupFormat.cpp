@@ -134,17 +134,17 @@ KXPCode ReadSetup(const char* text, DeviceSetup& content) {
     const TiXmlElement* setup = root->FirstChildElement("Setup");
     if (setup == nullptr)
         return KXP_NULL_ARGUMENT;
-    DeviceSetup read;
-    read.name = XmlText(*root, "Name");
-    read.userModeVisible = ReadVisibility(*setup, "UserMode");
-    read.runModeVisible = ReadVisibility(*setup, "RunMode");
-    read.settings = ReadList<MScriptSetting>(*setup, "Settings", "Setting", &ReadSettingElement);
-    read.monitors = ReadList<MScriptVariable>(*setup, "Monitors", "Monitor", &ReadMonitorElement);
+    content.name = XmlText(*root, "Name");
+    content.userModeVisible = ReadVisibility(*setup, "UserMode");
+    content.runModeVisible = ReadVisibility(*setup, "RunMode");
+    content.settings = ReadList<MScriptSetting>(*setup, "Settings", "Setting", &ReadSettingElement);
+    content.monitors = ReadList<MScriptVariable>(*setup, "Monitors", "Monitor", &ReadMonitorElement);
+    content.moduleCommands.reset();
     if (setup->FirstChildElement("ModuleCommands") != nullptr)
-        read.moduleCommands = ReadList<MScriptCommand>(*setup, "ModuleCommands", "Command", &ReadCommandElement);
-    read.commands = ReadList<MScriptCommand>(*setup, "Commands", "Command", &ReadCommandElement);
-    read.script = ReadScript(*setup);
-    content = std::move(read);
+        content.moduleCommands.emplace(
+            ReadList<MScriptCommand>(*setup, "ModuleCommands", "Command", &ReadCommandElement));
+    content.commands = ReadList<MScriptCommand>(*setup, "Commands", "Command", &ReadCommandElement);
+    content.script = ReadScript(*setup);
     return KXP_OK;
 }
 
