@@ -52,6 +52,10 @@ public:
 
     bool IsLibraryStarted() const { return m_started.load(std::memory_order_acquire); }
 
+protected:
+    /// How long a socket's thread pauses when the system refuses to wait or to read, so that it does not spin.
+    static constexpr std::uint32_t kBackOffMs = 100;
+
 private:
     std::string m_hostName;             // the owner's thread
     std::string m_hostIp;               // the owner's thread

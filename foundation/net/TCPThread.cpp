@@ -9,7 +9,6 @@
 namespace {
 
 constexpr std::uint32_t kBetweenAttemptsMs = 2000;
-constexpr std::uint32_t kBackOffMs = 100;
 
 } // namespace
 

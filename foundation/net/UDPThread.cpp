@@ -5,12 +5,6 @@
 
 // The body of the socket's thread. It sleeps in one place, WaitForSocket, and m_wake ends each of its sleeps.
 
-namespace {
-
-constexpr std::uint32_t kBackOffMs = 100;
-
-} // namespace
-
 std::uint32_t MUDPSocket::Run() {
     const SocketPtr socket = CurrentSocket();
     m_sourceAddress = 0;

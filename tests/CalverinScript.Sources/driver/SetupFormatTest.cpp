@@ -6,50 +6,51 @@
 
 namespace {
 
-QString Text(const char* text) {
+QString SetupText(const char* text) {
     return QString::fromUtf8(text);
 }
 
 /// A setup in which nothing has its default.
 DeviceSetup FullSetup() {
     DeviceSetup setup;
-    setup.name = Text("B\u00fchne \"1\" & <2>");
+    setup.name = SetupText("B\u00fchne \"1\" & <2>");
     setup.userModeVisible = false;
     setup.runModeVisible = true;
     MScriptSetting setting;
-    setting.name = Text("port");
-    setting.type = Text("IntegerData");
-    setting.value = Text("8000");
+    setting.name = SetupText("port");
+    setting.type = SetupText("IntegerData");
+    setting.value = SetupText("8000");
     setting.widget = 2;
-    setting.properties = {{Text("Hint"), Text("a\tb\n&#x41; 'c' \"d\"")}, {Text("MinValue"), Text("1")}};
+    setting.properties = {{SetupText("Hint"), SetupText("a\tb\n&#x41; 'c' \"d\"")},
+                          {SetupText("MinValue"), SetupText("1")}};
     setup.settings.push_back(setting);
     setting = MScriptSetting();
-    setting.name = Text("mode");
-    setting.type = Text("EnumData");
-    setting.value = Text("1");
+    setting.name = SetupText("mode");
+    setting.type = SetupText("EnumData");
+    setting.value = SetupText("1");
     setting.widget = 4;
-    setting.items = QStringList{Text("x"), Text("y")};
+    setting.items = QStringList{SetupText("x"), SetupText("y")};
     setup.settings.push_back(setting);
     MScriptVariable variable;
-    variable.name = Text("Level");
-    variable.type = Text("RealData");
-    variable.valueType = Text("Real");
-    variable.value = Text("7.5");
-    variable.defaultScriptValue = Text("5");
+    variable.name = SetupText("Level");
+    variable.type = SetupText("RealData");
+    variable.valueType = SetupText("Real");
+    variable.value = SetupText("7.5");
+    variable.defaultScriptValue = SetupText("5");
     variable.useDefaultScriptValue = false;
-    variable.properties = {{Text("Precision"), Text("2")}};
+    variable.properties = {{SetupText("Precision"), SetupText("2")}};
     setup.monitors.push_back(variable);
     variable = MScriptVariable();
-    variable.name = Text("Mood");
-    variable.type = Text("EnumData");
-    variable.value = variable.defaultScriptValue = Text("calm");
-    variable.enumItems = QStringList{Text("calm"), Text("storm")};
+    variable.name = SetupText("Mood");
+    variable.type = SetupText("EnumData");
+    variable.value = variable.defaultScriptValue = SetupText("calm");
+    variable.enumItems = QStringList{SetupText("calm"), SetupText("storm")};
     setup.monitors.push_back(variable);
-    setup.commands.push_back(CommandFromFunction(Text("Fade"), Text("(level)")));
+    setup.commands.push_back(CommandFromFunction(SetupText("Fade"), SetupText("(level)")));
     setup.commands[0].id = 4;
     setup.moduleCommands = setup.commands;
-    setup.script =
-        SetupScript{Text("$CURRENTPRJ_USERDATA\\a.js"), Text("({ f: '\u00e9 ]]>' })\r\n\tx"), true, true, true, false};
+    setup.script = SetupScript{
+        SetupText("$CURRENTPRJ_USERDATA\\a.js"), SetupText("({ f: '\u00e9 ]]>' })\r\n\tx"), true, true, true, false};
     return setup;
 }
 
@@ -66,11 +67,11 @@ DeviceSetup Read(const std::string& text) {
 
 TEST(SetupText, HasTheStatedElementsAndAttributesInTheirOrder) {
     DeviceSetup setup = FullSetup();
-    setup.name = Text("Desk");
-    setup.settings[0].properties = {{Text("MinValue"), Text("1")}};
+    setup.name = SetupText("Desk");
+    setup.settings[0].properties = {{SetupText("MinValue"), SetupText("1")}};
     setup.commands[0].params.clear();
     setup.moduleCommands = setup.commands;
-    setup.script->text = Text("x");
+    setup.script->text = SetupText("x");
     const std::string command =
         "...Command Name=Fade ID=4 Version=0 Status=Active GroupName=User Commands GroupOrder=1 "
         "GroupCmdOrder=0";
@@ -134,13 +135,13 @@ TEST(SetupText, LeavesOutTheModulesCommandsUnlessTheyAreGiven) {
 
 TEST(SetupText, LosesCharactersOfTheScriptBeyondLatin1AndThatIsMeant) {
     DeviceSetup setup = FullSetup();
-    setup.script->text = Text("\u00e9\u03a9");
-    EXPECT_EQ(Read(PrintSetup(setup)).script->text, Text("\u00e9?"));
+    setup.script->text = SetupText("\u00e9\u03a9");
+    EXPECT_EQ(Read(PrintSetup(setup)).script->text, SetupText("\u00e9?"));
 }
 
 TEST(SetupText, GivesTwoForNothingAndWhatDoesNotParseAnd22ForAnotherRoot) {
     DeviceSetup setup;
-    setup.name = Text("untouched");
+    setup.name = SetupText("untouched");
     EXPECT_EQ(ReadSetup(nullptr, setup), KXP_NULL_ARGUMENT);
     for (const char* text : {"", " ", "text", "<DeviceData", "<DeviceData Version='1'>", "<DeviceData Version='1'/>",
                              "<DeviceData Version='1'><Other/></DeviceData>"})
@@ -148,7 +149,7 @@ TEST(SetupText, GivesTwoForNothingAndWhatDoesNotParseAnd22ForAnotherRoot) {
     for (const char* text : {"<Other Version='1'><Setup/></Other>", "<DeviceData><Setup/></DeviceData>",
                              "<DeviceData Version='one'><Setup/></DeviceData>"})
         EXPECT_EQ(ReadSetup(text, setup), KXP_BAD_SETUP) << text;
-    EXPECT_EQ(setup.name, Text("untouched"));
+    EXPECT_EQ(setup.name, SetupText("untouched"));
     EXPECT_EQ(ReadSetup("<DeviceData Version='77'><Setup/></DeviceData>", setup), KXP_OK);
     EXPECT_EQ(setup.name, QString());
 }
@@ -163,20 +164,20 @@ TEST(SetupText, KnowsWhatIsNotSaid) {
 
 TEST(SetupText, WithoutTheFlagsOfTheScriptHasTheirDefaults) {
     const DeviceSetup setup = Read(Around("<Script>plain</Script>"));
-    EXPECT_EQ(setup.script->text, Text("plain"));
+    EXPECT_EQ(setup.script->text, SetupText("plain"));
     EXPECT_TRUE(setup.script->autoCompletion);
     EXPECT_FALSE(setup.script->registerAllUserGroups);
     EXPECT_FALSE(setup.script->removeDefaults);
     EXPECT_FALSE(setup.script->programmingMode);
     EXPECT_EQ(setup.script->storedFileName, QString());
     EXPECT_EQ(Read(Around("<Script AutoCompletion='perhaps'/>")).script->autoCompletion, true);
-    EXPECT_EQ(Read(Around("<Script/>")).script->text, Text(""));
+    EXPECT_EQ(Read(Around("<Script/>")).script->text, SetupText(""));
 }
 
 TEST(SetupText, TakesAScriptWithoutEncodedBase64AsPlainText) {
-    EXPECT_EQ(Read(Around("<Script><![CDATA[a  <b>]]></Script>")).script->text, Text("a  <b>"));
-    EXPECT_EQ(Read(Around("<Script EncodedBase64='0'>eA==</Script>")).script->text, Text("eA=="));
-    EXPECT_EQ(Read(Around("<Script EncodedBase64='1'>eA==</Script>")).script->text, Text("x"));
+    EXPECT_EQ(Read(Around("<Script><![CDATA[a  <b>]]></Script>")).script->text, SetupText("a  <b>"));
+    EXPECT_EQ(Read(Around("<Script EncodedBase64='0'>eA==</Script>")).script->text, SetupText("eA=="));
+    EXPECT_EQ(Read(Around("<Script EncodedBase64='1'>eA==</Script>")).script->text, SetupText("x"));
 }
 
 TEST(SetupText, WithWrongBase64IsReadAsFarAsItGoes) {
@@ -191,9 +192,9 @@ TEST(SetupText, ReadsVariablesOfOlderSetups) {
                     "<Property Name='MaxValue' Value='nine'/></Properties></Monitor></Monitors>"));
     ASSERT_EQ(setup.monitors.size(), 1u);
     const MScriptVariable& variable = setup.monitors[0];
-    EXPECT_EQ(variable.defaultScriptValue, Text("3"));
+    EXPECT_EQ(variable.defaultScriptValue, SetupText("3"));
     EXPECT_TRUE(variable.useDefaultScriptValue);
-    EXPECT_EQ(variable.valueType, Text("String"));
+    EXPECT_EQ(variable.valueType, SetupText("String"));
     EXPECT_EQ(Told(variable.properties), "MinValue=1");
     EXPECT_EQ(variable.data, nullptr);
     EXPECT_EQ(variable.instanceId, 0u);
@@ -225,15 +226,15 @@ TEST(SetupText, ReadsTheFieldOfASettingByNumberNameOrType) {
 
 TEST(SetupText, NeverLetsAShownNameReplaceTheNameThatASettingIsFoundBy) {
     DeviceSetup setup = FullSetup();
-    setup.settings[0].properties = {{Text("Name"), Text("Port of the desk")}};
-    EXPECT_EQ(Read(PrintSetup(setup)).settings[0].name, Text("port"));
+    setup.settings[0].properties = {{SetupText("Name"), SetupText("Port of the desk")}};
+    EXPECT_EQ(Read(PrintSetup(setup)).settings[0].name, SetupText("port"));
 }
 
 TEST(SetupText, OfAnEightBitHostIsReadAsSuch) {
     const DeviceSetup setup =
         Read("<DeviceData Version='1' Name='B\xFChne'><Setup><Script>\xE9</Script></Setup></DeviceData>");
-    EXPECT_EQ(setup.name, Text("B\u00fchne"));
-    EXPECT_EQ(setup.script->text, Text("\u00e9"));
+    EXPECT_EQ(setup.name, SetupText("B\u00fchne"));
+    EXPECT_EQ(setup.script->text, SetupText("\u00e9"));
 }
 
 TEST(SetupText, CutOffAnywhereIsRefused) {
@@ -276,13 +277,15 @@ TEST(SetupText, ThatIsDeepHugeOrCrowdedIsRefusedOrReadInTime) {
 }
 
 TEST(StoredFileName, StandsForAFileInTheUserDataFolder) {
-    EXPECT_EQ(ResolveStoredFileName(Text("$CURRENTPRJ_USERDATA\\a.js"), Text("/data")), Text("/data/a.js"));
-    EXPECT_EQ(ResolveStoredFileName(Text("$CURRENTPRJ_USERDATA/sub\\a.js"), Text("/data/")), Text("/data/sub/a.js"));
-    EXPECT_EQ(ResolveStoredFileName(Text("$CURRENTPRJ_USERDATA\\a.js"), QString()), QString());
-    EXPECT_EQ(ResolveStoredFileName(Text("/elsewhere/a.js"), Text("/data")), QString());
-    EXPECT_EQ(ResolveStoredFileName(Text("$CURRENTPRJ_USERDATA"), Text("/data")), QString());
-    EXPECT_EQ(ResolveStoredFileName(QString(), Text("/data")), QString());
-    EXPECT_EQ(MakeStoredFileName(Text("/data/sub/a.js")), Text("$CURRENTPRJ_USERDATA\\a.js"));
+    EXPECT_EQ(ResolveStoredFileName(SetupText("$CURRENTPRJ_USERDATA\\a.js"), SetupText("/data")),
+              SetupText("/data/a.js"));
+    EXPECT_EQ(ResolveStoredFileName(SetupText("$CURRENTPRJ_USERDATA/sub\\a.js"), SetupText("/data/")),
+              SetupText("/data/sub/a.js"));
+    EXPECT_EQ(ResolveStoredFileName(SetupText("$CURRENTPRJ_USERDATA\\a.js"), QString()), QString());
+    EXPECT_EQ(ResolveStoredFileName(SetupText("/elsewhere/a.js"), SetupText("/data")), QString());
+    EXPECT_EQ(ResolveStoredFileName(SetupText("$CURRENTPRJ_USERDATA"), SetupText("/data")), QString());
+    EXPECT_EQ(ResolveStoredFileName(QString(), SetupText("/data")), QString());
+    EXPECT_EQ(MakeStoredFileName(SetupText("/data/sub/a.js")), SetupText("$CURRENTPRJ_USERDATA\\a.js"));
 }
 
 } // namespace

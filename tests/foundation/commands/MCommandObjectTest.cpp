@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::int32_t kBadIndices[] = {-1, 9, 2147483647, -2147483647 - 1};
 
-int pointedTo = 0;
+int anything = 0;
 
 /// One parameter of each type, at the index of its type code less one.
 void AddOneOfEach(MCommandObject& command) {
@@ -19,7 +19,7 @@ void AddOneOfEach(MCommandObject& command) {
     EXPECT_EQ(command.AddFloatParam(1.25, "float"), 5);
     EXPECT_EQ(command.AddCharBufferParam("text", "text"), 6);
     EXPECT_EQ(command.AddBYTEBufferParam("a\0b", 3, "bytes"), 7);
-    EXPECT_EQ(command.AddVoidParam(&pointedTo, 4, "void"), 8);
+    EXPECT_EQ(command.AddVoidParam(&anything, 4, "void"), 8);
 }
 
 } // namespace
@@ -99,10 +99,10 @@ TEST(MCommandObject, EachTypeComesBackByItsOwnGetter) {
     std::uint32_t size = 0;
     const void* bytes = command.GetBYTEBufferParam(7, &size);
     EXPECT_EQ(std::string(static_cast<const char*>(bytes), size), std::string("a\0b", 3));
-    EXPECT_EQ(command.GetVoidParam(8, &size), &pointedTo);
+    EXPECT_EQ(command.GetVoidParam(8, &size), &anything);
     EXPECT_EQ(size, 4U);
     EXPECT_NE(command.GetBYTEBufferParam(7, nullptr), nullptr);
-    EXPECT_EQ(command.GetVoidParam(8, nullptr), &pointedTo);
+    EXPECT_EQ(command.GetVoidParam(8, nullptr), &anything);
 }
 
 TEST(MCommandObject, NoGetterConvertsBetweenTypes) {
@@ -163,7 +163,7 @@ TEST(MCommandObject, TellsTypeDataAndSizeOfAParameter) {
     EXPECT_EQ(command.GetParamRaw(6, &size, &type), command.GetParamData(6));
     EXPECT_EQ(size, 5U);
     EXPECT_EQ(type, 7);
-    EXPECT_EQ(command.GetParamRaw(8, nullptr, nullptr), &pointedTo);
+    EXPECT_EQ(command.GetParamRaw(8, nullptr, nullptr), &anything);
     EXPECT_EQ(command.GetParamType(5), 6);
     EXPECT_EQ(command.GetParamSize(5), 8U);
     EXPECT_STREQ(command.GetParam(5)->GetName(), "float");

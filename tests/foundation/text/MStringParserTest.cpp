@@ -4,7 +4,7 @@
 
 namespace {
 
-struct Row {
+struct SplitRow {
     const char* sentence;
     const char* text;
     char open;
@@ -12,7 +12,7 @@ struct Row {
     MStringParser::Parts parts;
 };
 
-const Row kRows[] = {
+const SplitRow kSplitRows[] = {
     {"empty fields are dropped", "a,,b", 0, 0, {"a", "b"}},
     {"separators alone give no part", ",,,", 0, 0, {}},
     {"at both ends too", ",a,", 0, 0, {"a"}},
@@ -33,7 +33,7 @@ const Row kRows[] = {
 } // namespace
 
 TEST(MStringParser, SplitsAsItsTableSays) {
-    for (const Row& row : kRows) {
+    for (const SplitRow& row : kSplitRows) {
         MStringParser parser(row.text);
         parser.SetQuotes(row.open, row.close);
         const MStringParser::Parts* parts = parser.Split(',');

@@ -1,5 +1,6 @@
 #include "MDate.h"
 #include "DateFormat.h"
+#include "TimeVocabulary.h"
 
 #include <atomic>
 #include <cstring>
@@ -8,9 +9,6 @@
 #include <thread>
 
 namespace {
-
-constexpr std::int32_t kSmallest = -2147483647 - 1;
-constexpr std::int32_t kLargest = 2147483647;
 
 MDate DateOf(std::int32_t day, std::int32_t month, std::int32_t year) {
     MDate date;
@@ -33,25 +31,25 @@ std::string Read(const char* text, char format = 0) {
     return taken ? TextOf(date, '7') : "stayed";
 }
 
-struct WrittenRow {
+struct WrittenDateRow {
     char format;
     const char* text;
 };
 
-constexpr WrittenRow kWritten[] = {
+constexpr WrittenDateRow kWrittenDates[] = {
     {'0', "02/01/2003"}, {'1', "01/02/2003"}, {'2', "2003/02/01"}, {'3', "02-01-2003"},
     {'4', "01-02-2003"}, {'5', "2003-02-01"}, {'6', "02.01.2003"}, {'7', "01.02.2003"},
     {'8', "2003.02.01"}, {'9', "01/02/2003"}, {'x', "01/02/2003"}, {'\xFF', "01/02/2003"},
 };
 
-struct ReadRow {
+struct DateTextRow {
     const char* says;
     char format;
     const char* text;
     const char* date;
 };
 
-constexpr ReadRow kRead[] = {
+constexpr DateTextRow kDateTexts[] = {
     {"29 February of a leap year", '1', "29/02/2000", "29.02.2000"},
     {"29 February of 1900, which is no leap year", '1', "29/02/1900", "stayed"},
     {"29 February of 2100, which is no leap year", '1', "29/02/2100", "stayed"},
@@ -107,7 +105,7 @@ TEST(MDate, BeginsOnTheFirstOfJanuary1900) {
 }
 
 TEST(MDate, WritesEveryFormat) {
-    for (const WrittenRow& row : kWritten)
+    for (const WrittenDateRow& row : kWrittenDates)
         EXPECT_EQ(TextOf(DateOf(1, 2, 2003), row.format), row.text);
 }
 
@@ -123,7 +121,7 @@ TEST(MDate, ReadsBackEveryFormatThatItWrites) {
 }
 
 TEST(MDate, ReadsFieldsByTheirPlace) {
-    for (const ReadRow& row : kRead)
+    for (const DateTextRow& row : kDateTexts)
         EXPECT_EQ(Read(row.text, row.format), row.date) << row.says;
 }
 

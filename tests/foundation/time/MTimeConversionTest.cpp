@@ -2,12 +2,12 @@
 
 namespace {
 
-struct Row {
+struct ConversionRow {
     std::int32_t type, value, targetType, converted;
     const char* text;
 };
 
-constexpr Row kRows[] = {
+constexpr ConversionRow kConversions[] = {
     {kFilm, 24, kVideo25, 25, "00:00:01/00"},
     {kFilm, 12, kVideo30, 15, "00:00:00/15"},
     {kFilm, 36, kHundredths, 150, "00:00:01/50"},
@@ -33,7 +33,7 @@ constexpr Row kRows[] = {
 } // namespace
 
 TEST(MTimeConversion, GivesTextValueAndFramesInTheTargetType) {
-    for (const Row& row : kRows) {
+    for (const ConversionRow& row : kConversions) {
         MTime time = Converting(row.value, row.type, row.targetType);
         EXPECT_STREQ(time.GetConvertedText(), row.text) << row.type << " to " << row.targetType;
         EXPECT_EQ(time.GetConvertedValue(), row.converted) << row.type << " to " << row.targetType;

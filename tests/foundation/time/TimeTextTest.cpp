@@ -4,14 +4,14 @@
 
 namespace {
 
-struct Row {
+struct TimeTextRow {
     const char* says;
     const char* text;
     std::int32_t type;
     std::int32_t value;
 };
 
-constexpr Row kRead[] = {
+constexpr TimeTextRow kTimeTexts[] = {
     {"an hour of 25 frames", "01:00:00/00", kVideo25, 90000},
     {"an hour of hundredths", "01:00:00/00", kHundredths, 360000},
     {"an hour of 24 frames", "01:00:00/00", kFilm, 86400},
@@ -67,12 +67,12 @@ constexpr const char* kUnreadable[] = {
     "1,5",  "1;2", "1-2",  "\xB2", "0:0:0/-",     "x0:0:1/0",     "0:0:1 /0",    "\xFF\xFE", "\xD9\xA1", "1\n",
     "0x10", "1e3", "1/+2", "1:-2", "00:00:00-00", "99:00:00/00x", "-99:00:00/0x"};
 
-struct WrittenRow {
+struct WrittenTimeRow {
     std::int32_t type, value;
     const char* text;
 };
 
-constexpr WrittenRow kWritten[] = {
+constexpr WrittenTimeRow kWrittenTimes[] = {
     {kFilm, 86400 + 1440 + 24 + 23, "01:01:01/23"},
     {kVideo25, 90000, "01:00:00/00"},
     {kVideo30, 29, "00:00:00/29"},
@@ -94,7 +94,7 @@ constexpr WrittenRow kWritten[] = {
 } // namespace
 
 TEST(TimeText, ReadsWhatPeopleWrite) {
-    for (const Row& row : kRead)
+    for (const TimeTextRow& row : kTimeTexts)
         EXPECT_EQ(ValueOf(row.text, row.type), row.value) << row.says << ": " << row.text;
 }
 
@@ -134,7 +134,7 @@ TEST(TimeText, ReadsLongTextsByTheirFirstCharacters) {
 }
 
 TEST(TimeText, WritesEveryType) {
-    for (const WrittenRow& row : kWritten)
+    for (const WrittenTimeRow& row : kWrittenTimes)
         EXPECT_EQ(TextOf(row.value, row.type), row.text);
 }
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-struct Row {
+struct TrackRow {
     const char* sentence;
     std::int32_t command;
     bool suspendedBefore;
@@ -13,7 +13,7 @@ struct Row {
     std::int32_t state;
 };
 
-constexpr Row kRows[] = {
+constexpr TrackRow kTrackRows[] = {
     {"stop clears all from running", 0, false, false, false, 0},
     {"stop clears a suspension", 0, true, false, false, 0},
     {"run leaves it not suspended", 1, false, true, false, 1},
@@ -41,7 +41,7 @@ void Track(MTimerailManager& manager, std::int32_t command, std::int32_t argumen
     }
 }
 
-void ExpectState(const MTimerailManager& manager, const Row& row) {
+void ExpectState(const MTimerailManager& manager, const TrackRow& row) {
     EXPECT_EQ(manager.IsTracking(), row.tracking) << row.sentence;
     EXPECT_EQ(manager.IsSuspended(), row.suspended) << row.sentence;
     EXPECT_EQ(manager.GetState(), row.state) << row.sentence;
@@ -58,7 +58,7 @@ TEST(MTimerailManager, IsIdleAtFirst) {
 }
 
 TEST(MTimerailManager, EachCommandSetsItsRowOfTheTable) {
-    for (const Row& row : kRows) {
+    for (const TrackRow& row : kTrackRows) {
         MTimerailManager manager;
         if (row.suspendedBefore)
             manager.TrackSuspend(0);
@@ -69,7 +69,7 @@ TEST(MTimerailManager, EachCommandSetsItsRowOfTheTable) {
 }
 
 TEST(MTimerailManager, EachOperationSetsItsRowOfTheTable) {
-    for (const Row& row : kRows) {
+    for (const TrackRow& row : kTrackRows) {
         MTimerailManager manager;
         if (row.suspendedBefore)
             manager.TrackSuspend(0);

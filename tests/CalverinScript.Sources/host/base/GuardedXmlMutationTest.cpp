@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kTexts = 20000;
 constexpr unsigned int kSeed = 20240817;
-constexpr unsigned int kSmallStack = 512 * 1024;
+constexpr unsigned int kMutatingStack = 512 * 1024;
 
 /// Pieces that markup is made of, broken ones among them.
 const char* const kPieces[] = {"<",
@@ -135,7 +135,7 @@ TEST(ParseXml, OfDamagedTextsNeitherCrashesNorOverflowsASmallStack) {
         for (int i = 0; i < kTexts; ++i)
             parsed += RoundTrips(mutator.Next()) ? 1 : 0;
     }));
-    thread->setStackSize(kSmallStack);
+    thread->setStackSize(kMutatingStack);
     thread->start();
     ASSERT_TRUE(thread->wait());
     EXPECT_GT(parsed, kTexts / 50) << "too few texts got past the guard for the run to mean anything";

@@ -10,14 +10,14 @@
 
 namespace {
 
-class Source : public MScriptCommonEvent {
+class LiveSource : public MScriptCommonEvent {
 public:
-    Source(ScriptObjectType kind, std::string name, std::string* gone)
+    LiveSource(ScriptObjectType kind, std::string name, std::string* gone)
         : m_name(std::move(name))
         , m_gone(gone) {
         m_type = kind;
     }
-    ~Source() override {
+    ~LiveSource() override {
         if (m_gone != nullptr)
             *m_gone += m_name + " ";
     }
@@ -29,20 +29,20 @@ private:
 
 class LiveObjects : public ScriptFixture {
 protected:
-    Source* Own(ScriptObjectType kind, const std::string& name = "") {
-        auto object = std::make_unique<Source>(kind, name, &gone);
-        Source* const bare = object.get();
+    LiveSource* Own(ScriptObjectType kind, const std::string& name = "") {
+        auto object = std::make_unique<LiveSource>(kind, name, &gone);
+        LiveSource* const bare = object.get();
         objects.Own(std::move(object));
         return bare;
     }
 
     std::string gone;
-    Source resource{ScriptObjectType::Serial, "serial", nullptr};
+    LiveSource resource{ScriptObjectType::Serial, "serial", nullptr};
     ScriptObjects objects;
 };
 
 TEST_F(LiveObjects, DeliverWhatWasRaised) {
-    Source* udp = Own(ScriptObjectType::Udp);
+    LiveSource* udp = Own(ScriptObjectType::Udp);
     EXPECT_TRUE(objects.CountRaised(udp));
     EXPECT_TRUE(objects.TakeRaised(udp));
 }
@@ -77,7 +77,7 @@ TEST_F(LiveObjects, GoInTheOrderOfTheirKindsAndThenOfTheirAges) {
 }
 
 TEST_F(LiveObjects, AreNotDeliveredToOnceTheyAreReleased) {
-    Source* udp = Own(ScriptObjectType::Udp);
+    LiveSource* udp = Own(ScriptObjectType::Udp);
     ASSERT_TRUE(objects.CountRaised(udp));
     objects.Release();
     EXPECT_FALSE(objects.CountRaised(udp)) << "nothing new is queued";
@@ -115,7 +115,7 @@ TEST_F(LiveObjects, LetResourcesLiveWithAnEmptyListenerTable) {
 TEST_F(LiveObjects, GoWithTheList) {
     {
         ScriptObjects own;
-        own.Own(std::make_unique<Source>(ScriptObjectType::Udp, "udp", &gone));
+        own.Own(std::make_unique<LiveSource>(ScriptObjectType::Udp, "udp", &gone));
     }
     EXPECT_EQ(gone, "udp ");
 }
