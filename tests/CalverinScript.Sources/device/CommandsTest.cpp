@@ -201,6 +201,7 @@ TEST_F(Commands, RunInTheOrderOfTheirAcceptance) {
         ASSERT_EQ(Send(3, *params), KXP_OK);
     }
     EXPECT_EQ(Call("Get"), expected);
+    device->Stop(); // the count falls after the end of a request
     EXPECT_EQ(device->GetStackCount(), 0);
 }
 
