@@ -3,15 +3,7 @@
 #include <QFile>
 #include <QTest>
 
-namespace {
-
-constexpr int kLongest = 60000; // ms
-
-QString Text(const char* text) {
-    return QString::fromLatin1(text);
-}
-
-} // namespace
+#include "Waits.h"
 
 DriverDesk::DriverDesk(const QString& file, const QMap<QString, QVariant>& settings) {
     QFile script(file);

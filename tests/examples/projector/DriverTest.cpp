@@ -8,18 +8,13 @@
 
 #include "DriverDesk.h"
 #include "Server.h"
+#include "Waits.h"
 
 /// The driver and the projector in one event loop.
 
 namespace {
 
-constexpr int kNever = 3600000; // ms
-constexpr int kPoll = 200;      // ms
-constexpr int kLongest = 60000; // ms
-
-QString Text(const char* text) {
-    return QString::fromUtf8(text);
-}
+constexpr int kPoll = 200; // ms
 
 class ProjectorDriver : public testing::Test {
 protected:

@@ -2,11 +2,7 @@
 
 #include <QHostAddress>
 
-namespace {
-
-constexpr int kLongest = 60000; // ms
-
-} // namespace
+#include "Waits.h"
 
 bool ProjectorProcess::Start(const QStringList& words) {
     output_.clear();

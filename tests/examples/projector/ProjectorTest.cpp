@@ -3,13 +3,12 @@
 #include <QTest>
 
 #include "Projector.h"
+#include "Waits.h"
 
 namespace {
 
 using projector::Power;
 using projector::Projector;
-
-constexpr int kLongest = 60000; // ms
 
 projector::Description Quick() {
     projector::Description description;

@@ -4,15 +4,13 @@
 
 #include "Projector.h"
 #include "Protocol.h"
+#include "Waits.h"
 
 namespace {
 
 using projector::Answer;
 using projector::Power;
 using projector::Projector;
-
-constexpr int kLongest = 60000; // ms
-constexpr int kNever = 3600000; // ms
 
 projector::Description Known() {
     projector::Description description;
