@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 class MCommandObject;
 class MScriptCommonEvent;
@@ -25,6 +26,10 @@ public:
 
     /// Delivers an event of a script object to its listener, later. Does nothing without both pointers. @return 1.   [any]
     virtual int PostScriptEvent(const QString& name, const MScriptParamList* params, MScriptCommonEvent* event) = 0;
+
+    /// The same for several events of one name, in their order.   [any]
+    virtual void PostScriptEvents(const QString& name, std::vector<MScriptParamList> events,
+                                  MScriptCommonEvent* event) = 0;
 
     /// Leaves a task for the script thread. It runs outside the script, behind what was left before it.
     /// @return false when the device is ending.   [any]

@@ -47,12 +47,14 @@ MScriptMngRemote::~MScriptMngRemote() {
 }
 
 void MScriptMngRemote::OnDeviceStart() {
+    scriptWaits.Allow();
     ReleaseAsyncContexts();
 }
 
 void MScriptMngRemote::EndContexts() {
     EndAll(*syncContexts);
     EndAll(*asyncContexts);
+    scriptWaits.Break();
 }
 
 void MScriptMngRemote::ReleaseScriptObjects() {
@@ -104,6 +106,15 @@ void MScriptMngRemote::PostScriptEvent(const QString& eventName, const MScriptPa
     MScriptParamList withSource(*params);
     withSource.SetSource(object);
     device->PostScriptEvent(eventName, &withSource, object);
+}
+
+void MScriptMngRemote::PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
+                                        MScriptCommonEvent* object) {
+    if (device == nullptr || object == nullptr || !scriptObjects.CountRaised(object, events.size()))
+        return;
+    for (MScriptParamList& params : events)
+        params.SetSource(object);
+    device->PostScriptEvents(eventName, std::move(events), object);
 }
 
 const char* MScriptMngRemote::GetDeviceName() const {

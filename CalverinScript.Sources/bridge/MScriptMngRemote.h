@@ -15,6 +15,7 @@
 #include "MyAsyncDeviceExecContext.h"
 #include "MyDeviceExecContext.h"
 #include "ScriptObjects.h"
+#include "ScriptWaits.h"
 
 class IScriptDevice;
 class MScriptCommonEvent;
@@ -42,8 +43,11 @@ public:
     // The device's life
     /// Before the script starts: gives up the asynchronous requests of the last run.   [any host thread]
     void OnDeviceStart();
-    /// Ends every request that is on its way, so that whoever waits for one wakes.   [any]
+    /// Ends every request that is on its way, and the wait of a script in one of its objects, so that whoever waits wakes.
+    /// [any but script]
     void EndContexts();
+    /// Ends the wait of a script in one of its objects; until the next start none begins.   [any but script]
+    void RefuseWaits() { scriptWaits.Refuse(); }
     /// Drops what the script made: pending results and objects. No event of theirs is delivered any more. The objects are deleted on
     /// the script thread; a host thread waits for that, but for a moment only when a script is still running.
     /// [any host thread, script]
@@ -123,10 +127,12 @@ public:
     Q_INVOKABLE int TimeStringToMinutes(const QString& sTime = QString(), int iTimeCodeType = 4);
     Q_INVOKABLE int TimeStringToSeconds(const QString& sTime = QString(), int iTimeCodeType = 4);
     Q_INVOKABLE int TimeStringToFrames(const QString& sTime = QString(), int iTimeCodeType = 4);
-    // The object factories. What they make belongs to this object until the device stops. Sockets and resources give an invalid
-    // value until they are there; so does everything without an engine.
+    // The object factories. What they make belongs to this object until the device stops. Resources give an invalid value until
+    // they are there; so does everything without an engine. Without a device what they make does nothing to the network.
+
+    /// A new MScriptUDP for "udp4", a new TCPClient for any other text.
     Q_INVOKABLE QScriptValue CreateSocket(const QString& sType = QString());
-    /// A new HTTPClient. Without a device it sends nothing.
+    /// A new HTTPClient.
     Q_INVOKABLE QScriptValue CreateHTTPClient();
     Q_INVOKABLE QScriptValue GetResource(const QScriptValue& svSignature);
     /// Keeps the user command in execution open until SetResult. @return the id for SetResult, 0 when there is nothing to
@@ -170,6 +176,9 @@ public:
 
     // IScriptObjectOwner
     void PostScriptEvent(const QString& eventName, const MScriptParamList* params, MScriptCommonEvent* object) override;
+    void PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
+                          MScriptCommonEvent* object) override;
+    ScriptWaits* GetWaits() override { return &scriptWaits; }
     const char* GetDeviceName() const override;
 
     // IAsyncDeviceExecContextHandler
@@ -186,6 +195,8 @@ private:
     KXPCode RegisterNamedGroup(const char* group, const char* options);
     KXPCode UnregisterNamedGroup(const char* group);
     bool IsDeviceEnding() const;
+    template <typename Object>
+    QScriptValue Create();
     IData* FindVariable(const QString& name) const;
     void ReleaseAsyncContexts();
 
@@ -204,4 +215,5 @@ private:
         currentPostponed{}; ///< written by the script thread in a command, read by the command thread
     MIObjectMap postponedMap;
     ScriptObjects scriptObjects;
+    ScriptWaits scriptWaits;
 };

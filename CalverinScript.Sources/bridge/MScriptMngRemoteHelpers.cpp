@@ -4,7 +4,9 @@
 #include "HostCalls.h"
 #include "HTTPClient.h"
 #include "MDate.h"
+#include "MScriptUDP.h"
 #include "MTime.h"
+#include "TCPClient.h"
 
 // Timers, enumerations, dates, times and the factories of objects.
 
@@ -88,18 +90,23 @@ int MScriptMngRemote::TimeStringToFrames(const QString& sTime, int iTimeCodeType
     return TimeOf(sTime, iTimeCodeType).GetFrames();
 }
 
-QScriptValue MScriptMngRemote::CreateSocket(const QString& /*sType*/) {
-    return QScriptValue();
-}
-
 /// Without a device a script is only looked at: its objects are there and stay idle.
-QScriptValue MScriptMngRemote::CreateHTTPClient() {
+template <typename Object>
+QScriptValue MScriptMngRemote::Create() {
     if (engine == nullptr)
         return QScriptValue();
-    auto client = std::make_unique<HTTPClient>(device != nullptr ? this : nullptr);
-    const QScriptValue view = client->ToScript(*engine);
-    scriptObjects.Own(std::move(client));
+    auto object = std::make_unique<Object>(device != nullptr ? this : nullptr);
+    const QScriptValue view = object->ToScript(*engine);
+    scriptObjects.Own(std::move(object));
     return view;
+}
+
+QScriptValue MScriptMngRemote::CreateSocket(const QString& sType) {
+    return sType == QLatin1String("udp4") ? Create<MScriptUDP>() : Create<TCPClient>();
+}
+
+QScriptValue MScriptMngRemote::CreateHTTPClient() {
+    return Create<HTTPClient>();
 }
 
 QScriptValue MScriptMngRemote::GetResource(const QScriptValue& /*svSignature*/) {

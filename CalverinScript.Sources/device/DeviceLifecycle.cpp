@@ -158,6 +158,7 @@ KXPCode MCalverinScript_Device::Stop() {
     ClearScriptState();
     remote->EndContexts();
     ExecuteStopFunction();
+    remote->RefuseWaits();
     stopPending = false;
     threadStopDone = true;
     if (entryDepth > 0 && IsDebuggerActive()) {
@@ -203,6 +204,7 @@ bool MCalverinScript_Device::EndScriptThread() {
     ending = true;
     inbox.Close();
     remote->EndContexts();
+    remote->RefuseWaits();
     if (scriptThread == nullptr) {
         gate.Abandon();
         return entryDepth == 0;

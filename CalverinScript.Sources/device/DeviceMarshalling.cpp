@@ -247,3 +247,11 @@ int MCalverinScript_Device::PostScriptEvent(const QString& name, const MScriptPa
         Q_EMIT SignalExecuteScriptEventCallBack(name, *params, event);
     return 1;
 }
+
+void MCalverinScript_Device::PostScriptEvents(const QString& name, std::vector<MScriptParamList> events,
+                                              MScriptCommonEvent* event) {
+    inbox.Post([this, name, events = std::move(events), event] {
+        for (const MScriptParamList& params : events)
+            SlotExecuteScriptEventCallBack(name, params, event);
+    });
+}

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <vector>
+
+#include "MScriptParamList.h"
+
 class MScriptCommonEvent;
-class MScriptParamList;
 class QString;
+class ScriptWaits;
 
 /// What an object that a script uses needs of the bridge, which owns it. An object that raises events keeps a pointer to it from
 /// construction to destruction.
@@ -13,6 +17,16 @@ public:
     /// Nothing happens without values or object.   [any]
     virtual void PostScriptEvent(const QString& eventName, const MScriptParamList* params,
                                  MScriptCommonEvent* object) = 0;
+
+    /// The same for several events of one name, in their order: one queueing and one wake-up for all.   [any]
+    virtual void PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
+                                  MScriptCommonEvent* object) {
+        for (const MScriptParamList& params : events)
+            PostScriptEvent(eventName, &params, object);
+    }
+
+    /// Where a method that may wait says so, before it does. Null when nobody stops this script.   [script]
+    virtual ScriptWaits* GetWaits() { return nullptr; }
 
     /// The device's name in the host's 8-bit text, empty without a device.   [any]
     virtual const char* GetDeviceName() const = 0;

@@ -45,12 +45,12 @@ void ScriptObjects::Insert(Entry entry) {
     m_live.try_emplace(entry.object, std::move(entry));
 }
 
-bool ScriptObjects::CountRaised(const MScriptCommonEvent* object) {
+bool ScriptObjects::CountRaised(const MScriptCommonEvent* object, std::uint64_t count) {
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto found = m_live.find(object);
     if (found == m_live.end())
         return false;
-    ++found->second.onTheWay;
+    found->second.onTheWay += count;
     return true;
 }
 

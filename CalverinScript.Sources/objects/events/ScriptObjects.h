@@ -29,8 +29,8 @@ public:
     /// Notes a resource that the script has taken, once. It must live until it has been released here.   [script]
     void Borrow(MScriptCommonEvent& resource);
 
-    /// Notes that an event of the object is about to be queued. @return false when the object is not here.   [any]
-    bool CountRaised(const MScriptCommonEvent* object);
+    /// Notes that events of the object are about to be queued. @return false when the object is not here.   [any]
+    bool CountRaised(const MScriptCommonEvent* object, std::uint64_t count = 1);
     /// Whether the object is here. Called once for each event that was counted, when it has come to the script thread, to hear
     /// whether it may be delivered. An object without a kind counts as not here.   [script]
     bool TakeRaised(const MScriptCommonEvent* object);

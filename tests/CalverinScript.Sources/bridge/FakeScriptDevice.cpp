@@ -28,6 +28,12 @@ int FakeScriptDevice::PostScriptEvent(const QString& event, const MScriptParamLi
     return 1;
 }
 
+void FakeScriptDevice::PostScriptEvents(const QString& event, std::vector<MScriptParamList> list,
+                                        MScriptCommonEvent* object) {
+    for (const MScriptParamList& params : list)
+        PostScriptEvent(event, &params, object);
+}
+
 bool FakeScriptDevice::PostTask(std::function<void()> task) {
     if (takesTasks)
         tasks.push_back(std::move(task));

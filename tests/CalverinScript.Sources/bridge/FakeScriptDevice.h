@@ -26,6 +26,7 @@ public:
     MCommandObject* GetExecutingCommand() override { return executing; }
     void WriteCommandResult(MCommandObject* command, const QString& text) override;
     int PostScriptEvent(const QString& event, const MScriptParamList* params, MScriptCommonEvent* object) override;
+    void PostScriptEvents(const QString& name, std::vector<MScriptParamList> list, MScriptCommonEvent* object) override;
     bool PostTask(std::function<void()> task) override;
 
     bool ending = false;

@@ -1,0 +1,103 @@
+#include "MScriptUDP.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "BufferConversion.h"
+#include "DatagramParts.h"
+#include "EventRecords.h"
+#include "HostText.h"
+#include "IScriptObjectOwner.h"
+#include "MUDPSocket.h"
+#include "ScriptObject.h"
+#include "ScriptWaits.h"
+#include "SocketValues.h"
+
+namespace {
+
+constexpr std::size_t kRequestedStackSize = 8193;
+
+} // namespace
+
+MScriptUDP::MScriptUDP(IScriptObjectOwner* objectOwner)
+    : socket(std::make_unique<MUDPSocket>())
+    , owner(objectOwner) {
+    m_type = ScriptObjectType::Udp;
+    socket->SetStackSize(kRequestedStackSize);
+    socket->AddHandler(this);
+}
+
+MScriptUDP::~MScriptUDP() {
+    socket->RemoveHandler(this);
+    socket->Close();
+}
+
+QScriptValue MScriptUDP::ToScript(QScriptEngine& engine) {
+    return WrapOwnedByHost(engine, this);
+}
+
+void MScriptUDP::bind(int iPort, const QString& sAddresses) {
+    socket->SetPort(static_cast<std::uint16_t>(iPort));
+    if (owner == nullptr)
+        return;
+    const std::vector<std::string> addresses = BindAddresses(ToHostText(sAddresses).constData());
+    std::array<const char*, kMostBindAddresses> list{};
+    std::transform(addresses.begin(), addresses.end(), list.begin(), [](const std::string& a) { return a.c_str(); });
+    socket->Bind(!addresses.empty(), list.data(), static_cast<std::int32_t>(addresses.size()));
+}
+
+void MScriptUDP::setExclusivePort(bool bExclusive) {
+    socket->SetExclusivePort(bExclusive);
+}
+
+void MScriptUDP::send(const QScriptValue& svData, int iOffset, int iLength, int iPort, const QString& sAddress) {
+    if (owner == nullptr || (!svData.isString() && !IsBuffer(svData)))
+        return;
+    const QByteArray bytes = IsBuffer(svData) ? BytesFromBuffer(svData) : QByteArray();
+    const DatagramPart part = PartInside(bytes.size(), iOffset, iLength);
+    const ScriptWait wait(owner->GetWaits(), [this] { socket->Close(); });
+    if (wait.IsAllowed())
+        socket->SendTo(bytes.constData() + part.offset, part.length, ToHostText(sAddress).constData(),
+                       static_cast<std::uint16_t>(iPort));
+}
+
+QScriptValue MScriptUDP::address() {
+    return SocketAddressValue(engine(), socket->GetPort(), socket->GetAddress());
+}
+
+void MScriptUDP::close() {
+    socket->Close();
+}
+
+void MScriptUDP::on(const QString& sEvent, const QScriptValue& svListener) {
+    SetListener(sEvent, svListener);
+}
+
+void MScriptUDP::OnMessage(const char* data, std::int32_t length, const char* sourceAddressText,
+                           std::uint16_t sourcePort, MUDPSocket* /*socket*/) {
+    if (owner == nullptr || data == nullptr || sourceAddressText == nullptr || length <= 0)
+        return;
+    if (sourceText != sourceAddressText) {
+        sourceText = sourceAddressText;
+        source = FromHostText(sourceAddressText);
+    }
+    MScriptParamList values;
+    values.Add(QByteArray(data, length));
+    values.Add(QVariant::fromValue(IPInfo(sourcePort, source)));
+    burst.push_back(std::move(values));
+}
+
+/// What came before the error is heard before it.
+void MScriptUDP::OnError(std::int32_t code, MUDPSocket* from) {
+    if (owner == nullptr)
+        return;
+    OnBurstEnd(from);
+    const MScriptParamList values = SocketErrorValues(*from, code);
+    owner->PostScriptEvent(QStringLiteral("error"), &values, this);
+}
+
+void MScriptUDP::OnBurstEnd(MUDPSocket* /*socket*/) {
+    if (!burst.empty())
+        owner->PostScriptEvents(QStringLiteral("message"), std::exchange(burst, {}), this);
+}

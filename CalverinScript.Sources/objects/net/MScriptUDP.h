@@ -1,0 +1,74 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <QObject>
+#include <QScriptable>
+#include <QScriptValue>
+#include <QString>
+
+#include "IUDPSocketHandler.h"
+#include "MScriptCommonEvent.h"
+#include "MScriptParamList.h"
+
+class IScriptObjectOwner;
+class QScriptEngine;
+
+/// What `QCalverin.CreateSocket("udp4")` gives a script: a datagram socket with a thread of its own, on which its events are raised.
+///
+/// | event     | values |
+/// |-----------|--------|
+/// | "message" | QByteArray, IPInfo of the sender with the two bytes of its port exchanged |
+/// | "error"   | SocketErrorInfo with a code of NetCodes.h |
+///
+/// An empty datagram raises nothing. Datagrams are handed over in the bursts in which they came. No multicast group is ever joined.
+/// Texts become Latin-1. What waits for a name ends when the device stops.
+class MScriptUDP : public QObject, public QScriptable, public MScriptCommonEvent, public IUDPSocketHandler {
+    Q_OBJECT
+
+public:
+    /// @param owner borrowed for the object's life; null makes an object that binds and sends nothing, for scripts that are only
+    /// looked at.   [script]
+    explicit MScriptUDP(IScriptObjectOwner* owner);
+    /// Closes and ends the thread.   [script]
+    ~MScriptUDP() override;
+
+    /// The script's view of this object, which it does not own.   [script]
+    QScriptValue ToScript(QScriptEngine& engine);
+
+    // What scripts call. Names of parameters and defaults are the script interface. All on the script thread.
+
+    /// Receives at a port from now on; one that cannot be had gives no sign of it.
+    /// @param iPort its lower 16 bits count; 0 has the system choose.
+    /// @param sAddresses one address of this machine, to receive there alone; none or several, with ";" between them,
+    /// receive on all.
+    Q_INVOKABLE void bind(int iPort, const QString& sAddresses = QString());
+    /// Whether the port of the next `bind` is this object's alone, which it is at first.
+    Q_INVOKABLE void setExclusivePort(bool bExclusive = true);
+    /// Sends the piece of a Buffer as one datagram; the piece is cut to what is there. A text sends an empty datagram, whatever it
+    /// says; anything else sends nothing. Waits while a name is looked up.
+    Q_INVOKABLE void send(const QScriptValue& svData, int iOffset, int iLength, int iPort,
+                          const QString& sAddress = QStringLiteral("0.0.0.0"));
+    /// A new object with the port, which is the system's choice after `bind(0)`, the family and an empty address.
+    Q_INVOKABLE QScriptValue address();
+    Q_INVOKABLE void close();
+    /// Sets the function that hears of an event; it stays until another takes its place.
+    Q_INVOKABLE void on(const QString& sEvent, const QScriptValue& svListener);
+
+    // IUDPSocketHandler
+    void OnMessage(const char* data, std::int32_t length, const char* sourceAddressText, std::uint16_t sourcePort,
+                   MUDPSocket* socket) override;
+    void OnError(std::int32_t code, MUDPSocket* socket) override;
+    void OnBurstEnd(MUDPSocket* socket) override;
+
+private:
+    const std::unique_ptr<MUDPSocket> socket;
+    IScriptObjectOwner* const owner;
+
+    // The socket's thread.
+    std::vector<MScriptParamList> burst; ///< messages that were not handed over yet
+    std::string sourceText;              ///< the sender of the last message
+    QString source;                      ///< the same
+};
