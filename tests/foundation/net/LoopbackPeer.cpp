@@ -154,6 +154,10 @@ void Listener::Reopen(std::uint16_t port) {
     listen(m_socket.GetDescriptor(), 64);
 }
 
+void Listener::Interrupt() const {
+    shutdown(m_socket.GetDescriptor(), SHUT_RDWR);
+}
+
 Peer Listener::Accept() const {
     if (!Readable(m_socket.GetDescriptor()))
         return Peer();

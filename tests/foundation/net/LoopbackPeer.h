@@ -45,6 +45,8 @@ public:
     std::uint16_t GetPort() const { return m_socket.GetPort(); }
     Peer Accept() const;
     void Close() { m_socket.Close(); }
+    /// Ends an Accept that waits on another thread; it gives a peer that is not open.
+    void Interrupt() const;
     /// Listens again at the port of before.
     void Reopen(std::uint16_t port);
 
