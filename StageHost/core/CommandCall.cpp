@@ -60,14 +60,16 @@ std::string CommandCall::ResultText() const {
 }
 
 QString CheckInputs(const CommandDefinition& command, const std::vector<ParameterInput>& inputs) {
+    if (command.status == "Disabled")
+        return QStringLiteral("the command \"%1\" is disabled").arg(FromBorderText(command.name));
     for (const auto& input : inputs) {
         const ValueSpec* parameter = FindParameter(command, input.name);
         if (parameter == nullptr)
             return QStringLiteral("the command \"%1\" has no parameter \"%2\"")
                 .arg(FromBorderText(command.name), FromBorderText(input.name));
-        if (!input.variable && !MakeValue(*parameter)->SetText(input.text))
-            return QStringLiteral("the parameter \"%1\" does not take \"%2\"")
-                .arg(FromBorderText(input.name), FromBorderText(input.text));
+        const std::string complaint = input.variable ? std::string() : ComplaintAbout(*parameter, input.text);
+        if (!complaint.empty())
+            return QStringLiteral("the parameter \"%1\" %2").arg(FromBorderText(input.name), FromBorderText(complaint));
     }
     return {};
 }
