@@ -5,6 +5,7 @@
 
 #include "BorderText.h"
 #include "MainWait.h"
+#include "ValueFactory.h"
 
 namespace stagehost {
 
@@ -47,11 +48,16 @@ std::optional<Device::Problem> Device::Create(const std::string& setup) {
                                              TheHost().Commands());
     TheHost().Model().AddDevice(object_);
     device_->SetDeviceVariables(variables_.get());
+    return TakeSetup(setup);
+}
+
+std::optional<Device::Problem> Device::TakeSetup(const std::string& setup) {
     device_->SetName(name_.c_str());
     const std::string text = setup.empty() ? Setup() : setup;
     const KXPCode applied = text.empty() ? KXP_OK : device_->SetSetup(text.c_str());
     if (applied != KXP_OK && !setup.empty())
         return Problem{true, QStringLiteral("the device does not take its setup (code %1)").arg(applied)};
+    device_->SetName(name_.c_str()); // a setup brings the name that the device had when it was stored
     if (RefreshDefinition() == nullptr || variables_->Definition()->commands.empty())
         return Problem{
             false,
@@ -123,6 +129,33 @@ std::string Device::Setup() const {
     std::string setup = text;
     device_->ReleaseString(&text);
     return setup;
+}
+
+/// The module looks at names and parameters alone, so the number is compared here.
+Device::Standing Device::Check(const StoredCommand& stored) {
+    const CommandDefinition& command = stored.Command();
+    ObjectParams params(command.properties);
+    for (const auto& parameter : command.parameters)
+        params.Add(MakeValue(parameter), nullptr);
+    const KXPCode code = module_.Module()->CheckCommand(nullptr, device_, command.id, &params);
+    if (code == KXP_COMMANDS_CHANGED)
+        return Standing::Gone;
+    const auto definition = variables_->Definition();
+    const auto byId = definition->FindCommandOfId(command.id);
+    if (code != KXP_OK || byId == nullptr)
+        return byId == nullptr && command.FunctionName().empty() ? Standing::Gone : Standing::Changed;
+    return byId->FunctionName() == command.FunctionName() ? Standing::Valid : Standing::Changed;
+}
+
+std::optional<StoredCommand> Device::Update(const StoredCommand& stored) {
+    char* text = nullptr;
+    const KXPCode code = device_->UpdateCommand(ToBorderText(stored.Print()).c_str(), &text);
+    if (code != KXP_OK || text == nullptr)
+        return std::nullopt;
+    QString problem;
+    const auto updated = StoredCommand::Read(FromOutsideText(text), &problem);
+    device_->ReleaseString(&text);
+    return updated;
 }
 
 CommandOutcome Device::Await(Call& call, Milliseconds limit) {

@@ -11,6 +11,7 @@
 #include "DeviceObject.h"
 #include "DeviceVariables.h"
 #include "ModuleFile.h"
+#include "StoredCommand.h"
 #include "WorkerPool.h"
 
 namespace stagehost {
@@ -42,8 +43,27 @@ public:
     /// Makes the device in the module, applies the stored setup and takes over the definition. Without a stored setup
     /// the device is given its own first one, as after a setup dialog that was accepted unchanged. From then on scripts
     /// and tasks can find the device.
+    /// A device that does not take its setup is usable all the same: it can be given another one.
     /// @return nothing on success.
     std::optional<Problem> Create(const std::string& setup);
+
+    /// Gives the device a setup; before its start. An empty one stands for its own first one.
+    /// @return nothing on success.
+    std::optional<Problem> TakeSetup(const std::string& setup);
+
+    /// What has become of a stored command in the edition of the driver that the device runs.
+    enum class Standing {
+        Valid,
+        Changed, ///< it is there, with other parameters or another number
+        Gone
+    };
+
+    /// Asks the module whether a stored command of the device is still as it was stored.
+    Standing Check(const StoredCommand& stored);
+
+    /// A stored command as the device's commands are now, with what the user entered.
+    /// @return nothing when the device makes nothing of it.
+    std::optional<StoredCommand> Update(const StoredCommand& stored);
 
     /// @return false when the start has not come back within the limit.
     bool Start(Milliseconds limit);

@@ -14,6 +14,17 @@ const CommandDefinition* DeviceDefinition::FindCommand(const std::string& nameOr
     return find([&](const auto& command) { return std::to_string(command.id) == nameOrId; });
 }
 
+const CommandDefinition* DeviceDefinition::FindCommandOfId(std::int32_t id) const {
+    const auto found =
+        std::find_if(commands.begin(), commands.end(), [id](const auto& command) { return command.id == id; });
+    return found == commands.end() ? nullptr : &*found;
+}
+
+std::string CommandDefinition::FunctionName() const {
+    const auto property = properties.find(kFunctionProperty);
+    return property == properties.end() ? std::string() : property->second;
+}
+
 bool IsOutParameter(const ValueSpec& parameter) {
     const auto direction = parameter.properties.find(kDirectionProperty);
     return direction != parameter.properties.end() && direction->second == kDirectionOut;
