@@ -57,6 +57,8 @@ ObjectsReader::ObjectsReader(Show& show)
         variables_ += FromBorderText(variable.name);
     for (const auto& device : show.devices)
         devices_ += device.name;
+    for (const auto& command : show.commands)
+        stored_ += command.name;
 }
 
 void ObjectsReader::Read(const JsonNode& root) {
@@ -101,7 +103,7 @@ void ObjectsReader::ReadTask(const JsonNode& node) {
 }
 
 void ObjectsReader::ReadLine(const JsonNode& node, TaskSpec& task) {
-    if (!node.ExpectObject({"at", "label", "set", "device", "command", "params", "task", "action", "cue"}))
+    if (!node.ExpectObject({"at", "label", "set", "device", "command", "params", "stored", "task", "action", "cue"}))
         return;
     TaskLineSpec line;
     const std::int32_t before = task.lines.empty() ? 0 : task.lines.back().at;
@@ -120,7 +122,7 @@ void ObjectsReader::ReadLine(const JsonNode& node, TaskSpec& task) {
 }
 
 void ObjectsReader::ReadCue(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "set", "device", "command", "params", "task", "action", "requests"}))
+    if (!node.ExpectObject({"name", "set", "device", "command", "params", "stored", "task", "action", "requests"}))
         return;
     CueSpec cue;
     cue.name = ReadName(MemberOf(node, "name"), {}, taken_[kCues]);
@@ -142,7 +144,8 @@ void ObjectsReader::ReadScreen(const JsonNode& node) {
 }
 
 void ObjectsReader::ReadShow(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "set", "device", "command", "params", "task", "action", "cue", "requests"}))
+    if (!node.ExpectObject(
+            {"name", "set", "device", "command", "params", "stored", "task", "action", "cue", "requests"}))
         return;
     LoadableShowSpec show;
     show.name = ReadName(MemberOf(node, "name"), {}, taken_[kShows]);
@@ -191,6 +194,10 @@ ActionSpec ObjectsReader::ReadAction(const JsonNode& node) {
     ActionSpec action;
     ReadSets(MemberOf(node, "set"), action);
     ReadCommand(node, action);
+    const JsonNode stored = MemberOf(node, "stored");
+    if (!stored.IsMissing())
+        CheckStored(stored);
+    action.stored = stored.BorderText();
     ReadTaskAction(node, action);
     return action;
 }
@@ -253,6 +260,10 @@ void ObjectsReader::ReadCueName(const JsonNode& node, ActionSpec& action) {
         return;
     CheckKnown(node, cues_, node.Text(), "cue");
     action.cue = node.BorderText();
+}
+
+void ObjectsReader::CheckStored(const JsonNode& node) const {
+    CheckKnown(node, stored_, node.Text(), "stored command");
 }
 
 void ObjectsReader::CheckVariable(const JsonNode& node, const QString& name) const {

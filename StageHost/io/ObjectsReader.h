@@ -25,6 +25,7 @@ public:
     void ReadSets(const JsonNode& node, ActionSpec& action);
     void ReadTaskAction(const JsonNode& node, ActionSpec& action);
     void ReadCueName(const JsonNode& node, ActionSpec& action);
+    void CheckStored(const JsonNode& node) const;
     void CheckVariable(const JsonNode& node, const QString& name) const;
 
 private:
@@ -46,6 +47,7 @@ private:
     Show& show_;
     QSet<QString> variables_;
     QSet<QString> devices_;
+    QSet<QString> stored_;
     QSet<QString> tasks_;
     QSet<QString> cues_;
     QSet<QString> screens_;

@@ -108,6 +108,7 @@ void WriteAction(const ActionSpec& action, QJsonObject& object) {
         parameters.insert(FromBorderText(parameter.name), Parameter(parameter));
     if (!parameters.isEmpty())
         Insert(object, "params", parameters);
+    InsertText(object, "stored", action.stored);
     InsertText(object, "task", action.task);
     if (!action.task.empty())
         Insert(object, "action", QLatin1String(kTaskActionNames[static_cast<int>(action.taskAction)]));

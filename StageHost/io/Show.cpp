@@ -10,8 +10,8 @@
 
 namespace stagehost {
 
-QString Show::Path(const QString& file) const {
-    return QDir::cleanPath(QDir(folder).absoluteFilePath(file));
+QString Show::Path(const QString& named) const {
+    return QDir::cleanPath(QDir(folder).absoluteFilePath(named));
 }
 
 const ShowDevice* Show::FindDevice(const QString& deviceName) const {

@@ -11,13 +11,20 @@
 
 namespace stagehost {
 
-/// A device of a show. At most one of script file and script text is set.
+/// A device of a show. At most one of script file, script text and driver file is set.
 struct ShowDevice {
     QString name;
     QString scriptFile; ///< as the show file names it: relative to that file or absolute
     QString scriptText;
     QString setup; ///< the device's own setup text, kept as the device gave it
     Conduct conduct = Conduct::Normal;
+    QString driverFile; ///< the script of which the setup is made; named as scriptFile
+};
+
+/// A stored command of a show, see StoredCommand.
+struct ShowStoredCommand {
+    QString name;
+    QString xml;
 };
 
 /// What a step gives to one parameter of its command.
@@ -51,20 +58,23 @@ struct ShowStep {
     std::optional<QString> expectedError; ///< the step has to fail with this text
     ActionSpec action;                    ///< variables, a task or a cue; never a command
     std::optional<ShowWait> wait;
+    QString stored; ///< a stored command by its name, sent as a command is; empty: none
 };
 
 /// A show as its file tells it.
 struct Show {
+    QString file;   ///< the show file; empty when there is none
     QString folder; ///< where the show file stands; relative names start here
     QString name;
     HostSettings host; ///< without the log and the link, which are not the show's business
     std::vector<ValueSpec> variables;
     std::vector<ShowDevice> devices;
+    std::vector<ShowStoredCommand> commands;
     ShowSpec objects; ///< tasks, cues, screens, groups, objects, shows
     std::vector<ShowStep> steps;
 
     /// The full path of a file that the show names.   [any]
-    QString Path(const QString& file) const;
+    QString Path(const QString& named) const;
 
     /// The device of that name, or null.   [any]
     const ShowDevice* FindDevice(const QString& deviceName) const;

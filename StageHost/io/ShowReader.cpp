@@ -11,6 +11,7 @@
 #include "BorderText.h"
 #include "DataTypes.h"
 #include "NameTools.h"
+#include "StoredCommand.h"
 #include "TextFile.h"
 #include "ValueFactory.h"
 
@@ -51,20 +52,22 @@ std::optional<Show> ShowReader::ReadFile(const QString& file) {
         return std::nullopt;
     }
     show_ = EmptyShow(QFileInfo(file).absolutePath());
+    show_.file = file;
     show_.name = QFileInfo(file).completeBaseName();
     ReadShow(JsonNode(document.isObject() ? QJsonValue(document.object()) : QJsonValue(), {}, complaints_));
     return complaints_.isEmpty() ? std::optional(show_) : std::nullopt;
 }
 
 void ShowReader::ReadShow(const JsonNode& root) {
-    if (!root.ExpectObject({"name", "host", "folders", "variables", "devices", "tasks", "cues", "screens", "groups",
-                            "objects", "shows", "steps"}))
+    if (!root.ExpectObject({"name", "host", "folders", "variables", "devices", "commands", "tasks", "cues", "screens",
+                            "groups", "objects", "shows", "steps"}))
         return;
     show_.name = root.Member(QStringLiteral("name")).TextOr(show_.name);
     ReadHost(root.Member(QStringLiteral("host")));
     ReadFolders(root.Member(QStringLiteral("folders")));
     root.Member(QStringLiteral("variables")).ForEach([this](const JsonNode& node) { ReadVariable(node); });
     root.Member(QStringLiteral("devices")).ForEach([this](const JsonNode& node) { ReadDevice(node); });
+    root.Member(QStringLiteral("commands")).ForEach([this](const JsonNode& node) { ReadStoredCommand(node); });
     ObjectsReader objects(show_);
     objects.Read(root);
     root.Member(QStringLiteral("steps")).ForEach([&](const JsonNode& node) { ReadStep(node, objects); });
@@ -129,33 +132,60 @@ void ShowReader::ReadVariable(const JsonNode& node) {
 }
 
 void ShowReader::ReadDevice(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "script", "scriptText", "setup", "requests"}))
+    if (!node.ExpectObject({"name", "driver", "script", "scriptText", "setup", "requests"}))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
-    ShowDevice device{member("name").Text(), member("script").Text(), member("scriptText").Text(),
-                      member("setup").Text(), ReadConduct(node)};
+    ShowDevice device{member("name").Text(),  member("script").Text(), member("scriptText").Text(),
+                      member("setup").Text(), ReadConduct(node),       member("driver").Text()};
     if (!IsObjectName(member("name").Border(device.name).c_str()))
         member("name").Complain(QStringLiteral("expected a name of a device"));
     if (show_.FindDevice(device.name) != nullptr)
         member("name").Complain(QStringLiteral("another device has this name"));
     if (!member("script").IsMissing() && !member("scriptText").IsMissing())
         member("scriptText").Complain(QStringLiteral("the device has a \"script\" already"));
+    if (!member("driver").IsMissing() && !(member("script").IsMissing() && member("scriptText").IsMissing()))
+        member("driver").Complain(QStringLiteral("the device has a script already"));
     member("scriptText").Border(device.scriptText);
     member("setup").Border(device.setup);
     if (!device.scriptFile.isEmpty() && !QFileInfo(show_.Path(device.scriptFile)).isFile())
         member("script").Complain(QStringLiteral("there is no file ") + Quoted(device.scriptFile));
+    if (!device.driverFile.isEmpty() && !QFileInfo(show_.Path(device.driverFile)).isFile())
+        member("driver").Complain(QStringLiteral("there is no file ") + Quoted(device.driverFile));
     show_.devices.push_back(device);
 }
 
+void ShowReader::ReadStoredCommand(const JsonNode& node) {
+    if (!node.ExpectObject({"name", "xml"}))
+        return;
+    const JsonNode name = node.Member(QStringLiteral("name"));
+    const JsonNode xml = node.Member(QStringLiteral("xml"));
+    if (!IsObjectName(name.BorderText().c_str()))
+        name.Complain(QStringLiteral("expected a name of a stored command"));
+    const bool taken = std::any_of(show_.commands.begin(), show_.commands.end(),
+                                   [&](const auto& other) { return other.name == name.PlainText(); });
+    if (taken)
+        name.Complain(QStringLiteral("another stored command has this name"));
+    QString problem;
+    const auto stored = StoredCommand::Read(xml.Text(), &problem);
+    if (!stored)
+        xml.Complain(problem);
+    else if (show_.FindDevice(FromBorderText(stored->Device())) == nullptr)
+        xml.Complain(QStringLiteral("there is no device ") + Quoted(FromBorderText(stored->Device())));
+    xml.Border(xml.PlainText());
+    show_.commands.push_back({name.PlainText(), xml.PlainText()});
+}
+
 void ShowReader::ReadStep(const JsonNode& node, ObjectsReader& objects) {
-    if (!node.ExpectObject({"say", "device", "command", "params", "expect", "set", "task", "action", "cue", "wait"}))
+    if (!node.ExpectObject(
+            {"say", "device", "command", "params", "expect", "stored", "set", "task", "action", "cue", "wait"}))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ShowStep step;
     step.say = member("say").Text();
     const auto given = [&](const char* name) { return member(name).IsMissing() ? 0 : 1; };
-    if (given("device") + given("set") + given("task") + given("cue") + given("wait") != 1)
-        node.Complain(QStringLiteral("expected one of \"device\", \"set\", \"task\", \"cue\" and \"wait\""));
+    if (given("device") + given("stored") + given("set") + given("task") + given("cue") + given("wait") != 1)
+        node.Complain(
+            QStringLiteral("expected one of \"device\", \"stored\", \"set\", \"task\", \"cue\" and \"wait\""));
     else if (member("device").IsMissing())
         ReadOtherStep(node, objects, step);
     else
@@ -165,9 +195,16 @@ void ShowReader::ReadStep(const JsonNode& node, ObjectsReader& objects) {
 
 void ShowReader::ReadOtherStep(const JsonNode& node, ObjectsReader& objects, ShowStep& step) {
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
+    const bool sends = !member("stored").IsMissing();
     for (const char* name : {"command", "params", "expect"}) {
-        if (!member(name).IsMissing())
+        if (!member(name).IsMissing() && !(sends && QLatin1String(name) == QLatin1String("expect")))
             member(name).Complain(QStringLiteral("needs a \"device\""));
+    }
+    if (sends) {
+        objects.CheckStored(member("stored"));
+        step.stored = member("stored").PlainText();
+        ReadExpectation(node, step);
+        return;
     }
     objects.ReadSets(member("set"), step.action);
     objects.ReadTaskAction(node, step.action);
@@ -193,7 +230,11 @@ void ShowReader::ReadCommandStep(const JsonNode& node, ShowStep& step) {
     params.ExpectObjectOfAny();
     for (const QString& name : params.MemberNames())
         ReadParameter(name, params.Member(name), step);
-    const JsonNode expect = member("expect");
+    ReadExpectation(node, step);
+}
+
+void ShowReader::ReadExpectation(const JsonNode& node, ShowStep& step) {
+    const JsonNode expect = node.Member(QStringLiteral("expect"));
     expect.ExpectObject({"result", "error"});
     const JsonNode result = expect.Member(QStringLiteral("result"));
     const JsonNode error = expect.Member(QStringLiteral("error"));

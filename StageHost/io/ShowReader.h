@@ -26,8 +26,10 @@ private:
     void ReadFolders(const JsonNode& folders);
     void ReadVariable(const JsonNode& node);
     void ReadDevice(const JsonNode& node);
+    void ReadStoredCommand(const JsonNode& node);
     void ReadStep(const JsonNode& node, ObjectsReader& objects);
     static void ReadOtherStep(const JsonNode& node, ObjectsReader& objects, ShowStep& step);
+    static void ReadExpectation(const JsonNode& node, ShowStep& step);
     void ReadCommandStep(const JsonNode& node, ShowStep& step);
     void ReadParameter(const QString& name, const JsonNode& node, ShowStep& step);
     bool ReadReference(const JsonNode& node, ShowParameter& parameter);

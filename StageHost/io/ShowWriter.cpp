@@ -63,9 +63,14 @@ QJsonObject WriteDevice(const ShowDevice& device) {
     QJsonObject object{{QStringLiteral("name"), device.name}};
     InsertText(object, "script", device.scriptFile);
     InsertText(object, "scriptText", device.scriptText);
+    InsertText(object, "driver", device.driverFile);
     InsertText(object, "setup", device.setup);
     WriteConduct(device.conduct, object);
     return object;
+}
+
+QJsonObject WriteStoredCommand(const ShowStoredCommand& command) {
+    return {{QStringLiteral("name"), command.name}, {QStringLiteral("xml"), command.xml}};
 }
 
 QJsonValue WriteParameter(const ShowParameter& parameter) {
@@ -95,6 +100,7 @@ QJsonObject WriteStep(const ShowStep& step) {
     InsertText(object, "device", step.device);
     InsertText(object, "command", step.command);
     InsertText(object, "say", step.say);
+    InsertText(object, "stored", step.stored);
     WriteAction(step.action, object);
     if (step.wait)
         object.insert(QStringLiteral("wait"), WriteWait(*step.wait));
@@ -130,6 +136,8 @@ QByteArray WriteShow(const Show& show) {
         root.insert(QStringLiteral("folders"), folders);
     root.insert(QStringLiteral("variables"), WriteList(show.variables, &WriteVariable));
     root.insert(QStringLiteral("devices"), WriteList(show.devices, &WriteDevice));
+    if (!show.commands.empty())
+        root.insert(QStringLiteral("commands"), WriteList(show.commands, &WriteStoredCommand));
     WriteObjects(show.objects, root);
     root.insert(QStringLiteral("steps"), WriteList(show.steps, &WriteStep));
     return QJsonDocument(root).toJson(QJsonDocument::Indented);

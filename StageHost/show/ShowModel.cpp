@@ -188,6 +188,8 @@ void ShowModel::Run(const ActionSpec& action, const Failed& failed) {
     }
     if (!action.device.empty())
         RunCommand(action, failed);
+    if (!action.stored.empty())
+        RunStored(action.stored, failed);
     if (!action.task.empty()) {
         const auto task = FindTask(action.task);
         Report(failed, action.task, task ? task->Do(action.taskAction) : KXPCode{kNoSuchObject});
@@ -198,6 +200,24 @@ void ShowModel::Run(const ActionSpec& action, const Failed& failed) {
     Report(failed, action.cue, cue ? KXP_OK : KXPCode{kNoSuchObject});
     if (cue)
         cue->Go();
+}
+
+void ShowModel::SetStoredCommand(const std::string& name, const ActionSpec& action) {
+    const std::lock_guard<std::mutex> hold(lock_);
+    stored_[name] = action;
+}
+
+void ShowModel::RunStored(const std::string& name, const Failed& failed) {
+    ActionSpec action;
+    {
+        const std::lock_guard<std::mutex> hold(lock_);
+        const auto found = stored_.find(name);
+        if (found != stored_.end())
+            action = found->second;
+    }
+    if (action.device.empty())
+        return Report(failed, name, kNoSuchObject);
+    RunCommand(action, failed);
 }
 
 void ShowModel::RunCommand(const ActionSpec& action, const Failed& failed) {

@@ -65,20 +65,25 @@ public:
     /// [any host thread]
     void Run(const ActionSpec& action, const std::function<void(const std::string&)>& failed);
 
+    /// Makes a stored command known by its name, as the action that it stands for.   [any]
+    void SetStoredCommand(const std::string& name, const ActionSpec& action);
+
     VariableManager& Variables() { return variables_; }
     ChangeFeed& Feed() { return feed_; }
 
 private:
     void FillGroups(const std::shared_ptr<UserGroup>& group);
     void FillObjects(const std::shared_ptr<PlainObject>& object);
+    void RunStored(const std::string& name, const std::function<void(const std::string&)>& failed);
     void RunCommand(const ActionSpec& action, const std::function<void(const std::string&)>& failed);
 
     VariableManager& variables_;
     ChangeFeed& feed_;
     std::vector<ShowObjectPtr> top_;                                  ///< filled once, only read afterwards
     std::map<std::pair<ObjectKind, std::string>, ShowObjectPtr> own_; ///< filled once, only read afterwards
-    mutable std::mutex lock_;                                         ///< guards devices_
+    mutable std::mutex lock_;                                         ///< guards the fields below
     std::map<std::string, ShowObjectPtr> devices_;
+    std::map<std::string, ActionSpec> stored_;
 };
 
 } // namespace stagehost

@@ -39,7 +39,8 @@ struct ActionSpec {
     std::string device;                                    ///< empty: no command
     std::string command;                                   ///< name or id
     std::vector<ActionParameter> parameters;
-    std::string task; ///< empty: no task
+    std::string stored; ///< a stored command by its name; empty: none
+    std::string task;   ///< empty: no task
     TaskAction taskAction = TaskAction::Start;
     std::string cue; ///< empty: no cue
 };
