@@ -41,6 +41,17 @@ constexpr Command kCommands[] = {
      "stagehost variables show.json\n"
      "stagehost variables lights.js script.Status script.Error",
      1, kAny, &ShowVariables},
+    {"setup", "SHOW.json [DEVICE [SETTING=VALUE...]]",
+     "writes the setups of the devices into the show file, with their drivers as they are now",
+     "stagehost setup examples/driver/show.json\n"
+     "stagehost setup show.json desk address=10.0.0.7 port=9000",
+     1, kAny, &KeepSetups},
+    {"store", "SHOW.json NAME DEVICE COMMAND [PARAM=VALUE...]", "writes a command with its values into the show file",
+     "stagehost store show.json \"Half light\" desk \"Fade to\" level=50 seconds=2\n"
+     "stagehost store show.json Follow desk \"Fade to\" level:=Level   (the variable Level stands for the parameter)",
+     4, kAny, &StoreCommand},
+    {"update", "SHOW.json", "brings the stored commands of the show file up to their drivers",
+     "stagehost update show.json", 1, 1, &UpdateCommands},
 };
 
 QString Lines(const char* text, const QString& indent) {

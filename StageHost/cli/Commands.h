@@ -14,5 +14,8 @@ int SendCommand(const Options& options);
 int ShowDefinition(const Options& options);
 int ShowVariables(const Options& options);
 int WatchShow(const Options& options);
+int KeepSetups(const Options& options);
+int StoreCommand(const Options& options);
+int UpdateCommands(const Options& options);
 
 } // namespace stagehost

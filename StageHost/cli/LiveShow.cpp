@@ -44,6 +44,7 @@ const LiveShow::Row LiveShow::kRows[] = {
     {"set", "NAME VALUE", "gives a variable a value", 2, 2, &LiveShow::Set},
     {"get", "NAME", "shows a variable", 1, 1, &LiveShow::Get},
     {"send", "DEVICE COMMAND [PARAM=VALUE...]", "sends a command and waits for its end", 2, -1, &LiveShow::SendLine},
+    {"stored", "NAME", "sends a stored command and waits for its end", 1, 1, &LiveShow::StoredLine},
     {"task", "NAME start|pause|stop", "works a task", 2, 2, &LiveShow::TaskLine},
     {"cue", "NAME", "runs a cue", 1, 1, &LiveShow::CueLine},
     {"wait", "NAME VALUE [MS]", "waits until a variable has a value", 2, 3, &LiveShow::WaitLine},
@@ -104,6 +105,12 @@ LineOutcome LiveShow::SendLine(const QStringList& words) {
         return OutcomeOf(failure, {});
     CommandOutcome outcome;
     const auto failure = session_.Send(*device, words.at(1), inputs, &outcome);
+    return OutcomeOf(failure, FromBorderText(outcome.result));
+}
+
+LineOutcome LiveShow::StoredLine(const QStringList& words) {
+    CommandOutcome outcome;
+    const auto failure = session_.SendStored(words.at(0), &outcome);
     return OutcomeOf(failure, FromBorderText(outcome.result));
 }
 

@@ -30,6 +30,7 @@ private:
     LineOutcome Set(const QStringList& words);
     LineOutcome Get(const QStringList& words);
     LineOutcome SendLine(const QStringList& words);
+    LineOutcome StoredLine(const QStringList& words);
     LineOutcome TaskLine(const QStringList& words);
     LineOutcome CueLine(const QStringList& words);
     LineOutcome WaitLine(const QStringList& words);

@@ -22,6 +22,8 @@ QString Milliseconds(double milliseconds) {
 
 /// What a step does that is no command.
 QString ActionText(const ShowStep& step) {
+    if (!step.stored.isEmpty())
+        return QStringLiteral("stored command ") + step.stored;
     if (step.wait)
         return QStringLiteral("wait until %1 is %2").arg(step.wait->variable, OneLine(step.wait->value));
     if (!step.action.task.empty())
@@ -63,7 +65,8 @@ public:
     }
 
     void DeviceReady(const ShowDevice& device) const {
-        const QString script = device.scriptFile.isEmpty() ? QString() : QFileInfo(device.scriptFile).fileName();
+        const QString file = device.driverFile.isEmpty() ? device.scriptFile : device.driverFile;
+        const QString script = file.isEmpty() ? QString() : QFileInfo(file).fileName();
         if (!json_)
             PrintLine(QStringLiteral("  %1 is ready%2")
                           .arg(device.name, script.isEmpty() ? QString() : QStringLiteral(", running ") + script));

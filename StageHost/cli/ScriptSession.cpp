@@ -15,7 +15,8 @@ Show ShowOfScript(const QString& file) {
                             file.isEmpty() ? QString() : QFileInfo(file).absoluteFilePath(),
                             {},
                             {},
-                            Conduct::Normal});
+                            Conduct::Normal,
+                            {}});
     return show;
 }
 
@@ -30,6 +31,7 @@ MaybeFailure ReadShowOrScript(const QString& file, Show& show) {
     if (file.endsWith(QLatin1String(".json"), Qt::CaseInsensitive))
         return ReadShow(file, show);
     show = ShowOfScript(file);
+    std::swap(show.devices.front().scriptFile, show.devices.front().driverFile);
     return CheckReadable(file);
 }
 

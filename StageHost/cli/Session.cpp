@@ -1,13 +1,17 @@
 #include "Session.h"
 
+#include <algorithm>
+
 #include <QDir>
 #include <QFileInfo>
 
 #include "BorderText.h"
+#include "DriverSetup.h"
 #include "ExitCodes.h"
 #include "ExitGuard.h"
 #include "MainWait.h"
 #include "Output.h"
+#include "TextFile.h"
 #include "ValueFactory.h"
 
 namespace stagehost {
@@ -42,10 +46,11 @@ MaybeFailure Session::Open(const Show& show) {
         host_->Variables().Add(MakeValue(variable));
     if (auto failure = LoadModule())
         return failure;
-    for (const auto& device : show.devices) {
-        if (auto failure = MakeDevice(device))
+    for (std::size_t index = 0; index < show_.devices.size(); ++index) {
+        if (auto failure = MakeDevice(index))
             return failure;
     }
+    CheckStored();
     return std::nullopt;
 }
 
@@ -75,13 +80,66 @@ MaybeFailure Session::LoadModule() {
     return Failure{kExitNoModule, problem};
 }
 
-MaybeFailure Session::MakeDevice(const ShowDevice& described) {
+/// A setup that the device does not take is told, and the device begins with a new one.
+MaybeFailure Session::MakeDevice(std::size_t index) {
+    const ShowDevice& described = show_.devices.at(index);
+    std::string setup = ToBorderText(described.setup);
+    if (setup.empty()) {
+        if (auto failure = FirstSetup(described, setup))
+            return failure;
+    } else if (!quiet_) {
+        TellOtherEdition(described);
+    }
     const ExitGuard guard(kModuleCall, kExitNoModule, "the module does not come back from making a device");
     devices_.push_back(std::make_unique<Device>(*module_, ToBorderText(described.name), described.conduct));
-    const auto problem = devices_.back()->Create(ToBorderText(described.setup));
+    auto problem = devices_.back()->Create(setup);
+    if (problem && problem->badSetup && !described.setup.isEmpty()) {
+        PrintProblem(QStringLiteral("%1: devices[%2].setup: %3 and begins with a new one")
+                         .arg(show_.file)
+                         .arg(index)
+                         .arg(problem->text));
+        refusedSetups_ += described.name;
+        if (auto failure = FirstSetup(described, setup))
+            return failure;
+        problem = devices_.back()->TakeSetup(setup);
+    }
     if (!problem)
         return std::nullopt;
     return Failure{problem->badSetup ? kExitBadUse : kExitNoModule, DeviceText(*devices_.back(), problem->text)};
+}
+
+/// The setup of a device that has none yet: made of its driver, or empty.
+MaybeFailure Session::FirstSetup(const ShowDevice& described, std::string& setup) const {
+    setup.clear();
+    if (described.driverFile.isEmpty())
+        return std::nullopt;
+    DriverEdition edition;
+    if (auto failure = ReadDriver(show_, show_.Path(described.driverFile), options_.timeout, edition))
+        return failure;
+    setup = ToBorderText(MakeSetupText({}, edition).value_or(QString()));
+    return std::nullopt;
+}
+
+void Session::TellOtherEdition(const ShowDevice& described) const {
+    QString problem;
+    const auto text =
+        described.driverFile.isEmpty() ? std::nullopt : ReadText(show_.Path(described.driverFile), &problem);
+    if (text && FromBorderText(ToBorderText(*text)) != ScriptOfSetup(described.setup))
+        PrintProblem(
+            QStringLiteral("%1: the setup in the show holds another edition of %2; \"stagehost setup %3\" takes "
+                           "over the file")
+                .arg(described.name, described.driverFile, show_.file));
+}
+
+void Session::CheckStored() {
+    stored_ = CheckStoredCommands(show_, [this](const QString& name) { return FindDevice(name); });
+    for (const auto& command : stored_) {
+        const QString text = StandingText(command, show_.file);
+        if (!text.isEmpty() && !quiet_)
+            PrintProblem(text);
+        if (const StoredCommand* inForce = command.InForce())
+            host_->Model().SetStoredCommand(ToBorderText(command.name), inForce->Action());
+    }
 }
 
 MaybeFailure Session::Start() {
@@ -96,11 +154,17 @@ MaybeFailure Session::Start() {
     return std::nullopt;
 }
 
+/// A driver runs from the start on, so what it throws there is told at once.
 MaybeFailure Session::StartDevice(Device& device) {
-    if (device.Start(options_.timeout))
+    if (!device.Start(options_.timeout))
+        return Failure{
+            kExitNoAnswer,
+            DeviceText(device, QStringLiteral("has not started within %1 ms").arg(options_.timeout.count()))};
+    const ShowDevice& described = *show_.FindDevice(FromBorderText(device.Name()));
+    const std::string error = device.ErrorText();
+    if (error.empty() || (described.driverFile.isEmpty() && described.setup.isEmpty()))
         return std::nullopt;
-    return Failure{kExitNoAnswer,
-                   DeviceText(device, QStringLiteral("has not started within %1 ms").arg(options_.timeout.count()))};
+    return Failure{kExitScriptFailed, DeviceText(device, FromBorderText(error))};
 }
 
 MaybeFailure Session::LoadScript(Device& device, const ShowDevice& described) {
@@ -137,6 +201,25 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
     if (exitCode == kExitOk)
         return std::nullopt;
     return Failure{exitCode, FailureText(*outcome, command, options_.timeout)};
+}
+
+MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
+    const auto found =
+        std::find_if(stored_.begin(), stored_.end(), [&](const auto& command) { return command.name == name; });
+    if (found == stored_.end())
+        return Failure{kExitBadUse, QStringLiteral("the show has no stored command \"%1\"").arg(name)};
+    if (found->InForce() == nullptr)
+        return Failure{kExitScriptFailed, StandingText(*found, show_.file)};
+    const ActionSpec action = found->InForce()->Action();
+    std::vector<ParameterInput> inputs;
+    for (const auto& parameter : action.parameters) {
+        inputs.push_back({parameter.name, parameter.text, {}});
+        inputs.back().variable = parameter.isVariable ? host_->Variables().Find(parameter.text) : nullptr;
+        if (parameter.isVariable && !inputs.back().variable)
+            return Failure{kExitBadUse,
+                           QStringLiteral("there is no variable \"%1\"").arg(FromBorderText(parameter.text))};
+    }
+    return Send(*FindDevice(FromBorderText(action.device)), FromBorderText(action.command), inputs, outcome);
 }
 
 MaybeFailure Session::WaitFor(const ShowWait& wait) {

@@ -12,6 +12,7 @@
 #include "ModuleFile.h"
 #include "Options.h"
 #include "Show.h"
+#include "StoredCommands.h"
 
 namespace stagehost {
 
@@ -54,6 +55,19 @@ public:
     MaybeFailure Send(Device& device, const QString& command, const std::vector<ParameterInput>& inputs,
                       CommandOutcome* outcome);
 
+    /// Sends a stored command of the show, as the driver of now has it.
+    MaybeFailure SendStored(const QString& name, CommandOutcome* outcome);
+
+    /// Has the module check the stored commands anew and tells the user what is not as it was stored. Open has done so.
+    void CheckStored();
+    const std::vector<CheckedCommand>& StoredOnes() const { return stored_; }
+
+    /// Whether the device has not taken its setup of the show file, and runs with a new one.
+    bool HasRefusedSetup(const QString& device) const { return refusedSetups_.contains(device); }
+
+    /// Leaves out, while the show is opened, what a command that writes the show file tells by itself.
+    void SetQuiet(bool quiet) { quiet_ = quiet; }
+
     /// Waits until a variable has a value in its text form, as long as the wait says or for the limit of answers.
     MaybeFailure WaitFor(const ShowWait& wait);
 
@@ -69,7 +83,9 @@ public:
 private:
     MaybeFailure PrepareLog(HostSettings& settings);
     MaybeFailure LoadModule();
-    MaybeFailure MakeDevice(const ShowDevice& described);
+    MaybeFailure MakeDevice(std::size_t index);
+    MaybeFailure FirstSetup(const ShowDevice& described, std::string& setup) const;
+    void TellOtherEdition(const ShowDevice& described) const;
 
     const Options& options_;
     Show show_;
@@ -78,6 +94,9 @@ private:
     std::unique_ptr<Host> host_;
     std::unique_ptr<ModuleFile> module_;
     std::vector<std::unique_ptr<Device>> devices_;
+    std::vector<CheckedCommand> stored_;
+    QStringList refusedSetups_;
+    bool quiet_ = false;
 };
 
 /// The text of a path for the border: the full path, or one from the working folder when only that can be carried.

@@ -43,6 +43,10 @@ StepOutcome StepPlayer::Play(const ShowStep& step) {
         outcome.failure = PlayCommand(step, outcome.command);
         return outcome;
     }
+    if (!step.stored.isEmpty()) {
+        outcome.failure = PlayStored(step, outcome.command);
+        return outcome;
+    }
     outcome.failure = step.wait ? session_.WaitFor(*step.wait) : PlayAction(step.action);
     outcome.command.kind = outcome.failure ? CommandOutcome::Kind::NoAnswer : CommandOutcome::Kind::Done;
     outcome.command.milliseconds =
@@ -55,6 +59,11 @@ MaybeFailure StepPlayer::PlayCommand(const ShowStep& step, CommandOutcome& outco
     if (auto failure = ReadInputs(step, inputs))
         return failure;
     const auto failure = session_.Send(*session_.FindDevice(step.device), step.command, inputs, &outcome);
+    return Compare(step, outcome, failure);
+}
+
+MaybeFailure StepPlayer::PlayStored(const ShowStep& step, CommandOutcome& outcome) {
+    const auto failure = session_.SendStored(step.stored, &outcome);
     return Compare(step, outcome, failure);
 }
 

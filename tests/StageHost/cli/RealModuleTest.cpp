@@ -215,6 +215,15 @@ TEST(Examples, TheEveningLivesWithTheUser) {
     EXPECT_TRUE(host.Output().contains(Text("Task Overture: Status = Running")));
 }
 
+TEST(Examples, TheDriverPlaysToItsEnd) {
+    StageHostProcess host;
+    host.Run({Text("run"), Text(STAGEHOST_ROOT "/examples/driver/show.json")});
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Output().contains(Text("| channel 1 from 80 to 50 % in 2 s")));
+    EXPECT_TRUE(host.Output().contains(Text("The show is over")));
+    EXPECT_EQ(host.Errors().toStdString(), "") << "the show holds this edition of the driver";
+}
+
 TEST(Manual, ItsFullShowPlaysToItsEnd) {
     StageHostProcess host;
     const auto content = [](const char* name) {

@@ -1,0 +1,209 @@
+#include <QFileInfo>
+#include <QJsonArray>
+
+#include "BorderText.h"
+#include "Commands.h"
+#include "DriverSetup.h"
+#include "ExitCodes.h"
+#include "LiveShow.h"
+#include "NameTools.h"
+#include "Output.h"
+#include "ShowFile.h"
+
+/// The commands that write show files.
+
+namespace stagehost {
+
+namespace {
+
+/// What a command has done, for people and for programs.
+class KeepReport {
+public:
+    explicit KeepReport(bool json)
+        : json_(json) {}
+
+    void Add(const QString& line, const QJsonObject& object) {
+        if (!json_)
+            PrintLine(line);
+        list_.append(object);
+    }
+
+    int End(ShowFile& file, int exitCode) {
+        bool written = false;
+        if (auto failure = file.Save(&written))
+            return Fail(json_, failure->exitCode, failure->text);
+        if (json_)
+            PrintJson({{QStringLiteral("ok"), exitCode == kExitOk},
+                       {QStringLiteral("exitCode"), exitCode},
+                       {QStringLiteral("written"), written},
+                       {QStringLiteral("entries"), list_}});
+        else
+            PrintLine(written ? QStringLiteral("The show file is written.")
+                              : QStringLiteral("There is nothing to write."));
+        return exitCode;
+    }
+
+private:
+    const bool json_;
+    QJsonArray list_;
+};
+
+MaybeFailure Open(Session& session, ShowFile& file, const Options& options) {
+    if (auto failure = file.Open(options.arguments.first()))
+        return failure;
+    return session.Open(file.Content());
+}
+
+/// The setup text of the device with the driver's script as its file has it now.
+MaybeFailure RenewSetup(Device& device, const Show& show, const ShowDevice& described, const Options& options,
+                        const QStringList& settings) {
+    QString setup = FromBorderText(device.Setup());
+    if (!described.driverFile.isEmpty()) {
+        DriverEdition edition;
+        if (auto failure = ReadDriver(show, show.Path(described.driverFile), options.timeout, edition))
+            return failure;
+        setup = MakeSetupText(setup, edition).value_or(setup);
+    }
+    const QString problem = settings.isEmpty() ? QString() : ChangeSettings(setup, settings);
+    if (!problem.isEmpty())
+        return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(described.name, problem)};
+    if (const auto refused = device.TakeSetup(ToBorderText(setup)))
+        return Failure{kExitNoModule, QStringLiteral("%1: %2").arg(described.name, refused->text)};
+    return std::nullopt;
+}
+
+MaybeFailure RenewSetups(Session& session, ShowFile& file, const Options& options, KeepReport& report) {
+    const QString only = options.arguments.value(1);
+    if (!only.isEmpty() && file.Content().FindDevice(only) == nullptr)
+        return Failure{kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(only)};
+    for (const auto& described : file.Content().devices) {
+        if (!only.isEmpty() && described.name != only)
+            continue;
+        if (session.HasRefusedSetup(described.name))
+            return Failure{kExitBadUse, QStringLiteral("%1: the setup in the show file is left as it is; remove it to "
+                                                       "begin with a new one")
+                                            .arg(described.name)};
+        Device& device = *session.FindDevice(described.name);
+        if (auto failure = RenewSetup(device, file.Content(), described, options, options.arguments.mid(2)))
+            return failure;
+        const QString setup = FromBorderText(device.Setup());
+        file.SetSetup(described.name, setup);
+        const char* what = described.setup.isEmpty() ? "made" : setup == described.setup ? "as before" : "renewed";
+        report.Add(QStringLiteral("%1: setup %2").arg(described.name, QLatin1String(what)),
+                   {{QStringLiteral("device"), described.name}, {QStringLiteral("setup"), QLatin1String(what)}});
+    }
+    session.CheckStored();
+    return std::nullopt;
+}
+
+/// Words of the form PARAM=VALUE, or PARAM:=VARIABLE for a variable that stands for the parameter.
+MaybeFailure ReadParameters(Session& session, const QStringList& words, std::vector<ActionParameter>& parameters,
+                            std::vector<ParameterInput>& inputs) {
+    if (auto failure = ReadInputs(words, inputs))
+        return failure;
+    for (auto& input : inputs) {
+        const bool isVariable = input.name.size() > 1 && input.name.back() == ':';
+        if (isVariable) {
+            input.name.pop_back();
+            input.variable = session.TheHost().Variables().Find(input.text);
+            if (!input.variable)
+                return Failure{kExitBadUse,
+                               QStringLiteral("there is no variable \"%1\"").arg(FromBorderText(input.text))};
+        }
+        parameters.push_back({input.name, input.text, isVariable});
+    }
+    return std::nullopt;
+}
+
+MaybeFailure Store(Session& session, ShowFile& file, const QStringList& words, KeepReport& report) {
+    const QString& name = words.at(1);
+    Device* device = session.FindDevice(words.at(2));
+    if (device == nullptr)
+        return Failure{kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(words.at(2))};
+    const auto definition = device->Variables().Definition();
+    const CommandDefinition* command = definition->FindCommand(ToBorderText(words.at(3)));
+    if (command == nullptr)
+        return Failure{kExitBadUse, QStringLiteral("%1: has no command \"%2\"").arg(words.at(2), words.at(3))};
+    std::vector<ActionParameter> parameters;
+    std::vector<ParameterInput> inputs;
+    if (auto failure = ReadParameters(session, words.mid(4), parameters, inputs))
+        return failure;
+    const QString problem = CheckInputs(*command, inputs);
+    if (!problem.isEmpty())
+        return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(words.at(2), problem)};
+    const auto stored =
+        StoredCommand::Make(device->Name(), device->Variables().DefinitionText(), command->id, parameters);
+    if (!stored || !IsObjectName(ToBorderText(name).c_str()))
+        return Failure{kExitBadUse, QStringLiteral("\"%1\" is no name for a stored command").arg(name)};
+    file.SetStoredCommand(name, stored->Print());
+    report.Add(
+        QStringLiteral("%1: %2, %3 (%4)").arg(name, words.at(2), FromBorderText(command->name), ValuesText(*stored)),
+        {{QStringLiteral("name"), name},
+         {QStringLiteral("device"), words.at(2)},
+         {QStringLiteral("command"), FromBorderText(command->name)}});
+    return std::nullopt;
+}
+
+/// @return the exit code: 1 when something is left that cannot be updated.
+int Update(Session& session, ShowFile& file, KeepReport& report) {
+    int exitCode = kExitOk;
+    for (const auto& command : session.StoredOnes()) {
+        QStringList changes;
+        const char* what = "as it was";
+        if (command.updated) {
+            what = "updated";
+            changes = ChangesText(command.stored, *command.updated);
+            file.SetStoredCommand(command.name, command.updated->Print());
+        } else if (command.InForce() == nullptr) {
+            what = command.standing == Device::Standing::Gone ? "gone" : "cannot be updated";
+            exitCode = kExitScriptFailed;
+        }
+        const QString list =
+            changes.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(changes.join(QStringLiteral(", ")));
+        report.Add(QStringLiteral("%1: %2%3").arg(command.name, QLatin1String(what), list),
+                   {{QStringLiteral("name"), command.name},
+                    {QStringLiteral("device"), FromBorderText(command.stored.Device())},
+                    {QStringLiteral("standing"), QLatin1String(what)},
+                    {QStringLiteral("changes"), QJsonArray::fromStringList(changes)}});
+    }
+    return exitCode;
+}
+
+/// Opens the show, does the work and writes the file when that went well.
+template <typename Work>
+int Keep(const Options& options, bool quiet, Work work) {
+    ShowFile file;
+    Session session(options);
+    session.SetQuiet(quiet);
+    KeepReport report(options.json);
+    int exitCode = kExitOk;
+    auto failure = Open(session, file, options);
+    if (!failure)
+        failure = work(session, file, report, exitCode);
+    if (failure)
+        return session.Close(Fail(options.json, failure->exitCode, failure->text));
+    return session.Close(report.End(file, exitCode));
+}
+
+} // namespace
+
+int KeepSetups(const Options& options) {
+    return Keep(options, true, [&](Session& session, ShowFile& file, KeepReport& report, int&) {
+        return RenewSetups(session, file, options, report);
+    });
+}
+
+int StoreCommand(const Options& options) {
+    return Keep(options, false, [&](Session& session, ShowFile& file, KeepReport& report, int&) {
+        return Store(session, file, options.arguments, report);
+    });
+}
+
+int UpdateCommands(const Options& options) {
+    return Keep(options, true, [&](Session& session, ShowFile& file, KeepReport& report, int& exitCode) {
+        exitCode = Update(session, file, report);
+        return MaybeFailure();
+    });
+}
+
+} // namespace stagehost

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QJsonValue>
+#include <QStringList>
+
+#include "JsonText.h"
+#include "Session.h"
+
+namespace stagehost {
+
+/// A show file that is changed in place: what is not changed stays as its author wrote it.   [host main]
+class ShowFile {
+public:
+    /// Reads the file and the show in it.
+    MaybeFailure Open(const QString& path);
+
+    const Show& Content() const { return show_; }
+
+    void SetSetup(const QString& device, const QString& setup);
+    /// Changes the stored command of that name, or adds it.
+    void SetStoredCommand(const QString& name, const QString& xml);
+
+    /// Writes what has changed: beside the file first, which then takes its place, so that the old one is whole until the new one
+    /// is. A file that somebody else has changed meanwhile is left alone.
+    /// @param written whether there was anything to write.
+    MaybeFailure Save(bool* written);
+
+private:
+    QString path_;
+    Show show_;
+    QByteArray before_;
+    JsonText text_{{}};
+};
+
+} // namespace stagehost
