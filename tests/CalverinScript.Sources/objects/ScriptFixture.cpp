@@ -1,5 +1,9 @@
 #include "ScriptFixture.h"
 
+#include <fstream>
+
+#include <unistd.h>
+
 #include "ScriptClasses.h"
 
 ScriptFixture::ScriptFixture() {
@@ -23,4 +27,12 @@ std::string ScriptFixture::Run(const std::string& script) {
 void ScriptFixture::Check(const std::vector<ScriptCase>& cases) {
     for (const ScriptCase& row : cases)
         EXPECT_EQ(Run(row.script), row.result) << row.sentence << "\n" << row.script;
+}
+
+long ScriptFixture::ResidentKilobytes() {
+    std::ifstream statm("/proc/self/statm");
+    long total = 0;
+    long resident = 0;
+    statm >> total >> resident;
+    return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }

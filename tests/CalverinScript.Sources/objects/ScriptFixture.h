@@ -24,5 +24,8 @@ protected:
     /// Runs each case and compares.
     void Check(const std::vector<ScriptCase>& cases);
 
+    /// Resident memory of this process.
+    static long ResidentKilobytes();
+
     QScriptEngine engine;
 };
