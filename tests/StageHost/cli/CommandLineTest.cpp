@@ -239,7 +239,7 @@ TEST_F(CommandLine, BadUseGivesTwo) {
         List({"definition", "a", "b"}),
         List({"definition", "nowhere.js"}),
         List({"variables"}),
-        List({"variables"}) + QStringList{script, Text("nothing")},
+        List({"variables"}) + QStringList{show, Text("nothing")},
         List({"check", "--timeout", "0"}) + QStringList{script},
         List({"check", "--timeout", "soon"}) + QStringList{script},
         List({"check", "--link", "both"}) + QStringList{script},
