@@ -47,7 +47,6 @@ MScriptMngRemote::~MScriptMngRemote() {
 }
 
 void MScriptMngRemote::OnDeviceStart() {
-    scriptWaits.Allow();
     ReleaseAsyncContexts();
 }
 
@@ -59,9 +58,12 @@ void MScriptMngRemote::EndContexts() {
 
 void MScriptMngRemote::ReleaseScriptObjects() {
     ResetPostponed();
+    const bool onScriptThread = device == nullptr || QThread::currentThread() == thread();
+    if (onScriptThread && !IsDeviceEnding())
+        scriptWaits.Allow();
     if (!scriptObjects.Release())
         return;
-    if (device == nullptr || QThread::currentThread() == thread())
+    if (onScriptThread)
         scriptObjects.DeleteReleased();
     else if (device->PostTask([this] { scriptObjects.DeleteReleased(); }))
         scriptObjects.WaitUntilDeleted(kReleaseTime);

@@ -46,7 +46,8 @@ public:
     /// Ends every request that is on its way, and the wait of a script in one of its objects, so that whoever waits wakes.
     /// [any but script]
     void EndContexts();
-    /// Ends the wait of a script in one of its objects; until the next start none begins.   [any but script]
+    /// Ends the wait of a script in one of its objects; none begins until its objects are released on its own thread, which is
+    /// when the next script is loaded.   [any but script]
     void RefuseWaits() { scriptWaits.Refuse(); }
     /// Drops what the script made: pending results and objects. No event of theirs is delivered any more. The objects are deleted on
     /// the script thread; a host thread waits for that, but for a moment only when a script is still running.
@@ -209,8 +210,8 @@ private:
     const SharedContextRegistry<MyDeviceExecContext> syncContexts;
     const SharedContextRegistry<MyAsyncDeviceExecContext> asyncContexts;
 
-    QString lastValueText;        ///< result of the last GetValueAsString: script
-    bool postponeAllowed = false; ///< under the device's command in execution: script, command
+    QString lastValueText;                    ///< result of the last GetValueAsString: script
+    std::atomic<bool> postponeAllowed{false}; ///< written by the command thread and, at a load, by the script thread
     std::atomic<MyPostponedObject*>
         currentPostponed{}; ///< written by the script thread in a command, read by the command thread
     MIObjectMap postponedMap;
