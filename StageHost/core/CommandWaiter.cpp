@@ -8,8 +8,6 @@ namespace stagehost {
 
 namespace {
 
-constexpr std::chrono::milliseconds kLook(50); // how often a verdict is asked for that ripens with time alone
-
 /// Whether a command is over, and how.
 std::optional<Reply> ReplyOf(CommandCall& call) {
     using Verdict = CommandWatch::Verdict;

@@ -11,6 +11,9 @@
 
 namespace stagehost {
 
+/// How often a verdict is asked for that ripens with time alone.
+inline constexpr std::chrono::milliseconds kLook(50);
+
 /// Sees how one command goes, from what a host can see of it.
 ///
 /// A command for which the device began the context is over when the context has ended. For the others nobody ends

@@ -14,7 +14,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Milliseconds = Device::Milliseconds;
 
-constexpr Milliseconds kLook(50);          // how often a verdict is asked for that ripens with time alone
 constexpr Milliseconds kBlockedStop(100);  // for the Stop of a device that is known to be blocked
 constexpr Milliseconds kComeBack(2000);    // for blocked calls to return once the device has been released
 constexpr Milliseconds kHeldCommand(6000); // a held command is run once more, or given up, after 5 s

@@ -14,11 +14,7 @@
 #include "ScriptWaits.h"
 #include "SocketValues.h"
 
-namespace {
-
-constexpr std::size_t kRequestedStackSize = 8193;
-
-} // namespace
+namespace {} // namespace
 
 MScriptUDP::MScriptUDP(IScriptObjectOwner* objectOwner)
     : socket(std::make_unique<MUDPSocket>())

@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr std::size_t kRequestedStackSize = 8193;
 constexpr int kFirstPort = 4422;
 constexpr int kPortMask = 0xFFFF;
 
