@@ -152,7 +152,7 @@ std::optional<StoredCommand> Device::Update(const StoredCommand& stored) {
     if (code != KXP_OK || text == nullptr)
         return std::nullopt;
     QString problem;
-    const auto updated = StoredCommand::Read(FromOutsideText(text), &problem);
+    auto updated = StoredCommand::Read(FromOutsideText(text), &problem);
     device_->ReleaseString(&text);
     return updated;
 }
