@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int kEngineEventIntervalMs = 100; ///< keeps the debugger's window alive during a long evaluation
+constexpr int kDebuggerEventIntervalMs = 100; ///< keeps the debugger's window alive during a long evaluation
 constexpr int kWindowWidth = 1024;
 constexpr int kWindowHeight = 640;
 
@@ -21,7 +21,7 @@ constexpr int kWindowHeight = 640;
 /// The debugger shows windows, so the engine stays on the host's main thread and there is no script thread.
 void MCalverinScript_Device::SetUpDebugger() {
     engine->setAgent(agent);
-    engine->setProcessEventsInterval(kEngineEventIntervalMs);
+    engine->setProcessEventsInterval(kDebuggerEventIntervalMs);
     debugger = new QScriptEngineDebugger(this);
     debugger->attachTo(engine);
     debugger->action(QScriptEngineDebugger::InterruptAction)->trigger();

@@ -1,5 +1,7 @@
 #include "MCalverinScript_Device.h"
 
+#include <chrono>
+
 #include <QCoreApplication>
 #include <QEvent>
 #include <QEventLoop>
@@ -22,6 +24,9 @@ namespace {
 const QEvent::Type kDrainEvent = static_cast<QEvent::Type>(QEvent::registerEventType());
 
 constexpr int kAbortRetryMs = 5;
+
+/// How long tasks are run before the thread looks at its timers.
+constexpr std::chrono::milliseconds kTurn(5);
 
 /// The host's main thread has events of its own to serve while it waits; the module's plain threads have none.
 bool HasEventsToServe() {
@@ -98,7 +103,8 @@ bool MCalverinScript_Device::event(QEvent* received) {
 }
 
 /// Runs inside a script too, since a running engine lets its thread process events now and then. Then nothing is taken; the
-/// only thing that is served there is the end of the device.
+/// only thing that is served there is the end of the device. A turn has an end even when tasks come faster than they are run:
+/// the timers of the script have theirs in between.
 void MCalverinScript_Device::DrainInbox() {
     if (entryDepth > 0) {
         drainDeferred = true;
@@ -109,10 +115,15 @@ void MCalverinScript_Device::DrainInbox() {
     drainDeferred = false;
     while (!deferredTimers.isEmpty())
         FireTimer(deferredTimers.takeFirst());
+    const auto end = std::chrono::steady_clock::now() + kTurn;
     ScriptInbox::Task task;
     while (inbox.Take(task)) {
         task();
         task = nullptr;
+        if (std::chrono::steady_clock::now() >= end) {
+            WakeScriptThread();
+            return;
+        }
     }
 }
 

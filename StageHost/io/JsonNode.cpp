@@ -11,6 +11,10 @@
 
 namespace stagehost {
 
+QString Quoted(const QString& text) {
+    return QLatin1Char('"') + text + QLatin1Char('"');
+}
+
 JsonNode::JsonNode(QJsonValue value, QString path, QStringList& complaints)
     : value_(std::move(value))
     , path_(std::move(path))

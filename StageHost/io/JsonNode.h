@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <initializer_list>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,6 +12,9 @@
 #include <QStringList>
 
 namespace stagehost {
+
+/// A name as complaints show it, in double quotes.
+QString Quoted(const QString& text);
 
 /// A value of a JSON text together with its place in it, so that a complaint can name that place:
 /// "devices[1].script: expected text".
@@ -29,7 +33,7 @@ public:
     QString Text() const;
     QString TextOr(const QString& missing) const;
     std::optional<double> Number() const;
-    std::optional<int> Whole(int lowest, int highest) const;
+    std::optional<int> Whole(int lowest, int highest = std::numeric_limits<int>::max()) const;
 
     /// Text as it is, and numbers and truth values in their text form.
     QString Scalar() const;

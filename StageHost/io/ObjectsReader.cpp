@@ -12,14 +12,9 @@ namespace stagehost {
 
 namespace {
 
-constexpr int kHighest = std::numeric_limits<int>::max();
 constexpr const char* kFirstPage = "Page 1";
 
 enum Key { kTasks, kCues, kScreens, kGroups, kObjects, kShows };
-
-QString Quoted(const QString& text) {
-    return QLatin1Char('"') + text + QLatin1Char('"');
-}
 
 JsonNode MemberOf(const JsonNode& node, const char* name) {
     return node.Member(QLatin1String(name));
@@ -107,7 +102,7 @@ void ObjectsReader::ReadLine(const JsonNode& node, TaskSpec& task) {
         return;
     TaskLineSpec line;
     const std::int32_t before = task.lines.empty() ? 0 : task.lines.back().at;
-    line.at = MemberOf(node, "at").Whole(0, kHighest).value_or(before);
+    line.at = MemberOf(node, "at").Whole(0).value_or(before);
     if (line.at < before)
         MemberOf(node, "at").Complain(QStringLiteral("before the line above"));
     const JsonNode label = MemberOf(node, "label");

@@ -21,7 +21,6 @@ namespace {
 
 using Kind = ShowParameter::Kind;
 
-constexpr int kHighest = std::numeric_limits<int>::max();
 constexpr int kLongestHostText = 27;
 
 /// Line and column, from 1, of a place in a text. The column counts characters, not bytes.
@@ -30,10 +29,6 @@ QString PlaceOf(const QByteArray& text, int offset) {
     const int lineStart = before.lastIndexOf('\n') + 1;
     const int column = QString::fromUtf8(before.mid(lineStart)).size() + 1;
     return QStringLiteral("%1:%2").arg(before.count('\n') + 1).arg(column);
-}
-
-QString Quoted(const QString& text) {
-    return QLatin1Char('"') + text + QLatin1Char('"');
 }
 
 } // namespace
@@ -86,7 +81,7 @@ void ShowReader::ReadHost(const JsonNode& host) {
     };
     text("name", show_.host.appName);
     text("version", show_.host.version);
-    const auto userMode = host.Member(QStringLiteral("userMode")).Whole(0, kHighest);
+    const auto userMode = host.Member(QStringLiteral("userMode")).Whole(0);
     show_.host.userMode = static_cast<std::uint32_t>(userMode.value_or(static_cast<int>(show_.host.userMode)));
 }
 
@@ -121,7 +116,7 @@ void ShowReader::ReadVariable(const JsonNode& node) {
     variable.maximum = member("max").Number();
     if (variable.minimum && variable.maximum && *variable.minimum > *variable.maximum)
         member("min").Complain(QStringLiteral("above \"max\""));
-    variable.maxLength = member("maxLength").Whole(-1, kHighest).value_or(variable.maxLength);
+    variable.maxLength = member("maxLength").Whole(-1).value_or(variable.maxLength);
     variable.precision = member("precision").Whole(0, 15).value_or(variable.precision);
     variable.timeCodeType = member("timeCodeType").Whole(0, 5).value_or(variable.timeCodeType);
     member("items").ForEach([&](const JsonNode& item) { variable.items.push_back(item.BorderText()); });
@@ -215,7 +210,7 @@ void ShowReader::ReadOtherStep(const JsonNode& node, ObjectsReader& objects, Sho
     const JsonNode variable = wait.Member(QStringLiteral("variable"));
     objects.CheckVariable(variable, variable.Text());
     step.wait = ShowWait{variable.PlainText(), wait.Member(QStringLiteral("value")).Scalar(),
-                         wait.Member(QStringLiteral("within")).Whole(1, kHighest)};
+                         wait.Member(QStringLiteral("within")).Whole(1)};
 }
 
 void ShowReader::ReadCommandStep(const JsonNode& node, ShowStep& step) {

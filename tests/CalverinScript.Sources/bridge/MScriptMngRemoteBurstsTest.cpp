@@ -9,15 +9,15 @@
 
 namespace {
 
-class Source : public MScriptCommonEvent {
+class BurstSource : public MScriptCommonEvent {
 public:
-    Source() { m_type = ScriptObjectType::Udp; }
+    BurstSource() { m_type = ScriptObjectType::Udp; }
 };
 
 class BridgeBursts : public testing::Test {
 protected:
     BridgeBursts() {
-        auto source = std::make_unique<Source>();
+        auto source = std::make_unique<BurstSource>();
         object = source.get();
         remote.GetScriptObjects().Own(std::move(source));
         burst[0].Add(true);

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::chrono::seconds kDeadline(10);
+constexpr std::chrono::seconds kWaitDeadline(10);
 
 class SyncContext : public testing::Test {
 protected:
@@ -40,7 +40,7 @@ TEST_F(SyncContext, IsInItsRegistryWhileItLives) {
 
 TEST_F(SyncContext, ThatNobodyBeganIsNotWaitedForAndHasErrorCodeZero) {
     auto waiting = Waiting();
-    EXPECT_TRUE(IsOver(waiting, kDeadline));
+    EXPECT_TRUE(IsOver(waiting, kWaitDeadline));
     EXPECT_EQ(context->GetErrorCode(), 0u);
 }
 
@@ -49,14 +49,14 @@ TEST_F(SyncContext, ThatWasBegunIsWaitedForUntilItsEnd) {
     auto waiting = Waiting();
     EXPECT_FALSE(IsOver(waiting, std::chrono::milliseconds(20)));
     context->End();
-    EXPECT_TRUE(IsOver(waiting, kDeadline));
+    EXPECT_TRUE(IsOver(waiting, kWaitDeadline));
 }
 
 TEST_F(SyncContext, EndedBeforeTheWaitIsNotWaitedFor) {
     context->Begin();
     context->End();
     auto waiting = Waiting();
-    EXPECT_TRUE(IsOver(waiting, kDeadline));
+    EXPECT_TRUE(IsOver(waiting, kWaitDeadline));
 }
 
 TEST_F(SyncContext, StaysEndedForLaterWaitersAndAfterASecondEnd) {
@@ -74,7 +74,7 @@ TEST_F(SyncContext, BegunAgainIsWaitedForAgain) {
     auto waiting = Waiting();
     EXPECT_FALSE(IsOver(waiting, std::chrono::milliseconds(20)));
     context->End();
-    EXPECT_TRUE(IsOver(waiting, kDeadline));
+    EXPECT_TRUE(IsOver(waiting, kWaitDeadline));
 }
 
 TEST_F(SyncContext, LeavesItsStateAsItWasMade) {

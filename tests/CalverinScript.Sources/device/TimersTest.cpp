@@ -61,6 +61,24 @@ TEST_F(Timers, AnExceptionInATimerIsReportedAndSignalled) {
     EXPECT_EQ(signalled, 1);
 }
 
+TEST_F(Timers, HaveTheirTurnWhileTasksComeFasterThanTheyAreRun) {
+    plain::Value fired("fired");
+    GivenScript("({ Tick: function() { inside() } })");
+    TellWhenInside(fired);
+    std::atomic<bool> flood{true};
+    std::function<void()> again = [&] {
+        if (flood)
+            device->PostTask(again);
+    };
+    OnScriptThread([&] {
+        device->SlotSetTimeout(Function("Tick"), 1);
+        again();
+    });
+    EXPECT_TRUE(fired.WaitFor("yes"));
+    flood = false;
+    OnScriptThread([] {});
+}
+
 TEST_F(Timers, NoneIsLeftAfterStop) {
     GivenScript("({ _mStart: function() {}, Tick: function() { ticks++ } })");
     OnScriptThread([&] {
