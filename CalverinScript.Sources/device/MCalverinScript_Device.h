@@ -154,7 +154,8 @@ public:
     /// Delivers an event of a script object to its listener, later. Does nothing without both pointers. @return 1.   [any]
     int PostScriptEvent(const QString& name, const MScriptParamList* params, MScriptCommonEvent* event) override;
     /// The same for several events of one name, which share one task.   [any]
-    void PostScriptEvents(const QString& name, std::vector<MScriptParamList> events, MScriptCommonEvent* event) override;
+    void PostScriptEvents(const QString& name, std::vector<MScriptParamList> events,
+                          MScriptCommonEvent* event) override;
 
     // The five operations of the command road. With execute false each posts a command, with execute true it does the work.
     bool LoadScriptFromFile(IExecContext* context, const char* fileName, bool execute);
