@@ -1,3 +1,4 @@
+#include <chrono>
 #include <fstream>
 #include <future>
 
@@ -113,19 +114,23 @@ TEST_F(ScriptEvents, ShareOneWakeUpWhenTheyComeInABurst) {
     WakeUps wakeUps;
     std::promise<void> raised;
     std::promise<void> inside;
+    std::chrono::steady_clock::time_point begin;
     wakeUps.moveToThread(device->thread());
     OnScriptThread([&] { device->installEventFilter(&wakeUps); });
     ASSERT_TRUE(device->PostTask([&] {
         inside.set_value();
         raised.get_future().wait();
         wakeUps.count = 0;
+        begin = std::chrono::steady_clock::now();
     }));
     inside.get_future().wait();
     for (int i = 0; i < 1000; ++i)
         Source().Raise("data", {true});
     raised.set_value();
     EXPECT_EQ(Heard(1), "all");
-    EXPECT_LE(wakeUps.count, 1);
+    // The thread looks at its timers every 5 ms, and wakes itself for that.
+    const auto turns = (std::chrono::steady_clock::now() - begin) / std::chrono::milliseconds(5);
+    EXPECT_LE(wakeUps.count, 1 + turns);
     OnScriptThread([&] {
         device->removeEventFilter(&wakeUps);
         wakeUps.moveToThread(nullptr);
