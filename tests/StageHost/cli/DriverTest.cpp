@@ -303,7 +303,7 @@ TEST_F(ShowWithADriver, TellsAMistakeInTheDriverAndLeavesTheShowAsItIs) {
     EXPECT_EQ(host.Errors(), Text("desk: Script: no power\n"));
 }
 
-TEST_F(ShowWithADriver, LosesNothingWhenTheShowFileCannotBeWritten) {
+TEST_F(ShowWithADriver, StaysAsItIsWhenWhatIsAskedForIsRefused) {
     GivenDriver(kOlder);
     GivenShow();
     Run("setup");
