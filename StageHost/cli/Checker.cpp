@@ -7,6 +7,7 @@
 #include <QDir>
 
 #include "ExitCodes.h"
+#include "Interrupt.h"
 
 namespace stagehost {
 
@@ -34,6 +35,8 @@ MaybeFailure RunChecker(QProcess& process, const QString& file, bool json, std::
         process.waitForFinished();
         return Failure{kExitNoAnswer, QStringLiteral("no answer within %1 ms").arg(limit.count())};
     }
+    if (Interrupt::HasCome())
+        return Failure{kExitNoAnswer, QStringLiteral("interrupted")};
     if (process.exitStatus() != QProcess::NormalExit)
         return Failure{kExitScriptFailed, QStringLiteral("the script brought the check to an end by force")};
     return std::nullopt;

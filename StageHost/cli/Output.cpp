@@ -65,7 +65,9 @@ int Fail(bool json, int exitCode, const QString& text) {
 int ExitCodeOf(const CommandOutcome& outcome) {
     if (outcome.kind == CommandOutcome::Kind::Done)
         return kExitOk;
-    return outcome.kind == CommandOutcome::Kind::NoAnswer ? kExitNoAnswer : kExitScriptFailed;
+    const bool answered =
+        outcome.kind == CommandOutcome::Kind::ScriptFailed || outcome.kind == CommandOutcome::Kind::Refused;
+    return answered ? kExitScriptFailed : kExitNoAnswer;
 }
 
 QString FailureText(const CommandOutcome& outcome, const QString& command, std::chrono::milliseconds limit) {
@@ -76,6 +78,8 @@ QString FailureText(const CommandOutcome& outcome, const QString& command, std::
         return FromBorderText(outcome.error);
     case CommandOutcome::Kind::Refused:
         return RefusalText(outcome.code, command);
+    case CommandOutcome::Kind::Interrupted:
+        return QStringLiteral("interrupted before the end of \"%1\"").arg(command);
     case CommandOutcome::Kind::NoAnswer:
         break;
     }
@@ -88,7 +92,7 @@ QString HostCodeLine(KXPCode code) {
 }
 
 QJsonObject ToJson(const CommandOutcome& outcome) {
-    constexpr const char* kKinds[] = {"done", "failed", "refused", "no answer"};
+    constexpr const char* kKinds[] = {"done", "failed", "refused", "no answer", "interrupted"};
     return {{QStringLiteral("ok"), outcome.kind == CommandOutcome::Kind::Done},
             {QStringLiteral("outcome"), QLatin1String(kKinds[static_cast<int>(outcome.kind)])},
             {QStringLiteral("code"), static_cast<double>(outcome.code)},

@@ -9,6 +9,7 @@
 #include "DriverSetup.h"
 #include "ExitCodes.h"
 #include "ExitGuard.h"
+#include "Interrupt.h"
 #include "MainWait.h"
 #include "Output.h"
 #include "TextFile.h"
@@ -159,7 +160,9 @@ MaybeFailure Session::StartDevice(Device& device) {
     if (!device.Start(options_.timeout))
         return Failure{
             kExitNoAnswer,
-            DeviceText(device, QStringLiteral("has not started within %1 ms").arg(options_.timeout.count()))};
+            DeviceText(device, Interrupt::HasCome()
+                                   ? QStringLiteral("interrupted while it starts")
+                                   : QStringLiteral("has not started within %1 ms").arg(options_.timeout.count()))};
     const ShowDevice& described = *show_.FindDevice(FromBorderText(device.Name()));
     const std::string error = device.ErrorText();
     if (error.empty() || (described.driverFile.isEmpty() && described.setup.isEmpty()))
@@ -229,8 +232,11 @@ MaybeFailure Session::WaitFor(const ShowWait& wait) {
     const std::string value = ToBorderText(wait.value);
     const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : options_.timeout;
     const Observation observation = variable->Observe([] { MainWait::Wake(); });
-    if (MainWait::Until([&] { return variable->Text() == value; }, limit))
+    if (MainWait::UntilInterrupted([&] { return variable->Text() == value; }, limit))
         return std::nullopt;
+    if (Interrupt::HasCome())
+        return Failure{kExitNoAnswer, QStringLiteral("interrupted while \"%1\" is \"%2\", not \"%3\"")
+                                          .arg(wait.variable, FromBorderText(variable->Text()), wait.value)};
     return Failure{kExitNoAnswer, QStringLiteral("\"%1\" is \"%2\", not \"%3\", after %4 ms")
                                       .arg(wait.variable, FromBorderText(variable->Text()), wait.value)
                                       .arg(limit.count())};

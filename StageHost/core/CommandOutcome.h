@@ -12,7 +12,8 @@ struct CommandOutcome {
         Done,         ///< the device has finished the command
         ScriptFailed, ///< it has reported an error
         Refused,      ///< ExecuteCommand gave another code than 0
-        NoAnswer      ///< the limit passed
+        NoAnswer,     ///< the limit passed
+        Interrupted   ///< the user wants the program to end
     };
 
     Kind kind = Kind::NoAnswer;

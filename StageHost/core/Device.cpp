@@ -4,6 +4,7 @@
 #include <atomic>
 
 #include "BorderText.h"
+#include "Interrupt.h"
 #include "MainWait.h"
 #include "ValueFactory.h"
 
@@ -66,7 +67,7 @@ std::optional<Device::Problem> Device::TakeSetup(const std::string& setup) {
 
 bool Device::Start(Milliseconds limit) {
     started_ = true;
-    return RunInTime(pool_.Run([device = device_] { device->Start(); }), limit);
+    return RunInTime(pool_.Run([device = device_] { device->Start(); }), limit, &MainWait::UntilInterrupted);
 }
 
 CommandOutcome Device::Send(const CommandDefinition& command, const std::vector<ParameterInput>& inputs,
@@ -83,7 +84,9 @@ CommandOutcome Device::Send(const CommandDefinition& command, const std::vector<
     outcome.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
     Complete(outcome, *call);
     call->watch->StopLooking();
-    if (outcome.kind != CommandOutcome::Kind::NoAnswer && !mayHold_)
+    const bool answered =
+        outcome.kind != CommandOutcome::Kind::NoAnswer && outcome.kind != CommandOutcome::Kind::Interrupted;
+    if (answered && !mayHold_)
         calls_.pop_back();
     return outcome;
 }
@@ -95,7 +98,7 @@ bool Device::Shutdown(Milliseconds limit) {
     object_->Close();
     TheHost().EndWaitingOfOlderLink();
     if (started_ && AllBack())
-        RunInTime(pool_.Run([device = device_] { device->Stop(); }), blocked_ ? kBlockedStop : limit);
+        RunInTime(pool_.Run([device = device_] { device->Stop(); }), blocked_ ? kBlockedStop : limit, &MainWait::Until);
     TheHost().CloseLink(device_);
     device_->Release();
     TheHost().ForgetDevice(device_);
@@ -160,8 +163,8 @@ std::optional<StoredCommand> Device::Update(const StoredCommand& stored) {
 CommandOutcome Device::Await(Call& call, Milliseconds limit) {
     const auto deadline = Clock::now() + limit;
     CommandOutcome outcome;
-    if (!RunInTime(call.task, limit))
-        return outcome;
+    if (!RunInTime(call.task, limit, &MainWait::UntilInterrupted))
+        return Unanswered();
     outcome.code = call.code;
     if (outcome.code != KXP_OK) {
         outcome.kind = CommandOutcome::Kind::Refused;
@@ -170,15 +173,21 @@ CommandOutcome Device::Await(Call& call, Milliseconds limit) {
     using Verdict = CommandWatch::Verdict;
     Verdict verdict = Verdict::Running;
     const auto judged = [&] { return (verdict = call.watch->Judge(Clock::now())) != Verdict::Running; };
-    while (!MainWait::Until(judged, std::min(kLook, Left(deadline)))) {
-        if (Clock::now() >= deadline) {
-            blocked_ = true;
-            return outcome;
-        }
+    while (!MainWait::UntilInterrupted(judged, std::min(kLook, Left(deadline)))) {
+        if (Clock::now() >= deadline || Interrupt::HasCome())
+            return Unanswered();
     }
     mayHold_ = verdict == Verdict::Failed;
     const bool failed = verdict == Verdict::Failed || !ErrorText().empty();
     outcome.kind = failed ? CommandOutcome::Kind::ScriptFailed : CommandOutcome::Kind::Done;
+    return outcome;
+}
+
+CommandOutcome Device::Unanswered() {
+    blocked_ = true;
+    CommandOutcome outcome;
+    if (Interrupt::HasCome())
+        outcome.kind = CommandOutcome::Kind::Interrupted;
     return outcome;
 }
 
@@ -200,15 +209,15 @@ void Device::Settle() {
         MainWait::Wake();
     });
     const auto givenUp = [this] { return ErrorText() == kGivenUp; };
-    if (MainWait::Until([&] { return *active || givenUp(); }, kHeldCommand))
-        MainWait::Until(givenUp, kHeldCommand);
+    if (MainWait::UntilInterrupted([&] { return *active || givenUp(); }, kHeldCommand))
+        MainWait::UntilInterrupted(givenUp, kHeldCommand);
 }
 
-bool Device::RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit) {
+bool Device::RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit, Wait wait) {
     tasks_.erase(std::remove_if(tasks_.begin(), tasks_.end(), [](const auto& other) { return other->IsDone(); }),
                  tasks_.end());
     tasks_.push_back(task);
-    const bool inTime = MainWait::Until([&] { return task->IsDone(); }, limit);
+    const bool inTime = wait([&] { return task->IsDone(); }, limit);
     blocked_ = blocked_ || !inTime;
     return inTime;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -65,7 +66,7 @@ public:
     /// @return nothing when the device makes nothing of it.
     std::optional<StoredCommand> Update(const StoredCommand& stored);
 
-    /// @return false when the start has not come back within the limit.
+    /// @return false when the start has not come back within the limit, or before the user wants the program to end.
     bool Start(Milliseconds limit);
 
     /// Sends a command and waits for its end. A parameter that is not named keeps its default.
@@ -101,10 +102,14 @@ private:
         KXPCode code = KXP_OK; ///< written by the task, read when it is done
     };
 
+    /// One of the waits of MainWait.
+    using Wait = bool (*)(const std::function<bool()>& condition, Milliseconds limit);
+
     CommandOutcome Await(Call& call, Milliseconds limit);
+    CommandOutcome Unanswered();
     void Complete(CommandOutcome& outcome, const Call& call) const;
     void Settle();
-    bool RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit);
+    bool RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit, Wait wait);
     bool AllBack() const;
 
     Host& TheHost() { return module_.TheHost(); }

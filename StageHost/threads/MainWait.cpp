@@ -1,5 +1,6 @@
 #include "MainWait.h"
 
+#include <algorithm>
 #include <mutex>
 
 #include <QAbstractEventDispatcher>
@@ -8,9 +9,13 @@
 #include <QEventLoop>
 #include <QTimer>
 
+#include "Interrupt.h"
+
 namespace stagehost {
 
 namespace {
+
+constexpr std::chrono::milliseconds kLookForInterrupt(50); // a signal wakes nobody
 
 std::mutex dispatcherLock; // guards the pointer: module threads may outlive the application object
 QAbstractEventDispatcher* mainDispatcher = nullptr;
@@ -40,6 +45,16 @@ bool MainWait::Until(const std::function<bool()>& condition, std::chrono::millis
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
     }
     return true;
+}
+
+bool MainWait::UntilInterrupted(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+    const QDeadlineTimer deadline(limit);
+    do {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline.remainingTimeAsDuration());
+        if (Until(condition, std::min(left, kLookForInterrupt)))
+            return true;
+    } while (!deadline.hasExpired() && !Interrupt::HasCome());
+    return false;
 }
 
 void MainWait::Wake() {

@@ -29,6 +29,7 @@ void StageHostProcess::Begin(const QStringList& words) {
     if (!workingFolder_.isEmpty())
         process_->setWorkingDirectory(workingFolder_);
     output_.clear();
+    errors_.clear();
     clock_.start();
     process_->start(QStringLiteral(STAGEHOST_BIN "/stagehost"), all);
     process_->waitForStarted(kLongestRun);
@@ -48,6 +49,17 @@ bool StageHostProcess::WaitForOutput(const char* text) {
     return true;
 }
 
+bool StageHostProcess::WaitForErrors(const char* text) {
+    process_->setReadChannel(QProcess::StandardError);
+    bool more = true;
+    while (more && !errors_.contains(QString::fromUtf8(text))) {
+        more = process_->waitForReadyRead(kLongestRun);
+        errors_ += QString::fromUtf8(process_->readAllStandardError());
+    }
+    process_->setReadChannel(QProcess::StandardOutput);
+    return more;
+}
+
 void StageHostProcess::Finish() {
     process_->closeWriteChannel();
     const bool ended = process_->state() == QProcess::NotRunning || process_->waitForFinished(kLongestRun);
@@ -56,7 +68,7 @@ void StageHostProcess::Finish() {
         process_->kill();
     exitCode_ = ended && process_->exitStatus() == QProcess::NormalExit ? process_->exitCode() : -1;
     output_ += QString::fromUtf8(process_->readAllStandardOutput());
-    errors_ = QString::fromUtf8(process_->readAllStandardError());
+    errors_ += QString::fromUtf8(process_->readAllStandardError());
     process_->waitForFinished(kLongestRun);
 }
 

@@ -24,6 +24,8 @@ public:
     void Say(const char* line);
     /// Waits until standard output holds a text. @return false when it does not come within a minute.
     bool WaitForOutput(const char* text);
+    /// The same for standard error.
+    bool WaitForErrors(const char* text);
     /// Asks the program to end, as Ctrl-C does.
     void Interrupt() { process_->terminate(); }
     /// Closes standard input and waits for the end.

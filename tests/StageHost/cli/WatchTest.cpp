@@ -15,10 +15,13 @@ QString Text(const char* text) {
     return QString::fromUtf8(text);
 }
 
+constexpr int kSoon =
+    20000; // ms: generous for a slow machine, and far below the limits of the waits that are broken off
+
 class Watching : public testing::Test {
 protected:
     Watching() {
-        host.File(Text("script.js"), "function echo echo\nfunction bad fail boom\n");
+        host.File(Text("script.js"), "function echo echo\nfunction bad fail boom\nfunction slow never\n");
         show = host.File(Text("show.json"), R"({
             "variables": [{"name":"Level","type":"Integer"},{"name":"Mood"},{"name":"A name"}],
             "devices": [{"name":"desk","script":"script.js"}],
@@ -158,6 +161,44 @@ TEST_F(Watching, EndsProperlyWhenItIsInterrupted) {
     host.Interrupt();
     host.Finish();
     EXPECT_EQ(host.ExitCode(), 0);
+}
+
+TEST_F(Watching, EndsAtOnceWhenItIsInterruptedWhileACommandIsUnderWay) {
+    host.Begin({Text("watch"), Text("--timeout"), Text("50000"), show});
+    host.Say("send desk 3 \"Script Function Name=slow\"");
+    EXPECT_TRUE(host.WaitForOutput("desk.Status = Ready\n")) << "the function is over, the command is not";
+    host.Interrupt();
+    host.Finish();
+    EXPECT_EQ(host.ExitCode(), 3);
+    EXPECT_TRUE(host.Errors().contains(Text("interrupted before the end of \"3\"\n"))) << host.Errors().toStdString();
+    EXPECT_LT(host.Milliseconds(), kSoon);
+}
+
+TEST_F(Watching, EndsAtOnceWhenItIsInterruptedWhileItWaits) {
+    host.Begin({Text("watch"), host.File(Text("waiting.json"), R"({
+        "variables": [{"name":"Level","type":"Integer"}],
+        "steps": [{"set":{"Level":1}},{"wait":{"variable":"Level","value":"2","within":50000}}]})")});
+    host.Say("play");
+    EXPECT_TRUE(host.WaitForOutput("Level = 1\n")) << "printed by the wait, since a step that sets looks at no events";
+    host.Interrupt();
+    host.Finish();
+    EXPECT_EQ(host.ExitCode(), 3);
+    EXPECT_TRUE(host.Errors().contains(Text("step 2: interrupted while \"Level\" is \"1\", not \"2\"\n")))
+        << host.Errors().toStdString();
+    EXPECT_LT(host.Milliseconds(), kSoon);
+}
+
+TEST(WatchingADriver, EndsAtOnceWhenItIsInterruptedWhileTheDriverStarts) {
+    StageHostProcess host;
+    const QString driver = host.File(
+        Text("driver.js"), "({ _mStart: function () { QCalverin.TraceMessage('busy', 'ERROR'); for (;;) {} } })");
+    host.Begin({Text("watch"), Text("--log"), driver});
+    EXPECT_TRUE(host.WaitForErrors("busy\n"));
+    host.Interrupt();
+    host.Finish();
+    EXPECT_EQ(host.ExitCode(), 3);
+    EXPECT_TRUE(host.Errors().contains(Text("script: interrupted while it starts\n"))) << host.Errors().toStdString();
+    EXPECT_LT(host.Milliseconds(), kSoon);
 }
 
 TEST_F(Watching, TakesALastLineWithoutALineFeedAndEmptyLines) {
