@@ -50,7 +50,7 @@ void MScriptDescription::Take(const QScriptValue& published) {
     for (const ScriptMember& member : MembersOf(FindInfo(published)))
         for (const Field& field : kFields)
             if (member.name == QLatin1String(field.name) && !member.value.isNull() && !member.value.isFunction())
-                this->*field.field = member.value.toString();
+                this->*field.field = ScriptText(member.value);
 }
 
 const QString& MScriptDescription::GetDisplayText() {

@@ -13,10 +13,6 @@ namespace {
 /// An enumeration with more items is not read to its end.
 constexpr quint32 kMostItems = 65536;
 
-QScriptValue OwnMember(const QScriptValue& object, const QString& name) {
-    return object.isObject() ? object.property(name, QScriptValue::ResolveLocal) : QScriptValue();
-}
-
 bool IsPlain(const QScriptValue& value) {
     return value.isValid() && !value.isNull() && !value.isObject();
 }
@@ -66,7 +62,7 @@ QStringList TakeItems(const QScriptValue& entry, const QString& type) {
         return items;
     const quint32 count = std::min(array.property(QStringLiteral("length")).toUInt32(), kMostItems);
     for (quint32 i = 0; i < count; ++i)
-        items.append(array.property(i).toString());
+        items.append(ScriptText(OwnMember(array, QString::number(i))));
     return items;
 }
 
@@ -90,12 +86,19 @@ void ApplyToParam(MScriptCommandParam& param, const QScriptValue& entry) {
     param.items = TakeItems(entry, param.type);
 }
 
+/// A stored command without a name or a status is none, so neither can be empty.
+bool IsCommandProperty(const QString& name, const QString& text) {
+    if (name == QLatin1String("Name"))
+        return !text.isEmpty() && !IsBuiltInCommand(text);
+    return name != QLatin1String("Status") || !text.isEmpty();
+}
+
 void ApplyToCommand(MScriptCommand& command, const QScriptValue& entry) {
     for (const ScriptMember& member : MembersOf(entry)) {
         if (!IsPlain(member.value))
             continue;
         const QString text = member.value.toString();
-        if (member.name != QLatin1String("Name") || !IsBuiltInCommand(text))
+        if (IsCommandProperty(member.name, text))
             StoreProperty(command.properties, PropertyOwner::Command, QString(), member.name, text);
     }
     ForEachNamed(OwnMember(entry, QStringLiteral("Params")), command.params, &ApplyToParam);

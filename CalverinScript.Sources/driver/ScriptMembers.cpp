@@ -1,6 +1,19 @@
 #include "ScriptMembers.h"
 
+#include <QScriptEngine>
 #include <QScriptValueIterator>
+
+namespace {
+
+/// Whether the script has thrown. The exception is forgotten.
+bool HasThrown(QScriptEngine* engine) {
+    if (engine == nullptr || !engine->hasUncaughtException())
+        return false;
+    engine->clearExceptions();
+    return true;
+}
+
+} // namespace
 
 QVector<ScriptMember> MembersOf(const QScriptValue& object) {
     QVector<ScriptMember> members;
@@ -9,8 +22,23 @@ QVector<ScriptMember> MembersOf(const QScriptValue& object) {
     QScriptValueIterator member(object);
     while (member.hasNext()) {
         member.next();
-        if (!member.flags().testFlag(QScriptValue::SkipInEnumeration))
-            members.append({member.name(), member.value()});
+        if (member.flags().testFlag(QScriptValue::SkipInEnumeration))
+            continue;
+        const QScriptValue value = member.value();
+        if (!HasThrown(object.engine()))
+            members.append({member.name(), value});
     }
     return members;
+}
+
+QScriptValue OwnMember(const QScriptValue& object, const QString& name) {
+    if (!object.isObject())
+        return QScriptValue();
+    const QScriptValue value = object.property(name, QScriptValue::ResolveLocal);
+    return HasThrown(object.engine()) ? QScriptValue() : value;
+}
+
+QString ScriptText(const QScriptValue& value) {
+    const QString text = value.toString();
+    return HasThrown(value.engine()) ? QString() : text;
 }

@@ -1,5 +1,6 @@
 #include "ScriptScan.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -16,8 +17,15 @@
 
 namespace {
 
+/// A name that a host can carry: there is one, it has no control characters, and in 8-bit text nothing of it is lost.
+bool IsHostName(const QString& name) {
+    const bool isPrintable =
+        std::none_of(name.begin(), name.end(), [](QChar c) { return c.category() == QChar::Other_Control; });
+    return !name.isEmpty() && isPrintable && FromHostText(ToHostText(name).constData()) == name;
+}
+
 bool IsPublishedFunction(const ScriptMember& member) {
-    return member.value.isFunction() && !member.name.startsWith(QLatin1Char('_'));
+    return member.value.isFunction() && !member.name.startsWith(QLatin1Char('_')) && IsHostName(member.name);
 }
 
 /// What stands between the first "(" and the next ")".
@@ -54,11 +62,6 @@ bool TakePlainValue(const QScriptValue& value, Record& record, QString* valueTyp
     return true;
 }
 
-/// A name that a host can carry: in its 8-bit text nothing of it is lost.
-bool IsHostText(const QString& text) {
-    return FromHostText(ToHostText(text).constData()) == text;
-}
-
 class Scan {
 public:
     explicit Scan(const ScanRequest& request)
@@ -80,7 +83,7 @@ private:
     void TakeTopLevel(const ScriptMember& member) {
         PublishGroup group = PublishGroup::Host;
         if (IsPublishedFunction(member)) {
-            m_result.functions.push_back(CommandFromFunction(member.name, member.value.toString()));
+            m_result.functions.push_back(CommandFromFunction(member.name, ScriptText(member.value)));
         } else if (member.value.isObject() && !member.value.isFunction() && FindPublishGroup(member.name, group)) {
             const QVector<ScriptMember> members = MembersOf(member.value);
             if (!m_request.stopMode && m_request.enumHelpers != nullptr && member.name == QLatin1String("Device"))
@@ -124,12 +127,12 @@ private:
         const bool keepsDefaults = !m_result.removeDefaults.value_or(m_request.removeDefaults);
         const bool taken = name == QLatin1String("Activity") || name == QLatin1String("Timerail") ||
                            (keepsDefaults && IsDefaultVariable(name)) || m_variableNames.contains(name);
-        return !taken && IsHostText(name) && (m_request.host == nullptr || m_request.host->IsValidName(name));
+        return !taken && IsHostName(name) && (m_request.host == nullptr || m_request.host->IsValidName(name));
     }
 
     /// Notes a variable that the host has and lets the member stand for it.
     void BindMember(QScriptValue object, const QString& member, VariableOrigin origin, const QString& name) {
-        if (m_request.host == nullptr || !IsHostText(name))
+        if (m_request.host == nullptr || !IsHostName(name))
             return;
         IData* data = origin == VariableOrigin::Host ? m_request.host->FindHostVariable(name)
                                                      : m_request.host->FindDeviceVariable(name);
@@ -146,7 +149,7 @@ private:
     void TakeSetting(const ScriptMember& member) {
         MScriptSetting setting;
         setting.name = member.name;
-        if (!TakePlainValue(member.value, setting, nullptr))
+        if (member.name.isEmpty() || !TakePlainValue(member.value, setting, nullptr))
             return;
         setting.widget = FindDataKind(setting.type)->widget;
         m_result.settings.push_back(setting);

@@ -9,6 +9,12 @@
 #include "HostData.h"
 #include "ValueConversion.h"
 
+namespace {
+
+constexpr QScriptValue::PropertyFlags kAccessor{int(QScriptValue::PropertyGetter) | int(QScriptValue::PropertySetter)};
+
+} // namespace
+
 /// What the native function of an accessor knows. Written by whoever looks the variable up, read by the script thread.
 struct AccessorPool::BoundVariable {
     std::atomic<IData*> data{nullptr};
@@ -32,8 +38,9 @@ void AccessorPool::Bind(QScriptValue& object, const QString& member, VariableOri
         variable = place.get();
     }
     const QScriptValue function = object.engine()->newFunction(&AccessorPool::Access, variable);
-    object.setProperty(member, QScriptValue());
-    object.setProperty(member, function, QScriptValue::PropertyGetter | QScriptValue::PropertySetter);
+    if (!(object.propertyFlags(member, QScriptValue::ResolveLocal) & kAccessor))
+        object.setProperty(member, QScriptValue());
+    object.setProperty(member, function, kAccessor);
 }
 
 void AccessorPool::Rebind(VariableOrigin origin, const std::function<IData*(const QString& name)>& find) {
@@ -90,12 +97,28 @@ void WriteDate(IData& data, const QScriptValue& value) {
         SetText(data, DateTextOfDays(days));
 }
 
-/// The text of a value; a script's own toString may throw, and then there is none.
+/// Turning a value into a number or a text may run script. Once that has thrown there is nothing to write.
+bool HasFailed(const QScriptValue& value) {
+    const QScriptEngine* engine = value.engine();
+    return engine != nullptr && engine->hasUncaughtException();
+}
+
 void WriteText(IData& data, const QScriptValue& value) {
     const QString text = value.toString();
-    QScriptEngine* engine = value.engine();
-    if (engine == nullptr || !engine->hasUncaughtException())
+    if (!HasFailed(value))
         SetText(data, text);
+}
+
+void WriteWholeNumber(IData& data, const QScriptValue& value) {
+    const qint32 number = value.toInt32();
+    if (!HasFailed(value))
+        data.SetIntValue(number, 0, 0);
+}
+
+void WriteNumber(IData& data, const QScriptValue& value) {
+    const double number = value.toNumber();
+    if (!HasFailed(value) && std::isfinite(number))
+        data.SetRealValue(number, 0, 0);
 }
 
 } // namespace
@@ -109,9 +132,9 @@ void WriteHostValue(IData& data, const QScriptValue& value) {
     else if (value.isString())
         SetText(data, value.toString());
     else if (type == KXP_INTEGER_DATA || type == KXP_ENUM_DATA)
-        data.SetIntValue(value.toInt32(), 0, 0);
-    else if (type != KXP_REAL_DATA)
+        WriteWholeNumber(data, value);
+    else if (type == KXP_REAL_DATA)
+        WriteNumber(data, value);
+    else
         WriteText(data, value);
-    else if (const double number = value.toNumber(); std::isfinite(number))
-        data.SetRealValue(number, 0, 0);
 }

@@ -56,6 +56,15 @@ TEST_F(Description, SkipsNullAndFunctionsAndScriptsThatFail) {
     }
 }
 
+TEST_F(Description, TakesNothingOfWhatThrows) {
+    const auto record = MScriptDescription::FromText(
+        QStringLiteral("({ Info: { Title: { toString: function() { throw 'bad' } }, get Author() { throw 'bad' },"
+                       "           Version: '2' } })"),
+        &engine);
+    EXPECT_EQ(record->title + record->author + record->version, QStringLiteral("2"));
+    EXPECT_FALSE(engine.hasUncaughtException());
+}
+
 TEST_F(Description, IsNoneWithoutAFileOrAnEngine) {
     EXPECT_EQ(MScriptDescription::FromFile(folder.filePath(QStringLiteral("gone.js")), &engine), nullptr);
     EXPECT_EQ(MScriptDescription::FromFile(File(QStringLiteral("a.js"), "({})"), nullptr), nullptr);

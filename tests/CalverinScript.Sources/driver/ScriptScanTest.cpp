@@ -205,6 +205,71 @@ TEST_F(Scanning, GoesOnBehindAGetterThatThrows) {
     EXPECT_FALSE(engine.hasUncaughtException());
 }
 
+TEST_F(Scanning, LeavesOutWhatCannotBeReadWhateverIsThrown) {
+    const ScanResult result = Analyse(
+        "({ get Device() { throw new Error('no') }, get DeviceR() { throw { x: 1 } },"
+        " get f() { throw function(a) {} }, DeviceW: { get a() { throw 5 }, b: 1 },"
+        " Setup: { get a() { throw 5 }, b: 2 }, get Info() { throw { Variables: { b: { Type: 'Real' } } } } })");
+    EXPECT_EQ(Told(result.variables), "b:IntegerData=1");
+    EXPECT_EQ(Told(result.settings), "b:IntegerData=2");
+    EXPECT_EQ(Told(result.functions), "");
+    EXPECT_FALSE(engine.hasUncaughtException());
+}
+
+TEST_F(Scanning, TakesNothingOutOfTheErrorOfATextThatIsRefused) {
+    const ScanResult result =
+        Analyse("function refuse() { throw new Error('no (x, y)') }"
+                "var f = function(a) {}; f.toString = refuse;"
+                "({ Info: { Variables: { m: { Type: 'Enum', Items: ['a', { toString: refuse }, 'c'] } } },"
+                "   Device: { m: 0 }, f: f })");
+    EXPECT_EQ(Told(result.functions), "f(out Result)");
+    EXPECT_EQ(result.variables.at(0).enumItems, (QStringList{QStringLiteral("a"), QString(), QStringLiteral("c")}));
+}
+
+TEST_F(Scanning, LeavesOutNamesThatNoHostCanCarry) {
+    const ScanResult result =
+        Analyse("({ '': function() {}, 'x\\u0394': function() {}, 'a\\nb': function() {}, 'a\\u0000b': function() {},"
+                " 'Gr\\u00f6\\u00dfe of': function() {}, Device: { '': 1, 'a\\nb': 1, 'a\\u0000b': 1, 'a b': 1 },"
+                " Setup: { '': 1, '\\u0394': 2 } })");
+    EXPECT_EQ(Told(result.functions), "Gr\u00f6\u00dfe of(out Result)");
+    EXPECT_EQ(Told(result.variables), "a b:IntegerData=1");
+    EXPECT_EQ(Told(result.settings), "\u0394:IntegerData=2") << "settings do not leave the setup";
+}
+
+TEST_F(Scanning, KeepsACommandsNameAndStatusWhenInfoHasEmptyOnes) {
+    const ScanResult result =
+        Analyse("({ Info: { Commands: { f: { Name: '', Status: '', GroupName: '' } } }, f: function() {} })");
+    EXPECT_EQ(Told(result.functions.at(0).properties), "GroupName=");
+}
+
+TEST_F(Scanning, TakesUndefinedInInfoAsTextAsIsMeant) {
+    const ScanResult result =
+        Analyse("({ Info: { Setup: { s: { Hint: undefined, Prefix: null } } }, Setup: { s: 1 } })");
+    EXPECT_EQ(Told(result.settings.at(0).properties), "Hint=undefined");
+}
+
+TEST_F(Scanning, TakesNoMembersOfPrototypesWhateverTheirNames) {
+    const ScanResult result =
+        Analyse("({ __proto__: { f: function() {}, Device: { a: 1 } }, constructor: function(c) {},"
+                " Device: { __proto__: { b: 1 }, hasOwnProperty: 2, toString: 'x' } })");
+    EXPECT_EQ(Told(result.functions), "constructor(out Result, in c)");
+    EXPECT_EQ(Told(result.variables), "hasOwnProperty:IntegerData=2 toString:StringData=x");
+}
+
+TEST_F(Scanning, ReadsObjectsThatHoldThemselves) {
+    const ScanResult result =
+        Analyse("var o = { f: function() {} }; o.Device = o.Calverin = o.Info = o.Setup = o; o.a = 1; o");
+    EXPECT_EQ(Told(result.variables), "a:IntegerData=1");
+    EXPECT_EQ(Told(result.settings), "a:IntegerData=1");
+}
+
+TEST_F(Scanning, ReadsObjectsThatChangeWhileTheyAreRead) {
+    const ScanResult result =
+        Analyse("var d = { get a() { delete d.b; for (var i = 0; i < 9; ++i) d['x' + i] = i; return 1 }, b: 2 };"
+                "({ Device: d })");
+    EXPECT_EQ(Told(result.variables), "a:IntegerData=1");
+}
+
 TEST_F(Scanning, OfAValueThatIsNoObjectFindsNothing) {
     for (const char* script : {"5", "'text'", "null", "undefined", "true", ""})
         EXPECT_TRUE(Analyse(script).functions.empty()) << script;

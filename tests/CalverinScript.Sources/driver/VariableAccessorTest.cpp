@@ -49,6 +49,22 @@ TEST_F(Accessors, WriteWholeNumbersAndLetTextSetAnEnumeration) {
     EXPECT_EQ(Write(item, "1"), "1");
 }
 
+TEST_F(Accessors, WriteNothingWhenTurningTheValueIntoANumberThrows) {
+    for (const std::uint32_t type : {KXP_INTEGER_DATA, KXP_ENUM_DATA, KXP_REAL_DATA}) {
+        TypedValue& value = GivenBound(type, "5");
+        EXPECT_EQ(Write(value, "({ valueOf: function() { throw 1 } })"), "-") << type;
+        engine.clearExceptions();
+    }
+}
+
+TEST_F(Accessors, TakeThePlaceOfGettersAndSettersOfTheScriptWithoutCallingThem) {
+    TypedValue& value = GivenHostVariable("X", KXP_INTEGER_DATA, "5");
+    Run("var called = 0; ({ Calverin: { get X() { return 9 } }, CalverinW: { set X(v) { ++called } } })");
+    Evaluate("published.Calverin.X = 6; published.CalverinW.X += 1");
+    EXPECT_EQ(value.Text(), "7");
+    EXPECT_EQ(Evaluate("published.Calverin.X + ' ' + called"), "7 0");
+}
+
 TEST_F(Accessors, WriteRealNumbersThatAreOnes) {
     TypedValue& real = GivenBound(KXP_REAL_DATA);
     EXPECT_EQ(Write(real, "2.5"), "2.500000");
