@@ -61,22 +61,23 @@ TEST_F(Timers, AnExceptionInATimerIsReportedAndSignalled) {
     EXPECT_EQ(signalled, 1);
 }
 
+/// A task that posts itself anew until `flood` is taken away. It may be posted once more after that, so it owns what it reads.
+void PostWhile(MCalverinScript_Device& device, const std::shared_ptr<const std::atomic<bool>>& flood) {
+    if (*flood)
+        device.PostTask([&device, flood] { PostWhile(device, flood); });
+}
+
 TEST_F(Timers, HaveTheirTurnWhileTasksComeFasterThanTheyAreRun) {
     plain::Value fired("fired");
     GivenScript("({ Tick: function() { inside() } })");
     TellWhenInside(fired);
-    std::atomic<bool> flood{true};
-    std::function<void()> again = [&] {
-        if (flood)
-            device->PostTask(again);
-    };
+    const auto flood = std::make_shared<std::atomic<bool>>(true);
     OnScriptThread([&] {
         device->SlotSetTimeout(Function("Tick"), 1);
-        again();
+        PostWhile(*device, flood);
     });
     EXPECT_TRUE(fired.WaitFor("yes"));
-    flood = false;
-    OnScriptThread([] {});
+    *flood = false;
 }
 
 TEST_F(Timers, NoneIsLeftAfterStop) {
