@@ -46,7 +46,8 @@ public:
     SystemSocket(const SystemSocket&) = delete;
     SystemSocket& operator=(const SystemSocket&) = delete;
 
-    /// Makes a socket for streams or for datagrams in place of the one held before.
+    /// Makes a socket for streams or for datagrams in place of the one held before. Of multicasts it gets those of the groups that
+    /// it has joined itself.
     SocketError OpenStream();
     SocketError OpenDatagram();
 

@@ -105,8 +105,10 @@ SocketError SystemSocket::OpenStream() {
     return Open(SOCK_STREAM);
 }
 
+// This system hands a datagram socket what comes for every group that anybody on the machine has joined, unless it is told not to.
 SocketError SystemSocket::OpenDatagram() {
-    return Open(SOCK_DGRAM);
+    const SocketError error = Open(SOCK_DGRAM);
+    return error == SocketError::None ? Set(m_handle, IPPROTO_IP, IP_MULTICAST_ALL, int{0}) : error;
 }
 
 SocketError SystemSocket::Open(int type) {

@@ -107,6 +107,20 @@ TEST_F(UDPGroups, AnAddressThatIsNoGroupJoinsNothing) {
     EXPECT_EQ(socket->Bind(false, nullptr, 0), 0);
 }
 
+TEST_F(UDPGroups, AGroupThatOnlyAnotherSocketHasJoinedIsNotHeard) {
+    GivenBound();
+    MUDPSocket other;
+    UDPRecorder stranger;
+    other.AddHandler(&stranger);
+    ASSERT_EQ(other.Bind(false, nullptr, 0), 0);
+    EXPECT_EQ(other.SetMulticastInterface("127.0.0.1"), 0);
+    EXPECT_EQ(other.SendTo("to the group", 12, "239.1.2.3", other.GetPort()), 0);
+    EXPECT_EQ(other.SendTo("to itself", 9, "127.0.0.1", other.GetPort()), 0);
+    ASSERT_TRUE(stranger.WaitFor("to itself"));
+    EXPECT_EQ(stranger.All(), Words{"to itself"});
+    other.RemoveHandler(&stranger);
+}
+
 TEST_F(UDPGroups, WithoutLoopbackWhatIsSentToTheGroupStaysAway) {
     socket->SetMulticastLoopback(false);
     GivenBound();

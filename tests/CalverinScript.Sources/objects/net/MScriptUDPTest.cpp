@@ -1,5 +1,9 @@
 #include "SocketFixture.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+
 // The UDP object as a script sees it.
 
 namespace {
@@ -210,12 +214,20 @@ TEST_F(UDPObjects, BroadcastWithoutBeingToldBefore) {
 TEST_F(UDPObjects, SendToAGroupButNeverJoinOne) {
     if (!HasOwnNetwork())
         GTEST_SKIP() << "needs a network of its own";
+    const Peer member = Peer::Datagrams("0.0.0.0");
+    const ip_mreq group{{inet_addr("239.1.2.3")}, {INADDR_ANY}};
+    ASSERT_EQ(setsockopt(member.GetDescriptor(), IPPROTO_IP, IP_ADD_MEMBERSHIP, &group, sizeof group), 0);
     GivenUdp();
-    const std::uint16_t port = GivenBound("239.1.2.3;239.1.2.4");
+    Do(WithPort("s.send(new Buffer('heard'), 0, 5, ", member.GetPort(), ", '239.1.2.3')"));
+    EXPECT_EQ(member.ReceiveDatagram(), "heard");
     const Peer sender = Peer::Datagrams();
-    EXPECT_EQ(Do("s.send(new Buffer('g'), 0, 1, 9, '239.1.2.3')"), "undefined");
-    sender.SendTo("alone", port);
-    EXPECT_EQ(Heard(1), Message("alone", sender));
+    for (const char* addresses : {"", "239.1.2.3;239.1.2.4"}) {
+        ForgetHeard();
+        const std::uint16_t port = GivenBound(addresses);
+        sender.SendTo("to the group", port, "239.1.2.3");
+        sender.SendTo("alone", port);
+        EXPECT_EQ(Heard(1), Message("alone", sender)) << addresses;
+    }
     EXPECT_EQ(Do("s.address().address"), "");
 }
 
