@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-// The body of the socket's thread. It sleeps in one place, WaitForSocket, and m_wake ends each of its sleeps.
+// The body of the socket's thread. It waits in WaitForSocket, which m_wake ends, and after a failure in BackOff, which a stop ends.
 
 namespace {
 
@@ -30,7 +30,8 @@ void MTCPClientSocket::ConnectWhenWanted() {
     if (m_connectionWanted && (m_autoReconnect || m_connectPending))
         waitMs = MillisecondsToNextAttempt();
     if (waitMs != 0) {
-        WaitForSocket(nullptr, false, m_wake, waitMs);
+        if (WaitForSocket(nullptr, false, m_wake, waitMs).failed)
+            BackOff();
         return;
     }
     m_connectPending = false;
@@ -106,7 +107,7 @@ void MTCPClientSocket::Lose(const ConnectionPtr& connection, SocketError error) 
         MWSAData::Stop();
 }
 
-// A system that refuses to wait or to read must not make the thread spin.
+// A system that refuses to wait or to read must not make the thread spin. It may be waiting itself that fails.
 void MTCPClientSocket::BackOff() {
-    WaitForSocket(nullptr, false, m_wake, kBackOffMs);
+    Sleep(kBackOffMs);
 }

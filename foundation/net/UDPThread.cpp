@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-// The body of the socket's thread. It sleeps in one place, WaitForSocket, and m_wake ends each of its sleeps.
+// The body of the socket's thread. It waits in WaitForSocket, which m_wake ends, and after a failure for a moment, which a stop ends.
 
 std::uint32_t MUDPSocket::Run() {
     const SocketPtr socket = CurrentSocket();
@@ -70,5 +70,5 @@ void MUDPSocket::TellError(std::int32_t code) {
 // A socket that goes on failing must not make the thread spin.
 void MUDPSocket::ReportReceiveFailure() {
     TellError(NetReadFailed);
-    WaitForSocket(nullptr, false, m_wake, kBackOffMs);
+    Sleep(kBackOffMs);
 }

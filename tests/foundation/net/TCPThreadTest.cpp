@@ -1,3 +1,4 @@
+#include "RefusedWaits.h"
 #include "TCPFixture.h"
 
 #include <chrono>
@@ -268,4 +269,29 @@ TEST_F(TCPThread, ASocketThatCannotBeReadTellsMinus15WithoutSpinning) {
     ASSERT_TRUE(recorder.WaitFor("error -15", 4));
     EXPECT_GE(steady_clock::now() - start, milliseconds(90));
     client->Disconnect();
+}
+
+TEST_F(TCPThread, ASystemThatRefusesToWaitTellsMinus14WithoutSpinningAndIsServedAgain) {
+    const Peer peer = GivenConnection();
+    {
+        const RefusedWaits refused;
+        peer.Send("wake");
+        ASSERT_TRUE(recorder.WaitFor("error -14", 2));
+        const auto start = steady_clock::now();
+        ASSERT_TRUE(recorder.WaitFor("error -14", 4));
+        EXPECT_GE(steady_clock::now() - start, milliseconds(90));
+    }
+    peer.Send(" again");
+    EXPECT_TRUE(recorder.WaitForData(10));
+    EXPECT_EQ(recorder.Data(), "wake again");
+    EXPECT_EQ(recorder.Count("close"), 0U);
+}
+
+TEST_F(TCPThread, ADisconnectEndsThePauseAfterMinus14) {
+    const Peer peer = GivenConnection();
+    const RefusedWaits refused;
+    peer.Send("wake");
+    ASSERT_TRUE(recorder.WaitFor("error -14"));
+    client->Disconnect();
+    EXPECT_FALSE(client->IsStarted());
 }

@@ -1,3 +1,4 @@
+#include "RefusedWaits.h"
 #include "UDPFixture.h"
 
 #include <chrono>
@@ -169,4 +170,21 @@ TEST_F(UDPThread, ASocketThatCannotBeReadTellsMinus15WithoutSpinning) {
     EXPECT_GE(steady_clock::now() - start, milliseconds(90));
     EXPECT_EQ(recorder.Count("wake"), 0U);
     EXPECT_EQ(socket->Close(), 0);
+}
+
+TEST_F(UDPThread, ASystemThatRefusesToWaitTellsMinus14AndEndsTheThread) {
+    GivenBound();
+    {
+        const RefusedWaits refused;
+        Send("ends the wait of before, if there is one");
+        ASSERT_TRUE(recorder.WaitFor("error -14"));
+        EXPECT_TRUE(Eventually([this] { return !socket->IsStarted(); }));
+    }
+    EXPECT_EQ(recorder.All().back(), "error -14");
+    EXPECT_EQ(recorder.Count("error -14"), 1U);
+    EXPECT_EQ(socket->GetMaxMessageSize(), 0U) << "the socket is closed";
+    EXPECT_EQ(socket->Close(), 0);
+    GivenBound();
+    Send("again");
+    EXPECT_TRUE(recorder.WaitFor("again"));
 }
