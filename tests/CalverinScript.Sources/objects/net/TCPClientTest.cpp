@@ -2,6 +2,11 @@
 
 #include <QScriptEngine>
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
 // The TCP client as a script sees it.
 
 namespace {
@@ -82,6 +87,8 @@ TEST_F(TCPClients, WriteTextsAsLatin1) {
     const Peer peer = GivenConnection();
     Do("s.write('\\u00e9\\u20ac!')");
     EXPECT_EQ(peer.Receive(3), "\xE9?!");
+    Do("s.write('a\\u0000b')");
+    EXPECT_EQ(peer.Receive(3), std::string("a\0b", 3)) << "with the length of the text";
 }
 
 TEST_F(TCPClients, WriteTheBytesOfABufferZerosIncluded) {
@@ -200,12 +207,37 @@ TEST_F(TCPClients, HearNothingOfANameThatDoesNotResolve) {
     EXPECT_EQ(Heard(1), "connect,s");
 }
 
-TEST_F(TCPClients, TakeNoDelayWithAndWithoutAConnection) {
+/// What the client's socket says of TCP_NODELAY: it is the one that is connected and was not accepted.
+int NoDelayOf(const Listener& listener, const Peer& accepted) {
+    for (const int descriptor : SocketDescriptors()) {
+        sockaddr_in peer{};
+        socklen_t size = sizeof peer;
+        const bool connected = getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size) == 0;
+        if (!connected || ntohs(peer.sin_port) != listener.GetPort() || descriptor == accepted.GetDescriptor())
+            continue;
+        int on = -1;
+        size = sizeof on;
+        getsockopt(descriptor, IPPROTO_TCP, TCP_NODELAY, &on, &size);
+        return on;
+    }
+    return -1;
+}
+
+TEST_F(TCPClients, SendAtOnceUnlessTheyAreToldOtherwise) {
     GivenTcp();
-    EXPECT_EQ(Do("s.setNoDelay(); s.setNoDelay(false); s.setNoDelay(true)"), "undefined");
     const Peer peer = GivenConnection();
-    EXPECT_EQ(Do("s.setNoDelay(false); s.setNoDelay(); s.write('x')"), "undefined");
-    EXPECT_EQ(peer.Receive(1), "x");
+    EXPECT_EQ(NoDelayOf(listener, peer), 1);
+    EXPECT_EQ(Do("s.setNoDelay(false)"), "undefined");
+    EXPECT_EQ(NoDelayOf(listener, peer), 0);
+    EXPECT_EQ(Do("s.setNoDelay()"), "undefined");
+    EXPECT_EQ(NoDelayOf(listener, peer), 1) << "nothing means yes";
+}
+
+TEST_F(TCPClients, RememberWhatTheyWereToldOfNoDelayForTheNextConnection) {
+    GivenTcp();
+    EXPECT_EQ(Do("s.setNoDelay(); s.setNoDelay(true); s.setNoDelay(false)"), "undefined");
+    const Peer peer = GivenConnection();
+    EXPECT_EQ(NoDelayOf(listener, peer), 0);
 }
 
 TEST_F(TCPClients, HaveTheMethodsOfScriptsAlone) {
