@@ -16,15 +16,14 @@ namespace stagehost {
 
 namespace {
 
-/// What a command has done, for people and for programs.
+/// What a command has done, for people and for programs, told once the file is written.
 class KeepReport {
 public:
     explicit KeepReport(bool json)
         : json_(json) {}
 
     void Add(const QString& line, const QJsonObject& object) {
-        if (!json_)
-            PrintLine(line);
+        lines_ += line;
         list_.append(object);
     }
 
@@ -37,14 +36,15 @@ public:
                        {QStringLiteral("exitCode"), exitCode},
                        {QStringLiteral("written"), written},
                        {QStringLiteral("entries"), list_}});
-        else
-            PrintLine(written ? QStringLiteral("The show file is written.")
-                              : QStringLiteral("There is nothing to write."));
+        lines_ += written ? QStringLiteral("The show file is written.") : QStringLiteral("There is nothing to write.");
+        if (!json_)
+            PrintLine(lines_.join(QLatin1Char('\n')));
         return exitCode;
     }
 
 private:
     const bool json_;
+    QStringList lines_;
     QJsonArray list_;
 };
 

@@ -36,11 +36,26 @@ MaybeFailure ReadShowOrScript(const QString& file, Show& show) {
 }
 
 MaybeFailure ReadShow(const QString& file, Show& show) {
+    QByteArray text;
+    return ReadShow(file, show, text);
+}
+
+MaybeFailure ReadShow(const QString& file, Show& show, QByteArray& text) {
+    QString problem;
+    const auto bytes = ReadTextBytes(file, &problem);
+    if (!bytes)
+        return Failure{kExitBadUse, problem};
+    if (file.endsWith(QLatin1String(".js"), Qt::CaseInsensitive))
+        return Failure{kExitBadUse,
+                       QStringLiteral("%1 is a script, not a show file; \"stagehost --help\" shows which commands take "
+                                      "a script")
+                           .arg(file)};
     ShowReader reader;
-    const auto read = reader.ReadFile(file);
+    const auto read = reader.Read(*bytes, file);
     if (!read)
         return Failure{kExitBadUse, file + QStringLiteral(": ") +
                                         reader.Complaints().join(QStringLiteral("\n") + file + QStringLiteral(": "))};
+    text = *bytes;
     show = *read;
     return std::nullopt;
 }

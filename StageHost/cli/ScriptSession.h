@@ -16,5 +16,7 @@ MaybeFailure ReadShowOrScript(const QString& file, Show& show);
 
 /// Reads a show file; all its mistakes, one on a line, are the failure.
 MaybeFailure ReadShow(const QString& file, Show& show);
+/// @param text receives what the file holds.
+MaybeFailure ReadShow(const QString& file, Show& show, QByteArray& text);
 
 } // namespace stagehost

@@ -30,45 +30,47 @@ QString PlaceOf(const Items& items, const QString& name) {
 
 MaybeFailure ShowFile::Open(const QString& path) {
     path_ = path;
-    if (auto failure = ReadShow(path, show_))
+    if (auto failure = ReadShow(path, show_, before_))
         return failure;
-    QString problem;
-    const auto bytes = ReadTextBytes(path, &problem);
-    if (!bytes)
-        return Failure{kExitBadUse, problem};
-    before_ = *bytes;
-    text_ = JsonText(*bytes);
+    text_ = JsonText(before_);
     return std::nullopt;
 }
 
 void ShowFile::SetSetup(const QString& device, const QString& setup) {
-    text_.SetMember({kDevices, PlaceOf(show_.devices, device)}, QStringLiteral("setup"), setup);
+    changed_ = text_.SetMember({kDevices, PlaceOf(show_.devices, device)}, QStringLiteral("setup"), setup) && changed_;
 }
 
 void ShowFile::SetStoredCommand(const QString& name, const QString& xml) {
     const QString place = PlaceOf(show_.commands, name);
     if (!place.isEmpty()) {
-        text_.SetMember({kCommands, place}, QStringLiteral("xml"), xml);
+        changed_ = text_.SetMember({kCommands, place}, QStringLiteral("xml"), xml) && changed_;
         return;
     }
     const QJsonObject item{{QStringLiteral("name"), name}, {QStringLiteral("xml"), xml}};
-    if (!text_.Append({kCommands}, item))
-        text_.SetMember({}, kCommands, QJsonArray{item});
+    changed_ = (text_.Append({kCommands}, item) || text_.SetMember({}, kCommands, QJsonArray{item})) && changed_;
 }
 
 MaybeFailure ShowFile::Save(bool* written) {
-    *written = text_.Text() != before_;
-    if (!*written)
+    *written = false;
+    if (!changed_ || QJsonDocument::fromJson(text_.Text()).isNull())
+        return CannotWrite(QStringLiteral("its text cannot be changed"));
+    if (text_.Text() == before_)
         return std::nullopt;
-    QString problem;
-    if (ReadTextBytes(path_, &problem).value_or(QByteArray()) != before_)
-        return Failure{kExitBadUse, QStringLiteral("%1 has changed meanwhile and is left as it is").arg(path_)};
     QSaveFile file(path_);
-    const bool saved = !QJsonDocument::fromJson(text_.Text()).isNull() && file.open(QIODevice::WriteOnly) &&
-                       file.write(text_.Text()) == text_.Text().size() && file.commit();
-    if (saved)
-        return std::nullopt;
-    return Failure{kExitBadUse, QStringLiteral("cannot write %1: %2").arg(path_, file.errorString())};
+    if (!file.open(QIODevice::WriteOnly) || file.write(text_.Text()) != text_.Text().size() || !file.flush())
+        return CannotWrite(file.errorString());
+    QString problem;
+    const auto now = ReadTextBytes(path_, &problem);
+    if (!now)
+        return CannotWrite(QStringLiteral("it was there, but now: ") + problem);
+    if (*now != before_)
+        return Failure{kExitBadUse, QStringLiteral("%1 has changed meanwhile and is left as it is").arg(path_)};
+    *written = file.commit();
+    return *written ? std::nullopt : CannotWrite(file.errorString());
+}
+
+MaybeFailure ShowFile::CannotWrite(const QString& reason) const {
+    return Failure{kExitBadUse, QStringLiteral("cannot write %1: %2").arg(path_, reason)};
 }
 
 } // namespace stagehost

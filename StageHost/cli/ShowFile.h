@@ -21,15 +21,18 @@ public:
     void SetStoredCommand(const QString& name, const QString& xml);
 
     /// Writes what has changed: beside the file first, which then takes its place, so that the old one is whole until the new one
-    /// is. A file that somebody else has changed meanwhile is left alone.
-    /// @param written whether there was anything to write.
+    /// is. A file that somebody else has changed or removed meanwhile is left alone.
+    /// @param written whether there was anything to write, and it is written.
     MaybeFailure Save(bool* written);
 
 private:
+    MaybeFailure CannotWrite(const QString& reason) const;
+
     QString path_;
     Show show_;
     QByteArray before_;
     JsonText text_{{}};
+    bool changed_ = true; ///< every change has found its place
 };
 
 } // namespace stagehost

@@ -17,6 +17,12 @@ QString Decoded(const QByteArray& text) {
     return QJsonDocument::fromJson('[' + text + ']').array().at(0).toString();
 }
 
+/// Some editors write the mark of UTF-8 in front of a text.
+int BeginOf(const QByteArray& text) {
+    const QByteArray mark("\xEF\xBB\xBF");
+    return text.startsWith(mark) ? mark.size() : 0;
+}
+
 bool IsBlank(char character) {
     return character == ' ' || character == '\t' || character == '\n' || character == '\r';
 }
@@ -47,7 +53,7 @@ bool JsonText::Append(const QStringList& list, const QJsonValue& value) {
 }
 
 JsonText::Span JsonText::Find(const QStringList& place) const {
-    const int begin = SkipBlank(0);
+    const int begin = SkipBlank(BeginOf(text_));
     Span span{begin, SkipValue(begin)};
     for (const QString& step : place) {
         const QVector<Part> parts = PartsOf(span);

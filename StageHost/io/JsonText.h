@@ -8,7 +8,8 @@ namespace stagehost {
 
 /// A JSON text of which single values are changed while all else stays as its author wrote it.
 ///
-/// A place is told by names of members and numbers of items: {"devices", "0"}. The text is valid JSON.   [any]
+/// A place is told by names of members and numbers of items: {"devices", "0"}. The text is valid JSON; a mark
+/// of UTF-8 in front of it stays.   [any]
 class JsonText {
 public:
     explicit JsonText(QByteArray text)

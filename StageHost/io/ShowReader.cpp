@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -12,7 +11,6 @@
 #include "DataTypes.h"
 #include "NameTools.h"
 #include "StoredCommand.h"
-#include "TextFile.h"
 #include "ValueFactory.h"
 
 namespace stagehost {
@@ -33,17 +31,11 @@ QString PlaceOf(const QByteArray& text, int offset) {
 
 } // namespace
 
-std::optional<Show> ShowReader::ReadFile(const QString& file) {
-    QString problem;
-    const auto text = ReadTextBytes(file, &problem);
-    if (!text) {
-        complaints_ += problem;
-        return std::nullopt;
-    }
+std::optional<Show> ShowReader::Read(const QByteArray& text, const QString& file) {
     QJsonParseError error{};
-    const QJsonDocument document = QJsonDocument::fromJson(*text, &error);
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (document.isNull()) {
-        complaints_ += PlaceOf(*text, std::max(0, error.offset - 1)) + QStringLiteral(": ") + error.errorString();
+        complaints_ += PlaceOf(text, std::max(0, error.offset - 1)) + QStringLiteral(": ") + error.errorString();
         return std::nullopt;
     }
     show_ = EmptyShow(QFileInfo(file).absolutePath());

@@ -13,8 +13,9 @@ namespace stagehost {
 /// Reads a show file and checks all of it before anything is done. Used once for one file.   [host main]
 class ShowReader {
 public:
+    /// @param file where the text has been read: files that it names are looked for in its folder.
     /// @return nothing when something is wrong; Complaints tells what.
-    std::optional<Show> ReadFile(const QString& file);
+    std::optional<Show> Read(const QByteArray& text, const QString& file);
 
     /// One line for each mistake: "steps[0].device: there is no device "desk"", or, for a text that is no JSON,
     /// "4:17: ..." with line and column.

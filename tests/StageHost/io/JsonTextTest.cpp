@@ -54,6 +54,10 @@ TEST(JsonText, AddsAnItemBehindTheOthers) {
     EXPECT_EQ(json.Text(), QByteArray("{\"list\": [ 1,[2], {\"k\":\"v\"} ], \"empty\": [5]}"));
 }
 
+TEST(JsonText, KeepsTheMarkInFrontOfItsText) {
+    EXPECT_EQ(Changed("\xEF\xBB\xBF {\"a\":1}", {}, "a", 3), QByteArray("\xEF\xBB\xBF {\"a\":3}"));
+}
+
 TEST(JsonText, KnowsWhatIsNotThere) {
     JsonText json(kShow);
     EXPECT_FALSE(json.SetMember({Text("devices"), Text("2")}, Text("a"), 1));

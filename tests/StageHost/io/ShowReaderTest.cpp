@@ -23,6 +23,13 @@ QString WrittenFile(const QTemporaryDir& folder, const char* name, const QByteAr
     return file.fileName();
 }
 
+std::optional<Show> ReadFile(ShowReader& reader, const QString& file) {
+    QString problem;
+    const auto text = ReadTextBytes(file, &problem);
+    EXPECT_TRUE(text.has_value()) << problem.toStdString();
+    return reader.Read(text.value_or(QByteArray()), file);
+}
+
 constexpr const char* kFullShow = R"json({
     "name": "full",
     "host": { "name": "hostq", "version": "7.0", "userMode": 1 },
@@ -80,26 +87,24 @@ TEST(ShowReader, ComplainsAsTheCasesSay) {
             ReadText(folder.filePath(file).replace(QLatin1String(".json"), QLatin1String(".expected")), &problem);
         ASSERT_TRUE(expected.has_value()) << problem.toStdString();
         ShowReader reader;
-        EXPECT_FALSE(reader.ReadFile(folder.filePath(file)).has_value());
+        EXPECT_FALSE(ReadFile(reader, folder.filePath(file)).has_value());
         EXPECT_EQ(reader.Complaints().join(QLatin1Char('\n')).toStdString(), expected->trimmed().toStdString());
     }
 }
 
-TEST(ShowReader, SaysWhyAFileCannotBeRead) {
-    ShowReader missing;
-    EXPECT_FALSE(missing.ReadFile(QStringLiteral("/nowhere/show.json")).has_value());
-    EXPECT_EQ(missing.Complaints().join(QString()).toStdString(),
-              "cannot read /nowhere/show.json: No such file or directory");
-    ShowReader folder;
-    EXPECT_FALSE(folder.ReadFile(CasesFolder()).has_value());
-    EXPECT_TRUE(folder.Complaints().join(QString()).endsWith(QLatin1String("is a folder")));
+TEST(TextFile, SaysWhyItCannotBeRead) {
+    QString problem;
+    EXPECT_FALSE(ReadTextBytes(QStringLiteral("/nowhere/show.json"), &problem).has_value());
+    EXPECT_EQ(problem.toStdString(), "cannot read /nowhere/show.json: No such file or directory");
+    EXPECT_FALSE(ReadTextBytes(CasesFolder(), &problem).has_value());
+    EXPECT_TRUE(problem.endsWith(QLatin1String("is a folder")));
 }
 
 TEST(ShowReader, ReadsEverythingThatAShowCanHold) {
     const QTemporaryDir folder;
     WrittenFile(folder, "desk.js", "({})");
     ShowReader reader;
-    const auto show = reader.ReadFile(WrittenFile(folder, "show.json", kFullShow));
+    const auto show = ReadFile(reader, WrittenFile(folder, "show.json", kFullShow));
     ASSERT_TRUE(show.has_value()) << reader.Complaints().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(show->name, QStringLiteral("full"));
     EXPECT_EQ(show->host.appName, "hostq");
@@ -128,7 +133,7 @@ TEST(ShowReader, ReadsTheObjectsOfAShow) {
     const QTemporaryDir folder;
     WrittenFile(folder, "desk.js", "({})");
     ShowReader reader;
-    const auto show = reader.ReadFile(WrittenFile(folder, "show.json", kFullShow));
+    const auto show = ReadFile(reader, WrittenFile(folder, "show.json", kFullShow));
     ASSERT_TRUE(show.has_value()) << reader.Complaints().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(show->devices[0].conduct, Conduct::Normal);
     EXPECT_EQ(show->devices[1].conduct, Conduct::NeverEnds);
@@ -164,7 +169,7 @@ TEST(ShowReader, ReadsTheObjectsOfAShow) {
 TEST(ShowReader, FillsAnEmptyShowWithDefaults) {
     const QTemporaryDir folder;
     ShowReader reader;
-    const auto show = reader.ReadFile(WrittenFile(folder, "night.json", "{}"));
+    const auto show = ReadFile(reader, WrittenFile(folder, "night.json", "{}"));
     ASSERT_TRUE(show.has_value());
     EXPECT_EQ(show->name, QStringLiteral("night"));
     EXPECT_EQ(show->host.appName, "stagehost");
@@ -177,11 +182,11 @@ TEST(ShowWriter, WritesWhatReadsBackAsTheSameShow) {
     const QTemporaryDir folder;
     WrittenFile(folder, "desk.js", "({})");
     ShowReader first;
-    const auto show = first.ReadFile(WrittenFile(folder, "show.json", kFullShow));
+    const auto show = ReadFile(first, WrittenFile(folder, "show.json", kFullShow));
     ASSERT_TRUE(show.has_value());
     const QByteArray text = WriteShow(*show);
     ShowReader second;
-    const auto again = second.ReadFile(WrittenFile(folder, "again.json", text));
+    const auto again = ReadFile(second, WrittenFile(folder, "again.json", text));
     ASSERT_TRUE(again.has_value()) << second.Complaints().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(WriteShow(*again), text);
     EXPECT_EQ(again->steps.size(), show->steps.size());
@@ -205,7 +210,7 @@ TEST(ShowWriter, KeepsASetupTextAsItIs) {
     show.devices.push_back(device);
     const QTemporaryDir folder;
     ShowReader reader;
-    const auto again = reader.ReadFile(WrittenFile(folder, "s.json", WriteShow(show)));
+    const auto again = ReadFile(reader, WrittenFile(folder, "s.json", WriteShow(show)));
     ASSERT_TRUE(again.has_value());
     EXPECT_EQ(again->devices[0].setup, device.setup);
 }
