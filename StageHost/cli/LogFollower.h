@@ -1,29 +1,42 @@
 #pragma once
 
+#include <functional>
+
 #include <QFile>
 #include <QObject>
 #include <QTimer>
 
 namespace stagehost {
 
-/// Shows the lines of a log file on standard error as they come: what others append to it from now on.   [host main]
+/// Hands on the lines of a log file as they come: what others append to it from now on.   [host main]
 class LogFollower : public QObject {
     Q_OBJECT
 
 public:
-    explicit LogFollower(const QString& path);
+    using Show = std::function<void(const QString& line)>;
+    enum class Keep {
+        All,
+        Little ///< the file is for this follower alone: it is emptied before it grows large
+    };
 
-    /// Shows what has not been shown yet.
+    LogFollower(const QString& path, Keep keep, Show show);
+
+    /// Hands on what has not been handed on yet.
     ~LogFollower() override;
     LogFollower(const LogFollower&) = delete;
     LogFollower& operator=(const LogFollower&) = delete;
 
+    /// Hands on what has come, without waiting for the next look.
+    void Look();
+
 private:
-    void ShowNewLines();
+    void ReadNewLines();
 
     QFile file_;
+    const Keep keep_;
+    const Show show_;
     qint64 shown_ = 0; ///< bytes
-    QTimer look_;
+    QTimer timer_;
 };
 
 } // namespace stagehost

@@ -27,6 +27,23 @@ QString DeviceText(const Device& device, const QString& text) {
     return QStringLiteral("%1: %2").arg(FromBorderText(device.Name()), text);
 }
 
+/// What is said to somebody who names a function of the script where a command is wanted.
+QString NoCommandText(Device& device, const DeviceDefinition& definition, const QString& name) {
+    const QString text = QStringLiteral("has no command \"%1\"").arg(name);
+    for (const auto& command : definition.commands) {
+        if (command.FunctionName() == ToBorderText(name))
+            return text + QStringLiteral("; the function of that name is its command \"%1\"")
+                              .arg(FromBorderText(command.name));
+    }
+    const auto functions = device.Variables().Find("ScriptFunctions");
+    const QStringList names = FromBorderText(functions ? functions->Text() : std::string()).split(QLatin1Char(' '));
+    if (!names.contains(name))
+        return text;
+    return text + QStringLiteral("; it is a function of the script: \"Execute Function With Params\" with \"Script "
+                                 "Function Name=%1\" runs it")
+                      .arg(name);
+}
+
 } // namespace
 
 Session::Session(const Options& options)
@@ -57,7 +74,10 @@ MaybeFailure Session::Open(const Show& show) {
 
 MaybeFailure Session::PrepareLog(HostSettings& settings) {
     QString path = options_.logFile;
-    if (path.isEmpty() && options_.log) {
+    const bool hasDrivers = std::any_of(show_.devices.begin(), show_.devices.end(), [](const auto& device) {
+        return !device.driverFile.isEmpty() || !device.setup.isEmpty();
+    });
+    if (path.isEmpty() && (options_.log || hasDrivers)) {
         logFolder_ = std::make_unique<QTemporaryDir>();
         path = logFolder_->filePath(QStringLiteral("stagehost.log"));
     }
@@ -66,8 +86,12 @@ MaybeFailure Session::PrepareLog(HostSettings& settings) {
     QFile file(path);
     if (!file.open(QIODevice::Append))
         return Failure{kExitBadUse, QStringLiteral("cannot write the log %1: %2").arg(path, file.errorString())};
-    if (options_.log)
-        follower_ = std::make_unique<LogFollower>(path);
+    follower_ = std::make_unique<LogFollower>(path, logFolder_ ? LogFollower::Keep::Little : LogFollower::Keep::All,
+                                              [this](const QString& line) {
+                                                  if (options_.log)
+                                                      PrintProblem(line);
+                                                  silent_.Take(line);
+                                              });
     return PathForBorder(path, settings.log.path);
 }
 
@@ -104,6 +128,8 @@ MaybeFailure Session::MakeDevice(std::size_t index) {
             return failure;
         problem = devices_.back()->TakeSetup(setup);
     }
+    if (!problem && devices_.back()->IsSilent())
+        silent_.Add(described.name);
     if (!problem)
         return std::nullopt;
     return Failure{problem->badSetup ? kExitBadUse : kExitNoModule, DeviceText(*devices_.back(), problem->text)};
@@ -155,19 +181,29 @@ MaybeFailure Session::Start() {
     return std::nullopt;
 }
 
+QString Session::HearFailure(const Device& device, const std::function<void()>& work) {
+    silent_.Begin(FromBorderText(device.Name()));
+    work();
+    if (follower_)
+        follower_->Look();
+    return silent_.End();
+}
+
 /// A driver runs from the start on, so what it throws there is told at once.
 MaybeFailure Session::StartDevice(Device& device) {
-    if (!device.Start(options_.timeout))
+    bool started = false;
+    const QString failure = HearFailure(device, [&] { started = device.Start(options_.timeout); });
+    if (!started)
         return Failure{
             kExitNoAnswer,
             DeviceText(device, Interrupt::HasCome()
                                    ? QStringLiteral("interrupted while it starts")
                                    : QStringLiteral("has not started within %1 ms").arg(options_.timeout.count()))};
     const ShowDevice& described = *show_.FindDevice(FromBorderText(device.Name()));
-    const std::string error = device.ErrorText();
-    if (error.empty() || (described.driverFile.isEmpty() && described.setup.isEmpty()))
+    const QString error = failure.isEmpty() ? FromBorderText(device.ErrorText()) : failure;
+    if (error.isEmpty() || (described.driverFile.isEmpty() && described.setup.isEmpty()))
         return std::nullopt;
-    return Failure{kExitScriptFailed, DeviceText(device, FromBorderText(error))};
+    return Failure{kExitScriptFailed, DeviceText(device, error)};
 }
 
 MaybeFailure Session::LoadScript(Device& device, const ShowDevice& described) {
@@ -193,13 +229,17 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
     const auto definition = device.Variables().Definition();
     const CommandDefinition* found = definition->FindCommand(ToBorderText(command));
     if (found == nullptr)
-        return Failure{kExitBadUse, DeviceText(device, QStringLiteral("has no command \"%1\"").arg(command))};
+        return Failure{kExitBadUse, DeviceText(device, NoCommandText(device, *definition, command))};
     const QString problem = CheckInputs(*found, inputs);
     if (!problem.isEmpty())
         return Failure{kExitBadUse, DeviceText(device, problem)};
     if (device.MayHold())
         PrintProblem(DeviceText(device, QStringLiteral("waiting until the device gives up the command that failed")));
-    *outcome = device.Send(*found, inputs, options_.timeout);
+    const QString thrown = HearFailure(device, [&] { *outcome = device.Send(*found, inputs, options_.timeout); });
+    if (!thrown.isEmpty() && outcome->kind == CommandOutcome::Kind::Done) {
+        outcome->kind = CommandOutcome::Kind::ScriptFailed;
+        outcome->error = ToBorderText(thrown);
+    }
     const int exitCode = ExitCodeOf(*outcome);
     if (exitCode == kExitOk)
         return std::nullopt;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "ModuleFile.h"
 #include "Options.h"
 #include "Show.h"
+#include "SilentDevices.h"
 #include "StoredCommands.h"
 
 namespace stagehost {
@@ -84,13 +86,16 @@ private:
     MaybeFailure PrepareLog(HostSettings& settings);
     MaybeFailure LoadModule();
     MaybeFailure MakeDevice(std::size_t index);
+    /// Does something with a device. @return what its script threw meanwhile, when its driver shows that nowhere else.
+    QString HearFailure(const Device& device, const std::function<void()>& work);
     MaybeFailure FirstSetup(const ShowDevice& described, std::string& setup) const;
     void TellOtherEdition(const ShowDevice& described) const;
 
     const Options& options_;
     Show show_;
     std::unique_ptr<QTemporaryDir> logFolder_; ///< holds a temporary log; null otherwise
-    std::unique_ptr<LogFollower> follower_;
+    SilentDevices silent_;
+    std::unique_ptr<LogFollower> follower_; ///< null without a log
     std::unique_ptr<Host> host_;
     std::unique_ptr<ModuleFile> module_;
     std::vector<std::unique_ptr<Device>> devices_;

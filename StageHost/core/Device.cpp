@@ -113,7 +113,7 @@ bool Device::Shutdown(Milliseconds limit) {
 }
 
 std::string Device::ErrorText() const {
-    const auto error = variables_->Find("Error");
+    const auto error = variables_->FindState("Error");
     return error ? error->Text() : std::string();
 }
 

@@ -84,8 +84,10 @@ public:
 
     const std::string& Name() const { return name_; }
     DeviceVariables& Variables() { return *variables_; }
-    std::shared_ptr<HostValue> Status() const { return variables_->Find("Status"); }
+    std::shared_ptr<HostValue> Status() const { return variables_->FindState("Status"); }
     std::string ErrorText() const;
+    /// Whether the device shows failures of its script in no variable.
+    bool IsSilent() const { return variables_->FindState("Error") == nullptr; }
 
     /// Asks the device for its definition and takes it over if it has changed.
     /// @return the text, null when there is none.

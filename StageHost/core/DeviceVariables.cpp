@@ -68,6 +68,13 @@ std::shared_ptr<HostValue> DeviceVariables::Find(const std::string& name) const 
     return found == variables_.end() ? nullptr : found->second;
 }
 
+std::shared_ptr<HostValue> DeviceVariables::FindState(const std::string& name) const {
+    constexpr std::int32_t kFirstOwnCommand = 0;
+    const auto definition = Definition();
+    const CommandDefinition* own = definition->FindCommandOfId(kFirstOwnCommand);
+    return own != nullptr && own->status == "Hidden" ? nullptr : Find(name);
+}
+
 std::shared_ptr<const DeviceDefinition> DeviceVariables::Definition() const {
     const std::lock_guard<std::mutex> hold(lock_);
     return definition_;

@@ -33,6 +33,10 @@ public:
     /// The variable of that name without the device's, or null.   [any]
     std::shared_ptr<HostValue> Find(const std::string& name) const;
 
+    /// "Status" or "Error" as the device itself keeps them; null when its driver has removed what the device has by itself:
+    /// a variable of that name is the driver's own then.   [any]
+    std::shared_ptr<HostValue> FindState(const std::string& name) const;
+
     /// The definition in force; an empty one before the first. Never changes once given.   [any]
     std::shared_ptr<const DeviceDefinition> Definition() const;
 

@@ -87,7 +87,8 @@ TEST_F(ShowWithADriver, SendsUserCommandsByTheirNamesAndChecksWhatTheyAreGiven) 
     Run("send", {Text("desk"), Text("Fade to"), Text("speed=1")});
     EXPECT_EQ(host.Errors(), Text("desk: the command \"Fade to\" has no parameter \"speed\"\n"));
     Run("send", {Text("desk"), Text("Fade"), Text("level=1")});
-    EXPECT_EQ(host.Errors(), Text("desk: has no command \"Fade\"\n")) << "the name is the one of the definition";
+    EXPECT_EQ(host.Errors(),
+              Text("desk: has no command \"Fade\"; the function of that name is its command \"Fade to\"\n"));
 }
 
 TEST_F(ShowWithADriver, TakesNoCommandThatTheDriverHasDisabled) {
@@ -244,6 +245,39 @@ TEST_F(ShowWithADriver, RunsADriverThatRemovesTheDefaults) {
     host.SetInput("stored Q\n");
     Run("watch", {Text("desk.Status")});
     EXPECT_EQ(host.Output(), Text("asked more\n"));
+}
+
+TEST_F(ShowWithADriver, TellsWhatIsThrownThoughTheDriverHasRemovedTheVariableForIt) {
+    GivenDriver("({ Info: { Options: { RemoveDefaultCommandsAndVariables: true } }, Device: { Error: 'none' },\n"
+                "   Boom: function () { throw new Error('boom'); }, Fine: function () { return 'fine'; },\n"
+                "   Later: function () { QCalverin.SetTimeout(function () { throw new Error('late'); }, 1); } })");
+    GivenShow();
+    Run("send", {Text("desk"), Text("Boom")});
+    ThenExitCodeIs(1);
+    EXPECT_EQ(host.Errors(), Text("Uncaught Exception - line:2, message: boom\n"));
+    host.SetInput("send desk Boom\nsend desk Fine\n");
+    Run("watch", {Text("desk")});
+    ThenExitCodeIs(1);
+    EXPECT_EQ(host.Output(), Text("fine\n"));
+    host.Begin({Text("watch"), show});
+    host.Say("send desk Later");
+    EXPECT_TRUE(host.WaitForErrors("desk: Uncaught Exception - line:3, message: late\n"));
+    host.Finish();
+    ThenExitCodeIs(0);
+}
+
+TEST_F(ShowWithADriver, TakesAVariableOfTheDriverForNoFailure) {
+    GivenDriver("({ Info: { Options: { RemoveDefaultCommandsAndVariables: true } },\n"
+                "   Device: { Error: 'none', Status: 'fine' }, Ask: function () { return 'asked'; } })");
+    GivenShow();
+    Run("send", {Text("desk"), Text("Ask")});
+    ThenExitCodeIs(0);
+    ThenOutputHas("asked");
+    GivenDriver(
+        "({ Info: { Options: { RemoveDefaultCommandsAndVariables: true } }, _mStart: function () { throw 5; } })");
+    Run("variables");
+    ThenExitCodeIs(1);
+    EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:1, message: 5\n"));
 }
 
 TEST_F(ShowWithADriver, TellsAMalformedSetupWithItsPlaceAndGoesOn) {

@@ -110,6 +110,22 @@ TEST_F(DeviceVariablesTest, TakesItsVariablesAwayWithTheDevice) {
     EXPECT_EQ(manager.FindVariable("lamp.a"), nullptr);
 }
 
+TEST_F(DeviceVariablesTest, KnowsTheStateOfADeviceOnlyWhereADriverHasNotRemovedIt) {
+    const char* const forms[] = {"<Device><Commands/><Variables/></Device>",
+                                 "<Device><Commands><Command ID='0' Name='Load' Status='Active'/></Commands>"
+                                 "<Variables><StringData Name='Error' String='own'/></Variables></Device>",
+                                 "<Device><Commands><Command ID='0' Name='Load' Status='Hidden'/></Commands>"
+                                 "<Variables><StringData Name='Error' String='of the script'/></Variables></Device>"};
+    ASSERT_EQ(device.SetDefinition(forms[0]), 1u);
+    EXPECT_EQ(device.FindState("Error"), nullptr);
+    ASSERT_EQ(device.SetDefinition(forms[1]), 1u);
+    ASSERT_NE(device.FindState("Error"), nullptr);
+    EXPECT_EQ(device.FindState("Error")->Text(), "own");
+    ASSERT_EQ(device.SetDefinition(forms[2]), 1u);
+    EXPECT_EQ(device.FindState("Error"), nullptr) << "the script's own variable tells nothing of the device";
+    EXPECT_NE(device.Find("Error"), nullptr);
+}
+
 TEST_F(DeviceVariablesTest, AnswersQueryInterface) {
     EXPECT_EQ(QueryFace<IDeviceVariables>(&device, "IDeviceVariables"), &device);
     EXPECT_EQ(QueryFace<IMInterface>(&device, "INothing"), nullptr);

@@ -1,0 +1,66 @@
+#include "LogFollower.h"
+
+#include <gtest/gtest.h>
+
+#include <QStringList>
+#include <QTemporaryDir>
+
+using namespace stagehost;
+
+namespace {
+
+class LogFollowerTest : public testing::Test {
+protected:
+    void Append(const QByteArray& text) const {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::Append));
+        file.write(text);
+    }
+    LogFollower::Show Note() {
+        return [this](const QString& line) { lines += line; };
+    }
+
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.log"));
+    QStringList lines;
+};
+
+TEST_F(LogFollowerTest, HandsOnWholeLinesThatComeFromNowOn) {
+    Append("of yesterday\n");
+    LogFollower follower(path, LogFollower::Keep::All, Note());
+    Append("one\ntwo\nthr");
+    follower.Look();
+    EXPECT_EQ(lines.join(QLatin1Char('|')).toStdString(), "one|two");
+    Append("ee\n");
+    follower.Look();
+    EXPECT_EQ(lines.join(QLatin1Char('|')).toStdString(), "one|two|three");
+}
+
+TEST_F(LogFollowerTest, HandsOnWhatIsLeftAtItsEnd) {
+    {
+        const LogFollower follower(path, LogFollower::Keep::All, Note());
+        Append("last\n");
+    }
+    EXPECT_EQ(lines.join(QLatin1Char('|')).toStdString(), "last");
+}
+
+TEST_F(LogFollowerTest, KeepsALogOfItsOwnSmallAndLosesNoLine) {
+    LogFollower follower(path, LogFollower::Keep::Little, Note());
+    const QByteArray line = QByteArray(999, 'x') + '\n';
+    for (int count = 0; count < 3000; ++count) {
+        Append(line);
+        follower.Look();
+        ASSERT_LE(QFile(path).size(), 1024 * 1024 + line.size());
+    }
+    EXPECT_EQ(lines.size(), 3000);
+}
+
+TEST_F(LogFollowerTest, LeavesALogThatSomebodyKeepsAsItIs) {
+    LogFollower follower(path, LogFollower::Keep::All, Note());
+    Append(QByteArray(2 * 1024 * 1024, 'x') + '\n');
+    follower.Look();
+    EXPECT_EQ(lines.size(), 1);
+    EXPECT_EQ(QFile(path).size(), 2 * 1024 * 1024 + 1);
+}
+
+} // namespace
