@@ -15,7 +15,7 @@ constexpr Command kCommands[] = {
      "stagehost run examples/cuelist/show.json\n"
      "stagehost run --log examples/cuelist/show.json",
      1, 1, &RunShow},
-    {"exec", "FILE.js FUNCTION [ARG...]", "runs one function of a script and prints its result",
+    {"exec", "FILE.js FUNCTION [ARG...]", "runs one function of a script with up to 8 arguments and prints its result",
      "stagehost exec lights.js fadeTo 50 2.5\n"
      "stagehost exec --timeout 500 lights.js fadeTo -5   (all words behind FUNCTION reach the function as text)",
      2, 2 + 8, &ExecFunction},
@@ -23,9 +23,10 @@ constexpr Command kCommands[] = {
      "stagehost check lights.js\n"
      "stagehost check --json lights.js",
      1, 1, &CheckScript},
-    {"send", "SHOW.json DEVICE COMMAND [PARAM=VALUE...]", "sends one command to a device of a show",
+    {"send", "SHOW.json | FILE.js DEVICE COMMAND [PARAM=VALUE...]", "sends one command to a device of a show",
      "stagehost send show.json desk \"Execute Function\" \"Script Function Name=blackout\"\n"
-     "stagehost send show.json desk 3 \"Script Function Name=fadeTo\" Param1=50",
+     "stagehost send show.json desk 3 \"Script Function Name=fadeTo\" Param1=50\n"
+     "stagehost send dimmer.js script \"Fade to\" level=50",
      3, kAny, &SendCommand},
     {"watch", "SHOW.json | FILE.js [NAME...]", "runs a show, prints what changes, does what standard input says",
      "stagehost watch examples/evening/show.json\n"

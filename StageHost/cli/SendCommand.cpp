@@ -37,7 +37,7 @@ void PrintOutcome(const Options& options, const CommandOutcome& outcome) {
 
 int SendCommand(const Options& options) {
     Show show;
-    if (auto failure = ReadShow(options.arguments.first(), show))
+    if (auto failure = ReadShowOrScript(options.arguments.first(), show))
         return Fail(options.json, failure->exitCode, failure->text);
     Session session(options);
     CommandOutcome outcome;

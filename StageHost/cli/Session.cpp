@@ -36,7 +36,7 @@ QString NoCommandText(Device& device, const DeviceDefinition& definition, const 
                               .arg(FromBorderText(command.name));
     }
     const auto functions = device.Variables().Find("ScriptFunctions");
-    const QStringList names = FromBorderText(functions ? functions->Text() : std::string()).split(QLatin1Char(' '));
+    const QStringList names = FromBorderText(functions ? functions->Text() : std::string()).split(QLatin1Char('\n'));
     if (!names.contains(name))
         return text;
     return text + QStringLiteral("; it is a function of the script: \"Execute Function With Params\" with \"Script "

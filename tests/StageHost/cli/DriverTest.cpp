@@ -91,6 +91,27 @@ TEST_F(ShowWithADriver, SendsUserCommandsByTheirNamesAndChecksWhatTheyAreGiven) 
               Text("desk: has no command \"Fade\"; the function of that name is its command \"Fade to\"\n"));
 }
 
+TEST_F(ShowWithADriver, MayBeADriverAlone) {
+    GivenDriver(kOlder);
+    host.Run({Text("send"), host.Folder() + Text("/dimmer.js"), Text("script"), Text("Fade to"), Text("level=40")});
+    ThenExitCodeIs(0);
+    ThenOutputHas("1/40/");
+    host.Run({Text("run"), host.Folder() + Text("/dimmer.js")});
+    ThenExitCodeIs(2);
+    ThenErrorsHave("dimmer.js is a script, not a show file");
+}
+
+TEST_F(ShowWithADriver, TellsHowAFunctionIsRunThatIsNoCommand) {
+    GivenDriver(kOlder);
+    GivenShow({}, R"({ "name": "desk", "script": "dimmer.js" })");
+    Run("send", {Text("desk"), Text("Out")});
+    ThenExitCodeIs(2);
+    EXPECT_EQ(
+        host.Errors(),
+        Text("desk: has no command \"Out\"; it is a function of the script: \"Execute Function With Params\" with "
+             "\"Script Function Name=Out\" runs it\n"));
+}
+
 TEST_F(ShowWithADriver, TakesNoCommandThatTheDriverHasDisabled) {
     GivenDriver("({ Info: { Commands: { f: { Status: 'Disabled' } } }, f: function () { return 1; } })");
     GivenShow();
