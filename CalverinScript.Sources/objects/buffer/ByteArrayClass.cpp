@@ -158,7 +158,11 @@ void ByteArrayClass::setProperty(QScriptValue& object, const QScriptString& /*na
     }
     if (id >= static_cast<uint>(bytes->size()) && !Resize(*bytes, qint64(id) + 1))
         return;
-    bytes->data()[id] = static_cast<char>(number);
+    // Bytes that another Buffer shares are copied first.
+    WithMemoryFor(engine()->currentContext(), bytes->size(), [&] {
+        bytes->data()[id] = static_cast<char>(number);
+        return QScriptValue();
+    });
 }
 
 QScriptValue::PropertyFlags ByteArrayClass::propertyFlags(const QScriptValue& /*object*/, const QScriptString& /*name*/,

@@ -112,7 +112,7 @@ QScriptValue ByteArrayPrototype::write(const QString& sString, int iOffset, int 
     QByteArray* bytes = Bytes();
     if (bytes == nullptr)
         return QScriptValue();
-    return WithMemoryFor(context(), sString.size(), [&] {
+    return WithMemoryFor(context(), qMax(sString.size(), bytes->size()), [&] {
         const QByteArray encoded = BytesFromText(sString, sEncoding);
         const int offset = Within(iOffset, bytes->size());
         const int room = bytes->size() - offset;
@@ -147,17 +147,23 @@ void ByteArrayPrototype::fill(const QScriptValue& svValue, int iOffset, int iEnd
     });
 }
 
-QScriptValue ByteArrayPrototype::left(int len) const {
+/// A new Buffer with what cut makes of the bytes.
+template <typename Cut>
+QScriptValue ByteArrayPrototype::CutOut(Cut cut) const {
     const QByteArray* bytes = Bytes();
-    return bytes != nullptr ? NewBuffer(len < 0 ? *bytes : bytes->left(len)) : QScriptValue();
+    if (bytes == nullptr)
+        return QScriptValue();
+    return WithMemoryFor(context(), bytes->size(), [&] { return NewBuffer(cut(*bytes)); });
+}
+
+QScriptValue ByteArrayPrototype::left(int len) const {
+    return CutOut([len](const QByteArray& bytes) { return len < 0 ? bytes : bytes.left(len); });
 }
 
 QScriptValue ByteArrayPrototype::middle(int pos, int len) const {
-    const QByteArray* bytes = Bytes();
-    return bytes != nullptr ? NewBuffer(bytes->mid(qMax(pos, 0), len < 0 ? -1 : len)) : QScriptValue();
+    return CutOut([pos, len](const QByteArray& bytes) { return bytes.mid(qMax(pos, 0), len < 0 ? -1 : len); });
 }
 
 QScriptValue ByteArrayPrototype::right(int len) const {
-    const QByteArray* bytes = Bytes();
-    return bytes != nullptr ? NewBuffer(len < 0 ? *bytes : bytes->right(len)) : QScriptValue();
+    return CutOut([len](const QByteArray& bytes) { return len < 0 ? bytes : bytes.right(len); });
 }

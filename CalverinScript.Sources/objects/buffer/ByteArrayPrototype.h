@@ -38,4 +38,6 @@ public Q_SLOTS:
 private:
     QByteArray* Bytes() const;
     QScriptValue NewBuffer(const QByteArray& bytes) const;
+    template <typename Cut>
+    QScriptValue CutOut(Cut cut) const;
 };

@@ -88,14 +88,14 @@ void Checksum::ResetChecksumToCompute() {
 
 void Checksum::UpdateChecksumToCompute(const QScriptValue& svData) {
     WithMemoryFor(context(), 0, [&] {
-        const QByteArray bytes = DataOf(svData);
-        if (!bytes.isEmpty())
-            Add(bytes);
+        Add(DataOf(svData));
         return QScriptValue();
     });
 }
 
 void Checksum::Add(const QByteArray& bytes) {
+    if (bytes.isEmpty())
+        return;
     const auto fold = [&](auto start, auto step) {
         return std::accumulate(bytes.begin(), bytes.end(), start, [&](auto sum, char c) {
             return static_cast<decltype(start)>(step(sum, static_cast<unsigned char>(c)));
@@ -153,12 +153,14 @@ QByteArray Checksum::Encoded(unsigned value, int bytes) const {
 
 QScriptValue Checksum::ComputeChecksum(const QScriptValue& svData, int iChecksumPos) {
     constexpr int kLongestResult = 4;
-    return WithMemoryFor(context(), qint64(iChecksumPos) + kLongestResult, [&] {
-        ResetChecksumToCompute();
-        UpdateChecksumToCompute(svData);
-        const QByteArray checksum = TakeResult();
+    return WithMemoryFor(context(), 0, [&] {
         QByteArray data = DataOf(svData);
-        data.insert(iChecksumPos < 0 ? data.size() : iChecksumPos, checksum);
+        const qint64 size = qint64(qMax(iChecksumPos, data.size())) + kLongestResult;
+        if (size > kMaxBufferBytes)
+            return RefuseSize(context(), size);
+        ResetChecksumToCompute();
+        Add(data);
+        data.insert(iChecksumPos < 0 ? data.size() : iChecksumPos, TakeResult());
         ResetChecksumToCompute();
         return BufferFromBytes(engine(), data);
     });

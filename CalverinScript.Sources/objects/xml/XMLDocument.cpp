@@ -53,7 +53,7 @@ QScriptValue XMLDocument::DocumentElement() const {
 }
 
 QScriptValue XMLDocument::CreateElement(const QString& tagName) const {
-    return XMLElement::Create(engine(), tagName);
+    return WithXmlText(context(), [&] { return XMLElement::Create(engine(), tagName); });
 }
 
 void XMLDocument::AppendChild(const QScriptValue& newChild) {

@@ -4,6 +4,7 @@
 
 #include <tinyxml.h>
 
+#include "BufferMemory.h"
 #include "GuardedXml.h"
 #include "ScriptObject.h"
 #include "XmlTree.h"
@@ -60,9 +61,15 @@ QScriptValue XMLElement::Near(TiXmlElement* element) const {
 }
 
 QString XMLElement::ToString() {
-    if (m_node != nullptr)
-        m_text = QString::fromStdString(PrintXml(*m_node));
-    return m_text;
+    return WithXmlText(context(), [this] {
+        if (m_node == nullptr)
+            return m_text;
+        const std::string text = PrintXml(*m_node);
+        if (IsTextPossible(static_cast<qint64>(text.size())))
+            return m_text = QString::fromStdString(text);
+        RefuseXmlText(context());
+        return QString();
+    });
 }
 
 QScriptValue XMLElement::FirstChildElement() const {
@@ -70,7 +77,9 @@ QScriptValue XMLElement::FirstChildElement() const {
 }
 
 QScriptValue XMLElement::FirstChildElement(const QString& sTagName) const {
-    return m_node != nullptr ? Near(m_node->FirstChildElement(ToXmlText(sTagName).constData())) : QScriptValue();
+    return WithXmlText(context(), [&] {
+        return m_node != nullptr ? Near(m_node->FirstChildElement(ToXmlText(sTagName).constData())) : QScriptValue();
+    });
 }
 
 QScriptValue XMLElement::NextSiblingElement() const {
@@ -78,7 +87,9 @@ QScriptValue XMLElement::NextSiblingElement() const {
 }
 
 QScriptValue XMLElement::NextSiblingElement(const QString& sTagName) const {
-    return m_node != nullptr ? Near(m_node->NextSiblingElement(ToXmlText(sTagName).constData())) : QScriptValue();
+    return WithXmlText(context(), [&] {
+        return m_node != nullptr ? Near(m_node->NextSiblingElement(ToXmlText(sTagName).constData())) : QScriptValue();
+    });
 }
 
 void XMLElement::AppendChild(const QScriptValue& newChild) {
@@ -88,18 +99,27 @@ void XMLElement::AppendChild(const QScriptValue& newChild) {
 
 void XMLElement::SetTagName(const QString& name) {
     if (m_node != nullptr)
-        m_node->SetValue(ToXmlText(name).constData());
+        WithXmlText(context(), [&] { m_node->SetValue(ToXmlText(name).constData()); });
+}
+
+/// A text of the element; empty when there is none.
+template <typename Read>
+QString XMLElement::TextOf(Read read) const {
+    return WithXmlText(context(), [&] { return m_node != nullptr ? FromXmlText(read(*m_node)) : QString(); });
 }
 
 QString XMLElement::GetTagName() const {
-    return m_node != nullptr ? FromXmlText(m_node->Value()) : QString();
+    return TextOf([](TiXmlElement& node) { return node.Value(); });
 }
 
 void XMLElement::SetText(const QString& text) {
     if (m_node == nullptr)
         return;
-    RemoveTexts();
-    m_node->LinkEndChild(new TiXmlText(ToXmlText(text).constData()));
+    WithXmlText(context(), [&] {
+        auto node = std::make_unique<TiXmlText>(ToXmlText(text).constData());
+        RemoveTexts();
+        m_node->LinkEndChild(node.release());
+    });
 }
 
 /// After a removal the walk goes back to the first child and on to the one behind it, so a text that has become first stays.
@@ -116,19 +136,20 @@ void XMLElement::RemoveTexts() {
 }
 
 QString XMLElement::GetText() const {
-    return m_node != nullptr ? FromXmlText(m_node->GetText()) : QString();
+    return TextOf([](TiXmlElement& node) { return node.GetText(); });
 }
 
 void XMLElement::SetAttribute(const QString& name, const QString& value) {
     if (m_node != nullptr)
-        m_node->SetAttribute(ToXmlText(name).constData(), ToXmlText(value).constData());
+        WithXmlText(context(),
+                    [&] { m_node->SetAttribute(ToXmlText(name).constData(), ToXmlText(value).constData()); });
 }
 
 void XMLElement::RemoveAttribute(const QString& name) {
     if (m_node != nullptr)
-        m_node->RemoveAttribute(ToXmlText(name).constData());
+        WithXmlText(context(), [&] { m_node->RemoveAttribute(ToXmlText(name).constData()); });
 }
 
 QString XMLElement::Attribute(const QString& AttrName) const {
-    return m_node != nullptr ? FromXmlText(m_node->Attribute(ToXmlText(AttrName).constData())) : QString();
+    return TextOf([&](TiXmlElement& node) { return node.Attribute(ToXmlText(AttrName).constData()); });
 }

@@ -14,8 +14,8 @@ class XmlTree;
 /// The script's view of one element, or of none. Several views may show the same element. A view belongs to the script and keeps
 /// the element's tree alive.
 ///
-/// Text goes in as Latin-1, other characters become "?". On a view of no element nothing happens and results are empty.
-/// [the engine's thread]
+/// Text goes in as Latin-1, other characters become "?". On a view of no element nothing happens and results are empty. A text
+/// that there is no memory for is a script error.   [the engine's thread]
 class XMLElement : public QObject, public QScriptable {
     Q_OBJECT
 
@@ -57,6 +57,8 @@ public:
 
 private:
     QScriptValue Near(TiXmlElement* element) const;
+    template <typename Read>
+    QString TextOf(Read read) const;
     void RemoveTexts();
 
     const std::shared_ptr<XmlTree> m_tree;

@@ -56,3 +56,7 @@ QByteArray ToXmlText(const QString& text) {
 QString FromXmlText(const char* text) {
     return QString::fromUtf8(text);
 }
+
+void RefuseXmlText(QScriptContext* context) {
+    context->throwError(QScriptContext::RangeError, QStringLiteral("XMLElement: no memory for the text"));
+}

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <new>
 
 #include <QByteArray>
+#include <QScriptContext>
 #include <QString>
 
 class TiXmlElement;
@@ -37,3 +39,18 @@ private:
 QByteArray ToXmlText(const QString& text);
 /// Text of the XML library; null gives an empty text.
 QString FromXmlText(const char* text);
+
+/// Throws the script error for a text that there is no memory for.   [script]
+void RefuseXmlText(QScriptContext* context);
+
+/// Runs work that makes texts. The engine cannot carry a C++ exception, so want of memory becomes the script error.
+/// @return what the work gives; nothing after an error.   [script]
+template <typename Work>
+auto WithXmlText(QScriptContext* context, Work work) {
+    try {
+        return work();
+    } catch (const std::bad_alloc&) {
+        RefuseXmlText(context);
+    }
+    return decltype(work())();
+}

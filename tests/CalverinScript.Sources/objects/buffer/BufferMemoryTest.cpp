@@ -1,6 +1,10 @@
 #include "BufferMemory.h"
 
+#include <fstream>
 #include <limits>
+
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include "ByteArrayClass.h"
 #include "ScriptFixture.h"
@@ -8,6 +12,30 @@
 namespace {
 
 class BufferMemory : public ScriptFixture {};
+
+/// Lets the process grow by so many bytes and no more.
+class SpareMemory {
+public:
+    explicit SpareMemory(long bytes) {
+        getrlimit(RLIMIT_AS, &m_before);
+        rlimit limit = m_before;
+        limit.rlim_cur = static_cast<rlim_t>(UsedBytes() + bytes);
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    ~SpareMemory() { setrlimit(RLIMIT_AS, &m_before); }
+    SpareMemory(const SpareMemory&) = delete;
+    SpareMemory& operator=(const SpareMemory&) = delete;
+
+private:
+    static long UsedBytes() {
+        std::ifstream statm("/proc/self/statm");
+        long pages = 0;
+        statm >> pages;
+        return pages * sysconf(_SC_PAGESIZE);
+    }
+
+    rlimit m_before{};
+};
 
 TEST_F(BufferMemory, IsRefusedWithAnErrorThatNamesTheSize) {
     Run("var b = new Buffer('abc')");
@@ -50,6 +78,22 @@ TEST_F(BufferMemory, TurnsAFailedAllocationIntoTheError) {
     });
     engine.globalObject().setProperty(QStringLiteral("fail"), function);
     EXPECT_EQ(Run("fail()"), "threw RangeError: Buffer: no memory for 42 bytes");
+}
+
+TEST_F(BufferMemory, ThatIsMissingForACopyOfSharedBytesIsRefused) {
+    if (MEMORY_ALLOWANCE_KB > 10000)
+        GTEST_SKIP() << "sanitizers end a process that has no memory";
+    Run("var a = new Buffer(400000000), b = new Buffer(a)");
+    const SpareMemory limit(200 << 20);
+    const char* refused = "threw RangeError: Buffer: no memory for 400000000 bytes";
+    Check({{"a byte", "b[0] = 1", refused},
+           {"left", "a.left(399999999)", refused},
+           {"middle", "a.middle(1)", refused},
+           {"right", "a.right(399999999)", refused},
+           {"fill", "b.fill(1)", refused},
+           {"write", "b.write('x')", refused},
+           {"copy", "new Buffer('x').copy(b)", refused},
+           {"the bytes are as they were", "b[0] + ' ' + b.length + ' ' + a.length", "0 400000000 400000000"}});
 }
 
 TEST_F(BufferMemory, GivesWhatTheWorkGives) {

@@ -1,6 +1,7 @@
 #include "XMLElement.h"
 
 #include "ScriptFixture.h"
+#include "XmlTree.h"
 
 namespace {
 
@@ -135,6 +136,29 @@ TEST_F(XmlElement, IsNotBuiltDeeperThanTheParserGoes) {
             "mid.AppendChild(chain(254));"
             "var above = d.CreateElement('u'); above.AppendChild(top)",
             "threw Error: AppendChild: more than 256 levels of elements"}});
+}
+
+/// A quotation mark is six characters in print.
+TEST_F(XmlElement, IsNotPrintedWhenTheEngineCouldNotHoldTheText) {
+    Run("var quotes = new Buffer(45000000); quotes.fill('\"'); e.SetText(quotes.toString()); quotes = null; gc()");
+    Check({{"refused", "e.ToString()", "threw RangeError: XMLElement: no memory for the text"},
+           {"the text is there", "e.GetText().length", "45000000"},
+           {"printed again", "e.SetText('1'); e.ToString()", "<x>1</x>\n"}});
+}
+
+TEST_F(XmlElement, TurnsWantOfMemoryIntoAScriptError) {
+    const QScriptValue function = engine.newFunction([](QScriptContext* context, QScriptEngine*) {
+        return WithXmlText(context, []() -> QScriptValue { throw std::bad_alloc(); });
+    });
+    engine.globalObject().setProperty(QStringLiteral("fail"), function);
+    EXPECT_EQ(Run("try { fail() } catch (x) { String(x) }"), "RangeError: XMLElement: no memory for the text");
+}
+
+TEST_F(XmlElement, TakesNamesThatAreNoneAsTheyAre) {
+    Check(
+        {{"empty", "e = d.CreateElement(''); e.SetAttribute('', ''); e.SetText(''); e.GetTagName() + e.GetText()", ""},
+         {"markup", "e = d.CreateElement('a<b'); e.GetTagName() + e.Attribute('<')", "a<b"},
+         {"a zero character ends a name", "e.SetTagName('x\\u0000y'); e.GetTagName()", "x"}});
 }
 
 TEST_F(XmlElement, ShowsItsOwnMethodsAlone) {
