@@ -17,7 +17,7 @@ struct OptionRow {
 
 constexpr OptionRow kOptions[] = {
     {"timeout", nullptr, "MS", "how long to wait for each answer of a script, in ms (10000)"},
-    {"link", nullptr, "newer|older|none", "which remote link the host offers to scripts (newer)"},
+    {"link", nullptr, "both|newer|older|none", "which remote links the host offers; scripts use the newer one (both)"},
     {"json", nullptr, nullptr, "output for programs: one JSON text"},
     {"log", nullptr, nullptr, "show the lines of the device log on standard error"},
     {"log-file", nullptr, "FILE", "keep the device log in this file"},
@@ -31,7 +31,8 @@ struct LinkRow {
     Link link;
 };
 
-constexpr LinkRow kLinks[] = {{"newer", Link::Newer}, {"older", Link::Older}, {"none", Link::None}};
+constexpr LinkRow kLinks[] = {
+    {"both", Link::Both}, {"newer", Link::Newer}, {"older", Link::Older}, {"none", Link::None}};
 
 constexpr int kExecWordsBeforeArguments = 3; // exec FILE FUNCTION
 constexpr int kLongestTimeout = 24 * 60 * 60 * 1000;
@@ -112,7 +113,7 @@ QString ArgumentReader::ReadLink(const QString& text) {
             return {};
         }
     }
-    return QStringLiteral("--link is \"newer\", \"older\" or \"none\", not \"%1\"").arg(text);
+    return QStringLiteral("--link is \"both\", \"newer\", \"older\" or \"none\", not \"%1\"").arg(text);
 }
 
 QString OptionHelp() {
@@ -121,7 +122,7 @@ QString OptionHelp() {
         QString form = QLatin1String("--") + QLatin1String(option.name);
         if (option.value != nullptr)
             form += QLatin1Char(' ') + QLatin1String(option.value);
-        text += QStringLiteral("  %1  %2\n").arg(form, -23).arg(QLatin1String(option.help));
+        text += QStringLiteral("  %1  %2\n").arg(form, -28).arg(QLatin1String(option.help));
     }
     return text;
 }

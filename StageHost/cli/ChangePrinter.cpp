@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QJsonObject>
 
+#include "ActionObjects.h"
 #include "BorderText.h"
 #include "Output.h"
 
@@ -21,8 +22,10 @@ QString LineOf(const ShowChange& change) {
     const QString value = OneLine(FromBorderText(change.value));
     if (change.kind == ObjectKind::Variable)
         return QStringLiteral("%1 = %2").arg(object, value);
-    return QStringLiteral("%1 %2: %3 = %4")
-        .arg(QLatin1String(RowOf(change.kind).name), object, FromBorderText(change.property), value);
+    const bool loads = change.kind == ObjectKind::Show && change.property == kLoadedProperty;
+    return QStringLiteral("%1 %2: %3 = %4%5")
+        .arg(QLatin1String(RowOf(change.kind).name), object, FromBorderText(change.property), value,
+             QLatin1String(loads ? " (its entry is played, the show that runs goes on)" : ""));
 }
 
 } // namespace

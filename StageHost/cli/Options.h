@@ -13,7 +13,7 @@ namespace stagehost {
 struct Options {
     QString command;       ///< the first word
     QStringList arguments; ///< the words behind it
-    Link link = Link::Newer;
+    Link link = Link::Both;
     bool json = false;
     bool log = false;
     QString logFile; ///< empty: a temporary one

@@ -19,9 +19,9 @@ Host::Host(HostSettings settings, const ShowSpec& show)
     , desk_(model_, pool_) {
     model_.Fill(show);
     faces_.Offer("IMInterface", static_cast<IMInterface*>(&runtimeInfo_));
-    if (settings_.link == Link::Older)
+    if (settings_.link == Link::Older || settings_.link == Link::Both)
         olderLink_ = std::make_unique<OlderLinkManager>(faces_, desk_);
-    if (settings_.link == Link::Newer)
+    if (settings_.link == Link::Newer || settings_.link == Link::Both)
         newerLink_ = std::make_unique<NewerLinkManager>(faces_, desk_);
 }
 

@@ -6,8 +6,8 @@
 
 namespace stagehost {
 
-/// Which of the two remote links the host offers.
-enum class Link { Newer, Older, None };
+/// Which of the two remote links the host offers. A module that gets both takes the newer one for its scripts.
+enum class Link { Both, Newer, Older, None };
 
 /// The log that the host offers to the module.
 struct LogSettings {
@@ -23,7 +23,7 @@ struct HostSettings {
     std::string version = "6.7.2";     ///< at most 27 characters count
     std::uint32_t userMode = 2;
     std::map<std::uint32_t, std::string> folders; ///< by KXPFolder
-    Link link = Link::Newer;
+    Link link = Link::Both;
     LogSettings log;
 };
 

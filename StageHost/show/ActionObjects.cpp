@@ -45,7 +45,7 @@ KXPCode LoadableShow::Load(std::int32_t time) {
         const std::lock_guard<std::mutex> hold(lock_);
         loaded_ = true;
         time_ = time;
-        feed_.Tell(ObjectKind::Show, Name(), "Loaded", std::to_string(time));
+        feed_.Tell(ObjectKind::Show, Name(), kLoadedProperty, std::to_string(time));
     }
     player_(action_, [this](const std::string& what) { feed_.Tell(ObjectKind::Show, Name(), "Error", what); });
     return KXP_OK;
@@ -53,7 +53,7 @@ KXPCode LoadableShow::Load(std::int32_t time) {
 
 std::vector<ObjectProperty> LoadableShow::Properties() const {
     const std::lock_guard<std::mutex> hold(lock_);
-    return {{"Loaded", loaded_ ? "true" : "false"}, {"Time", std::to_string(time_)}};
+    return {{kLoadedProperty, loaded_ ? "true" : "false"}, {"Time", std::to_string(time_)}};
 }
 
 void LoadableShow::Perform(const std::string& action, const Parameters& parameters, const Answer& answer) {

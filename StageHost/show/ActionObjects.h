@@ -33,6 +33,9 @@ private:
     std::int32_t count_ = 0;
 };
 
+/// Property of a show that scripts have loaded.
+inline constexpr const char* kLoadedProperty = "Loaded";
+
 /// A show that can be loaded beside the one that plays. Loading it runs its action and notes the time asked for.
 class LoadableShow final : public ShowObject {
 public:

@@ -48,7 +48,8 @@ TEST(ArgumentReader, TakesWordsBehindTwoDashesAsTheyAre) {
 }
 
 TEST(ArgumentReader, ReadsEveryLink) {
-    EXPECT_EQ(Read("check a").link, Link::Newer);
+    EXPECT_EQ(Read("check a").link, Link::Both);
+    EXPECT_EQ(Read("check a --link both").link, Link::Both);
     EXPECT_EQ(Read("check a --link newer").link, Link::Newer);
     EXPECT_EQ(Read("check a --link older").link, Link::Older);
     EXPECT_EQ(Read("check a --link none").link, Link::None);
@@ -59,7 +60,7 @@ TEST(ArgumentReader, SaysWhatIsWrong) {
     EXPECT_NE(ProblemOf("--timeout 0 check a").find("--timeout"), std::string::npos);
     EXPECT_NE(ProblemOf("--timeout -5 check a").find("--timeout"), std::string::npos);
     EXPECT_NE(ProblemOf("--timeout 99999999999 check a").find("--timeout"), std::string::npos);
-    EXPECT_NE(ProblemOf("check a --link both").find("--link"), std::string::npos);
+    EXPECT_NE(ProblemOf("check a --link all").find("--link"), std::string::npos);
     EXPECT_NE(ProblemOf("check a --wrong").find("wrong"), std::string::npos);
     EXPECT_NE(ProblemOf("check a --timeout").find("timeout"), std::string::npos);
     EXPECT_NE(ProblemOf("check --json=1 a").find("json"), std::string::npos);

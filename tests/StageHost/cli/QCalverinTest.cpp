@@ -161,7 +161,7 @@ protected:
     }
 
     /// Plays steps; they have to go well.
-    void Play(const QByteArray& steps, const char* link = "newer") {
+    void Play(const QByteArray& steps, const char* link = "both") {
         host.Run({Text("run"), Text("--link"), Text(link), Text("--json"), Show(steps)});
         EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
     }
@@ -191,12 +191,12 @@ TEST_F(QCalverin, GivesWhatTheShowAnswersOnEachLink) {
     std::vector<QByteArray> steps;
     for (const auto& row : kExpressions)
         steps.push_back(Call("main", "run", row.expression));
-    constexpr const char* kLinks[] = {"newer", "older", "none"};
-    for (int link = 0; link < 3; ++link) {
+    constexpr const char* kLinks[] = {"newer", "older", "none", "both"};
+    for (int link = 0; link < 4; ++link) {
         Play(Joined(steps), kLinks[link]);
         int index = 0;
         for (const auto& row : kExpressions) {
-            const char* const expected[] = {row.newer, row.older, row.none};
+            const char* const expected[] = {row.newer, row.older, row.none, row.newer};
             EXPECT_EQ(ResultOfStep(index++), expected[link]) << kLinks[link] << ": " << row.expression;
         }
     }
@@ -290,6 +290,15 @@ TEST_F(QCalverin, StartsATaskThatPlaysAndPerformsOnOtherDevices) {
         host.Run({Text("run"), Text("--link"), Text(link), show});
         EXPECT_EQ(host.ExitCode(), 0) << link << host.Errors().toStdString();
     }
+}
+
+TEST_F(QCalverin, LoadsAShowBesideTheOneThatRunsAndSaysSo) {
+    host.SetInput("send main 3 \"Script Function Name=run\" \"Param1=QCalverin.LoadShow('Matinee', 700)\"\n"
+                  "get Level\n");
+    host.Run({Text("watch"), Show({}), Text("Matinee")});
+    EXPECT_TRUE(host.Output().contains(
+        Text("  Show Matinee: Loaded = 700 (its entry is played, the show that runs goes on)\n0\n5\n")))
+        << host.Output().toStdString();
 }
 
 TEST_F(QCalverin, IsFreedFromARequestThatNeverEndsWhenTheShowEnds) {

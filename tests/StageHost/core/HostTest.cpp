@@ -52,6 +52,8 @@ TEST(Host, OffersTheLinkThatWasChosen) {
         Host host(With(link));
         return QueryFace<IMInterface>(host.Root(), name) != nullptr;
     };
+    EXPECT_TRUE(offers(Link::Both, "IManagerRemoteManager2"));
+    EXPECT_TRUE(offers(Link::Both, "IManagerRemoteManager"));
     EXPECT_TRUE(offers(Link::Newer, "IManagerRemoteManager2"));
     EXPECT_FALSE(offers(Link::Newer, "IManagerRemoteManager"));
     EXPECT_TRUE(offers(Link::Older, "IManagerRemoteManager"));
