@@ -57,6 +57,9 @@ public:
     /// @return null when the value is no function.   [script]
     virtual MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue& function) = 0;
 
+    /// Forgets the function of a request that the host has refused.   [script]
+    virtual void ForgetAsyncContext(MyAsyncDeviceExecContext* context) = 0;
+
 protected:
     ~IScriptDevice() = default;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <mutex>
+#include <vector>
 
 #include <QThread>
 
@@ -15,13 +16,14 @@ namespace {
 constexpr int kPostponedHashBits = 10;
 constexpr std::chrono::milliseconds kReleaseTime(50); ///< what a host thread grants a script that is still running
 
-/// Ends every context that is still there. A context leaves the registry before it goes, and ending one may make others go, so
-/// each is looked up again under the registry's lock.
+/// Ends every context that is still there, under the registry's lock. A context leaves the registry before it goes. Ending one
+/// may make others go: once one has, each is looked up again.
 template <typename Context>
 void EndAll(ContextRegistry<Context>& contexts) {
     const std::lock_guard<ContextRegistry<Context>> guard(contexts);
-    for (Context* context : contexts.Snapshot())
-        if (contexts.Contains(context))
+    const std::vector<Context*> all = contexts.Snapshot();
+    for (Context* context : all)
+        if (contexts.Count() == all.size() || contexts.Contains(context))
             context->End();
 }
 

@@ -200,6 +200,7 @@ private:
     QScriptValue Create();
     IData* FindVariable(const QString& name) const;
     void ReleaseAsyncContexts();
+    void DropRefused(MyAsyncDeviceExecContext* context);
 
     IScriptDevice* const device;
     IManagerRemote* const remote;

@@ -27,6 +27,15 @@ unsigned int MScriptMngRemote::PerformAsync(const QScriptValue& expression, cons
     if (context == nullptr)
         return KXP_NOT_IMPLEMENTED;
     context->AddRef();
-    return remote2->Perform(ToHostText(sObject).constData(), ToHostText(sAction).constData(), parameters.c_str(),
-                            context, nullptr);
+    const KXPCode code = remote2->Perform(ToHostText(sObject).constData(), ToHostText(sAction).constData(),
+                                          parameters.c_str(), context, nullptr);
+    if (code != KXP_OK && code != KXP_PENDING && context->ForgetHandler())
+        DropRefused(context);
+    return code;
+}
+
+/// A script that asks every second what the host refuses would otherwise collect functions and contexts for years.
+void MScriptMngRemote::DropRefused(MyAsyncDeviceExecContext* context) {
+    device->ForgetAsyncContext(context);
+    DropDelivered(context);
 }

@@ -22,10 +22,11 @@ public:
     /// Tells the handler at the first call; every later one, and the first without a handler, drops a reference.
     KXPCode End() override;
 
-    /// From now on nobody is told: the request has been given up, and an End that still comes drops a reference.   [any]
-    void ForgetHandler() { asyncHandler = nullptr; }
+    /// From now on nobody is told: the request has been given up, and an End that still comes drops a reference.
+    /// @return false when somebody has been told already.   [any]
+    bool ForgetHandler() { return asyncHandler.exchange(nullptr) != nullptr; }
 
-    /// The script has had its answer: what is left is the host's reference.   [script]
+    /// The script has had its answer, or gets none: what is left is the host's reference.   [script]
     void SetDelivered() { delivered = true; }
     bool IsDelivered() const { return delivered; }
 

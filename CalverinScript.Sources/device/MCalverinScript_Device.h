@@ -172,6 +172,7 @@ public:
     /// Makes the context and notes the function for an asynchronous request.
     /// @return null when the value is no function.   [script]
     MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue& function) override;
+    void ForgetAsyncContext(MyAsyncDeviceExecContext* context) override { callbacks.remove(context); }
 
     // MyCommandManager
     using MyCommandManager::ExecuteCommand;
@@ -334,6 +335,7 @@ private:
     bool ReportEvaluation(ScriptSet& set, bool stopMode);
     void ScanPublished(ScriptSet& set, bool stopMode);
     EnumHelpers::Target EnumTarget();
+    QString FindMonitoredEnum(const QString& name);
     void CleanupBeforeEvaluate();
     void AfterEvaluate();
     void GiveSettingsToScript();
@@ -360,6 +362,8 @@ private:
     void CommitStopFunctions();
     bool MakeDefinition(const ScriptCommands& definedCommands, const ScriptVariables& variables, bool hideDefaults,
                         bool resetDefaultIds, std::string& text);
+    bool OfferDefinition(const std::string& definition);
+    IData* FindOwnVariable(const QString& name);
     void BindLiveVariables();
     void MergeLegacy();
 

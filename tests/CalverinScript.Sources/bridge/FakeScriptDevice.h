@@ -34,6 +34,7 @@ public:
     std::vector<std::string> timerCalls;             ///< "SetInterval 20", "ClearTimeout 3" and so on
     unsigned int callbackCode = 0;                   ///< what SetPropertyChangeCallback answers
     MyAsyncDeviceExecContext* madeContext = nullptr; ///< what MakeAsyncContext answers
+    std::vector<MyAsyncDeviceExecContext*> forgotten;
 
     bool IsEnding() const override { return ending; }
     int SetInterval(const QScriptValue&, int delay) override { return NoteTimer("SetInterval", delay); }
@@ -42,6 +43,7 @@ public:
     void ClearTimeout(int id) override { timerCalls.push_back("ClearTimeout " + std::to_string(id)); }
     unsigned int SetPropertyChangeCallback(const QScriptValue&) override { return callbackCode; }
     MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue&) override { return madeContext; }
+    void ForgetAsyncContext(MyAsyncDeviceExecContext* context) override { forgotten.push_back(context); }
 
 private:
     int NoteTimer(const std::string& call, int delay) {

@@ -98,7 +98,7 @@ TEST_F(InAScript, PerformAsyncGivesNineteenForWhatTheDeviceRefuses) {
 }
 
 TEST_F(InAScript, PerformAsyncPassesTheCodeAndKeepsTwoReferences) {
-    for (const char* code : {"0", "21", "77"}) {
+    for (const char* code : {"0", "21"}) {
         device.madeContext = new MyAsyncDeviceExecContext(&remote, remote.GetAsyncContexts());
         newer.code = static_cast<KXPCode>(std::stoul(code));
         EXPECT_EQ(Run("QCalverin.PerformAsync(function() {}, 'O', 'A', 'List', 'a=1')"), code);
@@ -108,11 +108,41 @@ TEST_F(InAScript, PerformAsyncPassesTheCodeAndKeepsTwoReferences) {
         EXPECT_EQ(remote.GetAsyncContexts()->Count(), 1u);
         device.madeContext->Release();
         EXPECT_EQ(remote.GetAsyncContexts()->Count(), 0u);
+        EXPECT_TRUE(device.forgotten.empty());
     }
     device.ending = true;
     newer.calls.clear();
     EXPECT_EQ(Run("QCalverin.PerformAsync(function() {}, 'O', 'A')"), "19");
     EXPECT_TRUE(newer.calls.empty());
+}
+
+TEST_F(InAScript, PerformAsyncForgetsWhatTheHostRefusesAndLeavesTheHostItsReference) {
+    device.madeContext = new MyAsyncDeviceExecContext(&remote, remote.GetAsyncContexts());
+    newer.code = 77;
+    EXPECT_EQ(Run("QCalverin.PerformAsync(function() {}, 'O', 'A')"), "77");
+    EXPECT_EQ(device.forgotten, std::vector<MyAsyncDeviceExecContext*>{device.madeContext});
+    EXPECT_EQ(remote.GetAsyncContexts()->Count(), 1u);
+    device.madeContext->End(); // of a host that ends even what it has refused
+    EXPECT_TRUE(device.asyncResults.empty());
+    EXPECT_EQ(remote.GetAsyncContexts()->Count(), 0u);
+}
+
+TEST_F(InAScript, PerformAsyncDeliversWhatTheHostHasEndedBeforeItRefused) {
+    device.madeContext = new MyAsyncDeviceExecContext(&remote, remote.GetAsyncContexts());
+    newer.code = 77;
+    newer.onCall = [](IExecContext2* context) { context->End(); };
+    EXPECT_EQ(Run("QCalverin.PerformAsync(function() {}, 'O', 'A')"), "77");
+    EXPECT_TRUE(device.forgotten.empty());
+    EXPECT_EQ(device.asyncResults, std::vector<MyAsyncDeviceExecContext*>{device.madeContext});
+}
+
+TEST_F(InAScript, PerformAsyncDoesNotCollectWhatTheHostRefuses) {
+    newer.code = 77;
+    for (int asked = 0; asked < 3000; ++asked) {
+        device.madeContext = new MyAsyncDeviceExecContext(&remote, remote.GetAsyncContexts());
+        remote.PerformAsync(QScriptValue());
+    }
+    EXPECT_EQ(remote.GetAsyncContexts()->Count(), 1000u);
 }
 
 TEST_F(InAScript, PerformAsyncGivesSixteenOnTheOlderLink) {

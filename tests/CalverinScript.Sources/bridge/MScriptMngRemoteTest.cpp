@@ -150,6 +150,17 @@ TEST_F(Bridge, EndsItsAsynchronousRequestsByTellingTheDevice) {
     EXPECT_EQ(remote->GetAsyncContexts()->Count(), 2u);
 }
 
+TEST_F(Bridge, EndsManyRequestsInTimeThatGrowsWithThemAlone) {
+    Make(nullptr, &newer);
+    constexpr std::size_t kMany = 300000; // one a second for three days; looking each one up would take minutes
+    for (std::size_t i = 0; i < kMany; ++i)
+        MakeAsyncContext();
+    const auto begin = std::chrono::steady_clock::now();
+    remote->EndContexts();
+    EXPECT_EQ(device.asyncResults.size(), kMany);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, kDeadline);
+}
+
 TEST_F(Bridge, EndingTwiceDropsAReferenceOfEachAsynchronousRequest) {
     Make(nullptr, &newer);
     auto* context = MakeAsyncContext();
