@@ -160,19 +160,34 @@ void MCalverinScript_Device::ScanPublished(ScriptSet& set, bool stopMode) {
     ReplaceAll(set.functions, result.functions);
 }
 
-/// The functions on `Device` know a variable of the device by its name without the device's.
+/// The functions on `Device` know a variable of the device by its name without the device's. The host may have made it anew since
+/// the script was scanned, so it is asked each time.
 EnumHelpers::Target MCalverinScript_Device::EnumTarget() {
     const auto enumNamed = [this](const QString& name) -> IEnumData* {
-        if (ending)
+        MScriptVariable known;
+        if (ending || !FindMonitoredEnum(name, known))
             return nullptr;
-        const std::lock_guard<MLockedList<MScriptVariable>> guard(live.monitors);
-        for (const MScriptVariable& variable : live.monitors)
-            if (variable.name.mid(variable.name.indexOf(QLatin1Char('.')) + 1) == name &&
-                variable.type == QLatin1String("EnumData"))
-                return QueryFace<IEnumData>(variable.data, "IEnumData");
-        return nullptr;
+        IData* data = FindOwnVariable(name);
+        const bool isOwn = data != nullptr &&
+                           (data->GetInstanceID() == known.instanceId || FromHostText(data->GetName()) == known.name);
+        if (!isOwn)
+            data = variableManager != nullptr ? variableManager->FindVariable(ToHostText(known.name).constData())
+                                              : nullptr;
+        return QueryFace<IEnumData>(data, "IEnumData");
     };
     return {[this] { return live.global; }, enumNamed};
+}
+
+/// The enumeration that the scan has found under a name without its owner's. @return false when there is none.
+bool MCalverinScript_Device::FindMonitoredEnum(const QString& name, MScriptVariable& found) {
+    const std::lock_guard<MLockedList<MScriptVariable>> guard(live.monitors);
+    for (const MScriptVariable& variable : live.monitors) {
+        found = variable;
+        if (variable.name.mid(variable.name.indexOf(QLatin1Char('.')) + 1) == name &&
+            variable.type == QLatin1String("EnumData"))
+            return true;
+    }
+    return false;
 }
 
 /// @return whether the evaluation succeeded.

@@ -70,7 +70,7 @@ KXPCode MCalverinScript_Device::SetSetup(const char* text) {
     std::string definition;
     const bool built =
         MakeDefinition(stop.functions.Snapshot(), variablesLive.Snapshot(), appliedRemoveDefaults, false, definition);
-    if (built && deviceVariables != nullptr && deviceVariables->SetDefinition(definition.c_str()) == 1) {
+    if (built && OfferDefinition(definition)) {
         BindLiveVariables();
         CommitStopFunctions();
     }
@@ -162,17 +162,30 @@ bool MCalverinScript_Device::MakeDefinition(const ScriptCommands& definedCommand
     return BuildDefinition(request, text);
 }
 
-/// The host's values of the device's variables, after it has taken their definition. A running script's members follow.
+/// The host drops the values that it has had for the device's variables when it takes a definition. Members of a running script
+/// stand for the new ones from then on.
+bool MCalverinScript_Device::OfferDefinition(const std::string& definition) {
+    if (deviceVariables == nullptr)
+        return false;
+    bool taken = false;
+    accessors.Replace([&] {
+        taken = deviceVariables->SetDefinition(definition.c_str()) == 1;
+        accessors.Rebind(VariableOrigin::Device, [this](const QString& name) { return FindOwnVariable(name); });
+    });
+    return taken;
+}
+
+IData* MCalverinScript_Device::FindOwnVariable(const QString& name) {
+    return deviceVariables != nullptr ? deviceVariables->GetVariable(ToHostText(name).constData()) : nullptr;
+}
+
+/// The host's values of the device's variables, after it has taken their definition.
 void MCalverinScript_Device::BindLiveVariables() {
-    const auto find = [this](const QString& name) {
-        return deviceVariables->GetVariable(ToHostText(name).constData());
-    };
     const std::lock_guard<MLockedList<MScriptVariable>> guard(variablesLive);
     for (MScriptVariable& variable : variablesLive) {
-        variable.data = find(variable.name);
+        variable.data = FindOwnVariable(variable.name);
         variable.instanceId = variable.data != nullptr ? variable.data->GetInstanceID() : 0;
     }
-    accessors.Rebind(VariableOrigin::Device, find);
 }
 
 void MCalverinScript_Device::BeginSetup() {
@@ -209,7 +222,7 @@ KXPCode MCalverinScript_Device::AcceptSetup(const DeviceSetup& setup, const QStr
     const bool tellsChange = setupLoaded && (!sameCommands || remove != appliedRemoveDefaults);
     std::string definition;
     const bool taken = MakeDefinition(now, setup.monitors, remove, appliedRemoveDefaults && !remove, definition) &&
-                       deviceVariables != nullptr && deviceVariables->SetDefinition(definition.c_str()) == 1;
+                       OfferDefinition(definition);
     if (taken) {
         appliedRemoveDefaults = remove;
         TakeAcceptedSetup(setup, script, scriptFile);

@@ -335,7 +335,7 @@ private:
     bool ReportEvaluation(ScriptSet& set, bool stopMode);
     void ScanPublished(ScriptSet& set, bool stopMode);
     EnumHelpers::Target EnumTarget();
-    QString FindMonitoredEnum(const QString& name);
+    bool FindMonitoredEnum(const QString& name, MScriptVariable& found);
     void CleanupBeforeEvaluate();
     void AfterEvaluate();
     void GiveSettingsToScript();

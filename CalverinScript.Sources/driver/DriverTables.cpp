@@ -31,36 +31,36 @@ static_assert(std::size(kDataKinds) == 6, "one for each type of value that a scr
 enum class PropertyText { Any, Number, Whole };
 
 struct PropertyRow {
-    PropertyOwner owner;
     const char* type; ///< null for every type
     const char* name;
+    PropertyOwner owner;
     PropertyText text;
 };
 constexpr PropertyRow kProperties[] = {
-    {PropertyOwner::Variable, "IntegerData", "MinValue", PropertyText::Number},
-    {PropertyOwner::Variable, "IntegerData", "MaxValue", PropertyText::Number},
-    {PropertyOwner::Variable, "StringData", "MaxLength", PropertyText::Whole},
-    {PropertyOwner::Variable, "RealData", "MinValue", PropertyText::Number},
-    {PropertyOwner::Variable, "RealData", "MaxValue", PropertyText::Number},
-    {PropertyOwner::Variable, "RealData", "Precision", PropertyText::Whole},
-    {PropertyOwner::Variable, "TimeData", "TimeCodeType", PropertyText::Whole},
-    {PropertyOwner::Command, nullptr, "Name", PropertyText::Any},
-    {PropertyOwner::Command, nullptr, "Version", PropertyText::Any},
-    {PropertyOwner::Command, nullptr, "Status", PropertyText::Any},
-    {PropertyOwner::Command, nullptr, "GroupName", PropertyText::Any},
-    {PropertyOwner::Command, nullptr, "GroupOrder", PropertyText::Any},
-    {PropertyOwner::Command, nullptr, "GroupCmdOrder", PropertyText::Any},
-    {PropertyOwner::Setting, nullptr, "Name", PropertyText::Any},
-    {PropertyOwner::Setting, nullptr, "Widget", PropertyText::Any},
-    {PropertyOwner::Setting, nullptr, "Hint", PropertyText::Any},
-    {PropertyOwner::Setting, nullptr, "Prefix", PropertyText::Any},
-    {PropertyOwner::Setting, nullptr, "Suffix", PropertyText::Any},
-    {PropertyOwner::Setting, nullptr, "MinValue", PropertyText::Number},
-    {PropertyOwner::Setting, nullptr, "MaxValue", PropertyText::Number},
-    {PropertyOwner::Setting, nullptr, "Precision", PropertyText::Whole},
-    {PropertyOwner::Setting, nullptr, "MaxLength", PropertyText::Whole},
-    {PropertyOwner::Setting, nullptr, "Width", PropertyText::Whole},
-    {PropertyOwner::Setting, nullptr, "TimeCodeType", PropertyText::Whole},
+    {"IntegerData", "MinValue", PropertyOwner::Variable, PropertyText::Number},
+    {"IntegerData", "MaxValue", PropertyOwner::Variable, PropertyText::Number},
+    {"StringData", "MaxLength", PropertyOwner::Variable, PropertyText::Whole},
+    {"RealData", "MinValue", PropertyOwner::Variable, PropertyText::Number},
+    {"RealData", "MaxValue", PropertyOwner::Variable, PropertyText::Number},
+    {"RealData", "Precision", PropertyOwner::Variable, PropertyText::Whole},
+    {"TimeData", "TimeCodeType", PropertyOwner::Variable, PropertyText::Whole},
+    {nullptr, "Name", PropertyOwner::Command, PropertyText::Any},
+    {nullptr, "Version", PropertyOwner::Command, PropertyText::Any},
+    {nullptr, "Status", PropertyOwner::Command, PropertyText::Any},
+    {nullptr, "GroupName", PropertyOwner::Command, PropertyText::Any},
+    {nullptr, "GroupOrder", PropertyOwner::Command, PropertyText::Any},
+    {nullptr, "GroupCmdOrder", PropertyOwner::Command, PropertyText::Any},
+    {nullptr, "Name", PropertyOwner::Setting, PropertyText::Any},
+    {nullptr, "Widget", PropertyOwner::Setting, PropertyText::Any},
+    {nullptr, "Hint", PropertyOwner::Setting, PropertyText::Any},
+    {nullptr, "Prefix", PropertyOwner::Setting, PropertyText::Any},
+    {nullptr, "Suffix", PropertyOwner::Setting, PropertyText::Any},
+    {nullptr, "MinValue", PropertyOwner::Setting, PropertyText::Number},
+    {nullptr, "MaxValue", PropertyOwner::Setting, PropertyText::Number},
+    {nullptr, "Precision", PropertyOwner::Setting, PropertyText::Whole},
+    {nullptr, "MaxLength", PropertyOwner::Setting, PropertyText::Whole},
+    {nullptr, "Width", PropertyOwner::Setting, PropertyText::Whole},
+    {nullptr, "TimeCodeType", PropertyOwner::Setting, PropertyText::Whole},
 };
 
 constexpr const char* kWidgets[] = {"LineEdit",   "TextEdit", "SpinBox",  "RealSpinBox", "ComboBox", "DateEdit",

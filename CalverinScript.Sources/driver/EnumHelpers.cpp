@@ -59,7 +59,7 @@ QScriptValue EnumHelpers::Clear(QScriptContext* context, QScriptEngine* engine, 
     const QString name = context->argument(0).toString();
     IEnumData* data = context->argumentCount() > 0 ? helpers.m_target.enumNamed(name) : nullptr;
     QScriptValue entry = data != nullptr ? helpers.EntryWithItems(name) : QScriptValue();
-    if (!entry.isObject())
+    if (data == nullptr || !entry.isObject())
         return QScriptValue(KXP_NOT_IMPLEMENTED);
     data->ClearItems(0, 0);
     entry.setProperty(QStringLiteral("Items"), engine->newArray());
@@ -72,7 +72,7 @@ QScriptValue EnumHelpers::Add(QScriptContext* context, QScriptEngine* /*engine*/
     const QString item = context->argument(1).toString();
     IEnumData* data = context->argumentCount() > 1 ? helpers.m_target.enumNamed(name) : nullptr;
     QScriptValue entry = data != nullptr ? helpers.EntryWithItems(name) : QScriptValue();
-    if (!entry.isObject())
+    if (data == nullptr || !entry.isObject())
         return QScriptValue(KXP_NOT_IMPLEMENTED);
     data->AddItem(ToHostText(item).constData());
     QScriptValue items = DeepCopy(entry.property(QStringLiteral("Items")));

@@ -1,5 +1,6 @@
 #include "VariableAccessor.h"
 
+#include <chrono>
 #include <cmath>
 
 #include <QScriptContext>
@@ -11,14 +12,47 @@
 
 namespace {
 
+/// How long a replacement waits for a script that is inside the host.
+constexpr std::chrono::milliseconds kReplaceWait{200};
+/// How long a script waits for a replacement. Longer means that the host waits for the script.
+constexpr std::chrono::milliseconds kAccessWait{2000};
+
 constexpr QScriptValue::PropertyFlags kAccessor{int(QScriptValue::PropertyGetter) | int(QScriptValue::PropertySetter)};
 
 } // namespace
 
 /// What the native function of an accessor knows. Written by whoever looks the variable up, read by the script thread.
 struct AccessorPool::BoundVariable {
+    explicit BoundVariable(AccessorPool& owner)
+        : pool(owner) {}
+    AccessorPool& pool;
     std::atomic<IData*> data{nullptr};
-    const std::atomic<bool>& closed;
+};
+
+/// One access. It waits while values are replaced, unless it is made inside another one, for which the replacement waits.
+class AccessorPool::Visit {
+public:
+    explicit Visit(AccessorPool& pool)
+        : m_pool(pool) {
+        std::unique_lock<std::mutex> guard(pool.m_lock);
+        m_allowed =
+            pool.m_changed.wait_for(guard, kAccessWait, [&pool] { return !pool.m_replacing || pool.m_inside > 0; });
+        ++pool.m_inside;
+    }
+    ~Visit() {
+        {
+            const std::lock_guard<std::mutex> guard(m_pool.m_lock);
+            --m_pool.m_inside;
+        }
+        m_pool.m_changed.notify_all();
+    }
+    Visit(const Visit&) = delete;
+    Visit& operator=(const Visit&) = delete;
+    bool IsAllowed() const { return m_allowed && !m_pool.m_closed.load(std::memory_order_relaxed); }
+
+private:
+    AccessorPool& m_pool;
+    bool m_allowed = false;
 };
 
 AccessorPool::AccessorPool(const std::atomic<bool>& closed)
@@ -33,7 +67,7 @@ void AccessorPool::Bind(QScriptValue& object, const QString& member, VariableOri
         const std::lock_guard<std::mutex> guard(m_lock);
         std::unique_ptr<BoundVariable>& place = m_variables[{origin, name}];
         if (place == nullptr)
-            place.reset(new BoundVariable{{}, m_closed});
+            place = std::make_unique<BoundVariable>(*this);
         place->data = data;
         variable = place.get();
     }
@@ -50,12 +84,27 @@ void AccessorPool::Rebind(VariableOrigin origin, const std::function<IData*(cons
             entry.second->data = find(entry.first.second);
 }
 
+void AccessorPool::Replace(const std::function<void()>& work) {
+    {
+        std::unique_lock<std::mutex> guard(m_lock);
+        m_replacing = true;
+        m_changed.wait_for(guard, kReplaceWait, [this] { return m_inside == 0; });
+    }
+    work();
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        m_replacing = false;
+    }
+    m_changed.notify_all();
+}
+
 /// Called with one argument to write and without to read.
 QScriptValue AccessorPool::Access(QScriptContext* context, QScriptEngine* /*engine*/, void* variable) {
-    const auto& bound = *static_cast<BoundVariable*>(variable);
+    auto& bound = *static_cast<BoundVariable*>(variable);
+    const Visit visit(bound.pool);
     IData* data = bound.data.load(std::memory_order_acquire);
     const bool writes = context->argumentCount() > 0;
-    if (data == nullptr || bound.closed.load(std::memory_order_relaxed))
+    if (data == nullptr || !visit.IsAllowed())
         return writes ? context->argument(0) : QScriptValue(QScriptValue::UndefinedValue);
     if (!writes)
         return ReadHostValue(*data);

@@ -125,6 +125,21 @@ TEST_F(UserCommands, FollowTheVariablesOfADefinitionThatComesWhileTheyRun) {
     EXPECT_EQ(Send(driver, IdOf(driver, "Get"), {}), "now text");
 }
 
+TEST_F(UserCommands, ChangeNoEnumerationThatTheHostHasDroppedMeanwhile) {
+    DriverDevice& driver =
+        GivenDriver("({ Info: { Variables: { Mood: { Type: 'Enum', Items: ['calm'] } } }, Device: { Mood: 'calm' },"
+                    "   Add: function() { return this.Device.EnumAdd('Mood', 'x') },"
+                    "   Clear: function() { return this.Device.EnumClear('Mood') } })");
+    const std::string withEnum = Setup(driver);
+    std::string withText = withEnum;
+    withText.replace(withText.find("Type=\"EnumData\""), 15, "Type=\"StringData\"");
+    ASSERT_EQ(driver.device->SetSetup(withText.c_str()), KXP_OK);
+    EXPECT_EQ(Send(driver, IdOf(driver, "Add"), {}) + Send(driver, IdOf(driver, "Clear"), {}), "1919");
+    ASSERT_EQ(driver.device->SetSetup(withEnum.c_str()), KXP_OK);
+    EXPECT_EQ(Send(driver, IdOf(driver, "Add"), {}), "0");
+    EXPECT_EQ(driver.variables.At("Mood").items, std::vector<std::string>{"x"});
+}
+
 TEST_F(UserCommands, HaveTheSameNumbersInTwoDevicesWithTheSameDriver) {
     DriverDevice& first = GivenDriver("({ f: function(a) { return 'one' }, g: function() {} })");
     DriverDevice& second = GivenDriver("({ x: function() {}, g: function() {}, f: function(a) { return 'two' } })");

@@ -1,3 +1,5 @@
+#include <future>
+
 #include "EnumHelpers.h"
 #include "IObjectParams.h"
 #include "ScanFixture.h"
@@ -146,6 +148,70 @@ TEST_F(Accessors, FollowAVariableThatIsMadeAnewAndLetGoOfOneThatIsGone) {
     EXPECT_EQ(Evaluate("published.Device.Level"), "undefined");
     EXPECT_EQ(Evaluate("published.Device.Level = 3"), "3");
     EXPECT_EQ(other.Text(), "22");
+}
+
+TEST_F(Accessors, WaitWhileTheHostReplacesItsValues) {
+    GivenDeviceVariable("Level", KXP_INTEGER_DATA, "1");
+    Run("({ Device: { Level: 0 } })");
+    std::future<std::string> reading;
+    accessors.Replace([&] {
+        TypedValue& fresh = GivenDeviceVariable("Level", KXP_INTEGER_DATA, "2");
+        reading = std::async(std::launch::async, [this] { return Evaluate("published.Device.Level"); });
+        EXPECT_EQ(reading.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+        accessors.Rebind(VariableOrigin::Device, [&](const QString&) { return &fresh; });
+    });
+    EXPECT_EQ(reading.get(), "2");
+}
+
+/// A value in which somebody may stay.
+class SlowValue : public TypedValue {
+public:
+    SlowValue()
+        : TypedValue("Desk.Level", KXP_INTEGER_DATA, "1") {}
+    std::int32_t GetIntValue() override {
+        entered.set_value();
+        leave.get_future().wait_for(std::chrono::milliseconds(plain::kDeadlineMs));
+        gone = true;
+        return 1;
+    }
+
+    std::promise<void> entered;
+    std::promise<void> leave;
+    std::atomic<bool> gone{false};
+};
+
+TEST_F(Accessors, AreWaitedForByAReplacementButNotForEver) {
+    GivenDeviceVariable("Level", KXP_INTEGER_DATA, "1");
+    Run("({ Device: { Level: 0 } })");
+    SlowValue slow;
+    accessors.Rebind(VariableOrigin::Device, [&](const QString&) { return &slow; });
+    auto reading = std::async(std::launch::async, [this] { return Evaluate("published.Device.Level"); });
+    slow.entered.get_future().wait();
+    bool wasInside = false;
+    accessors.Replace([&] {
+        wasInside = !slow.gone;
+        slow.leave.set_value();
+    });
+    EXPECT_TRUE(wasInside) << "the host may wait for the replacement";
+    EXPECT_EQ(reading.get(), "1");
+    accessors.Replace([&] { EXPECT_TRUE(slow.gone); });
+}
+
+TEST_F(Accessors, InsideOneAnotherDoNotWaitForAReplacementThatWaitsForThem) {
+    TypedValue& value = GivenDeviceVariable("Level", KXP_INTEGER_DATA, "1");
+    std::future<void> replacing;
+    const auto replace = [](QScriptContext*, QScriptEngine*, void* start) {
+        (*static_cast<std::function<void()>*>(start))();
+        return QScriptValue();
+    };
+    std::function<void()> start = [&] {
+        replacing = std::async(std::launch::async, [this] { accessors.Replace([] {}); });
+    };
+    engine.globalObject().setProperty(QStringLiteral("replace"), engine.newFunction(replace, &start));
+    Run("({ Device: { Level: 0 } })");
+    Evaluate("published.Device.Level = { valueOf: function() { replace(); return published.Device.Level + 1 } }");
+    replacing.wait();
+    EXPECT_EQ(value.Text(), "2");
 }
 
 TEST_F(Accessors, DoNotTouchTheHostOnceItIsClosed) {
