@@ -12,12 +12,14 @@ QString DownloadTarget(const QString& path, const QUrl& address) {
     return QFileInfo(plain).fileName().isEmpty() ? QString() : QDir::toNativeSeparators(plain);
 }
 
+/// Half a film is none.
 bool WriteDownload(const QString& target, const QByteArray& bytes) {
     const QFileInfo before(target);
     if (before.exists() && !before.isFile())
         return false;
     QFile file(target);
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+    if (file.open(QIODevice::WriteOnly) && (file.write(bytes) != bytes.size() || !file.flush()))
+        file.remove();
     file.close();
-    return written && QFileInfo(target).isFile();
+    return QFileInfo(target).isFile();
 }

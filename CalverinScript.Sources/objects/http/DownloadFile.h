@@ -12,6 +12,8 @@
 /// @return "" when the path names no file.
 QString DownloadTarget(const QString& path, const QUrl& address);
 
-/// Replaces the content of a file. Writes to nothing but plain files: opening a pipe or a device could block for ever.
-/// @return false when the bytes are not all in a plain file of that path.
+/// Replaces the content of a file. Writes to nothing but plain files: opening a pipe or a device could block for ever. A file that does
+/// not take all the bytes is removed.
+/// @return whether there is a plain file of that path then. One that was there and cannot be opened for writing stays as it is, and
+/// counts.
 bool WriteDownload(const QString& target, const QByteArray& bytes);

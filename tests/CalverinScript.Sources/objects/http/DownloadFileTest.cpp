@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace {
@@ -15,6 +17,29 @@ protected:
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
     }
+
+    /// While it lives the system refuses more of something.
+    class Limited {
+    public:
+        Limited(decltype(RLIMIT_FSIZE) what, rlim_t most)
+            : m_what(what)
+            , m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
+            ::getrlimit(m_what, &m_before);
+            const rlimit less{most, m_before.rlim_max};
+            ::setrlimit(m_what, &less);
+        }
+        ~Limited() {
+            ::setrlimit(m_what, &m_before);
+            std::signal(SIGXFSZ, m_handler);
+        }
+        Limited(const Limited&) = delete;
+        Limited& operator=(const Limited&) = delete;
+
+    private:
+        const decltype(RLIMIT_FSIZE) m_what;
+        void (*const m_handler)(int);
+        rlimit m_before{};
+    };
 
     QTemporaryDir folder;
     const QUrl address{QStringLiteral("http://h/films/a%20film.mpg?take=2")};
@@ -62,7 +87,26 @@ TEST_F(Downloads, NeverWaitAtAPipeThatNobodyReads) {
     EXPECT_FALSE(WriteDownload(pipe, "x"));
 }
 
-TEST_F(Downloads, ThatDoNotFitAreRefused) {
+TEST_F(Downloads, NeverGoToADevice) {
     ASSERT_TRUE(QFile::link(QStringLiteral("/dev/full"), In("full")));
     EXPECT_FALSE(WriteDownload(In("full"), "x"));
+}
+
+TEST_F(Downloads, ThatDoNotFitLeaveNoHalfOfAFile) {
+    const Limited files(RLIMIT_FSIZE, 1000);
+    ASSERT_TRUE(WriteDownload(In("old"), "it fits"));
+    for (const char* name : {"new", "old"}) {
+        EXPECT_FALSE(WriteDownload(In(name), QByteArray(100000, 'x'))) << name;
+        EXPECT_FALSE(QFile::exists(In(name))) << name;
+    }
+}
+
+TEST_F(Downloads, CountAsDoneOverAFileThatCannotBeOpenedAsItIsMeant) {
+    ASSERT_TRUE(WriteDownload(In("old"), "an old film"));
+    {
+        const Limited descriptors(RLIMIT_NOFILE, 0);
+        EXPECT_TRUE(WriteDownload(In("old"), "a new film"));
+        EXPECT_FALSE(WriteDownload(In("new"), "a new film"));
+    }
+    EXPECT_EQ(Content(In("old")), "an old film");
 }
