@@ -1,13 +1,16 @@
 #include "MHTTPClient.h"
 
+#include <algorithm>
+
 #include "Descriptors.h"
 #include "DownloadFile.h"
 #include "HttpErrors.h"
+#include "HttpPassage.h"
 #include "HttpRequest.h"
 
 namespace {
 
-constexpr int kDescriptorsOfRequest = 16; ///< sockets, look-ups and the event loops behind them, with some to spare
+constexpr int kDescriptorsOfRequest = 20; ///< sockets, look-ups and the event loops behind them, with some to spare
 constexpr int kPercent = 100;
 constexpr const char* kAnswered = "challengeAnswered";
 
@@ -26,10 +29,10 @@ QByteArray HeaderListOf(const QNetworkReply& reply) {
 
 MHTTPClient::MHTTPClient(qint64 maxAnswerBytes)
     : maxBytes(maxAnswerBytes) {
-    if (QNetworkProxyFactory::usesSystemConfiguration())
-        setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
+    setProxyFactory(new HttpGateRoute(gate)); // which the manager owns
     setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
     connect(this, &QNetworkAccessManager::finished, this, &MHTTPClient::SlotDestroyNAMReply);
+    connect(&gate, &HttpGate::SignalServerSpoke, this, &MHTTPClient::SlotServerSpoke);
 }
 
 MHTTPClient::~MHTTPClient() {
@@ -171,6 +174,23 @@ void MHTTPClient::SlotBodyGrows() {
         Fail(kHttpUnknownContentError);
     Silence(growing);
     growing->abort();
+}
+
+/// A connection has one request at a time, and which one is not told. So it is the headers that have no end only while no request
+/// is past its own.
+void MHTTPClient::SlotServerSpoke(HttpPassage* passage, qint64 unanswered) {
+    if (unanswered <= kMaxHttpHeaderBytes || AnyBodyIsComing())
+        return;
+    if (lpReply != nullptr)
+        Fail(kHttpUnknownContentError);
+    passage->Cut();
+}
+
+bool MHTTPClient::AnyBodyIsComing() const {
+    const QList<QNetworkReply*> replies = findChildren<QNetworkReply*>();
+    return std::any_of(replies.begin(), replies.end(), [](const QNetworkReply* reply) {
+        return !reply->isFinished() && reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
+    });
 }
 
 /// Forgets the download and the current request, then answers.

@@ -9,9 +9,16 @@
 #include <QNetworkRequest>
 #include <QString>
 
+#include "HttpGate.h"
+
 /// The most bytes of one answer, after unpacking. A server that sends without end would otherwise take the process's memory
 /// before anybody hears of it; an answer that grows larger is broken off with the number 299.
 inline constexpr qint64 kMaxHttpAnswerBytes = qint64(1) << 30;
+
+/// The most bytes that a server may send before its headers are complete. It is more than the system's buffers hold between the gate
+/// and the network library (6 MB at most unless it is told otherwise, twice while they are emptied): a body that is on its way
+/// behind headers which nobody has read yet must not count.
+inline constexpr qint64 kMaxHttpHeaderBytes = qint64(16) << 20;
 
 /// The network manager of one HTTP object of a script. It lives on that object's own thread, and all of it is used there.
 ///
@@ -19,7 +26,8 @@ inline constexpr qint64 kMaxHttpAnswerBytes = qint64(1) << 30;
 /// last, which is given up then. Who wants one answer for each request waits for it before the next.
 ///
 /// Redirects are handed to the script, not followed. There is no time-out. The proxy is the one that the host process has set
-/// for itself; what the computer's environment names as proxy does not divert the traffic of a show.
+/// for itself; what the computer's environment names as proxy does not divert the traffic of a show. Without a proxy all
+/// connections pass an HttpGate, where endless headers are cut.
 class MHTTPClient : public QNetworkAccessManager {
     Q_OBJECT
 
@@ -62,16 +70,19 @@ private Q_SLOTS:
     /// Answers 4. No clock leads here: a request waits as long as its server lets it.
     void SlotTimeOut();
     void SlotBodyGrows();
+    void SlotServerSpoke(HttpPassage* passage, qint64 unanswered);
 
 private:
     template <typename Verb>
     void Begin(const QNetworkRequest& request, Verb verb);
     bool MayBegin(const QNetworkRequest& request);
+    bool AnyBodyIsComing() const;
     void Silence(QNetworkReply* reply);
     void ReleaseReply();
     void Fail(int error, int status = 0, const QByteArray& body = QByteArray());
 
     const qint64 maxBytes;
+    HttpGate gate;
     QNetworkReply* lpReply = nullptr;    ///< the last request, child of the manager
     std::unique_ptr<QString> lpDownload; ///< where its body goes; null when it goes to the script
     QString sUser;

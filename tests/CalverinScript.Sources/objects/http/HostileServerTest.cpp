@@ -1,5 +1,6 @@
 #include <QDir>
 #include <QFile>
+#include <QSemaphore>
 
 #include "HttpFixture.h"
 #include "MThreadHTTPClient.h"
@@ -171,6 +172,44 @@ TEST_F(HostileServers, CredentialsThatAreRefusedAreNotOfferedForEver) {
     EXPECT_LE(requests, 3);
 }
 
+/// A server that asks for credentials when it is told to, and takes those of Ada.
+class WaitingDoorman {
+public:
+    HostileServer::Behaviour Behaviour() {
+        return [this](Peer& peer) {
+            peer.ReadRequest();
+            m_asked.acquire();
+            peer.Send("HTTP/1.1 401 No\r\nWWW-Authenticate: Basic realm=\"x\"\r\nContent-Length: 0\r\n\r\n");
+            const bool known = peer.ReadRequest().find("Authorization: Basic YWRhOmVuZ2luZQ==") != std::string::npos;
+            peer.Send(known ? "HTTP/1.1 200 OK\r\nContent-Length: 7\r\n\r\nwelcome"
+                            : "HTTP/1.1 403 No\r\nContent-Length: 0\r\n\r\n");
+        };
+    }
+    void Ask() { m_asked.release(); }
+
+private:
+    QSemaphore m_asked;
+};
+
+TEST_F(HostileServers, ThePairOfTheLastRequestAnswersEveryLaterChallenge) {
+    WaitingDoorman doorman;
+    const HostileServer server(doorman.Behaviour());
+    Run("client.get(" + Quoted(server.Address()) + ", '', '', 0, 'ada', 'wrong')");
+    Run("client.post(" + Quoted(server.Address()) + ", '', 5, '', 0, 'ada', 'engine')");
+    doorman.Ask();
+    EXPECT_EQ(keeper.NextAnswer().data, "welcome") << "a body that is not sent sets the pair all the same";
+    EXPECT_EQ(server.Connections(), 1);
+}
+
+TEST_F(HostileServers, ARequestWithoutAPairClearsThatOfTheOneBefore) {
+    WaitingDoorman doorman;
+    const HostileServer server(doorman.Behaviour());
+    Run("client.get(" + Quoted(server.Address()) + ", '', '', 0, 'ada', 'engine')");
+    Run("client.post(" + Quoted(server.Address()) + ", '', 5)");
+    doorman.Ask();
+    EXPECT_NE(keeper.NextAnswer().code, 0);
+}
+
 TEST_F(HostileServers, ASilentServerDoesNotKeepTheClient) {
     HostileServer server([](Peer& peer) { peer.WaitForClose(); });
     Run("client.get(" + Quoted(server.Address()) + ")");
@@ -205,25 +244,111 @@ TEST_F(HostileServers, AStreamWithoutEndDoesNotKeepTheClient) {
     EXPECT_TRUE(server.WaitUntilAllClosed());
 }
 
-/// The network library reads such headers on a thread of its own, which looks up no sooner than when the server pauses.
-TEST_F(HostileServers, HeadersWithoutEndDoNotKeepTheClientAndWhatReadsThemGoesWithTheServer) {
-    auto server = std::make_unique<HostileServer>([](Peer& peer) {
+/// What never becomes a complete head of an answer: headers, a header, a first line, and answers that only promise another.
+static const std::pair<const char*, const char*> kHeadsWithoutEnd[] = {
+    {"HTTP/1.1 200 OK\r\n", "X-More: and more\r\n"},
+    {"HTTP/1.1 200 OK\r\nX-Long: ", "and longer "},
+    {"HTTP/1.1 200 ", "indeed "},
+    {"", "HTTP/1.1 100 Continue\r\n\r\n"},
+};
+
+static std::string Repeated(const std::string& text, std::size_t size) {
+    std::string many;
+    while (many.size() < size)
+        many += text;
+    return many;
+}
+
+/// What the process has in memory, in bytes.
+static qint64 ResidentBytes() {
+    QFile file(QStringLiteral("/proc/self/statm"));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').value(1).toLongLong() * 4096 : -1;
+}
+
+static bool NoThreadIsLeft() {
+    const auto deadline = std::chrono::steady_clock::now() + kHttpDeadline;
+    while (MThreadHTTPClient::SweepRetired() != 0 && std::chrono::steady_clock::now() < deadline)
+        QThread::yieldCurrentThread();
+    return MThreadHTTPClient::SweepRetired() == 0;
+}
+
+TEST_F(HostileServers, AHeadWithoutEndIsCutAndAnswered) {
+    for (const auto& [opening, rest] : kHeadsWithoutEnd) {
+        const std::string block = Repeated(rest, 65536);
+        const char* first = opening;
+        HostileServer server([&block, first](Peer& peer) {
+            peer.ReadRequest();
+            peer.Send(first);
+            while (peer.Send(block)) {
+            }
+        });
+        const qint64 before = ResidentBytes();
+        const Answer answer = Get(server);
+        EXPECT_EQ(answer.code, 299) << opening << rest;
+        EXPECT_EQ(answer.status, 0);
+        EXPECT_EQ(answer.headers, "");
+        EXPECT_EQ(answer.data, "");
+        EXPECT_TRUE(server.WaitUntilAllClosed()) << rest;
+        EXPECT_LT(ResidentBytes() - before, qint64(128) << 20U) << rest;
+        EXPECT_EQ(server.Connections(), 1) << "it is not asked again";
+    }
+    const HostileServer good([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
+    });
+    EXPECT_EQ(Get(good).data, "ok") << "the client goes on";
+    EXPECT_EQ(keeper.AnswersLeft(), 0U);
+}
+
+TEST_F(HostileServers, HeadersWithoutEndKeepNeitherTheClientNorItsThreads) {
+    HostileServer server([](Peer& peer) {
         peer.ReadRequest();
         peer.Send("HTTP/1.1 200 OK\r\n");
         while (peer.Send("X-More: and more\r\n")) {
         }
     });
-    Run("client.get(" + Quoted(server->Address()) + ")");
-    ASSERT_TRUE(server->WaitForConnections(1));
+    Run("client.get(" + Quoted(server.Address()) + ")");
+    ASSERT_TRUE(server.WaitForConnections(1));
     const auto begin = std::chrono::steady_clock::now();
     EndClient();
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
     EXPECT_EQ(keeper.AnswersLeft(), 0U);
-    server.reset();
-    const auto deadline = std::chrono::steady_clock::now() + kHttpDeadline;
-    while (MThreadHTTPClient::SweepRetired() != 0 && std::chrono::steady_clock::now() < deadline)
-        QThread::yieldCurrentThread();
-    EXPECT_EQ(MThreadHTTPClient::SweepRetired(), 0U);
+    EXPECT_TRUE(NoThreadIsLeft()) << "though the server goes on";
+    EXPECT_TRUE(server.WaitUntilAllClosed());
+}
+
+TEST_F(HostileServers, LongHeadersAreReadWhole) {
+    const std::string value(1000000, 'v');
+    const HostileServer server([&value](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nX-Long: " + value + "\r\nContent-Length: 2\r\n\r\nok");
+    });
+    const Answer answer = Get(server);
+    EXPECT_EQ(answer.code, 0);
+    EXPECT_EQ(answer.headers, "X-Long:" + value + "\r\nContent-Length:2");
+}
+
+TEST_F(HostileServers, ABodyBehindItsHeadersIsNeverTakenForHeaders) {
+    const std::string film(50000000, 'f');
+    const HostileServer server([&film](Peer& peer) {
+        while (!peer.ReadRequest().empty())
+            peer.Send("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(film.size()) + "\r\n\r\n" + film);
+    });
+    for (int i = 0; i < 4; ++i) {
+        const Answer answer = Get(server);
+        EXPECT_EQ(answer.code, 0);
+        EXPECT_EQ(answer.data.size(), static_cast<int>(film.size()));
+    }
+}
+
+TEST_F(HostileServers, AConnectionIsKeptForTheNextRequest) {
+    const HostileServer server([](Peer& peer) {
+        while (!peer.ReadRequest().empty())
+            peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
+    });
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(Get(server).data, "ok");
+    EXPECT_EQ(server.Connections(), 1);
 }
 
 TEST_F(HostileServers, AHundredClientsLeaveNeitherThreadsNorDescriptors) {

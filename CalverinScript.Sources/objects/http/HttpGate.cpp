@@ -1,0 +1,59 @@
+#include "HttpGate.h"
+
+#include <chrono>
+
+#include <QTimer>
+#include <QUuid>
+
+#include "HttpPassage.h"
+
+namespace {
+
+constexpr std::chrono::milliseconds kAcceptPause(100);
+
+QByteArray User() {
+    return QByteArrayLiteral("gate");
+}
+
+} // namespace
+
+HttpGate::HttpGate()
+    : password(QUuid::createUuid().toByteArray(QUuid::Id128)) {
+    listener.setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
+    connect(&listener, &QTcpServer::newConnection, this, &HttpGate::SlotNewConnection);
+    connect(&listener, &QTcpServer::acceptError, this, &HttpGate::SlotAcceptFailed);
+}
+
+/// Names stay the business of the network library, which tells more about those that it does not find.
+QNetworkProxy HttpGate::GetProxy() {
+    if (!listener.isListening() && !listener.listen(QHostAddress::LocalHost))
+        return QNetworkProxy(QNetworkProxy::NoProxy);
+    QNetworkProxy proxy(QNetworkProxy::Socks5Proxy, QStringLiteral("127.0.0.1"), listener.serverPort(),
+                        QString::fromLatin1(User()), QString::fromLatin1(password));
+    proxy.setCapabilities(QNetworkProxy::TunnelingCapability);
+    return proxy;
+}
+
+void HttpGate::SlotNewConnection() {
+    while (QTcpSocket* const client = listener.nextPendingConnection()) {
+        const auto* const passage = new HttpPassage(client, User(), password, this);
+        connect(passage, &HttpPassage::SignalServerSpoke, this, &HttpGate::SignalServerSpoke);
+    }
+}
+
+/// Without a free descriptor the listener pauses. There will be one again.
+void HttpGate::SlotAcceptFailed() {
+    QTimer::singleShot(kAcceptPause, &listener, &QTcpServer::resumeAccepting);
+}
+
+HttpGateRoute::HttpGateRoute(HttpGate& gate)
+    : m_gate(gate) {}
+
+QList<QNetworkProxy> HttpGateRoute::queryProxy(const QNetworkProxyQuery& query) {
+    if (!usesSystemConfiguration()) {
+        const QList<QNetworkProxy> proxies = proxyForQuery(query);
+        if (!proxies.isEmpty() && proxies.first().type() != QNetworkProxy::NoProxy)
+            return proxies;
+    }
+    return {m_gate.GetProxy()};
+}

@@ -1,0 +1,205 @@
+#include "HttpPassage.h"
+
+#include <QNetworkProxy>
+#include <QtEndian>
+
+namespace {
+
+constexpr qint64 kAhead = 65536; ///< bytes that wait here for each side
+
+// RFC 1928 and RFC 1929
+constexpr char kVersion = 5;
+constexpr char kByPassword = 2;
+constexpr char kPasswordVersion = 1;
+constexpr char kConnect = 1;
+constexpr char kAddress4 = 1;
+constexpr char kAddress6 = 4;
+constexpr int kAddressAt = 4;
+constexpr int kAddress4Size = 4;
+constexpr int kAddress6Size = 16;
+constexpr int kPortSize = 2;
+constexpr char kSucceeded = 0;
+constexpr char kNotAllowed = 2;
+constexpr char kUnreachable = 3;
+constexpr char kRefused = 5;
+
+/// A text with its length before it.
+QByteArray Counted(const QByteArray& text) {
+    return QByteArray(1, static_cast<char>(text.size())) + text;
+}
+
+qint64 Forward(QTcpSocket& from, QTcpSocket& to) {
+    qint64 moved = 0;
+    while (from.bytesAvailable() > 0 && to.bytesToWrite() < kAhead) {
+        moved += to.write(from.read(kAhead));
+        to.flush();
+    }
+    return moved;
+}
+
+/// What came before the end still goes out.
+void ForwardTheRest(QTcpSocket& from, QTcpSocket& to) {
+    if (to.state() != QAbstractSocket::ConnectedState)
+        return;
+    to.write(from.readAll());
+    to.disconnectFromHost();
+}
+
+} // namespace
+
+HttpPassage::HttpPassage(QTcpSocket* clientSocket, const QByteArray& user, const QByteArray& password, QObject* parent)
+    : QObject(parent)
+    , client(clientSocket)
+    , credentials(kPasswordVersion + Counted(user) + Counted(password)) {
+    client->setParent(this);
+    client->setReadBufferSize(kAhead);
+    client->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, kAhead);
+    client->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    server.setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
+    server.setReadBufferSize(kAhead);
+    connect(client, &QTcpSocket::readyRead, this, &HttpPassage::SlotClientSpoke);
+    connect(client, &QTcpSocket::bytesWritten, this, &HttpPassage::SlotServerSpoke);
+    connect(client, &QTcpSocket::disconnected, this, &HttpPassage::SlotClientGone);
+    connect(&server, &QTcpSocket::connected, this, &HttpPassage::SlotServerThere);
+    connect(&server, &QTcpSocket::readyRead, this, &HttpPassage::SlotServerSpoke);
+    connect(&server, &QTcpSocket::bytesWritten, this, &HttpPassage::SlotClientSpoke);
+    connect(&server, &QTcpSocket::disconnected, this, &HttpPassage::SlotServerGone);
+    connect(&server, &QTcpSocket::errorOccurred, this, &HttpPassage::SlotServerFailed);
+    SlotClientSpoke();
+}
+
+HttpPassage::~HttpPassage() {
+    StopListening();
+}
+
+void HttpPassage::Cut() {
+    StopListening();
+    client->abort();
+    server.abort();
+    deleteLater();
+}
+
+/// Sockets that are closed here tell of it, which nobody may hear any more.
+void HttpPassage::StopListening() {
+    client->disconnect(this);
+    server.disconnect(this);
+}
+
+void HttpPassage::SlotClientSpoke() {
+    if (state == State::Greeting && !ReadGreeting())
+        return;
+    if (state == State::Password && !ReadPassword())
+        return;
+    if (state == State::Address && !ReadAddress())
+        return;
+    if (state == State::Open && Forward(*client, server) > 0)
+        unanswered = 0;
+}
+
+void HttpPassage::SlotServerSpoke() {
+    if (state != State::Open)
+        return;
+    const qint64 moved = Forward(server, *client);
+    unanswered += moved;
+    if (moved > 0)
+        Q_EMIT SignalServerSpoke(this, unanswered);
+}
+
+bool HttpPassage::Peek(int size, QByteArray& bytes) {
+    bytes = client->peek(size);
+    return bytes.size() == size;
+}
+
+/// The methods that the client knows: by password must be among them.
+bool HttpPassage::ReadGreeting() {
+    QByteArray greeting;
+    if (!Peek(2, greeting))
+        return false;
+    const bool speaksIt = greeting[0] == kVersion;
+    if (speaksIt && !Peek(2 + static_cast<unsigned char>(greeting[1]), greeting))
+        return false;
+    if (!speaksIt || greeting.indexOf(kByPassword, 2) < 0) {
+        Cut();
+        return false;
+    }
+    client->skip(greeting.size());
+    client->write(QByteArray(1, kVersion) + kByPassword);
+    state = State::Password;
+    return true;
+}
+
+bool HttpPassage::ReadPassword() {
+    QByteArray shown;
+    if (!Peek(credentials.size(), shown))
+        return false;
+    if (shown != credentials) {
+        Cut();
+        return false;
+    }
+    client->skip(shown.size());
+    client->write(QByteArray(1, kPasswordVersion) + kSucceeded);
+    state = State::Address;
+    return true;
+}
+
+/// Names were looked up before.
+bool HttpPassage::ReadAddress() {
+    QByteArray request;
+    if (!Peek(kAddressAt, request))
+        return false;
+    const int size = request[kAddressAt - 1] == kAddress6 ? kAddress6Size : kAddress4Size;
+    const bool known = size == kAddress6Size || request[kAddressAt - 1] == kAddress4;
+    if (request[0] != kVersion || request[1] != kConnect || !known) {
+        Cut();
+        return false;
+    }
+    if (!Peek(kAddressAt + size + kPortSize, request))
+        return false;
+    client->skip(request.size());
+    const char* const bytes = request.constData() + kAddressAt;
+    const QHostAddress address = size == kAddress6Size ? QHostAddress(reinterpret_cast<const quint8*>(bytes))
+                                                       : QHostAddress(qFromBigEndian<quint32>(bytes));
+    state = State::Connecting;
+    server.connectToHost(address, qFromBigEndian<quint16>(bytes + size));
+    return true;
+}
+
+/// The address from which we have connected does not matter to the client.
+void HttpPassage::Answer(char result) {
+    client->write(QByteArray(1, kVersion) + result + '\0' + kAddress4 + QByteArray(kAddress4Size + kPortSize, '\0'));
+}
+
+void HttpPassage::SlotServerThere() {
+    server.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    server.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+    Answer(kSucceeded);
+    state = State::Open;
+    SlotClientSpoke();
+}
+
+/// The client has a clock of its own for a server that does not answer, and tells of it by itself.
+void HttpPassage::SlotServerFailed(QAbstractSocket::SocketError error) {
+    if (state != State::Connecting || error == QAbstractSocket::SocketTimeoutError)
+        return;
+    const char elsewhere = error == QAbstractSocket::SocketAccessError ? kNotAllowed : kUnreachable;
+    Answer(error == QAbstractSocket::ConnectionRefusedError ? kRefused : elsewhere);
+    client->disconnectFromHost();
+}
+
+void HttpPassage::SlotClientGone() {
+    if (server.state() == QAbstractSocket::ConnectedState)
+        ForwardTheRest(*client, server);
+    else
+        server.abort();
+    EndWhenBothAreGone();
+}
+
+void HttpPassage::SlotServerGone() {
+    ForwardTheRest(server, *client);
+    EndWhenBothAreGone();
+}
+
+void HttpPassage::EndWhenBothAreGone() {
+    if (client->state() == QAbstractSocket::UnconnectedState && server.state() == QAbstractSocket::UnconnectedState)
+        deleteLater();
+}

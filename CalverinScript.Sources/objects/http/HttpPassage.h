@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHostAddress>
+#include <QObject>
+#include <QTcpSocket>
+
+/// One connection of a client through an HttpGate: the client asks by SOCKS 5 (RFC 1928) with user and password (RFC 1929), then
+/// bytes pass both ways as they come. Little is kept here: who reads slowly slows the other side down. The end of one side is
+/// the end of the other, after all that came before it.
+///
+/// It deletes itself when both sides are gone.   [all: http]
+class HttpPassage : public QObject {
+    Q_OBJECT
+
+public:
+    /// @param client a connection that was accepted; becomes a child.
+    HttpPassage(QTcpSocket* client, const QByteArray& user, const QByteArray& password, QObject* parent);
+    ~HttpPassage() override;
+
+    /// Ends both sides at once.
+    void Cut();
+
+Q_SIGNALS:
+    /// More bytes came from the server. @param unanswered all that came since the client has said something.
+    void SignalServerSpoke(HttpPassage* passage, qint64 unanswered);
+
+private Q_SLOTS:
+    void SlotClientSpoke();
+    void SlotServerSpoke();
+    void SlotClientGone();
+    void SlotServerGone();
+    void SlotServerThere();
+    void SlotServerFailed(QAbstractSocket::SocketError error);
+
+private:
+    enum class State { Greeting, Password, Address, Connecting, Open };
+
+    bool ReadGreeting();
+    bool ReadPassword();
+    bool ReadAddress();
+    bool Peek(int size, QByteArray& bytes);
+    void Answer(char result);
+    void StopListening();
+    void EndWhenBothAreGone();
+
+    QTcpSocket* const client; ///< child
+    QTcpSocket server;
+    const QByteArray credentials; ///< what the client has to show, as it travels
+    State state = State::Greeting;
+    qint64 unanswered = 0;
+};
