@@ -32,7 +32,7 @@ endif()
 
 # What the sanitizers need at run time, for every test.
 set(CALVERIN_SANITIZER_ENVIRONMENT
-    "ASAN_OPTIONS=detect_stack_use_after_return=1:fast_unwind_on_malloc=0"
+    "ASAN_OPTIONS=detect_stack_use_after_return=1"
     "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/lsan.supp:print_suppressions=0"
     "UBSAN_OPTIONS=print_stacktrace=1"
     "TSAN_OPTIONS=ignore_noninstrumented_modules=1:suppressions=${CMAKE_SOURCE_DIR}/cmake/tsan.supp")

@@ -23,7 +23,7 @@
 
 namespace plain {
 
-constexpr int kDeadlineMs = 10000;
+constexpr int kDeadlineMs = 20000;
 
 /// A value of one type behind a lock; anybody may wait for its next text.
 class Value : public IObjectParam {

@@ -7,6 +7,7 @@
 #include <QScriptEngine>
 #include <QThread>
 
+#include "Deadline.h"
 #include "HostText.h"
 
 void TestModule::GetConfigFilePath(char* buffer) {
@@ -69,6 +70,10 @@ std::string DeviceFixture::Call(const std::string& function, const std::vector<s
     if (code != KXP_OK)
         return "(code " + std::to_string(code) + ")";
     return context.WaitForEnd() ? params->At(1).Text() : "(no end)";
+}
+
+bool DeviceFixture::NothingIsPending() const {
+    return Eventually([this] { return device->GetStackCount() == 0; });
 }
 
 void DeviceFixture::TellWhenInside(plain::Value& inside) {

@@ -54,6 +54,8 @@ protected:
     std::string Error() const { return variables.error.Text(); }
     /// Runs work on the script thread and waits for it.
     void OnScriptThread(const std::function<void()>& work);
+    /// @return whether the count of commands falls to 0, which it does only after the last one has told its end.
+    bool NothingIsPending() const;
     /// Gives the script a function `inside` that sets the value to "yes".
     void TellWhenInside(plain::Value& inside);
     std::string WriteFile(const std::string& name, const std::string& content);
