@@ -104,7 +104,7 @@ TEST_F(BridgeHandler, TracesNothingWhileTheLogIsOff) {
     EXPECT_TRUE(Recorded().lines.empty());
 }
 
-TEST_F(BridgeHandler, KnowsNoScriptObjectsYetSoNoneIsLive) {
+TEST_F(BridgeHandler, TakesNoObjectForOneThatIsNotLive) {
     MakeWith(&device, &newer);
     EXPECT_FALSE(remote->IsLiveObject(nullptr));
 }

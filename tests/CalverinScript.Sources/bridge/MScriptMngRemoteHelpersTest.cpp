@@ -163,19 +163,44 @@ TEST_F(InAScript, TimersAreTheDevices) {
     alone.ClearTimeout(1);
 }
 
-TEST_F(InAScript, WrongTypesNeverThrow) {
+/// Every entry of every method, each argument being this.
+std::vector<std::string> CallsWith(const std::string& argument, int further = 0) {
+    std::vector<std::string> calls;
     const QMetaObject& meta = MScriptMngRemote::staticMetaObject;
-    for (const char* odd : {"undefined", "null", "true", "-1.5", "NaN", "'x'", "{}", "[1]", "new Date(0)", "QCalverin"})
-        for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
-            const QMetaMethod entry = meta.method(i);
-            std::string list;
-            for (int n = 0; n < entry.parameterCount(); ++n)
-                list += (n > 0 ? "," : "") + std::string(odd);
-            const std::string call = "QCalverin." + entry.name().toStdString() + "(" + list + ")";
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        std::string list;
+        for (int n = 0; n < meta.method(i).parameterCount() + further; ++n)
+            list += (n > 0 ? "," : "") + argument;
+        calls.push_back("QCalverin." + meta.method(i).name().toStdString() + "(" + list + ")");
+    }
+    return calls;
+}
+
+class OddArguments : public InAScript, public testing::WithParamInterface<const char*> {
+protected:
+    OddArguments() { engine.globalObject().setProperty(QStringLiteral("longText"), QString(100000, QLatin1Char('x'))); }
+    void ThenNothingThrows(const std::vector<std::string>& calls) {
+        for (const std::string& call : calls) {
             EXPECT_FALSE(engine.evaluate(QString::fromStdString(call)).isError()) << call;
             EXPECT_FALSE(engine.hasUncaughtException()) << call;
             engine.clearExceptions();
         }
+    }
+};
+
+TEST_P(OddArguments, NeverThrowHoweverManyTheyAre) {
+    for (MScriptMngRemote* bridge : {&remote, &onOlder, &onNone}) {
+        Offer(*bridge);
+        ThenNothingThrows(CallsWith(GetParam()));
+        ThenNothingThrows(CallsWith(GetParam(), 1));
+        ThenNothingThrows(CallsWith(GetParam(), 20));
+    }
 }
+
+// Wrong types, and texts: beyond Latin-1, beyond 16 bits, half a character, with a NUL, long.
+INSTANTIATE_TEST_SUITE_P(OfEachKind, OddArguments,
+                         testing::Values("undefined", "null", "true", "-1.5", "NaN", "1e300", "'x'", "{}", "[1]",
+                                         "new Date(0)", "QCalverin", "function () {}", "/x/", "new Error('x')",
+                                         "'\\u20ac\\u0142'", "'\\ud83d\\ude00'", "'\\ud83d'", "'a\\0b'", "longText"));
 
 } // namespace
