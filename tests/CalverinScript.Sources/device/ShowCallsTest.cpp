@@ -41,6 +41,33 @@ protected:
     std::vector<std::thread> threads;
 };
 
+TEST_F(ShowCalls, EachLoadRegistersTheGrantedGroupAnewWhenTheSetupSaysSo) {
+    remote.code = KXP_OK;
+    const std::vector<std::string> anew = {"UnregisterGroup|-", "SetHandler", "RegisterGroup|GrantedRootGroup|"};
+    GivenScript("({})");
+    EXPECT_EQ(remote.calls, anew);
+    remote.calls.clear();
+    WhenTextIsLoaded("({ F: function() {} })");
+    EXPECT_EQ(remote.calls, anew);
+    remote.calls.clear();
+    device->SetRegisterAllUserGroups(false);
+    WhenTextIsLoaded("({})");
+    EXPECT_EQ(remote.calls, std::vector<std::string>{"UnregisterGroup|-"});
+}
+
+TEST_F(ShowCalls, AValueThatChangesInsideAFunctionReachesTheScriptBehindIt) {
+    GivenScript("({ seen: 'nothing', inside: false, Go: function() { var me = this;"
+                "     QCalverin.OnVariableChange(function() { me.seen = me.inside ? 'inside' : 'behind' }) },"
+                "   Ask: function() { this.inside = true; QCalverin.Perform('O', 'A'); var end = Date.now() + 60;"
+                "     while (Date.now() < end) {} this.inside = false; return this.seen },"
+                "   Get: function() { return this.seen } })");
+    remote.code = KXP_OK;
+    Call("Go");
+    answer = [this](IExecContext2*) { device->GetRemote()->OnPropertyChange("v", "Value", "1", 0, 0); };
+    EXPECT_EQ(Call("Ask"), "nothing");
+    EXPECT_TRUE(Becomes("Get", "behind"));
+}
+
 const char* const kAsync =
     "({ got: [], Ask: function() { var me = this;"
     "     return QCalverin.PerformAsync(function() { me.got.push(arguments.length + ':' + arguments[0]) }, 'O', 'A') },"
