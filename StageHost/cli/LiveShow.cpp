@@ -43,6 +43,7 @@ struct LiveShow::Row {
 const LiveShow::Row LiveShow::kRows[] = {
     {"set", "NAME VALUE", "gives a variable a value", 2, 2, &LiveShow::Set},
     {"get", "NAME", "shows a variable", 1, 1, &LiveShow::Get},
+    {"list", "", "shows what the show has: devices, tasks, variables and so on", 0, 0, &LiveShow::List},
     {"send", "DEVICE COMMAND [PARAM=VALUE...]", "sends a command and waits for its end", 2, -1, &LiveShow::SendLine},
     {"stored", "NAME", "sends a stored command and waits for its end", 1, 1, &LiveShow::StoredLine},
     {"task", "NAME start|pause|stop", "works a task", 2, 2, &LiveShow::TaskLine},
@@ -94,6 +95,15 @@ LineOutcome LiveShow::Set(const QStringList& words) {
 LineOutcome LiveShow::Get(const QStringList& words) {
     const auto variable = session_.TheHost().Variables().Find(ToBorderText(words.at(0)));
     return variable ? LineOutcome{kExitOk, FromBorderText(variable->Text())} : NoVariable(words.at(0));
+}
+
+LineOutcome LiveShow::List(const QStringList&) {
+    QStringList lines;
+    for (const auto& kind : kObjectKinds) {
+        for (const auto& object : session_.TheHost().Model().Top(kind.kind))
+            lines += QStringLiteral("%1  %2").arg(QLatin1String(kind.name), -10).arg(FromBorderText(object->Name()));
+    }
+    return {kExitOk, lines.join(QLatin1Char('\n'))};
 }
 
 LineOutcome LiveShow::SendLine(const QStringList& words) {

@@ -84,6 +84,19 @@ TEST_F(Watching, SendsCommandsAndShowsValues) {
     EXPECT_EQ(host.ExitCode(), 0);
 }
 
+TEST_F(Watching, ListsWhatTheShowHas) {
+    Say("list\n");
+    EXPECT_EQ(host.Output(), Text("Device      desk\n"
+                                  "Task        Overture\n"
+                                  "Cue         Thunder\n"
+                                  "Variable    A name\n"
+                                  "Variable    Level\n"
+                                  "Variable    Mood\n"
+                                  "Variable    desk.Error\n"
+                                  "Variable    desk.ScriptFunctions\n"
+                                  "Variable    desk.Status\n"));
+}
+
 TEST_F(Watching, TellsWhatALineCannotDoAndGoesOn) {
     const std::pair<const char*, const char*> lines[] = {
         {"fly", "there is no \"fly\""},
