@@ -148,6 +148,8 @@ private:
     std::uint32_t MillisecondsToNextAttempt() const;
     void Serve(const ConnectionPtr& connection);
     bool ReadSome(const ConnectionPtr& connection);
+    bool MakeRoom(const SystemSocket& socket);
+    bool CountPending(const SystemSocket& socket, std::uint32_t& pending);
     void Lose(const ConnectionPtr& connection, SocketError error);
     void BackOff();
 

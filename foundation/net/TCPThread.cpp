@@ -62,27 +62,46 @@ void MTCPClientSocket::Serve(const ConnectionPtr& connection) {
     }
 }
 
-// False when the connection is over. What came before the end is delivered first.
+// False when the connection is over. What came before the end is delivered first. Mostly the buffer has room for all that is there, and
+// one call of the system takes it.
 bool MTCPClientSocket::ReadSome(const ConnectionPtr& connection) {
-    std::uint32_t pending = 0;
-    if (connection->socket.GetPendingCount(pending) != SocketError::None) {
-        TellError(NetReadFailed);
-        BackOff();
-        return true;
+    SocketTransfer received = connection->socket.Receive(m_receiveBuffer.get(), m_receiveBufferSize);
+    std::size_t filled = received.bytes;
+    if (filled == m_receiveBufferSize && MakeRoom(connection->socket)) {
+        received = connection->socket.Receive(m_receiveBuffer.get() + filled, m_receiveBufferSize - filled);
+        filled += received.bytes;
     }
-    if (pending > m_receiveBufferSize) {
-        m_receiveBuffer.reset(new char[pending]);
-        m_receiveBufferSize = pending;
-    }
-    const SocketTransfer received = connection->socket.Receive(m_receiveBuffer.get(), m_receiveBufferSize);
-    if (received.bytes > 0) {
-        const auto length = static_cast<std::int32_t>(received.bytes);
+    if (filled > 0) {
+        const auto length = static_cast<std::int32_t>(filled);
         TellHandlers([&](ITCPClientSocketHandler& handler) { handler.OnData(m_receiveBuffer.get(), length, this); });
-        return true;
     }
-    if (received.error == SocketError::WouldBlock)
+    if (received.bytes > 0 || received.error == SocketError::WouldBlock)
+        return true;
+    std::uint32_t pending = 0;
+    if (received.error != SocketError::None && !CountPending(connection->socket, pending))
         return true;
     Lose(connection, received.error);
+    return false;
+}
+
+// Lets the full buffer grow by what the system still has. @return false when that is nothing.
+bool MTCPClientSocket::MakeRoom(const SystemSocket& socket) {
+    std::uint32_t pending = 0;
+    if (!CountPending(socket, pending) || pending == 0)
+        return false;
+    std::unique_ptr<char[]> larger(new char[m_receiveBufferSize + pending]);
+    std::copy_n(m_receiveBuffer.get(), m_receiveBufferSize, larger.get());
+    m_receiveBuffer = std::move(larger);
+    m_receiveBufferSize += pending;
+    return true;
+}
+
+// A socket of which the system cannot even say this is not at its end, but out of order.
+bool MTCPClientSocket::CountPending(const SystemSocket& socket, std::uint32_t& pending) {
+    if (socket.GetPendingCount(pending) == SocketError::None)
+        return true;
+    TellError(NetReadFailed);
+    BackOff();
     return false;
 }
 
