@@ -2,22 +2,30 @@
 
 #include <QByteArray>
 #include <QMetaType>
+#include <QSharedData>
 #include <QString>
 
-/// Where a datagram came from, as it rides in a QVariant to a listener.
+/// Where a datagram came from, as it rides in a QVariant to a listener. Copies share what they hold and, being no larger than a
+/// pointer, stand in the variant itself: a flood of datagrams has one sender mostly.
 class IPInfo {
 public:
     IPInfo() = default;
-    IPInfo(int thePort, const QString& theAddress)
-        : port(thePort)
-        , address(theAddress) {}
-    int GetPort() const { return port; }
-    const QString& GetAddress() const { return address; }
+    IPInfo(int port, const QString& address)
+        : data(new Data(port, address)) {}
+    int GetPort() const { return data ? data->port : 0; }
+    QString GetAddress() const { return data ? data->address : QString(); }
 
 private:
-    int port = 0;
-    QString address;
+    struct Data : QSharedData {
+        Data(int thePort, const QString& theAddress)
+            : port(thePort)
+            , address(theAddress) {}
+        const int port;
+        const QString address;
+    };
+    QExplicitlySharedDataPointer<Data> data; ///< null without a sender
 };
+Q_DECLARE_TYPEINFO(IPInfo, Q_MOVABLE_TYPE);
 Q_DECLARE_METATYPE(IPInfo)
 
 /// A network error, as it rides in a QVariant to a listener.

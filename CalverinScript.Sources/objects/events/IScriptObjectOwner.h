@@ -21,7 +21,7 @@ public:
     /// The same for several events of one name, in their order: one queueing and one wake-up for all.   [any]
     virtual void PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
                                   MScriptCommonEvent* object) {
-        for (const MScriptParamList& params : events)
+        for (MScriptParamList& params : events)
             PostScriptEvent(eventName, &params, object);
     }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include <QMetaType>
 #include <QVariant>
 #include <QVector>
@@ -12,13 +14,18 @@ public:
     MScriptParamList() = default;
     MScriptParamList(const MScriptParamList&) = default;
     MScriptParamList& operator=(const MScriptParamList&) = default;
+    MScriptParamList(MScriptParamList&&) noexcept = default;
+    MScriptParamList& operator=(MScriptParamList&&) noexcept = default;
     virtual ~MScriptParamList() = default;
 
-    /// Appends a copy.
-    void Add(const QVariant& value) { m_values.append(value); }
+    /// Appends a value.
+    void Add(QVariant value) { m_values.append(std::move(value)); }
     int Count() const { return m_values.size(); }
-    /// The value at that index from 0; an invalid one past the ends.
-    QVariant At(int index) const { return m_values.value(index); }
+    /// The value at that index from 0, which lives as long as the list; an invalid one past the ends.
+    const QVariant& At(int index) const {
+        static const QVariant none;
+        return index >= 0 && index < m_values.size() ? m_values.at(index) : none;
+    }
 
     /// The object that raised the event, which comes to the listener behind the values. Not owned, and not to be touched before
     /// it is known to live still.

@@ -1,5 +1,7 @@
 #include "MScriptParamList.h"
 
+#include <utility>
+
 #include <gtest/gtest.h>
 
 #include "EventRecords.h"
@@ -31,6 +33,32 @@ TEST(ParamList, IsCopiedDeeply) {
     list = same;
     EXPECT_EQ(list.Count(), 2);
     EXPECT_EQ(list.At(1).toInt(), 2);
+}
+
+TEST(ParamList, TakesItsSourceAlongWhenItIsMoved) {
+    auto* const source = reinterpret_cast<MScriptCommonEvent*>(0x10); // which is only compared
+    MScriptParamList list;
+    list.Add(QByteArray("abc"));
+    list.SetSource(source);
+    MScriptParamList moved(std::move(list));
+    EXPECT_EQ(moved.At(0).toByteArray(), QByteArray("abc"));
+    EXPECT_EQ(moved.GetSource(), source);
+    MScriptParamList other;
+    other.Add(1);
+    other = std::move(moved);
+    EXPECT_EQ(other.Count(), 1);
+    EXPECT_EQ(other.At(0).toByteArray(), QByteArray("abc"));
+}
+
+TEST(EventRecords, ASenderIsSharedByItsCopiesAndOutlivesThem) {
+    IPInfo sender(80, QStringLiteral("10.0.0.1"));
+    const QVariant value = QVariant::fromValue(sender);
+    sender = IPInfo(81, QStringLiteral("10.0.0.2"));
+    EXPECT_EQ(value.value<IPInfo>().GetPort(), 80);
+    EXPECT_EQ(value.value<IPInfo>().GetAddress(), QStringLiteral("10.0.0.1"));
+    EXPECT_EQ(sender.GetPort(), 81);
+    EXPECT_EQ(IPInfo().GetPort(), 0);
+    EXPECT_EQ(IPInfo().GetAddress(), QString());
 }
 
 TEST(ParamList, TravelsUnderItsNameAndSoDoTheRecords) {
