@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 #include "BufferConversion.h"
@@ -13,8 +14,6 @@
 #include "ScriptObject.h"
 #include "ScriptWaits.h"
 #include "SocketValues.h"
-
-namespace {} // namespace
 
 MScriptUDP::MScriptUDP(IScriptObjectOwner* objectOwner)
     : socket(std::make_unique<MUDPSocket>())
@@ -74,14 +73,18 @@ void MScriptUDP::OnMessage(const char* data, std::int32_t length, const char* so
                            std::uint16_t sourcePort, MUDPSocket* /*socket*/) {
     if (owner == nullptr || data == nullptr || sourceAddressText == nullptr || length <= 0)
         return;
-    if (sourceText != sourceAddressText) {
-        sourceText = sourceAddressText;
-        source = FromHostText(sourceAddressText);
-    }
     MScriptParamList values;
     values.Add(QByteArray(data, length));
-    values.Add(QVariant::fromValue(IPInfo(sourcePort, source)));
+    values.Add(QVariant::fromValue(SenderOf(sourceAddressText, sourcePort)));
     burst.push_back(std::move(values));
+}
+
+const IPInfo& MScriptUDP::SenderOf(const char* addressText, std::uint16_t port) {
+    if (senderText != addressText || sender.GetPort() != port) {
+        senderText = addressText;
+        sender = IPInfo(port, FromHostText(addressText));
+    }
+    return sender;
 }
 
 /// What came before the error is heard before it.
@@ -93,7 +96,12 @@ void MScriptUDP::OnError(std::int32_t code, MUDPSocket* from) {
     owner->PostScriptEvent(QStringLiteral("error"), &values, this);
 }
 
+/// What waits for the script takes no more than it needs; the room for the next burst stays here.
 void MScriptUDP::OnBurstEnd(MUDPSocket* /*socket*/) {
-    if (!burst.empty())
-        owner->PostScriptEvents(QStringLiteral("message"), std::exchange(burst, {}), this);
+    if (burst.empty())
+        return;
+    std::vector<MScriptParamList> messages(std::make_move_iterator(burst.begin()),
+                                           std::make_move_iterator(burst.end()));
+    burst.clear();
+    owner->PostScriptEvents(QStringLiteral("message"), std::move(messages), this);
 }

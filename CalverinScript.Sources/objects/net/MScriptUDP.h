@@ -9,6 +9,7 @@
 #include <QScriptValue>
 #include <QString>
 
+#include "EventRecords.h"
 #include "IUDPSocketHandler.h"
 #include "MScriptCommonEvent.h"
 #include "MScriptParamList.h"
@@ -38,8 +39,13 @@ public:
     /// The script's view of this object, which it does not own.   [script]
     QScriptValue ToScript(QScriptEngine& engine);
 
-    // What scripts call. Names of parameters and defaults are the script interface. All on the script thread.
+    // What scripts call. Names of parameters and defaults are the script interface. All on the script thread. What is called most
+    // comes first: at each call the engine looks at the names of all methods before it.
 
+    /// Sends the piece of a Buffer as one datagram; the piece is cut to what is there. A text sends an empty datagram, whatever it
+    /// says; anything else sends nothing. Waits while a name is looked up.
+    Q_INVOKABLE void send(const QScriptValue& svData, int iOffset, int iLength, int iPort,
+                          const QString& sAddress = QStringLiteral("0.0.0.0"));
     /// Receives at a port from now on; one that cannot be had gives no sign of it.
     /// @param iPort its lower 16 bits count; 0 has the system choose.
     /// @param sAddresses one address of this machine, to receive there alone; none or several, with ";" between them,
@@ -47,10 +53,6 @@ public:
     Q_INVOKABLE void bind(int iPort, const QString& sAddresses = QString());
     /// Whether the port of the next `bind` is this object's alone, which it is at first.
     Q_INVOKABLE void setExclusivePort(bool bExclusive = true);
-    /// Sends the piece of a Buffer as one datagram; the piece is cut to what is there. A text sends an empty datagram, whatever it
-    /// says; anything else sends nothing. Waits while a name is looked up.
-    Q_INVOKABLE void send(const QScriptValue& svData, int iOffset, int iLength, int iPort,
-                          const QString& sAddress = QStringLiteral("0.0.0.0"));
     /// A new object with the port, which is the system's choice after `bind(0)`, the family and an empty address.
     Q_INVOKABLE QScriptValue address();
     Q_INVOKABLE void close();
@@ -64,11 +66,14 @@ public:
     void OnBurstEnd(MUDPSocket* socket) override;
 
 private:
+    /// Messages of one sender share it.   [socket]
+    const IPInfo& SenderOf(const char* addressText, std::uint16_t port);
+
     const std::unique_ptr<MUDPSocket> socket;
     IScriptObjectOwner* const owner;
 
     // The socket's thread.
     std::vector<MScriptParamList> burst; ///< messages that were not handed over yet
-    std::string sourceText;              ///< the sender of the last message
-    QString source;                      ///< the same
+    std::string senderText;              ///< the address of the last message's sender
+    IPInfo sender;                       ///< the same with its port
 };

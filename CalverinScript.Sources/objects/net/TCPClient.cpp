@@ -1,5 +1,8 @@
 #include "TCPClient.h"
 
+#include <utility>
+#include <vector>
+
 #include "BufferConversion.h"
 #include "HostText.h"
 #include "IScriptObjectOwner.h"
@@ -98,9 +101,9 @@ void TCPClient::OnClose(MTCPClientSocket* /*socket*/) {
 void TCPClient::OnData(const char* data, std::int32_t length, MTCPClientSocket* /*socket*/) {
     if (owner == nullptr || data == nullptr || length <= 0)
         return;
-    MScriptParamList values;
-    values.Add(QByteArray(data, length));
-    owner->PostScriptEvent(QStringLiteral("data"), &values, this);
+    std::vector<MScriptParamList> block(1);
+    block.front().Add(QByteArray(data, length));
+    owner->PostScriptEvents(QStringLiteral("data"), std::move(block), this);
 }
 
 void TCPClient::OnError(std::int32_t code, MTCPClientSocket* source) {

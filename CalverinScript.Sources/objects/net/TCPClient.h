@@ -37,8 +37,12 @@ public:
     /// The script's view of this object, which it does not own.   [script]
     QScriptValue ToScript(QScriptEngine& engine);
 
-    // What scripts call. Names of parameters and defaults are the script interface. All on the script thread.
+    // What scripts call. Names of parameters and defaults are the script interface. All on the script thread. What is called most
+    // comes first: at each call the engine looks at the names of all methods before it.
 
+    /// Sends a text or a Buffer; anything else does nothing, as does a connection that does not stand. Waits for a peer that does not
+    /// read.
+    Q_INVOKABLE void write(const QScriptValue& svData);
     /// Connects; "connect" or "error" tells how it went, but a name without an address tells nothing. On an object whose
     /// thread still runs this only asks the thread to end: `end()` comes first. With another port or host, a
     /// connection that stands is closed and opened anew before this returns.
@@ -49,9 +53,6 @@ public:
     /// A new object with the port, family and address that the socket was given last.
     Q_INVOKABLE QScriptValue address();
     Q_INVOKABLE void setNoDelay(bool bNoDelay = true);
-    /// Sends a text or a Buffer; anything else does nothing, as does a connection that does not stand. Waits for a peer that does not
-    /// read.
-    Q_INVOKABLE void write(const QScriptValue& svData);
     /// Closes and raises one "close", whether there was a connection or not.
     Q_INVOKABLE void end();
     /// Sets the function that hears of an event; it stays until another takes its place.

@@ -41,6 +41,20 @@ TEST_F(UDPObjects, HearOfSendersThatTakeTurns) {
     EXPECT_EQ(HeardAfterAll(), Message("1", one) + " " + second + " " + Message("3", one));
 }
 
+TEST_F(UDPObjects, TellSendersOfOneAddressApartByTheirPorts) {
+    GivenUdp();
+    const std::uint16_t port = GivenBound();
+    const Peer one = Peer::Datagrams();
+    const Peer two = Peer::Datagrams();
+    one.SendTo("1", port);
+    two.SendTo("2", port);
+    two.SendTo("3", port);
+    one.SendTo("4", port);
+    Heard(4);
+    EXPECT_EQ(HeardAfterAll(),
+              Message("1", one) + " " + Message("2", two) + " " + Message("3", two) + " " + Message("4", one));
+}
+
 TEST_F(UDPObjects, HearNothingOfAnEmptyDatagram) {
     GivenUdp();
     const std::uint16_t port = GivenBound();
