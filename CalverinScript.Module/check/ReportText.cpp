@@ -9,10 +9,30 @@ namespace {
 
 using Rows = QVector<QStringList>;
 
+/// A text with its control characters as scripts write them, so that it stays on its line.
+QString OneLine(const QString& text) {
+    QString line;
+    for (const QChar c : text) {
+        if (c == QLatin1Char('\n'))
+            line += QStringLiteral("\\n");
+        else if (c == QLatin1Char('\r'))
+            line += QStringLiteral("\\r");
+        else if (c == QLatin1Char('\t'))
+            line += QStringLiteral("\\t");
+        else if (c.category() == QChar::Other_Control)
+            line += QStringLiteral("\\x%1").arg(uint(c.unicode()), 2, 16, QLatin1Char('0'));
+        else
+            line += c;
+    }
+    return line;
+}
+
 /// Aligned columns, two blanks apart, without blanks at a line's end.
-QString Table(const QString& heading, const Rows& rows) {
+QString Table(const QString& heading, Rows rows) {
     if (rows.isEmpty())
         return QString();
+    for (QStringList& row : rows)
+        std::transform(row.begin(), row.end(), row.begin(), &OneLine);
     QVector<int> widths;
     for (const QStringList& row : rows)
         for (int i = 0; i < row.size(); ++i) {
@@ -31,15 +51,17 @@ QString Table(const QString& heading, const Rows& rows) {
     return text;
 }
 
-/// A value that may hold line feeds, on one line.
-QString OneLine(QString text) {
-    return text.replace(QLatin1Char('\n'), QStringLiteral("\\n")).replace(QLatin1Char('\r'), QStringLiteral("\\r"));
-}
-
 /// "Integer" for "IntegerData".
 QString ShortType(const QString& type) {
     const DataKind* kind = FindDataKind(type);
     return kind != nullptr ? QLatin1String(kind->infoName) : type;
+}
+
+/// The items of an enumeration, of a long one the first and how many there are.
+QString ItemsText(const QStringList& items) {
+    constexpr int kMost = 20;
+    const QString text = QStringList(items.mid(0, kMost)).join(QLatin1Char('|'));
+    return items.size() <= kMost ? text : text + QStringLiteral("|... (%1 items)").arg(items.size());
 }
 
 QString Details(const ScriptProperties& properties, const QStringList& items) {
@@ -47,15 +69,15 @@ QString Details(const ScriptProperties& properties, const QStringList& items) {
     for (const auto& property : properties)
         parts.append(property.first + QLatin1Char('=') + property.second);
     if (!items.isEmpty())
-        parts.append(items.join(QLatin1Char('|')));
-    return OneLine(parts.join(QStringLiteral(", ")));
+        parts.append(ItemsText(items));
+    return parts.join(QStringLiteral(", "));
 }
 
 Rows InfoRows(const ScriptReport& report) {
     Rows rows{{QStringLiteral("title"), report.info.title}};
     const auto add = [&](const QString& name, const QString& text) {
         if (!text.isEmpty())
-            rows.append({name, OneLine(text)});
+            rows.append({name, text});
     };
     add(QStringLiteral("version"), report.info.version);
     add(QStringLiteral("author"), report.info.author);
@@ -81,7 +103,7 @@ Rows CommandRows(const ScriptCommands& commands) {
 Rows VariableRows(const ScriptVariables& variables) {
     Rows rows;
     for (const MScriptVariable& variable : variables)
-        rows.append({variable.name, ShortType(variable.type), OneLine(variable.value),
+        rows.append({variable.name, ShortType(variable.type), variable.value,
                      Details(variable.properties, variable.enumItems)});
     return rows;
 }
@@ -89,8 +111,15 @@ Rows VariableRows(const ScriptVariables& variables) {
 Rows SettingRows(const ScriptSettings& settings) {
     Rows rows;
     for (const MScriptSetting& setting : settings)
-        rows.append({setting.name, ShortType(setting.type), QLatin1String(WidgetName(setting.widget)),
-                     OneLine(setting.value), Details(setting.properties, setting.items)});
+        rows.append({setting.name, ShortType(setting.type), QLatin1String(WidgetName(setting.widget)), setting.value,
+                     Details(setting.properties, setting.items)});
+    return rows;
+}
+
+Rows NoteRows(const QList<ScriptNote>& notes) {
+    Rows rows;
+    for (const ScriptNote& note : notes)
+        rows.append({note.where, note.text});
     return rows;
 }
 
@@ -103,7 +132,8 @@ QString ToText(const ScriptReport& report) {
                    Table(QStringLiteral("Variables"), VariableRows(published.variables)) +
                    Table(QStringLiteral("Settings"), SettingRows(published.settings));
     if (published.functions.empty() && published.variables.empty() && published.settings.empty())
-        text +=
-            QStringLiteral("\nNothing is published: a script publishes the members of the object that it ends with.\n");
-    return text;
+        text += QStringLiteral(
+            "\nNothing is published: a script publishes the own members of the object that it ends with,\n"
+            "as in ({ Fade: function (level) { } }). What it only declares is not published.\n");
+    return text + Table(QStringLiteral("Notes"), NoteRows(report.notes));
 }

@@ -36,5 +36,7 @@ ScriptReport AnalyseScript(const QString& text, const QString& fileName) {
     request.hiddenNames = value.strictlyEquals(engine.globalObject()) ? &BuiltInNames() : nullptr;
     report.published = ScanGlobal(request);
     AssignCommandIds({}, report.published.functions, false);
+    if (request.hiddenNames == nullptr)
+        report.notes = FindNotes(value, report.published);
     return report;
 }

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include "MScriptDescription.h"
+#include "ScriptNotes.h"
 #include "ScriptScan.h"
 
 /// What is wrong with a script.
@@ -17,7 +18,8 @@ struct ScriptProblem {
 /// What a script publishes, or its problem.
 struct ScriptReport {
     MScriptDescription info;
-    ScanResult published; ///< commands have the numbers that they get in an empty show
+    ScanResult published;    ///< commands have the numbers that they get in an empty show
+    QList<ScriptNote> notes; ///< what comes to nothing
     std::optional<ScriptProblem> problem;
 };
 

@@ -52,7 +52,7 @@ TEST(ScriptReport, HasTheStatedJson) {
         R"({"commands":[{"function":"f","id":4,"name":"F","params":[)"
         R"({"direction":"out","items":[],"name":"Result","properties":{},"type":"StringData"},)"
         R"({"direction":"in","items":["x"],"name":"a","properties":{},"type":"EnumData"}],"properties":{"Name":"F"}}],)"
-        R"("error":null,"info":{"author":"A","description":"D","title":"T","version":"2"},"removeDefaults":false,)"
+        R"("error":null,"info":{"author":"A","description":"D","title":"T","version":"2"},"notes":[],"removeDefaults":false,)"
         R"("settings":[{"items":[],"name":"s","properties":{"Widget":"Serial"},"type":"StringData","value":"",)"
         R"("widget":14}],)"
         R"("variables":[{"items":[],"name":"v","properties":{"MinValue":"1"},"type":"IntegerData","value":"5"}]})");
@@ -75,6 +75,80 @@ TEST(ScriptReport, OfAScriptThatEndsInThisLeavesOutWhatWasThereBefore) {
     const ScriptReport report = AnalyseScript(Text("this.f = function() {}; this"), Text("a.js"));
     ASSERT_EQ(report.published.functions.size(), 1u);
     EXPECT_EQ(report.published.functions[0].name, Text("f"));
+}
+
+/// "where: text" of each note, one in a line.
+std::string NotesOf(const char* script) {
+    std::string told;
+    for (const ScriptNote& note : AnalyseScript(Text(script), Text("a.js")).notes)
+        told += note.where.toStdString() + ": " + note.text.toStdString() + "\n";
+    return told;
+}
+
+TEST(ScriptNotes, TellWhatInInfoComesToNothing) {
+    EXPECT_EQ(
+        NotesOf(
+            "({ Info: { Tittle: 'x', Options: { RemoveDefaults: true, RemoveDefaultCommandsAndVariables: 1 },"
+            "  Variables: { Levl: {}, l: { Type: 'real', MinValue: 'low', Precision: 2, Hint: 'x' }, e: { Items: ['a'] "
+            "},"
+            "               m: { Type: 'Enum', Items: 'a' }, n: 5 },"
+            "  Setup: { s: { Widget: 'Seriell', Hint: {}, Colour: 1 } },"
+            "  Commands: { f: { Name: 'Load From Text', Hint: 'x', Params: { a: { Type: 'Int' }, c: {} } }, g: {} } },"
+            "  Device: { l: 1, e: 1, m: 1, n: 1 }, Setup: { s: '' }, f: function(a) {} })"),
+        "Info.Tittle: means nothing here\n"
+        "Info.Options.RemoveDefaults: means nothing here\n"
+        "Info.Options.RemoveDefaultCommandsAndVariables: is neither true nor false\n"
+        "Info.Variables.Levl: nothing of that name is published\n"
+        "Info.Variables.l.Type: \"real\" is no type\n"
+        "Info.Variables.l.MinValue: \"low\" is no number that fits\n"
+        "Info.Variables.l.Precision: means nothing for its type\n"
+        "Info.Variables.l.Hint: means nothing for its type\n"
+        "Info.Variables.e.Items: counts for the type Enum alone\n"
+        "Info.Variables.m.Items: is no array\n"
+        "Info.Variables.n: is no object\n"
+        "Info.Setup.s.Hint: is no plain value\n"
+        "Info.Setup.s.Colour: means nothing here\n"
+        "Info.Setup.s.Widget: \"Seriell\" is no field\n"
+        "Info.Commands.f.Hint: means nothing here\n"
+        "Info.Commands.f.Params.a.Type: \"Int\" is no type\n"
+        "Info.Commands.f.Params.c: nothing of that name is published\n"
+        "Info.Commands.f.Name: is the name of a command that every device has\n"
+        "Info.Commands.g: nothing of that name is published\n");
+}
+
+TEST(ScriptNotes, TellOfWhatNoVariableSettingOrCommandIsMade) {
+    EXPECT_EQ(NotesOf("({ Device: { b: true, n: null, f: function() {}, o: {}, Status: 1, '': 1, x: 0 / 0, ok: 1 },"
+                      "   Setup: { o: {}, b: true, ok: 1 }, 'x\u0394': function() {}, _x: function() {}, Other: 5 })"),
+              "Device.b: no variable is made of it\n"
+              "Device.Status: no variable is made of it: every device has one\n"
+              "Device.: no variable is made of it\n"
+              "Device.x: no variable is made of it\n"
+              "Setup.o: no setting is made of it\n"
+              "Setup.b: no setting is made of it\n"
+              "x\u0394: no command is made of it: hosts cannot carry the name\n");
+}
+
+TEST(ScriptNotes, AreNoneForADriverInWhichEverythingCounts) {
+    EXPECT_EQ(NotesOf(Block(Page(), Text("A complete driver"), Text("```js")).toUtf8().constData()), "");
+    EXPECT_EQ(NotesOf("this.f = function() {}; this"), "");
+}
+
+TEST(ScriptNotes, SurviveWhatThrowsAndWhatHoldsItself) {
+    EXPECT_EQ(NotesOf("var o = { get x() { throw 1 }, f: function() {}, Setup: { get y() { throw 2 } },"
+                      "          Info: { get Variables() { throw 3 }, z: null, g: function() {} } }; o.Device = o; o"),
+              "");
+}
+
+TEST(ScriptReport, StandsOnOneLineForEachThingWhateverIsInIt) {
+    const QString text = ToText(AnalyseScript(Text("var items = []; for (var i = 0; i < 21; ++i) items.push(i);"
+                                                   "({ Info: { Title: 'a\\nb', Variables: { m: { Type: 'Enum', Items: "
+                                                   "items }, n: { Type: 'Enum', Items: ['x', 'y'] } } },"
+                                                   "   Device: { m: 0, n: 0, s: 'a\\tb\\u0000c\\r' } })"),
+                                              Text("a.js")));
+    EXPECT_TRUE(text.contains(Text("title  a\\nb\n"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(Text("s  String  a\\tb\\x00c\\r\n"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(Text("18|19|... (21 items)\n"))) << text.toStdString();
+    EXPECT_TRUE(text.contains(Text("x|y\n")));
 }
 
 TEST(ScriptReport, SaysWhenNothingIsPublished) {
