@@ -39,20 +39,30 @@ QScriptValue TCPClient::ToScript(QScriptEngine& engine) {
     return WrapOwnedByHost(engine, this);
 }
 
-/// A thread that is still winding down counts as running: then StartThread starts none, and what is asked for here waits for the
-/// next call.
+/// A thread that runs, or is still winding down, makes no new attempt, however soon it ends: that is for the next call.
 void TCPClient::connect(int iPort, const QString& sHost, const QScriptValue& svConnectListener) {
+    const bool running = socket->IsStarted();
     socket->RequestStop();
     {
         const ScriptWait wait(owner != nullptr ? owner->GetWaits() : nullptr, [this] { socket->Disconnect(); });
         if (!wait.IsAllowed())
             return;
-        socket->SetPort(iPort & kPortMask);
-        socket->SetAddress(ToHostText(sHost).constData());
+        SetPeer(iPort & kPortMask, ToHostText(sHost));
     }
     SetListener(QStringLiteral("connect"), svConnectListener);
-    if (owner != nullptr && socket->ConnectAsync() == NetSuccess)
+    if (owner != nullptr && !running && socket->ConnectAsync() == NetSuccess)
         socket->StartThread();
+}
+
+/// A connection that stands moves to another port or host, and goes on being read.
+void TCPClient::SetPeer(int port, const QByteArray& host) {
+    const bool moves = socket->IsConnected() && (socket->GetPort() != port || socket->GetAddress() != host.constData());
+    socket->SetPort(port);
+    socket->SetAddress(host.constData());
+    if (!moves)
+        return;
+    socket->Wait();
+    socket->StartThread();
 }
 
 QScriptValue TCPClient::address() {

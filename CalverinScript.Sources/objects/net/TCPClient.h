@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include <QByteArray>
 #include <QObject>
 #include <QScriptable>
 #include <QScriptValue>
@@ -45,7 +46,7 @@ public:
     Q_INVOKABLE void write(const QScriptValue& svData);
     /// Connects; "connect" or "error" tells how it went, but a name without an address tells nothing. On an object whose
     /// thread still runs this only asks the thread to end: `end()` comes first. With another port or host, a
-    /// connection that stands is closed and opened anew before this returns.
+    /// connection that stands is closed and opened anew before this returns, and read.
     /// @param iPort its lower 16 bits count.
     /// @param svConnectListener the listener of "connect" from now on; anything but a function is ignored.
     Q_INVOKABLE void connect(int iPort, const QString& sHost = QStringLiteral("127.0.0.1"),
@@ -66,6 +67,8 @@ public:
     void OnError(std::int32_t code, MTCPClientSocket* socket) override;
 
 private:
+    void SetPeer(int port, const QByteArray& host);
+
     const std::unique_ptr<MTCPClientSocket> socket;
     IScriptObjectOwner* const owner;
 };

@@ -1,3 +1,4 @@
+#include "Deadline.h"
 #include "SocketFixture.h"
 
 #include <QScriptEngine>
@@ -162,16 +163,36 @@ TEST_F(TCPClients, MakeNoNewAttemptAsItIsMeantWhenTheyAreToConnectWhileTheirThre
     EXPECT_EQ(HeardAfterAll(), "connect,s") << "and no second one is told of";
 }
 
+TEST_F(TCPClients, MakeNoNewAttemptAsItIsMeantAfterAClose) {
+    GivenTcp();
+    const std::string connect = "s.connect(" + std::to_string(listener.GetPort()) + ")";
+    const std::size_t threads = CountThreads();
+    for (int i = 0; i < 30; ++i) {
+        ForgetHeard();
+        Do("s.end(); " + connect);
+        Heard(2);
+        listener.Accept().Close();
+        EXPECT_EQ(Heard(3), "close,false,s connect,s close,false,s");
+        Do(connect);
+        ASSERT_TRUE(Eventually([&] { return CountThreads() <= threads; })) << "the thread ends";
+        ASSERT_EQ(HeardAfterAll(), "close,false,s connect,s close,false,s") << "and that is all";
+    }
+    Do(connect);
+    EXPECT_EQ(Heard(4), "close,false,s connect,s close,false,s connect,s") << "the next call makes an attempt";
+}
+
 TEST_F(TCPClients, ReconnectAtOnceWhenAConnectionStandsAndThePortChanges) {
     GivenTcp();
     const Peer first = GivenConnection();
     const Listener other;
-    Do(WithPort("s.connect(", other.GetPort(), ")"));
+    Do(WithPort("want = 4; s.connect(", other.GetPort(), ")"));
     EXPECT_TRUE(first.SeesTheEnd());
     EXPECT_EQ(Heard(3), "connect,s close,false,s connect,s");
     const Peer second = other.Accept();
     Do("s.write('moved')");
     EXPECT_EQ(second.Receive(5), "moved");
+    ASSERT_TRUE(second.Send("read"));
+    EXPECT_EQ(Heard(4), "connect,s close,false,s connect,s got:read,s,2");
 }
 
 TEST_F(TCPClients, HearOfARefusedConnectionOnceAndNothingMore) {
