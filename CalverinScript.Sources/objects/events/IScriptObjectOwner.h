@@ -1,5 +1,6 @@
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include "MScriptParamList.h"
@@ -21,8 +22,10 @@ public:
     /// The same for several events of one name, in their order: one queueing and one wake-up for all.   [any]
     virtual void PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
                                   MScriptCommonEvent* object) {
-        for (MScriptParamList& params : events)
+        for (MScriptParamList& event : events) {
+            const MScriptParamList params(std::move(event));
             PostScriptEvent(eventName, &params, object);
+        }
     }
 
     /// Where a method that may wait says so, before it does. Null when nobody stops this script.   [script]

@@ -25,6 +25,9 @@ int ReleaseOrder(ScriptObjectType type) {
 
 } // namespace
 
+ScriptObjects::ScriptObjects(void (*afterFlood)())
+    : m_afterFlood(afterFlood) {}
+
 ScriptObjects::~ScriptObjects() {
     Release();
     DeleteReleased();
@@ -51,12 +54,30 @@ bool ScriptObjects::CountRaised(const MScriptCommonEvent* object, std::uint64_t 
     if (found == m_live.end())
         return false;
     found->second.onTheWay += count;
+    m_waiting += count;
+    m_mostWaiting = std::max(m_mostWaiting, m_waiting);
     return true;
 }
 
-/// Events come in the order in which they were counted, so the strays of an address come before those of its next object.
 bool ScriptObjects::TakeRaised(const MScriptCommonEvent* object) {
-    const std::lock_guard<std::mutex> guard(m_lock);
+    std::unique_lock<std::mutex> guard(m_lock);
+    const bool isHere = TakeLocked(object);
+    const bool floodIsOver = EndsFlood();
+    guard.unlock();
+    if (floodIsOver)
+        m_afterFlood();
+    return isHere;
+}
+
+/// The allocator keeps what a flood took, tens of megabytes in small pieces, for the next one, which may never come.
+bool ScriptObjects::EndsFlood() {
+    if (m_waiting == 0 || --m_waiting > 0)
+        return false;
+    return std::exchange(m_mostWaiting, 0) >= kFlood;
+}
+
+/// Events come in the order in which they were counted, so the strays of an address come before those of its next object.
+bool ScriptObjects::TakeLocked(const MScriptCommonEvent* object) {
     const auto stray = m_strays.find(object);
     if (stray != m_strays.end()) {
         if (--stray->second == 0)

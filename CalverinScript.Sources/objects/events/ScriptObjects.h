@@ -8,6 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "FreeMemory.h"
+
 class MScriptCommonEvent;
 
 /// The objects of one script that raise events: those that it has made, which are owned here, and the device's resources that it has
@@ -15,10 +17,15 @@ class MScriptCommonEvent;
 ///
 /// - An event travels with a bare pointer. An object that is gone is never touched: only its address is looked up.
 /// - An event of an object that is gone never reaches another object at the same address, nor the same resource taken anew.
+/// - When the last of many events that waited has been taken, what they took goes back to the system.
 /// - Objects go when they are released, in the order TCP clients, UDP objects, resources, HTTP clients, older ones first.
 class ScriptObjects {
 public:
-    ScriptObjects() = default;
+    /// How many events have to wait at once for a flood.
+    static constexpr std::uint64_t kFlood = 1000;
+
+    /// @param afterFlood called on the script thread, under no lock, when nothing of a flood waits any more.
+    explicit ScriptObjects(void (*afterFlood)() = &ReturnFreeMemory);
     ScriptObjects(const ScriptObjects&) = delete;
     ScriptObjects& operator=(const ScriptObjects&) = delete;
     /// Deletes what is left. Nothing may use the script any more.
@@ -52,15 +59,20 @@ private:
     };
 
     void Insert(Entry entry);
+    bool TakeLocked(const MScriptCommonEvent* object);
+    bool EndsFlood();
     static bool GoesBefore(const Entry& one, const Entry& other);
     static void Delete(Entry& entry);
 
+    void (*const m_afterFlood)();
     std::mutex m_lock;
     std::condition_variable m_deleted;
     std::unordered_map<const MScriptCommonEvent*, Entry> m_live; ///< under m_lock
     std::unordered_map<const MScriptCommonEvent*, std::uint64_t>
-        m_strays;                  ///< under m_lock: events of objects that are gone
-    std::vector<Entry> m_released; ///< under m_lock
-    bool m_deleting = false;       ///< under m_lock
-    std::uint64_t m_nextAge = 0;   ///< under m_lock
+        m_strays;                    ///< under m_lock: events of objects that are gone
+    std::vector<Entry> m_released;   ///< under m_lock
+    bool m_deleting = false;         ///< under m_lock
+    std::uint64_t m_nextAge = 0;     ///< under m_lock
+    std::uint64_t m_waiting = 0;     ///< under m_lock: events of all objects that were counted and not taken
+    std::uint64_t m_mostWaiting = 0; ///< under m_lock: since nothing waited last
 };

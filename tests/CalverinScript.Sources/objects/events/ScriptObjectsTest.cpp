@@ -161,4 +161,52 @@ TEST_F(LiveObjects, MayRaiseEventsWhileTheyGo) {
     EXPECT_FALSE(objects.Release());
 }
 
+class FloodedObjects : public LiveObjects {
+protected:
+    FloodedObjects() { ends = 0; }
+
+    void Take(ScriptObjects& from, const MScriptCommonEvent* object, std::uint64_t count) {
+        for (std::uint64_t i = 0; i < count; ++i)
+            from.TakeRaised(object);
+    }
+
+    static inline int ends = 0;
+    ScriptObjects flooded{[] { ++ends; }};
+};
+
+TEST_F(FloodedObjects, TellTheEndOfAFloodOnceWhenItsLastEventIsTaken) {
+    flooded.Borrow(resource);
+    ASSERT_TRUE(flooded.CountRaised(&resource, ScriptObjects::kFlood));
+    Take(flooded, &resource, ScriptObjects::kFlood - 1);
+    EXPECT_EQ(ends, 0);
+    EXPECT_TRUE(flooded.TakeRaised(&resource));
+    EXPECT_EQ(ends, 1);
+    ASSERT_TRUE(flooded.CountRaised(&resource));
+    EXPECT_TRUE(flooded.TakeRaised(&resource));
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(FloodedObjects, TellNothingOfManyEventsOfWhichFewWaitAtATime) {
+    flooded.Borrow(resource);
+    for (std::uint64_t i = 0; i < 3; ++i) {
+        ASSERT_TRUE(flooded.CountRaised(&resource, ScriptObjects::kFlood - 1));
+        Take(flooded, &resource, ScriptObjects::kFlood - 1);
+    }
+    EXPECT_EQ(ends, 0);
+}
+
+TEST_F(FloodedObjects, TellTheEndOfAFloodOfSeveralObjectsAlsoWhenTheyAreReleased) {
+    LiveSource other(ScriptObjectType::DmxIn, "dmx", nullptr);
+    flooded.Borrow(resource);
+    flooded.Borrow(other);
+    ASSERT_TRUE(flooded.CountRaised(&resource, ScriptObjects::kFlood - 1));
+    ASSERT_TRUE(flooded.CountRaised(&other));
+    flooded.Release();
+    flooded.DeleteReleased();
+    Take(flooded, &resource, ScriptObjects::kFlood - 1);
+    EXPECT_EQ(ends, 0);
+    EXPECT_FALSE(flooded.TakeRaised(&other));
+    EXPECT_EQ(ends, 1);
+}
+
 } // namespace

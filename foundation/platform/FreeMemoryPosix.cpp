@@ -1,0 +1,7 @@
+#include "FreeMemory.h"
+
+#include <malloc.h>
+
+void ReturnFreeMemory() {
+    malloc_trim(0);
+}
