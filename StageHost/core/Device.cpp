@@ -15,7 +15,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Milliseconds = Device::Milliseconds;
 
-constexpr Milliseconds kBlockedStop(100);  // for the Stop of a device that is known to be blocked
+constexpr Milliseconds kBlockedStop(100);  // for the Stop of a blocked device, and for calls to leave one
 constexpr Milliseconds kComeBack(2000);    // for blocked calls to return once the device has been released
 constexpr Milliseconds kHeldCommand(6000); // a held command is run once more, or given up, after 5 s
 constexpr const char* kGivenUp = "Command Timeout.";
@@ -97,7 +97,8 @@ bool Device::Shutdown(Milliseconds limit) {
     TheHost().Model().RemoveDevice(name_);
     object_->Close();
     TheHost().EndWaitingOfOlderLink();
-    if (started_ && AllBack())
+    const bool quiet = MainWait::Until([this] { return AllBack(); }, kBlockedStop);
+    if (started_ && quiet)
         RunInTime(pool_.Run([device = device_] { device->Stop(); }), blocked_ ? kBlockedStop : limit, &MainWait::Until);
     TheHost().CloseLink(device_);
     device_->Release();

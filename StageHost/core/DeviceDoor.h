@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "IKXPDevice.h"
+#include "MainWait.h"
 
 namespace stagehost {
 
@@ -24,8 +25,7 @@ public:
             ++inside_;
         }
         call(*device_);
-        const std::lock_guard<std::mutex> hold(lock_);
-        --inside_;
+        Leave();
         return true;
     }
 
@@ -35,6 +35,12 @@ public:
         closed_ = true;
     }
 
+    /// Whether nobody is let in any more.   [any]
+    bool IsClosed() const {
+        const std::lock_guard<std::mutex> hold(lock_);
+        return closed_;
+    }
+
     /// Whether nobody is inside.   [any]
     bool IsEmpty() const {
         const std::lock_guard<std::mutex> hold(lock_);
@@ -42,6 +48,17 @@ public:
     }
 
 private:
+    /// Wakes the main thread if it may be waiting for the door.
+    void Leave() {
+        {
+            const std::lock_guard<std::mutex> hold(lock_);
+            --inside_;
+            if (!closed_)
+                return;
+        }
+        MainWait::Wake();
+    }
+
     IKXPDevice* const device_; ///< not used any more once the door is closed and nobody is inside
     mutable std::mutex lock_;  ///< guards the fields below
     int inside_ = 0;

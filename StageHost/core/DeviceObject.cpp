@@ -115,6 +115,8 @@ void DeviceObject::Send(const CommandDefinition& command, const std::vector<Para
     if (code != KXP_OK)
         return answer({kActionFailed, {}, "refused with code " + std::to_string(code)});
     waiter_.Add(call, this, answer);
+    if (door_.IsClosed()) // since the command was accepted: Close may have ended the waiting before this one was added
+        waiter_.EndWaiting(this);
 }
 
 /// Keeps what the device borrows, and lets go of what it has given back.

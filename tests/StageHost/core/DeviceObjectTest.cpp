@@ -102,6 +102,18 @@ TEST_F(DeviceObjectTest, EndsRequestsOfAllKindsWithTheDevice) {
     EXPECT_EQ(Execute("hello").firstCode, KXPCode{kNoSuchObject});
 }
 
+TEST_F(DeviceObjectTest, EndsARequestThatIsAcceptedWhileTheDeviceGoes) {
+    for (int i = 0; i < 200; ++i) {
+        GivenARunningScript("function never never\n");
+        ExecContext* context = Request("never");
+        EXPECT_TRUE(desk->Shutdown(kLong));
+        ASSERT_TRUE(context->WaitEnded(kLong)) << "device " << i;
+        context->Release();
+        desk = std::make_unique<Device>(module, "desk");
+        ASSERT_FALSE(desk->Create({}).has_value());
+    }
+}
+
 TEST_F(DeviceObjectTest, AnswersInTheOrderOfTheCommands) {
     GivenARunningScript("function echo echo\n");
     constexpr int kCount = 100;
