@@ -38,6 +38,7 @@ struct Numbers {
     double perSecond = 0;        ///< datagrams, or megabytes, a second
     double microsecondsEach = 0; ///< processor time for each
     double roundTrip = 0;        ///< median in microseconds
+    double microsecondsTrip = 0; ///< processor time for each round trip
 };
 
 sockaddr_in Loopback(std::uint16_t port) {
@@ -77,6 +78,12 @@ long Flood(int descriptor) {
     return counted;
 }
 
+void MeasureTrips(const Subject& subject, int descriptor, Numbers& numbers) {
+    const double used = subject.Seconds();
+    numbers.roundTrip = MedianTrip(descriptor);
+    numbers.microsecondsTrip = (subject.Seconds() - used) * 1e6 / kTrips;
+}
+
 Numbers MeasureUdp(std::vector<std::string> command) {
     const Subject subject(command);
     const sockaddr_in target = Loopback(subject.ReadPort());
@@ -85,7 +92,7 @@ Numbers MeasureUdp(std::vector<std::string> command) {
     setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
     Numbers numbers;
     if (target.sin_port != 0 && connect(descriptor, reinterpret_cast<const sockaddr*>(&target), sizeof target) == 0) {
-        numbers.roundTrip = MedianTrip(descriptor);
+        MeasureTrips(subject, descriptor, numbers);
         const double used = subject.Seconds();
         const Clock::time_point begin = Clock::now();
         const auto counted = static_cast<double>(Flood(descriptor));
@@ -112,7 +119,7 @@ Numbers MeasureTcp(std::vector<std::string> command) {
         const int client = accept(listener, nullptr, nullptr);
         const int on = 1;
         setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-        numbers.roundTrip = MedianTrip(client);
+        MeasureTrips(subject, client, numbers);
         const std::vector<char> block(65536);
         const double used = subject.Seconds();
         const Clock::time_point begin = Clock::now();
@@ -130,35 +137,41 @@ Numbers MeasureTcp(std::vector<std::string> command) {
 }
 
 struct Series {
-    std::vector<double> perSecond, microsecondsEach, roundTrip;
+    std::vector<double> perSecond, microsecondsEach, roundTrip, microsecondsTrip;
     void Add(const Numbers& n) {
         perSecond.push_back(n.perSecond);
         microsecondsEach.push_back(n.microsecondsEach);
         roundTrip.push_back(n.roundTrip);
+        microsecondsTrip.push_back(n.microsecondsTrip);
     }
     void Print(const char* name, const char* unit) {
-        std::printf("%-14s %10.0f %s/s  %8.2f us/%s  round trip %7.1f us\n", name, Median(perSecond), unit,
-                    Median(microsecondsEach), unit, Median(roundTrip));
+        std::printf("%-15s %10.0f %s/s  %8.2f us/%s  round trip %7.1f us, processor %.1f us\n", name, Median(perSecond),
+                    unit, Median(microsecondsEach), unit, Median(roundTrip), Median(microsecondsTrip));
     }
 };
 
 using Measure = Numbers (*)(std::vector<std::string>);
 
 void Compare(const std::string& kind, const char* unit, Measure measure, int rounds) {
-    Series device, node, bare;
+    Series device, node, script, bare;
     const std::string self = "/proc/self/exe";
     for (int i = 0; i < rounds; ++i) {
         device.Add(measure({self, "--subject", "device-" + kind}));
         node.Add(measure({"node", NET_BENCH_NODE, kind}));
+        if (kind == "udp")
+            script.Add(measure({self, "--subject", "script-udp"}));
         bare.Add(measure({self, "--subject", "bare-" + kind}));
     }
     device.Print((kind + " device").c_str(), unit);
     node.Print((kind + " node").c_str(), unit);
+    if (kind == "udp")
+        script.Print("udp bare script", unit);
     bare.Print((kind + " bare").c_str(), unit);
-    std::printf("%s device / node: rate %.2f, processor time %.2f, round trip %.2f\n\n", kind.c_str(),
+    std::printf("%s device / node: rate %.2f, processor time %.2f, round trip %.2f (processor %.2f)\n\n", kind.c_str(),
                 Median(device.perSecond) / Median(node.perSecond),
                 Median(device.microsecondsEach) / Median(node.microsecondsEach),
-                Median(device.roundTrip) / Median(node.roundTrip));
+                Median(device.roundTrip) / Median(node.roundTrip),
+                Median(device.microsecondsTrip) / Median(node.microsecondsTrip));
 }
 
 /// A script that stands still for 3 s while datagrams come in: what waits for it, and what is left of that afterwards.

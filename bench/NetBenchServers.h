@@ -7,7 +7,7 @@
 
 /// @file
 /// What the network benchmark measures, each in a process of its own, pinned to one core while the measuring end has the other: a
-/// device with a script, Node, and plain system calls. All do the same work, see NetBenchNode.js.
+/// device with a script, Node, a bare loop around the script engine, and plain system calls. All do the same work, see NetBenchNode.js.
 
 /// A process to measure.
 class Subject {
@@ -28,6 +28,6 @@ private:
     int m_output = -1;
 };
 
-/// Runs as a device with a script, or as plain system calls, until it is killed. @param mode "device-udp", "device-tcp", "bare-udp",
-/// "bare-tcp"; the port is that of the measuring end for tcp, the total the bytes of one bulk transfer.
+/// Runs as a device with a script, or as plain system calls, until it is killed. @param mode "device-udp", "device-tcp", "script-udp",
+/// "bare-udp", "bare-tcp"; the port is that of the measuring end for tcp, the total the bytes of one bulk transfer.
 int RunSubject(const std::string& mode, std::uint16_t port, std::uint64_t total);
