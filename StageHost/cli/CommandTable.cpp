@@ -85,7 +85,7 @@ QString ProgramHelp() {
                           "  0  all went well\n"
                           "  1  the script failed, a command was refused, or a step went otherwise than expected\n"
                           "  2  bad arguments, an unreadable or bad file\n"
-                          "  3  no answer within --timeout, or watch was interrupted while it waited\n"
+                          "  3  no answer within --timeout, or before Ctrl-C\n"
                           "  4  the module could not be loaded\n"
                           "\n\"stagehost COMMAND --help\" tells more about one command.\n");
 }

@@ -9,7 +9,6 @@
 #include "DriverSetup.h"
 #include "ExitCodes.h"
 #include "ExitGuard.h"
-#include "Interrupt.h"
 #include "MainWait.h"
 #include "Output.h"
 #include "TextFile.h"

@@ -9,6 +9,7 @@
 
 #include "Device.h"
 #include "Host.h"
+#include "Interrupt.h"
 #include "LogFollower.h"
 #include "ModuleFile.h"
 #include "Options.h"
@@ -27,7 +28,7 @@ struct Failure {
 using MaybeFailure = std::optional<Failure>;
 
 /// One run of the host: the module loaded, the show's variables and devices made. Every call into the module is bounded
-/// in time.   [host main]
+/// in time, and Ctrl-C breaks off what is waited for, so that the devices are stopped before the program ends.   [host main]
 class Session {
 public:
     explicit Session(const Options& options);
@@ -92,6 +93,7 @@ private:
     void TellOtherEdition(const ShowDevice& described) const;
 
     const Options& options_;
+    const Interrupt interrupt_;
     Show show_;
     std::unique_ptr<QTemporaryDir> logFolder_; ///< holds a temporary log; null otherwise
     SilentDevices silent_;

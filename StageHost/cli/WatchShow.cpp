@@ -71,7 +71,6 @@ int WatchShow(const Options& options) {
     Show show;
     if (auto failure = ReadShowOrScript(options.arguments.first(), show))
         return Fail(options.json, failure->exitCode, failure->text);
-    const Interrupt interrupt;
     const QStringList names = options.arguments.mid(1);
     Session session(options);
     const auto failure = Open(session, show, names);

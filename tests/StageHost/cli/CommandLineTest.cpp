@@ -242,7 +242,7 @@ TEST_F(CommandLine, BadUseGivesTwo) {
         List({"variables"}) + QStringList{show, Text("nothing")},
         List({"check", "--timeout", "0"}) + QStringList{script},
         List({"check", "--timeout", "soon"}) + QStringList{script},
-        List({"check", "--link", "both"}) + QStringList{script},
+        List({"check", "--link", "all"}) + QStringList{script},
         List({"check", "--unknown"}) + QStringList{script},
         List({"exec", "--log-file", "/nowhere/x.log"}) + QStringList{script, Text("echo")},
     };

@@ -125,6 +125,21 @@ TEST_F(ScriptAtTheDesk, EndsThoughTheStopFunctionNeverReturns) {
     EXPECT_LT(host.Milliseconds(), kSoon);
 }
 
+TEST_F(ScriptAtTheDesk, IsStoppedAsAtAnyEndWhenARunIsInterrupted) {
+    GivenScript("({ _mStop: function () { QCalverin.TraceMessage('lamps are off', 'INFO'); } })");
+    const QString show = host.File(Text("show.json"), R"({
+        "devices": [{"name":"desk","script":"script.js"}], "variables": [{"name":"Level"}],
+        "steps": [{"wait":{"variable":"Level","value":"never","within":50000}}]})");
+    host.Begin({Text("run"), Text("--log"), show});
+    EXPECT_TRUE(host.WaitForOutput("desk is ready"));
+    host.Interrupt();
+    host.Finish();
+    EXPECT_EQ(host.ExitCode(), 3);
+    EXPECT_TRUE(host.Errors().contains(Text("interrupted while \"Level\" is \"\", not \"never\"")))
+        << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().contains(Text("lamps are off\n"))) << host.Errors().toStdString();
+}
+
 TEST_F(ScriptAtTheDesk, ShowsTheLogOfTheDevice) {
     GivenScript("({ f: function () { return 1; } })");
     Exec({Text("f")}, {Text("--log")});
