@@ -28,9 +28,11 @@ QByteArray Counted(const QByteArray& text) {
     return QByteArray(1, static_cast<char>(text.size())) + text;
 }
 
+/// Sending may find the other side gone, and then this one is closed too.
 qint64 Forward(QTcpSocket& from, QTcpSocket& to) {
     qint64 moved = 0;
-    while (from.bytesAvailable() > 0 && to.bytesToWrite() < kAhead) {
+    while (from.isOpen() && to.state() == QAbstractSocket::ConnectedState && from.bytesAvailable() > 0 &&
+           to.bytesToWrite() < kAhead) {
         moved += to.write(from.read(kAhead));
         to.flush();
     }
