@@ -43,7 +43,8 @@ qint64 Forward(QTcpSocket& from, QTcpSocket& to) {
 void ForwardTheRest(QTcpSocket& from, QTcpSocket& to) {
     if (to.state() != QAbstractSocket::ConnectedState)
         return;
-    to.write(from.readAll());
+    if (from.isOpen())
+        to.write(from.readAll());
     to.disconnectFromHost();
 }
 
