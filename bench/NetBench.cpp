@@ -84,7 +84,7 @@ void MeasureTrips(const Subject& subject, int descriptor, Numbers& numbers) {
     numbers.microsecondsTrip = (subject.Seconds() - used) * 1e6 / kTrips;
 }
 
-Numbers MeasureUdp(std::vector<std::string> command) {
+Numbers MeasureUdp(const std::vector<std::string>& command) {
     const Subject subject(command);
     const sockaddr_in target = Loopback(subject.ReadPort());
     const int descriptor = socket(AF_INET, SOCK_DGRAM, 0);
@@ -103,13 +103,15 @@ Numbers MeasureUdp(std::vector<std::string> command) {
     return numbers;
 }
 
-Numbers MeasureTcp(std::vector<std::string> command) {
+Numbers MeasureTcp(const std::vector<std::string>& program) {
     const int listener = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address = Loopback(0);
     socklen_t size = sizeof address;
-    bind(listener, reinterpret_cast<sockaddr*>(&address), size);
+    if (bind(listener, reinterpret_cast<sockaddr*>(&address), size) != 0)
+        return {};
     getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
     listen(listener, 1);
+    std::vector<std::string> command = program;
     command.push_back(std::to_string(ntohs(address.sin_port)));
     command.push_back(std::to_string(kBulk));
     const Subject subject(command);
@@ -150,7 +152,7 @@ struct Series {
     }
 };
 
-using Measure = Numbers (*)(std::vector<std::string>);
+using Measure = Numbers (*)(const std::vector<std::string>&);
 
 void Compare(const std::string& kind, const char* unit, Measure measure, int rounds) {
     Series device, node, script, bare;

@@ -130,9 +130,9 @@ int BindLoopback(std::uint16_t& port) {
     const int descriptor = socket(AF_INET, SOCK_DGRAM, 0);
     sockaddr_in address = Loopback(0);
     socklen_t size = sizeof address;
-    bind(descriptor, reinterpret_cast<sockaddr*>(&address), size);
-    getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size);
-    port = ntohs(address.sin_port);
+    if (bind(descriptor, reinterpret_cast<sockaddr*>(&address), size) == 0 &&
+        getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &size) == 0)
+        port = ntohs(address.sin_port);
     return descriptor;
 }
 
@@ -236,6 +236,7 @@ Subject::Subject(const std::vector<std::string>& command) {
         sched_setaffinity(0, sizeof core, &core);
         dup2(ends[1], STDOUT_FILENO);
         std::vector<char*> arguments;
+        arguments.reserve(command.size() + 1);
         for (const std::string& word : command)
             arguments.push_back(const_cast<char*>(word.c_str()));
         arguments.push_back(nullptr);
