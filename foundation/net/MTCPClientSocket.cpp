@@ -1,7 +1,5 @@
 #include "MTCPClientSocket.h"
 
-#include "TCPHandlerCalls.h"
-
 namespace {
 
 constexpr std::size_t kLeastReceiveBuffer = 4096;
@@ -20,8 +18,7 @@ MTCPClientSocket::~MTCPClientSocket() {
 }
 
 void MTCPClientSocket::AddHandler(ITCPClientSocketHandler* handler) {
-    if (handler)
-        m_handlers.AddUnique(handler);
+    m_handlers.Add(handler);
 }
 
 void MTCPClientSocket::RemoveHandler(ITCPClientSocketHandler* handler) {
@@ -29,12 +26,12 @@ void MTCPClientSocket::RemoveHandler(ITCPClientSocketHandler* handler) {
 }
 
 void MTCPClientSocket::TellError(std::int32_t code) {
-    TellHandlers([=](ITCPClientSocketHandler& handler) { handler.OnError(code, this); });
+    m_handlers.Tell([=](ITCPClientSocketHandler& handler) { handler.OnError(code, this); });
 }
 
 bool MTCPClientSocket::EveryHandlerAgrees() {
     bool agreed = true;
-    TellHandlers([&](ITCPClientSocketHandler& handler) { agreed = agreed && handler.OnQueryConnect(this); });
+    m_handlers.Tell([&](ITCPClientSocketHandler& handler) { agreed = agreed && handler.OnQueryConnect(this); });
     return agreed;
 }
 

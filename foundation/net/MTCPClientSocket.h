@@ -1,9 +1,9 @@
 #pragma once
 
+#include "HandlerList.h"
 #include "HostResolver.h"
 #include "ITCPClientSocketHandler.h"
 #include "MLock.h"
-#include "MLockedList.h"
 #include "MThread.h"
 #include "MWSAData.h"
 #include "SendQueue.h"
@@ -121,8 +121,6 @@ private:
         bool silent;
     };
 
-    template <class Call>
-    void TellHandlers(Call call);
     void TellError(std::int32_t code);
     bool EveryHandlerAgrees();
 
@@ -153,13 +151,13 @@ private:
     void Lose(const ConnectionPtr& connection, SocketError error);
     void BackOff();
 
-    MLockedList<ITCPClientSocketHandler*> m_handlers; // its lock is held while handlers are called
-    MLock m_connectLock;                              // held for each connect and while a lost connection is closed
-    std::atomic<bool> m_connecting{false};            // a connect runs; written under m_connectLock, read by all
-    HostResolver m_resolver;                          // its cancel count tells a connect that it was ended
-    SocketWake m_wake;                                // ends the thread's wait
-    std::unique_ptr<char[]> m_receiveBuffer;          // the socket's thread
-    std::size_t m_receiveBufferSize;                  // the socket's thread; grows, never shrinks
+    HandlerList<ITCPClientSocketHandler> m_handlers; // its lock is held while handlers are called
+    MLock m_connectLock;                             // held for each connect and while a lost connection is closed
+    std::atomic<bool> m_connecting{false};           // a connect runs; written under m_connectLock, read by all
+    HostResolver m_resolver;                         // its cancel count tells a connect that it was ended
+    SocketWake m_wake;                               // ends the thread's wait
+    std::unique_ptr<char[]> m_receiveBuffer;         // the socket's thread
+    std::size_t m_receiveBufferSize;                 // the socket's thread; grows, never shrinks
 
     mutable std::mutex m_state; // for the fields below, and to open m_wake
     std::string m_host;

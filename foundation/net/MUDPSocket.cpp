@@ -18,8 +18,7 @@ MUDPSocket::~MUDPSocket() {
 }
 
 void MUDPSocket::AddHandler(IUDPSocketHandler* handler) {
-    if (handler)
-        m_handlers.AddUnique(handler);
+    m_handlers.Add(handler);
 }
 
 void MUDPSocket::RemoveHandler(IUDPSocketHandler* handler) {

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "DatagramReader.h"
+#include "HandlerList.h"
 #include "HostResolver.h"
 #include "IUDPSocketHandler.h"
-#include "MLockedList.h"
 #include "MThread.h"
 #include "MWSAData.h"
 #include "SocketWait.h"
@@ -99,8 +99,6 @@ public:
 private:
     using SocketPtr = std::shared_ptr<SystemSocket>;
 
-    template <class Call>
-    void TellHandlers(Call call);
     void TellError(std::int32_t code);
 
     SocketPtr CurrentSocket() const;
@@ -121,7 +119,7 @@ private:
     void NoteSource(const SocketAddress& source);
     void ReportReceiveFailure();
 
-    MLockedList<IUDPSocketHandler*> m_handlers; // its lock is held while handlers are called
+    HandlerList<IUDPSocketHandler> m_handlers; // its lock is held while handlers are called
     HostResolver m_resolver;
     SocketWake m_wake; // ends the thread's wait
 

@@ -1,5 +1,4 @@
 #include "MTCPClientSocket.h"
-#include "TCPHandlerCalls.h"
 
 // Connecting and closing. Lock order: m_connectLock, then the handlers' lock, then m_state. Handlers may call anything here, so
 // whatever they can reach only tries m_connectLock.
@@ -82,7 +81,7 @@ std::int32_t MTCPClientSocket::RunConnect(bool notify) {
     m_connecting = false;
     m_wake.Set(); // a connection that stands is the thread's to serve
     if (notify && attempt.code == NetSuccess)
-        TellHandlers([this](ITCPClientSocketHandler& handler) { handler.OnConnect(this); });
+        m_handlers.Tell([this](ITCPClientSocketHandler& handler) { handler.OnConnect(this); });
     else if (notify && !attempt.silent)
         TellError(attempt.code);
     return attempt.code;
@@ -178,7 +177,7 @@ std::int32_t MTCPClientSocket::CloseSocket(bool notify) {
         return NetUnknown;
     connection->socket.ShutDown(); // ends a connect, a waiting Send and the thread's wait
     if (notify)
-        TellHandlers([this](ITCPClientSocketHandler& handler) { handler.OnClose(this); });
+        m_handlers.Tell([this](ITCPClientSocketHandler& handler) { handler.OnClose(this); });
     return IsLibraryStarted() ? NetSuccess : NetStartup;
 }
 

@@ -1,6 +1,5 @@
 #include "Clock.h"
 #include "MTCPClientSocket.h"
-#include "TCPHandlerCalls.h"
 
 #include <algorithm>
 
@@ -73,7 +72,7 @@ bool MTCPClientSocket::ReadSome(const ConnectionPtr& connection) {
     }
     if (filled > 0) {
         const auto length = static_cast<std::int32_t>(filled);
-        TellHandlers([&](ITCPClientSocketHandler& handler) { handler.OnData(m_receiveBuffer.get(), length, this); });
+        m_handlers.Tell([&](ITCPClientSocketHandler& handler) { handler.OnData(m_receiveBuffer.get(), length, this); });
     }
     if (received.bytes > 0 || received.error == SocketError::WouldBlock)
         return true;
@@ -121,7 +120,7 @@ void MTCPClientSocket::Lose(const ConnectionPtr& connection, SocketError error) 
     if (stop)
         RequestStop();
     connection->socket.ShutDown();
-    TellHandlers([this](ITCPClientSocketHandler& handler) { handler.OnClose(this); });
+    m_handlers.Tell([this](ITCPClientSocketHandler& handler) { handler.OnClose(this); });
     if (stop)
         MWSAData::Stop();
 }

@@ -1,5 +1,4 @@
 #include "MUDPSocket.h"
-#include "UDPHandlerCalls.h"
 
 #include <algorithm>
 
@@ -36,12 +35,12 @@ bool MUDPSocket::ReceiveBurst(const SystemSocket& socket) {
     return m_reader.GetCount() == DatagramReader::kBurst;
 }
 
-// The handlers' lock is taken once for the burst; TellHandlers enters it again.
+// The handlers' lock is taken once for the burst; Tell enters it again.
 void MUDPSocket::DeliverBurst() {
-    const std::lock_guard<MLockedList<IUDPSocketHandler*>> guard(m_handlers);
+    const std::lock_guard<HandlerList<IUDPSocketHandler>> guard(m_handlers);
     for (std::size_t position = 0; position < m_reader.GetCount() && !StopRequested(); ++position)
         Deliver(m_reader.Get(position));
-    TellHandlers([this](IUDPSocketHandler& handler) { handler.OnBurstEnd(this); });
+    m_handlers.Tell([this](IUDPSocketHandler& handler) { handler.OnBurstEnd(this); });
 }
 
 // A datagram that was cut comes with the sender of the last whole one.
@@ -51,7 +50,7 @@ void MUDPSocket::Deliver(const Datagram& datagram) {
     else
         NoteSource(datagram.source);
     const auto length = static_cast<std::int32_t>(datagram.length);
-    TellHandlers([&](IUDPSocketHandler& handler) {
+    m_handlers.Tell([&](IUDPSocketHandler& handler) {
         handler.OnMessage(datagram.data, length, m_sourceText.c_str(), m_sourcePort, this);
     });
 }
@@ -64,7 +63,7 @@ void MUDPSocket::NoteSource(const SocketAddress& source) {
 }
 
 void MUDPSocket::TellError(std::int32_t code) {
-    TellHandlers([=](IUDPSocketHandler& handler) { handler.OnError(code, this); });
+    m_handlers.Tell([=](IUDPSocketHandler& handler) { handler.OnError(code, this); });
 }
 
 // A socket that goes on failing must not make the thread spin.

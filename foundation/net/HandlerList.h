@@ -1,0 +1,37 @@
+#pragma once
+
+#include "MLockedList.h"
+
+#include <cstddef>
+#include <mutex>
+
+/// Who is told of a socket's events. Each handler is in it once, borrowed until Remove. The lock is held while handlers are called, and is
+/// recursive: a handler may add and remove handlers, itself among them, and Remove on another thread waits for the end of
+/// the call that runs.   [thread: any]
+template <class Handler>
+class HandlerList {
+public:
+    /// Null is no handler.
+    void Add(Handler* handler) {
+        if (handler)
+            m_handlers.AddUnique(handler);
+    }
+    void Remove(Handler* handler) { m_handlers.Remove(handler); }
+    void Clear() { m_handlers.Clear(); }
+
+    /// Calls every handler in turn.
+    template <class Call>
+    void Tell(Call call) {
+        const std::lock_guard<HandlerList> guard(*this);
+        Handler* handler = nullptr;
+        for (std::size_t position = 0; m_handlers.Get(position, handler); ++position)
+            call(*handler);
+    }
+
+    /// For those who tell several things in a row.
+    void lock() { m_handlers.lock(); }
+    void unlock() { m_handlers.unlock(); }
+
+private:
+    MLockedList<Handler*> m_handlers;
+};
