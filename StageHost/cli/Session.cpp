@@ -28,7 +28,7 @@ QString DeviceText(const Device& device, const QString& text) {
 
 /// What is said to somebody who names a function of the script where a command is wanted.
 QString NoCommandText(Device& device, const DeviceDefinition& definition, const QString& name) {
-    const QString text = QStringLiteral("has no command \"%1\"").arg(name);
+    QString text = QStringLiteral("has no command \"%1\"").arg(name);
     for (const auto& command : definition.commands) {
         if (command.FunctionName() == ToBorderText(name))
             return text + QStringLiteral("; the function of that name is its command \"%1\"")
