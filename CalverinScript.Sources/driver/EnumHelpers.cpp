@@ -12,13 +12,37 @@
 namespace {
 
 constexpr int kDeepest = 100;
+/// A longer array is taken for one of holes.
+constexpr quint32 kLongestWalk = 1000000;
 
 using Copies = QHash<qint64, QScriptValue>;
 
+/// The length of an array whose elements can be walked; 0 otherwise.
+quint32 LengthToWalk(const QScriptValue& value) {
+    const quint32 length = value.isArray() ? value.property(QStringLiteral("length")).toUInt32() : 0;
+    return length <= kLongestWalk ? length : 0;
+}
+
 QScriptValue EmptyLike(const QScriptValue& value, QScriptEngine& engine) {
     if (value.isArray())
-        return engine.newArray();
+        return engine.newArray(LengthToWalk(value));
     return value.isDate() ? engine.newDate(value.toNumber()) : engine.newObject();
+}
+
+QScriptValue CopyOf(const QScriptValue& value, Copies& copies, int depth);
+
+/// Elements by their places, which is much faster than by their names. Holes stay holes.
+void CopyElements(const QScriptValue& array, quint32 length, QScriptValue& copy, Copies& copies, int depth) {
+    for (quint32 i = 0; i < length; ++i) {
+        const QScriptValue element = array.property(i, QScriptValue::ResolveLocal);
+        if (element.isValid())
+            copy.setProperty(i, CopyOf(element, copies, depth));
+    }
+}
+
+void CopyMembers(const QScriptValue& object, QScriptValue& copy, Copies& copies, int depth) {
+    for (const ScriptMember& member : MembersOf(object))
+        copy.setProperty(member.name, CopyOf(member.value, copies, depth));
 }
 
 QScriptValue CopyOf(const QScriptValue& value, Copies& copies, int depth) {
@@ -29,8 +53,10 @@ QScriptValue CopyOf(const QScriptValue& value, Copies& copies, int depth) {
         return *known;
     QScriptValue copy = EmptyLike(value, *value.engine());
     copies.insert(value.objectId(), copy);
-    for (const ScriptMember& member : MembersOf(value))
-        copy.setProperty(member.name, CopyOf(member.value, copies, depth + 1));
+    if (const quint32 length = LengthToWalk(value))
+        CopyElements(value, length, copy, copies, depth + 1);
+    else
+        CopyMembers(value, copy, copies, depth + 1);
     return copy;
 }
 

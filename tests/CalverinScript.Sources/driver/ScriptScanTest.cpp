@@ -135,6 +135,15 @@ TEST_F(Scanning, AddsTypesRangesAndItemsFromInfo) {
     EXPECT_EQ(Told(result.variables[5].properties), "MinValue=-1");
 }
 
+TEST_F(Scanning, TakesItemsForEnumerationsAlone) {
+    const ScanResult result = Analyse("({ Info: { Variables: { i: { Items: ['a'] } }, Setup: { s: { Items: ['a'] } },"
+                                      "           Commands: { f: { Params: { p: { Items: ['a'] } } } } },"
+                                      "   Device: { i: 1 }, Setup: { s: 1 }, f: function(p) {} })");
+    EXPECT_TRUE(result.variables.at(0).enumItems.isEmpty());
+    EXPECT_TRUE(result.settings.at(0).items.isEmpty());
+    EXPECT_TRUE(result.functions.at(0).params.at(1).items.isEmpty());
+}
+
 TEST_F(Scanning, DropsLimitsThatAreNoNumbers) {
     const ScanResult result =
         Analyse("({ Info: { Variables: { i: { MinValue: 'low', MaxValue: NaN }, r: { Precision: 1.5 },"

@@ -261,6 +261,15 @@ TEST_F(EnumFunctions, RebuildTheArraySoThatOneTakenBeforeStaysAsItWas) {
     EXPECT_EQ(Evaluate("before.join()"), "calm");
 }
 
+TEST_F(EnumFunctions, KeepHolesAndTakeAnEndlessArrayForAnEmptyOne) {
+    Evaluate("published.Info.Variables.Mood.Items = [1, , 3, ,]; published.Device.EnumAdd('Mood', 'x');"
+             "c = published.Info.Variables.Mood.Items");
+    EXPECT_EQ(Evaluate("[c.length, c[0], 1 in c, c[2], 3 in c, c[4]].join()"), "5,1,false,3,false,x");
+    Evaluate("published.Info.Variables.Mood.Items = new Array(4000000000); 0");
+    EXPECT_EQ(Evaluate("published.Device.EnumAdd('Mood', 'x')"), "0");
+    EXPECT_EQ(Items(), "x");
+}
+
 TEST_F(EnumFunctions, CopyDeeplyAndSurviveCircles) {
     Evaluate("f = function() {}; a = [1, { b: [2], f: f }, new Date(5)]; a[3] = a; "
              "published.Info.Variables.Mood.Items = a; published.Device.EnumAdd('Mood', 'x');"
