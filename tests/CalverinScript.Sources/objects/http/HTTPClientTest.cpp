@@ -282,14 +282,6 @@ TEST_F(WithAWebServer, AClientWithoutOwnerSendsNothing) {
     EXPECT_EQ(server->RequestsFor("/hello.txt?alone"), 0);
 }
 
-TEST_F(WithAWebServer, TheEnvironmentDoesNotDivertRequests) {
-    qputenv("http_proxy", "http://127.0.0.1:1");
-    HTTPClient another(&keeper);
-    another.get(QString::fromStdString(server->Address("/hello.txt")));
-    EXPECT_EQ(keeper.NextAnswer().data, "hello");
-    qunsetenv("http_proxy");
-}
-
 class Certificates : public WithAWebServer {
 protected:
     static void SetUpTestSuite() {

@@ -247,9 +247,21 @@ TEST_F(Gate, TheProxyOfTheHostGoesBeforeIt) {
     HttpGateRoute route(*gate);
     const QNetworkProxyQuery query(QUrl(QStringLiteral("http://desk.example/")));
     EXPECT_EQ(route.queryProxy(query), QList<QNetworkProxy>{proxy});
+    const bool system = QNetworkProxyFactory::usesSystemConfiguration();
     const QNetworkProxy hosts(QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), 9);
     QNetworkProxy::setApplicationProxy(hosts);
-    EXPECT_EQ(route.queryProxy(query).first().type(), QNetworkProxy::HttpProxy);
+    EXPECT_EQ(route.queryProxy(query), QList<QNetworkProxy>{hosts});
     QNetworkProxy::setApplicationProxy(QNetworkProxy(QNetworkProxy::NoProxy));
     EXPECT_EQ(route.queryProxy(query), QList<QNetworkProxy>{proxy});
+    QNetworkProxyFactory::setUseSystemConfiguration(system);
+}
+
+TEST_F(Gate, AProxyOfTheEnvironmentDoesNotCount) {
+    HttpGateRoute route(*gate);
+    const QNetworkProxyQuery query(QUrl(QStringLiteral("http://desk.example/")));
+    qputenv("http_proxy", "http://127.0.0.1:1");
+    const QList<QNetworkProxy> ofTheSystem = QNetworkProxyFactory::proxyForQuery(query);
+    EXPECT_EQ(route.queryProxy(query), QList<QNetworkProxy>{proxy});
+    qunsetenv("http_proxy");
+    EXPECT_EQ(ofTheSystem.first().type(), QNetworkProxy::HttpProxy) << "or the test shows nothing";
 }
