@@ -1,7 +1,6 @@
 #include <algorithm>
 
 #include <QFile>
-#include <QNetworkProxy>
 #include <QSslConfiguration>
 #include <QTemporaryDir>
 
