@@ -12,6 +12,7 @@
 #include "MScriptCommonEvent.h"
 
 class IScriptObjectOwner;
+class QScriptContext;
 class QScriptEngine;
 
 /// What `QCalverin.CreateSocket()` gives a script: a TCP client with a thread of its own, on which its events are raised.
@@ -67,6 +68,9 @@ public:
     void OnError(std::int32_t code, MTCPClientSocket* socket) override;
 
 private:
+    /// What a script finds as `write`: the method of that name, without the engine's search and conversions.   [script]
+    static QScriptValue WriteQuickly(QScriptContext* context, QScriptEngine* engine);
+
     void SetPeer(int port, const QByteArray& host);
 
     const std::unique_ptr<MTCPClientSocket> socket;

@@ -109,6 +109,15 @@ TEST_F(TCPClients, WriteNothingElse) {
     EXPECT_EQ(Do("s.write()").substr(0, 6), "error:") << "the engine's own error";
 }
 
+TEST_F(TCPClients, WriteAlsoWhenTheMethodIsCalledInUnusualWays) {
+    GivenTcp();
+    const Peer peer = GivenConnection();
+    EXPECT_EQ(Do("var w = s.write; w('a'); s.write.call(s, 'b'); s.write('c', 1); s.write.apply(s, ['d'])"),
+              "undefined");
+    EXPECT_EQ(peer.Receive(4), "abcd");
+    EXPECT_EQ(Do("w.call({})").substr(0, 6), "error:");
+}
+
 TEST_F(TCPClients, DropWhatIsWrittenWithoutAConnection) {
     GivenTcp();
     EXPECT_EQ(Do("s.write('early')"), "undefined");
