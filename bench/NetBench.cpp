@@ -194,6 +194,7 @@ void ShowQueueMemory() {
         for (const Clock::time_point begin = Clock::now(); Since(begin) < 2.0; ++sent)
             send(descriptor, block.data(), block.size(), 0);
         const double peak = subject.ResidentMegabytes();
+        poll(nullptr, 0, 200); // until the system has room for the question
         send(descriptor, "?", 1, 0);
         const ssize_t got = recv(descriptor, block.data(), block.size() - 1, 0);
         const double counted =
