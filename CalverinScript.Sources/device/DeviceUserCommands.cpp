@@ -92,6 +92,6 @@ KXPCode MCalverinScript_Device::UpdateCommand(const char* commandXml, char** out
     ModuleShared* shared = ModuleShared::Get();
     if (shared != nullptr && shared->legacyModuleCommands != nullptr &&
         FindIn(shared->moduleCommands, hasName, command))
-        shared->legacyModuleCommands->Add(command);
+        shared->legacyModuleCommands->AddUnique(command);
     return KXP_NOT_IMPLEMENTED;
 }

@@ -144,6 +144,46 @@ TEST_F(StoredSetup, LeavesTheDeviceAsItWasWhenItIsRefused) {
     EXPECT_EQ(Commands(driver), "Fade:4 Port:5");
 }
 
+TEST_F(StoredSetup, WithAnyByteChangedIsRefusedWithoutATraceOrTakenAsItIsWrittenBack) {
+    DriverDevice& driver = MakeDevice();
+    ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
+    const std::string good = Setup(driver);
+    const std::string bytes = "<>\"&\x01\xFFx /";
+    constexpr std::size_t kStep = 17;
+    for (std::size_t at = 0; at < good.size(); at += kStep) {
+        std::string changed = good;
+        changed[at] = bytes[at / kStep % bytes.size()];
+        const std::string before = Setup(driver);
+        const KXPCode code = driver.device->SetSetup(changed.c_str());
+        const std::string after = Setup(driver);
+        if (code != KXP_OK) {
+            EXPECT_TRUE(code == KXP_NULL_ARGUMENT || code == KXP_BAD_SETUP) << code;
+            EXPECT_EQ(after, before) << at;
+            continue;
+        }
+        EXPECT_EQ(driver.device->SetSetup(after.c_str()), KXP_OK) << at;
+        EXPECT_EQ(Setup(driver), after) << at;
+    }
+}
+
+TEST_F(StoredSetup, WithoutTheFlagsRegistersNoGroupsThoughANewDeviceDoesAsIsMeant) {
+    DriverDevice& driver = MakeDevice();
+    ASSERT_NE(Setup(driver).find("RegisterAllUserGroups=\"1\""), std::string::npos);
+    ASSERT_EQ(driver.device->SetSetup("<DeviceData Version='1' Name='D'><Setup><Script/></Setup></DeviceData>"),
+              KXP_OK);
+    EXPECT_NE(Setup(driver).find("RegisterAllUserGroups=\"0\""), std::string::npos);
+    EXPECT_NE(Setup(driver).find("AutoCompletion=\"1\""), std::string::npos);
+}
+
+TEST_F(StoredSetup, WithoutAScriptLeavesItsValuesAsTheyWere) {
+    DriverDevice& driver = MakeDevice();
+    ASSERT_EQ(Accept(driver, "({ f: function() {} })"), KXP_OK);
+    ASSERT_EQ(driver.device->SetSetup("<DeviceData Version='1' Name='D'><Setup/></DeviceData>"), KXP_OK);
+    EXPECT_EQ(driver.device->GetSetupScriptText(), QStringLiteral("({ f: function() {} })"));
+    EXPECT_NE(Setup(driver).find("RegisterAllUserGroups=\"1\""), std::string::npos);
+    EXPECT_EQ(Commands(driver), "f:4");
+}
+
 TEST_F(StoredSetup, SurvivesTextsOfAllKindsWithTheStatedCodes) {
     DriverDevice& driver = MakeDevice();
     const std::string scripts[] = {"throw 1",
