@@ -41,7 +41,8 @@ CommandCall::CommandCall(const CommandDefinition& command, const std::vector<Par
                          const DeviceVariables& variables, std::function<void()> wake)
     : id(command.id)
     , params(std::make_shared<ObjectParams>(command.properties))
-    , watch(std::make_unique<CommandWatch>(variables.FindState("Status"), variables.FindState("Error"), std::move(wake))) {
+    , watch(std::make_unique<CommandWatch>(variables.FindState("Status"), variables.FindState("Error"),
+                                           std::move(wake))) {
     for (const auto& parameter : command.parameters) {
         std::shared_ptr<HostValue> own = MakeValue(parameter);
         const ParameterInput* input = FindInput(command, parameter, inputs);
