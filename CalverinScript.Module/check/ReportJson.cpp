@@ -56,10 +56,6 @@ QJsonObject SettingOf(const MScriptSetting& setting) {
             {QStringLiteral("items"), QJsonArray::fromStringList(setting.items)}};
 }
 
-QJsonObject NoteOf(const ScriptNote& note) {
-    return {{QStringLiteral("where"), note.where}, {QStringLiteral("text"), note.text}};
-}
-
 QJsonValue ProblemOf(const std::optional<ScriptProblem>& problem) {
     if (!problem)
         return QJsonValue::Null;
@@ -79,6 +75,5 @@ QJsonObject ToJson(const ScriptReport& report) {
             {QStringLiteral("commands"), ListOf(report.published.functions, &CommandOf)},
             {QStringLiteral("variables"), ListOf(report.published.variables, &VariableOf)},
             {QStringLiteral("settings"), ListOf(report.published.settings, &SettingOf)},
-            {QStringLiteral("notes"), ListOf(report.notes, &NoteOf)},
             {QStringLiteral("error"), ProblemOf(report.problem)}};
 }

@@ -52,7 +52,7 @@ TEST(ScriptReport, HasTheStatedJson) {
         R"({"commands":[{"function":"f","id":4,"name":"F","params":[)"
         R"({"direction":"out","items":[],"name":"Result","properties":{},"type":"StringData"},)"
         R"({"direction":"in","items":["x"],"name":"a","properties":{},"type":"EnumData"}],"properties":{"Name":"F"}}],)"
-        R"("error":null,"info":{"author":"A","description":"D","title":"T","version":"2"},"notes":[],"removeDefaults":false,)"
+        R"("error":null,"info":{"author":"A","description":"D","title":"T","version":"2"},"removeDefaults":false,)"
         R"("settings":[{"items":[],"name":"s","properties":{"Widget":"Serial"},"type":"StringData","value":"",)"
         R"("widget":14}],)"
         R"("variables":[{"items":[],"name":"v","properties":{"MinValue":"1"},"type":"IntegerData","value":"5"}]})");
