@@ -176,6 +176,17 @@ void Compare(const std::string& kind, const char* unit, Measure measure, int rou
                 Median(device.microsecondsTrip) / Median(node.microsecondsTrip));
 }
 
+/// Asks again when the system had no room for the question.
+double AskForCount(int descriptor) {
+    std::array<char, 64> answer{};
+    for (int i = 0; i < 3; ++i) {
+        send(descriptor, "?", 1, 0);
+        if (recv(descriptor, answer.data(), answer.size() - 1, 0) > 0)
+            return std::atof(answer.data());
+    }
+    return 0;
+}
+
 /// A script that stands still for 3 s while datagrams come in: what waits for it, and what is left of that afterwards.
 void ShowQueueMemory() {
     constexpr int kRounds = 3;
@@ -194,11 +205,7 @@ void ShowQueueMemory() {
         for (const Clock::time_point begin = Clock::now(); Since(begin) < 2.0; ++sent)
             send(descriptor, block.data(), block.size(), 0);
         const double peak = subject.ResidentMegabytes();
-        poll(nullptr, 0, 200); // until the system has room for the question
-        send(descriptor, "?", 1, 0);
-        const ssize_t got = recv(descriptor, block.data(), block.size() - 1, 0);
-        const double counted =
-            got > 0 ? std::atof(std::string(block.data(), static_cast<std::size_t>(got)).c_str()) : 0;
+        const double counted = AskForCount(descriptor);
         std::printf("flood of %d: %.0f reached the script; resident %.1f MB before, %.1f MB waiting, %.1f MB after"
                     " (%.0f bytes each)\n",
                     sent, counted, before, peak, subject.ResidentMegabytes(),
