@@ -96,7 +96,7 @@ bool MCalverinScript_Device::SlotExecuteScriptEventCallBack(const QString& name,
     event->Lock();
     const QScriptValue listener = event->GetListener(name);
     if (listener.isFunction())
-        CallScript(listener, EventArguments(*engine, params));
+        CallScript(listener, eventArguments->Of(params));
     event->Unlock();
     CheckUncaught();
     return false;

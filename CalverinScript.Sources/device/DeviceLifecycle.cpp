@@ -14,6 +14,7 @@
 
 #include "CommandNumbers.h"
 #include "ConfigFile.h"
+#include "EventArguments.h"
 #include "FaceAnswer.h"
 #include "HostCall.h"
 #include "HostText.h"
@@ -97,6 +98,7 @@ void MCalverinScript_Device::MakeEngine() {
     remote = new MScriptMngRemote(this, remoteHandler, remoteHandler2, variableManager, engine);
     remote->setParent(this);
     SetUpScriptGlobals(*engine, *remote);
+    eventArguments = std::make_unique<EventArguments>(*engine);
     engine->setProcessEventsInterval(kEngineEventIntervalMs);
 }
 

@@ -36,6 +36,7 @@
 #include "SetupFormat.h"
 #include "VariableAccessor.h"
 
+class EventArguments;
 class IModuleServices;
 class ISetupInterface;
 class MScriptEngineAgent;
@@ -400,12 +401,13 @@ private:
     bool autoCompletion = true;
     std::recursive_mutex mutex; ///< guards the engine's state: every entry into the script takes it
 
-    QScriptEngine* engine = nullptr;      ///< child of the device
-    MScriptEngineAgent* agent = nullptr;  ///< owned by the engine, installed with the debugger only
-    ScriptSet live;                       ///< what the engine runs
-    ScriptSet stop;                       ///< what an analysis sees
-    MLockedList<MScriptCommand> commands; ///< the user commands with their ids
-    QString setupScriptText;              ///< the script as the setup stores it; what Start runs
+    QScriptEngine* engine = nullptr;                ///< child of the device
+    std::unique_ptr<EventArguments> eventArguments; ///< for the engine, with which it is made; script
+    MScriptEngineAgent* agent = nullptr;            ///< owned by the engine, installed with the debugger only
+    ScriptSet live;                                 ///< what the engine runs
+    ScriptSet stop;                                 ///< what an analysis sees
+    MLockedList<MScriptCommand> commands;           ///< the user commands with their ids
+    QString setupScriptText;                        ///< the script as the setup stores it; what Start runs
     QString setupScriptFileName;
     MLockedList<MScriptSetting> setupSettings;
     std::atomic<bool> startPending{false};    ///< set by Start, read once by AfterEvaluate

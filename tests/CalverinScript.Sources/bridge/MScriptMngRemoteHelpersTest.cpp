@@ -134,6 +134,8 @@ TEST_F(InAScript, PerformAsyncDeliversWhatTheHostHasEndedBeforeItRefused) {
     EXPECT_EQ(Run("QCalverin.PerformAsync(function() {}, 'O', 'A')"), "77");
     EXPECT_TRUE(device.forgotten.empty());
     EXPECT_EQ(device.asyncResults, std::vector<MyAsyncDeviceExecContext*>{device.madeContext});
+    device.madeContext->Release(); // the device's
+    device.madeContext->Release(); // the host's
 }
 
 TEST_F(InAScript, PerformAsyncDoesNotCollectWhatTheHostRefuses) {

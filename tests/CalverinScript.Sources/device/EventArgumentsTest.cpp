@@ -16,7 +16,7 @@ namespace {
 
 class EventArgumentList : public testing::Test {
 protected:
-    QScriptValueList Arguments() { return EventArguments(engine, params); }
+    QScriptValueList Arguments() { return EventArguments(engine).Of(params); }
 
     QScriptEngine engine;
     MScriptParamList params;
@@ -79,6 +79,28 @@ TEST_F(EventArgumentList, MakesAPlainVariantOfBytesWhenTheScriptReplacedTheGloba
     const QScriptValueList arguments = Arguments();
     ASSERT_EQ(arguments.size(), 1);
     EXPECT_TRUE(arguments[0].isVariant());
+}
+
+TEST_F(EventArgumentList, FollowsTheGlobalBufferAsAScriptReplacesItAndPutsItBack) {
+    InstallScriptClasses(engine);
+    EventArguments kept(engine);
+    params.Add(QByteArray("abc"));
+    EXPECT_TRUE(IsBuffer(kept.Of(params).first()));
+    engine.evaluate(QStringLiteral("var own = Buffer; Buffer = function () {}"));
+    EXPECT_TRUE(kept.Of(params).first().isVariant());
+    engine.evaluate(QStringLiteral("Buffer = own"));
+    EXPECT_TRUE(IsBuffer(kept.Of(params).first()));
+}
+
+TEST_F(EventArgumentList, TellsAddressesThatTakeTurnsApart) {
+    EventArguments kept(engine);
+    for (const char* text : {"10.0.0.1", "10.0.0.2", "10.0.0.2", "", "10.0.0.1"}) {
+        params = MScriptParamList();
+        params.Add(QVariant::fromValue(IPInfo(1, QString::fromLatin1(text))));
+        const QScriptValue address = kept.Of(params).first().property(QStringLiteral("address"));
+        EXPECT_TRUE(address.isString());
+        EXPECT_EQ(address.toString(), QString::fromLatin1(text));
+    }
 }
 
 TEST_F(EventArgumentList, MakesAnObjectOfAResponseWithABuffer) {

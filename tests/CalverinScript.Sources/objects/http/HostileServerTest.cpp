@@ -289,7 +289,7 @@ TEST_F(HostileServers, AHeadWithoutEndIsCutAndAnswered) {
         EXPECT_EQ(answer.headers, "");
         EXPECT_EQ(answer.data, "");
         EXPECT_TRUE(server.WaitUntilAllClosed()) << rest;
-        EXPECT_LT(ResidentBytes() - before, qint64(128) << 20U) << rest;
+        EXPECT_LT(ResidentBytes() - before, qint64(MEMORY_ALLOWANCE_MB) << 20U) << rest;
         EXPECT_EQ(server.Connections(), 1) << "it is not asked again";
     }
     const HostileServer good([](Peer& peer) {
