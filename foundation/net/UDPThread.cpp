@@ -32,7 +32,7 @@ bool MUDPSocket::ReceiveBurst(const SystemSocket& socket) {
         DeliverBurst();
     else if (error != SocketError::WouldBlock)
         ReportReceiveFailure();
-    return m_reader.GetCount() == DatagramReader::kBurst;
+    return m_reader.GetCount() > 0;
 }
 
 // The handlers' lock is taken once for the burst; Tell enters it again.

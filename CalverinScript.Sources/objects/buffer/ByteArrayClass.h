@@ -61,6 +61,7 @@ private:
     QScriptValue FromArray(QScriptContext* context, const QScriptValue& array);
     QByteArray* Remembered(const QScriptValue& object);
     QByteArray* Remember(const QScriptValue& object, qint64 id);
+    QScriptValue Length(const QScriptValue& object);
     bool Resize(QByteArray& bytes, qint64 size);
 
     const QScriptString m_length;
@@ -71,4 +72,5 @@ private:
     std::array<QScriptValue, 256> m_numbers; ///< of each byte, since copying a value is cheaper than making one
     std::array<Recent, 2> m_recent;          ///< a loop looks at one object or goes between two
     std::size_t m_oldest = 0;                ///< the one of the two that makes room next
+    qint64 m_lastMeasured = -1;              ///< id of the object whose length was asked for last; it may have gone
 };

@@ -10,8 +10,10 @@
 MScriptCommonEvent::~MScriptCommonEvent() = default;
 
 std::optional<std::size_t> MScriptCommonEvent::SlotOf(const QString& event) {
-    const auto* found = std::find_if(kEventNames.begin(), kEventNames.end(),
-                                     [&](const char* name) { return event == QLatin1String(name); });
+    const auto size = static_cast<std::size_t>(event.size());
+    const auto* found = std::find_if(kEventNames.begin(), kEventNames.end(), [&](std::string_view name) {
+        return size == name.size() && event == QLatin1String(name.data(), event.size());
+    });
     if (found == kEventNames.end())
         return std::nullopt;
     return static_cast<std::size_t>(found - kEventNames.begin());

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <optional>
+#include <string_view>
 
 #include <QScriptValue>
 #include <QString>
@@ -26,7 +27,7 @@ enum class ScriptObjectType {
 };
 
 /// The names under which a script can listen. Every object accepts all of them, whatever it raises.
-inline constexpr std::array<const char*, 14> kEventNames = {
+inline constexpr std::array<std::string_view, 14> kEventNames = {
     "open",     "connect", "close", "error", "data",     "message",           "listening",
     "tx_empty", "break",   "cts",   "dsr",   "response", "download_progress", "upload_progress"};
 

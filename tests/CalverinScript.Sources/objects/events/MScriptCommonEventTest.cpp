@@ -14,8 +14,11 @@ public:
 class Listeners : public ScriptFixture {
 protected:
     QScriptValue Function(const std::string& text) { return engine.evaluate(QString::fromStdString("(" + text + ")")); }
-    std::string Heard(const char* event) {
-        return source.GetListener(QString::fromLatin1(event)).call().toString().toStdString();
+    static QString Name(std::string_view name) {
+        return QString::fromLatin1(name.data(), static_cast<int>(name.size()));
+    }
+    std::string Heard(std::string_view event) {
+        return source.GetListener(Name(event)).call().toString().toStdString();
     }
 
     Source source;
@@ -23,9 +26,9 @@ protected:
 
 TEST_F(Listeners, AreKeptUnderEachOfTheFourteenNames) {
     ASSERT_EQ(kEventNames.size(), 14u);
-    for (const char* name : kEventNames)
-        source.SetListener(QString::fromLatin1(name), Function("function () { return '" + std::string(name) + "' }"));
-    for (const char* name : kEventNames)
+    for (const std::string_view name : kEventNames)
+        source.SetListener(Name(name), Function("function () { return '" + std::string(name) + "' }"));
+    for (const std::string_view name : kEventNames)
         EXPECT_EQ(Heard(name), name);
 }
 
@@ -66,11 +69,11 @@ TEST_F(Listeners, SurviveACollection) {
 }
 
 TEST_F(Listeners, AreForgottenAllAtOnce) {
-    for (const char* name : kEventNames)
-        source.SetListener(QString::fromLatin1(name), Function("function () {}"));
+    for (const std::string_view name : kEventNames)
+        source.SetListener(Name(name), Function("function () {}"));
     source.ClearListeners();
-    for (const char* name : kEventNames)
-        EXPECT_FALSE(source.GetListener(QString::fromLatin1(name)).isValid()) << name;
+    for (const std::string_view name : kEventNames)
+        EXPECT_FALSE(source.GetListener(Name(name)).isValid()) << name;
 }
 
 TEST_F(Listeners, MayBeSetByTheThreadThatHoldsTheLock) {
