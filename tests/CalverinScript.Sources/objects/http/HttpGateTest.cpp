@@ -1,16 +1,13 @@
 #include "HttpGate.h"
 
-#include <functional>
 #include <memory>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <QEventLoop>
 #include <QTcpSocket>
-#include <QTimer>
 
+#include "EventLoopUntil.h"
 #include "HostileServer.h"
-#include "HttpDeadline.h"
 #include "HttpPassage.h"
 
 // The gate as its client sees it, byte by byte, and as the network library uses it.
@@ -27,21 +24,6 @@ protected:
             last = passage;
             unanswered.push_back(count);
         });
-    }
-
-    /// Runs the event loop until the condition holds. @return false past the deadline.
-    static bool Until(const std::function<bool()>& condition) {
-        QEventLoop loop;
-        QTimer deadline;
-        QTimer look;
-        QObject::connect(&deadline, &QTimer::timeout, &loop, [&] { loop.exit(1); });
-        QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-            if (condition())
-                loop.exit(0);
-        });
-        deadline.start(kHttpDeadline);
-        look.start(1);
-        return loop.exec() == 0;
     }
 
     /// Sends bytes to the gate as they are.

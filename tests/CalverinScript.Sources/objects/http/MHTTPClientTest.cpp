@@ -1,18 +1,15 @@
 #include "MHTTPClient.h"
 
-#include <functional>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <QEventLoop>
 #include <QFile>
 #include <QNetworkProxy>
 #include <QTemporaryDir>
-#include <QTimer>
 #include <sys/resource.h>
 
+#include "EventLoopUntil.h"
 #include "HostileServer.h"
-#include "HttpDeadline.h"
 
 // The worker on the test's own thread: what it does with more than one request, and with answers that never end.
 
@@ -41,20 +38,6 @@ protected:
 
     static QNetworkRequest To(const HostileServer& server, const char* path = "/") {
         return QNetworkRequest(QUrl(QString::fromStdString(server.Address(path))));
-    }
-    /// Runs the event loop until the condition holds. @return false past the deadline.
-    static bool Until(const std::function<bool()>& condition) {
-        QEventLoop loop;
-        QTimer deadline;
-        QTimer look;
-        QObject::connect(&deadline, &QTimer::timeout, &loop, [&] { loop.exit(1); });
-        QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-            if (condition())
-                loop.exit(0);
-        });
-        deadline.start(kHttpDeadline);
-        look.start(1);
-        return loop.exec() == 0;
     }
     bool UntilResponses(std::size_t count) {
         return Until([&] { return responses.size() >= count; });
