@@ -167,7 +167,7 @@ void ByteArrayClass::setProperty(QScriptValue& object, const QScriptString& /*na
                                  const QScriptValue& value) {
     const qint32 number = value.toInt32();
     QByteArray* bytes = Remembered(object);
-    if (bytes == nullptr || engine()->hasUncaughtException())
+    if (bytes == nullptr || (value.isObject() && engine()->hasUncaughtException()))
         return;
     if (id == kLengthId) {
         Resize(*bytes, qMax(number, 0));
@@ -175,9 +175,16 @@ void ByteArrayClass::setProperty(QScriptValue& object, const QScriptString& /*na
     }
     if (id >= static_cast<uint>(bytes->size()) && !Resize(*bytes, qint64(id) + 1))
         return;
-    // Bytes that another Buffer shares are copied first.
-    WithMemoryFor(engine()->currentContext(), bytes->size(), [&] {
+    if (bytes->isDetached())
         bytes->data()[id] = static_cast<char>(number);
+    else
+        WriteShared(*bytes, id, static_cast<char>(number));
+}
+
+/// Bytes that another Buffer shares are copied first.
+void ByteArrayClass::WriteShared(QByteArray& bytes, uint index, char value) {
+    WithMemoryFor(engine()->currentContext(), bytes.size(), [&] {
+        bytes.data()[index] = value;
         return QScriptValue();
     });
 }

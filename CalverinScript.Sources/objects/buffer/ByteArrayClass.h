@@ -63,6 +63,7 @@ private:
     QByteArray* Remember(const QScriptValue& object, qint64 id);
     QScriptValue Length(const QScriptValue& object);
     bool Resize(QByteArray& bytes, qint64 size);
+    void WriteShared(QByteArray& bytes, uint index, char value);
 
     const QScriptString m_length;
     ByteArrayPrototype* const m_methods; ///< child of the class
