@@ -4,7 +4,7 @@
 
 QString TextOf(IData& data) {
     char* text = data.GetValueAsString();
-    const QString copy = FromHostText(text);
+    QString copy = FromHostText(text);
     if (text != nullptr)
         data.ReleaseString(&text);
     return copy;

@@ -53,7 +53,7 @@ bool IsFiniteNumber(const QString& text) {
 QString CarriedValue(const TiXmlElement& oldData, const MScriptCommandParam& param) {
     const DataKind* oldKind = FindDataKind(QString::fromStdString(oldData.ValueStr()));
     const DataKind* kind = FindDataKind(param.type);
-    const QString text = XmlText(oldData, oldKind->valueAttribute);
+    QString text = XmlText(oldData, oldKind->valueAttribute);
     if (text.isNull() || kind == nullptr || oldKind == kind)
         return text;
     switch (kind->code) {
