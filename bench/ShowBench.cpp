@@ -119,7 +119,7 @@ std::vector<double> MeasureChanges() {
         heard.get_future().wait();
         heard = std::promise<void>();
     };
-    const std::vector<double> result = InTurn(
+    std::vector<double> result = InTurn(
         [&] {
             for (int i = 0; i < kChanges; ++i)
                 callBare(QStringLiteral("name"), QStringLiteral("value"));
