@@ -19,13 +19,12 @@ public:
     void Remove(Handler* handler) { m_handlers.Remove(handler); }
     void Clear() { m_handlers.Clear(); }
 
-    /// Calls every handler in turn.
+    /// Calls every handler in turn. Looks at the list anew for each, since the one before may have changed it.
     template <class Call>
     void Tell(Call call) {
         const std::lock_guard<HandlerList> guard(*this);
-        Handler* handler = nullptr;
-        for (std::size_t position = 0; m_handlers.Get(position, handler); ++position)
-            call(*handler);
+        for (std::ptrdiff_t position = 0; position < m_handlers.end() - m_handlers.begin(); ++position)
+            call(*m_handlers.begin()[position]);
     }
 
     /// For those who tell several things in a row.

@@ -99,8 +99,8 @@ TEST(RepeatedUse, NeitherGrowsNorBreaks) {
         UseTheModuleOnce(begun, ended);
     const Footprint after = Measure();
     std::cout << "before: " << before << "\nafter " << kCycles << " cycles: " << after << "\n";
-    EXPECT_EQ(after.threads, before.threads);
-    EXPECT_EQ(after.descriptors, before.descriptors);
+    EXPECT_LE(after.threads, before.threads);
+    EXPECT_LE(after.descriptors, before.descriptors);
     EXPECT_LE(after.memoryKb, before.memoryKb + kCycles * kMemoryPerCycleKb);
     EXPECT_EQ(begun, (kWarmUp + kCycles) * 6);
     EXPECT_EQ(ended, begun);

@@ -117,7 +117,7 @@ QScriptValue ByteArrayClass::Length(const QScriptValue& object) {
     if (std::exchange(m_lastMeasured, id) != id) {
         const QVariant data = object.data().toVariant();
         if (data.userType() == QMetaType::QByteArray)
-            return QScriptValue(data.toByteArray().size());
+            return QScriptValue(static_cast<const QByteArray*>(data.constData())->size());
     }
     const QByteArray* bytes = Remembered(object);
     return bytes != nullptr ? QScriptValue(bytes->size()) : QScriptValue();
