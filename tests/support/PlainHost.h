@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "Deadline.h"
 #include "IHostServices.h"
 #include "IKXPModule.h"
 #include "IManagerRemote.h"
@@ -22,8 +23,6 @@
 /// Waits always have a deadline.
 
 namespace plain {
-
-constexpr int kDeadlineMs = 20000;
 
 /// A value of one type behind a lock; anybody may wait for its next text.
 class Value : public IObjectParam {

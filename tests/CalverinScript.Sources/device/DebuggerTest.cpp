@@ -16,7 +16,7 @@ protected:
     static bool ServeUntil(const plain::Value& value, const std::string& text) {
         QElapsedTimer clock;
         clock.start();
-        while (value.Text() != text && !clock.hasExpired(plain::kDeadlineMs))
+        while (value.Text() != text && !clock.hasExpired(kDeadlineMs))
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         return value.Text() == text;
     }

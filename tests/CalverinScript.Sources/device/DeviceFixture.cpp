@@ -98,7 +98,7 @@ void DeviceFixture::OnScriptThread(const std::function<void()>& work) {
         work();
         done.set_value();
     }));
-    ASSERT_EQ(done.get_future().wait_for(std::chrono::milliseconds(plain::kDeadlineMs)), std::future_status::ready);
+    ASSERT_EQ(done.get_future().wait_for(std::chrono::milliseconds(kDeadlineMs)), std::future_status::ready);
 }
 
 std::string DeviceFixture::WriteFile(const std::string& name, const std::string& content) {

@@ -74,7 +74,7 @@ std::string EventFixture::Joined() const {
 
 std::string EventFixture::Heard(std::size_t count) {
     std::unique_lock<std::mutex> guard(m_lock);
-    m_changed.wait_for(guard, std::chrono::milliseconds(plain::kDeadlineMs), [&] { return m_heard.size() >= count; });
+    m_changed.wait_for(guard, std::chrono::milliseconds(kDeadlineMs), [&] { return m_heard.size() >= count; });
     return Joined();
 }
 

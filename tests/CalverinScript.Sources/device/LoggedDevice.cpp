@@ -48,7 +48,7 @@ std::vector<LogLine> LoggedDevice::Log() const {
 }
 
 std::vector<LogLine> LoggedDevice::LogOf(std::size_t count) const {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(plain::kDeadlineMs);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kDeadlineMs);
     std::vector<LogLine> lines = Log();
     while (lines.size() < count && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::yield();

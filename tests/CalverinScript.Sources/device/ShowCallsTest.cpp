@@ -29,7 +29,7 @@ protected:
     /// Calls a function again and again until it gives the text.
     testing::AssertionResult Becomes(const std::string& function, const std::string& text) {
         std::string got;
-        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(plain::kDeadlineMs);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(kDeadlineMs);
         while ((got = Call(function)) != text)
             if (std::chrono::steady_clock::now() > end)
                 return testing::AssertionFailure() << function << " gives " << got << ", not " << text;

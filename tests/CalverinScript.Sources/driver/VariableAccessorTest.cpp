@@ -170,7 +170,7 @@ public:
         : TypedValue("Desk.Level", KXP_INTEGER_DATA, "1") {}
     std::int32_t GetIntValue() override {
         entered.set_value();
-        leave.get_future().wait_for(std::chrono::milliseconds(plain::kDeadlineMs));
+        leave.get_future().wait_for(std::chrono::milliseconds(kDeadlineMs));
         gone = true;
         return 1;
     }

@@ -22,7 +22,7 @@ protected:
 private:
     template <class Condition>
     static bool Eventually(Condition condition) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(plain::kDeadlineMs);
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kDeadlineMs);
         while (!condition()) {
             if (std::chrono::steady_clock::now() > deadline)
                 return false;
