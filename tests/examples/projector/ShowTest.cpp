@@ -48,6 +48,14 @@ protected:
         return values;
     }
 
+    /// The same, less the first one where it is this. The driver may have told it before the host began to print.
+    QStringList ChangesAfter(const char* first, const char* variable) const {
+        QStringList values = Changes(variable);
+        if (!values.isEmpty() && values.first() == Text(first))
+            values.removeFirst();
+        return values;
+    }
+
     int Results(const char* result) const { return host.Output().split(QLatin1Char('\n')).count(Text(result)); }
 
     ProjectorProcess projector;
@@ -71,17 +79,18 @@ TEST_F(ProjectorInAShow, IsSwitchedOnAndOffAndTellsEachState) {
     GivenShow();
     Say("wait beamer.Power off\nsend beamer \"Power on\"\nwait beamer.Power on\nsend beamer \"Power off\"\n"
         "wait beamer.Power cooling\nwait beamer.Power off\n");
-    EXPECT_EQ(Changes("Power"),
-              (QStringList{Text("off"), Text("warming up"), Text("on"), Text("cooling"), Text("off")}));
+    EXPECT_EQ(ChangesAfter("off", "Power"),
+              (QStringList{Text("warming up"), Text("on"), Text("cooling"), Text("off")}));
     EXPECT_EQ(Results("OK"), 2);
 }
 
 TEST_F(ProjectorInAShow, IsPolled) {
     GivenProjector("--lamps 1234 --errors 100002 --name Stage");
     GivenShow();
-    Say("wait beamer.Name Stage\nwait beamer.LampHours 1234\nwait beamer.ErrorStatus \"fan warning, other error\"\n");
-    EXPECT_EQ(Changes("Online"), QStringList{Text("yes")});
-    EXPECT_EQ(Changes("Name"), QStringList{Text("Stage")});
+    Say("wait beamer.Online yes\nwait beamer.Name Stage\nwait beamer.LampHours 1234\nwait beamer.ErrorStatus \"fan "
+        "warning, other error\"\n");
+    EXPECT_EQ(ChangesAfter("yes", "Online"), QStringList());
+    EXPECT_EQ(ChangesAfter("Stage", "Name"), QStringList());
 }
 
 TEST_F(ProjectorInAShow, TellsWhatTheProjectorRefuses) {
@@ -96,7 +105,7 @@ TEST_F(ProjectorInAShow, KnowsThePassword) {
     GivenShow("JBMIAProjectorLink");
     Say("send beamer \"Power on\"\nwait beamer.Power \"warming up\"\n");
     EXPECT_EQ(Results("OK"), 1);
-    EXPECT_EQ(Changes("Connection"), QStringList{Text("connected")});
+    EXPECT_EQ(ChangesAfter("connected", "Connection"), QStringList());
 }
 
 TEST_F(ProjectorInAShow, TellsThatThePasswordIsWrong) {
@@ -119,7 +128,9 @@ TEST_F(ProjectorInAShow, SurvivesAProjectorThatIsKilledAndComesBack) {
     GivenProjector();
     GivenShow();
     host.Begin({Text("watch"), show});
-    ASSERT_TRUE(host.WaitForOutput("beamer.Power = off\n"));
+    host.Say("wait beamer.Power off");
+    host.Say("get beamer.Online");
+    ASSERT_TRUE(host.WaitForOutput("yes\n"));
     projector.Kill();
     ASSERT_TRUE(host.WaitForOutput("beamer.Online = no\n"));
     GivenProjector(qPrintable(Text("--port %1 --warm-up 1").arg(port)));
@@ -127,7 +138,7 @@ TEST_F(ProjectorInAShow, SurvivesAProjectorThatIsKilledAndComesBack) {
     host.Say("wait beamer.Power on");
     host.Finish();
     EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
-    EXPECT_EQ(Changes("Online"), (QStringList{Text("yes"), Text("no"), Text("yes")}));
+    EXPECT_EQ(ChangesAfter("yes", "Online"), (QStringList{Text("no"), Text("yes")}));
     EXPECT_EQ(Results("OK"), 1);
 }
 
