@@ -1,11 +1,9 @@
-#include <fstream>
-#include <iterator>
-
 #include <QScriptEngine>
 
 #include "DeviceFixture.h"
 #include "HostileServer.h"
 #include "HttpDeadline.h"
+#include "ManualScripts.h"
 #include "MScriptMngRemote.h"
 
 // The HTTP client in a device: answers become calls of script functions, and stopping the device ends all of it.
@@ -58,19 +56,6 @@ void AnswerHello(Peer& peer) {
 }
 
 class ScriptRequests : public DeviceFixture {};
-
-/// The scripts that docs/http.md shows, in their order.
-std::vector<std::string> ScriptsOfTheManual() {
-    std::ifstream file(HTTP_MANUAL);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    const std::string fence = "```js\n";
-    std::vector<std::string> scripts;
-    for (std::size_t at = text.find(fence); at != std::string::npos; at = text.find(fence, at)) {
-        at += fence.size();
-        scripts.push_back(text.substr(at, text.find("```", at) - at));
-    }
-    return scripts;
-}
 
 } // namespace
 
@@ -168,7 +153,7 @@ TEST_F(ScriptRequests, TheScriptsOfTheManualWork) {
             peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\n" + digit);
         }
     });
-    const std::vector<std::string> scripts = ScriptsOfTheManual();
+    const std::vector<std::string> scripts = ScriptsOfTheManual(HTTP_MANUAL);
     ASSERT_EQ(scripts.size(), 3U);
     GivenScript(scripts[0]);
     EXPECT_EQ(Call("Fetch", {server.Address("/7")}), "200 7");

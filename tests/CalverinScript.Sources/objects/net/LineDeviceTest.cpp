@@ -1,8 +1,8 @@
 #include "SocketFixture.h"
 
-#include <fstream>
-#include <iterator>
 #include <thread>
+
+#include "ManualScripts.h"
 
 // A device that speaks a protocol of lines, and the scripts of the manual.
 
@@ -23,18 +23,6 @@ void ServeLines(const Peer& client) {
         client.Send(sets ? "OK\r\n" : line == "GET level" ? "level " + value + "\r\n" : "ERROR\r\n");
         line.clear();
     }
-}
-
-std::vector<std::string> ScriptsOfTheManual() {
-    std::ifstream file(NETWORK_MANUAL);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    const std::string fence = "```js\n";
-    std::vector<std::string> scripts;
-    for (std::size_t at = text.find(fence); at != std::string::npos; at = text.find(fence, at)) {
-        at += fence.size();
-        scripts.push_back(text.substr(at, text.find("```", at) - at));
-    }
-    return scripts;
 }
 
 class LineDevices : public SocketFixture {
@@ -59,7 +47,7 @@ private:
 };
 
 TEST_F(LineDevices, AnswerTheScriptOfTheManual) {
-    const std::vector<std::string> scripts = ScriptsOfTheManual();
+    const std::vector<std::string> scripts = ScriptsOfTheManual(NETWORK_MANUAL);
     ASSERT_EQ(scripts.size(), 2U);
     GivenScript(scripts[0]);
     Call("Open", {"127.0.0.1", std::to_string(listener.GetPort())});
@@ -71,7 +59,7 @@ TEST_F(LineDevices, AnswerTheScriptOfTheManual) {
 }
 
 TEST_F(LineDevices, TheDatagramScriptOfTheManualWorks) {
-    const std::vector<std::string> scripts = ScriptsOfTheManual();
+    const std::vector<std::string> scripts = ScriptsOfTheManual(NETWORK_MANUAL);
     ASSERT_EQ(scripts.size(), 2U);
     GivenScript(scripts[1]);
     const std::string port = Call("Listen", {"0"});
