@@ -140,6 +140,11 @@ bool HostileServer::WaitForConnections(int count) {
     return m_changed.wait_for(guard, kHttpDeadline, [&] { return m_accepted >= count; });
 }
 
+bool HostileServer::AllClosed() {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return m_open.empty();
+}
+
 bool HostileServer::WaitUntilAllClosed() {
     std::unique_lock<std::mutex> guard(m_lock);
     return m_changed.wait_for(guard, kHttpDeadline, [&] { return m_open.empty(); });

@@ -51,6 +51,8 @@ public:
     bool WaitForConnections(int count);
     /// Waits until every connection is over. @return false past the deadline.
     bool WaitUntilAllClosed();
+    /// For a thread that has to go on with its events meanwhile, since it is the other end.
+    bool AllClosed();
 
 private:
     void Accept();

@@ -143,7 +143,7 @@ TEST_F(Gate, BringsAllThatTheClientSaidBeforeItsEnd) {
     client.disconnectFromHost();
     EXPECT_TRUE(IsShownOut());
     EXPECT_TRUE(Until([&] { return gate->findChildren<HttpPassage*>().isEmpty(); })) << "nothing stays behind";
-    EXPECT_TRUE(server.WaitUntilAllClosed());
+    EXPECT_TRUE(Until([&] { return server.AllClosed(); }));
     EXPECT_EQ(heard, film);
 }
 
@@ -179,7 +179,7 @@ TEST_F(Gate, CutsBothSides) {
     last->Cut();
     EXPECT_TRUE(IsShownOut());
     EXPECT_TRUE(Until([&] { return gate->findChildren<HttpPassage*>().isEmpty(); }));
-    EXPECT_TRUE(server.WaitUntilAllClosed());
+    EXPECT_TRUE(Until([&] { return server.AllClosed(); }));
 }
 
 TEST_F(Gate, KeepsLittleOfWhatNobodyTakes) {
@@ -212,7 +212,7 @@ TEST_F(Gate, TakesItsConnectionsWithIt) {
     GivenAPassageTo(server);
     gate.reset();
     EXPECT_TRUE(IsShownOut());
-    EXPECT_TRUE(server.WaitUntilAllClosed());
+    EXPECT_TRUE(Until([&] { return server.AllClosed(); }));
 }
 
 TEST_F(Gate, ServesSocketsOfTheNetworkLibrary) {

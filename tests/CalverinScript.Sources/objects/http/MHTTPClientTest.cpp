@@ -174,7 +174,7 @@ TEST_F(WorkerWithALimit, AnAnswerWithoutEndIsBrokenOff) {
     EXPECT_EQ(responses[0].error, 299);
     EXPECT_EQ(responses[0].data, "");
     EXPECT_TRUE(Until([&] { return Replies() == 0; }));
-    EXPECT_TRUE(server.WaitUntilAllClosed());
+    EXPECT_TRUE(Until([&] { return server.AllClosed(); }));
     EXPECT_EQ(responses.size(), 1U);
 }
 
