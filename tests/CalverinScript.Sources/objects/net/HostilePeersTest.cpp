@@ -2,6 +2,8 @@
 
 #include <thread>
 
+#include "Deadline.h"
+
 // Peers that misbehave: each is told by the events that are stated for it, leaves nothing behind, and does not hold up a stop.
 
 namespace {
@@ -20,16 +22,6 @@ protected:
     }
 
 private:
-    template <class Condition>
-    static bool Eventually(Condition condition) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kDeadlineMs);
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline)
-                return false;
-            std::this_thread::yield();
-        }
-        return true;
-    }
     std::size_t m_descriptors = 0;
 };
 
