@@ -41,14 +41,6 @@ struct Numbers {
     double microsecondsTrip = 0; ///< processor time for each round trip
 };
 
-sockaddr_in Loopback(std::uint16_t port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(port);
-    return address;
-}
-
 double MedianTrip(int descriptor) {
     std::vector<double> trips;
     std::array<char, 64> block{};

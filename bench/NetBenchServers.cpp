@@ -25,6 +25,14 @@
 #include "MCalverinScript_Device.h"
 #include "ScriptClasses.h"
 
+sockaddr_in Loopback(std::uint16_t port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    return address;
+}
+
 namespace {
 
 constexpr std::size_t kCounted = 64;
@@ -116,14 +124,6 @@ QScriptValue Answer(QScriptContext* context, QScriptEngine*) {
     sendto(bareDescriptor, bytes.constData(), static_cast<std::size_t>(bytes.size()), 0,
            reinterpret_cast<sockaddr*>(&bareSender), sizeof bareSender);
     return QScriptValue();
-}
-
-sockaddr_in Loopback(std::uint16_t port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(port);
-    return address;
 }
 
 int BindLoopback(std::uint16_t& port) {

@@ -5,9 +5,14 @@
 #include <string>
 #include <vector>
 
+#include <netinet/in.h>
+
 /// @file
 /// What the network benchmark measures, each in a process of its own, pinned to one core while the measuring end has the other: a
 /// device with a script, Node, a bare loop around the script engine, and plain system calls. All do the same work, see NetBenchNode.js.
+
+/// A port of this machine, as the system wants to see it.
+sockaddr_in Loopback(std::uint16_t port);
 
 /// A process to measure.
 class Subject {
