@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include "IDMXResource.h"
 #include "IHostServices.h"
+#include "IIOResource.h"
 #include "IKXPModule.h"
 #include "IManagerRemote.h"
 #include "IManagerRuntimeInfo.h"
 #include "IObjectFactoryManager.h"
+#include "IResourceProvider.h"
+#include "ISerialResource.h"
 
 namespace {
 
@@ -215,6 +219,100 @@ TEST(Slots, OfIObjectNameTools) {
 TEST(Slots, OfIManagerRemoteHandler) {
     const SlotRow rows[] = {SLOT(IManagerRemoteHandler::OnPropertyChange), SLOT(IManagerRemoteHandler::Reserved2)};
     ExpectInOrder(rows, 2);
+}
+
+// The places of resources count from 1, so an operation at place 5 has slot 4.
+
+TEST(Slots, OfIResourceProvider) {
+    const SlotRow rows[] = {SLOT(IResourceProvider::GetResource), SLOT(IResourceProvider::SelectResource),
+                            SLOT(IResourceProvider::SelectChannel)};
+    ExpectInOrder(rows, 2);
+}
+
+TEST(Slots, OfIResourceProxy) {
+    const SlotRow rows[] = {SLOT(IResourceProxy::GetName), SLOT(IResourceProxy::GetResourceID)};
+    ExpectInOrder(rows, 2);
+}
+
+TEST(Slots, OfEveryPortHaveTheStateAtPlace5OpenAtPlace9AndCloseAtPlace10) {
+    const SlotRow rows[] = {
+        SLOT(IPortResource::Reserved3),  SLOT(IPortResource::Reserved4),  SLOT(IPortResource::GetState),
+        SLOT(IPortResource::Reserved6),  SLOT(IPortResource::Reserved7),  SLOT(IPortResource::Reserved8),
+        SLOT(IPortResource::Open),       SLOT(IPortResource::Close),      SLOT(IPortResource::Reserved11),
+        SLOT(IPortResource::Reserved12), SLOT(IPortResource::Reserved13), SLOT(IPortResource::Reserved14),
+        SLOT(IPortResource::Reserved15), SLOT(IPortResource::Reserved16)};
+    ExpectInOrder(rows, 2);
+    EXPECT_EQ(SlotOf(&IPortResource::GetState), 5U - 1);
+    EXPECT_EQ(SlotOf(&IPortResource::Open), 9U - 1);
+    EXPECT_EQ(SlotOf(&IPortResource::Close), 10U - 1);
+}
+
+TEST(Slots, OfISerialResourceBeginBehindThePortAtPlace17) {
+    const SlotRow rows[] = {SLOT(ISerialResource::AddHandler),    SLOT(ISerialResource::RemoveHandler),
+                            SLOT(ISerialResource::Reserved19),    SLOT(ISerialResource::Reserved20),
+                            SLOT(ISerialResource::Reserved21),    SLOT(ISerialResource::Write),
+                            SLOT(ISerialResource::Reserved23),    SLOT(ISerialResource::Reserved24),
+                            SLOT(ISerialResource::SetBaudRate),   SLOT(ISerialResource::SetParity),
+                            SLOT(ISerialResource::SetDataSize),   SLOT(ISerialResource::SetStopBits),
+                            SLOT(ISerialResource::SetBreak),      SLOT(ISerialResource::SetDTR),
+                            SLOT(ISerialResource::SetRTS),        SLOT(ISerialResource::SetDTRControl),
+                            SLOT(ISerialResource::SetRTSControl), SLOT(ISerialResource::SetDTRHandshake),
+                            SLOT(ISerialResource::SetDSROutFlow), SLOT(ISerialResource::SetRTSHandshake),
+                            SLOT(ISerialResource::SetCTSOutFlow)};
+    ExpectInOrder(rows, 17 - 1);
+    EXPECT_EQ(SlotOf(&ISerialResource::Write), 22U - 1);
+    EXPECT_EQ(SlotOf(&ISerialResource::SetCTSOutFlow), 37U - 1);
+}
+
+TEST(Slots, OfIDMXResourceBeginBehindThePortAtPlace17) {
+    const SlotRow rows[] = {SLOT(IDMXResource::AddHandler), SLOT(IDMXResource::RemoveHandler),
+                            SLOT(IDMXResource::Reserved19), SLOT(IDMXResource::Reserved20),
+                            SLOT(IDMXResource::WriteBlock), SLOT(IDMXResource::ReadInput),
+                            SLOT(IDMXResource::ReadOutput)};
+    ExpectInOrder(rows, 17 - 1);
+    EXPECT_EQ(SlotOf(&IDMXResource::ReadOutput), 23U - 1);
+}
+
+TEST(Slots, OfIIOResource) {
+    const SlotRow rows[] = {SLOT(IIOResource::Reserved3),  SLOT(IIOResource::Reserved4),  SLOT(IIOResource::GetState),
+                            SLOT(IIOResource::Reserved6),  SLOT(IIOResource::Reserved7),  SLOT(IIOResource::Reserved8),
+                            SLOT(IIOResource::Reserved9),  SLOT(IIOResource::Reserved10), SLOT(IIOResource::Reserved11),
+                            SLOT(IIOResource::Reserved12), SLOT(IIOResource::Reserved13), SLOT(IIOResource::Reserved14),
+                            SLOT(IIOResource::Reserved15), SLOT(IIOResource::Reserved16), SLOT(IIOResource::Reserved17),
+                            SLOT(IIOResource::GetChannel), SLOT(IIOResource::Flush),      SLOT(IIOResource::Open),
+                            SLOT(IIOResource::Close)};
+    ExpectInOrder(rows, 2);
+    EXPECT_EQ(SlotOf(&IIOResource::GetChannel), 18U - 1);
+    EXPECT_EQ(SlotOf(&IIOResource::Close), 21U - 1);
+}
+
+TEST(Slots, OfIIOResourceChannelBeginWithAddHandlerForItIsNoIMInterface) {
+    const SlotRow rows[] = {SLOT(IIOResourceChannel::AddHandler),  SLOT(IIOResourceChannel::RemoveHandler),
+                            SLOT(IIOResourceChannel::Reserved3),   SLOT(IIOResourceChannel::Reserved4),
+                            SLOT(IIOResourceChannel::SetValue),    SLOT(IIOResourceChannel::GetValue),
+                            SLOT(IIOResourceChannel::GetResource), SLOT(IIOResourceChannel::Reserved8),
+                            SLOT(IIOResourceChannel::Reserved9),   SLOT(IIOResourceChannel::GetChannelIndex),
+                            SLOT(IIOResourceChannel::GetName)};
+    ExpectInOrder(rows, 0);
+    EXPECT_EQ(SlotOf(&IIOResourceChannel::GetChannelIndex), 10U - 1);
+}
+
+TEST(Slots, OfAResourcesHandlerHaveNoRelease) {
+    const SlotRow rows[] = {SLOT(IResourceHandler::QueryInterface), SLOT(IResourceHandler::OnStateChanged),
+                            SLOT(IResourceHandler::GetOwnerName), SLOT(IResourceHandler::Reserved4)};
+    ExpectInOrder(rows, 0);
+}
+
+TEST(Slots, OfTheHandlersOfPortsFollowThoseOfEveryHandler) {
+    const SlotRow rows[] = {SLOT(ISerialResourceHandler::OnData), SLOT(ISerialResourceHandler::OnEvent)};
+    ExpectInOrder(rows, 4);
+    EXPECT_EQ(SlotOf(&IDMXResourceHandler::OnData), 4U);
+}
+
+TEST(Slots, OfAChannelsHandler) {
+    const SlotRow rows[] = {SLOT(IIOResourceChannelHandler::OnValueChanged), SLOT(IIOResourceChannelHandler::Reserved2),
+                            SLOT(IIOResourceChannelHandler::GetOwnerName)};
+    ExpectInOrder(rows, 0);
 }
 
 #undef SLOT
