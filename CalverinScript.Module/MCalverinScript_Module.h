@@ -50,6 +50,8 @@ public:
     IMInterface* GetHost() override { return host; }
     const char* GetDefinitionTemplate() override { return GetDefinition(); }
     void GetConfigFilePath(char* buffer) override;
+    /// Found, and older folders moved there, at the first call.
+    const char* GetScriptsFolder() override;
     bool IsDebuggerAllowed() const override { return debuggerAllowed; }
     bool IsHostAtLeast642() const override;
     bool IsHostAtLeast643() const override;
@@ -58,8 +60,6 @@ public:
 
     /// The host's version numbers, -1 where it told none. @return false on a null argument.   [any]
     bool GetHostVersion(std::int32_t* major, std::int32_t* minor, std::int32_t* build) const;
-    /// The script library's folder; found, and older folders moved there, at the first call.   [host main]
-    const char* GetScriptsFolder();
     /// Keeps the list of devices still; calls nest, and count may stand for several.   [any]
     void LockDevices(int count = 1) { devices.Lock(count); }
     void UnlockDevices(int count = 1) { devices.Unlock(count); }

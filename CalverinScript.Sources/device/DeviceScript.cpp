@@ -64,20 +64,25 @@ private:
 
 } // namespace
 
+/// As with an analysis, what is loaded for one touches nothing of the running script and does not wait for it.
 bool MCalverinScript_Device::SlotLoadScriptCommand(const char* fileName, bool stopMode) {
-    return RunSlot(MarshalledCall::LoadScriptCommand, [&] {
-        ScriptSet& set = stopMode ? stop : live;
-        const QString path = FromHostText(fileName);
-        QFile file(path);
-        const bool read = fileName != nullptr && file.open(QIODevice::ReadOnly);
-        set.scriptText = read ? FromScriptBytes(file.readAll()) : QStringLiteral("");
-        if (!read)
-            ReportError(QStringLiteral("This file cannot be loaded."), false);
-        set.scriptFileName = path;
-        Q_EMIT SignalNotifyScriptFileNameChange(set.scriptFileName);
-        Q_EMIT SignalNotifyScriptChange(set.scriptText);
-        return read && (stopMode || RunLoadedScript());
-    });
+    if (stopMode)
+        return LoadScriptFile(stop, fileName);
+    return RunSlot(MarshalledCall::LoadScriptCommand,
+                   [&] { return LoadScriptFile(live, fileName) && RunLoadedScript(); });
+}
+
+bool MCalverinScript_Device::LoadScriptFile(ScriptSet& set, const char* fileName) {
+    const QString path = FromHostText(fileName);
+    QFile file(path);
+    const bool read = fileName != nullptr && file.open(QIODevice::ReadOnly);
+    set.scriptText = read ? FromScriptBytes(file.readAll()) : QStringLiteral("");
+    if (!read)
+        ReportError(QStringLiteral("This file cannot be loaded."), false);
+    set.scriptFileName = path;
+    Q_EMIT SignalNotifyScriptFileNameChange(set.scriptFileName);
+    Q_EMIT SignalNotifyScriptChange(set.scriptText);
+    return read;
 }
 
 bool MCalverinScript_Device::SlotEvaluateScriptCommand(const QString& text, bool stopMode) {

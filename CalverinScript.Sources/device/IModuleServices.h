@@ -14,6 +14,8 @@ public:
     virtual const char* GetDefinitionTemplate() = 0;
     /// Path of the configuration file, at most 1024 characters with the NUL.   [host main]
     virtual void GetConfigFilePath(char* buffer) = 0;
+    /// The script library's folder; null when there is none. Valid as long as the module.   [host main]
+    virtual const char* GetScriptsFolder() { return nullptr; }
     /// Whether the host is one that may show the debugger.   [host main]
     virtual bool IsDebuggerAllowed() const = 0;
     /// Whether each of the host's three version numbers is at least that of 6.4.2.   [any]

@@ -34,6 +34,7 @@
 #include "ScriptInbox.h"
 #include "ScriptSet.h"
 #include "SetupFormat.h"
+#include "SetupMemory.h"
 #include "VariableAccessor.h"
 
 class EventArguments;
@@ -211,6 +212,12 @@ public:
     QScriptEngine* GetEngine() const { return engine; }
     const ScriptSet& GetLiveSet() const { return live; }
     const ScriptSet& GetStopSet() const { return stop; }
+    /// What the last analysis saw, for the dialog whose analyses these are.   [host main]
+    ScriptSet& GetStopSet() { return stop; }
+    /// The module that made the device; null in a device without one.
+    IModuleServices* GetModule() const { return module; }
+    /// How the user left the setup dialog the last time.   [host main]
+    SetupMemory& GetSetupMemory() { return setupMemory; }
     QScriptEngineDebugger* GetDebugger() const { return debugger; }
     MScriptThread* GetScriptThread() const { return scriptThread; }
     std::int32_t GetStackCount() const { return stackCount.Read(); }
@@ -221,6 +228,8 @@ public:
     const QString& GetSetupScriptText() const { return setupScriptText; }
     const QString& GetSetupScriptFileName() const { return setupScriptFileName; }
     bool GetRemoveDefaults() const { return removeDefaults; }
+    /// The script's own word at the last analysis; nothing when it has none.   [host main]
+    std::optional<bool> GetScriptOptionRemoveDefaults() const { return scriptOptionRemoveDefaults; }
     /// Whether the default commands and variables are gone: the script's word, or else the setup's.
     bool GetAppliedRemoveDefaults() const { return appliedRemoveDefaults; }
     /// The resources of the host that the settings name.   [host main]
@@ -331,6 +340,7 @@ private:
     void WriteVariable(const std::atomic<IData*>& variable, const QString& text);
 
     // Script work
+    bool LoadScriptFile(ScriptSet& set, const char* fileName);
     bool RunLoadedScript();
     bool Evaluate(ScriptSet& set, const QString& text, bool stopMode);
     bool ReportEvaluation(ScriptSet& set, bool stopMode);
@@ -421,6 +431,7 @@ private:
     std::optional<bool> pendingRemoveDefaults;      ///< the dialog's while it is open
     std::atomic<bool> appliedRemoveDefaults{false}; ///< written on the host's main thread, read by the script thread
     std::vector<ResourceRequest> resources;         ///< host main
+    SetupMemory setupMemory;                        ///< host main
     MScriptMngRemote* remote = nullptr;             ///< owned
     std::atomic<MCommandObject*> currentCommand{};  ///< during a command 3 only; written by whoever executes it
     QScriptEngineDebugger* debugger = nullptr;      ///< child of the device

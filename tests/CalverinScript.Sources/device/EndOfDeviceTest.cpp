@@ -60,6 +60,15 @@ TEST_F(EndOfDevice, ALoopAtTheTopLevelLetsStartReturn) {
     starter.join();
 }
 
+TEST_F(EndOfDevice, ASetupThatLoadsAFileDoesNotWaitForAHungScript) {
+    const std::string path = WriteFile("driver.js", "({ Play: function() {} })");
+    WhenItHangs("while (true) {}");
+    EXPECT_TRUE(device->LoadScriptCommand(path.c_str(), true));
+    EXPECT_EQ(device->GetStopSet().scriptText, QStringLiteral("({ Play: function() {} })"));
+    EXPECT_FALSE(device->LoadScriptCommand("/no/such/file.js", true));
+    Release();
+}
+
 TEST_F(EndOfDevice, AStopThatWaitsForAHungCommandReturnsWhenTheDeviceIsReleased) {
     WhenItHangs("while (true) {}");
     std::atomic<bool> stopped{false};
