@@ -6,6 +6,8 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QEventLoop>
+#include <QThread>
+#include <QTimer>
 
 namespace {
 
@@ -14,54 +16,87 @@ void QuitLater(QEventLoop* loop) {
     QCoreApplication::postEvent(loop, new QEvent(QEvent::Quit));
 }
 
-} // namespace
-
-CompletionGate::Generation CompletionGate::Current(MarshalledCall call) const {
-    const std::lock_guard<std::mutex> guard(m_lock);
-    return m_generations[IndexOf(call)];
+/// The host's main thread has events of its own to serve while it waits; the module's plain threads have none.
+bool HasEventsToServe() {
+    const QCoreApplication* application = QCoreApplication::instance();
+    return application != nullptr && application->thread() == QThread::currentThread();
 }
 
-void CompletionGate::Notify(MarshalledCall call) {
+} // namespace
+
+/// A nested event loop that is known to the gate while this object lives, so that its call's completion quits it.
+class CompletionGate::JoinedLoop {
+public:
+    JoinedLoop(CompletionGate& gate, Call& call)
+        : m_gate(gate)
+        , m_call(call) {
+        const std::lock_guard<std::mutex> guard(m_gate.m_lock);
+        m_call.m_loop = &m_loop;
+        m_gate.m_loops.push_back(&m_loop);
+        if (m_gate.m_abandoned || m_call.m_done)
+            QuitLater(&m_loop);
+    }
+    ~JoinedLoop() {
+        const std::lock_guard<std::mutex> guard(m_gate.m_lock);
+        m_call.m_loop = nullptr;
+        std::vector<QEventLoop*>& loops = m_gate.m_loops;
+        loops.erase(std::remove(loops.begin(), loops.end(), &m_loop), loops.end());
+    }
+    JoinedLoop(const JoinedLoop&) = delete;
+    JoinedLoop& operator=(const JoinedLoop&) = delete;
+    QEventLoop& Loop() { return m_loop; }
+
+private:
+    CompletionGate& m_gate;
+    Call& m_call;
+    QEventLoop m_loop;
+};
+
+void CompletionGate::Complete(Call& call, bool result) {
     {
         const std::lock_guard<std::mutex> guard(m_lock);
-        ++m_generations[IndexOf(call)];
-        for (const WaitingLoop& waiting : m_loops)
-            if (waiting.call == call)
-                QuitLater(waiting.loop);
+        call.m_done = true;
+        call.m_result = result;
+        if (call.m_loop != nullptr)
+            QuitLater(call.m_loop);
     }
     m_changed.notify_all();
 }
 
-bool CompletionGate::WaitPast(MarshalledCall call, Generation seen, std::uint32_t limitMs) {
+bool CompletionGate::Wait(Call& call, std::uint32_t limitMs, bool& result) {
+    if (HasEventsToServe())
+        WaitInEventLoop(call, limitMs);
+    else
+        WaitAsleep(call, limitMs);
+    const std::lock_guard<std::mutex> guard(m_lock);
+    result = call.m_done && call.m_result;
+    return call.m_done;
+}
+
+void CompletionGate::WaitInEventLoop(Call& call, std::uint32_t limitMs) {
+    JoinedLoop joined(*this, call);
+    QTimer limit;
+    if (limitMs != kNoLimit) {
+        limit.setSingleShot(true);
+        QObject::connect(&limit, &QTimer::timeout, &joined.Loop(), &QEventLoop::quit);
+        limit.start(static_cast<int>(limitMs));
+    }
+    joined.Loop().exec();
+}
+
+void CompletionGate::WaitAsleep(Call& call, std::uint32_t limitMs) {
     std::unique_lock<std::mutex> guard(m_lock);
-    const auto over = [&] { return m_abandoned || m_generations[IndexOf(call)] > seen; };
+    const auto over = [&] { return m_abandoned || call.m_done; };
     if (limitMs == kNoLimit)
         m_changed.wait(guard, over);
     else
         m_changed.wait_for(guard, std::chrono::milliseconds(limitMs), over);
-    return m_generations[IndexOf(call)] > seen;
 }
 
 void CompletionGate::Abandon() {
     const std::lock_guard<std::mutex> guard(m_lock);
     m_abandoned = true;
     m_changed.notify_all();
-    for (const WaitingLoop& waiting : m_loops)
-        QuitLater(waiting.loop);
-}
-
-CompletionGate::JoinLoop::JoinLoop(CompletionGate& gate, MarshalledCall call, QEventLoop& loop)
-    : m_gate(gate)
-    , m_loop(loop) {
-    const std::lock_guard<std::mutex> guard(m_gate.m_lock);
-    m_gate.m_loops.push_back({call, &m_loop});
-    if (m_gate.m_abandoned)
-        QuitLater(&m_loop);
-}
-
-CompletionGate::JoinLoop::~JoinLoop() {
-    const std::lock_guard<std::mutex> guard(m_gate.m_lock);
-    std::vector<WaitingLoop>& loops = m_gate.m_loops;
-    loops.erase(std::remove_if(loops.begin(), loops.end(), [this](const WaitingLoop& w) { return w.loop == &m_loop; }),
-                loops.end());
+    for (QEventLoop* loop : m_loops)
+        QuitLater(loop);
 }

@@ -1,57 +1,55 @@
 #pragma once
 
-#include <array>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <vector>
 
-#include "MarshalledCall.h"
-
 class QEventLoop;
 
-/// Where callers of marshalled calls wait for the script thread. Each kind of call has a count of its completions; a caller
-/// notes it before it asks and waits until it has grown, whichever call it was that completed. Abandon lets everybody go for
-/// good: the script thread will not answer any more.
+/// Where callers of marshalled calls wait for the script thread.
+///
+/// - A caller waits for the completion of its own call and gets the result of its own call, however many are open.
+/// - A call that completes before its wait begins is not lost.
+/// - A wait that ends early, after its limit or by Abandon, gives false. The call may still complete later: nobody minds.
+/// - Abandon lets all waiters go, now and from now on: the script thread will not answer any more.
 class CompletionGate {
 public:
-    using Generation = std::uint64_t;
     static constexpr std::uint32_t kNoLimit = 0xFFFFFFFF;
 
-    /// The count to wait past.   [any]
-    Generation Current(MarshalledCall call) const;
-    /// One call of that kind is complete.   [script]
-    void Notify(MarshalledCall call);
-    /// Waits until the count has grown past seen, for limitMs at most.
-    /// @return false after the limit and after Abandon.   [any but script]
-    bool WaitPast(MarshalledCall call, Generation seen, std::uint32_t limitMs);
-    /// Lets all waiters go, now and from now on, and quits the joined loops.   [host main]
-    void Abandon();
-
-    /// A nested event loop that waits here while this object lives: it quits with the next call of that kind that completes.
-    class JoinLoop {
+    /// One call, from its request to its completion. Shared by the caller and by the task on the script thread, since either may
+    /// be the last to look at it.
+    class Call {
     public:
-        JoinLoop(CompletionGate& gate, MarshalledCall call, QEventLoop& loop);
-        ~JoinLoop();
-        JoinLoop(const JoinLoop&) = delete;
-        JoinLoop& operator=(const JoinLoop&) = delete;
+        Call() = default;
+        Call(const Call&) = delete;
+        Call& operator=(const Call&) = delete;
 
     private:
-        CompletionGate& m_gate;
-        QEventLoop& m_loop;
+        friend class CompletionGate;
+        bool m_done = false;          ///< under the gate's lock, as are the next two
+        bool m_result = false;        ///< what the script thread gave
+        QEventLoop* m_loop = nullptr; ///< of the waiting caller, when it has events to serve
     };
+
+    /// The call is complete, with this result.   [script]
+    void Complete(Call& call, bool result);
+
+    /// Waits until the call is complete, for limitMs at most. The host's main thread serves its events meanwhile.
+    /// @param result what the call gave; false without a completion. @return whether it is complete.   [any but script]
+    bool Wait(Call& call, std::uint32_t limitMs, bool& result);
+
+    /// Lets all waiters go, now and from now on.   [host main]
+    void Abandon();
 
 private:
-    struct WaitingLoop {
-        MarshalledCall call;
-        QEventLoop* loop;
-    };
+    class JoinedLoop;
 
-    static std::size_t IndexOf(MarshalledCall call) { return static_cast<std::size_t>(call); }
+    void WaitInEventLoop(Call& call, std::uint32_t limitMs);
+    void WaitAsleep(Call& call, std::uint32_t limitMs);
 
-    mutable std::mutex m_lock;
+    std::mutex m_lock;
     std::condition_variable m_changed;
-    std::array<Generation, kMarshalledCallCount> m_generations{}; ///< under m_lock
-    std::vector<WaitingLoop> m_loops;                             ///< under m_lock
-    bool m_abandoned = false;                                     ///< under m_lock
+    std::vector<QEventLoop*> m_loops; ///< loops that wait here; under m_lock
+    bool m_abandoned = false;         ///< under m_lock
 };

@@ -71,7 +71,7 @@ MyAsyncDeviceExecContext* MCalverinScript_Device::MakeAsyncContext(const QScript
 }
 
 bool MCalverinScript_Device::SlotExecuteCallBack(MyAsyncDeviceExecContext* context) {
-    return RunSlot(MarshalledCall::ExecuteCallBack, [&] {
+    return RunSlot(MarshalledCallTable::kExecuteCallBack, [&] {
         const QScriptValue function = callbacks.take(context);
         if (!function.isFunction())
             return true;
@@ -111,8 +111,13 @@ unsigned int MCalverinScript_Device::SlotSetPropertyChangeCallback(const QScript
 
 void MCalverinScript_Device::PostPropertyChange(const char* object, const char* property, const char* value,
                                                 bool objectFollows) {
-    if (object != nullptr && property != nullptr && value != nullptr)
-        Q_EMIT SignalOnPropertyChange(FromHostText(object), FromHostText(property), FromHostText(value), objectFollows);
+    if (object == nullptr || property == nullptr || value == nullptr)
+        return;
+    const QString name = FromHostText(object);
+    const QString propertyName = FromHostText(property);
+    const QString text = FromHostText(value);
+    Q_EMIT SignalOnPropertyChange(name, propertyName, text, objectFollows);
+    inbox.Post([=] { SlotOnPropertyChange(name, propertyName, text, objectFollows); });
 }
 
 void MCalverinScript_Device::SlotOnPropertyChange(const QString& object, const QString& /*property*/,

@@ -1,22 +1,22 @@
 #include "MCalverinScript_Device.h"
 
 #include <chrono>
+#include <memory>
+#include <tuple>
+#include <type_traits>
+#include <utility>
 
 #include <QCoreApplication>
 #include <QEvent>
-#include <QEventLoop>
 #include <QScriptContext>
 #include <QScriptEngine>
-#include <QTimer>
 #include <QTimerEvent>
 
 #include "DeviceMarshalling.h"
-#include "MarshalledCallTable.h"
 #include "MScriptThread.h"
+#include "OwnedArgument.h"
 #include "ScriptEntry.h"
 #include "ScriptGlobals.h"
-
-static_assert(MarshalledCallTable::InOrder(), "the table follows the enumeration");
 
 namespace {
 
@@ -27,12 +27,6 @@ constexpr int kAbortRetryMs = 5;
 
 /// How long tasks are run before the thread looks at its timers.
 constexpr std::chrono::milliseconds kTurn(5);
-
-/// The host's main thread has events of its own to serve while it waits; the module's plain threads have none.
-bool HasEventsToServe() {
-    const QCoreApplication* application = QCoreApplication::instance();
-    return application != nullptr && application->thread() == QThread::currentThread();
-}
 
 } // namespace
 
@@ -67,28 +61,9 @@ void MCalverinScript_Device::OnScriptThreadEnding() {
     threadLeft = true;
 }
 
-/// Each request signal only leaves a task in the inbox, on the emitting thread, so that requests run in order, never inside
-/// a running script, and a burst of them wakes the script thread once.
 void MCalverinScript_Device::ConnectSignals() {
-    using Device = MCalverinScript_Device;
-    const auto deliver = [this](auto signal, auto slot) {
-        connect(
-            this, signal, this,
-            [this, slot](auto... arguments) {
-                return inbox.Post([this, slot, arguments...] { (this->*slot)(arguments...); });
-            },
-            Qt::DirectConnection);
-    };
-    deliver(&Device::SignalLoadScriptCommand, &Device::SlotLoadScriptCommand);
-    deliver(&Device::SignalEvaluateScriptCommand, &Device::SlotEvaluateScriptCommand);
-    deliver(&Device::SignalEvaluateScript, &Device::SlotEvaluateScript);
-    deliver(&Device::SignalExecuteScriptFunction, &Device::SlotExecuteScriptFunction);
-    deliver(&Device::SignalExecuteScript_mStop, &Device::SlotExecuteScript_mStop);
-    deliver(&Device::SignalExecuteCallBack, &Device::SlotExecuteCallBack);
-    deliver(&Device::SignalOnPropertyChange, &Device::SlotOnPropertyChange);
     qRegisterMetaType<MScriptParamList>("MScriptParamList");
-    deliver(&Device::SignalExecuteScriptEventCallBack, &Device::SlotExecuteScriptEventCallBack);
-    connect(this, &Device::SignalShowDebugger, this, &Device::SlotShowDebugger);
+    connect(this, &MCalverinScript_Device::SignalShowDebugger, this, &MCalverinScript_Device::SlotShowDebugger);
 }
 
 void MCalverinScript_Device::WakeScriptThread() {
@@ -153,114 +128,108 @@ void MCalverinScript_Device::timerEvent(QTimerEvent* fired) {
         deferredTimers.append(id);
 }
 
-void MCalverinScript_Device::Finish(MarshalledCall call, bool result) {
-    const MarshalledCallRow& row = MarshalledCallTable::RowOf(call);
-    this->*row.result = result;
-    if (row.finished != nullptr)
-        Q_EMIT(this->*row.finished)();
-    gate.Notify(call);
-}
+/// A marshalled call on its way: what its slot needs, and the completion that its caller waits for.
+template <typename... Parameters>
+struct MCalverinScript_Device::OpenCall {
+    using Row = MarshalledCallRow<Parameters...>;
 
-void MCalverinScript_Device::WaitInEventLoop(MarshalledCall call, CompletionGate::Generation seen) {
-    const MarshalledCallRow& row = MarshalledCallTable::RowOf(call);
-    QEventLoop loop;
-    const CompletionGate::JoinLoop joined(gate, call, loop);
-    QTimer limit;
-    if (row.limitMs != CompletionGate::kNoLimit) {
-        limit.setSingleShot(true);
-        connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
-        limit.start(static_cast<int>(row.limitMs));
+    OpenCall(MCalverinScript_Device& owner, const Row& kind, const Parameters&... parameters)
+        : device(owner)
+        , row(kind)
+        , arguments(parameters...) {}
+
+    void Announce() {
+        if (row.request != nullptr)
+            std::apply([this](auto&... owned) { Q_EMIT(device.*row.request)(owned.Get()...); }, arguments);
     }
-    if (gate.Current(call) == seen)
-        loop.exec();
-}
+    void RunSlot() {
+        const bool result =
+            std::apply([this](auto&... owned) { return (device.*row.slot)(owned.Get()...); }, arguments);
+        device.gate.Complete(completion, result);
+    }
+    void GiveBack(const Parameters&... callers) {
+        std::apply([&](auto&... owned) { (owned.GiveBack(callers), ...); }, arguments);
+    }
 
-/// Asks with the emission and waits for the next completion of that kind, whichever call it answers.
-template <typename Emit>
-bool MCalverinScript_Device::Marshal(MarshalledCall call, Emit emitRequest) {
-    const MarshalledCallRow& row = MarshalledCallTable::RowOf(call);
-    const CompletionGate::Generation seen = gate.Current(call);
-    if (!emitRequest())
+    MCalverinScript_Device& device;
+    const Row& row;
+    CompletionGate::Call completion;
+    std::tuple<OwnedArgument<std::decay_t<Parameters>>...> arguments;
+};
+
+/// Runs the slot of a call on the script thread and waits for it; on that thread itself runs it at once. The request lives until
+/// the slot has run, also when the wait for it has ended earlier.
+template <typename... Parameters>
+bool MCalverinScript_Device::Marshal(const MarshalledCallRow<Parameters...>& row,
+                                     const std::common_type_t<Parameters>&... parameters) {
+    if (OnScriptThread())
+        return (this->*row.slot)(parameters...);
+    const auto call = std::make_shared<OpenCall<Parameters...>>(*this, row, parameters...);
+    call->Announce();
+    if (!inbox.Post([call] { call->RunSlot(); }))
         return false;
-    if (HasEventsToServe())
-        WaitInEventLoop(call, seen);
-    else
-        gate.WaitPast(call, seen, row.limitMs);
-    return this->*row.result;
+    bool result = false;
+    if (gate.Wait(call->completion, row.limitMs, result))
+        call->GiveBack(parameters...);
+    return result;
 }
 
 bool MCalverinScript_Device::LoadScriptCommand(const char* fileName, bool stopMode) {
-    if (stopMode || OnScriptThread())
+    if (stopMode)
         return SlotLoadScriptCommand(fileName, stopMode);
-    return Marshal(MarshalledCall::LoadScriptCommand,
-                   [&] { return Q_EMIT SignalLoadScriptCommand(fileName, stopMode); });
+    return Marshal(MarshalledCallTable::kLoadScriptCommand, fileName, stopMode);
 }
 
 bool MCalverinScript_Device::EvaluateScriptCommand(const QString& text, bool stopMode) {
-    if (stopMode || OnScriptThread())
+    if (stopMode)
         return SlotEvaluateScriptCommand(text, stopMode);
-    return Marshal(MarshalledCall::EvaluateScriptCommand,
-                   [&] { return Q_EMIT SignalEvaluateScriptCommand(text, stopMode); });
+    return Marshal(MarshalledCallTable::kEvaluateScriptCommand, text, stopMode);
 }
 
 bool MCalverinScript_Device::EvaluateScript(const QString& text, QScriptEngine* analysisEngine) {
-    if (analysisEngine != nullptr) {
-        SetUpAnalysisGlobals(*analysisEngine);
-        stop.engine = analysisEngine;
-        const bool result = SlotEvaluateScript(text, true);
-        stop.engine = nullptr;
-        return result;
-    }
-    if (OnScriptThread())
-        return SlotEvaluateScript(text, false);
-    return Marshal(MarshalledCall::EvaluateScript, [&] { return Q_EMIT SignalEvaluateScript(text, false); });
+    if (analysisEngine == nullptr)
+        return Marshal(MarshalledCallTable::kEvaluateScript, text, false);
+    SetUpAnalysisGlobals(*analysisEngine);
+    stop.engine = analysisEngine;
+    const bool result = SlotEvaluateScript(text, true);
+    stop.engine = nullptr;
+    return result;
 }
 
 bool MCalverinScript_Device::ExecuteScriptFunction(const char* name, IData* result, const char** params) {
-    if (OnScriptThread())
-        return SlotExecuteScriptFunction(name, result, params);
-    return Marshal(MarshalledCall::ExecuteScriptFunction,
-                   [&] { return Q_EMIT SignalExecuteScriptFunction(name, result, params); });
+    return Marshal(MarshalledCallTable::kExecuteScriptFunction, name, result, params);
 }
 
 bool MCalverinScript_Device::ExecuteCallBack(MyAsyncDeviceExecContext* context) {
-    if (OnScriptThread())
-        return SlotExecuteCallBack(context);
-    return Marshal(MarshalledCall::ExecuteCallBack, [&] { return Q_EMIT SignalExecuteCallBack(context); });
+    return Marshal(MarshalledCallTable::kExecuteCallBack, context);
 }
 
 bool MCalverinScript_Device::ExecuteStopFunction() {
-    if (!hasStopFunction)
-        return false;
-    if (OnScriptThread())
-        return SlotExecuteScript_mStop();
-    return Marshal(MarshalledCall::ExecuteStopFunction, [&] { return Q_EMIT SignalExecuteScript_mStop(); });
+    return hasStopFunction && Marshal(MarshalledCallTable::kExecuteStopFunction);
 }
 
 void MCalverinScript_Device::ClearScriptState() {
-    if (OnScriptThread()) {
+    Marshal(MarshalledCallTable::kClearScriptState);
+}
+
+bool MCalverinScript_Device::ClearStateOnScriptThread() {
+    return RunSlot(MarshalledCallTable::kClearScriptState, [this] {
         ClearTimers();
-        return;
-    }
-    Marshal(MarshalledCall::ClearTimers, [&] {
-        return inbox.Post([this] {
-            RunSlot(MarshalledCall::ClearTimers, [this] {
-                ClearTimers();
-                return true;
-            });
-        });
+        return true;
     });
 }
 
 int MCalverinScript_Device::PostScriptEvent(const QString& name, const MScriptParamList* params,
                                             MScriptCommonEvent* event) {
     if (params != nullptr && event != nullptr)
-        Q_EMIT SignalExecuteScriptEventCallBack(name, *params, event);
+        PostScriptEvents(name, {*params}, event);
     return 1;
 }
 
 void MCalverinScript_Device::PostScriptEvents(const QString& name, std::vector<MScriptParamList> events,
                                               MScriptCommonEvent* event) {
+    for (const MScriptParamList& params : events)
+        Q_EMIT SignalExecuteScriptEventCallBack(name, params, event);
     inbox.Post([this, name, events = std::move(events), event] {
         for (const MScriptParamList& params : events)
             SlotExecuteScriptEventCallBack(name, params, event);

@@ -1,20 +1,21 @@
 #pragma once
 
+#include "MarshalledCallTable.h"
 #include "MCalverinScript_Device.h"
 #include "ScriptEntry.h"
 
 /// @file
 /// The one form that every slot on the script thread has. For the device's own sources.
 
-/// Does the work under `mutex`, then leaves the result in its field and tells the completion. Once the device is ending the
-/// script is not entered any more.
-template <typename Work>
-bool MCalverinScript_Device::RunSlot(MarshalledCall call, Work work) {
+/// Does the work under `mutex`, then tells that it is done. Once the device is ending the script is not entered any more.
+template <typename Row, typename Work>
+bool MCalverinScript_Device::RunSlot(const Row& row, Work work) {
     bool result = false;
     if (!ending) {
         const ScriptEntry entry(*this);
         result = work();
     }
-    Finish(call, result);
+    if (row.finished != nullptr)
+        Q_EMIT(this->*row.finished)();
     return result;
 }

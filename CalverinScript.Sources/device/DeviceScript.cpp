@@ -68,7 +68,7 @@ private:
 bool MCalverinScript_Device::SlotLoadScriptCommand(const char* fileName, bool stopMode) {
     if (stopMode)
         return LoadScriptFile(stop, fileName);
-    return RunSlot(MarshalledCall::LoadScriptCommand,
+    return RunSlot(MarshalledCallTable::kLoadScriptCommand,
                    [&] { return LoadScriptFile(live, fileName) && RunLoadedScript(); });
 }
 
@@ -86,7 +86,7 @@ bool MCalverinScript_Device::LoadScriptFile(ScriptSet& set, const char* fileName
 }
 
 bool MCalverinScript_Device::SlotEvaluateScriptCommand(const QString& text, bool stopMode) {
-    return RunSlot(MarshalledCall::EvaluateScriptCommand, [&] {
+    return RunSlot(MarshalledCallTable::kEvaluateScriptCommand, [&] {
         ScriptSet& set = stopMode ? stop : live;
         set.scriptFileName = QStringLiteral("");
         set.scriptText = text;
@@ -118,7 +118,7 @@ void MCalverinScript_Device::PublishFunctionList() {
 bool MCalverinScript_Device::SlotEvaluateScript(const QString& text, bool stopMode) {
     if (stopMode)
         return Evaluate(stop, text, true);
-    return RunSlot(MarshalledCall::EvaluateScript, [&] { return Evaluate(live, text, false); });
+    return RunSlot(MarshalledCallTable::kEvaluateScript, [&] { return Evaluate(live, text, false); });
 }
 
 bool MCalverinScript_Device::Evaluate(ScriptSet& set, const QString& text, bool stopMode) {
@@ -246,7 +246,7 @@ void MCalverinScript_Device::GiveSettingsToScript() {
 }
 
 bool MCalverinScript_Device::SlotExecuteScript_mStop() {
-    return RunSlot(MarshalledCall::ExecuteStopFunction, [&] {
+    return RunSlot(MarshalledCallTable::kExecuteStopFunction, [&] {
         const bool wasStopping = stopPending.exchange(false);
         const QScriptValue function = live.global.property(QStringLiteral("_mStop"));
         const bool callable = !live.global.isError() && function.isFunction();
@@ -258,7 +258,8 @@ bool MCalverinScript_Device::SlotExecuteScript_mStop() {
 }
 
 bool MCalverinScript_Device::SlotExecuteScriptFunction(const char* name, IData* result, const char** params) {
-    return RunSlot(MarshalledCall::ExecuteScriptFunction, [&] { return CallNamedFunction(name, result, params); });
+    return RunSlot(MarshalledCallTable::kExecuteScriptFunction,
+                   [&] { return CallNamedFunction(name, result, params); });
 }
 
 bool MCalverinScript_Device::CallNamedFunction(const char* name, IData* result, const char** params) {

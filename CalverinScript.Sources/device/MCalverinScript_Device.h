@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -45,6 +46,8 @@ class MScriptMngRemote;
 class MScriptThread;
 class QScriptEngineDebugger;
 class QThread;
+template <typename... Parameters>
+struct MarshalledCallRow;
 
 /// Index of the items of the device's variable "Status".
 enum class DeviceStatus : std::int32_t { Ready = 0, Loading = 1, Executing = 2 };
@@ -307,12 +310,13 @@ private:
     void LeaveHost();
 
     // Marshalling
-    template <typename Emit>
-    bool Marshal(MarshalledCall call, Emit emitRequest);
-    void WaitInEventLoop(MarshalledCall call, CompletionGate::Generation seen);
-    template <typename Work>
-    bool RunSlot(MarshalledCall call, Work work);
-    void Finish(MarshalledCall call, bool result);
+    template <typename... Parameters>
+    struct OpenCall;
+    template <typename... Parameters>
+    bool Marshal(const MarshalledCallRow<Parameters...>& row, const std::common_type_t<Parameters>&... parameters);
+    template <typename Row, typename Work>
+    bool RunSlot(const Row& row, Work work);
+    bool ClearStateOnScriptThread();
     bool OnScriptThread() const;
     void WakeScriptThread();
     void DrainInbox();
@@ -441,13 +445,6 @@ private:
     std::atomic<bool> threadStopDone{true};
     std::atomic<QThread*> threadId{nullptr}; ///< the thread that owns the engine
     bool debuggerEnabled = false;
-    std::atomic<bool> loadResult{false}; ///< results of the marshalled calls: written by the script thread
-    std::atomic<bool> evaluateCommandResult{false};
-    std::atomic<bool> evaluateResult{false};
-    std::atomic<bool> executeResult{false};
-    std::atomic<bool> callBackResult{false};
-    std::atomic<bool> stopResult{false};
-    std::atomic<bool> clearResult{false};
     IKXPDevicePanel* panel = nullptr; ///< the last one created; not owned
     std::uint32_t moduleDeviceNumber = 0;
     MLockedList<MScriptVariable> variablesLive; ///< the variables as known to the host

@@ -1,15 +1,19 @@
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include <QEventLoop>
+#include <QObject>
 #include <QTimer>
 
 #include "CompletionGate.h"
+#include "OwnedArgument.h"
+#include "PlainHost.h"
+#include "ResultText.h"
 #include "ScriptInbox.h"
 
 namespace {
@@ -135,150 +139,165 @@ TEST(ScriptInbox, WakesUnderNoLock) {
 
 class Gate : public testing::Test {
 protected:
-    static constexpr MarshalledCall kCall = MarshalledCall::EvaluateScript;
-    static constexpr MarshalledCall kOther = MarshalledCall::ExecuteCallBack;
-
-    /// Waits on a thread of its own for the next completion.
-    std::future<bool> Waiting(MarshalledCall call) {
-        return std::async(std::launch::async, [this, call, seen = gate.Current(call)] {
-            return gate.WaitPast(call, seen, CompletionGate::kNoLimit);
-        });
+    /// Waits for a call on a thread of its own. @return "yes" or "no" as the call gave, "left" when the wait ended without it.
+    std::future<std::string> Waiting(CompletionGate::Call& open, std::uint32_t limitMs = CompletionGate::kNoLimit) {
+        return std::async(std::launch::async, [this, &open, limitMs] { return WaitHere(open, limitMs); });
     }
-    static bool Get(std::future<bool>& waiting) {
-        EXPECT_EQ(waiting.wait_for(kDeadline), std::future_status::ready);
+    std::string WaitHere(CompletionGate::Call& open, std::uint32_t limitMs = CompletionGate::kNoLimit) {
+        bool result = true;
+        if (!gate.Wait(open, limitMs, result))
+            return result ? "left with a result" : "left";
+        return result ? "yes" : "no";
+    }
+    static std::string Get(std::future<std::string>& waiting) {
+        if (waiting.wait_for(kDeadline) != std::future_status::ready)
+            return "waits";
         return waiting.get();
     }
 
     CompletionGate gate;
+    CompletionGate::Call call;
+    CompletionGate::Call other;
 };
 
-TEST_F(Gate, CountsTheCompletionsOfEachKindByItself) {
-    gate.Notify(kCall);
-    gate.Notify(kCall);
-    gate.Notify(kOther);
-    EXPECT_EQ(gate.Current(kCall), 2u);
-    EXPECT_EQ(gate.Current(kOther), 1u);
-    EXPECT_EQ(gate.Current(MarshalledCall::ClearTimers), 0u);
+TEST_F(Gate, GivesEachWaiterTheResultOfItsOwnCall) {
+    auto first = Waiting(call);
+    auto second = Waiting(other);
+    gate.Complete(other, false);
+    EXPECT_EQ(Get(second), "no");
+    EXPECT_EQ(first.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
+    gate.Complete(call, true);
+    EXPECT_EQ(Get(first), "yes");
 }
 
 TEST_F(Gate, DoesNotLoseACompletionThatComesBeforeTheWait) {
-    const CompletionGate::Generation seen = gate.Current(kCall);
-    gate.Notify(kCall);
-    EXPECT_TRUE(gate.WaitPast(kCall, seen, CompletionGate::kNoLimit));
+    gate.Complete(call, true);
+    gate.Complete(other, false);
+    auto first = Waiting(call);
+    auto second = Waiting(other);
+    EXPECT_EQ(Get(first), "yes");
+    EXPECT_EQ(Get(second), "no");
 }
 
-TEST_F(Gate, LetsEveryWaiterOfAKindGoWhicheverCallItWasThatCompleted) {
-    auto first = Waiting(kCall);
-    auto second = Waiting(kCall);
-    gate.Notify(kCall);
-    EXPECT_TRUE(Get(first));
-    EXPECT_TRUE(Get(second));
-}
-
-TEST_F(Gate, DoesNotLetAWaiterGoForACallOfAnotherKind) {
-    const CompletionGate::Generation seen = gate.Current(kCall);
-    gate.Notify(kOther);
-    EXPECT_FALSE(gate.WaitPast(kCall, seen, 0));
-    EXPECT_FALSE(gate.WaitPast(kCall, seen, 5));
-}
-
-TEST_F(Gate, LetsAWaiterGoAfterItsLimit) {
+TEST_F(Gate, LetsAWaiterGoAfterItsLimitWithoutAResult) {
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_FALSE(gate.WaitPast(kCall, gate.Current(kCall), 30));
+    auto waiting = Waiting(call, 30);
+    EXPECT_EQ(Get(waiting), "left");
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(30));
+    auto again = Waiting(call, 0);
+    EXPECT_EQ(Get(again), "left");
 }
 
 TEST_F(Gate, LetsEverybodyGoWhenItIsAbandonedAndFromThenOn) {
-    auto first = Waiting(kCall);
-    auto second = Waiting(kOther);
+    auto first = Waiting(call);
+    auto second = Waiting(other);
     gate.Abandon();
-    EXPECT_FALSE(Get(first));
-    EXPECT_FALSE(Get(second));
-    EXPECT_FALSE(gate.WaitPast(kCall, gate.Current(kCall), CompletionGate::kNoLimit));
+    EXPECT_EQ(Get(first), "left");
+    EXPECT_EQ(Get(second), "left");
+    CompletionGate::Call later;
+    auto third = Waiting(later);
+    EXPECT_EQ(Get(third), "left");
+    gate.Complete(later, true); // nobody minds
 }
 
 TEST_F(Gate, StillTellsOfACompletionThatCameBeforeItWasAbandoned) {
-    const CompletionGate::Generation seen = gate.Current(kCall);
-    gate.Notify(kCall);
+    gate.Complete(call, true);
     gate.Abandon();
-    EXPECT_TRUE(gate.WaitPast(kCall, seen, CompletionGate::kNoLimit));
+    auto waiting = Waiting(call);
+    EXPECT_EQ(Get(waiting), "yes");
 }
 
-/// A loop that counts as hung when it is still running at the deadline.
-class JoinedLoop : public Gate {
+/// Waits on the main thread, which serves its events meanwhile.
+class GateOfTheMainThread : public Gate {
 protected:
-    void SetUp() override {
-        deadline.setSingleShot(true);
-        QObject::connect(&deadline, &QTimer::timeout, &loop, [this] { loop.exit(1); });
-        deadline.start(kDeadline);
+    /// Runs once the wait serves events.
+    template <typename Work>
+    void WhileItWaits(Work work) {
+        QTimer::singleShot(0, &context, work);
     }
 
-    QEventLoop loop;
-    QTimer deadline;
+    QObject context;
 };
 
-TEST_F(JoinedLoop, QuitsWithTheNextCallOfItsKind) {
-    const CompletionGate::JoinLoop join(gate, kCall, loop);
-    std::thread script([this] { gate.Notify(kCall); });
-    EXPECT_EQ(loop.exec(), 0);
+TEST_F(GateOfTheMainThread, ServesItsEventsUntilItsCallCompletes) {
+    bool served = false;
+    std::thread script;
+    WhileItWaits([&] {
+        served = true;
+        script = std::thread([this] { gate.Complete(call, true); });
+    });
+    EXPECT_EQ(WaitHere(call), "yes");
+    EXPECT_TRUE(served);
     script.join();
 }
 
-TEST_F(JoinedLoop, QuitsAtOnceWhenTheCallCompletedBeforeItRan) {
-    const CompletionGate::JoinLoop join(gate, kCall, loop);
-    gate.Notify(kCall);
-    EXPECT_EQ(loop.exec(), 0);
+TEST_F(GateOfTheMainThread, ReturnsAtOnceWhenTheCallCompletedBefore) {
+    gate.Complete(call, false);
+    EXPECT_EQ(WaitHere(call), "no");
 }
 
-TEST_F(JoinedLoop, RunsOnWhenACallOfAnotherKindCompletes) {
-    const CompletionGate::JoinLoop join(gate, kCall, loop);
-    bool wasRunning = false;
-    gate.Notify(kOther);
-    QMetaObject::invokeMethod(
-        &loop,
-        [&] {
-            wasRunning = loop.isRunning();
-            gate.Notify(kCall);
-        },
-        Qt::QueuedConnection);
-    EXPECT_EQ(loop.exec(), 0);
-    EXPECT_TRUE(wasRunning);
+TEST_F(GateOfTheMainThread, WaitsOnWhenAnotherCallCompletes) {
+    bool waitsOn = false;
+    WhileItWaits([&] {
+        gate.Complete(other, true);
+        QTimer::singleShot(1, &context, [&] {
+            waitsOn = true;
+            gate.Complete(call, true);
+        });
+    });
+    EXPECT_EQ(WaitHere(call), "yes");
+    EXPECT_TRUE(waitsOn);
 }
 
-TEST_F(JoinedLoop, QuitsWhenTheGateIsAbandoned) {
-    const CompletionGate::JoinLoop join(gate, kCall, loop);
-    std::thread host([this] { gate.Abandon(); });
-    EXPECT_EQ(loop.exec(), 0);
-    host.join();
+TEST_F(GateOfTheMainThread, ReturnsAfterItsLimit) {
+    EXPECT_EQ(WaitHere(call, 5), "left");
 }
 
-TEST_F(JoinedLoop, QuitsAtOnceWhenTheGateWasAbandonedBeforeItJoined) {
-    gate.Abandon();
-    const CompletionGate::JoinLoop join(gate, kCall, loop);
-    EXPECT_EQ(loop.exec(), 0);
+TEST_F(GateOfTheMainThread, IsLetGoByAbandonAlsoWhenThatCameBefore) {
+    WhileItWaits([&] { gate.Abandon(); });
+    EXPECT_EQ(WaitHere(call), "left");
+    EXPECT_EQ(WaitHere(other), "left");
 }
 
-TEST_F(JoinedLoop, IsLeftAloneOnceItHasLeft) {
-    { const CompletionGate::JoinLoop join(gate, kCall, loop); }
-    gate.Notify(kCall);
-    gate.Abandon();
-    QMetaObject::invokeMethod(
-        &loop, [this] { loop.exit(7); }, Qt::QueuedConnection);
-    EXPECT_EQ(loop.exec(), 7);
+TEST_F(GateOfTheMainThread, AWaitInsideAWaitEndsFirst) {
+    std::string inner;
+    WhileItWaits([&] {
+        gate.Complete(call, true);
+        WhileItWaits([&] { gate.Complete(other, false); });
+        inner = WaitHere(other);
+    });
+    EXPECT_EQ(WaitHere(call), "yes");
+    EXPECT_EQ(inner, "no");
 }
 
-TEST_F(JoinedLoop, QuitsTogetherWithOthersOfItsKind) {
-    QEventLoop inner;
-    const CompletionGate::JoinLoop join(gate, kCall, loop);
-    QMetaObject::invokeMethod(
-        &loop,
-        [&] {
-            const CompletionGate::JoinLoop innerJoin(gate, kCall, inner);
-            gate.Notify(kCall);
-            EXPECT_EQ(inner.exec(), 0);
-        },
-        Qt::QueuedConnection);
-    EXPECT_EQ(loop.exec(), 0);
+TEST(ResultText, WritesWhatItWasGivenAndNothingOtherwise) {
+    plain::Value target("Target", KXP_STRING_DATA, "before");
+    ResultText result;
+    result.WriteTo(target);
+    EXPECT_EQ(target.Text(), "before");
+    result.SetValueFromString("", 0, 0);
+    result.WriteTo(target);
+    EXPECT_EQ(target.Text(), "");
+    result.SetValueFromString("after", 0, 0);
+    result.WriteTo(target);
+    EXPECT_EQ(target.Text(), "after");
+}
+
+TEST(OwnedArgument, KeepsTextsWhoseOwnerIsGoneAndNullAsNull) {
+    std::string name = "a name that is too long for its string to hold";
+    std::string text = "another text that is too long for that";
+    const char* texts[kArgumentCount] = {text.c_str(), "b", nullptr, "behind the end"};
+    OwnedArgument<const char*> owned(name.c_str());
+    OwnedArgument<const char**> ownedTexts(texts);
+    name.assign(name.size(), '#');
+    text.assign(text.size(), '#');
+    EXPECT_STREQ(owned.Get(), "a name that is too long for its string to hold");
+    EXPECT_STREQ(ownedTexts.Get()[0], "another text that is too long for that");
+    EXPECT_STREQ(ownedTexts.Get()[1], "b");
+    EXPECT_EQ(ownedTexts.Get()[2], nullptr);
+    EXPECT_EQ(OwnedArgument<const char*>(nullptr).Get(), nullptr);
+    EXPECT_EQ(OwnedArgument<const char**>(nullptr).Get(), nullptr);
+    EXPECT_EQ(OwnedArgument<IData*>(nullptr).Get(), nullptr);
 }
 
 } // namespace
