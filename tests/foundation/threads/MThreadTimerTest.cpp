@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <gtest/gtest.h>
+#include <initializer_list>
 #include <thread>
 #include <vector>
 
@@ -131,6 +132,108 @@ TEST(MThreadTimer, RemovingAHandlerDuringAPassBlocksUntilThePassEnds) {
     EXPECT_TRUE(removed.Wait(kDeadlineMs));
     EXPECT_EQ(other.count, 1) << "the pass went to its end first";
     remover.join();
+}
+
+namespace {
+
+/// A handler that sits in its first call until it is let go.
+class Hanging : public Ticks {
+public:
+    Hanging() {
+        action = [this] {
+            inside.Set();
+            goOn.Wait(kDeadlineMs);
+            cameBack.Set();
+        };
+    }
+    MEvent inside;
+    MEvent goOn;
+    MEvent cameBack;
+};
+
+constexpr std::chrono::milliseconds kShortPatience(30);
+
+} // namespace
+
+TEST(MThreadTimer, AHandlerThatDoesNotComeBackIsLeftAndTheOthersGoOn) {
+    Ticks before;
+    Hanging hanging;
+    Ticks behind;
+    MThreadTimer timer(1, 1, kShortPatience);
+    for (IThreadTimerHandler* handler : std::initializer_list<IThreadTimerHandler*>{&before, &hanging, &behind})
+        timer.AddHandler(handler);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(hanging.inside.Wait(kDeadlineMs));
+    EXPECT_TRUE(behind.HaveReached(3));
+    EXPECT_TRUE(before.HaveReached(3));
+    EXPECT_EQ(hanging.count, 1) << "at most one call is under way";
+    hanging.goOn.Set();
+    EXPECT_TRUE(hanging.HaveReached(3)) << "who has come back is called again";
+    EXPECT_TRUE(timer.RemoveHandler(&hanging));
+}
+
+TEST(MThreadTimer, AddingAHandlerDoesNotWaitForOneThatHangs) {
+    Hanging hanging;
+    Ticks joining;
+    MThreadTimer timer(kHourMs);
+    timer.AddHandler(&hanging);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(hanging.inside.Wait(kDeadlineMs));
+    timer.AddHandler(&joining);
+    EXPECT_EQ(joining.count, 0) << "here and not behind the call";
+    hanging.goOn.Set();
+    EXPECT_TRUE(joining.HaveReached(1));
+}
+
+TEST(MThreadTimer, RemovingAHandlerThatHangsTellsThatItsCallIsStillUnderWay) {
+    Hanging hanging;
+    Ticks other;
+    MThreadTimer timer(1, 1, kShortPatience);
+    timer.AddHandler(&hanging);
+    timer.AddHandler(&other);
+    ASSERT_TRUE(timer.Start());
+    ASSERT_TRUE(hanging.inside.Wait(kDeadlineMs));
+    EXPECT_FALSE(timer.RemoveHandler(&hanging));
+    EXPECT_TRUE(timer.RemoveHandler(&other)) << "of the others none is under way";
+    const int before = other.count;
+    hanging.goOn.Set();
+    Ticks probe;
+    timer.AddHandler(&probe);
+    EXPECT_TRUE(probe.HaveReached(5));
+    EXPECT_EQ(hanging.count, 1);
+    EXPECT_EQ(other.count, before);
+    EXPECT_TRUE(hanging.cameBack.Wait(kDeadlineMs));
+}
+
+TEST(MThreadTimer, EndsWhileAHandlerHangs) {
+    Hanging hanging;
+    {
+        MThreadTimer timer(1, 1, kShortPatience);
+        timer.AddHandler(&hanging);
+        ASSERT_TRUE(timer.Start());
+        ASSERT_TRUE(hanging.inside.Wait(kDeadlineMs));
+        EXPECT_FALSE(timer.RemoveHandler(&hanging));
+    }
+    hanging.goOn.Set();
+    EXPECT_TRUE(hanging.cameBack.Wait(kDeadlineMs)) << "the call still finds its handler";
+    EXPECT_EQ(hanging.count, 1);
+}
+
+TEST(MThreadTimer, SeveralHandlersThatHangAreLeftOneAfterTheOther) {
+    std::vector<Hanging> hanging(3);
+    Ticks last;
+    MThreadTimer timer(1, 1, kShortPatience);
+    for (Hanging& handler : hanging)
+        timer.AddHandler(&handler);
+    timer.AddHandler(&last);
+    ASSERT_TRUE(timer.Start());
+    EXPECT_TRUE(last.HaveReached(3));
+    for (Hanging& handler : hanging)
+        handler.goOn.Set();
+    for (Hanging& handler : hanging) {
+        EXPECT_TRUE(handler.HaveReached(2));
+        EXPECT_TRUE(timer.RemoveHandler(&handler));
+    }
 }
 
 TEST(MThreadTimer, AStopDuringThePassLeavesOutTheRestOfIt) {
