@@ -1,6 +1,7 @@
 #include "MCalverinScript_Device.h"
 
 #include <QScriptEngine>
+#include <QTimerEvent>
 
 #include "DeviceMarshalling.h"
 #include "EventArguments.h"
@@ -39,8 +40,23 @@ void MCalverinScript_Device::SlotClearTimeout(int id) {
     RemoveTimer(timeouts, id);
 }
 
+void MCalverinScript_Device::timerEvent(QTimerEvent* fired) {
+    const int id = fired->timerId();
+    if (!entrance.IsInside()) {
+        FireTimer(id);
+    } else if (!deferredTimers.contains(id)) {
+        deferredTimers.append(id);
+        entrance.Defer();
+    }
+}
+
+void MCalverinScript_Device::FireDeferredTimers() {
+    while (!deferredTimers.isEmpty() && !ending)
+        FireTimer(deferredTimers.takeFirst());
+}
+
 void MCalverinScript_Device::FireTimer(int id) {
-    const ScriptEntry entry(*this);
+    const ScriptEntrance::Entry entry(entrance);
     QScriptValue function = intervals.value(id);
     if (timeouts.contains(id)) {
         function = timeouts.value(id);
@@ -90,7 +106,7 @@ bool MCalverinScript_Device::SlotExecuteScriptEventCallBack(const QString& name,
                                                             MScriptCommonEvent* event) {
     if (ending)
         return false;
-    const ScriptEntry entry(*this);
+    const ScriptEntrance::Entry entry(entrance);
     if (!remote->IsLiveObject(event))
         return false;
     event->Lock();
@@ -117,14 +133,14 @@ void MCalverinScript_Device::PostPropertyChange(const char* object, const char* 
     const QString propertyName = FromHostText(property);
     const QString text = FromHostText(value);
     Q_EMIT SignalOnPropertyChange(name, propertyName, text, objectFollows);
-    inbox.Post([=] { SlotOnPropertyChange(name, propertyName, text, objectFollows); });
+    entrance.Post([=] { SlotOnPropertyChange(name, propertyName, text, objectFollows); });
 }
 
 void MCalverinScript_Device::SlotOnPropertyChange(const QString& object, const QString& /*property*/,
                                                   const QString& value, bool /*objectFollows*/) {
     if (ending)
         return;
-    const ScriptEntry entry(*this);
+    const ScriptEntrance::Entry entry(entrance);
     if (propertyCallback == nullptr)
         return;
     const QScriptValue function = *propertyCallback;

@@ -62,12 +62,10 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
     : MyCommandManager(kCommandTimeoutMs, false, true)
     , module(moduleServices)
     , setupInterface(setup)
-    , commandThread(static_cast<IThreadHandler*>(this))
-    , inbox([this] { WakeScriptThread(); }) {
+    , commandThread(static_cast<IThreadHandler*>(this)) {
     SweepAbandoned();
     commandThread.SetStackSize(kRequestedStackSize);
     homeThread = QThread::currentThread();
-    threadId = homeThread;
     FindHostServices();
     MakeEngine();
     MCalverinScript_Device::SetName(name);
@@ -93,6 +91,7 @@ void MCalverinScript_Device::FindHostServices() {
 
 void MCalverinScript_Device::MakeEngine() {
     engine = new QScriptEngine(this);
+    entrance.SetEngine(*engine);
     agent = new MScriptEngineAgent(engine, this);
     live.engine = engine;
     remote = new MScriptMngRemote(this, remoteHandler, remoteHandler2, variableManager, engine);
@@ -117,7 +116,7 @@ void MCalverinScript_Device::StartScriptThread() {
     scriptThread = new MScriptThread;
     scriptThread->SetRequestedStackSize(kRequestedStackSize);
     scriptThread->SetDevice(this);
-    threadId = scriptThread;
+    entrance.SetThread(scriptThread);
     moveToThread(scriptThread);
     scriptThread->start(QThread::InheritPriority);
 }
@@ -163,7 +162,7 @@ KXPCode MCalverinScript_Device::Stop() {
     remote->RefuseWaits();
     stopPending = false;
     threadStopDone = true;
-    if (entryDepth > 0 && IsDebuggerActive()) {
+    if (entrance.IsInside() && IsDebuggerActive()) {
         threadStopDone = false;
         debuggerAbort = true;
     }
@@ -204,17 +203,19 @@ KXPCode MCalverinScript_Device::Release() {
 /// @return whether the thread has ended.
 bool MCalverinScript_Device::EndScriptThread() {
     ending = true;
-    inbox.Close();
+    entrance.Close();
     remote->EndContexts();
     remote->RefuseWaits();
     if (scriptThread == nullptr) {
         gate.Abandon();
-        return entryDepth == 0;
+        return !entrance.IsInside();
     }
-    WakeScriptThread();
+    entrance.WakeUp();
     scriptThread->quit();
     const bool ended = scriptThread->wait(kThreadEndMs) && threadLeft;
     abandoned = !ended;
+    if (!ended)
+        scriptThread->setPriority(QThread::IdlePriority); // what it still computes shall cost nobody anything
     gate.Abandon();
     return ended;
 }

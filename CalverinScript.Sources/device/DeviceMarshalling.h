@@ -2,7 +2,6 @@
 
 #include "MarshalledCallTable.h"
 #include "MCalverinScript_Device.h"
-#include "ScriptEntry.h"
 
 /// @file
 /// The one form that every slot on the script thread has. For the device's own sources.
@@ -12,7 +11,7 @@ template <typename Row, typename Work>
 bool MCalverinScript_Device::RunSlot(const Row& row, Work work) {
     bool result = false;
     if (!ending) {
-        const ScriptEntry entry(*this);
+        const ScriptEntrance::Entry entry(entrance);
         result = work();
     }
     if (row.finished != nullptr)

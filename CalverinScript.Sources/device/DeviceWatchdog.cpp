@@ -5,6 +5,7 @@
 #include <QScriptEngineDebugger>
 
 #include "CommandNumbers.h"
+#include "HostCall.h"
 #include "Log.h"
 #include "MScriptMngRemote.h"
 
@@ -15,7 +16,9 @@ constexpr int kTimeoutLevel = 5;
 
 } // namespace
 
+/// A tick may sit in a second execution when the device is released, and come back after the release.
 void MCalverinScript_Device::OnTimer(std::uint32_t /*nowMs*/) {
+    const HostCall call(*this);
     CheckExpiredCommand();
     if (debuggerContinue && IsDebuggerActive())
         TriggerDebuggerAction(QScriptEngineDebugger::ContinueAction);
@@ -75,13 +78,13 @@ void MCalverinScript_Device::TriggerDebuggerAction(int action) {
 
 void MCalverinScript_Device::AbortEvaluation() {
     const auto abort = [this] {
-        if (entryDepth == 0)
+        if (!entrance.IsInside())
             return;
         if (IsDebuggerActive() && debugger->state() != QScriptEngineDebugger::SuspendedState)
             for (const auto action : {QScriptEngineDebugger::ToggleBreakpointAction,
                                       QScriptEngineDebugger::ContinueAction, QScriptEngineDebugger::StepOutAction})
                 debugger->action(action)->trigger();
-        AbortScript();
+        entrance.Abort();
     };
     QMetaObject::invokeMethod(this, abort, Qt::QueuedConnection);
 }

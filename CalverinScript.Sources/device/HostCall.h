@@ -2,7 +2,7 @@
 
 #include "MCalverinScript_Device.h"
 
-/// Counts a host call that may block inside the device, so that Release does not pull the ground from under it.
+/// Counts a call of a host thread or of the tick that may block inside the device, so that Release does not pull the ground from under it.
 class MCalverinScript_Device::HostCall {
 public:
     explicit HostCall(MCalverinScript_Device& device)

@@ -32,7 +32,7 @@
 #include "MyAsyncDeviceExecContext.h"
 #include "MyCommandManager.h"
 #include "ResourceSignature.h"
-#include "ScriptInbox.h"
+#include "ScriptEntrance.h"
 #include "ScriptSet.h"
 #include "SetupFormat.h"
 #include "SetupMemory.h"
@@ -155,7 +155,7 @@ public:
 
     /// Leaves a task for the script thread. It runs outside the script, behind what was left before it.
     /// @return false when the device is ending.   [any]
-    bool PostTask(ScriptInbox::Task task) override { return inbox.Post(std::move(task)); }
+    bool PostTask(ScriptInbox::Task task) override { return entrance.Post(std::move(task)); }
     /// Delivers an event of a script object to its listener, later. Does nothing without both pointers. @return 1.   [any]
     int PostScriptEvent(const QString& name, const MScriptParamList* params, MScriptCommonEvent* event) override;
     /// The same for several events of one name, which share one task.   [any]
@@ -213,6 +213,7 @@ public:
     // What dialogs, panels and tests look at
     MScriptMngRemote* GetRemote() const { return remote; }
     QScriptEngine* GetEngine() const { return engine; }
+    ScriptEntrance& GetEntrance() { return entrance; }
     const ScriptSet& GetLiveSet() const { return live; }
     const ScriptSet& GetStopSet() const { return stop; }
     /// What the last analysis saw, for the dialog whose analyses these are.   [host main]
@@ -287,15 +288,12 @@ public Q_SLOTS:
 protected:
     /// Release is the only way to end a device.
     ~MCalverinScript_Device() override;
-    bool event(QEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
 
 private:
     friend struct MarshalledCallTable;
 
     class HostCall;
-    /// One entry into the script: holds `mutex` and keeps queued tasks and timers from running inside it.
-    class ScriptEntry;
 
     // Construction
     void FindHostServices();
@@ -317,10 +315,8 @@ private:
     template <typename Row, typename Work>
     bool RunSlot(const Row& row, Work work);
     bool ClearStateOnScriptThread();
-    bool OnScriptThread() const;
-    void WakeScriptThread();
-    void DrainInbox();
-    void AbortScript();
+    bool OnScriptThread() const { return entrance.IsOnScriptThread(); }
+    void FireDeferredTimers();
     void ClearScriptState();
 
     // Commands
@@ -443,7 +439,6 @@ private:
     std::atomic<bool> debuggerAbort{false};         ///< Stop asks the tick to abort
     std::atomic<bool> stopRequested{false};         ///< script thread asks the tick to finish a stop
     std::atomic<bool> threadStopDone{true};
-    std::atomic<QThread*> threadId{nullptr}; ///< the thread that owns the engine
     bool debuggerEnabled = false;
     IKXPDevicePanel* panel = nullptr; ///< the last one created; not owned
     std::uint32_t moduleDeviceNumber = 0;
@@ -455,16 +450,12 @@ private:
     QHash<MyAsyncDeviceExecContext*, QScriptValue> callbacks;
     std::unique_ptr<QScriptValue> propertyCallback;
     QVector<int> deferredTimers; ///< timers that fired while the script was running
-    bool drainDeferred = false;  ///< a wake-up came while the script was running
-    int abortTimer = 0;          ///< runs once the device is ending inside a script
-    std::atomic<int> entryDepth{
-        0}; ///< entries into the script that are open on the engine's thread, which alone writes it
 
     CompletionGate gate;
-    ScriptInbox inbox;
     std::atomic<bool> threadLeft{false}; ///< set by the script thread when it touches the device no more
     std::atomic<bool> ending{false};     ///< set once by Release: nothing enters the script any more
-    AccessorPool accessors{ending};      ///< what the script's members stand for; outlives the engine
+    ScriptEntrance entrance{mutex, ending, [this] { FireDeferredTimers(); }, this}; ///< with the engine's thread
+    AccessorPool accessors{ending}; ///< what the script's members stand for; outlives the engine
     EnumHelpers enumHelpers{EnumTarget()};
     std::atomic<bool> abandoned{false}; ///< set once by Release: the script would not end
     InterlockedCounter hostCalls;       ///< host calls that are inside the device

@@ -116,7 +116,7 @@ TEST_F(ScriptEvents, ShareOneWakeUpWhenTheyComeInABurst) {
     std::promise<void> inside;
     std::chrono::steady_clock::time_point begin;
     wakeUps.moveToThread(device->thread());
-    OnScriptThread([&] { device->installEventFilter(&wakeUps); });
+    OnScriptThread([&] { device->GetEntrance().installEventFilter(&wakeUps); });
     ASSERT_TRUE(device->PostTask([&] {
         inside.set_value();
         raised.get_future().wait();
@@ -132,7 +132,7 @@ TEST_F(ScriptEvents, ShareOneWakeUpWhenTheyComeInABurst) {
     const auto turns = (std::chrono::steady_clock::now() - begin) / std::chrono::milliseconds(5);
     EXPECT_LE(wakeUps.count, 1 + turns);
     OnScriptThread([&] {
-        device->removeEventFilter(&wakeUps);
+        device->GetEntrance().removeEventFilter(&wakeUps);
         wakeUps.moveToThread(nullptr);
     });
 }
