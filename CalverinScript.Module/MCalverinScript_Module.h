@@ -15,8 +15,8 @@
 class MCalverinScript_Device;
 class QImage;
 
-/// The module: the one object through which a host reaches this plug-in. It offers one type of device, makes devices, keeps
-/// them in a list, knows what host it lives in, and owns the library of script drivers on disk.
+/// The module: the one object through which a host reaches this plug-in. It offers one type of device, makes devices,
+/// keeps them in a list, knows what host it lives in, and owns the library of script drivers on disk.
 class MCalverinScript_Module : public IKXPModule, public IKXPModuleDriverManager, public IModuleServices {
 public:
     /// The module object, made at the first call and the same until it is released.

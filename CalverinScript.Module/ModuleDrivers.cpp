@@ -1,5 +1,3 @@
-#include "MCalverinScript_Module.h"
-
 #include <algorithm>
 #include <cstring>
 
@@ -9,6 +7,7 @@
 #include "HostText.h"
 #include "IHostServices.h"
 #include "MCalverinScript_Device.h"
+#include "MCalverinScript_Module.h"
 #include "ModuleFile.h"
 #include "ModuleResources.h"
 #include "ScriptFolders.h"

@@ -9,7 +9,8 @@ class IFolderManager;
 
 /// Copies a folder with all below it. The target must not exist; it is made before anything else is looked at.
 /// @param stopOnError whether the first failure ends the copy. @param overwrite whether files that exist are replaced.
-/// @return false when an argument is null, when the paths are equal without regard to case, when the target lies below the
+/// @return false when an argument is null, when the paths are
+/// equal without regard to case, when the target lies below the
 ///         source, exists or cannot be made, when the source cannot be listed and when a failure ended the copy.
 bool CopyFolder(const char* source, const char* target, bool stopOnError, bool overwrite);
 

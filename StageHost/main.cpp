@@ -15,8 +15,8 @@ using namespace stagehost;
 
 namespace {
 
-/// Without a display, or with one that does not answer, the windows that a module may make go nowhere instead of ending
-/// the program.
+/// Without a display, or with one that does not answer, the windows
+/// that a module may make go nowhere instead of ending the program.
 void ChoosePlatform() {
     if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         return;

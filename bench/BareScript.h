@@ -20,8 +20,8 @@ public:
     QThread thread;
 };
 
-/// The bare cost of a command: posted from the caller to a thread, from there to an engine's thread where one function is
-/// called, and back the same way.
+/// The bare cost of a command: posted from the caller to a thread, from there to an engine's thread where one function
+/// is called, and back the same way.
 class BareRelay {
 public:
     /// @param script an object with a function "F".

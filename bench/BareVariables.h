@@ -5,8 +5,8 @@
 #include "IData.h"
 #include "IHostServices.h"
 
-/// The least that reads and writes host variables from a script: an object with two invokable methods. Their defaults are
-/// those of the script interface, since each costs the engine another candidate to choose from.
+/// The least that reads and writes host variables from a script: an object with two invokable methods. Their defaults
+/// are those of the script interface, since each costs the engine another candidate to choose from.
 class BareVariables : public QObject {
     Q_OBJECT
 public:

@@ -39,7 +39,8 @@ QScriptValue BareAccess(QScriptContext* context, QScriptEngine*) {
     return context->argument(0);
 }
 
-/// Writes and reads of a published variable's member, half each, beside a native getter and setter in an engine of this thread.
+/// Writes and reads of a published variable's member, half each,
+/// beside a native getter and setter in an engine of this thread.
 std::vector<double> MeasureAccessor() {
     PinToOneCore();
     BenchShow show;

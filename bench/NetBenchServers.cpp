@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <future>
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -17,8 +18,6 @@
 #include <unistd.h>
 
 #include <QScriptEngine>
-
-#include <future>
 
 #include "BufferConversion.h"
 #include "ByteArrayClass.h"
@@ -158,8 +157,8 @@ int RunBareUdp() {
     }
 }
 
-/// The least that a datagram costs with this script engine: one thread receives and calls the same listener with arguments of the same
-/// kinds; no queue, no lock, nothing between.
+/// The least that a datagram costs with this script engine: one thread receives and calls the same listener with
+/// arguments of the same kinds; no queue, no lock, nothing between.
 int RunScriptUdp() {
     std::uint16_t port = 0;
     bareDescriptor = BindLoopback(port);
@@ -260,7 +259,8 @@ std::uint16_t Subject::ReadPort() const {
     return read(m_output, text.data(), text.size() - 1) > 0 ? static_cast<std::uint16_t>(std::atoi(text.data())) : 0;
 }
 
-/// The first number in a thread's schedstat is its processor time in nanoseconds; the process's own clock ticks every 10 ms only.
+/// The first number in a thread's schedstat is its processor time in nanoseconds; the process's own clock ticks every
+/// 10 ms only.
 double Subject::Seconds() const {
     double nanoseconds = 0;
     for (const auto& thread : std::filesystem::directory_iterator("/proc/" + std::to_string(m_pid) + "/task")) {

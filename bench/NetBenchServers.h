@@ -8,8 +8,9 @@
 #include <netinet/in.h>
 
 /// @file
-/// What the network benchmark measures, each in a process of its own, pinned to one core while the measuring end has the other: a
-/// device with a script, Node, a bare loop around the script engine, and plain system calls. All do the same work, see NetBenchNode.js.
+/// What the network benchmark measures, each in a process of its own, pinned to one core while the measuring end has
+/// the other: a device with a script, Node, a bare loop around the script engine, and plain system calls. All do the
+/// same work, see NetBenchNode.js.
 
 /// A port of this machine, as the system wants to see it.
 sockaddr_in Loopback(std::uint16_t port);
@@ -33,6 +34,7 @@ private:
     int m_output = -1;
 };
 
-/// Runs as a device with a script, or as plain system calls, until it is killed. @param mode "device-udp", "device-tcp", "script-udp",
-/// "bare-udp", "bare-tcp"; the port is that of the measuring end for tcp, the total the bytes of one bulk transfer.
+/// Runs as a device with a script, or as plain system calls, until it is killed. @param mode "device-udp",
+/// "device-tcp", "script-udp", "bare-udp", "bare-tcp"; the port is that of the measuring end for tcp, the total the
+/// bytes of one bulk transfer.
 int RunSubject(const std::string& mode, std::uint16_t port, std::uint64_t total);

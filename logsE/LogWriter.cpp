@@ -46,27 +46,27 @@ std::string OneLine(std::string text) {
 } // namespace
 
 LogWriter::LogWriter(std::string programName, const LogsERecord& record)
-    : programName_(std::move(programName))
-    , path_(record.path)
-    , writerId_(static_cast<std::int32_t>(record.writerId))
-    , file_(std::fopen(path_.c_str(), "a"))
-    , failed_(file_ == nullptr) {}
+    : m_programName(std::move(programName))
+    , m_path(record.path)
+    , m_writerId(static_cast<std::int32_t>(record.writerId))
+    , m_file(std::fopen(m_path.c_str(), "a"))
+    , m_failed(m_file == nullptr) {}
 
 std::int32_t LogWriter::Write(std::int32_t level, const std::string& source, const std::string& text) {
-    if (!file_)
+    if (!m_file)
         return LOGSE_NO_FILE;
     const std::string line = Now() + " [" + std::to_string(level) + "] " + OneLine(source + ": " + text) + "\n";
-    failed_ = std::fwrite(line.data(), 1, line.size(), file_.get()) != line.size();
-    return failed_ ? LOGSE_NO_FILE : Flush();
+    m_failed = std::fwrite(line.data(), 1, line.size(), m_file.get()) != line.size();
+    return m_failed ? LOGSE_NO_FILE : Flush();
 }
 
 std::int32_t LogWriter::Flush() {
-    failed_ = !file_ || std::fflush(file_.get()) != 0;
+    m_failed = !m_file || std::fflush(m_file.get()) != 0;
     return Status();
 }
 
 std::string LogWriter::StatusText() const {
-    return (failed_ ? "cannot write " : "writing ") + path_;
+    return (m_failed ? "cannot write " : "writing ") + m_path;
 }
 
 } // namespace logsE

@@ -17,9 +17,9 @@ public:
     std::int32_t Write(std::int32_t level, const std::string& source, const std::string& text);
     std::int32_t Flush();
 
-    const std::string& ProgramName() const { return programName_; }
-    std::int32_t WriterId() const { return writerId_; }
-    std::int32_t Status() const { return failed_ ? LOGSE_NO_FILE : LOGSE_OK; }
+    const std::string& ProgramName() const { return m_programName; }
+    std::int32_t WriterId() const { return m_writerId; }
+    std::int32_t Status() const { return m_failed ? LOGSE_NO_FILE : LOGSE_OK; }
     std::string StatusText() const;
 
 private:
@@ -27,11 +27,11 @@ private:
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
 
-    std::string programName_;
-    std::string path_;
-    std::int32_t writerId_;
-    std::unique_ptr<std::FILE, Closer> file_;
-    bool failed_; ///< the file could not be opened, or the last write did not reach it
+    std::string m_programName;
+    std::string m_path;
+    std::int32_t m_writerId;
+    std::unique_ptr<std::FILE, Closer> m_file;
+    bool m_failed; ///< the file could not be opened, or the last write did not reach it
 };
 
 } // namespace logsE

@@ -21,14 +21,14 @@ public:
     /// Calls something with the writer of a handle, under the lock. @return its result, -1 for an unknown handle.
     template <typename Call>
     std::int32_t With(void* handle, Call call) {
-        const std::lock_guard<std::mutex> hold(lock_);
-        const auto found = writers_.find(handle);
-        return found == writers_.end() ? LOGSE_BAD_HANDLE : call(*found->second);
+        const std::lock_guard<std::mutex> hold(m_lock);
+        const auto found = m_writers.find(handle);
+        return found == m_writers.end() ? LOGSE_BAD_HANDLE : call(*found->second);
     }
 
 private:
-    mutable std::mutex lock_; ///< guards writers_ and the writers
-    std::map<void*, std::unique_ptr<LogWriter>> writers_;
+    mutable std::mutex m_lock; ///< guards m_writers and the writers
+    std::map<void*, std::unique_ptr<LogWriter>> m_writers;
 };
 
 } // namespace logsE

@@ -4,9 +4,9 @@
 #include <cstdint>
 
 /// @file
-/// The logging library: lines with time and level into a file. It is found by its name at run time, and so are its entry
-/// points; several modules of a process share it. All texts are 8-bit and NUL-terminated; null is the empty text. All
-/// entry points may come on any thread. A handle that is not in use gives -1.
+/// The logging library: lines with time and level into a file. It is found by its name at run time, and so are its
+/// entry points; several modules of a process share it. All texts are 8-bit and NUL-terminated; null is the empty text.
+/// All entry points may come on any thread. A handle that is not in use gives -1.
 
 /// What a user of the library tells about its writer: a record of 1048 bytes.
 struct LogsERecord {

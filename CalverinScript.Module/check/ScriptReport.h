@@ -23,8 +23,8 @@ struct ScriptReport {
     std::optional<ScriptProblem> problem;
 };
 
-/// Analyses a script as a device does that is not running: with the same globals, without a host. The script's top level runs; it
-/// may never come back.
+/// Analyses a script as a device does that is not running: with the same globals, without a host. The script's top
+/// level runs; it may never come back.
 /// @param fileName shown as the title unless the script gives one.   [the main thread]
 ScriptReport AnalyseScript(const QString& text, const QString& fileName);
 

@@ -61,15 +61,15 @@ QString ArgumentReader::Read(const QStringList& words) {
     const bool understood = parser.parse(QStringList(QStringLiteral("stagehost")) + words.mid(0, own));
     const auto isSet = [&](const char* name) { return parser.isSet(QLatin1String(name)); };
     const auto value = [&](const char* name) { return parser.value(QLatin1String(name)); };
-    options_.json = isSet("json");
-    options_.help = isSet("help");
-    options_.version = isSet("version");
-    options_.log = isSet("log");
-    options_.logFile = value("log-file");
-    options_.module = value("module");
+    m_options.json = isSet("json");
+    m_options.help = isSet("help");
+    m_options.version = isSet("version");
+    m_options.log = isSet("log");
+    m_options.logFile = value("log-file");
+    m_options.module = value("module");
     const QStringList rest = parser.positionalArguments() + words.mid(own);
-    options_.command = rest.value(0);
-    options_.arguments = rest.mid(1);
+    m_options.command = rest.value(0);
+    m_options.arguments = rest.mid(1);
     if (!understood)
         return parser.errorText();
     const QString problem = isSet("timeout") ? ReadTimeout(value("timeout")) : QString();
@@ -102,14 +102,14 @@ QString ArgumentReader::ReadTimeout(const QString& text) {
         return QStringLiteral("--timeout needs a number of milliseconds from 1 to %1, not \"%2\"")
             .arg(kLongestTimeout)
             .arg(text);
-    options_.timeout = std::chrono::milliseconds(milliseconds);
+    m_options.timeout = std::chrono::milliseconds(milliseconds);
     return {};
 }
 
 QString ArgumentReader::ReadLink(const QString& text) {
     for (const auto& row : kLinks) {
         if (text == QLatin1String(row.name)) {
-            options_.link = row.link;
+            m_options.link = row.link;
             return {};
         }
     }

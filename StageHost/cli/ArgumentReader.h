@@ -14,14 +14,14 @@ public:
     /// @return empty on success, otherwise what is wrong; the options read so far stand anyway.
     QString Read(const QStringList& words);
 
-    const Options& Result() const { return options_; }
+    const Options& Result() const { return m_options; }
 
 private:
     static int OwnWords(const QStringList& words);
     QString ReadTimeout(const QString& text);
     QString ReadLink(const QString& text);
 
-    Options options_;
+    Options m_options;
 };
 
 /// The lines of the help that tell the options.

@@ -31,45 +31,45 @@ QString LineOf(const ShowChange& change) {
 } // namespace
 
 ChangePrinter::ChangePrinter(ChangeFeed& feed, const QStringList& names, bool json)
-    : feed_(feed)
-    , names_(names.begin(), names.end())
-    , json_(json)
-    , subscription_(feed.Subscribe([this](const ShowChange& change) { Take(change); })) {}
+    : m_feed(feed)
+    , m_names(names.begin(), names.end())
+    , m_json(json)
+    , m_subscription(feed.Subscribe([this](const ShowChange& change) { Take(change); })) {}
 
 ChangePrinter::~ChangePrinter() {
     CatchUp();
-    subscription_.reset();
+    m_subscription.reset();
     Flush();
 }
 
 void ChangePrinter::CatchUp() {
-    feed_.Settle();
+    m_feed.Settle();
     Flush();
 }
 
 void ChangePrinter::Flush() {
     std::deque<ShowChange> changes;
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        changes.swap(queue_);
+        const std::lock_guard<std::mutex> hold(m_lock);
+        changes.swap(m_queue);
     }
     for (const auto& change : changes)
         PrintChange(change);
 }
 
 void ChangePrinter::Take(const ShowChange& change) {
-    if (!names_.isEmpty() && !names_.contains(FromBorderText(change.object)))
+    if (!m_names.isEmpty() && !m_names.contains(FromBorderText(change.object)))
         return;
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        queue_.push_back(change);
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_queue.push_back(change);
     }
     QMetaObject::invokeMethod(this, &ChangePrinter::Flush, Qt::QueuedConnection);
 }
 
 void ChangePrinter::PrintChange(const ShowChange& change) const {
     const QDateTime time = TimeOf(change);
-    if (!json_)
+    if (!m_json)
         return PrintLine(time.toString(QStringLiteral("HH:mm:ss.zzz  ")) + LineOf(change));
     PrintJsonLine({{QStringLiteral("time"), time.toUTC().toString(Qt::ISODateWithMs)},
                    {QStringLiteral("kind"), QLatin1String(RowOf(change.kind).name)},

@@ -33,12 +33,12 @@ private:
     void Take(const ShowChange& change);
     void PrintChange(const ShowChange& change) const;
 
-    ChangeFeed& feed_;
-    const QSet<QString> names_;
-    const bool json_;
-    std::mutex lock_; ///< guards queue_
-    std::deque<ShowChange> queue_;
-    Subscription subscription_;
+    ChangeFeed& m_feed;
+    const QSet<QString> m_names;
+    const bool m_json;
+    std::mutex m_lock; ///< guards m_queue
+    std::deque<ShowChange> m_queue;
+    Subscription m_subscription;
 };
 
 } // namespace stagehost

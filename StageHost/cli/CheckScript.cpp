@@ -5,8 +5,8 @@
 
 namespace stagehost {
 
-/// The contract carries neither settings nor descriptions to a host, so the module's own program beside this one looks into the
-/// script and says what is in it, on the same output.
+/// The contract carries neither settings nor descriptions to a host, so the module's own program beside this one looks
+/// into the script and says what is in it, on the same output.
 int CheckScript(const Options& options) {
     const QString file = options.arguments.first();
     if (auto failure = CheckReadable(file))

@@ -11,31 +11,31 @@ constexpr int kStandardInput = 0; // the descriptor of every process
 } // namespace
 
 InputLines::InputLines() {
-    ended_ = !input_.open(kStandardInput, QIODevice::ReadOnly | QIODevice::Unbuffered);
-    if (ended_)
+    m_ended = !m_input.open(kStandardInput, QIODevice::ReadOnly | QIODevice::Unbuffered);
+    if (m_ended)
         return;
-    notifier_ = std::make_unique<QSocketNotifier>(input_.handle(), QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { Read(); });
+    m_notifier = std::make_unique<QSocketNotifier>(m_input.handle(), QSocketNotifier::Read);
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(), [this] { Read(); });
 }
 
 QString InputLines::TakeLine() {
-    QString line = lines_.front();
-    lines_.pop_front();
+    QString line = m_lines.front();
+    m_lines.pop_front();
     return line;
 }
 
 /// One character at a time: that much is there for certain, and asking for more would wait for it.
 void InputLines::Read() {
     char character = '\n';
-    ended_ = input_.read(&character, 1) <= 0;
-    notifier_->setEnabled(!ended_);
-    if (!ended_ && character != '\n') {
-        rest_.append(character);
+    m_ended = m_input.read(&character, 1) <= 0;
+    m_notifier->setEnabled(!m_ended);
+    if (!m_ended && character != '\n') {
+        m_rest.append(character);
         return;
     }
-    if (!ended_ || !rest_.isEmpty())
-        lines_.push_back(FromOutsideText(rest_.toStdString()).trimmed());
-    rest_.clear();
+    if (!m_ended || !m_rest.isEmpty())
+        m_lines.push_back(FromOutsideText(m_rest.toStdString()).trimmed());
+    m_rest.clear();
 }
 
 bool SplitWords(const QString& line, QStringList& words) {

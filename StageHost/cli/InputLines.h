@@ -17,23 +17,24 @@ public:
     InputLines(const InputLines&) = delete;
     InputLines& operator=(const InputLines&) = delete;
 
-    bool HasLine() const { return !lines_.empty(); }
+    bool HasLine() const { return !m_lines.empty(); }
     QString TakeLine();
 
     /// Whether standard input has ended and every line has been taken.
-    bool IsOver() const { return ended_ && lines_.empty(); }
+    bool IsOver() const { return m_ended && m_lines.empty(); }
 
 private:
     void Read();
 
-    QFile input_;
-    std::unique_ptr<QSocketNotifier> notifier_; ///< null when standard input has ended
-    QByteArray rest_;                           ///< the begin of a line
-    std::deque<QString> lines_;
-    bool ended_ = false;
+    QFile m_input;
+    std::unique_ptr<QSocketNotifier> m_notifier; ///< null when standard input has ended
+    QByteArray m_rest;                           ///< the begin of a line
+    std::deque<QString> m_lines;
+    bool m_ended = false;
 };
 
-/// The words of a line, parted by blanks; a word may stand in double quotes, in which \" and \\ stand for the characters.
+/// The words of a line, parted by blanks; a word may stand in
+/// double quotes, in which \" and \\ stand for the characters.
 /// @return false when a quote is not closed.
 bool SplitWords(const QString& line, QStringList& words);
 

@@ -20,32 +20,32 @@ namespace {
 class KeepReport {
 public:
     explicit KeepReport(bool json)
-        : json_(json) {}
+        : m_json(json) {}
 
     void Add(const QString& line, const QJsonObject& object) {
-        lines_ += line;
-        list_.append(object);
+        m_lines += line;
+        m_list.append(object);
     }
 
     int End(ShowFile& file, int exitCode) {
         bool written = false;
         if (auto failure = file.Save(&written))
-            return Fail(json_, failure->exitCode, failure->text);
-        if (json_)
+            return Fail(m_json, failure->exitCode, failure->text);
+        if (m_json)
             PrintJson({{QStringLiteral("ok"), exitCode == kExitOk},
                        {QStringLiteral("exitCode"), exitCode},
                        {QStringLiteral("written"), written},
-                       {QStringLiteral("entries"), list_}});
-        lines_ += written ? QStringLiteral("The show file is written.") : QStringLiteral("There is nothing to write.");
-        if (!json_)
-            PrintLine(lines_.join(QLatin1Char('\n')));
+                       {QStringLiteral("entries"), m_list}});
+        m_lines += written ? QStringLiteral("The show file is written.") : QStringLiteral("There is nothing to write.");
+        if (!m_json)
+            PrintLine(m_lines.join(QLatin1Char('\n')));
         return exitCode;
     }
 
 private:
-    const bool json_;
-    QStringList lines_;
-    QJsonArray list_;
+    const bool m_json;
+    QStringList m_lines;
+    QJsonArray m_list;
 };
 
 MaybeFailure Open(Session& session, ShowFile& file, const Options& options) {

@@ -55,8 +55,8 @@ const LiveShow::Row LiveShow::kRows[] = {
 };
 
 LiveShow::LiveShow(Session& session, const Show& show)
-    : session_(session)
-    , show_(show) {}
+    : m_session(session)
+    , m_show(show) {}
 
 LineOutcome LiveShow::Do(const QString& line) {
     QStringList words;
@@ -84,7 +84,7 @@ QString LiveShow::Help() {
 }
 
 LineOutcome LiveShow::Set(const QStringList& words) {
-    const auto variable = session_.TheHost().Variables().Find(ToBorderText(words.at(0)));
+    const auto variable = m_session.TheHost().Variables().Find(ToBorderText(words.at(0)));
     if (!variable)
         return NoVariable(words.at(0));
     if (!variable->SetText(ToBorderText(words.at(1))))
@@ -93,39 +93,39 @@ LineOutcome LiveShow::Set(const QStringList& words) {
 }
 
 LineOutcome LiveShow::Get(const QStringList& words) {
-    const auto variable = session_.TheHost().Variables().Find(ToBorderText(words.at(0)));
+    const auto variable = m_session.TheHost().Variables().Find(ToBorderText(words.at(0)));
     return variable ? LineOutcome{kExitOk, FromBorderText(variable->Text())} : NoVariable(words.at(0));
 }
 
 LineOutcome LiveShow::List(const QStringList&) {
     QStringList lines;
     for (const auto& kind : kObjectKinds) {
-        for (const auto& object : session_.TheHost().Model().Top(kind.kind))
+        for (const auto& object : m_session.TheHost().Model().Top(kind.kind))
             lines += QStringLiteral("%1  %2").arg(QLatin1String(kind.name), -10).arg(FromBorderText(object->Name()));
     }
     return {kExitOk, lines.join(QLatin1Char('\n'))};
 }
 
 LineOutcome LiveShow::SendLine(const QStringList& words) {
-    Device* device = session_.FindDevice(words.at(0));
+    Device* device = m_session.FindDevice(words.at(0));
     if (device == nullptr)
         return {kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(words.at(0))};
     std::vector<ParameterInput> inputs;
     if (const auto failure = ReadInputs(words.mid(2), inputs))
         return OutcomeOf(failure, {});
     CommandOutcome outcome;
-    const auto failure = session_.Send(*device, words.at(1), inputs, &outcome);
+    const auto failure = m_session.Send(*device, words.at(1), inputs, &outcome);
     return OutcomeOf(failure, FromBorderText(outcome.result));
 }
 
 LineOutcome LiveShow::StoredLine(const QStringList& words) {
     CommandOutcome outcome;
-    const auto failure = session_.SendStored(words.at(0), &outcome);
+    const auto failure = m_session.SendStored(words.at(0), &outcome);
     return OutcomeOf(failure, FromBorderText(outcome.result));
 }
 
 LineOutcome LiveShow::TaskLine(const QStringList& words) {
-    const auto task = session_.TheHost().Model().FindTask(ToBorderText(words.at(0)));
+    const auto task = m_session.TheHost().Model().FindTask(ToBorderText(words.at(0)));
     if (!task)
         return {kExitBadUse, QStringLiteral("the show has no task \"%1\"").arg(words.at(0))};
     const auto* action = std::find_if(std::begin(kTaskActionNames), std::end(kTaskActionNames),
@@ -136,7 +136,7 @@ LineOutcome LiveShow::TaskLine(const QStringList& words) {
 }
 
 LineOutcome LiveShow::CueLine(const QStringList& words) {
-    const auto cue = session_.TheHost().Model().FindCue(ToBorderText(words.at(0)));
+    const auto cue = m_session.TheHost().Model().FindCue(ToBorderText(words.at(0)));
     if (!cue)
         return {kExitBadUse, QStringLiteral("the show has no cue \"%1\"").arg(words.at(0))};
     cue->Go();
@@ -151,13 +151,13 @@ LineOutcome LiveShow::WaitLine(const QStringList& words) {
         if (!number || *wait.within < 1)
             return {kExitBadUse, QStringLiteral("expected a number of milliseconds, not \"%1\"").arg(words.at(2))};
     }
-    return OutcomeOf(session_.WaitFor(wait), {});
+    return OutcomeOf(m_session.WaitFor(wait), {});
 }
 
 LineOutcome LiveShow::Play(const QStringList&) {
-    StepPlayer player(session_, show_);
+    StepPlayer player(m_session, m_show);
     int number = 0;
-    for (const auto& step : show_.steps) {
+    for (const auto& step : m_show.steps) {
         const StepOutcome outcome = player.Play(step);
         ++number;
         if (outcome.failure)
@@ -173,7 +173,7 @@ LineOutcome LiveShow::HelpLine(const QStringList&) {
 }
 
 LineOutcome LiveShow::Quit(const QStringList&) {
-    over_ = true;
+    m_over = true;
     return {};
 }
 

@@ -18,7 +18,7 @@ public:
     LineOutcome Do(const QString& line);
 
     /// Whether the user has said "quit".
-    bool IsOver() const { return over_; }
+    bool IsOver() const { return m_over; }
 
     /// The lines that there are, for the help.
     static QString Help();
@@ -39,9 +39,9 @@ private:
     LineOutcome HelpLine(const QStringList& words);
     LineOutcome Quit(const QStringList& words);
 
-    Session& session_;
-    const Show& show_;
-    bool over_ = false;
+    Session& m_session;
+    const Show& m_show;
+    bool m_over = false;
 };
 
 /// The inputs that words of the form PARAM=VALUE stand for.

@@ -14,12 +14,12 @@ constexpr qint64 kMostKept = 1024 * 1024; // bytes
 } // namespace
 
 LogFollower::LogFollower(const QString& path, Keep keep, Show show)
-    : file_(path)
-    , keep_(keep)
-    , show_(std::move(show))
-    , shown_(file_.size()) {
-    connect(&timer_, &QTimer::timeout, this, [this] { Look(); });
-    timer_.start(kLookEvery);
+    : m_file(path)
+    , m_keep(keep)
+    , m_show(std::move(show))
+    , m_shown(m_file.size()) {
+    connect(&m_timer, &QTimer::timeout, this, [this] { Look(); });
+    m_timer.start(kLookEvery);
 }
 
 LogFollower::~LogFollower() {
@@ -28,21 +28,22 @@ LogFollower::~LogFollower() {
 
 /// Writers append, so they go on at the beginning of a file that has been emptied.
 void LogFollower::Look() {
-    if (!file_.isOpen() && !file_.open(QIODevice::ReadOnly))
+    if (!m_file.isOpen() && !m_file.open(QIODevice::ReadOnly))
         return;
     ReadNewLines();
-    if (keep_ == Keep::Little && shown_ >= kMostKept && file_.size() == shown_ && QFile::resize(file_.fileName(), 0))
-        shown_ = 0;
+    if (m_keep == Keep::Little && m_shown >= kMostKept && m_file.size() == m_shown &&
+        QFile::resize(m_file.fileName(), 0))
+        m_shown = 0;
 }
 
 void LogFollower::ReadNewLines() {
-    file_.seek(shown_);
+    m_file.seek(m_shown);
     for (;;) {
-        const QByteArray line = file_.readLine();
+        const QByteArray line = m_file.readLine();
         if (!line.endsWith('\n'))
             return;
-        shown_ += line.size();
-        show_(FromOutsideText(line.toStdString()).trimmed());
+        m_shown += line.size();
+        m_show(FromOutsideText(line.toStdString()).trimmed());
     }
 }
 

@@ -32,11 +32,11 @@ public:
 private:
     void ReadNewLines();
 
-    QFile file_;
-    const Keep keep_;
-    const Show show_;
-    qint64 shown_ = 0; ///< bytes
-    QTimer timer_;
+    QFile m_file;
+    const Keep m_keep;
+    const Show m_show;
+    qint64 m_shown = 0; ///< bytes
+    QTimer m_timer;
 };
 
 } // namespace stagehost

@@ -55,28 +55,29 @@ QString Headline(const ShowStep& step) {
 class ShowReport {
 public:
     ShowReport(const Options& options, const Show& show)
-        : json_(options.json)
-        , show_(show) {}
+        : m_json(options.json)
+        , m_show(show) {}
 
     void Begin() const {
-        if (!json_)
-            PrintLine(QStringLiteral("%1 (%2, %3)")
-                          .arg(show_.name, Count(show_.devices.size(), "device"), Count(show_.steps.size(), "step")));
+        if (!m_json)
+            PrintLine(
+                QStringLiteral("%1 (%2, %3)")
+                    .arg(m_show.name, Count(m_show.devices.size(), "device"), Count(m_show.steps.size(), "step")));
     }
 
     void DeviceReady(const ShowDevice& device) const {
         const QString file = device.driverFile.isEmpty() ? device.scriptFile : device.driverFile;
         const QString script = file.isEmpty() ? QString() : QFileInfo(file).fileName();
-        if (!json_)
+        if (!m_json)
             PrintLine(QStringLiteral("  %1 is ready%2")
                           .arg(device.name, script.isEmpty() ? QString() : QStringLiteral(", running ") + script));
     }
 
     void StepDone(const ShowStep& step, const StepOutcome& outcome) {
-        ++played_;
-        if (json_)
+        ++m_played;
+        if (m_json)
             return AddStep(step, outcome);
-        PrintLine(QStringLiteral("\n%1. %2").arg(played_).arg(Headline(step)));
+        PrintLine(QStringLiteral("\n%1. %2").arg(m_played).arg(Headline(step)));
         if (!step.device.isEmpty())
             PrintLine(QStringLiteral("   %1: %2").arg(step.device, step.command));
         else if (!step.say.isEmpty())
@@ -94,14 +95,14 @@ public:
         const int exitCode = failure ? failure->exitCode : kExitOk;
         if (failure)
             PrintProblem(failure->text);
-        if (json_)
-            PrintJson({{QStringLiteral("show"), show_.name},
+        if (m_json)
+            PrintJson({{QStringLiteral("show"), m_show.name},
                        {QStringLiteral("ok"), !failure},
                        {QStringLiteral("error"), failure ? failure->text : QString()},
                        {QStringLiteral("exitCode"), exitCode},
-                       {QStringLiteral("steps"), steps_}});
+                       {QStringLiteral("steps"), m_steps}});
         else if (!failure)
-            PrintLine(QStringLiteral("\nThe show is over: all %1 went well.").arg(Count(show_.steps.size(), "step")));
+            PrintLine(QStringLiteral("\nThe show is over: all %1 went well.").arg(Count(m_show.steps.size(), "step")));
         return exitCode;
     }
 
@@ -120,13 +121,13 @@ private:
             object.insert(QStringLiteral("command"), step.command);
         }
         object.insert(QStringLiteral("asExpected"), !outcome.failure);
-        steps_.append(object);
+        m_steps.append(object);
     }
 
-    const bool json_;
-    const Show& show_;
-    int played_ = 0;
-    QJsonArray steps_;
+    const bool m_json;
+    const Show& m_show;
+    int m_played = 0;
+    QJsonArray m_steps;
 };
 
 MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {

@@ -11,7 +11,8 @@ Show ShowOfScript(const QString& file);
 /// Whether a file can be read as a script; what is wrong otherwise.
 MaybeFailure CheckReadable(const QString& file);
 
-/// Reads a show file, or makes a show of a script file, which is then the driver of its device: what ends in ".json" is a show.
+/// Reads a show file, or makes a show of a script file, which is
+/// then the driver of its device: what ends in ".json" is a show.
 MaybeFailure ReadShowOrScript(const QString& file, Show& show);
 
 /// Reads a show file; all its mistakes, one on a line, are the failure.

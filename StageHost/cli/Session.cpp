@@ -46,24 +46,24 @@ QString NoCommandText(Device& device, const DeviceDefinition& definition, const 
 } // namespace
 
 Session::Session(const Options& options)
-    : options_(options) {}
+    : m_options(options) {}
 
 Session::~Session() {
     Close(kExitOk);
 }
 
 MaybeFailure Session::Open(const Show& show) {
-    show_ = show;
+    m_show = show;
     HostSettings settings = show.host;
-    settings.link = options_.link;
+    settings.link = m_options.link;
     if (auto failure = PrepareLog(settings))
         return failure;
-    host_ = std::make_unique<Host>(settings, show.objects);
+    m_host = std::make_unique<Host>(settings, show.objects);
     for (const auto& variable : show.variables)
-        host_->Variables().Add(MakeValue(variable));
+        m_host->Variables().Add(MakeValue(variable));
     if (auto failure = LoadModule())
         return failure;
-    for (std::size_t index = 0; index < show_.devices.size(); ++index) {
+    for (std::size_t index = 0; index < m_show.devices.size(); ++index) {
         if (auto failure = MakeDevice(index))
             return failure;
     }
@@ -72,33 +72,33 @@ MaybeFailure Session::Open(const Show& show) {
 }
 
 MaybeFailure Session::PrepareLog(HostSettings& settings) {
-    QString path = options_.logFile;
-    const bool hasDrivers = std::any_of(show_.devices.begin(), show_.devices.end(), [](const auto& device) {
+    QString path = m_options.logFile;
+    const bool hasDrivers = std::any_of(m_show.devices.begin(), m_show.devices.end(), [](const auto& device) {
         return !device.driverFile.isEmpty() || !device.setup.isEmpty();
     });
-    if (path.isEmpty() && (options_.log || hasDrivers)) {
-        logFolder_ = std::make_unique<QTemporaryDir>();
-        path = logFolder_->filePath(QStringLiteral("stagehost.log"));
+    if (path.isEmpty() && (m_options.log || hasDrivers)) {
+        m_logFolder = std::make_unique<QTemporaryDir>();
+        path = m_logFolder->filePath(QStringLiteral("stagehost.log"));
     }
     if (path.isEmpty())
         return std::nullopt;
     QFile file(path);
     if (!file.open(QIODevice::Append))
         return Failure{kExitBadUse, QStringLiteral("cannot write the log %1: %2").arg(path, file.errorString())};
-    follower_ = std::make_unique<LogFollower>(path, logFolder_ ? LogFollower::Keep::Little : LogFollower::Keep::All,
-                                              [this](const QString& line) {
-                                                  if (options_.log)
-                                                      PrintProblem(line);
-                                                  silent_.Take(line);
-                                              });
+    m_follower = std::make_unique<LogFollower>(path, m_logFolder ? LogFollower::Keep::Little : LogFollower::Keep::All,
+                                               [this](const QString& line) {
+                                                   if (m_options.log)
+                                                       PrintProblem(line);
+                                                   m_silent.Take(line);
+                                               });
     return PathForBorder(path, settings.log.path);
 }
 
 MaybeFailure Session::LoadModule() {
-    const QString path = options_.module.isEmpty() ? DefaultModulePath() : options_.module;
-    module_ = std::make_unique<ModuleFile>(*host_);
+    const QString path = m_options.module.isEmpty() ? DefaultModulePath() : m_options.module;
+    m_module = std::make_unique<ModuleFile>(*m_host);
     const ExitGuard guard(kModuleCall, kExitNoModule, "the module does not come back from being loaded");
-    const QString problem = module_->Load(path);
+    const QString problem = m_module->Load(path);
     if (problem.isEmpty())
         return std::nullopt;
     return Failure{kExitNoModule, problem};
@@ -106,32 +106,32 @@ MaybeFailure Session::LoadModule() {
 
 /// A setup that the device does not take is told, and the device begins with a new one.
 MaybeFailure Session::MakeDevice(std::size_t index) {
-    const ShowDevice& described = show_.devices.at(index);
+    const ShowDevice& described = m_show.devices.at(index);
     std::string setup = ToBorderText(described.setup);
     if (setup.empty()) {
         if (auto failure = FirstSetup(described, setup))
             return failure;
-    } else if (!quiet_) {
+    } else if (!m_quiet) {
         TellOtherEdition(described);
     }
     const ExitGuard guard(kModuleCall, kExitNoModule, "the module does not come back from making a device");
-    devices_.push_back(std::make_unique<Device>(*module_, ToBorderText(described.name), described.conduct));
-    auto problem = devices_.back()->Create(setup);
+    m_devices.push_back(std::make_unique<Device>(*m_module, ToBorderText(described.name), described.conduct));
+    auto problem = m_devices.back()->Create(setup);
     if (problem && problem->badSetup && !described.setup.isEmpty()) {
         PrintProblem(QStringLiteral("%1: devices[%2].setup: %3 and begins with a new one")
-                         .arg(show_.file)
+                         .arg(m_show.file)
                          .arg(index)
                          .arg(problem->text));
-        refusedSetups_ += described.name;
+        m_refusedSetups += described.name;
         if (auto failure = FirstSetup(described, setup))
             return failure;
-        problem = devices_.back()->TakeSetup(setup);
+        problem = m_devices.back()->TakeSetup(setup);
     }
-    if (!problem && devices_.back()->IsSilent())
-        silent_.Add(described.name);
+    if (!problem && m_devices.back()->IsSilent())
+        m_silent.Add(described.name);
     if (!problem)
         return std::nullopt;
-    return Failure{problem->badSetup ? kExitBadUse : kExitNoModule, DeviceText(*devices_.back(), problem->text)};
+    return Failure{problem->badSetup ? kExitBadUse : kExitNoModule, DeviceText(*m_devices.back(), problem->text)};
 }
 
 /// The setup of a device that has none yet: made of its driver, or empty.
@@ -140,7 +140,7 @@ MaybeFailure Session::FirstSetup(const ShowDevice& described, std::string& setup
     if (described.driverFile.isEmpty())
         return std::nullopt;
     DriverEdition edition;
-    if (auto failure = ReadDriver(show_, show_.Path(described.driverFile), options_.timeout, edition))
+    if (auto failure = ReadDriver(m_show, m_show.Path(described.driverFile), m_options.timeout, edition))
         return failure;
     setup = ToBorderText(MakeSetupText({}, edition).value_or(QString()));
     return std::nullopt;
@@ -149,56 +149,56 @@ MaybeFailure Session::FirstSetup(const ShowDevice& described, std::string& setup
 void Session::TellOtherEdition(const ShowDevice& described) const {
     QString problem;
     const auto text =
-        described.driverFile.isEmpty() ? std::nullopt : ReadText(show_.Path(described.driverFile), &problem);
+        described.driverFile.isEmpty() ? std::nullopt : ReadText(m_show.Path(described.driverFile), &problem);
     if (text && FromBorderText(ToBorderText(*text)) != ScriptOfSetup(described.setup))
         PrintProblem(
             QStringLiteral("%1: the setup in the show holds another edition of %2; \"stagehost setup %3\" takes "
                            "over the file")
-                .arg(described.name, described.driverFile, show_.file));
+                .arg(described.name, described.driverFile, m_show.file));
 }
 
 void Session::CheckStored() {
-    stored_ = CheckStoredCommands(show_, [this](const QString& name) { return FindDevice(name); });
-    for (const auto& command : stored_) {
-        const QString text = StandingText(command, show_.file);
-        if (!text.isEmpty() && !quiet_)
+    m_stored = CheckStoredCommands(m_show, [this](const QString& name) { return FindDevice(name); });
+    for (const auto& command : m_stored) {
+        const QString text = StandingText(command, m_show.file);
+        if (!text.isEmpty() && !m_quiet)
             PrintProblem(text);
         if (const StoredCommand* inForce = command.InForce())
-            host_->Model().SetStoredCommand(ToBorderText(command.name), inForce->Action());
+            m_host->Model().SetStoredCommand(ToBorderText(command.name), inForce->Action());
     }
 }
 
 MaybeFailure Session::Start() {
-    for (const auto& device : devices_) {
+    for (const auto& device : m_devices) {
         if (auto failure = StartDevice(*device))
             return failure;
     }
-    for (const auto& device : devices_) {
-        if (auto failure = LoadScript(*device, *show_.FindDevice(FromBorderText(device->Name()))))
+    for (const auto& device : m_devices) {
+        if (auto failure = LoadScript(*device, *m_show.FindDevice(FromBorderText(device->Name()))))
             return failure;
     }
     return std::nullopt;
 }
 
 QString Session::HearFailure(const Device& device, const std::function<void()>& work) {
-    silent_.Begin(FromBorderText(device.Name()));
+    m_silent.Begin(FromBorderText(device.Name()));
     work();
-    if (follower_)
-        follower_->Look();
-    return silent_.End();
+    if (m_follower)
+        m_follower->Look();
+    return m_silent.End();
 }
 
 /// A driver runs from the start on, so what it throws there is told at once.
 MaybeFailure Session::StartDevice(Device& device) {
     bool started = false;
-    const QString failure = HearFailure(device, [&] { started = device.Start(options_.timeout); });
+    const QString failure = HearFailure(device, [&] { started = device.Start(m_options.timeout); });
     if (!started)
         return Failure{
             kExitNoAnswer,
             DeviceText(device, Interrupt::HasCome()
                                    ? QStringLiteral("interrupted while it starts")
-                                   : QStringLiteral("has not started within %1 ms").arg(options_.timeout.count()))};
-    const ShowDevice& described = *show_.FindDevice(FromBorderText(device.Name()));
+                                   : QStringLiteral("has not started within %1 ms").arg(m_options.timeout.count()))};
+    const ShowDevice& described = *m_show.FindDevice(FromBorderText(device.Name()));
     const QString error = failure.isEmpty() ? FromBorderText(device.ErrorText()) : failure;
     if (error.isEmpty() || (described.driverFile.isEmpty() && described.setup.isEmpty()))
         return std::nullopt;
@@ -207,7 +207,7 @@ MaybeFailure Session::StartDevice(Device& device) {
 
 MaybeFailure Session::LoadScript(Device& device, const ShowDevice& described) {
     if (!described.scriptFile.isEmpty())
-        return LoadFile(device, show_.Path(described.scriptFile));
+        return LoadFile(device, m_show.Path(described.scriptFile));
     if (described.scriptText.isEmpty())
         return std::nullopt;
     CommandOutcome outcome;
@@ -234,7 +234,7 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
         return Failure{kExitBadUse, DeviceText(device, problem)};
     if (device.MayHold())
         PrintProblem(DeviceText(device, QStringLiteral("waiting until the device gives up the command that failed")));
-    const QString thrown = HearFailure(device, [&] { *outcome = device.Send(*found, inputs, options_.timeout); });
+    const QString thrown = HearFailure(device, [&] { *outcome = device.Send(*found, inputs, m_options.timeout); });
     if (!thrown.isEmpty() && outcome->kind == CommandOutcome::Kind::Done) {
         outcome->kind = CommandOutcome::Kind::ScriptFailed;
         outcome->error = ToBorderText(thrown);
@@ -242,21 +242,21 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
     const int exitCode = ExitCodeOf(*outcome);
     if (exitCode == kExitOk)
         return std::nullopt;
-    return Failure{exitCode, FailureText(*outcome, command, options_.timeout)};
+    return Failure{exitCode, FailureText(*outcome, command, m_options.timeout)};
 }
 
 MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
     const auto found =
-        std::find_if(stored_.begin(), stored_.end(), [&](const auto& command) { return command.name == name; });
-    if (found == stored_.end())
+        std::find_if(m_stored.begin(), m_stored.end(), [&](const auto& command) { return command.name == name; });
+    if (found == m_stored.end())
         return Failure{kExitBadUse, QStringLiteral("the show has no stored command \"%1\"").arg(name)};
     if (found->InForce() == nullptr)
-        return Failure{kExitScriptFailed, StandingText(*found, show_.file)};
+        return Failure{kExitScriptFailed, StandingText(*found, m_show.file)};
     const ActionSpec action = found->InForce()->Action();
     std::vector<ParameterInput> inputs;
     for (const auto& parameter : action.parameters) {
         inputs.push_back({parameter.name, parameter.text, {}});
-        inputs.back().variable = parameter.isVariable ? host_->Variables().Find(parameter.text) : nullptr;
+        inputs.back().variable = parameter.isVariable ? m_host->Variables().Find(parameter.text) : nullptr;
         if (parameter.isVariable && !inputs.back().variable)
             return Failure{kExitBadUse,
                            QStringLiteral("there is no variable \"%1\"").arg(FromBorderText(parameter.text))};
@@ -265,11 +265,11 @@ MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
 }
 
 MaybeFailure Session::WaitFor(const ShowWait& wait) {
-    const auto variable = host_->Variables().Find(ToBorderText(wait.variable));
+    const auto variable = m_host->Variables().Find(ToBorderText(wait.variable));
     if (!variable)
         return Failure{kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(wait.variable)};
     const std::string value = ToBorderText(wait.value);
-    const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : options_.timeout;
+    const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : m_options.timeout;
     const Observation observation = variable->Observe([] { MainWait::Wake(); });
     if (MainWait::UntilInterrupted([&] { return variable->Text() == value; }, limit))
         return std::nullopt;
@@ -283,7 +283,7 @@ MaybeFailure Session::WaitFor(const ShowWait& wait) {
 
 Device* Session::FindDevice(const QString& name) {
     const std::string border = ToBorderText(name);
-    for (const auto& device : devices_) {
+    for (const auto& device : m_devices) {
         if (device->Name() == border)
             return device.get();
     }
@@ -291,24 +291,24 @@ Device* Session::FindDevice(const QString& name) {
 }
 
 int Session::Close(int exitCode) {
-    if (!host_)
+    if (!m_host)
         return exitCode;
     const int lateCode = exitCode == kExitOk ? kExitNoAnswer : exitCode;
-    host_->Model().EndTasks();
-    for (const auto& device : devices_) {
+    m_host->Model().EndTasks();
+    for (const auto& device : m_devices) {
         const ExitGuard guard(kEnd, lateCode, "a device does not come back from its release");
         if (!device->Shutdown(kStop))
             LeaveAtOnce(lateCode, "a call into the module does not come back");
     }
-    devices_.clear();
+    m_devices.clear();
     {
         const ExitGuard guard(kModuleCall, lateCode, "the module does not come back from its end");
-        if (!host_->Pool().Close(kStop))
+        if (!m_host->Pool().Close(kStop))
             LeaveAtOnce(lateCode, "a call into the module does not come back");
-        module_.reset();
+        m_module.reset();
     }
-    host_.reset();
-    follower_.reset();
+    m_host.reset();
+    m_follower.reset();
     return exitCode;
 }
 

@@ -27,8 +27,9 @@ struct Failure {
 
 using MaybeFailure = std::optional<Failure>;
 
-/// One run of the host: the module loaded, the show's variables and devices made. Every call into the module is bounded
-/// in time, and Ctrl-C breaks off what is waited for, so that the devices are stopped before the program ends.   [host main]
+/// One run of the host: the module loaded, the show's variables and devices made.
+/// Every call into the module is bounded in time, and Ctrl-C breaks off what is
+/// waited for, so that the devices are stopped before the program ends.   [host main]
 class Session {
 public:
     explicit Session(const Options& options);
@@ -63,20 +64,20 @@ public:
 
     /// Has the module check the stored commands anew and tells the user what is not as it was stored. Open has done so.
     void CheckStored();
-    const std::vector<CheckedCommand>& StoredOnes() const { return stored_; }
+    const std::vector<CheckedCommand>& StoredOnes() const { return m_stored; }
 
     /// Whether the device has not taken its setup of the show file, and runs with a new one.
-    bool HasRefusedSetup(const QString& device) const { return refusedSetups_.contains(device); }
+    bool HasRefusedSetup(const QString& device) const { return m_refusedSetups.contains(device); }
 
     /// Leaves out, while the show is opened, what a command that writes the show file tells by itself.
-    void SetQuiet(bool quiet) { quiet_ = quiet; }
+    void SetQuiet(bool quiet) { m_quiet = quiet; }
 
     /// Waits until a variable has a value in its text form, as long as the wait says or for the limit of answers.
     MaybeFailure WaitFor(const ShowWait& wait);
 
     Device* FindDevice(const QString& name);
-    const std::vector<std::unique_ptr<Device>>& Devices() const { return devices_; }
-    Host& TheHost() { return *host_; }
+    const std::vector<std::unique_ptr<Device>>& Devices() const { return m_devices; }
+    Host& TheHost() { return *m_host; }
 
     /// Stops and releases the devices, ends the module. When something in the module cannot be ended, the process is
     /// left at once, with the exit code given or, when that is 0, with that of "no answer".
@@ -92,18 +93,18 @@ private:
     MaybeFailure FirstSetup(const ShowDevice& described, std::string& setup) const;
     void TellOtherEdition(const ShowDevice& described) const;
 
-    const Options& options_;
-    const Interrupt interrupt_;
-    Show show_;
-    std::unique_ptr<QTemporaryDir> logFolder_; ///< holds a temporary log; null otherwise
-    SilentDevices silent_;
-    std::unique_ptr<LogFollower> follower_; ///< null without a log
-    std::unique_ptr<Host> host_;
-    std::unique_ptr<ModuleFile> module_;
-    std::vector<std::unique_ptr<Device>> devices_;
-    std::vector<CheckedCommand> stored_;
-    QStringList refusedSetups_;
-    bool quiet_ = false;
+    const Options& m_options;
+    const Interrupt m_interrupt;
+    Show m_show;
+    std::unique_ptr<QTemporaryDir> m_logFolder; ///< holds a temporary log; null otherwise
+    SilentDevices m_silent;
+    std::unique_ptr<LogFollower> m_follower; ///< null without a log
+    std::unique_ptr<Host> m_host;
+    std::unique_ptr<ModuleFile> m_module;
+    std::vector<std::unique_ptr<Device>> m_devices;
+    std::vector<CheckedCommand> m_stored;
+    QStringList m_refusedSetups;
+    bool m_quiet = false;
 };
 
 /// The text of a path for the border: the full path, or one from the working folder when only that can be carried.

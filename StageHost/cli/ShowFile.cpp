@@ -29,48 +29,49 @@ QString PlaceOf(const Items& items, const QString& name) {
 } // namespace
 
 MaybeFailure ShowFile::Open(const QString& path) {
-    path_ = path;
-    if (auto failure = ReadShow(path, show_, before_))
+    m_path = path;
+    if (auto failure = ReadShow(path, m_show, m_before))
         return failure;
-    text_ = JsonText(before_);
+    m_text = JsonText(m_before);
     return std::nullopt;
 }
 
 void ShowFile::SetSetup(const QString& device, const QString& setup) {
-    changed_ = text_.SetMember({kDevices, PlaceOf(show_.devices, device)}, QStringLiteral("setup"), setup) && changed_;
+    m_changed =
+        m_text.SetMember({kDevices, PlaceOf(m_show.devices, device)}, QStringLiteral("setup"), setup) && m_changed;
 }
 
 void ShowFile::SetStoredCommand(const QString& name, const QString& xml) {
-    const QString place = PlaceOf(show_.commands, name);
+    const QString place = PlaceOf(m_show.commands, name);
     if (!place.isEmpty()) {
-        changed_ = text_.SetMember({kCommands, place}, QStringLiteral("xml"), xml) && changed_;
+        m_changed = m_text.SetMember({kCommands, place}, QStringLiteral("xml"), xml) && m_changed;
         return;
     }
     const QJsonObject item{{QStringLiteral("name"), name}, {QStringLiteral("xml"), xml}};
-    changed_ = (text_.Append({kCommands}, item) || text_.SetMember({}, kCommands, QJsonArray{item})) && changed_;
+    m_changed = (m_text.Append({kCommands}, item) || m_text.SetMember({}, kCommands, QJsonArray{item})) && m_changed;
 }
 
 MaybeFailure ShowFile::Save(bool* written) {
     *written = false;
-    if (!changed_ || QJsonDocument::fromJson(text_.Text()).isNull())
+    if (!m_changed || QJsonDocument::fromJson(m_text.Text()).isNull())
         return CannotWrite(QStringLiteral("its text cannot be changed"));
-    if (text_.Text() == before_)
+    if (m_text.Text() == m_before)
         return std::nullopt;
-    QSaveFile file(path_);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text_.Text()) != text_.Text().size() || !file.flush())
+    QSaveFile file(m_path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(m_text.Text()) != m_text.Text().size() || !file.flush())
         return CannotWrite(file.errorString());
     QString problem;
-    const auto now = ReadTextBytes(path_, &problem);
+    const auto now = ReadTextBytes(m_path, &problem);
     if (!now)
         return CannotWrite(QStringLiteral("it was there, but now: ") + problem);
-    if (*now != before_)
-        return Failure{kExitBadUse, QStringLiteral("%1 has changed meanwhile and is left as it is").arg(path_)};
+    if (*now != m_before)
+        return Failure{kExitBadUse, QStringLiteral("%1 has changed meanwhile and is left as it is").arg(m_path)};
     *written = file.commit();
     return *written ? std::nullopt : CannotWrite(file.errorString());
 }
 
 MaybeFailure ShowFile::CannotWrite(const QString& reason) const {
-    return Failure{kExitBadUse, QStringLiteral("cannot write %1: %2").arg(path_, reason)};
+    return Failure{kExitBadUse, QStringLiteral("cannot write %1: %2").arg(m_path, reason)};
 }
 
 } // namespace stagehost

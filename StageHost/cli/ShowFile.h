@@ -14,25 +14,25 @@ public:
     /// Reads the file and the show in it.
     MaybeFailure Open(const QString& path);
 
-    const Show& Content() const { return show_; }
+    const Show& Content() const { return m_show; }
 
     void SetSetup(const QString& device, const QString& setup);
     /// Changes the stored command of that name, or adds it.
     void SetStoredCommand(const QString& name, const QString& xml);
 
-    /// Writes what has changed: beside the file first, which then takes its place, so that the old one is whole until the new one
-    /// is. A file that somebody else has changed or removed meanwhile is left alone.
+    /// Writes what has changed: beside the file first, which then takes its place, so that the old one is whole until
+    /// the new one is. A file that somebody else has changed or removed meanwhile is left alone.
     /// @param written whether there was anything to write, and it is written.
     MaybeFailure Save(bool* written);
 
 private:
     MaybeFailure CannotWrite(const QString& reason) const;
 
-    QString path_;
-    Show show_;
-    QByteArray before_;
-    JsonText text_{{}};
-    bool changed_ = true; ///< every change has found its place
+    QString m_path;
+    Show m_show;
+    QByteArray m_before;
+    JsonText m_text{{}};
+    bool m_changed = true; ///< every change has found its place
 };
 
 } // namespace stagehost

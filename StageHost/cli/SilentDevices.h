@@ -4,11 +4,11 @@
 
 namespace stagehost {
 
-/// Devices that show no variable "Error", since their drivers have removed the default variables. What their scripts throw
-/// is taken from the log, and printed unless somebody waits for it.   [host main]
+/// Devices that show no variable "Error", since their drivers have removed the default variables. What their scripts
+/// throw is taken from the log, and printed unless somebody waits for it.   [host main]
 class SilentDevices {
 public:
-    void Add(const QString& device) { devices_ += device; }
+    void Add(const QString& device) { m_devices += device; }
 
     /// Looks at a line of the log.
     void Take(const QString& line);
@@ -19,9 +19,9 @@ public:
     QString End();
 
 private:
-    QStringList devices_;
-    QString awaited_; ///< empty when nobody waits
-    QString failure_;
+    QStringList m_devices;
+    QString m_awaited; ///< empty when nobody waits
+    QString m_failure;
 };
 
 } // namespace stagehost

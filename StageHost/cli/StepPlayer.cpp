@@ -16,25 +16,25 @@ namespace {
 class Problem {
 public:
     void Add(const std::string& what) {
-        const std::lock_guard<std::mutex> hold(lock_);
-        lines_ += FromBorderText(what);
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_lines += FromBorderText(what);
     }
 
     QString Text() const {
-        const std::lock_guard<std::mutex> hold(lock_);
-        return lines_.join(QStringLiteral("; "));
+        const std::lock_guard<std::mutex> hold(m_lock);
+        return m_lines.join(QStringLiteral("; "));
     }
 
 private:
-    mutable std::mutex lock_; ///< guards lines_
-    QStringList lines_;
+    mutable std::mutex m_lock; ///< guards m_lines
+    QStringList m_lines;
 };
 
 } // namespace
 
 StepPlayer::StepPlayer(Session& session, const Show& show)
-    : session_(session)
-    , show_(show) {}
+    : m_session(session)
+    , m_show(show) {}
 
 StepOutcome StepPlayer::Play(const ShowStep& step) {
     StepOutcome outcome;
@@ -47,7 +47,7 @@ StepOutcome StepPlayer::Play(const ShowStep& step) {
         outcome.failure = PlayStored(step, outcome.command);
         return outcome;
     }
-    outcome.failure = step.wait ? session_.WaitFor(*step.wait) : PlayAction(step.action);
+    outcome.failure = step.wait ? m_session.WaitFor(*step.wait) : PlayAction(step.action);
     outcome.command.kind = outcome.failure ? CommandOutcome::Kind::NoAnswer : CommandOutcome::Kind::Done;
     outcome.command.milliseconds =
         std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
@@ -58,19 +58,19 @@ MaybeFailure StepPlayer::PlayCommand(const ShowStep& step, CommandOutcome& outco
     std::vector<ParameterInput> inputs;
     if (auto failure = ReadInputs(step, inputs))
         return failure;
-    const auto failure = session_.Send(*session_.FindDevice(step.device), step.command, inputs, &outcome);
+    const auto failure = m_session.Send(*m_session.FindDevice(step.device), step.command, inputs, &outcome);
     return Compare(step, outcome, failure);
 }
 
 MaybeFailure StepPlayer::PlayStored(const ShowStep& step, CommandOutcome& outcome) {
-    const auto failure = session_.SendStored(step.stored, &outcome);
+    const auto failure = m_session.SendStored(step.stored, &outcome);
     return Compare(step, outcome, failure);
 }
 
 /// Variables, tasks and cues answer at once; a command that a cue sends goes on.
 MaybeFailure StepPlayer::PlayAction(const ActionSpec& action) {
     const auto problem = std::make_shared<Problem>();
-    session_.TheHost().Model().Run(action, [problem](const std::string& what) { problem->Add(what); });
+    m_session.TheHost().Model().Run(action, [problem](const std::string& what) { problem->Add(what); });
     const QString text = problem->Text();
     return text.isEmpty() ? MaybeFailure() : Failure{kExitScriptFailed, text};
 }
@@ -88,9 +88,9 @@ MaybeFailure StepPlayer::ReadInputs(const ShowStep& step, std::vector<ParameterI
 MaybeFailure StepPlayer::ReadInput(const ShowParameter& parameter, ParameterInput& input) {
     using Kind = ShowParameter::Kind;
     if (parameter.kind == Kind::Path)
-        return PathForBorder(show_.Path(parameter.text), input.text);
+        return PathForBorder(m_show.Path(parameter.text), input.text);
     if (parameter.kind == Kind::Variable) {
-        input.variable = session_.TheHost().Variables().Find(ToBorderText(parameter.text));
+        input.variable = m_session.TheHost().Variables().Find(ToBorderText(parameter.text));
         if (!input.variable)
             return Failure{kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(parameter.text)};
         return std::nullopt;
@@ -100,7 +100,7 @@ MaybeFailure StepPlayer::ReadInput(const ShowParameter& parameter, ParameterInpu
         return std::nullopt;
     }
     QString problem;
-    const auto text = ReadText(show_.Path(parameter.text), &problem);
+    const auto text = ReadText(m_show.Path(parameter.text), &problem);
     if (!text)
         return Failure{kExitBadUse, problem};
     bool lost = false;

@@ -25,8 +25,8 @@ private:
     MaybeFailure ReadInput(const ShowParameter& parameter, ParameterInput& input);
     static MaybeFailure Compare(const ShowStep& step, const CommandOutcome& outcome, const MaybeFailure& failure);
 
-    Session& session_;
-    const Show& show_;
+    Session& m_session;
+    const Show& m_show;
 };
 
 } // namespace stagehost

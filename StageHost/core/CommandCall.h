@@ -36,8 +36,8 @@ struct CommandCall {
     std::string ResultText() const;
 };
 
-/// The first input that names no parameter of the command, or whose text its type or its limits do not allow; or that the
-/// command is disabled.
+/// The first input that names no parameter of the command, or whose text its type or its limits do not allow; or that
+/// the command is disabled.
 /// @return empty when all fit, otherwise what is wrong.
 QString CheckInputs(const CommandDefinition& command, const std::vector<ParameterInput>& inputs);
 

@@ -52,46 +52,46 @@ struct CommandWaiter::Bell {
 };
 
 CommandWaiter::CommandWaiter()
-    : bell_(std::make_shared<Bell>())
-    , thread_([this] { Serve(); }) {}
+    : m_bell(std::make_shared<Bell>())
+    , m_thread([this] { Serve(); }) {}
 
 CommandWaiter::~CommandWaiter() {
-    bell_->Ring(bell_->ending);
-    thread_.join();
-    for (const auto& left : waiting_)
+    m_bell->Ring(m_bell->ending);
+    m_thread.join();
+    for (const auto& left : m_waiting)
         left.answer({kEnding});
 }
 
 std::function<void()> CommandWaiter::Waker() {
-    return [bell = bell_] { bell->Ring(bell->look); };
+    return [bell = m_bell] { bell->Ring(bell->look); };
 }
 
 void CommandWaiter::Add(std::shared_ptr<CommandCall> call, const void* device, Answer answer) {
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        waiting_.push_back({std::move(call), device, std::move(answer)});
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_waiting.push_back({std::move(call), device, std::move(answer)});
     }
-    bell_->Ring(bell_->look);
+    m_bell->Ring(m_bell->look);
 }
 
 void CommandWaiter::EndWaiting(const void* device) {
     std::vector<Answer> ended;
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        for (auto& entry : waiting_) {
+        const std::lock_guard<std::mutex> hold(m_lock);
+        for (auto& entry : m_waiting) {
             if (entry.device == device)
                 ended.push_back(std::move(entry.answer));
         }
-        waiting_.erase(
-            std::remove_if(waiting_.begin(), waiting_.end(), [&](const auto& entry) { return entry.device == device; }),
-            waiting_.end());
+        m_waiting.erase(std::remove_if(m_waiting.begin(), m_waiting.end(),
+                                       [&](const auto& entry) { return entry.device == device; }),
+                        m_waiting.end());
     }
     for (const auto& answer : ended)
         answer({kEnding});
 }
 
 void CommandWaiter::Serve() {
-    while (bell_->Wait()) {
+    while (m_bell->Wait()) {
         for (const auto& [answer, reply] : TakeOver())
             answer(reply);
     }
@@ -99,18 +99,18 @@ void CommandWaiter::Serve() {
 
 std::vector<std::pair<Answer, Reply>> CommandWaiter::TakeOver() {
     std::vector<std::pair<Answer, Reply>> over;
-    const std::lock_guard<std::mutex> hold(lock_);
-    for (auto entry = waiting_.begin(); entry != waiting_.end();) {
+    const std::lock_guard<std::mutex> hold(m_lock);
+    for (auto entry = m_waiting.begin(); entry != m_waiting.end();) {
         auto reply = ReplyOf(*entry->call);
         if (!reply) {
             ++entry;
             continue;
         }
         over.emplace_back(std::move(entry->answer), std::move(*reply));
-        entry = waiting_.erase(entry);
+        entry = m_waiting.erase(entry);
     }
-    const std::lock_guard<std::mutex> bell(bell_->lock);
-    bell_->waiting = !waiting_.empty();
+    const std::lock_guard<std::mutex> bell(m_bell->lock);
+    m_bell->waiting = !m_waiting.empty();
     return over;
 }
 

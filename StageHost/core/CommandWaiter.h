@@ -42,10 +42,10 @@ private:
     void Serve();
     std::vector<std::pair<Answer, Reply>> TakeOver();
 
-    const std::shared_ptr<Bell> bell_; ///< shared with the calls, which may outlive the waiter
-    std::mutex lock_;                  ///< guards waiting_
-    std::vector<Waiting> waiting_;
-    std::thread thread_;
+    const std::shared_ptr<Bell> m_bell; ///< shared with the calls, which may outlive the waiter
+    std::mutex m_lock;                  ///< guards m_waiting
+    std::vector<Waiting> m_waiting;
+    std::thread m_thread;
 };
 
 } // namespace stagehost

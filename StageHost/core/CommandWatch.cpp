@@ -49,53 +49,53 @@ struct CommandWatch::Seen {
 
 CommandWatch::CommandWatch(const std::shared_ptr<HostValue>& status, const std::shared_ptr<HostValue>& error,
                            std::function<void()> wake)
-    : seen_(std::make_shared<Seen>(status != nullptr, std::move(wake)))
-    , context_(new ExecContext([seen = seen_] { seen->ContextEnded(); })) {
+    : m_seen(std::make_shared<Seen>(status != nullptr, std::move(wake)))
+    , m_context(new ExecContext([seen = m_seen] { seen->ContextEnded(); })) {
     if (status)
-        statusObservation_ = status->Observe([seen = seen_, value = std::weak_ptr<HostValue>(status)] {
+        m_statusObservation = status->Observe([seen = m_seen, value = std::weak_ptr<HostValue>(status)] {
             if (const auto alive = value.lock())
                 seen->StatusIs(alive->Int());
         });
     if (error)
-        errorObservation_ = error->Observe([seen = seen_, value = std::weak_ptr<HostValue>(error)] {
+        m_errorObservation = error->Observe([seen = m_seen, value = std::weak_ptr<HostValue>(error)] {
             if (const auto alive = value.lock())
                 seen->ErrorIs(alive->Text());
         });
 }
 
 CommandWatch::~CommandWatch() {
-    context_->Release();
+    m_context->Release();
 }
 
 std::string CommandWatch::ErrorText() const {
-    const std::lock_guard<std::mutex> hold(seen_->lock);
-    return seen_->errorAtEnd.value_or(seen_->error);
+    const std::lock_guard<std::mutex> hold(m_seen->lock);
+    return m_seen->errorAtEnd.value_or(m_seen->error);
 }
 
 void CommandWatch::StopLooking() {
-    statusObservation_.reset();
-    errorObservation_.reset();
+    m_statusObservation.reset();
+    m_errorObservation.reset();
 }
 
 CommandWatch::Verdict CommandWatch::Judge(std::chrono::steady_clock::time_point now) {
-    const std::uint32_t state = context_->GetState();
+    const std::uint32_t state = m_context->GetState();
     if (state == ExecContext::kEnded)
         return Verdict::Over;
-    const std::lock_guard<std::mutex> hold(seen_->lock);
+    const std::lock_guard<std::mutex> hold(m_seen->lock);
     const bool begun = state == ExecContext::kBegun;
-    const bool returned = seen_->leftReady && seen_->ready;
-    const bool failed = !seen_->error.empty() && seen_->ready;
+    const bool returned = m_seen->leftReady && m_seen->ready;
+    const bool failed = !m_seen->error.empty() && m_seen->ready;
     if (!failed) {
-        seen_->failedSince.reset();
-        if (begun || (seen_->hasStatus && !returned))
+        m_seen->failedSince.reset();
+        if (begun || (m_seen->hasStatus && !returned))
             return Verdict::Running;
-        return seen_->hasStatus ? Verdict::Over : Verdict::Unseen;
+        return m_seen->hasStatus ? Verdict::Over : Verdict::Unseen;
     }
     if (!begun && returned)
         return Verdict::Failed;
-    if (!seen_->failedSince)
-        seen_->failedSince = now;
-    return now - *seen_->failedSince >= kGrace ? Verdict::Failed : Verdict::Running;
+    if (!m_seen->failedSince)
+        m_seen->failedSince = now;
+    return now - *m_seen->failedSince >= kGrace ? Verdict::Failed : Verdict::Running;
 }
 
 } // namespace stagehost

@@ -17,9 +17,9 @@ inline constexpr std::chrono::milliseconds kLook(50);
 /// Sees how one command goes, from what a host can see of it.
 ///
 /// A command for which the device began the context is over when the context has ended. For the others nobody ends
-/// it: their end is the device's variable `Status` coming back to "Ready" (index 0) after it had left it. A device holds
-/// a command that failed, for some ten seconds and without saying so; an error that stands when the device is ready
-/// again is therefore an outcome at once, whatever the context says later.
+/// it: their end is the device's variable `Status` coming back to "Ready" (index 0) after it had left it. A device
+/// holds a command that failed, for some ten seconds and without saying so; an error that stands when the device is
+/// ready again is therefore an outcome at once, whatever the context says later.
 ///
 /// Made before the command is sent. Device threads feed it, one thread asks it; its state has a lock of its own.
 class CommandWatch {
@@ -33,7 +33,7 @@ public:
     CommandWatch& operator=(const CommandWatch&) = delete;
 
     /// The context to send with the command; lives as long as the watch.
-    ExecContext* Context() { return context_; }
+    ExecContext* Context() { return m_context; }
 
     /// The error that the device has told since the watch was made and not cleared, up to the end of the context; empty
     /// without one.   [any]
@@ -59,10 +59,10 @@ public:
 private:
     struct Seen;
 
-    std::shared_ptr<Seen> seen_; ///< shared with the observers, which may run a last time after their removal
-    ExecContext* context_;
-    Observation statusObservation_;
-    Observation errorObservation_;
+    std::shared_ptr<Seen> m_seen; ///< shared with the observers, which may run a last time after their removal
+    ExecContext* m_context;
+    Observation m_statusObservation;
+    Observation m_errorObservation;
 };
 
 } // namespace stagehost

@@ -19,40 +19,40 @@ QString Latin(const std::string& text) {
 
 std::optional<DeviceDefinition> DefinitionReader::Read(const char* xml) {
     if (xml == nullptr) {
-        error_ = "no definition text";
+        m_error = "no definition text";
         return std::nullopt;
     }
-    xml_.addData(FromOutsideText(xml));
+    m_xml.addData(FromOutsideText(xml));
     DeviceDefinition device;
-    if (xml_.readNextStartElement() && xml_.name() == QLatin1String("Device"))
+    if (m_xml.readNextStartElement() && m_xml.name() == QLatin1String("Device"))
         ReadDevice(device);
-    else if (!xml_.hasError())
+    else if (!m_xml.hasError())
         Refuse(QStringLiteral("the root element is not Device"));
-    while (!xml_.atEnd() && !xml_.hasError())
-        xml_.readNext();
-    if (!xml_.hasError())
+    while (!m_xml.atEnd() && !m_xml.hasError())
+        m_xml.readNext();
+    if (!m_xml.hasError())
         return device;
-    error_ = "line " + std::to_string(xml_.lineNumber()) + ", column " + std::to_string(xml_.columnNumber()) + ": " +
-             ToBorderText(xml_.errorString());
+    m_error = "line " + std::to_string(m_xml.lineNumber()) + ", column " + std::to_string(m_xml.columnNumber()) + ": " +
+              ToBorderText(m_xml.errorString());
     return std::nullopt;
 }
 
 void DefinitionReader::ReadDevice(DeviceDefinition& device) {
     device.name = Text("Name");
-    while (xml_.readNextStartElement()) {
-        if (xml_.name() == QLatin1String("Commands"))
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() == QLatin1String("Commands"))
             ReadCommands(device);
-        else if (xml_.name() == QLatin1String("Variables"))
+        else if (m_xml.name() == QLatin1String("Variables"))
             ReadVariables(device);
         else
-            xml_.skipCurrentElement();
+            m_xml.skipCurrentElement();
     }
 }
 
 void DefinitionReader::ReadCommands(DeviceDefinition& device) {
-    while (xml_.readNextStartElement()) {
-        if (xml_.name() != QLatin1String("Command")) {
-            xml_.skipCurrentElement();
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() != QLatin1String("Command")) {
+            m_xml.skipCurrentElement();
             continue;
         }
         CommandDefinition command;
@@ -71,38 +71,38 @@ void DefinitionReader::ReadCommand(CommandDefinition& command) {
     command.id = WholeNumber("ID", 0);
     command.name = Text("Name");
     command.status = Text("Status");
-    while (xml_.readNextStartElement()) {
-        if (xml_.name() == QLatin1String("ObjectParams"))
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() == QLatin1String("ObjectParams"))
             ReadParameters(command);
         else
-            xml_.skipCurrentElement();
+            m_xml.skipCurrentElement();
     }
 }
 
 void DefinitionReader::ReadParameters(CommandDefinition& command) {
-    while (xml_.readNextStartElement()) {
-        if (xml_.name() == QLatin1String("ObjectParam"))
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() == QLatin1String("ObjectParam"))
             ReadParameter(command);
-        else if (xml_.name() == QLatin1String("Properties"))
+        else if (m_xml.name() == QLatin1String("Properties"))
             ReadProperties(command.properties);
         else
-            xml_.skipCurrentElement();
+            m_xml.skipCurrentElement();
     }
 }
 
 void DefinitionReader::ReadParameter(CommandDefinition& command) {
     std::optional<ValueSpec> parameter;
     std::map<std::string, std::string> properties;
-    while (xml_.readNextStartElement()) {
-        const DataType* type = FindDataTypeOfElement(xml_.name().toString().toStdString());
+    while (m_xml.readNextStartElement()) {
+        const DataType* type = FindDataTypeOfElement(m_xml.name().toString().toStdString());
         if (type != nullptr && !parameter)
             parameter = ReadValue(type->code, type->contentAttribute);
-        else if (xml_.name() == QLatin1String("Properties"))
+        else if (m_xml.name() == QLatin1String("Properties"))
             ReadProperties(properties);
         else
-            xml_.skipCurrentElement();
+            m_xml.skipCurrentElement();
     }
-    if (!parameter && !xml_.hasError())
+    if (!parameter && !m_xml.hasError())
         Refuse(QStringLiteral("an ObjectParam of the command \"%1\" has no value of a known type")
                    .arg(Latin(command.name)));
     if (!parameter)
@@ -112,10 +112,10 @@ void DefinitionReader::ReadParameter(CommandDefinition& command) {
 }
 
 void DefinitionReader::ReadVariables(DeviceDefinition& device) {
-    while (xml_.readNextStartElement()) {
-        const DataType* type = FindDataTypeOfElement(xml_.name().toString().toStdString());
+    while (m_xml.readNextStartElement()) {
+        const DataType* type = FindDataTypeOfElement(m_xml.name().toString().toStdString());
         if (type == nullptr) {
-            xml_.skipCurrentElement();
+            m_xml.skipCurrentElement();
             continue;
         }
         ValueSpec variable = ReadValue(type->code, type->contentAttribute);
@@ -146,22 +146,22 @@ ValueSpec DefinitionReader::ReadValue(std::uint32_t type, const char* contentAtt
 }
 
 void DefinitionReader::ReadValueChildren(ValueSpec& value) {
-    while (xml_.readNextStartElement()) {
-        if (xml_.name() == QLatin1String("EnumStrings"))
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() == QLatin1String("EnumStrings"))
             ReadItems(value);
-        else if (xml_.name() == QLatin1String("Properties"))
+        else if (m_xml.name() == QLatin1String("Properties"))
             ReadProperties(value.properties);
         else
-            xml_.skipCurrentElement();
+            m_xml.skipCurrentElement();
     }
 }
 
 void DefinitionReader::ReadItems(ValueSpec& value) {
     std::vector<std::pair<std::int32_t, std::string>> items;
-    while (xml_.readNextStartElement()) {
-        if (xml_.name() == QLatin1String("EnumString"))
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() == QLatin1String("EnumString"))
             items.emplace_back(WholeNumber("Value", static_cast<std::int32_t>(items.size())), Text("Name"));
-        xml_.skipCurrentElement();
+        m_xml.skipCurrentElement();
     }
     std::stable_sort(items.begin(), items.end(),
                      [](const auto& left, const auto& right) { return left.first < right.first; });
@@ -170,15 +170,15 @@ void DefinitionReader::ReadItems(ValueSpec& value) {
 }
 
 void DefinitionReader::ReadProperties(std::map<std::string, std::string>& properties) {
-    while (xml_.readNextStartElement()) {
-        if (xml_.name() == QLatin1String("Property"))
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() == QLatin1String("Property"))
             properties[Text("Name")] = Text("Value");
-        xml_.skipCurrentElement();
+        m_xml.skipCurrentElement();
     }
 }
 
 std::string DefinitionReader::Text(const char* attribute) const {
-    return ToBorderText(xml_.attributes().value(QLatin1String(attribute)).toString());
+    return ToBorderText(m_xml.attributes().value(QLatin1String(attribute)).toString());
 }
 
 std::optional<double> DefinitionReader::Number(const char* attribute) {
@@ -199,8 +199,8 @@ std::int32_t DefinitionReader::WholeNumber(const char* attribute, std::int32_t m
 }
 
 void DefinitionReader::Refuse(const QString& reason) {
-    if (!xml_.hasError())
-        xml_.raiseError(reason);
+    if (!m_xml.hasError())
+        m_xml.raiseError(reason);
 }
 
 } // namespace stagehost

@@ -21,7 +21,7 @@ public:
     std::optional<DeviceDefinition> Read(const char* xml);
 
     /// Why the text was refused, with its line and column.
-    const std::string& Error() const { return error_; }
+    const std::string& Error() const { return m_error; }
 
 private:
     void ReadDevice(DeviceDefinition& device);
@@ -40,8 +40,8 @@ private:
     std::int32_t WholeNumber(const char* attribute, std::int32_t missing);
     void Refuse(const QString& reason);
 
-    QXmlStreamReader xml_;
-    std::string error_;
+    QXmlStreamReader m_xml;
+    std::string m_error;
 };
 
 } // namespace stagehost

@@ -27,57 +27,57 @@ Milliseconds Left(Clock::time_point deadline) {
 } // namespace
 
 Device::Device(ModuleFile& module, std::string name, Conduct conduct)
-    : module_(module)
-    , pool_(module.TheHost().Pool())
-    , name_(std::move(name))
-    , conduct_(conduct)
-    , variables_(std::make_shared<DeviceVariables>(name_, module.TheHost().Variables())) {}
+    : m_module(module)
+    , m_pool(module.TheHost().Pool())
+    , m_name(std::move(name))
+    , m_conduct(conduct)
+    , m_variables(std::make_shared<DeviceVariables>(m_name, module.TheHost().Variables())) {}
 
 Device::~Device() {
     Shutdown(kComeBack);
 }
 
 std::optional<Device::Problem> Device::Create(const std::string& setup) {
-    variables_->SetDefinition(module_.Module()->GetDefinition());
-    const KXPCode made = module_.Module()->CreateDevice(nullptr, &device_);
-    if (made != KXP_OK || device_ == nullptr) {
-        device_ = nullptr;
+    m_variables->SetDefinition(m_module.Module()->GetDefinition());
+    const KXPCode made = m_module.Module()->CreateDevice(nullptr, &m_device);
+    if (made != KXP_OK || m_device == nullptr) {
+        m_device = nullptr;
         return Problem{false, QStringLiteral("the module makes no device (code %1)").arg(made)};
     }
-    object_ = std::make_shared<DeviceObject>(name_, conduct_, device_, variables_, TheHost().Variables(), pool_,
-                                             TheHost().Commands());
-    TheHost().Model().AddDevice(object_);
-    device_->SetDeviceVariables(variables_.get());
+    m_object = std::make_shared<DeviceObject>(m_name, m_conduct, m_device, m_variables, TheHost().Variables(), m_pool,
+                                              TheHost().Commands());
+    TheHost().Model().AddDevice(m_object);
+    m_device->SetDeviceVariables(m_variables.get());
     return TakeSetup(setup);
 }
 
 std::optional<Device::Problem> Device::TakeSetup(const std::string& setup) {
-    device_->SetName(name_.c_str());
+    m_device->SetName(m_name.c_str());
     const std::string text = setup.empty() ? Setup() : setup;
-    const KXPCode applied = text.empty() ? KXP_OK : device_->SetSetup(text.c_str());
+    const KXPCode applied = text.empty() ? KXP_OK : m_device->SetSetup(text.c_str());
     if (applied != KXP_OK && !setup.empty())
         return Problem{true, QStringLiteral("the device does not take its setup (code %1)").arg(applied)};
-    device_->SetName(name_.c_str()); // a setup brings the name that the device had when it was stored
-    if (RefreshDefinition() == nullptr || variables_->Definition()->commands.empty())
+    m_device->SetName(m_name.c_str()); // a setup brings the name that the device had when it was stored
+    if (RefreshDefinition() == nullptr || m_variables->Definition()->commands.empty())
         return Problem{
             false,
-            QStringLiteral("the device has no usable definition. %1").arg(FromBorderText(variables_->LastError()))};
+            QStringLiteral("the device has no usable definition. %1").arg(FromBorderText(m_variables->LastError()))};
     return std::nullopt;
 }
 
 bool Device::Start(Milliseconds limit) {
-    started_ = true;
-    return RunInTime(pool_.Run([device = device_] { device->Start(); }), limit, &MainWait::UntilInterrupted);
+    m_started = true;
+    return RunInTime(m_pool.Run([device = m_device] { device->Start(); }), limit, &MainWait::UntilInterrupted);
 }
 
 CommandOutcome Device::Send(const CommandDefinition& command, const std::vector<ParameterInput>& inputs,
                             Milliseconds limit) {
-    if (mayHold_)
+    if (m_mayHold)
         Settle();
     const auto begin = Clock::now();
-    const auto call = std::make_shared<Call>(command, inputs, *variables_, &MainWait::Wake);
-    calls_.push_back(call);
-    call->task = pool_.Run([device = device_, call] {
+    const auto call = std::make_shared<Call>(command, inputs, *m_variables, &MainWait::Wake);
+    m_calls.push_back(call);
+    call->task = m_pool.Run([device = m_device, call] {
         call->code = device->ExecuteCommand(call->id, call->params.get(), call->watch->Context());
     });
     CommandOutcome outcome = Await(*call, limit);
@@ -86,51 +86,52 @@ CommandOutcome Device::Send(const CommandDefinition& command, const std::vector<
     call->watch->StopLooking();
     const bool answered =
         outcome.kind != CommandOutcome::Kind::NoAnswer && outcome.kind != CommandOutcome::Kind::Interrupted;
-    if (answered && !mayHold_)
-        calls_.pop_back();
+    if (answered && !m_mayHold)
+        m_calls.pop_back();
     return outcome;
 }
 
 bool Device::Shutdown(Milliseconds limit) {
-    if (device_ == nullptr)
+    if (m_device == nullptr)
         return true;
-    TheHost().Model().RemoveDevice(name_);
-    object_->Close();
+    TheHost().Model().RemoveDevice(m_name);
+    m_object->Close();
     TheHost().EndWaitingOfOlderLink();
     const bool quiet = MainWait::Until([this] { return AllBack(); }, kBlockedStop);
-    if (started_ && quiet)
-        RunInTime(pool_.Run([device = device_] { device->Stop(); }), blocked_ ? kBlockedStop : limit, &MainWait::Until);
-    TheHost().CloseLink(device_);
-    device_->Release();
-    TheHost().ForgetDevice(device_);
-    device_ = nullptr;
+    if (m_started && quiet)
+        RunInTime(m_pool.Run([device = m_device] { device->Stop(); }), m_blocked ? kBlockedStop : limit,
+                  &MainWait::Until);
+    TheHost().CloseLink(m_device);
+    m_device->Release();
+    TheHost().ForgetDevice(m_device);
+    m_device = nullptr;
     const bool back = MainWait::Until([this] { return AllBack(); }, kComeBack);
     if (!back)
         return false;
-    calls_.clear();
-    object_->Forget();
-    object_.reset();
+    m_calls.clear();
+    m_object->Forget();
+    m_object.reset();
     return true;
 }
 
 std::string Device::ErrorText() const {
-    const auto error = variables_->FindState("Error");
+    const auto error = m_variables->FindState("Error");
     return error ? error->Text() : std::string();
 }
 
 const char* Device::RefreshDefinition() {
-    const char* text = device_->GetDefinition();
-    if (text != nullptr && !variables_->IsDefinedBy(text))
-        variables_->SetDefinition(text);
+    const char* text = m_device->GetDefinition();
+    if (text != nullptr && !m_variables->IsDefinedBy(text))
+        m_variables->SetDefinition(text);
     return text;
 }
 
 std::string Device::Setup() const {
     char* text = nullptr;
-    if (device_->GetSetup(&text) != KXP_OK || text == nullptr)
+    if (m_device->GetSetup(&text) != KXP_OK || text == nullptr)
         return {};
     std::string setup = text;
-    device_->ReleaseString(&text);
+    m_device->ReleaseString(&text);
     return setup;
 }
 
@@ -140,10 +141,10 @@ Device::Standing Device::Check(const StoredCommand& stored) {
     ObjectParams params(command.properties);
     for (const auto& parameter : command.parameters)
         params.Add(MakeValue(parameter), nullptr);
-    const KXPCode code = module_.Module()->CheckCommand(nullptr, device_, command.id, &params);
+    const KXPCode code = m_module.Module()->CheckCommand(nullptr, m_device, command.id, &params);
     if (code == KXP_COMMANDS_CHANGED)
         return Standing::Gone;
-    const auto definition = variables_->Definition();
+    const auto definition = m_variables->Definition();
     const auto byId = definition->FindCommandOfId(command.id);
     if (code != KXP_OK || byId == nullptr)
         return byId == nullptr && command.FunctionName().empty() ? Standing::Gone : Standing::Changed;
@@ -152,12 +153,12 @@ Device::Standing Device::Check(const StoredCommand& stored) {
 
 std::optional<StoredCommand> Device::Update(const StoredCommand& stored) {
     char* text = nullptr;
-    const KXPCode code = device_->UpdateCommand(ToBorderText(stored.Print()).c_str(), &text);
+    const KXPCode code = m_device->UpdateCommand(ToBorderText(stored.Print()).c_str(), &text);
     if (code != KXP_OK || text == nullptr)
         return std::nullopt;
     QString problem;
     auto updated = StoredCommand::Read(FromOutsideText(text), &problem);
-    device_->ReleaseString(&text);
+    m_device->ReleaseString(&text);
     return updated;
 }
 
@@ -178,14 +179,14 @@ CommandOutcome Device::Await(Call& call, Milliseconds limit) {
         if (Clock::now() >= deadline || Interrupt::HasCome())
             return Unanswered();
     }
-    mayHold_ = verdict == Verdict::Failed;
+    m_mayHold = verdict == Verdict::Failed;
     const bool failed = verdict == Verdict::Failed || !ErrorText().empty();
     outcome.kind = failed ? CommandOutcome::Kind::ScriptFailed : CommandOutcome::Kind::Done;
     return outcome;
 }
 
 CommandOutcome Device::Unanswered() {
-    blocked_ = true;
+    m_blocked = true;
     CommandOutcome outcome;
     if (Interrupt::HasCome())
         outcome.kind = CommandOutcome::Kind::Interrupted;
@@ -200,7 +201,7 @@ void Device::Complete(CommandOutcome& outcome, const Call& call) const {
 }
 
 void Device::Settle() {
-    mayHold_ = false;
+    m_mayHold = false;
     const auto status = Status();
     if (!status)
         return;
@@ -215,17 +216,17 @@ void Device::Settle() {
 }
 
 bool Device::RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit, Wait wait) {
-    tasks_.erase(std::remove_if(tasks_.begin(), tasks_.end(), [](const auto& other) { return other->IsDone(); }),
-                 tasks_.end());
-    tasks_.push_back(task);
+    m_tasks.erase(std::remove_if(m_tasks.begin(), m_tasks.end(), [](const auto& other) { return other->IsDone(); }),
+                  m_tasks.end());
+    m_tasks.push_back(task);
     const bool inTime = wait([&] { return task->IsDone(); }, limit);
-    blocked_ = blocked_ || !inTime;
+    m_blocked = m_blocked || !inTime;
     return inTime;
 }
 
 bool Device::AllBack() const {
-    const bool done = std::all_of(tasks_.begin(), tasks_.end(), [](const auto& task) { return task->IsDone(); });
-    return done && (!object_ || object_->IsEmpty());
+    const bool done = std::all_of(m_tasks.begin(), m_tasks.end(), [](const auto& task) { return task->IsDone(); });
+    return done && (!m_object || m_object->IsEmpty());
 }
 
 } // namespace stagehost

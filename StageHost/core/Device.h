@@ -74,20 +74,20 @@ public:
     CommandOutcome Send(const CommandDefinition& command, const std::vector<ParameterInput>& inputs,
                         Milliseconds limit);
 
-    /// Stops the device if it runs, releases it and waits for calls that were blocked. Requests that wait for it or that
-    /// it has made are answered with 75.
+    /// Stops the device if it runs, releases it and waits for calls that were blocked. Requests that wait for it or
+    /// that it has made are answered with 75.
     /// @return false when something of it is still running: only leaving the process at once ends that.
     bool Shutdown(Milliseconds limit);
 
     /// Whether the device may still hold a command that failed: the next one waits for that, some seconds long.
-    bool MayHold() const { return mayHold_; }
+    bool MayHold() const { return m_mayHold; }
 
-    const std::string& Name() const { return name_; }
-    DeviceVariables& Variables() { return *variables_; }
-    std::shared_ptr<HostValue> Status() const { return variables_->FindState("Status"); }
+    const std::string& Name() const { return m_name; }
+    DeviceVariables& Variables() { return *m_variables; }
+    std::shared_ptr<HostValue> Status() const { return m_variables->FindState("Status"); }
     std::string ErrorText() const;
     /// Whether the device shows failures of its script in no variable.
-    bool IsSilent() const { return variables_->FindState("Error") == nullptr; }
+    bool IsSilent() const { return m_variables->FindState("Error") == nullptr; }
 
     /// Asks the device for its definition and takes it over if it has changed.
     /// @return the text, null when there is none.
@@ -114,20 +114,20 @@ private:
     bool RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit, Wait wait);
     bool AllBack() const;
 
-    Host& TheHost() { return module_.TheHost(); }
+    Host& TheHost() { return m_module.TheHost(); }
 
-    ModuleFile& module_;
-    WorkerPool& pool_;
-    const std::string name_;
-    const Conduct conduct_;
-    const std::shared_ptr<DeviceVariables> variables_;
-    std::shared_ptr<DeviceObject> object_; ///< the device as scripts and tasks see it; null before Create
-    IKXPDevice* device_ = nullptr;
-    bool started_ = false;
-    bool blocked_ = false; ///< a call did not come back in time: the next Stop will hardly do better
-    bool mayHold_ = false; ///< the last command failed without ending: the device may hold it still
-    std::vector<std::shared_ptr<Task>> tasks_; ///< those that have not been seen to come back
-    std::vector<std::shared_ptr<Call>> calls_; ///< those whose context may still be used
+    ModuleFile& m_module;
+    WorkerPool& m_pool;
+    const std::string m_name;
+    const Conduct m_conduct;
+    const std::shared_ptr<DeviceVariables> m_variables;
+    std::shared_ptr<DeviceObject> m_object; ///< the device as scripts and tasks see it; null before Create
+    IKXPDevice* m_device = nullptr;
+    bool m_started = false;
+    bool m_blocked = false; ///< a call did not come back in time: the next Stop will hardly do better
+    bool m_mayHold = false; ///< the last command failed without ending: the device may hold it still
+    std::vector<std::shared_ptr<Task>> m_tasks; ///< those that have not been seen to come back
+    std::vector<std::shared_ptr<Call>> m_calls; ///< those whose context may still be used
 };
 
 } // namespace stagehost

@@ -11,7 +11,7 @@ namespace stagehost {
 class DeviceDoor {
 public:
     explicit DeviceDoor(IKXPDevice* device)
-        : device_(device) {}
+        : m_device(device) {}
     DeviceDoor(const DeviceDoor&) = delete;
     DeviceDoor& operator=(const DeviceDoor&) = delete;
 
@@ -19,50 +19,50 @@ public:
     template <typename Call>
     bool Enter(Call call) {
         {
-            const std::lock_guard<std::mutex> hold(lock_);
-            if (closed_)
+            const std::lock_guard<std::mutex> hold(m_lock);
+            if (m_closed)
                 return false;
-            ++inside_;
+            ++m_inside;
         }
-        call(*device_);
+        call(*m_device);
         Leave();
         return true;
     }
 
     /// Lets nobody in any more; who is inside goes on.   [host main]
     void Close() {
-        const std::lock_guard<std::mutex> hold(lock_);
-        closed_ = true;
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_closed = true;
     }
 
     /// Whether nobody is let in any more.   [any]
     bool IsClosed() const {
-        const std::lock_guard<std::mutex> hold(lock_);
-        return closed_;
+        const std::lock_guard<std::mutex> hold(m_lock);
+        return m_closed;
     }
 
     /// Whether nobody is inside.   [any]
     bool IsEmpty() const {
-        const std::lock_guard<std::mutex> hold(lock_);
-        return inside_ == 0;
+        const std::lock_guard<std::mutex> hold(m_lock);
+        return m_inside == 0;
     }
 
 private:
     /// Wakes the main thread if it may be waiting for the door.
     void Leave() {
         {
-            const std::lock_guard<std::mutex> hold(lock_);
-            --inside_;
-            if (!closed_)
+            const std::lock_guard<std::mutex> hold(m_lock);
+            --m_inside;
+            if (!m_closed)
                 return;
         }
         MainWait::Wake();
     }
 
-    IKXPDevice* const device_; ///< not used any more once the door is closed and nobody is inside
-    mutable std::mutex lock_;  ///< guards the fields below
-    int inside_ = 0;
-    bool closed_ = false;
+    IKXPDevice* const m_device; ///< not used any more once the door is closed and nobody is inside
+    mutable std::mutex m_lock;  ///< guards the fields below
+    int m_inside = 0;
+    bool m_closed = false;
 };
 
 } // namespace stagehost

@@ -17,60 +17,60 @@ DeviceObject::DeviceObject(std::string name, Conduct conduct, IKXPDevice* device
                            std::shared_ptr<DeviceVariables> variables, VariableManager& manager, WorkerPool& pool,
                            CommandWaiter& waiter)
     : ShowObject(ObjectKind::Device, std::move(name), conduct)
-    , door_(device)
-    , variables_(std::move(variables))
-    , manager_(manager)
-    , strand_(pool)
-    , waiter_(waiter) {}
+    , m_door(device)
+    , m_variables(std::move(variables))
+    , m_manager(manager)
+    , m_strand(pool)
+    , m_waiter(waiter) {}
 
 void DeviceObject::Close() {
-    door_.Close();
-    waiter_.EndWaiting(this);
+    m_door.Close();
+    m_waiter.EndWaiting(this);
 }
 
 void DeviceObject::Forget() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    calls_.clear();
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_calls.clear();
 }
 
 std::vector<ObjectProperty> DeviceObject::Properties() const {
     bool running = false;
-    door_.Enter([&](IKXPDevice& device) { running = device.IsRunning() == KXP_OK; });
+    m_door.Enter([&](IKXPDevice& device) { running = device.IsRunning() == KXP_OK; });
     std::vector<ObjectProperty> all{{kRunning, running ? "true" : "false"}};
-    for (const auto& variable : variables_->All())
+    for (const auto& variable : m_variables->All())
         all.push_back({variable->Name().substr(Name().size() + 1), variable->Text()});
     return all;
 }
 
 std::optional<std::int32_t> DeviceObject::PropertyAsInt(const std::string& property) const {
-    const auto variable = variables_->Find(property);
+    const auto variable = m_variables->Find(property);
     return variable ? std::optional(variable->Int()) : ShowObject::PropertyAsInt(property);
 }
 
 KXPCode DeviceObject::SetProperty(const std::string& property, const std::string& value) {
-    const auto variable = variables_->Find(property);
+    const auto variable = m_variables->Find(property);
     if (!variable)
         return ShowObject::SetProperty(property, value);
     return variable->SetText(value) ? KXP_OK : KXPCode{kBadValue};
 }
 
 KXPCode DeviceObject::SetPropertyAsInt(const std::string& property, std::int32_t value) {
-    const auto variable = variables_->Find(property);
+    const auto variable = m_variables->Find(property);
     if (!variable)
         return ShowObject::SetPropertyAsInt(property, value);
     return variable->SetInt(value) ? KXP_OK : KXPCode{kBadValue};
 }
 
 void DeviceObject::Perform(const std::string& action, const Parameters& parameters, const Answer& answer) {
-    strand_.Post([self = shared_from_this(), action, parameters, answer] { self->Issue(action, parameters, answer); });
+    m_strand.Post([self = shared_from_this(), action, parameters, answer] { self->Issue(action, parameters, answer); });
 }
 
 std::optional<std::string> DeviceObject::OwnText() const {
-    return variables_->DefinitionText();
+    return m_variables->DefinitionText();
 }
 
 void DeviceObject::Issue(const std::string& action, const Parameters& parameters, const Answer& answer) {
-    const auto definition = variables_->Definition();
+    const auto definition = m_variables->Definition();
     const CommandDefinition* command = definition->FindCommand(action);
     if (command == nullptr)
         return answer({kNoSuchAction});
@@ -88,7 +88,7 @@ KXPCode DeviceObject::ReadInputs(const Parameters& parameters, std::vector<Param
     for (const auto& parameter : parameters.List()) {
         ParameterInput input{parameter.name, parameter.text, {}};
         if (parameter.isVariable) {
-            input.variable = manager_.Find(parameter.text);
+            input.variable = m_manager.Find(parameter.text);
             if (!input.variable)
                 return KXP_VARIABLE_NOT_FOUND;
         }
@@ -99,11 +99,11 @@ KXPCode DeviceObject::ReadInputs(const Parameters& parameters, std::vector<Param
 
 void DeviceObject::Send(const CommandDefinition& command, const std::vector<ParameterInput>& inputs,
                         const Answer& answer) {
-    const auto call = std::make_shared<CommandCall>(command, inputs, *variables_, waiter_.Waker());
+    const auto call = std::make_shared<CommandCall>(command, inputs, *m_variables, m_waiter.Waker());
     Keep(call);
     bool running = false;
     KXPCode code = KXP_OK;
-    const bool entered = door_.Enter([&](IKXPDevice& device) {
+    const bool entered = m_door.Enter([&](IKXPDevice& device) {
         running = device.IsRunning() == KXP_OK;
         if (running)
             code = device.ExecuteCommand(call->id, call->params.get(), call->watch->Context());
@@ -114,21 +114,21 @@ void DeviceObject::Send(const CommandDefinition& command, const std::vector<Para
         return answer({kNotRunning});
     if (code != KXP_OK)
         return answer({kActionFailed, {}, "refused with code " + std::to_string(code)});
-    waiter_.Add(call, this, answer);
-    if (door_.IsClosed()) // since the command was accepted: Close may have ended the waiting before this one was added
-        waiter_.EndWaiting(this);
+    m_waiter.Add(call, this, answer);
+    if (m_door.IsClosed()) // since the command was accepted: Close may have ended the waiting before this one was added
+        m_waiter.EndWaiting(this);
 }
 
 /// Keeps what the device borrows, and lets go of what it has given back.
 void DeviceObject::Keep(const std::shared_ptr<CommandCall>& call) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    calls_.erase(std::remove_if(calls_.begin(), calls_.end(),
-                                [](const auto& other) {
-                                    return other.use_count() == 1 &&
-                                           other->watch->Context()->GetState() == ExecContext::kEnded;
-                                }),
-                 calls_.end());
-    calls_.push_back(call);
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_calls.erase(std::remove_if(m_calls.begin(), m_calls.end(),
+                                 [](const auto& other) {
+                                     return other.use_count() == 1 &&
+                                            other->watch->Context()->GetState() == ExecContext::kEnded;
+                                 }),
+                  m_calls.end());
+    m_calls.push_back(call);
 }
 
 } // namespace stagehost

@@ -22,7 +22,7 @@ public:
     /// Takes no more commands and answers 75 to those that wait.   [host main]
     void Close();
     /// Whether no call is inside the device.   [any]
-    bool IsEmpty() const { return door_.IsEmpty(); }
+    bool IsEmpty() const { return m_door.IsEmpty(); }
     /// Gives up what the device borrowed; once it has been released.   [host main]
     void Forget();
 
@@ -43,13 +43,13 @@ private:
     void Send(const CommandDefinition& command, const std::vector<ParameterInput>& inputs, const Answer& answer);
     void Keep(const std::shared_ptr<CommandCall>& call);
 
-    mutable DeviceDoor door_;
-    const std::shared_ptr<DeviceVariables> variables_;
-    VariableManager& manager_;
-    Strand strand_;
-    CommandWaiter& waiter_;
-    std::mutex lock_;                                 ///< guards calls_
-    std::vector<std::shared_ptr<CommandCall>> calls_; ///< those that the device may still use
+    mutable DeviceDoor m_door;
+    const std::shared_ptr<DeviceVariables> m_variables;
+    VariableManager& m_manager;
+    Strand m_strand;
+    CommandWaiter& m_waiter;
+    std::mutex m_lock;                                 ///< guards m_calls
+    std::vector<std::shared_ptr<CommandCall>> m_calls; ///< those that the device may still use
 };
 
 } // namespace stagehost

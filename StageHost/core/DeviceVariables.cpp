@@ -23,13 +23,13 @@ bool SameSpec(const ValueSpec& left, const ValueSpec& right) {
 } // namespace
 
 DeviceVariables::DeviceVariables(std::string deviceName, VariableManager& manager)
-    : deviceName_(std::move(deviceName))
-    , manager_(manager)
-    , definition_(std::make_shared<DeviceDefinition>()) {}
+    : m_deviceName(std::move(deviceName))
+    , m_manager(manager)
+    , m_definition(std::make_shared<DeviceDefinition>()) {}
 
 DeviceVariables::~DeviceVariables() {
-    for (const auto& variable : order_)
-        manager_.Remove(variable->Name());
+    for (const auto& variable : m_order)
+        m_manager.Remove(variable->Name());
 }
 
 KXPCode DeviceVariables::QueryInterface(const char* name, void** out) {
@@ -52,20 +52,20 @@ IData* DeviceVariables::GetVariable(const char* name) {
 std::uint32_t DeviceVariables::SetDefinition(const char* xml) {
     DefinitionReader reader;
     const auto definition = reader.Read(xml);
-    const std::lock_guard<std::mutex> hold(lock_);
-    lastError_ = reader.Error();
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_lastError = reader.Error();
     if (!definition)
         return 0;
-    order_ = Adopt(*definition);
-    definition_ = std::make_shared<DeviceDefinition>(*definition);
-    text_ = xml;
+    m_order = Adopt(*definition);
+    m_definition = std::make_shared<DeviceDefinition>(*definition);
+    m_text = xml;
     return 1;
 }
 
 std::shared_ptr<HostValue> DeviceVariables::Find(const std::string& name) const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    const auto found = variables_.find(name);
-    return found == variables_.end() ? nullptr : found->second;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    const auto found = m_variables.find(name);
+    return found == m_variables.end() ? nullptr : found->second;
 }
 
 std::shared_ptr<HostValue> DeviceVariables::FindState(const std::string& name) const {
@@ -76,66 +76,66 @@ std::shared_ptr<HostValue> DeviceVariables::FindState(const std::string& name) c
 }
 
 std::shared_ptr<const DeviceDefinition> DeviceVariables::Definition() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return definition_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_definition;
 }
 
 std::string DeviceVariables::DefinitionText() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return text_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_text;
 }
 
 std::vector<std::shared_ptr<HostValue>> DeviceVariables::All() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return order_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_order;
 }
 
 bool DeviceVariables::IsDefinedBy(const char* xml) const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return text_ == xml;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_text == xml;
 }
 
 std::string DeviceVariables::LastError() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return lastError_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_lastError;
 }
 
 DeviceVariables::Values DeviceVariables::Adopt(const DeviceDefinition& definition) {
     Values order;
     for (const auto& spec : definition.variables)
         order.push_back(AdoptVariable(spec));
-    for (const auto& former : order_) {
+    for (const auto& former : m_order) {
         if (std::find(order.begin(), order.end(), former) != order.end())
             continue;
-        retired_.push_back(former);
-        const std::string name = former->Name().substr(deviceName_.size() + 1);
-        if (variables_[name] == former) {
-            manager_.Remove(former->Name());
-            variables_.erase(name);
+        m_retired.push_back(former);
+        const std::string name = former->Name().substr(m_deviceName.size() + 1);
+        if (m_variables[name] == former) {
+            m_manager.Remove(former->Name());
+            m_variables.erase(name);
         }
     }
     return order;
 }
 
 std::shared_ptr<HostValue> DeviceVariables::AdoptVariable(const ValueSpec& spec) {
-    auto& place = variables_[spec.name];
+    auto& place = m_variables[spec.name];
     if (place && place->Type() == spec.type) {
         const ValueSpec* former = FormerSpec(spec.name);
         if (former == nullptr || !SameSpec(*former, spec))
             place->Configure(spec);
         return place;
     }
-    const std::string fullName = deviceName_ + "." + spec.name;
+    const std::string fullName = m_deviceName + "." + spec.name;
     if (place)
-        manager_.Remove(fullName);
+        m_manager.Remove(fullName);
     place = MakeValue(spec);
     place->SetIdentity(fullName, spec.instanceId);
-    manager_.Add(place);
+    m_manager.Add(place);
     return place;
 }
 
 const ValueSpec* DeviceVariables::FormerSpec(const std::string& name) const {
-    const auto& former = definition_->variables;
+    const auto& former = m_definition->variables;
     const auto found = std::find_if(former.begin(), former.end(), [&](const auto& spec) { return spec.name == name; });
     return found == former.end() ? nullptr : &*found;
 }

@@ -33,8 +33,8 @@ public:
     /// The variable of that name without the device's, or null.   [any]
     std::shared_ptr<HostValue> Find(const std::string& name) const;
 
-    /// "Status" or "Error" as the device itself keeps them; null when its driver has removed what the device has by itself:
-    /// a variable of that name is the driver's own then.   [any]
+    /// "Status" or "Error" as the device itself keeps them; null when its driver has removed what the device has by
+    /// itself: a variable of that name is the driver's own then.   [any]
     std::shared_ptr<HostValue> FindState(const std::string& name) const;
 
     /// The definition in force; an empty one before the first. Never changes once given.   [any]
@@ -59,15 +59,15 @@ private:
     std::shared_ptr<HostValue> AdoptVariable(const ValueSpec& spec);
     const ValueSpec* FormerSpec(const std::string& name) const;
 
-    const std::string deviceName_;
-    VariableManager& manager_;
-    mutable std::mutex lock_; ///< guards the fields below; only SetDefinition, on the main thread, changes them
-    std::unordered_map<std::string, std::shared_ptr<HostValue>> variables_; ///< by name without the device's
-    Values order_;
-    Values retired_;
-    std::shared_ptr<const DeviceDefinition> definition_;
-    std::string text_;
-    std::string lastError_;
+    const std::string m_deviceName;
+    VariableManager& m_manager;
+    mutable std::mutex m_lock; ///< guards the fields below; only SetDefinition, on the main thread, changes them
+    std::unordered_map<std::string, std::shared_ptr<HostValue>> m_variables; ///< by name without the device's
+    Values m_order;
+    Values m_retired;
+    std::shared_ptr<const DeviceDefinition> m_definition;
+    std::string m_text;
+    std::string m_lastError;
 };
 
 } // namespace stagehost

@@ -5,7 +5,7 @@
 namespace stagehost {
 
 ExecContext::ExecContext(std::function<void()> ended)
-    : ended_(std::move(ended)) {}
+    : m_ended(std::move(ended)) {}
 
 KXPCode ExecContext::QueryInterface(const char* name, void** out) {
     if (name == nullptr || out == nullptr)
@@ -17,35 +17,35 @@ KXPCode ExecContext::QueryInterface(const char* name, void** out) {
 }
 
 KXPCode ExecContext::Release() {
-    if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+    if (m_references.fetch_sub(1, std::memory_order_acq_rel) == 1)
         delete this;
     return KXP_OK;
 }
 
 KXPCode ExecContext::SetErrorCode(KXPCode code) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    errorCode_ = code;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_errorCode = code;
     return KXP_OK;
 }
 
 KXPCode ExecContext::Begin() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    if (state_ == kCreated)
-        state_ = kBegun;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    if (m_state == kCreated)
+        m_state = kBegun;
     return KXP_OK;
 }
 
 KXPCode ExecContext::End() {
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        if (state_ == kEnded)
+        const std::lock_guard<std::mutex> hold(m_lock);
+        if (m_state == kEnded)
             return KXP_OK;
         AddRef(); // the waiter may drop the last reference as soon as it sees the end
-        state_ = kEnded;
-        changed_.notify_all();
+        m_state = kEnded;
+        m_changed.notify_all();
     }
-    if (ended_)
-        ended_();
+    if (m_ended)
+        m_ended();
     return Release();
 }
 
@@ -58,7 +58,7 @@ KXPCode ExecContext::Reserved5(void*) {
 }
 
 KXPCode ExecContext::AddRef() {
-    references_.fetch_add(1, std::memory_order_relaxed);
+    m_references.fetch_add(1, std::memory_order_relaxed);
     return KXP_OK;
 }
 
@@ -71,29 +71,29 @@ KXPCode ExecContext::Reserved8(void*, void*, void*) {
 }
 
 KXPCode ExecContext::SetResultText(const char* text) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    resultText_ = text == nullptr ? "" : text;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_resultText = text == nullptr ? "" : text;
     return KXP_OK;
 }
 
 std::uint32_t ExecContext::GetState() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return state_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_state;
 }
 
 KXPCode ExecContext::ErrorCode() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return errorCode_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_errorCode;
 }
 
 std::string ExecContext::ResultText() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return resultText_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_resultText;
 }
 
 bool ExecContext::WaitEnded(std::chrono::milliseconds limit) {
-    std::unique_lock<std::mutex> hold(lock_);
-    return changed_.wait_for(hold, limit, [this] { return state_ == kEnded; });
+    std::unique_lock<std::mutex> hold(m_lock);
+    return m_changed.wait_for(hold, limit, [this] { return m_state == kEnded; });
 }
 
 } // namespace stagehost

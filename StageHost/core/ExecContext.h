@@ -45,13 +45,13 @@ public:
 private:
     virtual ~ExecContext() = default; ///< the last Release deletes
 
-    mutable std::mutex lock_; ///< guards the three fields below
-    State state_ = kCreated;
-    KXPCode errorCode_ = KXP_OK;
-    std::string resultText_;
-    std::condition_variable changed_;
-    std::function<void()> ended_;
-    std::atomic<std::uint32_t> references_{1};
+    mutable std::mutex m_lock; ///< guards the three fields below
+    State m_state = kCreated;
+    KXPCode m_errorCode = KXP_OK;
+    std::string m_resultText;
+    std::condition_variable m_changed;
+    std::function<void()> m_ended;
+    std::atomic<std::uint32_t> m_references{1};
 };
 
 } // namespace stagehost

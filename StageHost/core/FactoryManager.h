@@ -23,8 +23,8 @@ public:
     IObjectFactory* Find(const std::string& name) const;
 
 private:
-    mutable std::mutex lock_; ///< guards factories_
-    std::map<std::string, IObjectFactory*> factories_;
+    mutable std::mutex m_lock; ///< guards m_factories
+    std::map<std::string, IObjectFactory*> m_factories;
 };
 
 } // namespace stagehost

@@ -8,13 +8,13 @@ namespace stagehost {
 
 FolderManager::FolderManager(HostFaces& faces, const HostSettings& settings)
     : HostFace(faces)
-    , settings_(settings) {
+    , m_settings(settings) {
     OfferAs("IFolderManager");
 }
 
 const char* FolderManager::GetFolder(std::uint32_t folderId) {
-    const auto found = settings_.folders.find(folderId);
-    if (found == settings_.folders.end())
+    const auto found = m_settings.folders.find(folderId);
+    if (found == m_settings.folders.end())
         return nullptr;
     QDir().mkpath(FromBorderText(found->second));
     return found->second.c_str();

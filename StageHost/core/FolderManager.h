@@ -16,7 +16,7 @@ public:
     const char* GetFolder(std::uint32_t folderId) override;
 
 private:
-    const HostSettings& settings_;
+    const HostSettings& m_settings;
 };
 
 } // namespace stagehost

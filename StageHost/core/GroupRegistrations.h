@@ -46,13 +46,13 @@ private:
     void Hear(const ShowChange& change);
     bool IsHeard(const ShowChange& change) const;
 
-    ShowModel& model_;
-    mutable std::recursive_mutex lock_; ///< guards the three fields below; held while the handler is called
-    IManagerRemoteHandler* handler_ = nullptr;
-    std::map<std::string, Registration> groups_;
-    bool closed_ = false;
-    std::mutex subscribing_; ///< guards subscription_; never taken on the thread of the feed
-    Subscription subscription_;
+    ShowModel& m_model;
+    mutable std::recursive_mutex m_lock; ///< guards the three fields below; held while the handler is called
+    IManagerRemoteHandler* m_handler = nullptr;
+    std::map<std::string, Registration> m_groups;
+    bool m_closed = false;
+    std::mutex m_subscribing; ///< guards m_subscription; never taken on the thread of the feed
+    Subscription m_subscription;
 };
 
 } // namespace stagehost

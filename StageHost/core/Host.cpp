@@ -9,41 +9,41 @@ constexpr std::chrono::milliseconds kLastRequests(2000);
 } // namespace
 
 Host::Host(HostSettings settings, const ShowSpec& show)
-    : settings_(std::move(settings))
-    , factories_(faces_)
-    , runtimeInfo_(faces_, settings_)
-    , folders_(faces_, settings_)
-    , variables_(faces_, &feed_)
-    , names_(faces_)
-    , model_(variables_, feed_)
-    , desk_(model_, pool_) {
-    model_.Fill(show);
-    faces_.Offer("IMInterface", static_cast<IMInterface*>(&runtimeInfo_));
-    if (settings_.link == Link::Older || settings_.link == Link::Both)
-        olderLink_ = std::make_unique<OlderLinkManager>(faces_, desk_);
-    if (settings_.link == Link::Newer || settings_.link == Link::Both)
-        newerLink_ = std::make_unique<NewerLinkManager>(faces_, desk_);
+    : m_settings(std::move(settings))
+    , m_factories(m_faces)
+    , m_runtimeInfo(m_faces, m_settings)
+    , m_folders(m_faces, m_settings)
+    , m_variables(m_faces, &m_feed)
+    , m_names(m_faces)
+    , m_model(m_variables, m_feed)
+    , m_desk(m_model, m_pool) {
+    m_model.Fill(show);
+    m_faces.Offer("IMInterface", static_cast<IMInterface*>(&m_runtimeInfo));
+    if (m_settings.link == Link::Older || m_settings.link == Link::Both)
+        m_olderLink = std::make_unique<OlderLinkManager>(m_faces, m_desk);
+    if (m_settings.link == Link::Newer || m_settings.link == Link::Both)
+        m_newerLink = std::make_unique<NewerLinkManager>(m_faces, m_desk);
 }
 
 Host::~Host() {
-    model_.EndTasks();
+    m_model.EndTasks();
     EndWaitingOfOlderLink();
-    pool_.Close(kLastRequests);
+    m_pool.Close(kLastRequests);
 }
 
 void Host::CloseLink(IKXPDevice* device) {
-    if (newerLink_)
-        newerLink_->Close(device);
+    if (m_newerLink)
+        m_newerLink->Close(device);
 }
 
 void Host::EndWaitingOfOlderLink() {
-    if (olderLink_)
-        olderLink_->EndWaiting();
+    if (m_olderLink)
+        m_olderLink->EndWaiting();
 }
 
 void Host::ForgetDevice(IKXPDevice* device) {
-    if (newerLink_)
-        newerLink_->Forget(device);
+    if (m_newerLink)
+        m_newerLink->Forget(device);
 }
 
 } // namespace stagehost

@@ -31,13 +31,13 @@ public:
     Host& operator=(const Host&) = delete;
 
     /// What IKXPModule::Initialize is given.   [host main]
-    IMInterface* Root() { return &runtimeInfo_; }
+    IMInterface* Root() { return &m_runtimeInfo; }
 
-    VariableManager& Variables() { return variables_; }
-    ShowModel& Model() { return model_; }
-    WorkerPool& Pool() { return pool_; }
-    CommandWaiter& Commands() { return commands_; }
-    const HostSettings& Settings() const { return settings_; }
+    VariableManager& Variables() { return m_variables; }
+    ShowModel& Model() { return m_model; }
+    WorkerPool& Pool() { return m_pool; }
+    CommandWaiter& Commands() { return m_commands; }
+    const HostSettings& Settings() const { return m_settings; }
 
     /// Ends what a device has under way on its link, before it is released.   [host main]
     void CloseLink(IKXPDevice* device);
@@ -50,20 +50,20 @@ public:
     void ForgetDevice(IKXPDevice* device);
 
 private:
-    const HostSettings settings_;
-    WorkerPool pool_;
-    ChangeFeed feed_;
-    HostFaces faces_;
-    FactoryManager factories_;
-    RuntimeInfo runtimeInfo_;
-    FolderManager folders_;
-    VariableManager variables_;
-    NameTools names_;
-    CommandWaiter commands_;
-    ShowModel model_;
-    RequestDesk desk_;
-    std::unique_ptr<OlderLinkManager> olderLink_; ///< null when not offered
-    std::unique_ptr<NewerLinkManager> newerLink_; ///< null when not offered
+    const HostSettings m_settings;
+    WorkerPool m_pool;
+    ChangeFeed m_feed;
+    HostFaces m_faces;
+    FactoryManager m_factories;
+    RuntimeInfo m_runtimeInfo;
+    FolderManager m_folders;
+    VariableManager m_variables;
+    NameTools m_names;
+    CommandWaiter m_commands;
+    ShowModel m_model;
+    RequestDesk m_desk;
+    std::unique_ptr<OlderLinkManager> m_olderLink; ///< null when not offered
+    std::unique_ptr<NewerLinkManager> m_newerLink; ///< null when not offered
 };
 
 } // namespace stagehost

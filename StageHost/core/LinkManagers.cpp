@@ -4,13 +4,13 @@ namespace stagehost {
 
 OlderLinkManager::OlderLinkManager(HostFaces& faces, RequestDesk& desk)
     : HostFace(faces)
-    , link_(desk) {
+    , m_link(desk) {
     OfferAs("IManagerRemoteManager");
 }
 
 NewerLinkManager::NewerLinkManager(HostFaces& faces, RequestDesk& desk)
     : HostFace(faces)
-    , desk_(desk) {
+    , m_desk(desk) {
     OfferAs("IManagerRemoteManager2");
 }
 
@@ -21,27 +21,27 @@ KXPCode NewerLinkManager::Reserved1(void*) {
 IManagerRemote2* NewerLinkManager::GetRemote(IKXPDevice* device) {
     if (device == nullptr)
         return nullptr;
-    const std::lock_guard<std::mutex> hold(lock_);
-    auto& link = links_[device];
+    const std::lock_guard<std::mutex> hold(m_lock);
+    auto& link = m_links[device];
     if (!link)
-        link = std::make_unique<NewerLink>(desk_);
+        link = std::make_unique<NewerLink>(m_desk);
     return link.get();
 }
 
 void NewerLinkManager::Close(IKXPDevice* device) {
     NewerLink* link = nullptr;
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        const auto found = links_.find(device);
-        link = found == links_.end() ? nullptr : found->second.get();
+        const std::lock_guard<std::mutex> hold(m_lock);
+        const auto found = m_links.find(device);
+        link = found == m_links.end() ? nullptr : found->second.get();
     }
     if (link != nullptr)
         link->Close();
 }
 
 void NewerLinkManager::Forget(IKXPDevice* device) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    links_.erase(device);
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_links.erase(device);
 }
 
 } // namespace stagehost

@@ -16,13 +16,13 @@ public:
     /// @param desk must outlive the link.
     OlderLinkManager(HostFaces& faces, RequestDesk& desk);
 
-    IManagerRemote* GetRemote() override { return &link_; }
+    IManagerRemote* GetRemote() override { return &m_link; }
 
     /// Lets go of all callers that wait.   [host main]
-    void EndWaiting() { link_.EndWaiting(); }
+    void EndWaiting() { m_link.EndWaiting(); }
 
 private:
-    OlderLink link_;
+    OlderLink m_link;
 };
 
 /// Hands out the newer links, one for each device.
@@ -43,9 +43,9 @@ public:
     void Forget(IKXPDevice* device);
 
 private:
-    RequestDesk& desk_;
-    std::mutex lock_; ///< guards links_
-    std::map<IKXPDevice*, std::unique_ptr<NewerLink>> links_;
+    RequestDesk& m_desk;
+    std::mutex m_lock; ///< guards m_links
+    std::map<IKXPDevice*, std::unique_ptr<NewerLink>> m_links;
 };
 
 } // namespace stagehost

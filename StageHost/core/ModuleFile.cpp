@@ -6,39 +6,39 @@
 namespace stagehost {
 
 ModuleFile::ModuleFile(Host& host)
-    : host_(host) {}
+    : m_host(host) {}
 
 ModuleFile::~ModuleFile() {
-    if (module_ == nullptr)
+    if (m_module == nullptr)
         return;
-    module_->Terminate(nullptr);
-    module_->Release();
-    library_.unload();
+    m_module->Terminate(nullptr);
+    m_module->Release();
+    m_library.unload();
 }
 
 QString ModuleFile::Load(const QString& path) {
     const QFileInfo file(path);
     if (!file.isFile())
         return QStringLiteral("there is no module file %1").arg(path);
-    library_.setFileName(file.absoluteFilePath());
+    m_library.setFileName(file.absoluteFilePath());
     QString problem = FindModule(path);
-    if (module_ == nullptr)
+    if (m_module == nullptr)
         return problem;
-    module_->Initialize(host_.Root(), nullptr, nullptr);
-    module_->SetDeviceHost(&host_);
+    m_module->Initialize(m_host.Root(), nullptr, nullptr);
+    m_module->SetDeviceHost(&m_host);
     return {};
 }
 
 QString ModuleFile::FindModule(const QString& path) {
-    if (!library_.load())
-        return QStringLiteral("%1 cannot be loaded: %2").arg(path, library_.errorString());
-    const auto entryPoint = reinterpret_cast<KXPEntryPoint>(library_.resolve(KXP_ENTRY_POINT_NAME));
+    if (!m_library.load())
+        return QStringLiteral("%1 cannot be loaded: %2").arg(path, m_library.errorString());
+    const auto entryPoint = reinterpret_cast<KXPEntryPoint>(m_library.resolve(KXP_ENTRY_POINT_NAME));
     if (entryPoint == nullptr)
         return QStringLiteral("%1 is no module: it has no %2").arg(path, QStringLiteral(KXP_ENTRY_POINT_NAME));
-    const KXPCode code = entryPoint(&module_);
-    if (code == KXP_OK && module_ != nullptr)
+    const KXPCode code = entryPoint(&m_module);
+    if (code == KXP_OK && m_module != nullptr)
         return {};
-    module_ = nullptr;
+    m_module = nullptr;
     return QStringLiteral("%1 gives no module object (code %2)").arg(path).arg(code);
 }
 

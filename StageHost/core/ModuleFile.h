@@ -11,8 +11,8 @@
 
 namespace stagehost {
 
-/// The module: its file, loaded by name, and the one object that its entry point gives. Knows the module by the
-/// contract alone.
+/// The module: its file, loaded by name, and the one object that
+/// its entry point gives. Knows the module by the contract alone.
 class ModuleFile {
 public:
     /// @param host the root object for the module; must outlive this object.
@@ -28,16 +28,16 @@ public:
     QString Load(const QString& path);
 
     /// The module object after a successful Load.
-    IKXPModule* Module() { return module_; }
+    IKXPModule* Module() { return m_module; }
 
-    Host& TheHost() { return host_; }
+    Host& TheHost() { return m_host; }
 
 private:
     QString FindModule(const QString& path);
 
-    Host& host_;
-    QLibrary library_;
-    IKXPModule* module_ = nullptr;
+    Host& m_host;
+    QLibrary m_library;
+    IKXPModule* m_module = nullptr;
 };
 
 /// Where the module file is looked for when no other is named: beside the program.

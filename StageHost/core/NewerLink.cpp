@@ -36,12 +36,12 @@ std::optional<bool> AcceptsEvents(const char* options) {
 } // namespace
 
 NewerLink::NewerLink(RequestDesk& desk)
-    : desk_(desk)
-    , registrations_(desk.Model()) {}
+    : m_desk(desk)
+    , m_registrations(desk.Model()) {}
 
 void NewerLink::Close() {
-    registrations_.Close();
-    desk_.EndWaiting(this);
+    m_registrations.Close();
+    m_desk.EndWaiting(this);
 }
 
 KXPCode NewerLink::Ask(const char* object, Request request, IExecContext* context) {
@@ -49,12 +49,12 @@ KXPCode NewerLink::Ask(const char* object, Request request, IExecContext* contex
         return KXP_NULL_ARGUMENT;
     request.object = object;
     request.link = this;
-    const KXPCode code = desk_.Check(request);
+    const KXPCode code = m_desk.Check(request);
     if (code != KXP_OK)
         return code;
     if (context == nullptr)
         return KXP_NULL_ARGUMENT;
-    desk_.Serve(std::move(request), BeginContext(context));
+    m_desk.Serve(std::move(request), BeginContext(context));
     return KXP_PENDING;
 }
 
@@ -67,7 +67,7 @@ KXPCode NewerLink::Release() {
 }
 
 KXPCode NewerLink::SetHandler(IManagerRemoteHandler* handler) {
-    registrations_.SetHandler(handler);
+    m_registrations.SetHandler(handler);
     return KXP_OK;
 }
 
@@ -78,21 +78,21 @@ KXPCode NewerLink::Reserved2(void*) {
 KXPCode NewerLink::RegisterGroup(const char* group, const char* options, IExecContext*, void*) {
     if (group == nullptr)
         return KXP_NULL_ARGUMENT;
-    const KXPCode code = desk_.CheckGroup(group);
+    const KXPCode code = m_desk.CheckGroup(group);
     if (code != KXP_OK)
         return code;
     const auto events = AcceptsEvents(options);
     if (!events)
         return kBadParameters;
-    registrations_.Add(group, *events);
+    m_registrations.Add(group, *events);
     return KXP_OK;
 }
 
 KXPCode NewerLink::UnregisterGroup(const char* group, IExecContext*, void*) {
     if (group != nullptr && *group == '\0')
-        registrations_.Clear();
+        m_registrations.Clear();
     else
-        registrations_.Remove(group == nullptr ? kGrantedGroup : group);
+        m_registrations.Remove(group == nullptr ? kGrantedGroup : group);
     return KXP_OK;
 }
 

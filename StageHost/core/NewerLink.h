@@ -19,7 +19,7 @@ public:
     NewerLink& operator=(const NewerLink&) = delete;
 
     /// The handler that the device bound last, or null.   [any]
-    IManagerRemoteHandler* Handler() const { return registrations_.Handler(); }
+    IManagerRemoteHandler* Handler() const { return m_registrations.Handler(); }
 
     /// Calls the handler no more and answers 75 to the requests that never end.   [host main]
     void Close();
@@ -61,8 +61,8 @@ public:
 private:
     KXPCode Ask(const char* object, Request request, IExecContext* context);
 
-    RequestDesk& desk_;
-    GroupRegistrations registrations_;
+    RequestDesk& m_desk;
+    GroupRegistrations m_registrations;
 };
 
 } // namespace stagehost

@@ -18,30 +18,30 @@ public:
     virtual ~ObjectParam() = default;
 
     /// The value in force by the contract's rule: the bound variable if there is one, the own value otherwise.
-    const HostValue& Effective() const { return bound_ ? *bound_ : *own_; }
+    const HostValue& Effective() const { return m_bound ? *m_bound : *m_own; }
 
     /// The own value, bound or not.
-    const HostValue& Own() const { return *own_; }
+    const HostValue& Own() const { return *m_own; }
 
     KXPCode QueryInterface(const char* name, void** out) override;
     KXPCode Release() override { return KXP_OK; }
-    const char* GetName() override { return own_->Face()->GetName(); }
+    const char* GetName() override { return m_own->Face()->GetName(); }
     KXPCode SetProperty(const char* name, const char* value, std::uint32_t reserved1, std::uint32_t reserved2) override;
-    const char* GetProperty(const char* name) override { return own_->Face()->GetProperty(name); }
-    void ReleaseString(char** text) override { own_->Face()->ReleaseString(text); }
-    std::uint32_t GetInstanceID() override { return own_->Face()->GetInstanceID(); }
-    std::int32_t GetIntValue() override { return own_->Face()->GetIntValue(); }
+    const char* GetProperty(const char* name) override { return m_own->Face()->GetProperty(name); }
+    void ReleaseString(char** text) override { m_own->Face()->ReleaseString(text); }
+    std::uint32_t GetInstanceID() override { return m_own->Face()->GetInstanceID(); }
+    std::int32_t GetIntValue() override { return m_own->Face()->GetIntValue(); }
     void SetIntValue(std::int32_t value, std::uint32_t reserved1, std::uint32_t reserved2) override;
-    double GetRealValue() override { return own_->Face()->GetRealValue(); }
+    double GetRealValue() override { return m_own->Face()->GetRealValue(); }
     void SetRealValue(double value, std::uint32_t reserved1, std::uint32_t reserved2) override;
-    char* GetValueAsString() override { return own_->Face()->GetValueAsString(); }
+    char* GetValueAsString() override { return m_own->Face()->GetValueAsString(); }
     void SetValueFromString(const char* text, std::uint32_t reserved1, std::uint32_t reserved2) override;
-    std::uint32_t GetDataType() override { return own_->Face()->GetDataType(); }
+    std::uint32_t GetDataType() override { return m_own->Face()->GetDataType(); }
     IData* GetValue(std::uint32_t reserved) override;
 
 private:
-    const std::shared_ptr<HostValue> own_;
-    const std::shared_ptr<HostValue> bound_;
+    const std::shared_ptr<HostValue> m_own;
+    const std::shared_ptr<HostValue> m_bound;
 };
 
 } // namespace stagehost

@@ -5,10 +5,10 @@
 namespace stagehost {
 
 ObjectParams::ObjectParams(std::map<std::string, std::string> properties)
-    : properties_(std::move(properties)) {}
+    : m_properties(std::move(properties)) {}
 
 void ObjectParams::Add(std::shared_ptr<HostValue> own, std::shared_ptr<HostValue> bound) {
-    params_.push_back(std::make_unique<ObjectParam>(std::move(own), std::move(bound)));
+    m_params.push_back(std::make_unique<ObjectParam>(std::move(own), std::move(bound)));
 }
 
 KXPCode ObjectParams::QueryInterface(const char* name, void** out) {
@@ -22,19 +22,19 @@ KXPCode ObjectParams::QueryInterface(const char* name, void** out) {
 KXPCode ObjectParams::SetProperty(const char* name, const char* value, std::uint32_t, std::uint32_t) {
     if (name == nullptr)
         return KXP_NULL_ARGUMENT;
-    const std::lock_guard<std::mutex> hold(lock_);
-    properties_[name] = value == nullptr ? "" : value;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_properties[name] = value == nullptr ? "" : value;
     return KXP_OK;
 }
 
 const char* ObjectParams::GetProperty(const char* name) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    const auto found = name == nullptr ? properties_.end() : properties_.find(name);
-    return found == properties_.end() ? nullptr : found->second.c_str();
+    const std::lock_guard<std::mutex> hold(m_lock);
+    const auto found = name == nullptr ? m_properties.end() : m_properties.find(name);
+    return found == m_properties.end() ? nullptr : found->second.c_str();
 }
 
 IObjectParam* ObjectParams::GetParam(std::uint32_t index) {
-    return index < params_.size() ? params_[index].get() : nullptr;
+    return index < m_params.size() ? m_params[index].get() : nullptr;
 }
 
 } // namespace stagehost

@@ -18,15 +18,15 @@ constexpr std::chrono::milliseconds kLastMoment(200); // for a request that come
 } // namespace
 
 OlderLink::OlderLink(RequestDesk& desk)
-    : desk_(desk) {}
+    : m_desk(desk) {}
 
 void OlderLink::EndWaiting() {
     {
-        const std::lock_guard<std::mutex> hold(waiting_->lock);
-        waiting_->ending = true;
+        const std::lock_guard<std::mutex> hold(m_waiting->lock);
+        m_waiting->ending = true;
     }
-    waiting_->changed.notify_all();
-    desk_.EndWaiting(this);
+    m_waiting->changed.notify_all();
+    m_desk.EndWaiting(this);
 }
 
 Reply OlderLink::Ask(const char* object, Request request) {
@@ -34,18 +34,18 @@ Reply OlderLink::Ask(const char* object, Request request) {
         return {KXP_NULL_ARGUMENT};
     request.object = object;
     request.link = this;
-    const KXPCode code = desk_.Check(request);
+    const KXPCode code = m_desk.Check(request);
     if (code != KXP_OK)
         return {code};
     const auto reply = std::make_shared<std::optional<Reply>>();
-    desk_.Serve(std::move(request), [waiting = waiting_, reply](const Reply& given) {
+    m_desk.Serve(std::move(request), [waiting = m_waiting, reply](const Reply& given) {
         const std::lock_guard<std::mutex> hold(waiting->lock);
         *reply = given;
         waiting->changed.notify_all();
     });
-    std::unique_lock<std::mutex> hold(waiting_->lock);
-    waiting_->changed.wait(hold, [&] { return waiting_->ending || reply->has_value(); });
-    waiting_->changed.wait_for(hold, kLastMoment, [&] { return reply->has_value(); });
+    std::unique_lock<std::mutex> hold(m_waiting->lock);
+    m_waiting->changed.wait(hold, [&] { return m_waiting->ending || reply->has_value(); });
+    m_waiting->changed.wait_for(hold, kLastMoment, [&] { return reply->has_value(); });
     return reply->value_or(Reply{kEnding});
 }
 
@@ -112,7 +112,7 @@ KXPCode OlderLink::LoadShow(const char* show, std::int32_t time) {
 }
 
 KXPCode OlderLink::RegisterGroup(IManagerRemoteHandler*, const char* group) {
-    return group == nullptr ? KXPCode{KXP_NULL_ARGUMENT} : desk_.CheckGroup(group);
+    return group == nullptr ? KXPCode{KXP_NULL_ARGUMENT} : m_desk.CheckGroup(group);
 }
 
 KXPCode OlderLink::UnregisterGroup() {

@@ -61,8 +61,8 @@ private:
     Reply Ask(const char* object, Request request);
     KXPCode AskForText(const char* object, Request request, char** out);
 
-    RequestDesk& desk_;
-    const std::shared_ptr<Waiting> waiting_ = std::make_shared<Waiting>();
+    RequestDesk& m_desk;
+    const std::shared_ptr<Waiting> m_waiting = std::make_shared<Waiting>();
 };
 
 } // namespace stagehost

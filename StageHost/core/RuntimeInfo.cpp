@@ -23,13 +23,13 @@ void Store(std::uint32_t* out, std::uint32_t value) {
 
 RuntimeInfo::RuntimeInfo(HostFaces& faces, const HostSettings& settings)
     : HostFace(faces)
-    , settings_(settings) {
+    , m_settings(settings) {
     OfferAs("IManagerRuntimeInfo");
 }
 
 std::uint32_t RuntimeInfo::GetLogSettings(std::uint32_t* enabled, std::uint32_t* writerId, char* path,
                                           std::uint32_t* levelBits, std::uint32_t* option) {
-    const LogSettings& log = settings_.log;
+    const LogSettings& log = m_settings.log;
     if (log.path.empty())
         return kNoLog;
     Store(enabled, 1);
@@ -48,13 +48,13 @@ KXPWindow RuntimeInfo::GetMainWindow() {
 std::uint32_t RuntimeInfo::GetRuntimeInfo(KXPRuntimeInfo* out) {
     if (out == nullptr || out->size != sizeof(KXPRuntimeInfo))
         return 0;
-    CopyText(settings_.appName, out->appName, sizeof(out->appName));
-    CopyText(settings_.version, out->version, sizeof(out->version));
+    CopyText(m_settings.appName, out->appName, sizeof(out->appName));
+    CopyText(m_settings.version, out->version, sizeof(out->version));
     return 1;
 }
 
 std::uint32_t RuntimeInfo::GetUserMode() {
-    return settings_.userMode;
+    return m_settings.userMode;
 }
 
 } // namespace stagehost

@@ -22,7 +22,7 @@ public:
     std::uint32_t GetUserMode() override;
 
 private:
-    const HostSettings& settings_;
+    const HostSettings& m_settings;
 };
 
 } // namespace stagehost

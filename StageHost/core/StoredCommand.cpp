@@ -59,7 +59,7 @@ void Give(XmlElement& param, const ValueSpec& parameter, const ActionParameter& 
 } // namespace
 
 StoredCommand::StoredCommand(XmlElement root)
-    : root_(std::move(root)) {}
+    : m_root(std::move(root)) {}
 
 std::optional<StoredCommand> StoredCommand::Read(const QString& xml, QString* problem) {
     auto root = XmlElement::Parse(xml, problem);
@@ -85,8 +85,8 @@ std::optional<StoredCommand> StoredCommand::Make(const std::string& device, cons
     StoredCommand stored(std::move(root));
     if (!stored.Take().isEmpty())
         return std::nullopt;
-    const std::vector<ValueSpec> specs = stored.command_.parameters;
-    ForEachParam(stored.root_.Need(kCommand).Need(kParams), [&](std::size_t number, XmlElement& param) {
+    const std::vector<ValueSpec> specs = stored.m_command.parameters;
+    ForEachParam(stored.m_root.Need(kCommand).Need(kParams), [&](std::size_t number, XmlElement& param) {
         for (const auto& given : parameters) {
             if (given.name == specs[number].name || given.name == std::to_string(number))
                 Give(param, specs[number], given);
@@ -98,8 +98,8 @@ std::optional<StoredCommand> StoredCommand::Make(const std::string& device, cons
 /// Reads what the element says.
 /// @return what is wrong with it; empty when nothing is.
 QString StoredCommand::Take() {
-    XmlElement* command = root_.Child(kCommand);
-    if (command == nullptr || root_.Attribute("Name").isEmpty())
+    XmlElement* command = m_root.Child(kCommand);
+    if (command == nullptr || m_root.Attribute("Name").isEmpty())
         return QStringLiteral("expected an element with the name of a device, and in it \"Command\"");
     XmlElement definition;
     definition.name = QStringLiteral("Device");
@@ -108,28 +108,28 @@ QString StoredCommand::Take() {
     const auto read = reader.Read(ToBorderText(definition.Print()).c_str());
     if (!read)
         return FromBorderText(reader.Error());
-    command_ = read->commands.front();
-    bindings_.clear();
+    m_command = read->commands.front();
+    m_bindings.clear();
     ForEachParam(command->Need(kParams), [this](std::size_t number, XmlElement& param) {
         if (const XmlElement* binding = param.Child(kBinding))
-            bindings_.emplace_back(number, ToBorderText(binding->Attribute(kVariable)));
+            m_bindings.emplace_back(number, ToBorderText(binding->Attribute(kVariable)));
     });
     return {};
 }
 
 std::string StoredCommand::Device() const {
-    return ToBorderText(root_.Attribute("Name"));
+    return ToBorderText(m_root.Attribute("Name"));
 }
 
 ActionSpec StoredCommand::Action() const {
     ActionSpec action;
     action.device = Device();
-    action.command = std::to_string(command_.id);
-    for (std::size_t number = 0; number < command_.parameters.size(); ++number) {
-        const ValueSpec& parameter = command_.parameters[number];
-        const auto bound = std::find_if(bindings_.begin(), bindings_.end(),
+    action.command = std::to_string(m_command.id);
+    for (std::size_t number = 0; number < m_command.parameters.size(); ++number) {
+        const ValueSpec& parameter = m_command.parameters[number];
+        const auto bound = std::find_if(m_bindings.begin(), m_bindings.end(),
                                         [&](const auto& binding) { return binding.first == number; });
-        if (bound != bindings_.end())
+        if (bound != m_bindings.end())
             action.parameters.push_back({std::to_string(number), bound->second, true});
         else if (!IsOutParameter(parameter))
             action.parameters.push_back({std::to_string(number), MakeValue(parameter)->Text(), false});

@@ -14,7 +14,8 @@ namespace stagehost {
 ///
 ///     <StoredCommand Name="desk">
 ///         <Command ID="4" Name="Fade to" ...>
-///             <ObjectParams> <ObjectParam> <IntegerData Name="level" Value="50" .../> </ObjectParam> ... </ObjectParams>
+///             <ObjectParams> <ObjectParam> <IntegerData Name="level" Value="50" .../> </ObjectParam> ...
+///             </ObjectParams>
 ///         </Command>
 ///     </StoredCommand>
 ///
@@ -35,20 +36,20 @@ public:
     /// The device's name.
     std::string Device() const;
     /// Number, name, parameters and values.
-    const CommandDefinition& Command() const { return command_; }
+    const CommandDefinition& Command() const { return m_command; }
     /// The variables that stand for parameters: numbers of the parameters with names of variables.
-    const std::vector<std::pair<std::size_t, std::string>>& Bindings() const { return bindings_; }
+    const std::vector<std::pair<std::size_t, std::string>>& Bindings() const { return m_bindings; }
     /// The same command as an action of the show.
     ActionSpec Action() const;
-    QString Print() const { return root_.Print(); }
+    QString Print() const { return m_root.Print(); }
 
 private:
     explicit StoredCommand(XmlElement root);
     QString Take();
 
-    XmlElement root_;
-    CommandDefinition command_;
-    std::vector<std::pair<std::size_t, std::string>> bindings_;
+    XmlElement m_root;
+    CommandDefinition m_command;
+    std::vector<std::pair<std::size_t, std::string>> m_bindings;
 };
 
 } // namespace stagehost

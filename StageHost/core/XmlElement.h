@@ -8,8 +8,8 @@
 
 namespace stagehost {
 
-/// An element of an XML text with all that it holds, in order, for texts of which a host changes a place and keeps the rest.
-/// Comments and blanks between elements are not kept.   [any]
+/// An element of an XML text with all that it holds, in order, for texts of which a host changes a place and keeps the
+/// rest. Comments and blanks between elements are not kept.   [any]
 struct XmlElement {
     QString name;
     std::vector<std::pair<QString, QString>> attributes;

@@ -16,13 +16,13 @@ QString Quoted(const QString& text) {
 }
 
 JsonNode::JsonNode(QJsonValue value, QString path, QStringList& complaints)
-    : value_(std::move(value))
-    , path_(std::move(path))
-    , complaints_(complaints) {}
+    : m_value(std::move(value))
+    , m_path(std::move(path))
+    , m_complaints(complaints) {}
 
 QString JsonNode::Text() const {
-    Expect(IsMissing() || value_.isString(), QStringLiteral("expected text"));
-    return value_.toString();
+    Expect(IsMissing() || m_value.isString(), QStringLiteral("expected text"));
+    return m_value.toString();
 }
 
 QString JsonNode::TextOr(const QString& missing) const {
@@ -30,15 +30,15 @@ QString JsonNode::TextOr(const QString& missing) const {
 }
 
 std::optional<double> JsonNode::Number() const {
-    if (IsMissing() || !Expect(value_.isDouble(), QStringLiteral("expected a number")))
+    if (IsMissing() || !Expect(m_value.isDouble(), QStringLiteral("expected a number")))
         return std::nullopt;
-    return value_.toDouble();
+    return m_value.toDouble();
 }
 
 std::optional<int> JsonNode::Whole(int lowest, int highest) const {
     if (IsMissing())
         return std::nullopt;
-    const double number = value_.toDouble(std::nan(""));
+    const double number = m_value.toDouble(std::nan(""));
     const bool right = number == std::trunc(number) && number >= lowest && number <= highest;
     if (!Expect(right, QStringLiteral("expected a whole number from %1 to %2").arg(lowest).arg(highest)))
         return std::nullopt;
@@ -46,24 +46,24 @@ std::optional<int> JsonNode::Whole(int lowest, int highest) const {
 }
 
 QString JsonNode::Scalar() const {
-    if (value_.isDouble())
-        return NumberText(value_.toDouble());
-    if (value_.isBool())
-        return value_.toBool() ? QStringLiteral("true") : QStringLiteral("false");
-    Expect(IsMissing() || value_.isString(), QStringLiteral("expected text or a number"));
-    return value_.toString();
+    if (m_value.isDouble())
+        return NumberText(m_value.toDouble());
+    if (m_value.isBool())
+        return m_value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+    Expect(IsMissing() || m_value.isString(), QStringLiteral("expected text or a number"));
+    return m_value.toString();
 }
 
 JsonNode JsonNode::Member(const QString& name) const {
-    return {value_.toObject().value(name), path_.isEmpty() ? name : path_ + QLatin1Char('.') + name, complaints_};
+    return {m_value.toObject().value(name), m_path.isEmpty() ? name : m_path + QLatin1Char('.') + name, m_complaints};
 }
 
 QStringList JsonNode::MemberNames() const {
-    return value_.toObject().keys();
+    return m_value.toObject().keys();
 }
 
 void JsonNode::ForEach(const std::function<void(const JsonNode&)>& call) const {
-    if (!Expect(IsMissing() || value_.isArray(), QStringLiteral("expected a list")))
+    if (!Expect(IsMissing() || m_value.isArray(), QStringLiteral("expected a list")))
         return;
     for (const JsonNode& item : Items())
         call(item);
@@ -71,10 +71,10 @@ void JsonNode::ForEach(const std::function<void(const JsonNode&)>& call) const {
 
 std::vector<JsonNode> JsonNode::Items() const {
     std::vector<JsonNode> nodes;
-    const QJsonArray items = value_.toArray();
+    const QJsonArray items = m_value.toArray();
     nodes.reserve(static_cast<std::size_t>(items.size()));
     for (int index = 0; index < items.size(); ++index)
-        nodes.emplace_back(items.at(index), QStringLiteral("%1[%2]").arg(path_).arg(index), complaints_);
+        nodes.emplace_back(items.at(index), QStringLiteral("%1[%2]").arg(m_path).arg(index), m_complaints);
     return nodes;
 }
 
@@ -103,7 +103,7 @@ bool JsonNode::ExpectObject(std::initializer_list<const char*> names) const {
 }
 
 void JsonNode::Complain(const QString& what) const {
-    complaints_ += path_.isEmpty() ? what : path_ + QStringLiteral(": ") + what;
+    m_complaints += m_path.isEmpty() ? what : m_path + QStringLiteral(": ") + what;
 }
 
 bool JsonNode::Expect(bool right, const QString& what) const {

@@ -26,9 +26,9 @@ public:
     /// @param complaints collects what is wrong; must outlive the node and all nodes made from it.
     JsonNode(QJsonValue value, QString path, QStringList& complaints);
 
-    bool IsMissing() const { return value_.isUndefined(); }
-    bool IsObject() const { return value_.isObject(); }
-    bool IsText() const { return value_.isString(); }
+    bool IsMissing() const { return m_value.isUndefined(); }
+    bool IsObject() const { return m_value.isObject(); }
+    bool IsText() const { return m_value.isString(); }
 
     QString Text() const;
     QString TextOr(const QString& missing) const;
@@ -39,7 +39,7 @@ public:
     QString Scalar() const;
 
     /// The text without a complaint about its type: the neutral value for what is none.
-    QString PlainText() const { return value_.toString(); }
+    QString PlainText() const { return m_value.toString(); }
 
     /// Text and Scalar as the 8-bit text of the contract; complains about characters that it does not have.
     std::string BorderText() const { return Border(Text()); }
@@ -67,9 +67,9 @@ public:
 private:
     bool Expect(bool right, const QString& what) const;
 
-    QJsonValue value_;
-    QString path_;
-    QStringList& complaints_;
+    QJsonValue m_value;
+    QString m_path;
+    QStringList& m_complaints;
 };
 
 /// Number as the shortest text that reads back as the same number; whole numbers without decimals.

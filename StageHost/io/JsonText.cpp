@@ -31,12 +31,12 @@ bool IsBlank(char character) {
 
 bool JsonText::SetMember(const QStringList& object, const QString& name, const QJsonValue& value) {
     const Span container = Find(object);
-    if (container.begin < 0 || text_.at(container.begin) != '{')
+    if (container.begin < 0 || m_text.at(container.begin) != '{')
         return false;
     const QVector<Part> parts = PartsOf(container);
     for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
         if (part->name == name) {
-            text_.replace(part->value.begin, part->value.end - part->value.begin, Encoded(value));
+            m_text.replace(part->value.begin, part->value.end - part->value.begin, Encoded(value));
             return true;
         }
     }
@@ -46,18 +46,18 @@ bool JsonText::SetMember(const QStringList& object, const QString& name, const Q
 
 bool JsonText::Append(const QStringList& list, const QJsonValue& value) {
     const Span container = Find(list);
-    if (container.begin < 0 || text_.at(container.begin) != '[')
+    if (container.begin < 0 || m_text.at(container.begin) != '[')
         return false;
     InsertBehind(container, PartsOf(container), Encoded(value));
     return true;
 }
 
 JsonText::Span JsonText::Find(const QStringList& place) const {
-    const int begin = SkipBlank(BeginOf(text_));
+    const int begin = SkipBlank(BeginOf(m_text));
     Span span{begin, SkipValue(begin)};
     for (const QString& step : place) {
         const QVector<Part> parts = PartsOf(span);
-        const bool isList = text_.at(span.begin) == '[';
+        const bool isList = m_text.at(span.begin) == '[';
         span = {};
         for (int index = 0; index < parts.size(); ++index) {
             if (isList ? step == QString::number(index) : step == parts.at(index).name)
@@ -72,7 +72,7 @@ JsonText::Span JsonText::Find(const QStringList& place) const {
 /// The members or items of a container; none for any other value.
 QVector<JsonText::Part> JsonText::PartsOf(Span container) const {
     QVector<Part> parts;
-    const char kind = text_.at(container.begin);
+    const char kind = m_text.at(container.begin);
     if (kind != '{' && kind != '[')
         return parts;
     int at = SkipBlank(container.begin + 1);
@@ -80,7 +80,7 @@ QVector<JsonText::Part> JsonText::PartsOf(Span container) const {
         Part part{{}, at, {}};
         if (kind == '{') {
             const int end = SkipText(at);
-            part.name = Decoded(text_.mid(at, end - at));
+            part.name = Decoded(m_text.mid(at, end - at));
             at = SkipBlank(SkipBlank(end) + 1);
         }
         part.value = {at, SkipValue(at)};
@@ -92,21 +92,21 @@ QVector<JsonText::Part> JsonText::PartsOf(Span container) const {
 }
 
 int JsonText::SkipBlank(int at) const {
-    while (at < text_.size() && IsBlank(text_.at(at)))
+    while (at < m_text.size() && IsBlank(m_text.at(at)))
         ++at;
     return at;
 }
 
 int JsonText::SkipText(int at) const {
-    for (++at; at < text_.size() && text_.at(at) != '"'; ++at)
-        at += text_.at(at) == '\\' ? 1 : 0;
+    for (++at; at < m_text.size() && m_text.at(at) != '"'; ++at)
+        at += m_text.at(at) == '\\' ? 1 : 0;
     return at + 1;
 }
 
 int JsonText::SkipValue(int at) const {
     int depth = 0;
-    for (; at < text_.size(); ++at) {
-        const char character = text_.at(at);
+    for (; at < m_text.size(); ++at) {
+        const char character = m_text.at(at);
         const bool closes = character == '}' || character == ']';
         if (character == '"')
             at = SkipText(at) - 1;
@@ -125,13 +125,13 @@ int JsonText::SkipValue(int at) const {
 /// Adds a part as the last one stands: on a line of its own, as deep, or on the same line.
 void JsonText::InsertBehind(Span container, const QVector<Part>& parts, const QByteArray& part) {
     if (parts.isEmpty()) {
-        text_.replace(container.begin + 1, container.end - container.begin - 2, part);
+        m_text.replace(container.begin + 1, container.end - container.begin - 2, part);
         return;
     }
-    const int lineBegin = text_.lastIndexOf('\n', parts.last().begin) + 1;
-    const QByteArray before = text_.mid(lineBegin, parts.last().begin - lineBegin);
+    const int lineBegin = m_text.lastIndexOf('\n', parts.last().begin) + 1;
+    const QByteArray before = m_text.mid(lineBegin, parts.last().begin - lineBegin);
     const bool ownLine = lineBegin > 0 && before.trimmed().isEmpty();
-    text_.insert(parts.last().value.end, (ownLine ? ",\n" + before : QByteArray(", ")) + part);
+    m_text.insert(parts.last().value.end, (ownLine ? ",\n" + before : QByteArray(", ")) + part);
 }
 
 } // namespace stagehost

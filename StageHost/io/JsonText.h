@@ -13,9 +13,9 @@ namespace stagehost {
 class JsonText {
 public:
     explicit JsonText(QByteArray text)
-        : text_(std::move(text)) {}
+        : m_text(std::move(text)) {}
 
-    const QByteArray& Text() const { return text_; }
+    const QByteArray& Text() const { return m_text; }
 
     /// Changes a member of the object at that place, or adds it behind the others.
     /// @return false when there is no object.
@@ -43,7 +43,7 @@ private:
     int SkipValue(int at) const;
     void InsertBehind(Span container, const QVector<Part>& parts, const QByteArray& part);
 
-    QByteArray text_;
+    QByteArray m_text;
 };
 
 } // namespace stagehost

@@ -47,13 +47,13 @@ void CheckKnown(const JsonNode& node, const QSet<QString>& known, const QString&
 } // namespace
 
 ObjectsReader::ObjectsReader(Show& show)
-    : show_(show) {
+    : m_show(show) {
     for (const auto& variable : show.variables)
-        variables_ += FromBorderText(variable.name);
+        m_variables += FromBorderText(variable.name);
     for (const auto& device : show.devices)
-        devices_ += device.name;
+        m_devices += device.name;
     for (const auto& command : show.commands)
-        stored_ += command.name;
+        m_stored += command.name;
 }
 
 void ObjectsReader::Read(const JsonNode& root) {
@@ -62,13 +62,13 @@ void ObjectsReader::Read(const JsonNode& root) {
     list(kTasks).ForEach([this](const JsonNode& node) { ReadTask(node); });
     list(kCues).ForEach([this](const JsonNode& node) { ReadCue(node); });
     list(kScreens).ForEach([this](const JsonNode& node) { ReadScreen(node); });
-    list(kGroups).ForEach([this](const JsonNode& node) { show_.objects.groups.push_back(ReadGroup(node)); });
-    list(kObjects).ForEach([this](const JsonNode& node) { show_.objects.objects.push_back(ReadObject(node, {})); });
+    list(kGroups).ForEach([this](const JsonNode& node) { m_show.objects.groups.push_back(ReadGroup(node)); });
+    list(kObjects).ForEach([this](const JsonNode& node) { m_show.objects.objects.push_back(ReadObject(node, {})); });
     list(kShows).ForEach([this](const JsonNode& node) { ReadShow(node); });
 }
 
 void ObjectsReader::CollectNames(const JsonNode& root) {
-    QSet<QString>* const sets[] = {&tasks_, &cues_, &screens_, &groups_, &objects_, &shows_};
+    QSet<QString>* const sets[] = {&m_tasks, &m_cues, &m_screens, &m_groups, &m_objects, &m_shows};
     constexpr const char* kBelow[] = {nullptr, nullptr, nullptr, "groups", "objects", nullptr};
     for (std::size_t key = 0; key < std::size(kKeys); ++key) {
         for (const JsonNode& node : MemberOf(root, kKeys[key]).Items())
@@ -78,7 +78,7 @@ void ObjectsReader::CollectNames(const JsonNode& root) {
 
 void ObjectsReader::CollectNested(const JsonNode& node, const char* below, const QString& holder,
                                   QSet<QString>& names) {
-    const bool dotted = &names == &objects_;
+    const bool dotted = &names == &m_objects;
     const QString name = (dotted ? holder : QString()) + MemberOf(node, "name").PlainText();
     names += name;
     if (below == nullptr)
@@ -91,10 +91,10 @@ void ObjectsReader::ReadTask(const JsonNode& node) {
     if (!node.ExpectObject({"name", "lines", "requests"}))
         return;
     TaskSpec task;
-    task.name = ReadName(MemberOf(node, "name"), {}, taken_[kTasks]);
+    task.name = ReadName(MemberOf(node, "name"), {}, m_taken[kTasks]);
     task.conduct = ReadConduct(node);
     MemberOf(node, "lines").ForEach([&](const JsonNode& line) { ReadLine(line, task); });
-    show_.objects.tasks.push_back(std::move(task));
+    m_show.objects.tasks.push_back(std::move(task));
 }
 
 void ObjectsReader::ReadLine(const JsonNode& node, TaskSpec& task) {
@@ -120,22 +120,22 @@ void ObjectsReader::ReadCue(const JsonNode& node) {
     if (!node.ExpectObject({"name", "set", "device", "command", "params", "stored", "task", "action", "requests"}))
         return;
     CueSpec cue;
-    cue.name = ReadName(MemberOf(node, "name"), {}, taken_[kCues]);
+    cue.name = ReadName(MemberOf(node, "name"), {}, m_taken[kCues]);
     cue.action = ReadAction(node);
     cue.conduct = ReadConduct(node);
-    show_.objects.cues.push_back(std::move(cue));
+    m_show.objects.cues.push_back(std::move(cue));
 }
 
 void ObjectsReader::ReadScreen(const JsonNode& node) {
     if (!node.ExpectObject({"name", "pages", "requests"}))
         return;
     UserScreenSpec screen;
-    screen.name = ReadName(MemberOf(node, "name"), {}, taken_[kScreens]);
+    screen.name = ReadName(MemberOf(node, "name"), {}, m_taken[kScreens]);
     screen.conduct = ReadConduct(node);
     MemberOf(node, "pages").ForEach([&](const JsonNode& page) { screen.pages.push_back(page.BorderText()); });
     if (screen.pages.empty())
         screen.pages.emplace_back(kFirstPage);
-    show_.objects.screens.push_back(std::move(screen));
+    m_show.objects.screens.push_back(std::move(screen));
 }
 
 void ObjectsReader::ReadShow(const JsonNode& node) {
@@ -143,18 +143,18 @@ void ObjectsReader::ReadShow(const JsonNode& node) {
             {"name", "set", "device", "command", "params", "stored", "task", "action", "cue", "requests"}))
         return;
     LoadableShowSpec show;
-    show.name = ReadName(MemberOf(node, "name"), {}, taken_[kShows]);
+    show.name = ReadName(MemberOf(node, "name"), {}, m_taken[kShows]);
     show.action = ReadAction(node);
     ReadCueName(MemberOf(node, "cue"), show.action);
     show.conduct = ReadConduct(node);
-    show_.objects.shows.push_back(std::move(show));
+    m_show.objects.shows.push_back(std::move(show));
 }
 
 UserGroupSpec ObjectsReader::ReadGroup(const JsonNode& node) {
     UserGroupSpec group;
     if (!node.ExpectObject({"name", "members", "groups", "requests"}))
         return group;
-    group.name = ReadName(MemberOf(node, "name"), {}, taken_[kGroups]);
+    group.name = ReadName(MemberOf(node, "name"), {}, m_taken[kGroups]);
     if (group.name == kGrantedGroup)
         MemberOf(node, "name").Complain(QStringLiteral("this name stands for the whole show"));
     group.conduct = ReadConduct(node);
@@ -172,7 +172,7 @@ ObjectSpec ObjectsReader::ReadObject(const JsonNode& node, const QString& holder
     ObjectSpec object;
     if (!node.ExpectObject({"name", "properties", "objects", "requests"}))
         return object;
-    object.name = ReadName(MemberOf(node, "name"), holder, taken_[kObjects]);
+    object.name = ReadName(MemberOf(node, "name"), holder, m_taken[kObjects]);
     object.conduct = ReadConduct(node);
     const JsonNode properties = MemberOf(node, "properties");
     properties.ExpectObjectOfAny();
@@ -216,7 +216,7 @@ void ObjectsReader::ReadCommand(const JsonNode& node, ActionSpec& action) {
         }
         return;
     }
-    CheckKnown(device, devices_, device.Text(), "device");
+    CheckKnown(device, m_devices, device.Text(), "device");
     action.device = device.BorderText();
     action.command = command.BorderScalar();
     if (action.command.empty())
@@ -245,7 +245,7 @@ void ObjectsReader::ReadTaskAction(const JsonNode& node, ActionSpec& action) {
             what.Complain(QStringLiteral("needs a \"task\""));
         return;
     }
-    CheckKnown(task, tasks_, task.Text(), "task");
+    CheckKnown(task, m_tasks, task.Text(), "task");
     action.task = task.BorderText();
     action.taskAction = static_cast<TaskAction>(Choose(what, kTaskActionNames));
 }
@@ -253,16 +253,16 @@ void ObjectsReader::ReadTaskAction(const JsonNode& node, ActionSpec& action) {
 void ObjectsReader::ReadCueName(const JsonNode& node, ActionSpec& action) {
     if (node.IsMissing())
         return;
-    CheckKnown(node, cues_, node.Text(), "cue");
+    CheckKnown(node, m_cues, node.Text(), "cue");
     action.cue = node.BorderText();
 }
 
 void ObjectsReader::CheckStored(const JsonNode& node) const {
-    CheckKnown(node, stored_, node.Text(), "stored command");
+    CheckKnown(node, m_stored, node.Text(), "stored command");
 }
 
 void ObjectsReader::CheckVariable(const JsonNode& node, const QString& name) const {
-    if (!variables_.contains(name) && !name.contains(QLatin1Char('.')))
+    if (!m_variables.contains(name) && !name.contains(QLatin1Char('.')))
         node.Complain(QStringLiteral("there is no variable ") + Quoted(name));
 }
 
@@ -278,8 +278,8 @@ std::string ObjectsReader::ReadName(const JsonNode& node, const QString& holder,
 }
 
 bool ObjectsReader::IsKnownObject(const QString& name) const {
-    const QSet<QString>* const sets[] = {&variables_, &devices_, &tasks_, &cues_, &screens_, &objects_, &shows_};
-    const bool ofDevice = devices_.contains(name.section(QLatin1Char('.'), 0, 0)) && name.contains(QLatin1Char('.'));
+    const QSet<QString>* const sets[] = {&m_variables, &m_devices, &m_tasks, &m_cues, &m_screens, &m_objects, &m_shows};
+    const bool ofDevice = m_devices.contains(name.section(QLatin1Char('.'), 0, 0)) && name.contains(QLatin1Char('.'));
     return ofDevice ||
            std::any_of(std::begin(sets), std::end(sets), [&](const auto* set) { return set->contains(name); });
 }

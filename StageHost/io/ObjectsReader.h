@@ -9,8 +9,8 @@
 
 namespace stagehost {
 
-/// Reads the show's own objects of a show file: tasks, cues, screens, groups, objects, shows. Variables and devices have
-/// been read before; names may be used above the place where they are given.   [host main]
+/// Reads the show's own objects of a show file: tasks, cues, screens, groups, objects, shows. Variables and devices
+/// have been read before; names may be used above the place where they are given.   [host main]
 class ObjectsReader {
 public:
     /// @param show what has been read so far; must outlive the reader.
@@ -44,17 +44,17 @@ private:
     std::string ReadName(const JsonNode& node, const QString& holder, QSet<QString>& taken);
     bool IsKnownObject(const QString& name) const;
 
-    Show& show_;
-    QSet<QString> variables_;
-    QSet<QString> devices_;
-    QSet<QString> stored_;
-    QSet<QString> tasks_;
-    QSet<QString> cues_;
-    QSet<QString> screens_;
-    QSet<QString> groups_;
-    QSet<QString> objects_;
-    QSet<QString> shows_;
-    QSet<QString> taken_[6]; ///< names read so far, by the place of their key in kKeys
+    Show& m_show;
+    QSet<QString> m_variables;
+    QSet<QString> m_devices;
+    QSet<QString> m_stored;
+    QSet<QString> m_tasks;
+    QSet<QString> m_cues;
+    QSet<QString> m_screens;
+    QSet<QString> m_groups;
+    QSet<QString> m_objects;
+    QSet<QString> m_shows;
+    QSet<QString> m_taken[6]; ///< names read so far, by the place of their key in kKeys
 };
 
 /// Reads the key "requests", which says how an object takes requests.

@@ -35,27 +35,27 @@ std::optional<Show> ShowReader::Read(const QByteArray& text, const QString& file
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (document.isNull()) {
-        complaints_ += PlaceOf(text, std::max(0, error.offset - 1)) + QStringLiteral(": ") + error.errorString();
+        m_complaints += PlaceOf(text, std::max(0, error.offset - 1)) + QStringLiteral(": ") + error.errorString();
         return std::nullopt;
     }
-    show_ = EmptyShow(QFileInfo(file).absolutePath());
-    show_.file = file;
-    show_.name = QFileInfo(file).completeBaseName();
-    ReadShow(JsonNode(document.isObject() ? QJsonValue(document.object()) : QJsonValue(), {}, complaints_));
-    return complaints_.isEmpty() ? std::optional(show_) : std::nullopt;
+    m_show = EmptyShow(QFileInfo(file).absolutePath());
+    m_show.file = file;
+    m_show.name = QFileInfo(file).completeBaseName();
+    ReadShow(JsonNode(document.isObject() ? QJsonValue(document.object()) : QJsonValue(), {}, m_complaints));
+    return m_complaints.isEmpty() ? std::optional(m_show) : std::nullopt;
 }
 
 void ShowReader::ReadShow(const JsonNode& root) {
     if (!root.ExpectObject({"name", "host", "folders", "variables", "devices", "commands", "tasks", "cues", "screens",
                             "groups", "objects", "shows", "steps"}))
         return;
-    show_.name = root.Member(QStringLiteral("name")).TextOr(show_.name);
+    m_show.name = root.Member(QStringLiteral("name")).TextOr(m_show.name);
     ReadHost(root.Member(QStringLiteral("host")));
     ReadFolders(root.Member(QStringLiteral("folders")));
     root.Member(QStringLiteral("variables")).ForEach([this](const JsonNode& node) { ReadVariable(node); });
     root.Member(QStringLiteral("devices")).ForEach([this](const JsonNode& node) { ReadDevice(node); });
     root.Member(QStringLiteral("commands")).ForEach([this](const JsonNode& node) { ReadStoredCommand(node); });
-    ObjectsReader objects(show_);
+    ObjectsReader objects(m_show);
     objects.Read(root);
     root.Member(QStringLiteral("steps")).ForEach([&](const JsonNode& node) { ReadStep(node, objects); });
 }
@@ -71,10 +71,10 @@ void ShowReader::ReadHost(const JsonNode& host) {
         if (target.size() > kLongestHostText)
             node.Complain(QStringLiteral("at most %1 characters").arg(kLongestHostText));
     };
-    text("name", show_.host.appName);
-    text("version", show_.host.version);
+    text("name", m_show.host.appName);
+    text("version", m_show.host.version);
     const auto userMode = host.Member(QStringLiteral("userMode")).Whole(0);
-    show_.host.userMode = static_cast<std::uint32_t>(userMode.value_or(static_cast<int>(show_.host.userMode)));
+    m_show.host.userMode = static_cast<std::uint32_t>(userMode.value_or(static_cast<int>(m_show.host.userMode)));
 }
 
 void ShowReader::ReadFolders(const JsonNode& folders) {
@@ -83,7 +83,7 @@ void ShowReader::ReadFolders(const JsonNode& folders) {
     for (const auto& folder : kShowFolders) {
         const JsonNode node = folders.Member(QLatin1String(folder.name));
         if (!node.IsMissing())
-            show_.host.folders[folder.number] = node.Border(show_.Path(node.Text()));
+            m_show.host.folders[folder.number] = node.Border(m_show.Path(node.Text()));
     }
 }
 
@@ -95,7 +95,7 @@ void ShowReader::ReadVariable(const JsonNode& node) {
     variable.name = member("name").BorderText();
     if (!IsObjectName(variable.name.c_str()))
         member("name").Complain(QStringLiteral("expected a name of a variable"));
-    const bool taken = std::any_of(show_.variables.begin(), show_.variables.end(),
+    const bool taken = std::any_of(m_show.variables.begin(), m_show.variables.end(),
                                    [&](const auto& other) { return other.name == variable.name; });
     if (taken)
         member("name").Complain(QStringLiteral("another variable has this name"));
@@ -115,7 +115,7 @@ void ShowReader::ReadVariable(const JsonNode& node) {
     variable.text = member("value").BorderScalar();
     if (!member("value").IsMissing() && !MakeValue(variable)->SetText(variable.text))
         member("value").Complain(QStringLiteral("not a value of this type"));
-    show_.variables.push_back(std::move(variable));
+    m_show.variables.push_back(std::move(variable));
 }
 
 void ShowReader::ReadDevice(const JsonNode& node) {
@@ -126,7 +126,7 @@ void ShowReader::ReadDevice(const JsonNode& node) {
                       member("setup").Text(), ReadConduct(node),       member("driver").Text()};
     if (!IsObjectName(member("name").Border(device.name).c_str()))
         member("name").Complain(QStringLiteral("expected a name of a device"));
-    if (show_.FindDevice(device.name) != nullptr)
+    if (m_show.FindDevice(device.name) != nullptr)
         member("name").Complain(QStringLiteral("another device has this name"));
     if (!member("script").IsMissing() && !member("scriptText").IsMissing())
         member("scriptText").Complain(QStringLiteral("the device has a \"script\" already"));
@@ -134,11 +134,11 @@ void ShowReader::ReadDevice(const JsonNode& node) {
         member("driver").Complain(QStringLiteral("the device has a script already"));
     member("scriptText").Border(device.scriptText);
     member("setup").Border(device.setup);
-    if (!device.scriptFile.isEmpty() && !QFileInfo(show_.Path(device.scriptFile)).isFile())
+    if (!device.scriptFile.isEmpty() && !QFileInfo(m_show.Path(device.scriptFile)).isFile())
         member("script").Complain(QStringLiteral("there is no file ") + Quoted(device.scriptFile));
-    if (!device.driverFile.isEmpty() && !QFileInfo(show_.Path(device.driverFile)).isFile())
+    if (!device.driverFile.isEmpty() && !QFileInfo(m_show.Path(device.driverFile)).isFile())
         member("driver").Complain(QStringLiteral("there is no file ") + Quoted(device.driverFile));
-    show_.devices.push_back(device);
+    m_show.devices.push_back(device);
 }
 
 void ShowReader::ReadStoredCommand(const JsonNode& node) {
@@ -148,7 +148,7 @@ void ShowReader::ReadStoredCommand(const JsonNode& node) {
     const JsonNode xml = node.Member(QStringLiteral("xml"));
     if (!IsObjectName(name.BorderText().c_str()))
         name.Complain(QStringLiteral("expected a name of a stored command"));
-    const bool taken = std::any_of(show_.commands.begin(), show_.commands.end(),
+    const bool taken = std::any_of(m_show.commands.begin(), m_show.commands.end(),
                                    [&](const auto& other) { return other.name == name.PlainText(); });
     if (taken)
         name.Complain(QStringLiteral("another stored command has this name"));
@@ -156,10 +156,10 @@ void ShowReader::ReadStoredCommand(const JsonNode& node) {
     const auto stored = StoredCommand::Read(xml.Text(), &problem);
     if (!stored)
         xml.Complain(problem);
-    else if (show_.FindDevice(FromBorderText(stored->Device())) == nullptr)
+    else if (m_show.FindDevice(FromBorderText(stored->Device())) == nullptr)
         xml.Complain(QStringLiteral("there is no device ") + Quoted(FromBorderText(stored->Device())));
     xml.Border(xml.PlainText());
-    show_.commands.push_back({name.PlainText(), xml.PlainText()});
+    m_show.commands.push_back({name.PlainText(), xml.PlainText()});
 }
 
 void ShowReader::ReadStep(const JsonNode& node, ObjectsReader& objects) {
@@ -177,7 +177,7 @@ void ShowReader::ReadStep(const JsonNode& node, ObjectsReader& objects) {
         ReadOtherStep(node, objects, step);
     else
         ReadCommandStep(node, step);
-    show_.steps.push_back(std::move(step));
+    m_show.steps.push_back(std::move(step));
 }
 
 void ShowReader::ReadOtherStep(const JsonNode& node, ObjectsReader& objects, ShowStep& step) {
@@ -209,7 +209,7 @@ void ShowReader::ReadCommandStep(const JsonNode& node, ShowStep& step) {
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     step.device = member("device").Text();
     step.command = member("command").Scalar();
-    if (show_.FindDevice(step.device) == nullptr)
+    if (m_show.FindDevice(step.device) == nullptr)
         member("device").Complain(QStringLiteral("there is no device ") + Quoted(step.device));
     if (step.command.isEmpty())
         member("command").Complain(QStringLiteral("expected the name or the id of a command"));
@@ -257,10 +257,10 @@ bool ShowReader::ReadReference(const JsonNode& node, ShowParameter& parameter) {
 }
 
 void ShowReader::CheckParameter(const JsonNode& node, const ShowParameter& parameter) {
-    if (parameter.kind == Kind::File && !QFileInfo(show_.Path(parameter.text)).isFile())
+    if (parameter.kind == Kind::File && !QFileInfo(m_show.Path(parameter.text)).isFile())
         node.Complain(QStringLiteral("there is no file ") + Quoted(parameter.text));
     const std::string name = ToBorderText(parameter.text);
-    const bool known = std::any_of(show_.variables.begin(), show_.variables.end(),
+    const bool known = std::any_of(m_show.variables.begin(), m_show.variables.end(),
                                    [&](const auto& variable) { return variable.name == name; });
     if (parameter.kind == Kind::Variable && !known && !parameter.text.contains(QLatin1Char('.')))
         node.Complain(QStringLiteral("there is no variable ") + Quoted(parameter.text));

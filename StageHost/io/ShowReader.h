@@ -19,7 +19,7 @@ public:
 
     /// One line for each mistake: "steps[0].device: there is no device "desk"", or, for a text that is no JSON,
     /// "4:17: ..." with line and column.
-    const QStringList& Complaints() const { return complaints_; }
+    const QStringList& Complaints() const { return m_complaints; }
 
 private:
     void ReadShow(const JsonNode& root);
@@ -36,8 +36,8 @@ private:
     bool ReadReference(const JsonNode& node, ShowParameter& parameter);
     void CheckParameter(const JsonNode& node, const ShowParameter& parameter);
 
-    Show show_;
-    QStringList complaints_;
+    Show m_show;
+    QStringList m_complaints;
 };
 
 } // namespace stagehost

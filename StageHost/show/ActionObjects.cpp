@@ -6,21 +6,21 @@ namespace stagehost {
 
 Cue::Cue(CueSpec spec, ChangeFeed& feed, ActionPlayer player)
     : ShowObject(ObjectKind::Cue, spec.name, spec.conduct)
-    , action_(std::move(spec.action))
-    , feed_(feed)
-    , player_(std::move(player)) {}
+    , m_action(std::move(spec.action))
+    , m_feed(feed)
+    , m_player(std::move(player)) {}
 
 void Cue::Go() {
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        feed_.Tell(ObjectKind::Cue, Name(), "Count", std::to_string(++count_));
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_feed.Tell(ObjectKind::Cue, Name(), "Count", std::to_string(++m_count));
     }
-    player_(action_, [this](const std::string& what) { feed_.Tell(ObjectKind::Cue, Name(), "Error", what); });
+    m_player(m_action, [this](const std::string& what) { m_feed.Tell(ObjectKind::Cue, Name(), "Error", what); });
 }
 
 std::vector<ObjectProperty> Cue::Properties() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return {{"Count", std::to_string(count_)}};
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return {{"Count", std::to_string(m_count)}};
 }
 
 void Cue::Perform(const std::string& action, const Parameters& parameters, const Answer& answer) {
@@ -34,26 +34,26 @@ void Cue::Perform(const std::string& action, const Parameters& parameters, const
 
 LoadableShow::LoadableShow(LoadableShowSpec spec, ChangeFeed& feed, ActionPlayer player)
     : ShowObject(ObjectKind::Show, spec.name, spec.conduct)
-    , action_(std::move(spec.action))
-    , feed_(feed)
-    , player_(std::move(player)) {}
+    , m_action(std::move(spec.action))
+    , m_feed(feed)
+    , m_player(std::move(player)) {}
 
 KXPCode LoadableShow::Load(std::int32_t time) {
     if (time < 0)
         return kBadValue;
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        loaded_ = true;
-        time_ = time;
-        feed_.Tell(ObjectKind::Show, Name(), kLoadedProperty, std::to_string(time));
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_loaded = true;
+        m_time = time;
+        m_feed.Tell(ObjectKind::Show, Name(), kLoadedProperty, std::to_string(time));
     }
-    player_(action_, [this](const std::string& what) { feed_.Tell(ObjectKind::Show, Name(), "Error", what); });
+    m_player(m_action, [this](const std::string& what) { m_feed.Tell(ObjectKind::Show, Name(), "Error", what); });
     return KXP_OK;
 }
 
 std::vector<ObjectProperty> LoadableShow::Properties() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return {{kLoadedProperty, loaded_ ? "true" : "false"}, {"Time", std::to_string(time_)}};
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return {{kLoadedProperty, m_loaded ? "true" : "false"}, {"Time", std::to_string(m_time)}};
 }
 
 void LoadableShow::Perform(const std::string& action, const Parameters& parameters, const Answer& answer) {

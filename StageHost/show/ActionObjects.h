@@ -26,11 +26,11 @@ public:
     void Perform(const std::string& action, const Parameters& parameters, const Answer& answer) override;
 
 private:
-    const ActionSpec action_;
-    ChangeFeed& feed_;
-    const ActionPlayer player_;
-    mutable std::mutex lock_; ///< guards count_
-    std::int32_t count_ = 0;
+    const ActionSpec m_action;
+    ChangeFeed& m_feed;
+    const ActionPlayer m_player;
+    mutable std::mutex m_lock; ///< guards m_count
+    std::int32_t m_count = 0;
 };
 
 /// Property of a show that scripts have loaded.
@@ -51,12 +51,12 @@ public:
     void Perform(const std::string& action, const Parameters& parameters, const Answer& answer) override;
 
 private:
-    const ActionSpec action_;
-    ChangeFeed& feed_;
-    const ActionPlayer player_;
-    mutable std::mutex lock_; ///< guards the fields below
-    bool loaded_ = false;
-    std::int32_t time_ = 0;
+    const ActionSpec m_action;
+    ChangeFeed& m_feed;
+    const ActionPlayer m_player;
+    mutable std::mutex m_lock; ///< guards the fields below
+    bool m_loaded = false;
+    std::int32_t m_time = 0;
 };
 
 } // namespace stagehost

@@ -5,33 +5,33 @@
 namespace stagehost {
 
 ChangeFeed::ChangeFeed()
-    : thread_([this] { Serve(); }) {}
+    : m_thread([this] { Serve(); }) {}
 
 ChangeFeed::~ChangeFeed() {
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        ending_ = true;
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_ending = true;
     }
-    changed_.notify_all();
-    thread_.join();
+    m_changed.notify_all();
+    m_thread.join();
 }
 
 Subscription ChangeFeed::Subscribe(Listener listener) {
     auto entry = std::make_shared<Entry>();
     entry->listener = std::make_shared<Listener>(std::move(listener));
-    const std::lock_guard<std::mutex> hold(lock_);
-    entry->after = lastNumber_;
-    entries_.push_back(entry);
-    ++listenerCount_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    entry->after = m_lastNumber;
+    m_entries.push_back(entry);
+    ++m_listenerCount;
     return {entry.get(), [this, entry](void*) { Forget(entry); }};
 }
 
 void ChangeFeed::Tell(ObjectKind kind, const std::string& object, const std::string& property, std::string value) {
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        queue_.push_back({++lastNumber_, std::chrono::system_clock::now(), kind, object, property, std::move(value)});
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_queue.push_back({++m_lastNumber, std::chrono::system_clock::now(), kind, object, property, std::move(value)});
     }
-    changed_.notify_one();
+    m_changed.notify_one();
 }
 
 void ChangeFeed::ValueChanged(const std::string& name, std::string text) {
@@ -39,24 +39,24 @@ void ChangeFeed::ValueChanged(const std::string& name, std::string text) {
 }
 
 void ChangeFeed::Settle() {
-    std::unique_lock<std::mutex> hold(lock_);
-    heard_.wait(hold, [this, last = lastNumber_] { return heardNumber_ >= last; });
+    std::unique_lock<std::mutex> hold(m_lock);
+    m_heard.wait(hold, [this, last = m_lastNumber] { return m_heardNumber >= last; });
 }
 
 std::uint64_t ChangeFeed::LastNumber() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return lastNumber_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_lastNumber;
 }
 
 void ChangeFeed::Serve() {
-    std::unique_lock<std::mutex> hold(lock_);
+    std::unique_lock<std::mutex> hold(m_lock);
     for (;;) {
-        changed_.wait(hold, [this] { return ending_ || !queue_.empty(); });
-        if (ending_)
+        m_changed.wait(hold, [this] { return m_ending || !m_queue.empty(); });
+        if (m_ending)
             return;
-        const ShowChange change = std::move(queue_.front());
-        queue_.pop_front();
-        const auto entries = entries_;
+        const ShowChange change = std::move(m_queue.front());
+        m_queue.pop_front();
+        const auto entries = m_entries;
         hold.unlock();
         for (const auto& entry : entries) {
             const std::lock_guard<std::recursive_mutex> gate(entry->gate);
@@ -65,16 +65,16 @@ void ChangeFeed::Serve() {
                 (*listener)(change);
         }
         hold.lock();
-        heardNumber_ = change.number;
-        heard_.notify_all();
+        m_heardNumber = change.number;
+        m_heard.notify_all();
     }
 }
 
 void ChangeFeed::Forget(const std::shared_ptr<Entry>& entry) {
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        entries_.erase(std::remove(entries_.begin(), entries_.end(), entry), entries_.end());
-        --listenerCount_;
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_entries.erase(std::remove(m_entries.begin(), m_entries.end(), entry), m_entries.end());
+        --m_listenerCount;
     }
     const std::lock_guard<std::recursive_mutex> gate(entry->gate);
     entry->listener = nullptr;

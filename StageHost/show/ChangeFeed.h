@@ -47,7 +47,7 @@ public:
     /// The number of the last change told so far; a later one is greater.   [any]
     std::uint64_t LastNumber() const;
 
-    bool IsWanted() const override { return listenerCount_.load() != 0; }
+    bool IsWanted() const override { return m_listenerCount.load() != 0; }
     void ValueChanged(const std::string& name, std::string text) override;
 
 private:
@@ -60,16 +60,16 @@ private:
     void Serve();
     void Forget(const std::shared_ptr<Entry>& entry);
 
-    std::atomic<int> listenerCount_{0}; ///< written under the lock, read by every change
-    mutable std::mutex lock_;           ///< guards the fields below
-    std::condition_variable changed_;
-    std::condition_variable heard_;
-    std::deque<ShowChange> queue_;
-    std::vector<std::shared_ptr<Entry>> entries_;
-    std::uint64_t lastNumber_ = 0;
-    std::uint64_t heardNumber_ = 0; ///< the last change that every listener has heard
-    bool ending_ = false;
-    std::thread thread_;
+    std::atomic<int> m_listenerCount{0}; ///< written under the lock, read by every change
+    mutable std::mutex m_lock;           ///< guards the fields below
+    std::condition_variable m_changed;
+    std::condition_variable m_heard;
+    std::deque<ShowChange> m_queue;
+    std::vector<std::shared_ptr<Entry>> m_entries;
+    std::uint64_t m_lastNumber = 0;
+    std::uint64_t m_heardNumber = 0; ///< the last change that every listener has heard
+    bool m_ending = false;
+    std::thread m_thread;
 };
 
 } // namespace stagehost

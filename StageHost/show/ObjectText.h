@@ -16,8 +16,8 @@ namespace stagehost {
 ///     <Objects Parent="..." Type="6"><Object Name="..." Type="Variable" Value="IntegerData"/>...</Objects>
 ///
 /// Groups and objects of the show stand nested; all groups of the show in an object named "User Groups".
-/// @param parent empty or the granted group for the whole show. @param type a number of kObjectKinds, 0 for all; for any
-/// other number the list is empty.
+/// @param parent empty or the granted group for the whole show. @param type a number of kObjectKinds, 0 for all; for
+/// any other number the list is empty.
 /// @return nothing when there is no such parent.   [any]
 std::optional<std::string> ObjectListText(const ShowModel& model, const std::string& parent, std::uint32_t type);
 

@@ -10,15 +10,15 @@
 namespace stagehost {
 
 bool Parameters::AreAmong(std::initializer_list<const char*> names) const {
-    return std::all_of(list_.begin(), list_.end(), [&](const auto& parameter) {
+    return std::all_of(m_list.begin(), m_list.end(), [&](const auto& parameter) {
         return std::any_of(names.begin(), names.end(), [&](const char* name) { return parameter.name == name; });
     });
 }
 
 std::optional<std::string> Parameters::Text(const std::string& name) const {
     const auto found =
-        std::find_if(list_.rbegin(), list_.rend(), [&](const auto& parameter) { return parameter.name == name; });
-    return found == list_.rend() ? std::nullopt : std::optional(found->text);
+        std::find_if(m_list.rbegin(), m_list.rend(), [&](const auto& parameter) { return parameter.name == name; });
+    return found == m_list.rend() ? std::nullopt : std::optional(found->text);
 }
 
 std::optional<std::int32_t> Parameters::WholeOr(const std::string& name, std::int32_t missing) const {

@@ -15,9 +15,9 @@ class Parameters {
 public:
     Parameters() = default;
     explicit Parameters(std::vector<ActionParameter> list)
-        : list_(std::move(list)) {}
+        : m_list(std::move(list)) {}
 
-    const std::vector<ActionParameter>& List() const { return list_; }
+    const std::vector<ActionParameter>& List() const { return m_list; }
 
     /// Whether every parameter has one of these names.
     bool AreAmong(std::initializer_list<const char*> names) const;
@@ -29,7 +29,7 @@ public:
     std::optional<std::int32_t> WholeOr(const std::string& name, std::int32_t missing) const;
 
 private:
-    std::vector<ActionParameter> list_;
+    std::vector<ActionParameter> m_list;
 };
 
 /// Reads a parameter text: `<parameters>` with `<parameter name="..." value="..."/>` below it. Empty or blank text is

@@ -14,17 +14,17 @@ public:
     /// @param holder the full name of the object above, empty for none. @param feed must outlive the object.
     PlainObject(ObjectSpec spec, const std::string& holder, ChangeFeed& feed);
 
-    const std::vector<std::shared_ptr<PlainObject>>& Objects() const { return objects_; }
+    const std::vector<std::shared_ptr<PlainObject>>& Objects() const { return m_objects; }
 
     /// Those of the show file; all can be set.
     std::vector<ObjectProperty> Properties() const override;
     KXPCode SetProperty(const std::string& property, const std::string& value) override;
 
 private:
-    ChangeFeed& feed_;
-    std::vector<std::shared_ptr<PlainObject>> objects_;
-    mutable std::mutex lock_; ///< guards properties_
-    std::vector<ObjectProperty> properties_;
+    ChangeFeed& m_feed;
+    std::vector<std::shared_ptr<PlainObject>> m_objects;
+    mutable std::mutex m_lock; ///< guards m_properties
+    std::vector<ObjectProperty> m_properties;
 };
 
 } // namespace stagehost

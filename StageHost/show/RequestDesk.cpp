@@ -153,18 +153,18 @@ bool AsksForWholeShow(const Request& request) {
 } // namespace
 
 RequestDesk::RequestDesk(ShowModel& model, WorkerPool& pool)
-    : model_(model)
-    , strand_(pool) {}
+    : m_model(model)
+    , m_strand(pool) {}
 
 RequestDesk::~RequestDesk() {
-    for (const auto& entry : waiting_)
+    for (const auto& entry : m_waiting)
         entry.second({kEnding});
 }
 
 KXPCode RequestDesk::Check(const Request& request) const {
     if (AsksForWholeShow(request))
         return KXP_OK;
-    const auto object = FindObject(model_, request);
+    const auto object = FindObject(m_model, request);
     if (!object)
         return kNoSuchObject;
     return object->HowItTakesRequests() == Conduct::Refuses ? KXPCode{kRefused} : KXP_OK;
@@ -173,31 +173,31 @@ KXPCode RequestDesk::Check(const Request& request) const {
 KXPCode RequestDesk::CheckGroup(const std::string& group) const {
     if (group == kGrantedGroup)
         return KXP_OK;
-    const auto found = model_.FindGroup(group);
+    const auto found = m_model.FindGroup(group);
     if (!found)
         return kNoSuchObject;
     return found->HowItTakesRequests() == Conduct::Refuses ? KXPCode{kRefused} : KXP_OK;
 }
 
 void RequestDesk::Serve(Request request, Answer answer) {
-    const auto object = FindObject(model_, request);
+    const auto object = FindObject(m_model, request);
     if (object && object->HowItTakesRequests() == Conduct::NeverEnds) {
-        const std::lock_guard<std::mutex> hold(lock_);
-        waiting_.emplace_back(request.link, std::move(answer));
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_waiting.emplace_back(request.link, std::move(answer));
         return;
     }
-    strand_.Post([this, request = std::move(request), answer = std::move(answer)] { Run(request, answer); });
+    m_strand.Post([this, request = std::move(request), answer = std::move(answer)] { Run(request, answer); });
 }
 
 void RequestDesk::EndWaiting(const void* link) {
     std::vector<Answer> ended;
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        const auto others = std::stable_partition(waiting_.begin(), waiting_.end(),
+        const std::lock_guard<std::mutex> hold(m_lock);
+        const auto others = std::stable_partition(m_waiting.begin(), m_waiting.end(),
                                                   [&](const auto& entry) { return entry.first != link; });
-        for (auto entry = others; entry != waiting_.end(); ++entry)
+        for (auto entry = others; entry != m_waiting.end(); ++entry)
             ended.push_back(std::move(entry->second));
-        waiting_.erase(others, waiting_.end());
+        m_waiting.erase(others, m_waiting.end());
     }
     for (const auto& answer : ended)
         answer({kEnding});
@@ -205,8 +205,8 @@ void RequestDesk::EndWaiting(const void* link) {
 
 void RequestDesk::Run(const Request& request, const Answer& answer) {
     if (const Serving serve = RowOf(request).serve)
-        return answer(serve(model_, request));
-    const auto object = model_.FindAny(request.object);
+        return answer(serve(m_model, request));
+    const auto object = m_model.FindAny(request.object);
     const auto parameters = ReadParameters(request.value);
     if (!object)
         return answer({kNoSuchObject});

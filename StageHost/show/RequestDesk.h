@@ -36,15 +36,15 @@ public:
     /// Answers 75 to all requests of a link that never end.   [any host thread]
     void EndWaiting(const void* link);
 
-    ShowModel& Model() { return model_; }
+    ShowModel& Model() { return m_model; }
 
 private:
     void Run(const Request& request, const Answer& answer);
 
-    ShowModel& model_;
-    Strand strand_;
-    std::mutex lock_; ///< guards waiting_
-    std::vector<std::pair<const void*, Answer>> waiting_;
+    ShowModel& m_model;
+    Strand m_strand;
+    std::mutex m_lock; ///< guards m_waiting
+    std::vector<std::pair<const void*, Answer>> m_waiting;
 };
 
 } // namespace stagehost

@@ -26,8 +26,8 @@ std::shared_ptr<Object> As(const ShowObjectPtr& object) {
 } // namespace
 
 ShowModel::ShowModel(VariableManager& variables, ChangeFeed& feed)
-    : variables_(variables)
-    , feed_(feed) {}
+    : m_variables(variables)
+    , m_feed(feed) {}
 
 ShowModel::~ShowModel() {
     EndTasks();
@@ -36,72 +36,72 @@ ShowModel::~ShowModel() {
 void ShowModel::Fill(const ShowSpec& spec) {
     const auto player = [this](const ActionSpec& action, const Failed& failed) { Run(action, failed); };
     for (const auto& task : spec.tasks)
-        top_.push_back(std::make_shared<ShowTask>(task, feed_, player));
+        m_top.push_back(std::make_shared<ShowTask>(task, m_feed, player));
     for (const auto& cue : spec.cues)
-        top_.push_back(std::make_shared<Cue>(cue, feed_, player));
+        m_top.push_back(std::make_shared<Cue>(cue, m_feed, player));
     for (const auto& screen : spec.screens)
-        top_.push_back(std::make_shared<UserScreen>(screen, feed_));
+        m_top.push_back(std::make_shared<UserScreen>(screen, m_feed));
     for (const auto& show : spec.shows)
-        top_.push_back(std::make_shared<LoadableShow>(show, feed_, player));
-    for (const auto& object : top_)
-        own_.emplace(std::pair(object->Kind(), object->Name()), object);
+        m_top.push_back(std::make_shared<LoadableShow>(show, m_feed, player));
+    for (const auto& object : m_top)
+        m_own.emplace(std::pair(object->Kind(), object->Name()), object);
     for (const auto& group : spec.groups) {
-        top_.push_back(std::make_shared<UserGroup>(group));
-        FillGroups(As<UserGroup>(top_.back()));
+        m_top.push_back(std::make_shared<UserGroup>(group));
+        FillGroups(As<UserGroup>(m_top.back()));
     }
     for (const auto& object : spec.objects) {
-        top_.push_back(std::make_shared<PlainObject>(object, std::string(), feed_));
-        FillObjects(As<PlainObject>(top_.back()));
+        m_top.push_back(std::make_shared<PlainObject>(object, std::string(), m_feed));
+        FillObjects(As<PlainObject>(m_top.back()));
     }
 }
 
 void ShowModel::FillGroups(const std::shared_ptr<UserGroup>& group) {
-    own_.emplace(std::pair(ObjectKind::UserGroup, group->Name()), group);
+    m_own.emplace(std::pair(ObjectKind::UserGroup, group->Name()), group);
     for (const auto& below : group->Groups())
         FillGroups(below);
 }
 
 void ShowModel::FillObjects(const std::shared_ptr<PlainObject>& object) {
-    own_.emplace(std::pair(ObjectKind::Object, object->Name()), object);
+    m_own.emplace(std::pair(ObjectKind::Object, object->Name()), object);
     for (const auto& below : object->Objects())
         FillObjects(below);
 }
 
 void ShowModel::EndTasks() {
-    for (const auto& object : top_) {
+    for (const auto& object : m_top) {
         if (object->Kind() == ObjectKind::Task)
             As<ShowTask>(object)->End();
     }
 }
 
 void ShowModel::AddDevice(ShowObjectPtr device) {
-    const std::lock_guard<std::mutex> hold(lock_);
+    const std::lock_guard<std::mutex> hold(m_lock);
     const std::string name = device->Name();
-    devices_[name] = std::move(device);
+    m_devices[name] = std::move(device);
 }
 
 void ShowModel::RemoveDevice(const std::string& name) {
     ShowObjectPtr last; // goes behind the lock
-    const std::lock_guard<std::mutex> hold(lock_);
-    const auto found = devices_.find(name);
-    if (found == devices_.end())
+    const std::lock_guard<std::mutex> hold(m_lock);
+    const auto found = m_devices.find(name);
+    if (found == m_devices.end())
         return;
     last = std::move(found->second);
-    devices_.erase(found);
+    m_devices.erase(found);
 }
 
 ShowObjectPtr ShowModel::Find(ObjectKind kind, const std::string& name) const {
     if (kind == ObjectKind::Variable) {
-        auto variable = variables_.Find(name);
+        auto variable = m_variables.Find(name);
         return variable ? std::make_shared<VariableObject>(std::move(variable)) : nullptr;
     }
     if (kind == ObjectKind::Device) {
-        const std::lock_guard<std::mutex> hold(lock_);
-        const auto found = devices_.find(name);
-        return found == devices_.end() ? nullptr : found->second;
+        const std::lock_guard<std::mutex> hold(m_lock);
+        const auto found = m_devices.find(name);
+        return found == m_devices.end() ? nullptr : found->second;
     }
-    const auto found = own_.find(std::pair(kind, name));
-    return found == own_.end() ? nullptr : found->second;
+    const auto found = m_own.find(std::pair(kind, name));
+    return found == m_own.end() ? nullptr : found->second;
 }
 
 ShowObjectPtr ShowModel::FindAny(const std::string& name) const {
@@ -135,17 +135,17 @@ std::shared_ptr<UserGroup> ShowModel::FindGroup(const std::string& name) const {
 std::vector<ShowObjectPtr> ShowModel::Top(ObjectKind kind) const {
     std::vector<ShowObjectPtr> objects;
     if (kind == ObjectKind::Variable) {
-        for (auto& variable : variables_.All())
+        for (auto& variable : m_variables.All())
             objects.push_back(std::make_shared<VariableObject>(std::move(variable)));
         return objects;
     }
     if (kind == ObjectKind::Device) {
-        const std::lock_guard<std::mutex> hold(lock_);
-        for (const auto& entry : devices_)
+        const std::lock_guard<std::mutex> hold(m_lock);
+        for (const auto& entry : m_devices)
             objects.push_back(entry.second);
         return objects;
     }
-    std::copy_if(top_.begin(), top_.end(), std::back_inserter(objects),
+    std::copy_if(m_top.begin(), m_top.end(), std::back_inserter(objects),
                  [&](const auto& object) { return object->Kind() == kind; });
     return objects;
 }
@@ -182,7 +182,7 @@ bool ShowModel::GroupHas(const std::string& group, const std::string& variable) 
 
 void ShowModel::Run(const ActionSpec& action, const Failed& failed) {
     for (const auto& [name, value] : action.sets) {
-        const auto variable = variables_.Find(name);
+        const auto variable = m_variables.Find(name);
         const KXPCode code = !variable ? kNoSuchObject : variable->SetText(value) ? KXP_OK : KXPCode{kBadValue};
         Report(failed, name, code);
     }
@@ -203,16 +203,16 @@ void ShowModel::Run(const ActionSpec& action, const Failed& failed) {
 }
 
 void ShowModel::SetStoredCommand(const std::string& name, const ActionSpec& action) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    stored_[name] = action;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_stored[name] = action;
 }
 
 void ShowModel::RunStored(const std::string& name, const Failed& failed) {
     ActionSpec action;
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        const auto found = stored_.find(name);
-        if (found != stored_.end())
+        const std::lock_guard<std::mutex> hold(m_lock);
+        const auto found = m_stored.find(name);
+        if (found != m_stored.end())
             action = found->second;
     }
     if (action.device.empty())

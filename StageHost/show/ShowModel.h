@@ -49,8 +49,8 @@ public:
     std::shared_ptr<Cue> FindCue(const std::string& name) const;
     std::shared_ptr<UserGroup> FindGroup(const std::string& name) const;
 
-    /// The objects of a kind that stand at the top, devices and variables by name, the others in the order of the show
-    /// file.   [any]
+    /// The objects of a kind that stand at the top, devices and variables
+    /// by name, the others in the order of the show file.   [any]
     std::vector<ShowObjectPtr> Top(ObjectKind kind) const;
 
     /// The objects directly below an object, by what kind it is: members and groups of a group, variables of a device,
@@ -61,15 +61,15 @@ public:
     bool GroupHas(const std::string& group, const std::string& variable) const;
 
     /// Does what an action says. Commands of devices go on after the call.
-    /// @param failed hears, in words, of each part that failed; at once or later, on any host thread; may be empty.
-    /// [any host thread]
+    /// @param failed hears, in words, of each part that failed; at once
+    /// or later, on any host thread; may be empty.   [any host thread]
     void Run(const ActionSpec& action, const std::function<void(const std::string&)>& failed);
 
     /// Makes a stored command known by its name, as the action that it stands for.   [any]
     void SetStoredCommand(const std::string& name, const ActionSpec& action);
 
-    VariableManager& Variables() { return variables_; }
-    ChangeFeed& Feed() { return feed_; }
+    VariableManager& Variables() { return m_variables; }
+    ChangeFeed& Feed() { return m_feed; }
 
 private:
     void FillGroups(const std::shared_ptr<UserGroup>& group);
@@ -77,13 +77,13 @@ private:
     void RunStored(const std::string& name, const std::function<void(const std::string&)>& failed);
     void RunCommand(const ActionSpec& action, const std::function<void(const std::string&)>& failed);
 
-    VariableManager& variables_;
-    ChangeFeed& feed_;
-    std::vector<ShowObjectPtr> top_;                                  ///< filled once, only read afterwards
-    std::map<std::pair<ObjectKind, std::string>, ShowObjectPtr> own_; ///< filled once, only read afterwards
-    mutable std::mutex lock_;                                         ///< guards the fields below
-    std::map<std::string, ShowObjectPtr> devices_;
-    std::map<std::string, ActionSpec> stored_;
+    VariableManager& m_variables;
+    ChangeFeed& m_feed;
+    std::vector<ShowObjectPtr> m_top;                                  ///< filled once, only read afterwards
+    std::map<std::pair<ObjectKind, std::string>, ShowObjectPtr> m_own; ///< filled once, only read afterwards
+    mutable std::mutex m_lock;                                         ///< guards the fields below
+    std::map<std::string, ShowObjectPtr> m_devices;
+    std::map<std::string, ActionSpec> m_stored;
 };
 
 } // namespace stagehost

@@ -6,9 +6,9 @@
 namespace stagehost {
 
 ShowObject::ShowObject(ObjectKind kind, std::string name, Conduct conduct)
-    : kind_(kind)
-    , name_(std::move(name))
-    , conduct_(conduct) {}
+    : m_kind(kind)
+    , m_name(std::move(name))
+    , m_conduct(conduct) {}
 
 std::optional<std::string> ShowObject::Property(const std::string& property) const {
     for (auto& known : Properties()) {

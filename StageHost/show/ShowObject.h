@@ -28,9 +28,9 @@ public:
     ShowObject(const ShowObject&) = delete;
     ShowObject& operator=(const ShowObject&) = delete;
 
-    ObjectKind Kind() const { return kind_; }
-    const std::string& Name() const { return name_; }
-    Conduct HowItTakesRequests() const { return conduct_; }
+    ObjectKind Kind() const { return m_kind; }
+    const std::string& Name() const { return m_name; }
+    Conduct HowItTakesRequests() const { return m_conduct; }
 
     /// The properties in their order.
     virtual std::vector<ObjectProperty> Properties() const = 0;
@@ -55,9 +55,9 @@ public:
     virtual std::optional<std::string> OwnText() const { return std::nullopt; }
 
 private:
-    const ObjectKind kind_;
-    const std::string name_;
-    const Conduct conduct_;
+    const ObjectKind m_kind;
+    const std::string m_name;
+    const Conduct m_conduct;
 };
 
 using ShowObjectPtr = std::shared_ptr<ShowObject>;

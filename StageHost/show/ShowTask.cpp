@@ -62,12 +62,12 @@ struct ShowTask::Trouble {
 
 ShowTask::ShowTask(TaskSpec spec, ChangeFeed& feed, Player player)
     : ShowObject(ObjectKind::Task, spec.name, spec.conduct)
-    , spec_(std::move(spec))
-    , feed_(feed)
-    , player_(std::move(player))
-    , trouble_(std::make_shared<Trouble>())
-    , timeline_(TimesOf(spec_)) {
-    trouble_->feed = &feed;
+    , m_spec(std::move(spec))
+    , m_feed(feed)
+    , m_player(std::move(player))
+    , m_trouble(std::make_shared<Trouble>())
+    , m_timeline(TimesOf(m_spec)) {
+    m_trouble->feed = &feed;
 }
 
 ShowTask::~ShowTask() {
@@ -76,63 +76,63 @@ ShowTask::~ShowTask() {
 
 void ShowTask::End() {
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        ending_ = true;
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_ending = true;
     }
-    changed_.notify_all();
-    if (thread_.joinable())
-        thread_.join();
-    const std::lock_guard<std::mutex> hold(trouble_->lock);
-    trouble_->feed = nullptr;
+    m_changed.notify_all();
+    if (m_thread.joinable())
+        m_thread.join();
+    const std::lock_guard<std::mutex> hold(m_trouble->lock);
+    m_trouble->feed = nullptr;
 }
 
 KXPCode ShowTask::Start() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    if (ending_)
+    const std::lock_guard<std::mutex> hold(m_lock);
+    if (m_ending)
         return kEnding;
-    if (!timeline_.Start(Clock::now()))
+    if (!m_timeline.Start(Clock::now()))
         return KXP_OK;
-    trouble_->Clear();
+    m_trouble->Clear();
     TellStatus();
-    if (!thread_.joinable())
-        thread_ = std::thread([this] { Serve(); });
-    changed_.notify_all();
+    if (!m_thread.joinable())
+        m_thread = std::thread([this] { Serve(); });
+    m_changed.notify_all();
     return KXP_OK;
 }
 
 KXPCode ShowTask::Pause() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    if (timeline_.Pause(Clock::now()))
+    const std::lock_guard<std::mutex> hold(m_lock);
+    if (m_timeline.Pause(Clock::now()))
         TellStatus();
-    changed_.notify_all();
-    return timeline_.Now() == TaskTimeline::State::Paused ? KXP_OK : KXPCode{kNotRunning};
+    m_changed.notify_all();
+    return m_timeline.Now() == TaskTimeline::State::Paused ? KXP_OK : KXPCode{kNotRunning};
 }
 
 KXPCode ShowTask::Stop(std::int32_t mode) {
     if (mode != 0 && mode != 1)
         return kBadValue;
-    const std::lock_guard<std::mutex> hold(lock_);
-    if (timeline_.Stop(Clock::now(), mode == 0))
+    const std::lock_guard<std::mutex> hold(m_lock);
+    if (m_timeline.Stop(Clock::now(), mode == 0))
         TellStatus();
-    changed_.notify_all();
+    m_changed.notify_all();
     return KXP_OK;
 }
 
 KXPCode ShowTask::GotoLabel(const std::string& label) {
-    const auto line = std::find_if(spec_.lines.begin(), spec_.lines.end(),
+    const auto line = std::find_if(m_spec.lines.begin(), m_spec.lines.end(),
                                    [&](const auto& candidate) { return !label.empty() && candidate.label == label; });
-    const std::lock_guard<std::mutex> hold(lock_);
-    return Move(timeline_.GotoLine(static_cast<std::size_t>(line - spec_.lines.begin()), Clock::now()));
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return Move(m_timeline.GotoLine(static_cast<std::size_t>(line - m_spec.lines.begin()), Clock::now()));
 }
 
 KXPCode ShowTask::GotoLine(std::int32_t line) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return Move(line > 0 && timeline_.GotoLine(static_cast<std::size_t>(line) - 1, Clock::now()));
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return Move(line > 0 && m_timeline.GotoLine(static_cast<std::size_t>(line) - 1, Clock::now()));
 }
 
 KXPCode ShowTask::GotoTime(std::int32_t time) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return Move(timeline_.GotoTime(time, Clock::now()));
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return Move(m_timeline.GotoTime(time, Clock::now()));
 }
 
 KXPCode ShowTask::Do(TaskAction action) {
@@ -140,23 +140,23 @@ KXPCode ShowTask::Do(TaskAction action) {
 }
 
 std::string ShowTask::Status() const {
-    const std::lock_guard<std::mutex> hold(lock_);
+    const std::lock_guard<std::mutex> hold(m_lock);
     return StatusLocked();
 }
 
 std::vector<ObjectProperty> ShowTask::Properties() const {
     std::string error;
     {
-        const std::lock_guard<std::mutex> hold(trouble_->lock);
-        error = trouble_->text;
+        const std::lock_guard<std::mutex> hold(m_trouble->lock);
+        error = m_trouble->text;
     }
-    const std::int32_t duration = spec_.lines.empty() ? 0 : spec_.lines.back().at;
-    const std::lock_guard<std::mutex> hold(lock_);
+    const std::int32_t duration = m_spec.lines.empty() ? 0 : m_spec.lines.back().at;
+    const std::lock_guard<std::mutex> hold(m_lock);
     return {{"Status", StatusLocked()},
-            {"Line", std::to_string(line_)},
-            {"Label", line_ == 0 ? std::string() : spec_.lines[line_ - 1].label},
-            {"Time", std::to_string(std::min(timeline_.Position(Clock::now()), duration))},
-            {"Lines", std::to_string(spec_.lines.size())},
+            {"Line", std::to_string(m_line)},
+            {"Label", m_line == 0 ? std::string() : m_spec.lines[m_line - 1].label},
+            {"Time", std::to_string(std::min(m_timeline.Position(Clock::now()), duration))},
+            {"Lines", std::to_string(m_spec.lines.size())},
             {"Duration", std::to_string(duration)},
             {"Error", error}};
 }
@@ -174,38 +174,38 @@ void ShowTask::Perform(const std::string& action, const Parameters& parameters, 
 }
 
 KXPCode ShowTask::Move(bool found) {
-    changed_.notify_all();
+    m_changed.notify_all();
     return found ? KXP_OK : KXPCode{kNoSuchPlace};
 }
 
 std::string ShowTask::StatusLocked() const {
-    return kStatusTexts[static_cast<int>(timeline_.Now())];
+    return kStatusTexts[static_cast<int>(m_timeline.Now())];
 }
 
 void ShowTask::TellStatus() {
-    feed_.Tell(ObjectKind::Task, Name(), "Status", StatusLocked());
+    m_feed.Tell(ObjectKind::Task, Name(), "Status", StatusLocked());
 }
 
 void ShowTask::Serve() {
-    std::unique_lock<std::mutex> hold(lock_);
-    while (!ending_) {
-        if (const auto line = timeline_.TakeDue(Clock::now()))
+    std::unique_lock<std::mutex> hold(m_lock);
+    while (!m_ending) {
+        if (const auto line = m_timeline.TakeDue(Clock::now()))
             Play(*line, hold);
-        else if (timeline_.TakeEnd())
+        else if (m_timeline.TakeEnd())
             TellStatus();
-        else if (const auto due = timeline_.NextDue())
-            changed_.wait_until(hold, *due);
+        else if (const auto due = m_timeline.NextDue())
+            m_changed.wait_until(hold, *due);
         else
-            changed_.wait(hold);
+            m_changed.wait(hold);
     }
 }
 
 void ShowTask::Play(std::size_t line, std::unique_lock<std::mutex>& hold) {
-    line_ = line + 1;
-    feed_.Tell(ObjectKind::Task, Name(), "Line", std::to_string(line_));
+    m_line = line + 1;
+    m_feed.Tell(ObjectKind::Task, Name(), "Line", std::to_string(m_line));
     hold.unlock();
-    player_(spec_.lines[line].action,
-            [trouble = trouble_, name = Name()](const std::string& what) { trouble->Set(name, what); });
+    m_player(m_spec.lines[line].action,
+             [trouble = m_trouble, name = Name()](const std::string& what) { trouble->Set(name, what); });
     hold.lock();
 }
 

@@ -45,8 +45,8 @@ public:
 
     /// "Status", "Line", "Label", "Time", "Lines", "Duration", "Error"; none can be set.
     std::vector<ObjectProperty> Properties() const override;
-    /// "Start", "Pause", "Stop" (Mode), "GotoLabel" (Label), "GotoLine" (Line), "GotoTime" (Time). The result text is
-    /// the status.
+    /// "Start", "Pause", "Stop" (Mode), "GotoLabel" (Label), "GotoLine"
+    /// (Line), "GotoTime" (Time). The result text is the status.
     void Perform(const std::string& action, const Parameters& parameters, const Answer& answer) override;
 
 private:
@@ -59,17 +59,17 @@ private:
     void Serve();
     void Play(std::size_t line, std::unique_lock<std::mutex>& hold);
 
-    const TaskSpec spec_;
-    ChangeFeed& feed_;
-    const Player player_;
-    const std::shared_ptr<Trouble> trouble_;
+    const TaskSpec m_spec;
+    ChangeFeed& m_feed;
+    const Player m_player;
+    const std::shared_ptr<Trouble> m_trouble;
 
-    mutable std::mutex lock_; ///< guards the fields below
-    std::condition_variable changed_;
-    TaskTimeline timeline_;
-    std::size_t line_ = 0; ///< number of the line played last, 0 before the first
-    bool ending_ = false;
-    std::thread thread_; ///< made at the first start
+    mutable std::mutex m_lock; ///< guards the fields below
+    std::condition_variable m_changed;
+    TaskTimeline m_timeline;
+    std::size_t m_line = 0; ///< number of the line played last, 0 before the first
+    bool m_ending = false;
+    std::thread m_thread; ///< made at the first start
 };
 
 } // namespace stagehost

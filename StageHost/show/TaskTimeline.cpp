@@ -6,54 +6,54 @@
 namespace stagehost {
 
 TaskTimeline::TaskTimeline(std::vector<std::int32_t> lineTimes)
-    : times_(std::move(lineTimes)) {}
+    : m_times(std::move(lineTimes)) {}
 
 std::int32_t TaskTimeline::Position(TimePoint now) const {
-    if (state_ != State::Running)
-        return base_;
-    const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(now - since_).count();
+    if (m_state != State::Running)
+        return m_base;
+    const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(now - m_since).count();
     const auto last = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min<std::int64_t>(base_ + std::max<std::int64_t>(0, passed), last));
+    return static_cast<std::int32_t>(std::min<std::int64_t>(m_base + std::max<std::int64_t>(0, passed), last));
 }
 
 bool TaskTimeline::Start(TimePoint now) {
-    if (state_ == State::Running)
+    if (m_state == State::Running)
         return false;
-    since_ = now;
-    state_ = State::Running;
+    m_since = now;
+    m_state = State::Running;
     return true;
 }
 
 bool TaskTimeline::Pause(TimePoint now) {
-    if (state_ != State::Running)
+    if (m_state != State::Running)
         return false;
-    base_ = Position(now);
-    state_ = State::Paused;
+    m_base = Position(now);
+    m_state = State::Paused;
     return true;
 }
 
 bool TaskTimeline::Stop(TimePoint now, bool rewind) {
-    const bool changed = state_ != State::Stopped;
-    base_ = Position(now);
-    state_ = State::Stopped;
+    const bool changed = m_state != State::Stopped;
+    m_base = Position(now);
+    m_state = State::Stopped;
     if (rewind)
         MoveTo(0, 0, now);
     return changed;
 }
 
 bool TaskTimeline::GotoLine(std::size_t line, TimePoint now) {
-    if (line >= times_.size())
+    if (line >= m_times.size())
         return false;
-    MoveTo(times_[line], line, now);
+    MoveTo(m_times[line], line, now);
     return true;
 }
 
 bool TaskTimeline::GotoTime(std::int32_t position, TimePoint now) {
-    const std::int32_t last = times_.empty() ? 0 : times_.back();
+    const std::int32_t last = m_times.empty() ? 0 : m_times.back();
     if (position < 0 || position > last)
         return false;
-    const auto line = std::lower_bound(times_.begin(), times_.end(), position);
-    MoveTo(position, static_cast<std::size_t>(line - times_.begin()), now);
+    const auto line = std::lower_bound(m_times.begin(), m_times.end(), position);
+    MoveTo(position, static_cast<std::size_t>(line - m_times.begin()), now);
     return true;
 }
 
@@ -61,26 +61,26 @@ std::optional<std::size_t> TaskTimeline::TakeDue(TimePoint now) {
     const auto due = NextDue();
     if (!due || now < *due)
         return std::nullopt;
-    return next_++;
+    return m_next++;
 }
 
 bool TaskTimeline::TakeEnd() {
-    if (state_ != State::Running || next_ < times_.size())
+    if (m_state != State::Running || m_next < m_times.size())
         return false;
-    Stop(since_, true);
+    Stop(m_since, true);
     return true;
 }
 
 std::optional<TaskTimeline::TimePoint> TaskTimeline::NextDue() const {
-    if (state_ != State::Running || next_ >= times_.size())
+    if (m_state != State::Running || m_next >= m_times.size())
         return std::nullopt;
-    return since_ + std::chrono::milliseconds(std::int64_t{times_[next_]} - base_);
+    return m_since + std::chrono::milliseconds(std::int64_t{m_times[m_next]} - m_base);
 }
 
 void TaskTimeline::MoveTo(std::int32_t position, std::size_t line, TimePoint now) {
-    base_ = position;
-    since_ = now;
-    next_ = line;
+    m_base = position;
+    m_since = now;
+    m_next = line;
 }
 
 } // namespace stagehost

@@ -21,11 +21,11 @@ public:
     /// @param lineTimes in ascending order.
     explicit TaskTimeline(std::vector<std::int32_t> lineTimes);
 
-    State Now() const { return state_; }
+    State Now() const { return m_state; }
     std::int32_t Position(TimePoint now) const;
 
     /// The line that comes next; the count of lines behind the last.
-    std::size_t NextLine() const { return next_; }
+    std::size_t NextLine() const { return m_next; }
 
     /// Runs from where it stands. @return whether that changed the state.
     bool Start(TimePoint now);
@@ -52,11 +52,11 @@ public:
 private:
     void MoveTo(std::int32_t position, std::size_t line, TimePoint now);
 
-    const std::vector<std::int32_t> times_;
-    State state_ = State::Stopped;
-    std::int32_t base_ = 0; ///< the position at since_, or for ever while the task does not run
-    TimePoint since_{};
-    std::size_t next_ = 0;
+    const std::vector<std::int32_t> m_times;
+    State m_state = State::Stopped;
+    std::int32_t m_base = 0; ///< the position at m_since, or for ever while the task does not run
+    TimePoint m_since{};
+    std::size_t m_next = 0;
 };
 
 } // namespace stagehost

@@ -12,8 +12,8 @@ class UserGroup final : public ShowObject {
 public:
     explicit UserGroup(UserGroupSpec spec);
 
-    const std::vector<std::string>& Members() const { return members_; }
-    const std::vector<std::shared_ptr<UserGroup>>& Groups() const { return groups_; }
+    const std::vector<std::string>& Members() const { return m_members; }
+    const std::vector<std::shared_ptr<UserGroup>>& Groups() const { return m_groups; }
 
     /// Whether a variable is in the group or in one below it: by its own name, or by that of its device.
     bool HasVariable(const std::string& variable) const;
@@ -22,8 +22,8 @@ public:
     std::vector<ObjectProperty> Properties() const override;
 
 private:
-    const std::vector<std::string> members_;
-    std::vector<std::shared_ptr<UserGroup>> groups_;
+    const std::vector<std::string> m_members;
+    std::vector<std::shared_ptr<UserGroup>> m_groups;
 };
 
 } // namespace stagehost

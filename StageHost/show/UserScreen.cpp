@@ -7,50 +7,50 @@ namespace stagehost {
 
 UserScreen::UserScreen(UserScreenSpec spec, ChangeFeed& feed)
     : ShowObject(ObjectKind::UserScreen, spec.name, spec.conduct)
-    , pages_(std::move(spec.pages))
-    , feed_(feed) {}
+    , m_pages(std::move(spec.pages))
+    , m_feed(feed) {}
 
 KXPCode UserScreen::Open(std::int32_t position, std::int32_t left, std::int32_t top) {
     if (position != 0 && position != 1)
         return kBadValue;
-    const std::lock_guard<std::mutex> hold(lock_);
-    position_ = position;
-    left_ = left;
-    top_ = top;
-    if (!open_)
-        feed_.Tell(ObjectKind::UserScreen, Name(), "Open", "true");
-    open_ = true;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_position = position;
+    m_left = left;
+    m_top = top;
+    if (!m_open)
+        m_feed.Tell(ObjectKind::UserScreen, Name(), "Open", "true");
+    m_open = true;
     return KXP_OK;
 }
 
 KXPCode UserScreen::Close() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    if (!open_)
+    const std::lock_guard<std::mutex> hold(m_lock);
+    if (!m_open)
         return kNotRunning;
-    open_ = false;
-    feed_.Tell(ObjectKind::UserScreen, Name(), "Open", "false");
+    m_open = false;
+    m_feed.Tell(ObjectKind::UserScreen, Name(), "Open", "false");
     return KXP_OK;
 }
 
 KXPCode UserScreen::GotoPage(std::int32_t page) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    if (page < 1 || static_cast<std::size_t>(page) > pages_.size())
+    const std::lock_guard<std::mutex> hold(m_lock);
+    if (page < 1 || static_cast<std::size_t>(page) > m_pages.size())
         return kNoSuchPlace;
-    if (page != page_)
-        feed_.Tell(ObjectKind::UserScreen, Name(), "Page", std::to_string(page));
-    page_ = page;
+    if (page != m_page)
+        m_feed.Tell(ObjectKind::UserScreen, Name(), "Page", std::to_string(page));
+    m_page = page;
     return KXP_OK;
 }
 
 std::vector<ObjectProperty> UserScreen::Properties() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return {{"Open", open_ ? "true" : "false"},
-            {"Page", std::to_string(page_)},
-            {"PageName", pages_[static_cast<std::size_t>(page_) - 1]},
-            {"Pages", std::to_string(pages_.size())},
-            {"Position", std::to_string(position_)},
-            {"Left", std::to_string(left_)},
-            {"Top", std::to_string(top_)}};
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return {{"Open", m_open ? "true" : "false"},
+            {"Page", std::to_string(m_page)},
+            {"PageName", m_pages[static_cast<std::size_t>(m_page) - 1]},
+            {"Pages", std::to_string(m_pages.size())},
+            {"Position", std::to_string(m_position)},
+            {"Left", std::to_string(m_left)},
+            {"Top", std::to_string(m_top)}};
 }
 
 KXPCode UserScreen::SetProperty(const std::string& property, const std::string& value) {

@@ -30,14 +30,14 @@ public:
 private:
     KXPCode Run(const std::string& action, const Parameters& parameters);
 
-    const std::vector<std::string> pages_;
-    ChangeFeed& feed_;
-    mutable std::mutex lock_; ///< guards the fields below
-    bool open_ = false;
-    std::int32_t page_ = 1;
-    std::int32_t position_ = 0;
-    std::int32_t left_ = 0;
-    std::int32_t top_ = 0;
+    const std::vector<std::string> m_pages;
+    ChangeFeed& m_feed;
+    mutable std::mutex m_lock; ///< guards the fields below
+    bool m_open = false;
+    std::int32_t m_page = 1;
+    std::int32_t m_position = 0;
+    std::int32_t m_left = 0;
+    std::int32_t m_top = 0;
 };
 
 } // namespace stagehost

@@ -17,26 +17,26 @@ KXPCode Taken(bool taken) {
 
 VariableObject::VariableObject(std::shared_ptr<HostValue> variable)
     : ShowObject(ObjectKind::Variable, variable->Name(), Conduct::Normal)
-    , variable_(std::move(variable)) {}
+    , m_variable(std::move(variable)) {}
 
 std::vector<ObjectProperty> VariableObject::Properties() const {
     std::vector<ObjectProperty> all{
-        {kValue, variable_->Text()}, {"Type", ValueText()}, {"InstanceID", std::to_string(variable_->InstanceId())}};
-    for (const auto& [name, value] : variable_->Properties())
+        {kValue, m_variable->Text()}, {"Type", ValueText()}, {"InstanceID", std::to_string(m_variable->InstanceId())}};
+    for (const auto& [name, value] : m_variable->Properties())
         all.push_back({name, value});
     return all;
 }
 
 std::optional<std::int32_t> VariableObject::PropertyAsInt(const std::string& property) const {
-    return property == kValue ? std::optional(variable_->Int()) : ShowObject::PropertyAsInt(property);
+    return property == kValue ? std::optional(m_variable->Int()) : ShowObject::PropertyAsInt(property);
 }
 
 KXPCode VariableObject::SetProperty(const std::string& property, const std::string& value) {
-    return property == kValue ? Taken(variable_->SetText(value)) : ShowObject::SetProperty(property, value);
+    return property == kValue ? Taken(m_variable->SetText(value)) : ShowObject::SetProperty(property, value);
 }
 
 KXPCode VariableObject::SetPropertyAsInt(const std::string& property, std::int32_t value) {
-    return property == kValue ? Taken(variable_->SetInt(value)) : ShowObject::SetPropertyAsInt(property, value);
+    return property == kValue ? Taken(m_variable->SetInt(value)) : ShowObject::SetPropertyAsInt(property, value);
 }
 
 void VariableObject::Perform(const std::string& action, const Parameters& parameters, const Answer& answer) {
@@ -46,13 +46,13 @@ void VariableObject::Perform(const std::string& action, const Parameters& parame
     const auto value = parameters.Text(kValue);
     if (sets != value.has_value() || !parameters.AreAmong({kValue}))
         return answer({kBadParameters});
-    if (sets && !variable_->SetText(*value))
+    if (sets && !m_variable->SetText(*value))
         return answer({kBadValue});
-    answer({KXP_OK, variable_->Text()});
+    answer({KXP_OK, m_variable->Text()});
 }
 
 std::string VariableObject::ValueText() const {
-    return FindDataType(variable_->Type())->elementName;
+    return FindDataType(m_variable->Type())->elementName;
 }
 
 } // namespace stagehost

@@ -22,7 +22,7 @@ public:
     std::string ValueText() const override;
 
 private:
-    const std::shared_ptr<HostValue> variable_;
+    const std::shared_ptr<HostValue> m_variable;
 };
 
 } // namespace stagehost

@@ -6,20 +6,20 @@
 namespace stagehost {
 
 ExitGuard::ExitGuard(std::chrono::milliseconds limit, int exitCode, std::string message)
-    : watcher_([this, limit, exitCode, text = std::move(message)] { Watch(limit, exitCode, text); }) {}
+    : m_watcher([this, limit, exitCode, text = std::move(message)] { Watch(limit, exitCode, text); }) {}
 
 ExitGuard::~ExitGuard() {
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        disarmed_ = true;
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_disarmed = true;
     }
-    disarm_.notify_all();
-    watcher_.join();
+    m_disarm.notify_all();
+    m_watcher.join();
 }
 
 void ExitGuard::Watch(std::chrono::milliseconds limit, int exitCode, const std::string& message) {
-    std::unique_lock<std::mutex> hold(lock_);
-    if (!disarm_.wait_for(hold, limit, [this] { return disarmed_; }))
+    std::unique_lock<std::mutex> hold(m_lock);
+    if (!m_disarm.wait_for(hold, limit, [this] { return m_disarmed; }))
         LeaveAtOnce(exitCode, message);
 }
 

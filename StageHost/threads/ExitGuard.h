@@ -23,10 +23,10 @@ public:
 private:
     void Watch(std::chrono::milliseconds limit, int exitCode, const std::string& message);
 
-    std::mutex lock_; ///< guards disarmed_
-    bool disarmed_ = false;
-    std::condition_variable disarm_;
-    std::thread watcher_;
+    std::mutex m_lock; ///< guards m_disarmed
+    bool m_disarmed = false;
+    std::condition_variable m_disarm;
+    std::thread m_watcher;
 };
 
 /// Ends the process at once: standard output is written out, nothing else of the process runs.

@@ -2,8 +2,8 @@
 
 namespace stagehost {
 
-/// Notes Ctrl-C, and the system's request to end, instead of ending the program at once. A second one ends it.
-/// [host main]
+/// Notes Ctrl-C, and the system's request to end, instead of
+/// ending the program at once. A second one ends it.   [host main]
 class Interrupt {
 public:
     Interrupt();

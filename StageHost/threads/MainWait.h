@@ -15,7 +15,8 @@ public:
     /// @return whether the condition held before the limit passed.   [host main]
     static bool Until(const std::function<bool()>& condition, std::chrono::milliseconds limit);
 
-    /// The same, and over as well when the user wants the program to end, see Interrupt. For what a script keeps waiting.
+    /// The same, and over as well when the user wants the program
+    /// to end, see Interrupt. For what a script keeps waiting.
     static bool UntilInterrupted(const std::function<bool()>& condition, std::chrono::milliseconds limit);
 
     /// Makes a wait that is under way look at its condition again.   [any]

@@ -28,18 +28,18 @@ void Strand::State::Serve() {
 }
 
 Strand::Strand(WorkerPool& pool)
-    : pool_(pool)
-    , state_(std::make_shared<State>()) {}
+    : m_pool(pool)
+    , m_state(std::make_shared<State>()) {}
 
 void Strand::Post(std::function<void()> call) {
     {
-        const std::lock_guard<std::mutex> hold(state_->lock);
-        state_->queue.push_back(std::move(call));
-        if (state_->served)
+        const std::lock_guard<std::mutex> hold(m_state->lock);
+        m_state->queue.push_back(std::move(call));
+        if (m_state->served)
             return;
-        state_->served = true;
+        m_state->served = true;
     }
-    pool_.Run([state = state_] { state->Serve(); });
+    m_pool.Run([state = m_state] { state->Serve(); });
 }
 
 } // namespace stagehost

@@ -20,8 +20,8 @@ public:
 
 private:
     struct State;
-    WorkerPool& pool_;
-    const std::shared_ptr<State> state_; ///< shared with the thread that serves it
+    WorkerPool& m_pool;
+    const std::shared_ptr<State> m_state; ///< shared with the thread that serves it
 };
 
 } // namespace stagehost

@@ -17,20 +17,20 @@ constexpr std::chrono::milliseconds kGraceAtEnd(200);
 class PooledTask final : public Task {
 public:
     explicit PooledTask(std::function<void()> call)
-        : call_(std::move(call)) {}
+        : m_call(std::move(call)) {}
 
-    bool IsDone() const override { return done_.load(std::memory_order_acquire); }
+    bool IsDone() const override { return m_done.load(std::memory_order_acquire); }
 
     void Run() {
-        call_();
-        call_ = nullptr;
-        done_.store(true, std::memory_order_release);
+        m_call();
+        m_call = nullptr;
+        m_done.store(true, std::memory_order_release);
         MainWait::Wake();
     }
 
 private:
-    std::function<void()> call_;
-    std::atomic<bool> done_{false};
+    std::function<void()> m_call;
+    std::atomic<bool> m_done{false};
 };
 
 } // namespace
@@ -65,7 +65,7 @@ void WorkerPool::State::Serve(const std::shared_ptr<State>& state) {
 }
 
 WorkerPool::WorkerPool()
-    : state_(std::make_shared<State>()) {}
+    : m_state(std::make_shared<State>()) {}
 
 WorkerPool::~WorkerPool() {
     Close(kGraceAtEnd);
@@ -73,21 +73,21 @@ WorkerPool::~WorkerPool() {
 
 std::shared_ptr<Task> WorkerPool::Run(std::function<void()> call) {
     auto task = std::make_shared<PooledTask>(std::move(call));
-    const std::lock_guard<std::mutex> hold(state_->lock);
-    state_->queue.push_back(task);
-    if (state_->queue.size() > state_->idle) {
-        ++state_->threads;
-        std::thread([state = state_] { State::Serve(state); }).detach();
+    const std::lock_guard<std::mutex> hold(m_state->lock);
+    m_state->queue.push_back(task);
+    if (m_state->queue.size() > m_state->idle) {
+        ++m_state->threads;
+        std::thread([state = m_state] { State::Serve(state); }).detach();
     }
-    state_->changed.notify_one();
+    m_state->changed.notify_one();
     return task;
 }
 
 bool WorkerPool::Close(std::chrono::milliseconds limit) {
-    std::unique_lock<std::mutex> hold(state_->lock);
-    state_->closing = true;
-    state_->changed.notify_all();
-    return state_->changed.wait_for(hold, limit, [this] { return state_->threads == 0; });
+    std::unique_lock<std::mutex> hold(m_state->lock);
+    m_state->closing = true;
+    m_state->changed.notify_all();
+    return m_state->changed.wait_for(hold, limit, [this] { return m_state->threads == 0; });
 }
 
 } // namespace stagehost

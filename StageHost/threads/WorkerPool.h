@@ -33,7 +33,7 @@ public:
 
 private:
     struct State;
-    std::shared_ptr<State> state_; ///< shared with the threads, which may outlive the pool
+    std::shared_ptr<State> m_state; ///< shared with the threads, which may outlive the pool
 };
 
 } // namespace stagehost

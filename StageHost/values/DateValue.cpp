@@ -15,16 +15,16 @@ const QDate kLastDay(9999, 12, 31);
 
 DateValue::DateValue(const ValueSpec& spec)
     : ValueFace(spec)
-    , date_(kFirstDay) {
+    , m_date(kFirstDay) {
     Configure(spec);
 }
 
 std::int32_t DateValue::ReadInt() const {
-    return static_cast<std::int32_t>(kFirstDay.daysTo(date_));
+    return static_cast<std::int32_t>(kFirstDay.daysTo(m_date));
 }
 
 std::string DateValue::ReadText() const {
-    return date_.toString(QStringLiteral("dd/MM/yyyy")).toStdString();
+    return m_date.toString(QStringLiteral("dd/MM/yyyy")).toStdString();
 }
 
 HostValue::Taken DateValue::WriteInt(std::int32_t value) {
@@ -45,7 +45,7 @@ HostValue::Taken DateValue::WriteText(std::string_view text) {
 
 HostValue::Taken DateValue::WriteDate(const QDate& date) {
     const bool fits = date.isValid() && date >= kFirstDay && date <= kLastDay;
-    return fits ? Assign(date_, date) : Taken::No;
+    return fits ? Assign(m_date, date) : Taken::No;
 }
 
 } // namespace stagehost

@@ -25,7 +25,7 @@ protected:
 private:
     Taken WriteDate(const QDate& date);
 
-    QDate date_;
+    QDate m_date;
 };
 
 } // namespace stagehost

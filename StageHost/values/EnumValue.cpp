@@ -14,32 +14,32 @@ EnumValue::EnumValue(const ValueSpec& spec)
 
 void EnumValue::AddItem(const char* text) {
     Apply([this, text] {
-        items_.emplace_back(text == nullptr ? "" : text);
+        m_items.emplace_back(text == nullptr ? "" : text);
         return Taken::Changed;
     });
 }
 
 void EnumValue::ClearItems(std::uint32_t, std::uint32_t) {
     Apply([this] {
-        items_.clear();
-        current_ = 0;
+        m_items.clear();
+        m_current = 0;
         return Taken::Changed;
     });
 }
 
 std::vector<std::string> EnumValue::Items() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return items_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_items;
 }
 
 std::string EnumValue::ReadText() const {
-    const auto index = static_cast<std::size_t>(current_);
-    return index < items_.size() ? items_[index] : std::string();
+    const auto index = static_cast<std::size_t>(m_current);
+    return index < m_items.size() ? m_items[index] : std::string();
 }
 
 HostValue::Taken EnumValue::WriteInt(std::int32_t value) {
-    const bool inside = value >= 0 && static_cast<std::size_t>(value) < items_.size();
-    return inside ? Assign(current_, value) : Taken::No;
+    const bool inside = value >= 0 && static_cast<std::size_t>(value) < m_items.size();
+    return inside ? Assign(m_current, value) : Taken::No;
 }
 
 HostValue::Taken EnumValue::WriteReal(double value) {
@@ -47,16 +47,16 @@ HostValue::Taken EnumValue::WriteReal(double value) {
 }
 
 HostValue::Taken EnumValue::WriteText(std::string_view text) {
-    const auto item = std::find(items_.begin(), items_.end(), text);
-    if (item != items_.end())
-        return WriteInt(static_cast<std::int32_t>(item - items_.begin()));
+    const auto item = std::find(m_items.begin(), m_items.end(), text);
+    if (item != m_items.end())
+        return WriteInt(static_cast<std::int32_t>(item - m_items.begin()));
     const auto number = ParseNumber(text);
     return number ? WriteReal(*number) : Taken::No;
 }
 
 void EnumValue::ReadLimits(const ValueSpec& spec) {
-    items_ = spec.items;
-    current_ = 0;
+    m_items = spec.items;
+    m_current = 0;
 }
 
 } // namespace stagehost

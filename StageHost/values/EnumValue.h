@@ -17,8 +17,8 @@ public:
     std::vector<std::string> Items() const;
 
 protected:
-    std::int32_t ReadInt() const override { return current_; }
-    double ReadReal() const override { return current_; }
+    std::int32_t ReadInt() const override { return m_current; }
+    double ReadReal() const override { return m_current; }
     std::string ReadText() const override;
     Taken WriteInt(std::int32_t value) override;
     Taken WriteReal(double value) override;
@@ -26,8 +26,8 @@ protected:
     void ReadLimits(const ValueSpec& spec) override;
 
 private:
-    std::vector<std::string> items_;
-    std::int32_t current_ = 0;
+    std::vector<std::string> m_items;
+    std::int32_t m_current = 0;
 };
 
 } // namespace stagehost

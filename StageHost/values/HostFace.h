@@ -10,20 +10,20 @@ template <typename Interface>
 class HostFace : public Interface {
 public:
     explicit HostFace(HostFaces& faces)
-        : faces_(faces) {}
+        : m_faces(faces) {}
     virtual ~HostFace() = default;
     HostFace(const HostFace&) = delete;
     HostFace& operator=(const HostFace&) = delete;
 
-    KXPCode QueryInterface(const char* name, void** out) override { return faces_.Find(name, out); }
+    KXPCode QueryInterface(const char* name, void** out) override { return m_faces.Find(name, out); }
     KXPCode Release() override { return KXP_OK; }
 
 protected:
     /// Offers this face under its name. The caller is the constructor of the last class.
-    void OfferAs(const char* name) { faces_.Offer(name, static_cast<Interface*>(this)); }
+    void OfferAs(const char* name) { m_faces.Offer(name, static_cast<Interface*>(this)); }
 
 private:
-    HostFaces& faces_;
+    HostFaces& m_faces;
 };
 
 } // namespace stagehost

@@ -13,13 +13,13 @@ namespace stagehost {
 class HostFaces {
 public:
     /// Makes a face known; it must outlive the table.   [host main]
-    void Offer(const char* name, void* face) { faces_.emplace_back(name, face); }
+    void Offer(const char* name, void* face) { m_faces.emplace_back(name, face); }
 
     /// QueryInterface of every face.   [any]
     KXPCode Find(const char* name, void** out) const;
 
 private:
-    std::vector<std::pair<std::string, void*>> faces_;
+    std::vector<std::pair<std::string, void*>> m_faces;
 };
 
 } // namespace stagehost

@@ -6,28 +6,28 @@
 namespace stagehost {
 
 HostValue::HostValue(const ValueSpec& spec)
-    : name_(spec.name)
-    , type_(spec.type)
-    , instanceId_(spec.instanceId)
-    , properties_(spec.properties) {}
+    : m_name(spec.name)
+    , m_type(spec.type)
+    , m_instanceId(spec.instanceId)
+    , m_properties(spec.properties) {}
 
 void HostValue::SetIdentity(std::string name, std::uint32_t instanceId) {
-    name_ = std::move(name);
-    instanceId_ = instanceId;
+    m_name = std::move(name);
+    m_instanceId = instanceId;
 }
 
 std::int32_t HostValue::Int() const {
-    const std::lock_guard<std::mutex> hold(lock_);
+    const std::lock_guard<std::mutex> hold(m_lock);
     return ReadInt();
 }
 
 double HostValue::Real() const {
-    const std::lock_guard<std::mutex> hold(lock_);
+    const std::lock_guard<std::mutex> hold(m_lock);
     return ReadReal();
 }
 
 std::string HostValue::Text() const {
-    const std::lock_guard<std::mutex> hold(lock_);
+    const std::lock_guard<std::mutex> hold(m_lock);
     return ReadText();
 }
 
@@ -45,7 +45,7 @@ bool HostValue::SetText(std::string_view text) {
 
 void HostValue::Configure(const ValueSpec& spec) {
     Apply([this, &spec] {
-        properties_ = spec.properties;
+        m_properties = spec.properties;
         ReadLimits(spec);
         WriteText(spec.text);
         return Taken::Changed;
@@ -55,47 +55,47 @@ void HostValue::Configure(const ValueSpec& spec) {
 bool HostValue::StoreProperty(const char* name, const char* value) {
     if (name == nullptr)
         return false;
-    const std::lock_guard<std::mutex> hold(lock_);
-    properties_[name] = value == nullptr ? "" : value;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_properties[name] = value == nullptr ? "" : value;
     return true;
 }
 
 const char* HostValue::Property(const char* name) const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    const auto found = name == nullptr ? properties_.end() : properties_.find(name);
-    return found == properties_.end() ? nullptr : found->second.c_str();
+    const std::lock_guard<std::mutex> hold(m_lock);
+    const auto found = name == nullptr ? m_properties.end() : m_properties.find(name);
+    return found == m_properties.end() ? nullptr : found->second.c_str();
 }
 
 std::map<std::string, std::string> HostValue::Properties() const {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return properties_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_properties;
 }
 
 void HostValue::TellChangesTo(ChangeSink* sink) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    sink_ = sink;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_sink = sink;
 }
 
 void HostValue::TellSink() const {
-    if (sink_ != nullptr && sink_->IsWanted())
-        sink_->ValueChanged(name_, ReadText());
+    if (m_sink != nullptr && m_sink->IsWanted())
+        m_sink->ValueChanged(m_name, ReadText());
 }
 
 Observation HostValue::Observe(std::function<void()> observer) {
     auto entry = std::make_shared<Observer>(std::move(observer));
-    const std::lock_guard<std::mutex> hold(lock_);
-    auto next = observers_ ? std::make_shared<Observers>(*observers_) : std::make_shared<Observers>();
+    const std::lock_guard<std::mutex> hold(m_lock);
+    auto next = m_observers ? std::make_shared<Observers>(*m_observers) : std::make_shared<Observers>();
     next->push_back(entry);
-    observers_ = std::move(next);
+    m_observers = std::move(next);
     return {entry.get(), [this](void* gone) { Forget(static_cast<Observer*>(gone)); }};
 }
 
 void HostValue::Forget(const Observer* observer) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    auto next = std::make_shared<Observers>(*observers_);
+    const std::lock_guard<std::mutex> hold(m_lock);
+    auto next = std::make_shared<Observers>(*m_observers);
     next->erase(std::remove_if(next->begin(), next->end(), [&](const auto& entry) { return entry.get() == observer; }),
                 next->end());
-    observers_ = next->empty() ? nullptr : std::move(next);
+    m_observers = next->empty() ? nullptr : std::move(next);
 }
 
 void HostValue::Notify(const Observers& observers) {

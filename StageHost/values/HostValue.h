@@ -34,9 +34,9 @@ public:
     /// The value as the contract shows it; lives as long as this object.
     virtual IData* Face() = 0;
 
-    const std::string& Name() const { return name_; }
-    std::uint32_t Type() const { return type_; }
-    std::uint32_t InstanceId() const { return instanceId_; }
+    const std::string& Name() const { return m_name; }
+    std::uint32_t Type() const { return m_type; }
+    std::uint32_t InstanceId() const { return m_instanceId; }
 
     /// Names and numbers the value; before it is shown to others.
     void SetIdentity(std::string name, std::uint32_t instanceId);
@@ -91,10 +91,10 @@ protected:
         Taken taken = Taken::No;
         std::shared_ptr<const Observers> observers;
         {
-            const std::lock_guard<std::mutex> hold(lock_);
+            const std::lock_guard<std::mutex> hold(m_lock);
             taken = change();
             if (taken == Taken::Changed) {
-                observers = observers_;
+                observers = m_observers;
                 TellSink();
             }
         }
@@ -103,7 +103,7 @@ protected:
         return taken != Taken::No;
     }
 
-    mutable std::mutex lock_; ///< guards the content, the limits, the properties, the sink and the list of observers
+    mutable std::mutex m_lock; ///< guards the content, the limits, the properties, the sink and the list of observers
 
 private:
     using Observer = std::function<void()>;
@@ -113,12 +113,12 @@ private:
     static void Notify(const Observers& observers);
     void Forget(const Observer* observer);
 
-    std::string name_;
-    const std::uint32_t type_;
-    std::uint32_t instanceId_;
-    std::map<std::string, std::string> properties_;
-    ChangeSink* sink_ = nullptr;                 ///< not owned
-    std::shared_ptr<const Observers> observers_; ///< null while there are none; replaced, never changed
+    std::string m_name;
+    const std::uint32_t m_type;
+    std::uint32_t m_instanceId;
+    std::map<std::string, std::string> m_properties;
+    ChangeSink* m_sink = nullptr;                 ///< not owned
+    std::shared_ptr<const Observers> m_observers; ///< null while there are none; replaced, never changed
 };
 
 } // namespace stagehost

@@ -13,17 +13,17 @@ IntegerValue::IntegerValue(const ValueSpec& spec)
 }
 
 std::int32_t IntegerValue::GetMaxValue() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return maximum_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_maximum;
 }
 
 std::int32_t IntegerValue::GetMinValue() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return minimum_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_minimum;
 }
 
 HostValue::Taken IntegerValue::WriteInt(std::int32_t value) {
-    return Assign(value_, std::clamp(value, minimum_, maximum_));
+    return Assign(m_value, std::clamp(value, m_minimum, m_maximum));
 }
 
 HostValue::Taken IntegerValue::WriteReal(double value) {
@@ -36,9 +36,9 @@ HostValue::Taken IntegerValue::WriteText(std::string_view text) {
 }
 
 void IntegerValue::ReadLimits(const ValueSpec& spec) {
-    minimum_ = RoundToInt(spec.minimum.value_or(std::numeric_limits<std::int32_t>::min()));
-    maximum_ = std::max(minimum_, RoundToInt(spec.maximum.value_or(std::numeric_limits<std::int32_t>::max())));
-    value_ = std::clamp(value_, minimum_, maximum_);
+    m_minimum = RoundToInt(spec.minimum.value_or(std::numeric_limits<std::int32_t>::min()));
+    m_maximum = std::max(m_minimum, RoundToInt(spec.maximum.value_or(std::numeric_limits<std::int32_t>::max())));
+    m_value = std::clamp(m_value, m_minimum, m_maximum);
 }
 
 } // namespace stagehost

@@ -16,18 +16,18 @@ public:
     std::int32_t GetMinValue() override;
 
 protected:
-    std::int32_t ReadInt() const override { return value_; }
-    double ReadReal() const override { return value_; }
-    std::string ReadText() const override { return std::to_string(value_); }
+    std::int32_t ReadInt() const override { return m_value; }
+    double ReadReal() const override { return m_value; }
+    std::string ReadText() const override { return std::to_string(m_value); }
     Taken WriteInt(std::int32_t value) override;
     Taken WriteReal(double value) override;
     Taken WriteText(std::string_view text) override;
     void ReadLimits(const ValueSpec& spec) override;
 
 private:
-    std::int32_t value_ = 0;
-    std::int32_t minimum_ = std::numeric_limits<std::int32_t>::min();
-    std::int32_t maximum_ = std::numeric_limits<std::int32_t>::max();
+    std::int32_t m_value = 0;
+    std::int32_t m_minimum = std::numeric_limits<std::int32_t>::min();
+    std::int32_t m_maximum = std::numeric_limits<std::int32_t>::max();
 };
 
 } // namespace stagehost

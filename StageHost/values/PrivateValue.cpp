@@ -8,7 +8,7 @@ PrivateValue::PrivateValue(const ValueSpec& spec)
 }
 
 HostValue::Taken PrivateValue::WriteText(std::string_view text) {
-    return Assign(text_, std::string(text));
+    return Assign(m_text, std::string(text));
 }
 
 } // namespace stagehost

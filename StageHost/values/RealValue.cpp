@@ -13,30 +13,30 @@ RealValue::RealValue(const ValueSpec& spec)
 }
 
 double RealValue::GetMaxValue() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return maximum_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_maximum;
 }
 
 double RealValue::GetMinValue() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return minimum_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_minimum;
 }
 
 std::int32_t RealValue::GetPrecision() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return precision_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_precision;
 }
 
 std::int32_t RealValue::ReadInt() const {
-    return RoundToInt(value_);
+    return RoundToInt(m_value);
 }
 
 std::string RealValue::ReadText() const {
-    return FormatReal(value_, precision_);
+    return FormatReal(m_value, m_precision);
 }
 
 HostValue::Taken RealValue::WriteReal(double value) {
-    return std::isfinite(value) ? Assign(value_, std::clamp(value, minimum_, maximum_)) : Taken::No;
+    return std::isfinite(value) ? Assign(m_value, std::clamp(value, m_minimum, m_maximum)) : Taken::No;
 }
 
 HostValue::Taken RealValue::WriteText(std::string_view text) {
@@ -45,10 +45,10 @@ HostValue::Taken RealValue::WriteText(std::string_view text) {
 }
 
 void RealValue::ReadLimits(const ValueSpec& spec) {
-    minimum_ = spec.minimum.value_or(std::numeric_limits<double>::lowest());
-    maximum_ = std::max(minimum_, spec.maximum.value_or(std::numeric_limits<double>::max()));
-    precision_ = std::clamp(spec.precision, 0, std::numeric_limits<double>::digits10);
-    value_ = std::clamp(value_, minimum_, maximum_);
+    m_minimum = spec.minimum.value_or(std::numeric_limits<double>::lowest());
+    m_maximum = std::max(m_minimum, spec.maximum.value_or(std::numeric_limits<double>::max()));
+    m_precision = std::clamp(spec.precision, 0, std::numeric_limits<double>::digits10);
+    m_value = std::clamp(m_value, m_minimum, m_maximum);
 }
 
 } // namespace stagehost

@@ -18,7 +18,7 @@ public:
 
 protected:
     std::int32_t ReadInt() const override;
-    double ReadReal() const override { return value_; }
+    double ReadReal() const override { return m_value; }
     std::string ReadText() const override;
     Taken WriteInt(std::int32_t value) override { return WriteReal(value); }
     Taken WriteReal(double value) override;
@@ -26,10 +26,10 @@ protected:
     void ReadLimits(const ValueSpec& spec) override;
 
 private:
-    double value_ = 0;
-    double minimum_ = std::numeric_limits<double>::lowest();
-    double maximum_ = std::numeric_limits<double>::max();
-    std::int32_t precision_ = 5;
+    double m_value = 0;
+    double m_minimum = std::numeric_limits<double>::lowest();
+    double m_maximum = std::numeric_limits<double>::max();
+    std::int32_t m_precision = 5;
 };
 
 } // namespace stagehost

@@ -14,8 +14,8 @@ StringValue::StringValue(const ValueSpec& spec)
 }
 
 std::int32_t StringValue::GetMaxLength() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return maxLength_;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_maxLength;
 }
 
 std::int32_t StringValue::ReadInt() const {
@@ -23,7 +23,7 @@ std::int32_t StringValue::ReadInt() const {
 }
 
 double StringValue::ReadReal() const {
-    return ParseNumber(text_).value_or(0);
+    return ParseNumber(m_text).value_or(0);
 }
 
 HostValue::Taken StringValue::WriteInt(std::int32_t value) {
@@ -35,12 +35,12 @@ HostValue::Taken StringValue::WriteReal(double value) {
 }
 
 HostValue::Taken StringValue::WriteText(std::string_view text) {
-    const auto length = maxLength_ < 0 ? text.size() : static_cast<std::size_t>(maxLength_);
-    return Assign(text_, std::string(text.substr(0, length)));
+    const auto length = m_maxLength < 0 ? text.size() : static_cast<std::size_t>(m_maxLength);
+    return Assign(m_text, std::string(text.substr(0, length)));
 }
 
 void StringValue::ReadLimits(const ValueSpec& spec) {
-    maxLength_ = spec.maxLength < 0 ? -1 : spec.maxLength;
+    m_maxLength = spec.maxLength < 0 ? -1 : spec.maxLength;
 }
 
 } // namespace stagehost

@@ -14,15 +14,15 @@ public:
 protected:
     std::int32_t ReadInt() const override;
     double ReadReal() const override;
-    std::string ReadText() const override { return text_; }
+    std::string ReadText() const override { return m_text; }
     Taken WriteInt(std::int32_t value) override;
     Taken WriteReal(double value) override;
     Taken WriteText(std::string_view text) override;
     void ReadLimits(const ValueSpec& spec) override;
 
 private:
-    std::string text_;
-    std::int32_t maxLength_ = -1;
+    std::string m_text;
+    std::int32_t m_maxLength = -1;
 };
 
 } // namespace stagehost

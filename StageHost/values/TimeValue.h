@@ -17,17 +17,17 @@ public:
     std::int32_t GetFrameCount() override { return Int(); }
 
 protected:
-    std::int32_t ReadInt() const override { return units_; }
+    std::int32_t ReadInt() const override { return m_units; }
     double ReadReal() const override;
     std::string ReadText() const override;
-    Taken WriteInt(std::int32_t value) override { return Assign(units_, value); }
+    Taken WriteInt(std::int32_t value) override { return Assign(m_units, value); }
     Taken WriteReal(double value) override;
     Taken WriteText(std::string_view text) override;
     void ReadLimits(const ValueSpec& spec) override;
 
 private:
-    std::int32_t units_ = 0;
-    std::int32_t timeCodeType_ = 4;
+    std::int32_t m_units = 0;
+    std::int32_t m_timeCodeType = 4;
 };
 
 } // namespace stagehost

@@ -7,7 +7,7 @@ namespace stagehost {
 
 VariableManager::VariableManager(HostFaces& faces, ChangeSink* sink)
     : HostFace(faces)
-    , sink_(sink) {
+    , m_sink(sink) {
     OfferAs("IVariableManager");
 }
 
@@ -23,35 +23,35 @@ IData* VariableManager::FindVariable(const char* name) {
 }
 
 bool VariableManager::Add(const std::shared_ptr<HostValue>& variable) {
-    const std::lock_guard<std::shared_mutex> hold(lock_);
-    if (variable->Name().empty() || variables_.count(variable->Name()) != 0)
+    const std::lock_guard<std::shared_mutex> hold(m_lock);
+    if (variable->Name().empty() || m_variables.count(variable->Name()) != 0)
         return false;
     variable->SetIdentity(variable->Name(), NumberFor(*variable));
-    variables_.emplace(variable->Name(), variable);
-    variable->TellChangesTo(sink_);
+    m_variables.emplace(variable->Name(), variable);
+    variable->TellChangesTo(m_sink);
     return true;
 }
 
 void VariableManager::Remove(const std::string& name) {
-    const std::lock_guard<std::shared_mutex> hold(lock_);
-    const auto found = variables_.find(name);
-    if (found == variables_.end())
+    const std::lock_guard<std::shared_mutex> hold(m_lock);
+    const auto found = m_variables.find(name);
+    if (found == m_variables.end())
         return;
     found->second->TellChangesTo(nullptr);
-    variables_.erase(found);
+    m_variables.erase(found);
 }
 
 std::shared_ptr<HostValue> VariableManager::Find(const std::string& name) const {
-    const std::shared_lock<std::shared_mutex> hold(lock_);
-    const auto found = variables_.find(name);
-    return found == variables_.end() ? nullptr : found->second;
+    const std::shared_lock<std::shared_mutex> hold(m_lock);
+    const auto found = m_variables.find(name);
+    return found == m_variables.end() ? nullptr : found->second;
 }
 
 std::vector<std::shared_ptr<HostValue>> VariableManager::All() const {
     std::vector<std::shared_ptr<HostValue>> all;
     {
-        const std::shared_lock<std::shared_mutex> hold(lock_);
-        for (const auto& entry : variables_)
+        const std::shared_lock<std::shared_mutex> hold(m_lock);
+        for (const auto& entry : m_variables)
             all.push_back(entry.second);
     }
     std::sort(all.begin(), all.end(), [](const auto& left, const auto& right) { return left->Name() < right->Name(); });
@@ -59,12 +59,12 @@ std::vector<std::shared_ptr<HostValue>> VariableManager::All() const {
 }
 
 std::uint32_t VariableManager::NumberFor(const HostValue& variable) {
-    if (variable.InstanceId() != 0 && numbers_.insert(variable.InstanceId()).second)
+    if (variable.InstanceId() != 0 && m_numbers.insert(variable.InstanceId()).second)
         return variable.InstanceId();
     do
-        ++lastNumber_;
-    while (lastNumber_ == 0 || !numbers_.insert(lastNumber_).second);
-    return lastNumber_;
+        ++m_lastNumber;
+    while (m_lastNumber == 0 || !m_numbers.insert(m_lastNumber).second);
+    return m_lastNumber;
 }
 
 } // namespace stagehost

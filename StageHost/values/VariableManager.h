@@ -43,11 +43,11 @@ public:
 private:
     std::uint32_t NumberFor(const HostValue& variable);
 
-    ChangeSink* const sink_;
-    mutable std::shared_mutex lock_;            ///< guards the fields below
-    std::unordered_set<std::uint32_t> numbers_; ///< every number given so far: none is given twice
-    std::uint32_t lastNumber_ = 0;
-    std::unordered_map<std::string, std::shared_ptr<HostValue>> variables_;
+    ChangeSink* const m_sink;
+    mutable std::shared_mutex m_lock;            ///< guards the fields below
+    std::unordered_set<std::uint32_t> m_numbers; ///< every number given so far: none is given twice
+    std::uint32_t m_lastNumber = 0;
+    std::unordered_map<std::string, std::shared_ptr<HostValue>> m_variables;
 };
 
 } // namespace stagehost

@@ -1,14 +1,14 @@
-#include <QApplication>
-#include <QKeyEvent>
-#include <QScrollBar>
-#include <QTextBlock>
-
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
 #include <chrono>
 #include <ctime>
 #include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QTextBlock>
 
 #include "CodeEditor.h"
 #include "Highlighter.h"

@@ -19,102 +19,102 @@ QByteArray RandomDigits() {
 Connection::Connection(QTcpSocket* socket, Projector& projector, const Options& options,
                        std::function<void(const QByteArray&)> trace, QObject* parent)
     : QObject(parent)
-    , socket_(socket)
-    , projector_(projector)
-    , options_(options)
-    , trace_(std::move(trace)) {
-    socket_->setParent(this);
-    socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    pace_.setSingleShot(true);
-    idle_.setSingleShot(true);
-    idle_.setInterval(options_.idle);
-    connect(socket_, &QTcpSocket::readyRead, this, &Connection::Read);
-    connect(socket_, &QTcpSocket::disconnected, this, &QObject::deleteLater);
-    connect(&pace_, &QTimer::timeout, this, &Connection::SendNext);
-    connect(&idle_, &QTimer::timeout, this, &Connection::Close);
+    , m_socket(socket)
+    , m_projector(projector)
+    , m_options(options)
+    , m_trace(std::move(trace)) {
+    m_socket->setParent(this);
+    m_socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    m_pace.setSingleShot(true);
+    m_idle.setSingleShot(true);
+    m_idle.setInterval(m_options.idle);
+    connect(m_socket, &QTcpSocket::readyRead, this, &Connection::Read);
+    connect(m_socket, &QTcpSocket::disconnected, this, &QObject::deleteLater);
+    connect(&m_pace, &QTimer::timeout, this, &Connection::SendNext);
+    connect(&m_idle, &QTimer::timeout, this, &Connection::Close);
     Greet();
 }
 
 void Connection::Greet() {
-    idle_.start();
-    if (options_.password.isEmpty()) {
+    m_idle.start();
+    if (m_options.password.isEmpty()) {
         Queue("PJLINK 0\r");
         return;
     }
     const QByteArray random = RandomDigits();
-    digest_ = Digest(random, options_.password);
+    m_digest = Digest(random, m_options.password);
     Queue("PJLINK 1 " + random + '\r');
 }
 
 void Connection::Read() {
-    idle_.start();
-    received_ += socket_->readAll();
-    for (int end = received_.indexOf('\r'); end >= 0; end = received_.indexOf('\r')) {
-        const QByteArray line = received_.left(end);
-        received_.remove(0, end + 1);
+    m_idle.start();
+    m_received += m_socket->readAll();
+    for (int end = m_received.indexOf('\r'); end >= 0; end = m_received.indexOf('\r')) {
+        const QByteArray line = m_received.left(end);
+        m_received.remove(0, end + 1);
         Take(line);
     }
-    if (received_.size() > digest_.size() + kLongestLine)
+    if (m_received.size() > m_digest.size() + kLongestLine)
         Close();
 }
 
 void Connection::Take(QByteArray line) {
-    if (socket_->state() != QAbstractSocket::ConnectedState)
+    if (m_socket->state() != QAbstractSocket::ConnectedState)
         return;
-    trace_(line);
+    m_trace(line);
     if (!MayPass(line)) {
         Queue("PJLINK ERRA\r");
         Close();
         return;
     }
-    const QByteArray answer = Answer(projector_, line);
+    const QByteArray answer = Answer(m_projector, line);
     if (answer.isEmpty())
         return;
     Queue(answer);
-    if (++answered_ == options_.dropAfter)
+    if (++m_answered == m_options.dropAfter)
         Close();
 }
 
 /// The first command carries the digest; those behind it need none.
 bool Connection::MayPass(QByteArray& line) {
-    if (digest_.isEmpty())
+    if (m_digest.isEmpty())
         return true;
-    if (!line.startsWith(digest_))
+    if (!line.startsWith(m_digest))
         return false;
-    line.remove(0, digest_.size());
-    digest_.clear();
+    line.remove(0, m_digest.size());
+    m_digest.clear();
     return true;
 }
 
 void Connection::Queue(const QByteArray& answer) {
-    if (options_.split) {
+    if (m_options.split) {
         for (const char byte : answer)
-            waiting_.enqueue(QByteArray(1, byte));
+            m_waiting.enqueue(QByteArray(1, byte));
     } else {
-        waiting_.enqueue(answer);
+        m_waiting.enqueue(answer);
     }
-    if (!pace_.isActive())
-        options_.slow > 0 ? SendAfter(options_.slow) : SendNext();
+    if (!m_pace.isActive())
+        m_options.slow > 0 ? SendAfter(m_options.slow) : SendNext();
 }
 
 void Connection::SendNext() {
-    if (waiting_.isEmpty())
+    if (m_waiting.isEmpty())
         return;
-    socket_->write(waiting_.dequeue());
-    socket_->flush();
-    if (!waiting_.isEmpty())
-        SendAfter(options_.split ? kBetweenBytes : options_.slow);
+    m_socket->write(m_waiting.dequeue());
+    m_socket->flush();
+    if (!m_waiting.isEmpty())
+        SendAfter(m_options.split ? kBetweenBytes : m_options.slow);
 }
 
 void Connection::SendAfter(int milliseconds) {
-    pace_.start(milliseconds);
+    m_pace.start(milliseconds);
 }
 
 /// Sends what waits, at once, and then closes.
 void Connection::Close() {
-    while (!waiting_.isEmpty())
-        socket_->write(waiting_.dequeue());
-    socket_->disconnectFromHost();
+    while (!m_waiting.isEmpty())
+        m_socket->write(m_waiting.dequeue());
+    m_socket->disconnectFromHost();
 }
 
 } // namespace projector

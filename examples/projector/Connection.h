@@ -1,11 +1,11 @@
 #pragma once
 
+#include <functional>
+
 #include <QObject>
 #include <QQueue>
 #include <QTcpSocket>
 #include <QTimer>
-
-#include <functional>
 
 #include "Options.h"
 
@@ -34,16 +34,16 @@ private:
     void SendAfter(int milliseconds);
     void Close();
 
-    QTcpSocket* socket_;
-    Projector& projector_;
-    const Options& options_;
-    const std::function<void(const QByteArray&)> trace_;
-    QByteArray received_; ///< what has come since the last CR
-    QByteArray digest_;   ///< asked for before the first command; empty when none is
-    QQueue<QByteArray> waiting_;
-    QTimer pace_; ///< runs while something waits to be sent
-    QTimer idle_; ///< ends a connection that says nothing
-    int answered_ = 0;
+    QTcpSocket* m_socket;
+    Projector& m_projector;
+    const Options& m_options;
+    const std::function<void(const QByteArray&)> m_trace;
+    QByteArray m_received; ///< what has come since the last CR
+    QByteArray m_digest;   ///< asked for before the first command; empty when none is
+    QQueue<QByteArray> m_waiting;
+    QTimer m_pace; ///< runs while something waits to be sent
+    QTimer m_idle; ///< ends a connection that says nothing
+    int m_answered = 0;
 };
 
 } // namespace projector

@@ -9,50 +9,50 @@ constexpr qint64 kHour = 3600 * 1000; // ms
 } // namespace
 
 Projector::Projector(Description description)
-    : description_(std::move(description))
-    , input_(description_.inputs.value(0)) {
-    passage_.setSingleShot(true);
-    passage_.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&passage_, &QTimer::timeout, [this] { Arrive(target_); });
+    : m_description(std::move(description))
+    , m_input(m_description.inputs.value(0)) {
+    m_passage.setSingleShot(true);
+    m_passage.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&m_passage, &QTimer::timeout, [this] { Arrive(m_target); });
 }
 
 bool Projector::TurnOn() {
-    if (power_ == Power::Cooling)
+    if (m_power == Power::Cooling)
         return false;
-    if (power_ == Power::Off)
-        Begin(Power::WarmingUp, Power::On, description_.warmUp);
+    if (m_power == Power::Off)
+        Begin(Power::WarmingUp, Power::On, m_description.warmUp);
     return true;
 }
 
 bool Projector::TurnOff() {
-    if (power_ == Power::WarmingUp)
+    if (m_power == Power::WarmingUp)
         return false;
-    if (power_ == Power::On)
-        Begin(Power::Cooling, Power::Off, description_.coolDown);
+    if (m_power == Power::On)
+        Begin(Power::Cooling, Power::Off, m_description.coolDown);
     return true;
 }
 
 void Projector::Begin(Power passing, Power target, int milliseconds) {
     if (passing == Power::WarmingUp) {
-        lit_.start();
+        m_lit.start();
     } else {
-        litBefore_ += lit_.elapsed();
-        lit_.invalidate();
+        m_litBefore += m_lit.elapsed();
+        m_lit.invalidate();
     }
-    power_ = passing;
-    target_ = target;
-    passage_.start(milliseconds);
+    m_power = passing;
+    m_target = target;
+    m_passage.start(milliseconds);
 }
 
 void Projector::Arrive(Power target) {
-    power_ = target;
+    m_power = target;
     if (target == Power::Off)
-        pictureMuted_ = soundMuted_ = false;
+        m_pictureMuted = m_soundMuted = false;
 }
 
 int Projector::LampHours(int lamp) const {
-    const qint64 lit = litBefore_ + (lit_.isValid() ? lit_.elapsed() : 0);
-    return description_.lampHours.at(lamp) + static_cast<int>(lit / kHour);
+    const qint64 lit = m_litBefore + (m_lit.isValid() ? m_lit.elapsed() : 0);
+    return m_description.lampHours.at(lamp) + static_cast<int>(lit / kHour);
 }
 
 } // namespace projector

@@ -30,22 +30,22 @@ class Projector {
 public:
     explicit Projector(Description description);
 
-    const Description& About() const { return description_; }
-    Power GetPower() const { return power_; }
+    const Description& About() const { return m_description; }
+    Power GetPower() const { return m_power; }
 
     /// Warms up, or does nothing when it is on or warming up. @return false while it cools.
     bool TurnOn();
     /// Cools down, or does nothing when it is off or cooling. @return false while it warms up.
     bool TurnOff();
 
-    QString Input() const { return input_; }
-    bool HasInput(const QString& input) const { return description_.inputs.contains(input); }
-    void SelectInput(const QString& input) { input_ = input; }
+    QString Input() const { return m_input; }
+    bool HasInput(const QString& input) const { return m_description.inputs.contains(input); }
+    void SelectInput(const QString& input) { m_input = input; }
 
-    bool PictureMuted() const { return pictureMuted_; }
-    bool SoundMuted() const { return soundMuted_; }
-    void MutePicture(bool mute) { pictureMuted_ = mute; }
-    void MuteSound(bool mute) { soundMuted_ = mute; }
+    bool PictureMuted() const { return m_pictureMuted; }
+    bool SoundMuted() const { return m_soundMuted; }
+    void MutePicture(bool mute) { m_pictureMuted = mute; }
+    void MuteSound(bool mute) { m_soundMuted = mute; }
 
     /// Whole hours of one lamp, those of this run included.
     int LampHours(int lamp) const;
@@ -54,15 +54,15 @@ private:
     void Begin(Power passing, Power target, int milliseconds);
     void Arrive(Power target);
 
-    const Description description_;
-    Power power_ = Power::Off;
-    QString input_;
-    bool pictureMuted_ = false;
-    bool soundMuted_ = false;
-    QTimer passage_; ///< runs while it warms up or cools
-    Power target_ = Power::Off;
-    QElapsedTimer lit_;    ///< since the lamps were lit; only valid while they are
-    qint64 litBefore_ = 0; ///< ms of earlier times in this run
+    const Description m_description;
+    Power m_power = Power::Off;
+    QString m_input;
+    bool m_pictureMuted = false;
+    bool m_soundMuted = false;
+    QTimer m_passage; ///< runs while it warms up or cools
+    Power m_target = Power::Off;
+    QElapsedTimer m_lit;    ///< since the lamps were lit; only valid while they are
+    qint64 m_litBefore = 0; ///< ms of earlier times in this run
 };
 
 } // namespace projector

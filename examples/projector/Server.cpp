@@ -5,19 +5,19 @@
 namespace projector {
 
 Server::Server(Options options)
-    : options_(std::move(options))
-    , projector_(options_.description) {
-    connect(&listener_, &QTcpServer::newConnection, this, &Server::Welcome);
+    : m_options(std::move(options))
+    , m_projector(m_options.description) {
+    connect(&m_listener, &QTcpServer::newConnection, this, &Server::Welcome);
 }
 
 bool Server::Listen() {
-    return listener_.listen(QHostAddress::LocalHost, options_.port);
+    return m_listener.listen(QHostAddress::LocalHost, m_options.port);
 }
 
 void Server::Welcome() {
-    while (QTcpSocket* socket = listener_.nextPendingConnection())
+    while (QTcpSocket* socket = m_listener.nextPendingConnection())
         new Connection(
-            socket, projector_, options_, [this](const QByteArray& line) { trace_(line); }, this);
+            socket, m_projector, m_options, [this](const QByteArray& line) { m_trace(line); }, this);
 }
 
 } // namespace projector

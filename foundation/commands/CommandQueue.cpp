@@ -7,7 +7,7 @@ std::unique_ptr<MCommandObject> CommandQueue::Append(std::unique_ptr<MCommandObj
     std::unique_ptr<MCommandObject> dropped(m_count > maxQueued ? Unlink() : nullptr);
     MCommandObject* newest = command.release();
     newest->m_nextQueued = nullptr;
-    (m_tail ? m_tail->m_nextQueued : m_head) = newest;
+    (m_tail != nullptr ? m_tail->m_nextQueued : m_head) = newest;
     m_tail = newest;
     ++m_count;
     return dropped;
@@ -15,13 +15,13 @@ std::unique_ptr<MCommandObject> CommandQueue::Append(std::unique_ptr<MCommandObj
 
 std::unique_ptr<MCommandObject> CommandQueue::TakeOldest() {
     const std::lock_guard<std::mutex> guard(m_mutex);
-    return std::unique_ptr<MCommandObject>(m_head ? Unlink() : nullptr);
+    return std::unique_ptr<MCommandObject>(m_head != nullptr ? Unlink() : nullptr);
 }
 
 MCommandObject* CommandQueue::Unlink() {
     MCommandObject* oldest = m_head;
     m_head = std::exchange(oldest->m_nextQueued, nullptr);
-    if (!m_head)
+    if (m_head == nullptr)
         m_tail = nullptr;
     --m_count;
     return oldest;
@@ -35,7 +35,7 @@ void CommandQueue::Clear() {
         m_tail = nullptr;
         m_count = 0;
     }
-    while (command) {
+    while (command != nullptr) {
         const std::unique_ptr<MCommandObject> gone(command);
         command = gone->m_nextQueued;
     }

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "MCommandObject.h"
-
 #include <cstdint>
 #include <memory>
 #include <mutex>
 
+#include "MCommandObject.h"
+
 /// First in, first out. The commands are linked through themselves, so that appending never allocates and cannot fail.
 /// - Commands leave in the order in which Append returned.
-/// - A command that has been appended leaves exactly once: by TakeOldest, as the dropped one of an Append, or by Clear.
-/// [thread: any]
+/// - A command that has been appended leaves exactly once: by TakeOldest,
+///   as the dropped one of an Append, or by Clear.   [thread: any]
 class CommandQueue {
 public:
     CommandQueue() = default;

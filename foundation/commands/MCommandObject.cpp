@@ -18,7 +18,7 @@ std::int32_t RoundedUp(std::int32_t count) {
 MCommandObject::MCommandObject(void* owner, std::int32_t id, std::int32_t subId, ICommandObjectHandler* handler,
                                void* userData) {
     Reset(owner, id, subId, nullptr, kDefaultCapacity, handler, userData);
-    if (m_handler)
+    if (m_handler != nullptr)
         m_handler->OnCommandCreated(m_userData);
 }
 
@@ -27,7 +27,7 @@ MCommandObject::MCommandObject(const MCommandObject& other) {
 }
 
 MCommandObject::~MCommandObject() {
-    if (m_handler)
+    if (m_handler != nullptr)
         m_handler->OnCommandDestroyed(m_userData);
 }
 
@@ -61,7 +61,7 @@ void MCommandObject::Reset(void* owner, std::int32_t id, std::int32_t subId, con
     m_owner = owner;
     m_id = id;
     m_subId = subId;
-    m_name = name ? std::string(name) : std::string(); // a copy first: name may be this command's own
+    m_name = name != nullptr ? std::string(name) : std::string(); // a copy first: name may be this command's own
     m_handler = handler;
     m_userData = userData;
     m_timeoutMs = 0;
@@ -89,7 +89,7 @@ std::int32_t MCommandObject::AddParamCopy(const MCommandObjectParam* param) {
 }
 
 std::int32_t MCommandObject::AddParam(MCommandObjectParam* param) {
-    if (!param)
+    if (param == nullptr)
         return -1;
     std::unique_ptr<MCommandObjectParam> owned(param);
     ReserveParams(GetParamCount() + 2);
@@ -102,7 +102,7 @@ MCommandObjectParam* MCommandObject::GetParam(std::int32_t index) const {
 }
 
 void MCommandObject::SetName(const char* name) {
-    m_name = name ? std::string(name) : std::string();
+    m_name = name != nullptr ? std::string(name) : std::string();
 }
 const char* MCommandObject::GetName() const {
     return m_name.c_str();
@@ -167,30 +167,30 @@ std::int32_t MCommandObject::AddBYTEParam(std::uint8_t value, const char* name) 
 
 std::int32_t MCommandObject::GetParamType(std::int32_t index) const {
     const MCommandObjectParam* param = GetParam(index);
-    return param ? param->GetType() : static_cast<std::int32_t>(ParamType::None);
+    return param != nullptr ? param->GetType() : static_cast<std::int32_t>(ParamType::None);
 }
 
 void* MCommandObject::GetParamData(std::int32_t index) const {
     const MCommandObjectParam* param = GetParam(index);
-    return param ? param->GetData() : nullptr;
+    return param != nullptr ? param->GetData() : nullptr;
 }
 
 std::uint32_t MCommandObject::GetParamSize(std::int32_t index) const {
     const MCommandObjectParam* param = GetParam(index);
-    return param ? param->GetSize() : 0;
+    return param != nullptr ? param->GetSize() : 0;
 }
 
 void* MCommandObject::GetParamRaw(std::int32_t index, std::uint32_t* outSize, std::int32_t* outType) const {
-    if (outSize)
+    if (outSize != nullptr)
         *outSize = GetParamSize(index);
-    if (outType)
+    if (outType != nullptr)
         *outType = GetParamType(index);
     return GetParamData(index);
 }
 
 const MCommandObjectParam* MCommandObject::Typed(std::int32_t index, ParamType type) const {
     const MCommandObjectParam* param = GetParam(index);
-    return param && param->GetType() == static_cast<std::int32_t>(type) ? param : nullptr;
+    return param != nullptr && param->GetType() == static_cast<std::int32_t>(type) ? param : nullptr;
 }
 
 template <class Param>
@@ -233,7 +233,7 @@ void* MCommandObject::GetVoidParam(std::int32_t index, std::uint32_t* outSize) c
 
 void* MCommandObject::Pointer(std::int32_t index, ParamType type, std::uint32_t* outSize) const {
     const MCommandObjectParam* param = Typed(index, type);
-    if (outSize)
-        *outSize = param ? param->GetSize() : 0;
-    return param ? param->GetData() : nullptr;
+    if (outSize != nullptr)
+        *outSize = param != nullptr ? param->GetSize() : 0;
+    return param != nullptr ? param->GetData() : nullptr;
 }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "ICommandObjectHandler.h"
-#include "MCommandObjectParam.h"
-
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "ICommandObjectHandler.h"
+#include "MCommandObjectParam.h"
 
 /// One unit of work of a command thread: a number, parameters, and a tie to whoever asked for it. What the number means
 /// is the business of whoever executes it.
@@ -25,8 +25,8 @@ public:
     /// A copy as operator= makes it: no handler, no user data, no time-out of its own.
     MCommandObject(const MCommandObject& other);
 
-    /// Room for count parameters, in steps of eight; nothing when there is that much already. Adding makes room by
-    /// itself.
+    /// Room for count parameters, in steps of eight; nothing when
+    /// there is that much already. Adding makes room by itself.
     virtual void ReserveParams(std::int32_t count);
 
     /// Sets everything anew, without parameters and with time-out and retries 0. Calls no handler.

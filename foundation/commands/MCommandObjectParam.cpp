@@ -12,7 +12,7 @@ void MCommandObjectParam::CopyHook(const MCommandObjectParam& /*other*/) {}
 MCommandObjectParamBase::MCommandObjectParamBase(ParamType type, std::uint32_t size, const char* name)
     : m_type(type)
     , m_size(size) {
-    if (name)
+    if (name != nullptr)
         m_name = name;
 }
 
@@ -42,9 +42,9 @@ MCommandObjectCharBufferParam& MCommandObjectCharBufferParam::operator=(const MC
 }
 
 void MCommandObjectCharBufferParam::Store(const char* text) {
-    const std::size_t size = text ? std::strlen(text) + 1 : 0;
-    m_text.reset(text ? new char[size] : nullptr);
-    if (text)
+    const std::size_t size = text != nullptr ? std::strlen(text) + 1 : 0;
+    m_text.reset(text != nullptr ? new char[size] : nullptr);
+    if (text != nullptr)
         std::memcpy(m_text.get(), text, size);
     SetData(m_text.get());
     SetSize(static_cast<std::uint32_t>(size));
@@ -58,7 +58,7 @@ MCommandObjectBYTEBufferParam::MCommandObjectBYTEBufferParam(const void* data, s
 MCommandObjectBYTEBufferParam::MCommandObjectBYTEBufferParam(const MCommandObjectBYTEBufferParam& other)
     : MCommandObjectParamBase(ParamType::ByteBuffer, other.GetSize(), other.GetName()) {
     const unsigned char* bytes = other.m_bytes.get();
-    const auto* end = bytes ? std::find(bytes, bytes + other.GetSize(), 0) : bytes;
+    const auto* end = bytes != nullptr ? std::find(bytes, bytes + other.GetSize(), 0) : bytes;
     Store(bytes, static_cast<std::uint32_t>(end - bytes), other.GetSize());
 }
 
@@ -71,11 +71,11 @@ MCommandObjectBYTEBufferParam& MCommandObjectBYTEBufferParam::operator=(const MC
 }
 
 void MCommandObjectBYTEBufferParam::Store(const void* data, std::uint32_t copied, std::uint32_t size) {
-    m_bytes.reset(data ? new unsigned char[std::max<std::size_t>(size, 1)]() : nullptr);
-    if (data && copied > 0)
+    m_bytes.reset(data != nullptr ? new unsigned char[std::max<std::size_t>(size, 1)]() : nullptr);
+    if (data != nullptr && copied > 0)
         std::memcpy(m_bytes.get(), data, copied);
     SetData(m_bytes.get());
-    SetSize(data ? size : 0);
+    SetSize(data != nullptr ? size : 0);
 }
 
 MCommandObjectVoidParam::MCommandObjectVoidParam(void* pointer, std::uint32_t size, const char* name)
@@ -115,7 +115,7 @@ static_assert(kClones.size() == static_cast<std::size_t>(ParamType::Void));
 } // namespace
 
 std::unique_ptr<MCommandObjectParam> CloneParam(const MCommandObjectParam* param) {
-    if (!param || param->GetType() < 1 || param->GetType() > static_cast<std::int32_t>(kClones.size()))
+    if (param == nullptr || param->GetType() < 1 || param->GetType() > static_cast<std::int32_t>(kClones.size()))
         return nullptr;
     return kClones[static_cast<std::size_t>(param->GetType()) - 1](*param);
 }

@@ -105,9 +105,9 @@ private:
 
 /// Raw bytes, copied. Without data the size is 0.
 ///
-/// A copy-constructed parameter has the bytes up to the first zero byte alone, with zero bytes behind them up to the
-/// same size; assignment copies every byte. Command scripts depend on neither, so the difference stands as it always
-/// was.
+/// A copy-constructed parameter has the bytes up to the first zero byte alone,
+/// with zero bytes behind them up to the same size; assignment copies every byte.
+/// Command scripts depend on neither, so the difference stands as it always was.
 class MCommandObjectBYTEBufferParam : public MCommandObjectParamBase {
 public:
     MCommandObjectBYTEBufferParam(const void* data, std::uint32_t size, const char* name = nullptr);

@@ -24,11 +24,11 @@ std::unique_lock<MLock> MIObjectMap::Guard() const {
 }
 
 bool MIObjectMap::Add(IMapObject* object) {
-    if (!object)
+    if (object == nullptr)
         return false;
     const auto guard = Guard();
     const std::uint32_t key = KeyOf(object);
-    if (Find(key))
+    if (Find(key) != nullptr)
         return false;
     m_table[BucketOf(key)].push_back(object);
     ++m_count;
@@ -38,7 +38,7 @@ bool MIObjectMap::Add(IMapObject* object) {
 IMapObject* MIObjectMap::Remove(std::uint32_t key) {
     const auto guard = Guard();
     IMapObject* object = Find(key);
-    if (!object)
+    if (object == nullptr)
         return nullptr;
     const auto entry = m_table.find(BucketOf(key));
     Bucket& bucket = entry->second;
@@ -87,7 +87,7 @@ std::uint32_t MIObjectMap::HashKey(std::uint32_t key) const {
 }
 
 std::uint32_t MIObjectMap::KeyOf(const IMapObject* object) const {
-    return object ? object->GetId() : 0;
+    return object != nullptr ? object->GetId() : 0;
 }
 
 IMapObject* MIObjectMap::Iterator::Next() {

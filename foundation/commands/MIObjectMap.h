@@ -1,12 +1,12 @@
 #pragma once
 
-#include "IMapObject.h"
-#include "MLock.h"
-
 #include <cstdint>
 #include <map>
 #include <mutex>
 #include <vector>
+
+#include "IMapObject.h"
+#include "MLock.h"
 
 /// A hash map from a 32-bit key to a counted object. It holds plain pointers and leaves the counts alone: whoever adds
 /// an object sees to it that it lives while it is in the map. The destructor leaves the objects alone too.
@@ -46,9 +46,9 @@ public:
 
     std::uint32_t GetBucketCount() const { return m_buckets; }
 
-    /// Walks the objects bucket by bucket, from the first, and within a bucket from the oldest on. The map may change
-    /// during the walk: what is added or removed behind the iterator's place is or is not seen, nothing else goes
-    /// wrong.
+    /// Walks the objects bucket by bucket, from the first, and within a bucket from
+    /// the oldest on. The map may change during the walk: what is added or removed
+    /// behind the iterator's place is or is not seen, nothing else goes wrong.
     class Iterator {
     public:
         explicit Iterator(const MIObjectMap& map)

@@ -23,8 +23,8 @@ void MyCommandManager::WakeCommandThread() {
     m_wakeEvent.Set();
 }
 
-// Cleared before the queue is looked at: a post in between leaves the event set, and at worst the thread wakes for
-// nothing.
+// Cleared before the queue is looked at: a post in between leaves
+// the event set, and at worst the thread wakes for nothing.
 std::int32_t MyCommandManager::TakeNextCommand() {
     const std::lock_guard<MLock> guard(m_lock);
     m_wakeEvent.Reset();
@@ -62,7 +62,7 @@ std::int32_t MyCommandManager::FinishCurrentCommand(MCommandObject* keep) {
         m_startTimeMs = 0;
         finished = std::move(m_current);
     }
-    if (keep)
+    if (keep != nullptr)
         static_cast<void>(finished.release());
     finished.reset();
     if (!m_queue.IsEmpty())
@@ -79,7 +79,7 @@ std::int32_t MyCommandManager::HoldCurrentCommand() {
 }
 
 std::int32_t MyCommandManager::PostCommand(MCommandObject* command) {
-    if (!command)
+    if (command == nullptr)
         return kCommandNull;
     ApplyDefaultTimeout(*command);
     if (m_directExecute && TryExecuteDirectly(command))
@@ -90,7 +90,7 @@ std::int32_t MyCommandManager::PostCommand(MCommandObject* command) {
 }
 
 std::int32_t MyCommandManager::PostCommandNow(MCommandObject* command) {
-    if (!command)
+    if (command == nullptr)
         return kCommandNull;
     ApplyDefaultTimeout(*command);
     return TryExecuteDirectly(command) ? kCommandRan : kCommandBusy;
@@ -112,13 +112,13 @@ bool MyCommandManager::CheckCommandTimeout(MCommandObject** outCurrent) {
     std::unique_lock<MLock> lock(m_lock, std::try_to_lock);
     if (!lock)
         return false;
-    if (outCurrent)
+    if (outCurrent != nullptr)
         *outCurrent = m_current.get();
     if (!m_current)
         return false;
     const std::uint32_t timeoutMs = m_current->GetTimeout();
     const bool expired = m_startTimeMs != 0 && timeoutMs != 0 && m_clock() - m_startTimeMs >= timeoutMs;
-    if (expired && outCurrent)
+    if (expired && outCurrent != nullptr)
         static_cast<void>(lock.release()); // the caller holds it now
     return expired;
 }
@@ -138,7 +138,7 @@ std::int32_t MyCommandManager::GetMaxQueued() const {
 MCommandObject* MyCommandManager::LockCurrentCommand() {
     m_lock.Enter();
     MCommandObject* current = m_current.get();
-    if (!current)
+    if (current == nullptr)
         m_lock.Leave();
     return current;
 }

@@ -1,15 +1,15 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
 #include "Clock.h"
 #include "CommandQueue.h"
 #include "MCommandObject.h"
 #include "MEvent.h"
 #include "MLock.h"
-
-#include <atomic>
-#include <cstdint>
-#include <functional>
-#include <memory>
 
 /// The results of MyCommandManager.
 enum CommandCode : std::int32_t {
@@ -27,9 +27,8 @@ enum CommandCode : std::int32_t {
 /// executes, the tick thread that runs the watchdog, and whoever clears at the end.
 ///
 /// - Commands become current in the order in which they were posted.
-/// - Every command that a post took over is destroyed exactly once: finished, dropped, cleared, or kept by the caller
-/// of
-///   FinishCurrentCommand.
+/// - Every command that a post took over is destroyed exactly once: finished, dropped,
+///   cleared, or kept by the caller of FinishCurrentCommand.
 /// - A posted command wakes the command thread; so does finishing one while others wait.
 ///
 /// Lock order: the manager's lock before the queue's. The manager's lock is recursive, since ExecuteCommand, which runs
@@ -76,17 +75,17 @@ public:
     virtual std::int32_t HoldCurrentCommand();
 
     /// Takes over a command. One without a time-out gets the default.
-    /// @return kCommandQueued, kCommandQueuedDropping, kCommandRan (direct execution alone) or kCommandNull.   [thread:
-    /// any]
+    /// @return kCommandQueued, kCommandQueuedDropping, kCommandRan
+    /// (direct execution alone) or kCommandNull.   [thread: any]
     virtual std::int32_t PostCommand(MCommandObject* command);
 
-    /// Takes over a command and executes it on this thread when nothing is queued, nothing is current and the lock is
-    /// free.
+    /// Takes over a command and executes it on this thread when
+    /// nothing is queued, nothing is current and the lock is free.
     /// @return kCommandRan; or kCommandBusy or kCommandNull, the command then still being the caller's.   [thread: any]
     virtual std::int32_t PostCommandNow(MCommandObject* command);
 
-    /// The watchdog. Tells the current command, or null, where the caller asks for it (unchanged while the lock is
-    /// taken).
+    /// The watchdog. Tells the current command, or null, where the
+    /// caller asks for it (unchanged while the lock is taken).
     /// @return true when the current command has outlived its time-out. If the caller asked for the command, the lock
     /// is then held, and the caller must call UnlockCurrentCommand.   [thread: tick]
     virtual bool CheckCommandTimeout(MCommandObject** outCurrent);
@@ -100,8 +99,8 @@ public:
 
     virtual ~MyCommandManager();
 
-    /// Enters the lock. @return the current command, with the lock held until UnlockCurrentCommand; or null, without
-    /// it.
+    /// Enters the lock. @return the current command, with the
+    /// lock held until UnlockCurrentCommand; or null, without it.
     MCommandObject* LockCurrentCommand();
     void UnlockCurrentCommand();
 

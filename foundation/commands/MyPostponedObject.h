@@ -1,11 +1,11 @@
 #pragma once
 
+#include <cstdint>
+#include <memory>
+
 #include "IMapObject.h"
 #include "InterlockedCounter.h"
 #include "MCommandObject.h"
-
-#include <cstdint>
-#include <memory>
 
 /// Keeps a command alive after its execution, until its answer is known. Destroying the object destroys the command,
 /// which ends the request behind it.   [thread: any; the command itself only by whoever answers]
@@ -20,8 +20,8 @@ public:
     std::int32_t AddRef() override;
     std::int32_t Release() override;
 
-    /// Unique in the process until the counter has gone through all 2^32 - 1 values. Never 0, which means "not
-    /// postponed".
+    /// Unique in the process until the counter has gone through
+    /// all 2^32 - 1 values. Never 0, which means "not postponed".
     std::uint32_t GetId() const override { return m_id; }
 
     MCommandObject* GetCommand() const { return m_command.get(); }

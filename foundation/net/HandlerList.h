@@ -1,13 +1,13 @@
 #pragma once
 
-#include "MLockedList.h"
-
 #include <cstddef>
 #include <mutex>
 
-/// Who is told of a socket's events. Each handler is in it once, borrowed until Remove. The lock is held while handlers are called, and is
-/// recursive: a handler may add and remove handlers, itself among them, and Remove on another thread waits for the end of
-/// the call that runs.   [thread: any]
+#include "MLockedList.h"
+
+/// Who is told of a socket's events. Each handler is in it once, borrowed until Remove. The lock is held while handlers
+/// are called, and is recursive: a handler may add and remove handlers, itself among them, and Remove on another thread
+/// waits for the end of the call that runs.   [thread: any]
 template <class Handler>
 class HandlerList {
 public:

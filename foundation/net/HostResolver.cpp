@@ -1,11 +1,11 @@
 #include "HostResolver.h"
 
+#include <atomic>
+
 #include "HostLookup.h"
 #include "MEvent.h"
 #include "SocketAddress.h"
 #include "SystemThread.h"
-
-#include <atomic>
 
 /// Shared by the caller and the thread that looks up; the first who has an outcome settles it.
 struct HostResolver::Question {

@@ -48,9 +48,9 @@ MTCPClientSocket::ConnectionPtr MTCPClientSocket::StandingConnection() const {
 void MTCPClientSocket::SetAddress(const char* host) {
     {
         const std::lock_guard<std::mutex> guard(m_state);
-        if (m_host == (host ? host : ""))
+        if (m_host == (host != nullptr ? host : ""))
             return;
-        m_host = host ? host : "";
+        m_host = host != nullptr ? host : "";
     }
     Reconnect();
 }
@@ -80,7 +80,9 @@ std::int32_t MTCPClientSocket::SetNoDelay(bool on) {
     const ConnectionPtr connection = CurrentConnection();
     if (!connection)
         return NetNotCreated;
-    return connection->socket.SetOption(SocketOption::NoDelay, on) == SocketError::None ? NetSuccess : NetNoDelayFailed;
+    return connection->socket.SetOption(SocketOption::NoDelay, static_cast<std::int32_t>(on)) == SocketError::None
+               ? NetSuccess
+               : NetNoDelayFailed;
 }
 
 bool MTCPClientSocket::GetNoDelay() {
@@ -130,7 +132,7 @@ bool MTCPClientSocket::IsConnected() {
 }
 
 std::int32_t MTCPClientSocket::Send(const char* data, std::int32_t length) {
-    if (!data || length < 0)
+    if (data == nullptr || length < 0)
         return NetBadParameter;
     if (!IsLibraryStarted())
         return NetStartup;

@@ -1,5 +1,13 @@
 #pragma once
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
 #include "HandlerList.h"
 #include "HostResolver.h"
 #include "ITCPClientSocketHandler.h"
@@ -9,33 +17,26 @@
 #include "SendQueue.h"
 #include "SocketWait.h"
 
-#include <atomic>
-#include <cstddef>
-#include <cstdint>
-#include <memory>
-#include <mutex>
-#include <string>
-#include <thread>
-
-/// A TCP client with a thread of its own, which connects, receives and tells handlers. AddHandler, SetPort, SetAddress, then Connect
-/// or ConnectAsync, Send as needed, Disconnect. States: idle (no socket), connecting, connected, lost (the peer closed; the
-/// thread lives and may connect again). docs/sockets.md has the states, threads and locks.
+/// A TCP client with a thread of its own, which connects, receives and tells handlers. AddHandler, SetPort, SetAddress,
+/// then Connect or ConnectAsync, Send as needed, Disconnect. States: idle (no socket), connecting, connected, lost (the
+/// peer closed; the thread lives and may connect again). docs/sockets.md has the states, threads and locks.
 ///
-/// Operations give codes of NetCodes.h and may be called on any thread, from handlers too, where nothing else is said. A
-/// connect in progress never makes another operation wait. The destructor stops with notification; it is not to be called from a
-/// handler.   [thread: any]
+/// Operations give codes of NetCodes.h and may be called on any thread, from handlers too, where nothing else is said.
+/// A connect in progress never makes another operation wait. The destructor stops with notification; it is not to be
+/// called from a handler.   [thread: any]
 class MTCPClientSocket : public MWSAData, protected MThread {
 public:
     MTCPClientSocket();
     ~MTCPClientSocket() override;
 
-    /// Adds a handler unless it is there, borrowed until RemoveHandler. RemoveHandler waits for the end of a call that runs on
-    /// another thread: the handler may be destroyed afterwards.
+    /// Adds a handler unless it is there, borrowed until RemoveHandler. RemoveHandler waits for the end of a call that
+    /// runs on another thread: the handler may be destroyed afterwards.
     virtual void AddHandler(ITCPClientSocketHandler* handler);
     virtual void RemoveHandler(ITCPClientSocketHandler* handler);
 
-    /// A host name or dotted address, null as empty, and the peer's port. Where the value changes while a connection stands, that
-    /// one is closed and a new one opened before the operation returns, both with notification on the caller's thread.
+    /// A host name or dotted address, null as empty, and the peer's port. Where the
+    /// value changes while a connection stands, that one is closed and a new one opened
+    /// before the operation returns, both with notification on the caller's thread.
     virtual void SetAddress(const char* host);
     virtual std::string GetAddress();
     virtual void SetPort(std::int32_t port);
@@ -45,7 +46,8 @@ public:
     virtual std::int32_t SetNoDelay(bool on);
     virtual bool GetNoDelay();
 
-    /// Whether a connection that failed or was lost is tried again, at most every 2000 ms, once Connect or ConnectAsync was called.
+    /// Whether a connection that failed or was lost is tried again, at
+    /// most every 2000 ms, once Connect or ConnectAsync was called.
     virtual void SetAutoReconnect(bool on);
     virtual bool GetAutoReconnect();
 
@@ -57,31 +59,34 @@ public:
     virtual std::int32_t GetSocketBufferSize();
     virtual void SetSocketBufferSize(std::int32_t bytes);
 
-    /// Connects on the caller's thread, without telling handlers. Waits as long as the system tries; Disconnect on another
-    /// thread ends the wait. @return 0, -3 unknown host, -6 vetoed or unreachable, -11, -26 while another connect runs,
-    /// -31 ended by Disconnect, or the code of the failure.
+    /// Connects on the caller's thread, without telling handlers. Waits as long as the system tries; Disconnect on
+    /// another thread ends the wait. @return 0, -3 unknown host, -6 vetoed or unreachable, -11, -26 while another
+    /// connect runs, -31 ended by Disconnect, or the code of the failure.
     virtual std::int32_t Connect();
 
-    /// Has the socket's thread connect once, as soon as 2000 ms have passed since its last attempt; handlers hear the result, but for
-    /// a host name that has no address. @return 0, -26 while a connect runs on another thread, -7 or -14 without a thread.
+    /// Has the socket's thread connect once, as soon as 2000 ms have passed since its last attempt; handlers hear the
+    /// result, but for a host name that has no address. @return 0, -26 while a connect runs on another thread, -7 or
+    /// -14 without a thread.
     virtual std::int32_t ConnectAsync();
 
-    /// Closes without notification and joins the thread (from a handler: lets it end). What waits in Connect or Send is freed. The
-    /// next connect need not wait for the 2000 ms.
+    /// Closes without notification and joins the thread (from a handler: lets it end). What waits in Connect or Send is
+    /// freed. The next connect need not wait for the 2000 ms.
     virtual void Disconnect();
 
-    /// Takes over a connection that was accepted elsewhere, after Start() of the library; the thread is StartThread()'s matter. The
-    /// address serves where the system does not tell the peer's. @return 0, -7 not started, -20 no socket, -23,
-    /// -26 while a connect runs.
+    /// Takes over a connection that was accepted elsewhere, after Start() of the library; the thread is StartThread()'s
+    /// matter. The address serves where the system does not tell the peer's. @return 0, -7 not started, -20 no socket,
+    /// -23, -26 while a connect runs.
     virtual std::int32_t Attach(SystemSocket socket, const SocketAddress& peer);
 
-    /// Sends all bytes. Waits for the peer where need be, except on the socket's own thread, which leaves up to 16 MB behind to be sent
-    /// later. @return 0, also when the connection broke while it waited; -7, -8 for null, -9, -10 failed at once.
+    /// Sends all bytes. Waits for the peer where need be, except on the socket's own thread, which leaves up to 16 MB
+    /// behind to be sent later. @return 0, also when the connection broke while it waited; -7, -8 for null, -9, -10
+    /// failed at once.
     virtual std::int32_t Send(const char* data, std::int32_t length);
 
     virtual bool IsConnected();
 
-    /// Whether the system looks after a silent peer: after timeMs, then every intervalMs, both in whole seconds, rounded up.
+    /// Whether the system looks after a silent peer: after timeMs,
+    /// then every intervalMs, both in whole seconds, rounded up.
     /// @return 0, -20 when it is only noted for the next socket, -8 out of range, or the code of the failure.
     virtual std::int32_t SetKeepAlive(bool on, std::uint32_t timeMs, std::uint32_t intervalMs);
 

@@ -27,7 +27,7 @@ void MUDPSocket::RemoveHandler(IUDPSocketHandler* handler) {
 
 void MUDPSocket::SetAddress(const char* address) {
     const std::lock_guard<std::mutex> guard(m_state);
-    m_address = address ? address : "";
+    m_address = address != nullptr ? address : "";
 }
 
 std::string MUDPSocket::GetAddress() {
@@ -99,7 +99,7 @@ std::int32_t MUDPSocket::Bind(bool useAddressList, const char* const* addressLis
     const SocketPtr socket = MakeSocket(code);
     if (!socket)
         return code;
-    const bool useList = useAddressList && addressList && addressCount > 0;
+    const bool useList = useAddressList && addressList != nullptr && addressCount > 0;
     code = BindSocket(*socket, useList, addressList, addressCount);
     if (code == NetSuccess)
         code = JoinGroup(*socket, useList, addressList, addressCount);
@@ -123,13 +123,14 @@ std::int32_t MUDPSocket::BindSocket(SystemSocket& socket, bool useList, const ch
     SocketAddress bound;
     if (m_port == 0 && socket.GetLocalAddress(bound) == SocketError::None)
         m_port = NetworkPort(bound.port);
-    socket.SetOption(SocketOption::MulticastLoop, m_multicastLoopback);
+    socket.SetOption(SocketOption::MulticastLoop, static_cast<std::int32_t>(m_multicastLoopback));
     return NetSuccess;
 }
 
-// A null entry stands for the machine's own name; without a name for the loopback address, whose trailing blank does not count.
+// A null entry stands for the machine's own name; without a name
+// for the loopback address, whose trailing blank does not count.
 bool MUDPSocket::FindBindAddress(const char* text, std::uint32_t& address) {
-    if (text)
+    if (text != nullptr)
         return ParseDottedAddress(text, address);
     const std::string name = GetHostName();
     if (name.empty())

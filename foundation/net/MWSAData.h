@@ -1,14 +1,14 @@
 #pragma once
 
-#include "NetCodes.h"
-
 #include <atomic>
 #include <cstdint>
 #include <memory>
 #include <string>
 
-/// What the socket library tells of itself. On this platform sockets are part of the system: there is nothing to load, and
-/// starting cannot fail.
+#include "NetCodes.h"
+
+/// What the socket library tells of itself. On this platform sockets are part of the system: there is nothing to load,
+/// and starting cannot fail.
 struct SocketLibrary {
     std::uint16_t version; ///< the major number in the low byte
     std::string description;
@@ -28,8 +28,8 @@ public:
     /// The machine's name; empty when the system does not tell.   [thread: the owner's]
     virtual std::string GetHostName();
 
-    /// The dotted text of the first address of the machine's name; empty when it has none. May block as long as the system's
-    /// resolver does.   [thread: the owner's]
+    /// The dotted text of the first address of the machine's name; empty when it has none. May block as long as the
+    /// system's resolver does.   [thread: the owner's]
     virtual std::string GetHostIP();
 
     /// The library's version, the major number times 100 plus the minor number.   [thread: any]

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "SocketError.h"
-
 #include <cstdint>
+
+#include "SocketError.h"
 
 /// The codes of the socket layer, as handlers and scripts get them. NetErrorText has their texts.
 enum NetCode : std::int32_t {
@@ -43,7 +43,8 @@ enum NetCode : std::int32_t {
 /// The text of a code, word for word as users know it. Static; never null.   [thread: any]
 const char* NetErrorText(std::int32_t code);
 
-/// Which of the four families an operation belongs to: each gives some errors codes of its own, and NetUnknown to the others.
+/// Which of the four families an operation belongs to: each gives
+/// some errors codes of its own, and NetUnknown to the others.
 enum class NetOperation {
     General,   ///< connects, and what handlers hear of
     Bind,      ///< binding a datagram socket

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "SystemSocket.h"
-
 #include <atomic>
 #include <cstddef>
 #include <mutex>
 #include <vector>
+
+#include "SystemSocket.h"
 
 /// The outgoing side of one connection.
 /// - The bytes of one call stay together and calls of one thread keep their order.

@@ -1,7 +1,7 @@
 #include "MTCPClientSocket.h"
 
-// Connecting and closing. Lock order: m_connectLock, then the handlers' lock, then m_state. Handlers may call anything here, so
-// whatever they can reach only tries m_connectLock.
+// Connecting and closing. Lock order: m_connectLock, then the handlers' lock, then m_state. Handlers may call anything
+// here, so whatever they can reach only tries m_connectLock.
 
 // Takes what the thread needs before it runs. A thread that is winding down counts as one that runs.
 std::int32_t MTCPClientSocket::StartAll() {
@@ -32,8 +32,8 @@ std::int32_t MTCPClientSocket::Connect() {
     return RunConnect(false);
 }
 
-// Without the lock: it is held while the end of the last connection is told, which is just when owners ask for the next one, and the
-// thread's own try at it must not meet us.
+// Without the lock: it is held while the end of the last connection is told, which is just when owners ask for the next
+// one, and the thread's own try at it must not meet us.
 std::int32_t MTCPClientSocket::ConnectAsync() {
     if (m_connecting)
         return NetConnecting;
@@ -61,8 +61,8 @@ void MTCPClientSocket::Reconnect() {
     RunConnect(true);
 }
 
-// For those who have just closed the socket: that ends a connect which holds the lock, and its handlers' calls end, so there is
-// nothing long to wait for. The socket's own thread may come from a handler and only tries.
+// For those who have just closed the socket: that ends a connect which holds the lock, and its handlers' calls end, so
+// there is nothing long to wait for. The socket's own thread may come from a handler and only tries.
 std::unique_lock<MLock> MTCPClientSocket::EnterConnectLock() {
     if (OnOwnThread())
         return std::unique_lock<MLock>(m_connectLock, std::try_to_lock);
@@ -122,8 +122,8 @@ std::int32_t MTCPClientSocket::MakeSocket(std::uint32_t cancelCount) {
     return prepared;
 }
 
-// The local address and port are the system's choice at the connect: bound before, they would stay with the socket, and a port that
-// happens to be the peer's would never connect.
+// The local address and port are the system's choice at the connect: bound before, they would stay with the socket, and
+// a port that happens to be the peer's would never connect.
 std::int32_t MTCPClientSocket::PrepareSocket(SystemSocket& socket) {
     const auto refuses = [&](SocketOption option, std::int32_t value) {
         return socket.SetOption(option, value) != SocketError::None;

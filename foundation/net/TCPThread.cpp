@@ -1,9 +1,10 @@
+#include <algorithm>
+
 #include "Clock.h"
 #include "MTCPClientSocket.h"
 
-#include <algorithm>
-
-// The body of the socket's thread. It waits in WaitForSocket, which m_wake ends, and after a failure in BackOff, which a stop ends.
+// The body of the socket's thread. It waits in WaitForSocket, which m_wake ends, and after a failure in BackOff, which
+// a stop ends.
 
 namespace {
 
@@ -61,8 +62,8 @@ void MTCPClientSocket::Serve(const ConnectionPtr& connection) {
     }
 }
 
-// False when the connection is over. What came before the end is delivered first. Mostly the buffer has room for all that is there, and
-// one call of the system takes it.
+// False when the connection is over. What came before the end is delivered first. Mostly the buffer has room for all
+// that is there, and one call of the system takes it.
 bool MTCPClientSocket::ReadSome(const ConnectionPtr& connection) {
     SocketTransfer received = connection->socket.Receive(m_receiveBuffer.get(), m_receiveBufferSize);
     std::size_t filled = received.bytes;

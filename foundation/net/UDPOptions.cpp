@@ -1,9 +1,9 @@
-#include "HostLookup.h"
-#include "MUDPSocket.h"
-
 #include <algorithm>
 #include <string_view>
 #include <vector>
+
+#include "HostLookup.h"
+#include "MUDPSocket.h"
 
 // Sending, and the options that make the socket when they need it.
 
@@ -13,10 +13,10 @@ std::int32_t MUDPSocket::SendTo(const char* data, std::int32_t length, const cha
     const SocketPtr socket = MakeSocket(code);
     if (!socket)
         return code;
-    if (length < 0 || (!data && length > 0))
+    if (length < 0 || (data == nullptr && length > 0))
         return NetSendDatagramFailed;
     SocketAddress to{kBroadcastAddress, NetworkPort(port)};
-    if (!address || std::string_view(address) == "255.255.255.255")
+    if (address == nullptr || std::string_view(address) == "255.255.255.255")
         AllowBroadcast(*socket);
     else if (m_resolver.Resolve(address, cancelCount, to.address) != HostResolver::Outcome::Found)
         return NetBadAddress;
@@ -37,12 +37,12 @@ std::int32_t MUDPSocket::SetMulticastScope(std::int32_t timeToLive) {
 }
 
 std::int32_t MUDPSocket::SetMulticastLoopbackOption(bool on) {
-    return SetOption(SocketOption::MulticastLoop, on);
+    return SetOption(SocketOption::MulticastLoop, static_cast<std::int32_t>(on));
 }
 
 std::int32_t MUDPSocket::SetMulticastInterface(const char* address) {
     std::uint32_t value = 0;
-    if (address && !ParseDottedAddress(address, value))
+    if (address != nullptr && !ParseDottedAddress(address, value))
         value = kBroadcastAddress; // which no interface has
     return SetOption(SocketOption::MulticastInterface, static_cast<std::int32_t>(value));
 }

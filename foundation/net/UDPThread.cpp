@@ -1,8 +1,9 @@
-#include "MUDPSocket.h"
-
 #include <algorithm>
 
-// The body of the socket's thread. It waits in WaitForSocket, which m_wake ends, and after a failure for a moment, which a stop ends.
+#include "MUDPSocket.h"
+
+// The body of the socket's thread. It waits in WaitForSocket, which m_wake ends, and after a failure for a moment,
+// which a stop ends.
 
 std::uint32_t MUDPSocket::Run() {
     const SocketPtr socket = CurrentSocket();

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "SystemSocket.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+
+#include "SystemSocket.h"
 
 /// One datagram of a burst. The bytes belong to the reader and last until its next Receive.
 struct Datagram {

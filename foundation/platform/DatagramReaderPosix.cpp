@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+
 #include <netinet/in.h>
 #include <sys/socket.h>
 

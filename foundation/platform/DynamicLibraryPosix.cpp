@@ -1,7 +1,8 @@
 #include "DynamicLibrary.h"
 
-#include <dlfcn.h>
 #include <utility>
+
+#include <dlfcn.h>
 
 DynamicLibrary::~DynamicLibrary() {
     Close();
@@ -28,20 +29,20 @@ bool DynamicLibrary::Open(const std::string& pathOrName) {
         return false;
     }
     m_handle = dlopen(pathOrName.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (!m_handle) {
+    if (m_handle == nullptr) {
         const char* reason = dlerror();
-        m_error = reason ? reason : "unknown error";
+        m_error = reason != nullptr ? reason : "unknown error";
     }
     return m_handle != nullptr;
 }
 
 void DynamicLibrary::Close() {
-    if (m_handle)
+    if (m_handle != nullptr)
         dlclose(std::exchange(m_handle, nullptr));
 }
 
 void* DynamicLibrary::Find(const char* symbol) const {
-    return m_handle && symbol ? dlsym(m_handle, symbol) : nullptr;
+    return m_handle != nullptr && symbol != nullptr ? dlsym(m_handle, symbol) : nullptr;
 }
 
 std::string DynamicLibrary::FileName(const std::string& name) {

@@ -1,8 +1,9 @@
 #include "HostLookup.h"
 
 #include <array>
-#include <ifaddrs.h>
 #include <memory>
+
+#include <ifaddrs.h>
 #include <net/if.h>
 #include <netdb.h>
 #include <netinet/in.h>
@@ -31,8 +32,8 @@ bool InterfaceAddresses(std::vector<std::uint32_t>& addresses) {
     if (getifaddrs(&first) != 0)
         return false;
     const std::unique_ptr<ifaddrs, void (*)(ifaddrs*)> entries(first, &freeifaddrs);
-    for (const ifaddrs* entry = first; entry; entry = entry->ifa_next) {
-        if (entry->ifa_addr && entry->ifa_addr->sa_family == AF_INET && (entry->ifa_flags & IFF_UP) != 0)
+    for (const ifaddrs* entry = first; entry != nullptr; entry = entry->ifa_next) {
+        if (entry->ifa_addr != nullptr && entry->ifa_addr->sa_family == AF_INET && (entry->ifa_flags & IFF_UP) != 0)
             addresses.push_back(reinterpret_cast<const sockaddr_in*>(entry->ifa_addr)->sin_addr.s_addr);
     }
     return true;

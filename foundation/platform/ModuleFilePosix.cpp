@@ -1,9 +1,10 @@
 #include "ModuleFile.h"
 
 #include <cstdlib>
+#include <memory>
+
 #include <dlfcn.h>
 #include <link.h>
-#include <memory>
 
 namespace {
 
@@ -17,10 +18,10 @@ std::string ResolvedPath(const char* path) {
 std::string ModuleFileOf(const void* address) {
     Dl_info info{};
     void* loaded = nullptr;
-    if (!address || !dladdr1(address, &info, &loaded, RTLD_DL_LINKMAP) || !loaded)
+    if (address == nullptr || !dladdr1(address, &info, &loaded, RTLD_DL_LINKMAP) || loaded == nullptr)
         return {};
     const char* name = static_cast<const link_map*>(loaded)->l_name;
-    if (!name || !*name) // the loader gives the program itself an empty name
+    if (name == nullptr || !*name) // the loader gives the program itself an empty name
         return ExecutableFile();
     const std::string resolved = ResolvedPath(name);
     return resolved.empty() ? std::string(name) : resolved; // the file may have been moved since it was loaded

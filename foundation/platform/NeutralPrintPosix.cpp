@@ -1,6 +1,7 @@
 #include "NeutralPrint.h"
 
 #include <cstdio>
+
 #include <locale.h>
 
 namespace {
@@ -9,9 +10,9 @@ namespace {
 class NeutralLocale {
 public:
     NeutralLocale()
-        : m_before(Neutral() ? uselocale(Neutral()) : nullptr) {}
+        : m_before(Neutral() != nullptr ? uselocale(Neutral()) : nullptr) {}
     ~NeutralLocale() {
-        if (m_before)
+        if (m_before != nullptr)
             uselocale(m_before);
     }
     NeutralLocale(const NeutralLocale&) = delete;

@@ -1,9 +1,10 @@
 #include "SocketAddress.h"
 
-#include <arpa/inet.h>
 #include <array>
-#include <netinet/in.h>
 #include <string_view>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
 
 std::uint16_t NetworkPort(std::uint16_t port) {
     return htons(port);
@@ -11,7 +12,7 @@ std::uint16_t NetworkPort(std::uint16_t port) {
 
 // The system's reader lets anything follow a blank; here only blanks may.
 bool ParseDottedAddress(const char* text, std::uint32_t& address) {
-    if (!text)
+    if (text == nullptr)
         return false;
     const std::string_view whole(text);
     const std::size_t end = whole.find_last_not_of(' ') + 1; // 0 when there is nothing but blanks

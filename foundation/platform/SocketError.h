@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// Why the system refused a socket operation. The values are the numbers of Winsock 2 (WSAECONNREFUSED is 10061), which is
-/// the vocabulary of the layer above and of the texts that users know; the system's own numbers end here.
+/// Why the system refused a socket operation. The values are the numbers of Winsock 2 (WSAECONNREFUSED is 10061), which
+/// is the vocabulary of the layer above and of the texts that users know; the system's own numbers end here.
 enum class SocketError : std::int32_t {
     None = 0,
     IoPending = 997, ///< under way; ask for the result later

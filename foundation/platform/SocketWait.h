@@ -1,12 +1,12 @@
 #pragma once
 
-#include "SystemSocket.h"
-
 #include <atomic>
 #include <cstdint>
 
-/// Wakes the one thread that waits on sockets. A Set before the wait ends the wait at once: it is never lost. Several Sets
-/// before the thread looks are one.
+#include "SystemSocket.h"
+
+/// Wakes the one thread that waits on sockets. A Set before the wait ends the wait at once: it is never lost. Several
+/// Sets before the thread looks are one.
 class SocketWake {
 public:
     SocketWake() = default;
@@ -39,10 +39,11 @@ struct SocketReadiness {
     bool failed = false;
 };
 
-/// Waits until a socket can be read (or written, with forWriting too) or the wake is set, at most timeoutMs, kInfinite for
-/// ever. A null socket waits for the wake alone. Nothing ready, woken or failed: the time is over.   [thread: the one that waits]
+/// Waits until a socket can be read (or written, with forWriting too) or the wake is set, at most timeoutMs, kInfinite
+/// for ever. A null socket waits for the wake alone. Nothing ready, woken or failed: the time is over.   [thread: the
+/// one that waits]
 SocketReadiness WaitForSocket(const SystemSocket* socket, bool forWriting, SocketWake& wake, std::uint32_t timeoutMs);
 
-/// Waits without limit until a socket can be written, a connect on it has ended, or it was shut down. Any number of threads may
-/// wait. @return false when the system cannot wait on it.   [thread: any]
+/// Waits without limit until a socket can be written, a connect on it has ended, or it was shut down. Any number of
+/// threads may wait. @return false when the system cannot wait on it.   [thread: any]
 bool WaitUntilWritable(const SystemSocket& socket);

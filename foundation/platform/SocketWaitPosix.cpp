@@ -1,15 +1,16 @@
 #include "SocketWait.h"
 
-#include "SystemThread.h"
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <climits>
+
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
+
+#include "SystemThread.h"
 
 namespace {
 
@@ -63,9 +64,9 @@ void SocketWake::Reset() {
 SocketReadiness WaitForSocket(const SystemSocket* socket, bool forWriting, SocketWake& wake, std::uint32_t timeoutMs) {
     const auto events = static_cast<short>(forWriting ? POLLIN | POLLOUT : POLLIN);
     std::array<pollfd, 2> entries = {Entry(wake.GetHandle(), POLLIN),
-                                     Entry(socket ? socket->GetHandle() : kNoSocket, events)};
+                                     Entry(socket != nullptr ? socket->GetHandle() : kNoSocket, events)};
     SocketReadiness readiness;
-    if (socket && !socket->IsOpen())
+    if (socket != nullptr && !socket->IsOpen())
         return {false, false, false, true};
     readiness.failed = Poll(entries.data(), entries.size(), timeoutMs) < 0 || (entries[1].revents & POLLNVAL) != 0;
     readiness.woken = entries[0].revents != 0;

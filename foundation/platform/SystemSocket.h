@@ -1,17 +1,17 @@
 #pragma once
 
-#include "SocketAddress.h"
-#include "SocketError.h"
-
 #include <cstddef>
 #include <cstdint>
+
+#include "SocketAddress.h"
+#include "SocketError.h"
 
 /// The system's number for a socket.
 using SocketHandle = std::intptr_t;
 inline constexpr SocketHandle kNoSocket = -1;
 
-/// Options that hold one number. Those of multicast and unicast interfaces take an address in network byte order and an
-/// interface's index.
+/// Options that hold one number. Those of multicast and unicast interfaces
+/// take an address in network byte order and an interface's index.
 enum class SocketOption {
     NoDelay,
     SendBuffer,    ///< bytes
@@ -46,8 +46,8 @@ public:
     SystemSocket(const SystemSocket&) = delete;
     SystemSocket& operator=(const SystemSocket&) = delete;
 
-    /// Makes a socket for streams or for datagrams in place of the one held before. Of multicasts it gets those of the groups that
-    /// it has joined itself.
+    /// Makes a socket for streams or for datagrams in place of the one held before. Of multicasts it gets those of the
+    /// groups that it has joined itself.
     SocketError OpenStream();
     SocketError OpenDatagram();
 
@@ -56,8 +56,8 @@ public:
 
     SocketError SetOption(SocketOption option, std::int32_t value);
 
-    /// Asks the peer for signs of life after timeMs without traffic, then every intervalMs. The system counts in seconds:
-    /// both are rounded up, and are at most 32767 seconds.
+    /// Asks the peer for signs of life after timeMs without traffic, then every intervalMs. The system counts in
+    /// seconds: both are rounded up, and are at most 32767 seconds.
     SocketError SetKeepAlive(bool on, std::uint32_t timeMs, std::uint32_t intervalMs);
 
     /// Joins a multicast group on the interface with an address, 0 for the default one.
@@ -70,14 +70,16 @@ public:
     /// Begins to connect. @return None when the connection stands already, IoPending while it is under way.
     SocketError Connect(const SocketAddress& address);
 
-    /// The result of a connect that was under way, once the socket is ready for writing; IoPending when it still is. After a
-    /// failure the socket can connect again. A socket that met itself, as can happen with a free local port, was refused.
+    /// The result of a connect that was under way, once the socket is ready for writing;
+    /// IoPending when it still is. After a failure the socket can connect again. A
+    /// socket that met itself, as can happen with a free local port, was refused.
     SocketError FinishConnect(const SocketAddress& address);
 
     /// The bytes that can be received at once.
     SocketError GetPendingCount(std::uint32_t& count) const;
 
-    /// Receives up to size bytes. 0 bytes without error: the peer has closed its side. WouldBlock when nothing is there.
+    /// Receives up to size bytes. 0 bytes without error: the peer
+    /// has closed its side. WouldBlock when nothing is there.
     SocketTransfer Receive(char* buffer, std::size_t size);
 
     /// Sends what the socket's buffer takes, possibly less than size. WouldBlock when it takes nothing.
@@ -92,8 +94,8 @@ public:
     /// Tells the peer that nothing more comes.
     SocketError ShutDownSending();
 
-    /// Ends both directions: what was sent still arrives, then the peer sees the end. Ends a connect that is under way, and
-    /// wakes everybody who waits on the socket.
+    /// Ends both directions: what was sent still arrives, then the peer sees the end. Ends a connect that is under way,
+    /// and wakes everybody who waits on the socket.
     void ShutDown();
 
 private:

@@ -4,12 +4,13 @@
 #include <array>
 #include <cerrno>
 #include <limits>
+#include <utility>
+
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
-#include <utility>
 
 namespace {
 
@@ -105,7 +106,8 @@ SocketError SystemSocket::OpenStream() {
     return Open(SOCK_STREAM);
 }
 
-// This system hands a datagram socket what comes for every group that anybody on the machine has joined, unless it is told not to.
+// This system hands a datagram socket what comes for every group that anybody on the machine has joined, unless it is
+// told not to.
 SocketError SystemSocket::OpenDatagram() {
     const SocketError error = Open(SOCK_DGRAM);
     return error == SocketError::None ? Set(m_handle, IPPROTO_IP, IP_MULTICAST_ALL, int{0}) : error;
@@ -132,7 +134,7 @@ SocketError SystemSocket::SetOption(SocketOption option, std::int32_t value) {
 }
 
 SocketError SystemSocket::SetKeepAlive(bool on, std::uint32_t timeMs, std::uint32_t intervalMs) {
-    SocketError error = Set(m_handle, SOL_SOCKET, SO_KEEPALIVE, int{on});
+    SocketError error = Set(m_handle, SOL_SOCKET, SO_KEEPALIVE, int{static_cast<int>(on)});
     if (on && error == SocketError::None)
         error = Set(m_handle, IPPROTO_TCP, TCP_KEEPIDLE, WholeSeconds(timeMs));
     if (on && error == SocketError::None)

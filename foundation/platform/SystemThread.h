@@ -11,8 +11,9 @@ enum class ThreadPriority { Idle, Lowest, BelowNormal, Normal, AboveNormal, High
 /// A time-out that never comes.
 inline constexpr std::uint32_t kInfinite = 0xFFFFFFFF;
 
-/// The least stack, in bytes, that a thread with a stack size of its own gets: threads here run script engines and
-/// parse documents, and the system takes the thread-local data of every loaded library from it. Unused stack costs no memory.
+/// The least stack, in bytes, that a thread with a stack size of its own gets:
+/// threads here run script engines and parse documents, and the system takes the
+/// thread-local data of every loaded library from it. Unused stack costs no memory.
 inline constexpr std::size_t kLeastStackSize = std::size_t{2} << 20;
 
 /// A handle to one thread of the system. Copies are handles to the same thread, which may be used on different threads
@@ -32,10 +33,10 @@ public:
     /// True for a handle that has a thread, running or ended.
     explicit operator bool() const { return m_run != nullptr; }
 
-    /// Waits until the thread is gone, with its thread-local data, or timeoutMs have passed. Any number of threads may
-    /// wait.
-    /// @return true when it is gone or there never was one; false after the time-out, and at once for the thread
-    /// itself.
+    /// Waits until the thread is gone, with its thread-local data,
+    /// or timeoutMs have passed. Any number of threads may wait.
+    /// @return true when it is gone or there never was one; false
+    /// after the time-out, and at once for the thread itself.
     bool Join(std::uint32_t timeoutMs = kInfinite) const;
 
     /// What the body returned; 0 before its end.

@@ -6,11 +6,12 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <utility>
+
 #include <pthread.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <utility>
 
 namespace {
 
@@ -78,7 +79,7 @@ struct SystemThread::Run {
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
 
-    bool IsCurrent() const { return created && !ended && pthread_equal(thread, pthread_self()); }
+    bool IsCurrent() const { return created && !ended && (pthread_equal(thread, pthread_self()) != 0); }
     void Execute();
     static void* Main(void* argument);
 };

@@ -1,13 +1,14 @@
 #include "WaitAddress.h"
 
-#include "SystemThread.h"
-
 #include <cerrno>
 #include <climits>
 #include <ctime>
+
 #include <linux/futex.h>
 #include <sys/syscall.h>
 #include <unistd.h>
+
+#include "SystemThread.h"
 
 static_assert(sizeof(std::atomic<std::uint32_t>) == sizeof(std::uint32_t), "the system waits on the plain word");
 static_assert(std::atomic<std::uint32_t>::is_always_lock_free);

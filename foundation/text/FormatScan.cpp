@@ -186,7 +186,7 @@ void Scanner::ConsumeInteger(std::int32_t modifiers) {
 
 std::int64_t Scanner::ConsumeText(bool wide) {
     const void* text = m_arguments.Take<const void*>();
-    if (!text || !m_measureTexts)
+    if (text == nullptr || !m_measureTexts)
         return 1;
     const std::size_t length =
         wide ? std::wcslen(static_cast<const wchar_t*>(text)) : std::strlen(static_cast<const char*>(text));

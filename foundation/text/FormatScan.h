@@ -18,6 +18,6 @@ struct FormatScan {
 
 enum class TextArguments { Measure, Skip };
 
-/// Walks a format along with its arguments, which stay as they are for the caller. With Skip the texts of "%s" are not looked at (and count
-/// as null), so that a text limited by its precision alone need not be terminated.
+/// Walks a format along with its arguments, which stay as they are for the caller. With Skip the texts of "%s" are not
+/// looked at (and count as null), so that a text limited by its precision alone need not be terminated.
 FormatScan ScanFormat(const char* format, va_list arguments, TextArguments texts);

@@ -1,7 +1,5 @@
 #include "MString.h"
 
-#include "NumberText.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -10,21 +8,23 @@
 #include <string>
 #include <utility>
 
+#include "NumberText.h"
+
 namespace {
 
 constexpr std::int64_t kMostBytes = std::numeric_limits<std::int32_t>::max();
 
 std::string_view ViewOf(const char* text) {
-    return text ? std::string_view(text) : std::string_view();
+    return text != nullptr ? std::string_view(text) : std::string_view();
 }
 
 /// At most maxChars of text, which need not be terminated behind them.
 std::string_view ViewOf(const char* text, std::int32_t maxChars) {
-    if (!text || maxChars < 1)
+    if (text == nullptr || maxChars < 1)
         return {};
     const auto most = static_cast<std::size_t>(maxChars);
     const auto* end = static_cast<const char*>(std::memchr(text, '\0', most));
-    return {text, end ? static_cast<std::size_t>(end - text) : most};
+    return {text, end != nullptr ? static_cast<std::size_t>(end - text) : most};
 }
 
 /// Away from zero, unless the value is 0 or so large that the sum means nothing.
@@ -39,12 +39,12 @@ double Nudged(double value) {
 } // namespace
 
 MString::MString(const char* text) {
-    if (text)
+    if (text != nullptr)
         TakeText(text);
 }
 
 MString::MString(const char* text, std::int32_t maxChars) {
-    if (text && maxChars > 0)
+    if (text != nullptr && maxChars > 0)
         TakeText(ViewOf(text, maxChars));
 }
 
@@ -118,7 +118,7 @@ void MString::Append(const MString& other) {
 
 bool MString::Holds(const char* text) const {
     const char* begin = m_buffer.get();
-    return begin && !std::less<>()(text, begin) && std::less<>()(text, begin + m_capacity);
+    return begin != nullptr && !std::less<>()(text, begin) && std::less<>()(text, begin + m_capacity);
 }
 
 // A new buffer is twice the new size; the old one is kept until the text, which may be a part of it, has been copied.
@@ -163,7 +163,7 @@ void MString::Reserve(std::int32_t bytes) {
 }
 
 void MString::Assign(const char* text, std::int32_t maxChars) {
-    if (!text || maxChars < 1)
+    if (text == nullptr || maxChars < 1)
         Clear();
     else
         TakeText(ViewOf(text, maxChars));
@@ -198,7 +198,7 @@ char* MString::CharPointerAt(std::int32_t index) {
 char* MString::Duplicate() const {
     const auto size = static_cast<std::size_t>(m_length) + 1;
     auto* copy = static_cast<char*>(std::malloc(size));
-    return copy ? static_cast<char*>(std::memcpy(copy, c_str(), size)) : nullptr;
+    return copy != nullptr ? static_cast<char*>(std::memcpy(copy, c_str(), size)) : nullptr;
 }
 
 MString& MString::operator=(const MString& other) {
@@ -221,7 +221,7 @@ MString& MString::operator=(MString&& other) noexcept {
 }
 
 MString& MString::operator=(const char* text) {
-    if (text)
+    if (text != nullptr)
         TakeText(text);
     else
         Clear();

@@ -157,8 +157,8 @@ public:
     /// A text of a module's table, by the loader set below. @return false, and the string cleared, when there is none.
     virtual bool LoadResource(void* module, std::uint32_t id);
 
-    /// True when all characters are digits or '-', or '.' unless integerOnly: "" is numeric, a string without a buffer
-    /// is not.
+    /// True when all characters are digits or '-', or '.' unless
+    /// integerOnly: "" is numeric, a string without a buffer is not.
     virtual bool IsNumeric(bool integerOnly) const;
 
     // The same as the operations without "Chain", returning the string itself, so that calls can follow one another.

@@ -1,8 +1,8 @@
-#include "MString.h"
-
 #include <algorithm>
 #include <cstring>
 #include <string>
+
+#include "MString.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ bool IsDigit(char character) {
 } // namespace
 
 std::int32_t MString::Find(const char* text, std::int32_t from) const {
-    if (!text || !m_buffer || from < 0 || from > m_length)
+    if (text == nullptr || !m_buffer || from < 0 || from > m_length)
         return -1;
     const std::size_t found = View().find(text, static_cast<std::size_t>(from));
     return found == std::string_view::npos ? -1 : static_cast<std::int32_t>(found);
@@ -60,7 +60,7 @@ std::int32_t MString::FindChar(char character, bool backward) const {
 }
 
 bool MString::Insert(const char* text, std::int32_t position) {
-    return InsertText(text ? std::string_view(text) : std::string_view(), position);
+    return InsertText(text != nullptr ? std::string_view(text) : std::string_view(), position);
 }
 
 bool MString::Remove(std::int32_t position, std::int32_t count) {
@@ -78,8 +78,8 @@ void MString::RemoveText(std::int32_t position, std::int32_t count) {
 
 // Both texts may be parts of this string, which changes under them.
 std::int32_t MString::ReplaceAll(const char* old, const char* replacement) {
-    const std::string searched = old ? old : "";
-    const std::string inserted = replacement ? replacement : "";
+    const std::string searched = old != nullptr ? old : "";
+    const std::string inserted = replacement != nullptr ? replacement : "";
     if (searched.empty())
         return 0;
     std::int32_t replaced = 0;
@@ -94,7 +94,7 @@ std::int32_t MString::ReplaceAll(const char* old, const char* replacement) {
 }
 
 bool MString::Replace(std::int32_t position, std::int32_t count, const char* text) {
-    const std::string inserted = text ? text : "";
+    const std::string inserted = text != nullptr ? text : "";
     return Remove(position, count) && InsertText(inserted, position);
 }
 

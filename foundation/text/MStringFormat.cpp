@@ -1,12 +1,11 @@
-#include "MString.h"
-
-#include "FormatScan.h"
-#include "NeutralPrint.h"
-#include "NumberText.h"
-
 #include <algorithm>
 #include <atomic>
 #include <limits>
+
+#include "FormatScan.h"
+#include "MString.h"
+#include "NeutralPrint.h"
+#include "NumberText.h"
 
 namespace {
 
@@ -33,7 +32,7 @@ private:
 } // namespace
 
 std::int32_t MString::GetFormatLength(const char* format, va_list arguments) const {
-    if (!format)
+    if (format == nullptr)
         return 0;
     const std::int64_t length = ScanFormat(format, arguments, TextArguments::Measure).length;
     return static_cast<std::int32_t>(std::min<std::int64_t>(length, std::numeric_limits<std::int32_t>::max()));
@@ -50,7 +49,7 @@ std::int32_t MString::Format(const char* format, ...) {
 // Measured first, since the estimate is no bound; and into a string of its own, since the arguments may use this one.
 std::int32_t MString::FormatArguments(const char* format, va_list arguments) {
     MString printed;
-    if (format && Arguments(arguments).Scan(format, TextArguments::Skip).printable) {
+    if (format != nullptr && Arguments(arguments).Scan(format, TextArguments::Skip).printable) {
         const int length = Arguments(arguments).Print(nullptr, 0, format);
         if (length >= 0 && length < std::numeric_limits<std::int32_t>::max()) {
             printed.Reserve(length + 1);
@@ -70,7 +69,7 @@ bool MString::LoadResource(void* module, std::uint32_t id) {
     const ResourceLoader load = resourceLoader;
     std::int32_t size = kResourceStep;
     std::int32_t loaded = 0;
-    for (; load && size <= kMostResourceBytes; size += kResourceStep) {
+    for (; load != nullptr && size <= kMostResourceBytes; size += kResourceStep) {
         Reserve(size);
         loaded = load(module, id, m_buffer.get(), size);
         if (loaded < size - 1)

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "MString.h"
-
 #include <memory>
 #include <string>
 #include <vector>
+
+#include "MString.h"
 
 /// Splits a text at one separator character, except within quotes. Belongs to one thread at a time.
 class MStringParser {

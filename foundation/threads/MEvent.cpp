@@ -1,8 +1,8 @@
 #include "MEvent.h"
 
-#include "WaitAddress.h"
-
 #include <chrono>
+
+#include "WaitAddress.h"
 
 // Writes even when the event is set already: whoever resets it afterwards then sees what was done before this Set.
 // Nothing is touched after the exchange but the bare address, since a waiter may have destroyed the event.

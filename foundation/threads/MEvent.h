@@ -1,17 +1,16 @@
 #pragma once
 
-#include "SystemThread.h"
-
 #include <atomic>
 #include <cstdint>
+
+#include "SystemThread.h"
 
 /// A manual-reset event: once set it lets every waiter through until it is reset.
 /// - A Set is never lost: whoever waits after it, and before the next Reset, passes at once.
 /// - What a thread wrote before Set is seen by whoever passed Wait because of it.
-/// - The event may be destroyed as soon as Wait has returned, also while the Set that ended the wait is still
-/// returning.
-///   (That holds for Wait alone, not for IsSet.)
-/// [thread: any]
+/// - The event may be destroyed as soon as Wait has returned,
+///   also while the Set that ended the wait is still returning.
+/// (That holds for Wait alone, not for IsSet.)   [thread: any]
 class MEvent {
 public:
     explicit MEvent(bool set = false)

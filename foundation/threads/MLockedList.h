@@ -1,10 +1,10 @@
 #pragma once
 
-#include "MLock.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <vector>
+
+#include "MLock.h"
 
 /// A list of plain values, pointers mostly, with a lock of its own. Each operation locks for itself; to keep the list
 /// still over several of them, or to walk it with begin() and end(), hold the lock with Lock() and Unlock(), or with

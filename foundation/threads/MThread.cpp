@@ -58,7 +58,7 @@ std::uint32_t MThread::Body() {
     m_startedEvent.Set();
     std::uint32_t value = 0;
     if (!StopRequested())
-        value = m_handler ? m_handler->ThreadRun(this) : Run();
+        value = m_handler != nullptr ? m_handler->ThreadRun(this) : Run();
     m_exitValue = value;
     const std::lock_guard<std::mutex> guard(m_lock);
     m_running = false;

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "IThreadHandler.h"
-#include "MEvent.h"
-#include "SystemThread.h"
-
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
+
+#include "IThreadHandler.h"
+#include "MEvent.h"
+#include "SystemThread.h"
 
 /// A worker thread with a cooperative stop. The body is the handler's ThreadRun, or Run() of a derived class when there
 /// is no handler; it reads StopRequested() in its loop. The object may be started again after its thread has ended.
@@ -15,9 +15,9 @@
 /// To stop a body that blocks: Stop(), then wake what it blocks on, then Wait(). In this order the body sees the
 /// request whenever it wakes, and cannot block again.
 ///
-/// The destructor stops and waits without limit, so the body must come to an end. A class that overrides Run() calls
-/// StopAndWait() in its own destructor, before its fields go. No thread may destroy its own MThread.
-/// [thread: any, where nothing else is said]
+/// The destructor stops and waits without limit, so the body must come to an end. A class
+/// that overrides Run() calls StopAndWait() in its own destructor, before its fields go.
+/// No thread may destroy its own MThread.   [thread: any, where nothing else is said]
 class MThread {
 public:
     /// @param handler the body; borrowed until the thread has ended, null for Run().

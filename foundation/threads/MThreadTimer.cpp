@@ -1,8 +1,8 @@
 #include "MThreadTimer.h"
 
-#include "Clock.h"
-
 #include <algorithm>
+
+#include "Clock.h"
 
 MThreadTimer::MThreadTimer(std::uint32_t periodMs, std::uint32_t resolutionMs, std::chrono::milliseconds patience)
     : m_passes(patience)

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string_view>
 
-// A format of dates is one character, '0' to '8': the order of the fields, plus 3 when they are separated by "-", plus 6
-// when by ".". The functions may be called on any thread.
+// A format of dates is one character, '0' to '8': the order of the fields, plus 3 when they are separated by "-", plus
+// 6 when by ".". The functions may be called on any thread.
 
 enum class DateOrder : std::int8_t { MonthFirst, DayFirst, YearFirst };
 
@@ -18,8 +18,8 @@ char WrittenSeparator(char format);
 /// this is not always the one that they write.
 char ReadSeparator(char format);
 
-/// The format where none is asked for: '1' (day first, "/") until a host sets another. This folder looks at no locale of
-/// its own; whoever assembles the program hands over the user's once, before the first date is read, for example
+/// The format where none is asked for: '1' (day first, "/") until a host sets another. This folder looks at no locale
+/// of its own; whoever assembles the program hands over the user's once, before the first date is read, for example
 /// SetDefaultDateFormat(DateFormatOfPattern("dd.MM.yyyy")). A character that is no format sets '1'.
 void SetDefaultDateFormat(char format);
 char DefaultDateFormat();

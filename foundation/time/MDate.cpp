@@ -1,12 +1,12 @@
 #include "MDate.h"
 
-#include "DateFormat.h"
-#include "NumberText.h"
-
 #include <algorithm>
 #include <cstdio>
 #include <limits>
 #include <string_view>
+
+#include "DateFormat.h"
+#include "NumberText.h"
 
 namespace {
 
@@ -70,7 +70,7 @@ NamedFields NameFields(const DateFields& fields, DateOrder order) {
 } // namespace
 
 bool MDate::SetFromText(const char* text, char format) {
-    if (!text)
+    if (text == nullptr)
         return false;
     const char used = format ? format : DefaultDateFormat();
     const DateOrder order = DateOrderOf(used);
@@ -86,7 +86,7 @@ bool MDate::SetFromText(const char* text, char format) {
 }
 
 char* MDate::GetText(char* buffer, char format) const {
-    if (!buffer)
+    if (buffer == nullptr)
         return nullptr;
     const char used = format ? format : DefaultDateFormat();
     const char separator = WrittenSeparator(used);

@@ -5,8 +5,8 @@
 #include <cstdint>
 
 /// A date of the Gregorian calendar from 1900 on; 1 January 1900 at first, which is day number 0 and a Monday. Dates
-/// that are read from a text or a day number end at 31 December 9999. The setters take any number, so that a date may be
-/// built up field by field: IsValid() tells.
+/// that are read from a text or a day number end at 31 December 9999. The setters take any number, so that a date may
+/// be built up field by field: IsValid() tells.
 ///
 /// A format is a character '0' to '8', see DateFormat.h; 0 stands for DefaultDateFormat(). Nothing throws, and no text
 /// depends on the locale of the process.   [thread: any, one at a time]
@@ -16,9 +16,10 @@ public:
     /// 9999 takes 11.
     static constexpr std::size_t kTextSize = 36;
 
-    /// Reads a date. Fields are cut out by their place, two digits for day and month and four for the year; a field that
-    /// is not there counts as its smallest value. Day is clamped to 1 to 31, month to 1 to 12, year to 1900 to 9999.
-    /// When the month is not that long, or text is null, the date stays as it was. @return true when the date was taken.
+    /// Reads a date. Fields are cut out by their place, two digits for day and month and four for the year; a field
+    /// that is not there counts as its smallest value. Day is clamped to 1 to 31, month to 1 to 12, year to 1900 to
+    /// 9999. When the month is not that long, or text is null, the
+    /// date stays as it was. @return true when the date was taken.
     bool SetFromText(const char* text, char format = 0);
 
     /// Writes the date into the caller's buffer of kTextSize bytes; null writes nothing. Characters that are no format

@@ -1,8 +1,8 @@
 #include "MTime.h"
 
-#include "NumberText.h"
-
 #include <string_view>
+
+#include "NumberText.h"
 
 MTime::MTime(const MTime& other)
     : m_type(other.m_type)

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "TimeText.h"
-
 #include <cstdint>
 
-/// One position in time: a signed 32-bit count in units of a time-code type, and its text. The types are 0 to 5, from 24
-/// frames a second to milliseconds (kTimeBases). A number above 5 is taken as units a second by what reads and writes
-/// texts, and as hundredths by the rest; a number below 0 counts as hundredths everywhere.
+#include "TimeText.h"
+
+/// One position in time: a signed 32-bit count in units of a time-code type, and its text. The types are 0 to 5, from
+/// 24 frames a second to milliseconds (kTimeBases). A number above 5 is taken as units a second by what reads and
+/// writes texts, and as hundredths by the rest; a number below 0 counts as hundredths everywhere.
 ///
 /// Positions may be negative and are not wrapped at 24 hours. Whatever leads beyond 32 bits gives the nearest count.
 /// Nothing throws, and no text depends on the locale of the process.   [thread: any, one at a time]

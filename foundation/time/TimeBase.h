@@ -11,8 +11,8 @@ struct TimeBase {
     bool rounds;               ///< conversions from and to hundredths round; otherwise they cut
 };
 
-/// The time-code types: 24, 25 and 30 frames a second, 30 frames a second with dropped labels, hundredths of a second,
-/// milliseconds.
+/// The time-code types: 24, 25 and 30 frames a second, 30 frames a
+/// second with dropped labels, hundredths of a second, milliseconds.
 inline constexpr std::array<TimeBase, 6> kTimeBases = {{
     {24, 2, false, true},
     {25, 2, false, false},
@@ -42,7 +42,8 @@ struct TimeParts {
     std::int64_t frames;
 };
 
-/// The parts of the absolute value of a count within plus or minus 10^15; dropped labels are added back.   [thread: any]
+/// The parts of the absolute value of a count within plus or
+/// minus 10^15; dropped labels are added back.   [thread: any]
 TimeParts SplitTime(std::int64_t value, const TimeBase& base);
 
 /// The count of some parts, with dropped labels taken out. Parts may have any value within plus or minus 10^14 and are
@@ -53,8 +54,8 @@ std::int32_t JoinTime(const TimeParts& parts, const TimeBase& base);
 /// negative count is cut.   [thread: any]
 std::int64_t HundredthsFrom(std::int64_t value, const TimeBase& base);
 
-/// Hundredths of a second as a count. Where the base rounds, it does so away from 0 for a fraction above one half.
-/// [thread: any]
+/// Hundredths of a second as a count. Where the base rounds, it does
+/// so away from 0 for a fraction above one half.   [thread: any]
 std::int64_t FromHundredths(std::int64_t hundredths, const TimeBase& base);
 
 /// The nearest number of 32 bits.   [thread: any]

@@ -1,11 +1,11 @@
 #include "TimeText.h"
 
-#include "NumberText.h"
-
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <string_view>
+
+#include "NumberText.h"
 
 namespace {
 
@@ -57,8 +57,8 @@ std::optional<TimeParts> FullForm(std::string_view text, const TimeBase& base) {
     return whole && inRange ? std::optional(parts) : std::nullopt;
 }
 
-/// Six digits from the right. A colon counts for nothing, but one at the end, and each pair of neighbours, skips two
-/// places.
+/// Six digits from the right. A colon counts for nothing, but one
+/// at the end, and each pair of neighbours, skips two places.
 std::array<std::int64_t, 6> DigitsFromRight(std::string_view text) {
     std::array<std::int64_t, 6> digits{};
     std::size_t place = 0;
@@ -108,7 +108,7 @@ void WriteTimeText(std::int64_t value, const TimeBase& base, TimeTextBuffer& tex
 }
 
 std::optional<std::int32_t> TimeFromText(const char* text, const TimeBase& base) {
-    if (!text)
+    if (text == nullptr)
         return std::nullopt;
     std::string_view rest = std::string_view(text).substr(0, kUsedCharacters);
     if (rest.empty())

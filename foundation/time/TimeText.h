@@ -1,10 +1,10 @@
 #pragma once
 
-#include "TimeBase.h"
-
 #include <array>
 #include <cstdint>
 #include <optional>
+
+#include "TimeBase.h"
 
 /// "HH:MM:SS/FF" with its terminator: room for the longest 32-bit count of every type from 0 to 5.
 using TimeTextBuffer = std::array<char, 16>;

@@ -1,5 +1,3 @@
-#include <elf.h>
-
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
@@ -7,6 +5,8 @@
 #include <iterator>
 #include <string>
 #include <vector>
+
+#include <elf.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,8 @@
+#include "PlainHost.h"
+
 #include <gtest/gtest.h>
 
 #include "LoadedModule.h"
-#include "PlainHost.h"
 
 namespace {
 

@@ -17,8 +17,8 @@ using namespace plain;
 
 constexpr int kWarmUp = 40;
 constexpr int kCycles = 100;
-/// The allocator settles over some hundred cycles, and an application object leaves up to 1 KB each; a device that stayed
-/// would be 450 KB. Sanitizers keep freed memory for a while.
+/// The allocator settles over some hundred cycles, and an application object leaves up to 1 KB each; a device that
+/// stayed would be 450 KB. Sanitizers keep freed memory for a while.
 constexpr long kMemoryPerCycleKb = MEMORY_PER_CYCLE_KB;
 
 /// What this process holds of the system.

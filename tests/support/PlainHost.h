@@ -19,8 +19,8 @@
 #include "IObjectFactoryManager.h"
 
 /// @file
-/// A host in plain C++, without Qt: the least that the contract asks for, with switches for everything that a host may lack.
-/// Waits always have a deadline.
+/// A host in plain C++, without Qt: the least that the contract asks for, with switches for everything that a host may
+/// lack. Waits always have a deadline.
 
 namespace plain {
 

@@ -73,9 +73,9 @@ private:
         return c == '_' || c >= 127 || std::isalpha(c) != 0;
     }
 
-    /// End tags, declarations and what the parser calls unknown end at the first ">". Quotes around such a ">" are read by
-    /// the parser in some of them and not in others, so a text that depends on that is refused. An end tag without an
-    /// element to end is unknown to the parser too.
+    /// End tags, declarations and what the parser calls unknown end at the first ">". Quotes around such a ">" are read
+    /// by the parser in some of them and not in others, so a text that depends on that is refused. An end tag without
+    /// an element to end is unknown to the parser too.
     bool SkipToEnd() {
         char quote = 0;
         for (; m_at < m_end; ++m_at) {

@@ -24,8 +24,8 @@ struct XmlLimits {
 bool IsXmlWithinLimits(const char* text, std::size_t length, bool utf8, const XmlLimits& limits = XmlLimits());
 
 /// Parses a NUL-terminated text as UTF-8 into the (empty) document.
-/// @return false for a null text, a text outside the limits and any parse error; the document's content is then
-/// undefined.
+/// @return false for a null text, a text outside the limits and
+/// any parse error; the document's content is then undefined.
 bool ParseXml(TiXmlDocument& document, const char* text);
 
 /// Prints a node and all below it with one tab for each level.

@@ -14,8 +14,8 @@ class IMInterface;
 constexpr int kLogLineSize = 1024;
 
 /// Reads the switches and, when they say so, loads the library and opens the log. An open log is closed first.
-/// @param moduleHandle an address inside the module; decides where the configuration file and the library are looked
-/// for.
+/// @param moduleHandle an address inside the module; decides
+/// where the configuration file and the library are looked for.
 /// @param programName  name under which the lines are written.
 /// @param host         the host's root object, borrowed for the call.
 /// @return false when moduleHandle or host is null or when the log stays off.   [host main]

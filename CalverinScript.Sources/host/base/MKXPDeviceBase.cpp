@@ -38,13 +38,13 @@ MKXPDeviceBase::MKXPDeviceBase() {
 
 MKXPDeviceBase::~MKXPDeviceBase() {
     Unlist();
-    delete names.load();
+    delete m_names.load();
 }
 
 void MKXPDeviceBase::Unlist() {
-    if (!listed)
+    if (!m_listed)
         return;
-    listed = false;
+    m_listed = false;
     DeviceList& list = Devices();
     const std::lock_guard<std::mutex> guard(list.lock);
     list.devices.remove(this);
@@ -54,12 +54,12 @@ void MKXPDeviceBase::SetName(const char* newName) {
     std::string text = newName != nullptr ? newName : "";
     if (text == MKXPDeviceBase::GetName())
         return;
-    const NameNode* older = names.load();
-    names = new NameNode{std::move(text), std::unique_ptr<const NameNode>(older)};
+    const NameNode* older = m_names.load();
+    m_names = new NameNode{std::move(text), std::unique_ptr<const NameNode>(older)};
 }
 
 const char* MKXPDeviceBase::GetName() {
-    const NameNode* newest = names.load();
+    const NameNode* newest = m_names.load();
     return newest != nullptr ? newest->text.c_str() : "";
 }
 
@@ -68,19 +68,19 @@ std::uint32_t MKXPDeviceBase::GetDeviceNumber() const {
 }
 
 void MKXPDeviceBase::SetStarted(bool flag) {
-    started = flag;
+    m_started = flag;
 }
 
 bool MKXPDeviceBase::IsStarted() const {
-    return started;
+    return m_started;
 }
 
 void MKXPDeviceBase::SetRunning(bool flag) {
-    running = flag;
+    m_running = flag;
 }
 
 bool MKXPDeviceBase::IsRunning() const {
-    return running;
+    return m_running;
 }
 
 TiXmlElement* MKXPDeviceBase::MakeDataElement(int version) {

@@ -7,8 +7,8 @@
 
 class TiXmlElement;
 
-/// What every device has: a name, run flags, the root element of its setup, and a place in the process-wide list of
-/// devices.
+/// What every device has: a name, run flags, the root element of
+/// its setup, and a place in the process-wide list of devices.
 class MKXPDeviceBase {
 public:
     MKXPDeviceBase();
@@ -49,8 +49,8 @@ protected:
 private:
     struct NameNode;
     /// Names given so far, the newest first. Written on the host's main thread; readers see the newest without a lock.
-    std::atomic<const NameNode*> names{nullptr};
-    std::atomic<bool> started{false}; ///< written by host threads, read by all
-    std::atomic<bool> running{false}; ///< written by host threads, read by the tick thread
-    bool listed = true;               ///< host main
+    std::atomic<const NameNode*> m_names{nullptr};
+    std::atomic<bool> m_started{false}; ///< written by host threads, read by all
+    std::atomic<bool> m_running{false}; ///< written by host threads, read by the tick thread
+    bool m_listed = true;               ///< host main
 };

@@ -7,7 +7,7 @@
 MKXPXmlDefinition::~MKXPXmlDefinition() = default;
 
 bool MKXPXmlDefinition::LoadFromResource(const void* /*moduleHandle*/, std::uint32_t resourceId) {
-    text.reset();
+    m_text.reset();
     const QByteArray bytes = FindModuleResource(ModuleResource::RawData, resourceId);
     if (bytes.isNull())
         return false;
@@ -16,7 +16,7 @@ bool MKXPXmlDefinition::LoadFromResource(const void* /*moduleHandle*/, std::uint
 }
 
 const char* MKXPXmlDefinition::GetText() const {
-    return text.get();
+    return m_text.get();
 }
 
 void MKXPXmlDefinition::SetText(const char* newText) {
@@ -26,5 +26,5 @@ void MKXPXmlDefinition::SetText(const char* newText) {
         copy = std::make_unique<char[]>(size);
         std::memcpy(copy.get(), newText, size);
     }
-    text = std::move(copy);
+    m_text = std::move(copy);
 }

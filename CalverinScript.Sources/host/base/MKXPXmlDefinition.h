@@ -21,5 +21,5 @@ public:
     virtual void SetText(const char* text);
 
 private:
-    std::unique_ptr<char[]> text;
+    std::unique_ptr<char[]> m_text;
 };

@@ -4,9 +4,9 @@
 
 /// A typed value in the host's hands: a variable, or the value of a command's parameter.
 ///
-/// The host serialises calls, so every operation may come on any thread. Each value answers QueryInterface with the
-/// name of the interface of its type: "IIntegerData", "IStringData", "IRealData", "ITimeData", "IDateData",
-/// "IEnumData".
+/// The host serialises calls, so every operation may come on any thread. Each value
+/// answers QueryInterface with the name of the interface of its type: "IIntegerData",
+/// "IStringData", "IRealData", "ITimeData", "IDateData", "IEnumData".
 class IData : public IMInterface {
 public:
     /// The variable's full name; for a variable of a device "device.variable". Owned by the value, valid until it is

@@ -2,9 +2,9 @@
 
 #include "IMInterface.h"
 
-/// The ticket of one request. Whoever makes the request makes the context; whoever serves it calls `Begin` when the
-/// work is taken on and `End`, exactly once, when the result is there. Contexts are counted: one reference belongs to
-/// the maker.
+/// The ticket of one request. Whoever makes the request makes the context; whoever
+/// serves it calls `Begin` when the work is taken on and `End`, exactly once, when
+/// the result is there. Contexts are counted: one reference belongs to the maker.
 class IExecContext : public IMInterface {
 public:
     /// Stores the request's result code, before End. @return 0.   [any]

@@ -10,8 +10,8 @@ class IDeviceVariables : public IMInterface {
 public:
     /// The live value of one of the device's variables, once a definition has been accepted.
     /// @param name the variable's name without the device's.
-    /// @return owned by the host, valid until the next SetDefinition or the device's end; null for an unknown name.
-    /// [any]
+    /// @return owned by the host, valid until the next SetDefinition
+    /// or the device's end; null for an unknown name.   [any]
     virtual IData* GetVariable(const char* name) = 0;
 
     /// Replaces the device's commands and variables with those of the definition text and allocates an InstanceID for
@@ -29,12 +29,12 @@ protected:
 /// ExecuteCommand and Stop any number of times; at last Release, before which the host has called Stop.
 class IKXPDevice : public IMInterface {
 public:
-    /// Gives the device its variables, at once after CreateDevice. Kept, not owned; must outlive the device.   [host
-    /// main]
+    /// Gives the device its variables, at once after CreateDevice.
+    /// Kept, not owned; must outlive the device.   [host main]
     virtual void SetDeviceVariables(IDeviceVariables* variables) = 0;
 
-    /// Asks for a capability of the device by its code. @return 0 for the codes 1 and 2, 24 for all others.   [any host
-    /// thread]
+    /// Asks for a capability of the device by its code. @return 0
+    /// for the codes 1 and 2, 24 for all others.   [any host thread]
     virtual KXPCode QueryCapability(std::uint32_t capability) = 0;
 
     /// The name that the user gave the device. Copied; null is the empty text.   [host main]
@@ -51,9 +51,9 @@ public:
     /// @return 0 when started, 24 when not.   [any host thread]
     virtual KXPCode IsRunning() = 0;
 
-    /// Starts the device: returns when the script's top level and its _mStart have run, or when the script failed,
-    /// which is not reported here but in the variable "Error". A script that never returns blocks this call until
-    /// Release.
+    /// Starts the device: returns when the script's top level and its _mStart have
+    /// run, or when the script failed, which is not reported here but in the
+    /// variable "Error". A script that never returns blocks this call until Release.
     /// @return 0 always.   [any host thread]
     virtual KXPCode Start() = 0;
 
@@ -92,10 +92,11 @@ public:
     /// Accepts one command. The work is done later, on the device's command thread, in the order of acceptance.
     /// @param id      the Command ID of the definition.
     /// @param params  borrowed for the call; the values that it hands out must live until the context has ended.
-    /// @param context may be null. For command 3 and user commands the device calls Begin now and End when the result
-    /// is in
+    /// @param context may be null. For command 3 and user commands
+    /// the device calls Begin now and End when the result is in
     ///                place, on any thread; for commands 0 to 2 it is not used. Kept alive by the caller until End.
-    /// @return 0 accepted; 1 unknown id, no parameters or too few of them, or a track runs; 3 the function does not exist.
+    /// @return 0 accepted; 1 unknown id, no parameters or too few
+    /// of them, or a track runs; 3 the function does not exist.
     ///         [any host thread]
     virtual KXPCode ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) = 0;
 

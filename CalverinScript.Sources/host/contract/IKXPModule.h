@@ -12,16 +12,16 @@ public:
     /// @return 0 always: what the host lacks switches off what needs it and nothing else.   [host main]
     virtual KXPCode Initialize(IMInterface* host, void* ignored1, void* ignored2) = 0;
 
-    /// Ends the module's use of the host, once, after the last device. The argument is ignored. @return 0.   [host
-    /// main]
+    /// Ends the module's use of the host, once, after the last
+    /// device. The argument is ignored. @return 0.   [host main]
     virtual KXPCode Terminate(void* ignored) = 0;
 
-    /// An opaque value of the host's, remembered; must be set (not null) before the first CreateDevice. @return 0.
-    /// [host main]
+    /// An opaque value of the host's, remembered; must be set (not
+    /// null) before the first CreateDevice. @return 0.   [host main]
     virtual KXPCode SetDeviceHost(void* deviceHost) = 0;
 
-    /// The device definition template, an XML text. Valid until the next call or the module's end; null when missing.
-    /// [host main]
+    /// The device definition template, an XML text. Valid until the
+    /// next call or the module's end; null when missing.   [host main]
     virtual const char* GetDefinition() = 0;
 
     /// Writes 999. A null out is ignored. @return 0.   [host main]
@@ -57,8 +57,8 @@ public:
 
     /// Opens the device's setup with this script driver chosen.
     /// @param third must not be null, not read.
-    /// @return as IKXPDevice::ShowSetup, 2 null device or third value, 13 a device that is not one of ours.   [host
-    /// main]
+    /// @return as IKXPDevice::ShowSetup, 2 null device or third
+    /// value, 13 a device that is not one of ours.   [host main]
     virtual KXPCode ShowDriverSetup(const char* driver, IKXPDevice* device, void* third) = 0;
 
     /// The module's icon, loaded once and owned by the module; null when missing.   [host main]

@@ -25,8 +25,8 @@ protected:
     ~IMInterface() = default;
 };
 
-/// QueryInterface with the type of the face that the name stands for; null when the object is null or does not offer
-/// it.
+/// QueryInterface with the type of the face that the name stands
+/// for; null when the object is null or does not offer it.
 template <typename Face>
 Face* QueryFace(IMInterface* object, const char* name) {
     void* face = nullptr;

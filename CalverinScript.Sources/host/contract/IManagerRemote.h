@@ -5,9 +5,9 @@
 class IKXPDevice;
 
 /// @file
-/// The two links through which a device works the host's show. The newer one takes execution contexts and is always
-/// preferred; a host may offer either, both or none. Texts are borrowed for the call; codes other than 0 and 21 are the
-/// host's.
+/// The two links through which a device works the host's show. The newer one takes
+/// execution contexts and is always preferred; a host may offer either, both or
+/// none. Texts are borrowed for the call; codes other than 0 and 21 are the host's.
 
 /// Implemented by the module: hears of changes in the groups that a device registered for.
 ///
@@ -15,8 +15,8 @@ class IKXPDevice;
 class IManagerRemoteHandler : public IMInterface {
 public:
     /// An object of a registered group has changed. Copies the texts and returns at once; a null text drops the change.
-    /// @param flag non-zero when the changed object itself follows. @param reserved ignored. @return 0.   [any host
-    /// thread]
+    /// @param flag non-zero when the changed object itself follows.
+    /// @param reserved ignored. @return 0.   [any host thread]
     virtual KXPCode OnPropertyChange(const char* object, const char* property, const char* value, std::uint32_t flag,
                                      std::uint32_t reserved) = 0;
     virtual KXPCode Reserved2(void* argument1, void* argument2, void* argument3) = 0;
@@ -28,8 +28,8 @@ protected:
 /// The older link. Text results are allocated by the host and given back with FreeText.
 class IManagerRemote : public IMInterface {
 public:
-    /// Opens a user screen. The meaning of position, left and top is the host's. @return 0, or a code of the host.
-    /// [script]
+    /// Opens a user screen. The meaning of position, left and top
+    /// is the host's. @return 0, or a code of the host.   [script]
     virtual KXPCode OpenUserScreen(const char* name, std::int32_t position, std::int32_t left, std::int32_t top) = 0;
     /// Closes a user screen. @return 0, or a code of the host.   [script]
     virtual KXPCode CloseUserScreen(const char* name) = 0;
@@ -65,14 +65,14 @@ public:
     /// Reads a property of an object as a text. @param out the text, given back with FreeText. @return 0, or a code
     /// of the host.   [script]
     virtual KXPCode GetProperty(const char* object, const char* property, char** out) = 0;
-    /// Reads a property of an object as a number. @param out the number, 0 on failure. @return 0, or a code of the
-    /// host.   [script]
+    /// Reads a property of an object as a number. @param out the number,
+    /// 0 on failure. @return 0, or a code of the host.   [script]
     virtual KXPCode GetPropertyAsInt(const char* object, const char* property, std::int32_t* out) = 0;
     /// Describes an object down to a depth. @param out the text, given back with FreeText. @return 0, or a code of
     /// the host.   [script]
     virtual KXPCode GetObject(const char* object, std::uint16_t depth, char** out) = 0;
-    /// Runs an action on an object and waits for it. @param parameters an XML text. @param out the result text.
-    /// [script]
+    /// Runs an action on an object and waits for it. @param
+    /// parameters an XML text. @param out the result text.   [script]
     virtual KXPCode Perform(const char* object, const char* action, const char* parameters, char** out) = 0;
     /// Frees a text of this link and clears the pointer. Null is ignored.   [script]
     virtual void FreeText(char** text) = 0;

@@ -22,8 +22,8 @@ public:
     /// @param enabled   non-zero when the host wants a log.
     /// @param writerId  the host's writer.
     /// @param path      buffer of KXP_LOG_PATH_SIZE bytes for the log file's path.
-    /// @param levelBits level bits: 1 silences, 0x10 command activity, 0x80 light debug, 0xF0 strong debug. Also handed
-    /// to
+    /// @param levelBits level bits: 1 silences, 0x10 command
+    /// activity, 0x80 light debug, 0xF0 strong debug. Also handed to
     ///                  the logging library as its first writer option.
     /// @param option    handed to the logging library as its second writer option.
     /// @return below 0xFFFFFFFF when the host gave a log; 0xFFFFFFFF when it has none.   [host main]

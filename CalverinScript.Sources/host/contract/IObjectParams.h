@@ -21,8 +21,8 @@ protected:
 /// request's context has ended.
 class IObjectParams : public IMInterface {
 public:
-    /// Stores a descriptor property of the collection. Both texts are copied; the further arguments are reserved,
-    /// always 0.
+    /// Stores a descriptor property of the collection. Both texts
+    /// are copied; the further arguments are reserved, always 0.
     /// @return 0 stored, 2 null name.   [any host thread]
     virtual KXPCode SetProperty(const char* name, const char* value, std::uint32_t reserved1,
                                 std::uint32_t reserved2) = 0;

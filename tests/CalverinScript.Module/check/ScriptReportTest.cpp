@@ -1,3 +1,5 @@
+#include "ScriptReport.h"
+
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
@@ -6,8 +8,6 @@
 #include <QJsonDocument>
 #include <QProcess>
 #include <QTemporaryDir>
-
-#include "ScriptReport.h"
 
 namespace {
 

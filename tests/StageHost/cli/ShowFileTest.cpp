@@ -2,8 +2,9 @@
 
 #include <csignal>
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
+
+#include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
@@ -24,20 +25,20 @@ constexpr const char* kNewText = "{ \"devices\": [{ \"name\": \"desk\", \"setup\
 class FullDisk {
 public:
     FullDisk() {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit none{0, before_.rlim_max};
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit none{0, m_before.rlim_max};
         setrlimit(RLIMIT_FSIZE, &none);
     }
     ~FullDisk() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, signal_);
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_signal);
     }
     FullDisk(const FullDisk&) = delete;
     FullDisk& operator=(const FullDisk&) = delete;
 
 private:
-    void (*const signal_)(int) = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before_{};
+    void (*const m_signal)(int) = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit m_before{};
 };
 
 class ShowFiles : public testing::Test {

@@ -10,74 +10,74 @@ constexpr int kLongestRun = 60000;
 } // namespace
 
 StageHostProcess::StageHostProcess(QString module)
-    : module_(std::move(module)) {}
+    : m_module(std::move(module)) {}
 
 void StageHostProcess::Run(const QStringList& words) {
     Begin(words);
-    process_->write(input_);
+    m_process->write(m_input);
     Finish();
 }
 
 void StageHostProcess::Begin(const QStringList& words) {
     QStringList all = words;
-    if (!module_.isEmpty())
-        all = QStringList{QStringLiteral("--module"), module_} + words;
-    process_ = std::make_unique<QProcess>();
+    if (!m_module.isEmpty())
+        all = QStringList{QStringLiteral("--module"), m_module} + words;
+    m_process = std::make_unique<QProcess>();
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("FAKE_MODULE"), mood_);
-    process_->setProcessEnvironment(environment);
-    if (!workingFolder_.isEmpty())
-        process_->setWorkingDirectory(workingFolder_);
-    output_.clear();
-    errors_.clear();
-    clock_.start();
-    process_->start(QStringLiteral(STAGEHOST_BIN "/stagehost"), all);
-    process_->waitForStarted(kLongestRun);
+    environment.insert(QStringLiteral("FAKE_MODULE"), m_mood);
+    m_process->setProcessEnvironment(environment);
+    if (!m_workingFolder.isEmpty())
+        m_process->setWorkingDirectory(m_workingFolder);
+    m_output.clear();
+    m_errors.clear();
+    m_clock.start();
+    m_process->start(QStringLiteral(STAGEHOST_BIN "/stagehost"), all);
+    m_process->waitForStarted(kLongestRun);
 }
 
 void StageHostProcess::Say(const char* line) {
-    process_->write(QByteArray(line) + '\n');
-    process_->waitForBytesWritten(kLongestRun);
+    m_process->write(QByteArray(line) + '\n');
+    m_process->waitForBytesWritten(kLongestRun);
 }
 
 bool StageHostProcess::WaitForOutput(const char* text) {
-    while (!output_.contains(QString::fromUtf8(text))) {
-        if (!process_->waitForReadyRead(kLongestRun))
+    while (!m_output.contains(QString::fromUtf8(text))) {
+        if (!m_process->waitForReadyRead(kLongestRun))
             return false;
-        output_ += QString::fromUtf8(process_->readAllStandardOutput());
+        m_output += QString::fromUtf8(m_process->readAllStandardOutput());
     }
     return true;
 }
 
 bool StageHostProcess::WaitForErrors(const char* text) {
-    process_->setReadChannel(QProcess::StandardError);
+    m_process->setReadChannel(QProcess::StandardError);
     bool more = true;
-    while (more && !errors_.contains(QString::fromUtf8(text))) {
-        more = process_->waitForReadyRead(kLongestRun);
-        errors_ += QString::fromUtf8(process_->readAllStandardError());
+    while (more && !m_errors.contains(QString::fromUtf8(text))) {
+        more = m_process->waitForReadyRead(kLongestRun);
+        m_errors += QString::fromUtf8(m_process->readAllStandardError());
     }
-    process_->setReadChannel(QProcess::StandardOutput);
+    m_process->setReadChannel(QProcess::StandardOutput);
     return more;
 }
 
 void StageHostProcess::Finish() {
-    process_->closeWriteChannel();
-    const bool ended = process_->state() == QProcess::NotRunning || process_->waitForFinished(kLongestRun);
-    milliseconds_ = clock_.elapsed();
+    m_process->closeWriteChannel();
+    const bool ended = m_process->state() == QProcess::NotRunning || m_process->waitForFinished(kLongestRun);
+    m_milliseconds = m_clock.elapsed();
     if (!ended)
-        process_->kill();
-    exitCode_ = ended && process_->exitStatus() == QProcess::NormalExit ? process_->exitCode() : -1;
-    output_ += QString::fromUtf8(process_->readAllStandardOutput());
-    errors_ += QString::fromUtf8(process_->readAllStandardError());
-    process_->waitForFinished(kLongestRun);
+        m_process->kill();
+    m_exitCode = ended && m_process->exitStatus() == QProcess::NormalExit ? m_process->exitCode() : -1;
+    m_output += QString::fromUtf8(m_process->readAllStandardOutput());
+    m_errors += QString::fromUtf8(m_process->readAllStandardError());
+    m_process->waitForFinished(kLongestRun);
 }
 
 QJsonObject StageHostProcess::Json() const {
-    return QJsonDocument::fromJson(output_.toUtf8()).object();
+    return QJsonDocument::fromJson(m_output.toUtf8()).object();
 }
 
 QString StageHostProcess::File(const QString& name, const QByteArray& text) const {
-    QFile file(folder_.filePath(name));
+    QFile file(m_folder.filePath(name));
     if (file.open(QIODevice::WriteOnly))
         file.write(text);
     return file.fileName();

@@ -27,39 +27,39 @@ public:
     /// The same for standard error.
     bool WaitForErrors(const char* text);
     /// Asks the program to end, as Ctrl-C does.
-    void Interrupt() { process_->terminate(); }
+    void Interrupt() { m_process->terminate(); }
     /// Closes standard input and waits for the end.
     void Finish();
 
     /// What the following runs find on standard input.
-    void SetInput(const QByteArray& input) { input_ = input; }
+    void SetInput(const QByteArray& input) { m_input = input; }
 
     /// The mood of the fake module for the following runs.
-    void SetMood(const char* mood) { mood_ = QString::fromLatin1(mood); }
-    void SetWorkingFolder(const QString& folder) { workingFolder_ = folder; }
+    void SetMood(const char* mood) { m_mood = QString::fromLatin1(mood); }
+    void SetWorkingFolder(const QString& folder) { m_workingFolder = folder; }
 
-    int ExitCode() const { return exitCode_; }
-    QString Output() const { return output_; } ///< standard output
-    QString Errors() const { return errors_; } ///< standard error
-    qint64 Milliseconds() const { return milliseconds_; }
+    int ExitCode() const { return m_exitCode; }
+    QString Output() const { return m_output; } ///< standard output
+    QString Errors() const { return m_errors; } ///< standard error
+    qint64 Milliseconds() const { return m_milliseconds; }
 
     /// Standard output as a JSON object; an empty one when it is none.
     QJsonObject Json() const;
 
     /// A file in a folder of the test's own. @return its full path.
     QString File(const QString& name, const QByteArray& text) const;
-    QString Folder() const { return folder_.path(); }
+    QString Folder() const { return m_folder.path(); }
 
 private:
-    const QString module_;
-    QTemporaryDir folder_;
-    QString workingFolder_;
-    QString mood_;
-    QByteArray input_;
-    std::unique_ptr<QProcess> process_; ///< the run of now
-    QElapsedTimer clock_;
-    int exitCode_ = -1;
-    QString output_;
-    QString errors_;
-    qint64 milliseconds_ = 0;
+    const QString m_module;
+    QTemporaryDir m_folder;
+    QString m_workingFolder;
+    QString m_mood;
+    QByteArray m_input;
+    std::unique_ptr<QProcess> m_process; ///< the run of now
+    QElapsedTimer m_clock;
+    int m_exitCode = -1;
+    QString m_output;
+    QString m_errors;
+    qint64 m_milliseconds = 0;
 };

@@ -1,6 +1,7 @@
+#include "CommandWatch.h"
+
 #include <gtest/gtest.h>
 
-#include "CommandWatch.h"
 #include "MainWait.h"
 #include "ValueFactory.h"
 

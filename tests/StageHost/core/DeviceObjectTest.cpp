@@ -1,10 +1,9 @@
-#include "RemoteShow.h"
-
 #include <future>
 
 #include "Device.h"
 #include "MainWait.h"
 #include "ModuleFile.h"
+#include "RemoteShow.h"
 
 using namespace stagehost;
 using Remote = IManagerRemote2;

@@ -1,8 +1,9 @@
-#include <gtest/gtest.h>
+#include "DeviceVariables.h"
 
 #include <cstring>
 
-#include "DeviceVariables.h"
+#include <gtest/gtest.h>
+
 #include "HostFaces.h"
 
 using namespace stagehost;

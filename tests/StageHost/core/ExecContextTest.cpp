@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
+#include "ExecContext.h"
 
 #include <thread>
 
-#include "ExecContext.h"
+#include <gtest/gtest.h>
 
 using namespace stagehost;
 

@@ -1,12 +1,13 @@
-#include <gtest/gtest.h>
+#include "Host.h"
 
 #include <cstring>
+
+#include <gtest/gtest.h>
 
 #include <QDir>
 #include <QTemporaryDir>
 
 #include "BorderText.h"
-#include "Host.h"
 #include "HostCodes.h"
 #include "ValueFactory.h"
 

@@ -1,10 +1,10 @@
-#include "RemoteShow.h"
+#include "NewerLink.h"
 
 #include <condition_variable>
 #include <deque>
 #include <thread>
 
-#include "NewerLink.h"
+#include "RemoteShow.h"
 
 using namespace stagehost;
 using Remote = IManagerRemote2;

@@ -1,6 +1,7 @@
+#include "ObjectParams.h"
+
 #include <gtest/gtest.h>
 
-#include "ObjectParams.h"
 #include "ValueFactory.h"
 
 using namespace stagehost;

@@ -1,6 +1,6 @@
-#include "RemoteShow.h"
-
 #include <future>
+
+#include "RemoteShow.h"
 
 using namespace stagehost;
 using Remote = IManagerRemote;

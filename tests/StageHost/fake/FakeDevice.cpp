@@ -31,7 +31,7 @@ void FakeDevice::Gate::Open() {
 }
 
 FakeDevice::FakeDevice(const char* definition)
-    : definition_(definition) {}
+    : m_definition(definition) {}
 
 KXPCode FakeDevice::QueryInterface(const char* name, void** out) {
     if (name == nullptr || out == nullptr)
@@ -43,29 +43,29 @@ KXPCode FakeDevice::QueryInterface(const char* name, void** out) {
 
 KXPCode FakeDevice::Release() {
     if (MoodIs("release-hangs"))
-        gate_->WaitForRelease();
+        m_gate->WaitForRelease();
     if (!MoodIs("start-hangs-for-good"))
-        gate_->Open();
+        m_gate->Open();
     {
-        const std::lock_guard<std::mutex> hold(lock_);
-        running_ = false;
-        queue_.clear();
-        changed_.notify_all();
+        const std::lock_guard<std::mutex> hold(m_lock);
+        m_running = false;
+        m_queue.clear();
+        m_changed.notify_all();
     }
-    if (worker_.joinable())
-        worker_.join();
-    for (auto& helper : helpers_)
+    if (m_worker.joinable())
+        m_worker.join();
+    for (auto& helper : m_helpers)
         helper.join();
     {
-        std::unique_lock<std::mutex> hold(lock_);
-        changed_.wait(hold, [this] { return calls_ == 0; });
+        std::unique_lock<std::mutex> hold(m_lock);
+        m_changed.wait(hold, [this] { return m_calls == 0; });
     }
     delete this;
     return KXP_OK;
 }
 
 void FakeDevice::SetDeviceVariables(IDeviceVariables* variables) {
-    variables_ = variables;
+    m_variables = variables;
 }
 
 KXPCode FakeDevice::QueryCapability(std::uint32_t) {
@@ -73,11 +73,11 @@ KXPCode FakeDevice::QueryCapability(std::uint32_t) {
 }
 
 void FakeDevice::SetName(const char* name) {
-    name_ = name;
+    m_name = name;
 }
 
 const char* FakeDevice::GetName() {
-    return name_.c_str();
+    return m_name.c_str();
 }
 
 KXPCode FakeDevice::ShowSetup(void*) {
@@ -85,29 +85,29 @@ KXPCode FakeDevice::ShowSetup(void*) {
 }
 
 KXPCode FakeDevice::IsRunning() {
-    const std::lock_guard<std::mutex> hold(lock_);
-    return running_ ? KXP_OK : KXP_NO;
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return m_running ? KXP_OK : KXP_NO;
 }
 
 KXPCode FakeDevice::Start() {
     if (MoodIs("start-hangs") || MoodIs("start-hangs-for-good")) {
-        const auto gate = gate_;
+        const auto gate = m_gate;
         gate->WaitForRelease();
         return KXP_OK;
     }
-    running_ = true;
-    worker_ = std::thread([this] { Serve(); });
+    m_running = true;
+    m_worker = std::thread([this] { Serve(); });
     return KXP_OK;
 }
 
 KXPCode FakeDevice::Stop() {
-    std::unique_lock<std::mutex> hold(lock_);
-    ++calls_;
-    running_ = false;
-    changed_.notify_all();
-    changed_.wait(hold, [this] { return !busy_; });
-    --calls_;
-    changed_.notify_all();
+    std::unique_lock<std::mutex> hold(m_lock);
+    ++m_calls;
+    m_running = false;
+    m_changed.notify_all();
+    m_changed.wait(hold, [this] { return !m_busy; });
+    --m_calls;
+    m_changed.notify_all();
     return KXP_OK;
 }
 
@@ -120,15 +120,15 @@ KXPBitmap FakeDevice::GetBitmap() {
 }
 
 KXPCode FakeDevice::GetSetup(char** out) {
-    *out = Copy(setup_.empty() ? "first setup" : setup_);
+    *out = Copy(m_setup.empty() ? "first setup" : m_setup);
     return KXP_OK;
 }
 
 KXPCode FakeDevice::SetSetup(const char* setup) {
     if (std::strcmp(setup, "bad") == 0)
         return KXP_BAD_SETUP;
-    setup_ = setup;
-    return variables_->SetDefinition(definition_.c_str()) == 1 ? KXP_OK : KXP_CANCELLED;
+    m_setup = setup;
+    return m_variables->SetDefinition(m_definition.c_str()) == 1 ? KXP_OK : KXP_CANCELLED;
 }
 
 KXPCode FakeDevice::UpdateCommand(const char*, char**) {
@@ -172,7 +172,7 @@ KXPCode FakeDevice::ReleaseString(char** text) {
 }
 
 const char* FakeDevice::GetDefinition() {
-    return MoodIs("no-definition") ? nullptr : definition_.c_str();
+    return MoodIs("no-definition") ? nullptr : m_definition.c_str();
 }
 
 KXPCode FakeDevice::Reserved20() {
@@ -184,35 +184,35 @@ KXPCode FakeDevice::CreatePanel(std::uint32_t, IKXPDevicePanel**) {
 }
 
 void FakeDevice::Serve() {
-    std::unique_lock<std::mutex> hold(lock_);
+    std::unique_lock<std::mutex> hold(m_lock);
     for (;;) {
-        changed_.wait(hold, [this] { return !running_ || !queue_.empty(); });
-        if (!running_)
+        m_changed.wait(hold, [this] { return !m_running || !m_queue.empty(); });
+        if (!m_running)
             return;
-        const Work work = std::move(queue_.front());
-        queue_.pop_front();
-        busy_ = true;
+        const Work work = std::move(m_queue.front());
+        m_queue.pop_front();
+        m_busy = true;
         hold.unlock();
         work();
         hold.lock();
-        busy_ = false;
-        changed_.notify_all();
+        m_busy = false;
+        m_changed.notify_all();
     }
 }
 
 void FakeDevice::Post(Work work) {
-    const std::lock_guard<std::mutex> hold(lock_);
-    queue_.push_back(std::move(work));
-    changed_.notify_all();
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_queue.push_back(std::move(work));
+    m_changed.notify_all();
 }
 
 void FakeDevice::Set(const char* variable, const std::string& text) {
-    if (IData* data = variables_->GetVariable(variable))
+    if (IData* data = m_variables->GetVariable(variable))
         data->SetValueFromString(text.c_str(), 0, 0);
 }
 
 void FakeDevice::SetStatus(std::int32_t index) {
-    if (auto* status = QueryFace<IEnumData>(variables_->GetVariable("Status"), "IEnumData"))
+    if (auto* status = QueryFace<IEnumData>(m_variables->GetVariable("Status"), "IEnumData"))
         status->SetCurrent(index, 0, 0);
 }
 
@@ -221,26 +221,26 @@ void FakeDevice::Load(const std::string& text, bool readable) {
     SetStatus(1);
     const FakeScript script = FakeScript::Parse(text);
     if (script.hangs)
-        gate_->WaitForRelease();
+        m_gate->WaitForRelease();
     if (!readable)
         Set("Error", "This file cannot be loaded.");
     else if (!script.error.empty())
         Set("Error", script.error);
     else
-        script_ = script;
-    Set("ScriptFunctions", script_.FunctionList());
+        m_script = script;
+    Set("ScriptFunctions", m_script.FunctionList());
     SetStatus(0);
 }
 
 KXPCode FakeDevice::Execute(const std::string& name, IObjectParams* params, IExecContext* context) {
-    const auto function = script_.functions.find(name);
-    if (function == script_.functions.end())
+    const auto function = m_script.functions.find(name);
+    if (function == m_script.functions.end())
         return KXP_SCRIPT_FAILED;
     const std::string way = function->second;
     if (way.rfind("refuse ", 0) == 0)
         return static_cast<KXPCode>(std::atoi(way.c_str() + 7));
     if (way == "block") {
-        const auto gate = gate_;
+        const auto gate = m_gate;
         gate->WaitForRelease();
         return KXP_OK;
     }
@@ -261,7 +261,7 @@ void FakeDevice::Behave(const std::string& way, IObjectParams* params, IExecCont
     Set("Error", "");
     SetStatus(2);
     if (verb == "hang")
-        gate_->WaitForRelease();
+        m_gate->WaitForRelease();
     if (verb == "fail" || verb == "held")
         Set("Error", text);
     if (verb == "say")
@@ -276,7 +276,7 @@ void FakeDevice::Behave(const std::string& way, IObjectParams* params, IExecCont
     if (context == nullptr || verb == "held" || verb == "never" || verb == "hang")
         return;
     if (verb == "elsewhere") {
-        helpers_.emplace_back([params, context] {
+        m_helpers.emplace_back([params, context] {
             SetResult(params, "elsewhere");
             context->End();
         });

@@ -79,19 +79,19 @@ private:
     static std::string ParamText(IObjectParams* params, std::uint32_t index);
     static void SetResult(IObjectParams* params, const std::string& text);
 
-    const std::string definition_;
-    std::string name_;
-    std::string setup_;
-    IDeviceVariables* variables_ = nullptr;
-    FakeScript script_;
-    std::shared_ptr<Gate> gate_ = std::make_shared<Gate>();
+    const std::string m_definition;
+    std::string m_name;
+    std::string m_setup;
+    IDeviceVariables* m_variables = nullptr;
+    FakeScript m_script;
+    std::shared_ptr<Gate> m_gate = std::make_shared<Gate>();
 
-    std::mutex lock_; ///< guards the four fields below
-    std::deque<Work> queue_;
-    bool running_ = false;
-    bool busy_ = false;
-    int calls_ = 0; ///< of Stop, that have not returned
-    std::condition_variable changed_;
-    std::thread worker_;
-    std::vector<std::thread> helpers_;
+    std::mutex m_lock; ///< guards the four fields below
+    std::deque<Work> m_queue;
+    bool m_running = false;
+    bool m_busy = false;
+    int m_calls = 0; ///< of Stop, that have not returned
+    std::condition_variable m_changed;
+    std::thread m_worker;
+    std::vector<std::thread> m_helpers;
 };

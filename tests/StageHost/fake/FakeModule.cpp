@@ -48,7 +48,7 @@ public:
     KXPCode Release() override { return KXP_OK; }
 
     KXPCode Initialize(IMInterface* host, void*, void*) override {
-        host_ = host;
+        m_host = host;
         if (!MoodIs("initialize-hangs"))
             return KXP_OK;
         std::mutex lock;
@@ -61,22 +61,22 @@ public:
     KXPCode Terminate(void*) override { return KXP_OK; }
 
     KXPCode SetDeviceHost(void* deviceHost) override {
-        deviceHost_ = deviceHost;
+        m_deviceHost = deviceHost;
         return KXP_OK;
     }
 
-    const char* GetDefinition() override { return MoodIs("no-definition") ? nullptr : definition_.c_str(); }
+    const char* GetDefinition() override { return MoodIs("no-definition") ? nullptr : m_definition.c_str(); }
     KXPCode GetModuleVersion(std::uint32_t*) override { return KXP_OK; }
     KXPCode GetDeviceCount(std::uint32_t*) override { return KXP_OK; }
 
     KXPCode CreateDevice(void*, IKXPDevice** out) override {
         if (out == nullptr || *out != nullptr)
             return KXP_NULL_ARGUMENT;
-        if (host_ == nullptr || deviceHost_ == nullptr)
+        if (m_host == nullptr || m_deviceHost == nullptr)
             return KXP_NO_DEVICE_HOST;
         if (MoodIs("create-fails"))
             return KXP_NO_DEVICE_MADE;
-        *out = new FakeDevice(definition_.c_str());
+        *out = new FakeDevice(m_definition.c_str());
         return KXP_OK;
     }
 
@@ -84,9 +84,9 @@ public:
     KXPCode CheckCommand(void*, IKXPDevice*, std::int32_t, IObjectParams*) override { return KXP_OK; }
 
 private:
-    const std::string definition_ = Definition();
-    IMInterface* host_ = nullptr;
-    void* deviceHost_ = nullptr;
+    const std::string m_definition = Definition();
+    IMInterface* m_host = nullptr;
+    void* m_deviceHost = nullptr;
 };
 
 } // namespace

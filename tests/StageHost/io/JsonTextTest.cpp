@@ -1,10 +1,10 @@
+#include "JsonText.h"
+
 #include <gtest/gtest.h>
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-
-#include "JsonText.h"
 
 using namespace stagehost;
 

@@ -1,8 +1,9 @@
+#include "SetupText.h"
+
 #include <gtest/gtest.h>
 
 #include <QJsonDocument>
 
-#include "SetupText.h"
 #include "XmlElement.h"
 
 using namespace stagehost;

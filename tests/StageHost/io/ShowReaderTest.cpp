@@ -1,10 +1,11 @@
+#include "ShowReader.h"
+
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "ShowReader.h"
 #include "ShowWriter.h"
 #include "TextFile.h"
 

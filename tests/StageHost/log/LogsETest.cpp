@@ -1,14 +1,14 @@
-#include <gtest/gtest.h>
+#include "logsE.h"
 
 #include <cstring>
 #include <thread>
+
+#include <gtest/gtest.h>
 
 #include <QFile>
 #include <QLibrary>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-
-#include "logsE.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
+#include "ChangeFeed.h"
 
 #include <future>
 
-#include "ChangeFeed.h"
+#include <gtest/gtest.h>
 
 using namespace stagehost;
 
@@ -14,27 +14,27 @@ constexpr std::chrono::seconds kLong(20);
 class Collector {
 public:
     explicit Collector(std::size_t count)
-        : count_(count) {}
+        : m_count(count) {}
 
     ChangeFeed::Listener Listener() {
         return [this](const ShowChange& change) {
-            const std::lock_guard<std::mutex> hold(lock_);
-            changes_.push_back(change);
-            changed_.notify_all();
+            const std::lock_guard<std::mutex> hold(m_lock);
+            m_changes.push_back(change);
+            m_changed.notify_all();
         };
     }
 
     std::vector<ShowChange> Wait() {
-        std::unique_lock<std::mutex> hold(lock_);
-        changed_.wait_for(hold, kLong, [this] { return changes_.size() >= count_; });
-        return changes_;
+        std::unique_lock<std::mutex> hold(m_lock);
+        m_changed.wait_for(hold, kLong, [this] { return m_changes.size() >= m_count; });
+        return m_changes;
     }
 
 private:
-    const std::size_t count_;
-    std::mutex lock_; ///< guards changes_
-    std::condition_variable changed_;
-    std::vector<ShowChange> changes_;
+    const std::size_t m_count;
+    std::mutex m_lock; ///< guards m_changes
+    std::condition_variable m_changed;
+    std::vector<ShowChange> m_changes;
 };
 
 } // namespace

@@ -1,8 +1,8 @@
-#include "../core/RemoteShow.h"
+#include "ObjectText.h"
 
 #include <QXmlStreamReader>
 
-#include "ObjectText.h"
+#include "../core/RemoteShow.h"
 
 using namespace stagehost;
 

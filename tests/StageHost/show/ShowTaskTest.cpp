@@ -1,9 +1,10 @@
-#include <gtest/gtest.h>
+#include "ShowTask.h"
 
 #include <future>
 
+#include <gtest/gtest.h>
+
 #include "HostCodes.h"
-#include "ShowTask.h"
 
 using namespace stagehost;
 
@@ -132,12 +133,12 @@ TEST_F(TaskOnItsThread, MayFailWhenItHasGone) {
     std::function<void(const std::string&)> late;
     std::promise<void> got;
     {
-        ShowTask short_(TaskSpec{"Short", {{0, "", Named("x")}}, Conduct::Normal}, feed,
-                        [&](const ActionSpec&, const auto& failed) {
-                            late = failed;
-                            got.set_value();
-                        });
-        short_.Start();
+        ShowTask m_short(TaskSpec{"Short", {{0, "", Named("x")}}, Conduct::Normal}, feed,
+                         [&](const ActionSpec&, const auto& failed) {
+                             late = failed;
+                             got.set_value();
+                         });
+        m_short.Start();
         got.get_future().wait();
     }
     late("nobody is there");

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "TaskTimeline.h"
+
+#include <gtest/gtest.h>
 
 using namespace stagehost;
 using State = TaskTimeline::State;

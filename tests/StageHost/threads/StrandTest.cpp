@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
+#include "Strand.h"
 
 #include <future>
 #include <vector>
 
-#include "Strand.h"
+#include <gtest/gtest.h>
 
 using namespace stagehost;
 

@@ -1,11 +1,12 @@
-#include <gtest/gtest.h>
+#include "WorkerPool.h"
 
 #include <atomic>
 #include <future>
 
+#include <gtest/gtest.h>
+
 #include "ExitGuard.h"
 #include "MainWait.h"
-#include "WorkerPool.h"
 
 using namespace stagehost;
 

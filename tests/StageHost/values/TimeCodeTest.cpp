@@ -1,8 +1,8 @@
-#include <gtest/gtest.h>
+#include "TimeCode.h"
 
 #include <limits>
 
-#include "TimeCode.h"
+#include <gtest/gtest.h>
 
 using namespace stagehost;
 

@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 #include <thread>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "DataTypes.h"
 #include "EnumValue.h"

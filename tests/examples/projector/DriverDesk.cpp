@@ -8,11 +8,12 @@
 DriverDesk::DriverDesk(const QString& file, const QMap<QString, QVariant>& settings) {
     QFile script(file);
     script.open(QIODevice::ReadOnly);
-    engine_.globalObject().setProperty(Text("QCalverin"), engine_.newQObject(this, QScriptEngine::QtOwnership,
-                                                                             QScriptEngine::ExcludeSuperClassContents));
-    driver_ = engine_.evaluate(QString::fromUtf8(script.readAll()), file);
+    m_engine.globalObject().setProperty(
+        Text("QCalverin"),
+        m_engine.newQObject(this, QScriptEngine::QtOwnership, QScriptEngine::ExcludeSuperClassContents));
+    m_driver = m_engine.evaluate(QString::fromUtf8(script.readAll()), file);
     for (auto setting = settings.begin(); setting != settings.end(); ++setting)
-        driver_.property(Text("Setup")).setProperty(setting.key(), engine_.toScriptValue(setting.value()));
+        m_driver.property(Text("Setup")).setProperty(setting.key(), m_engine.toScriptValue(setting.value()));
 }
 
 DriverDesk::~DriverDesk() {
@@ -23,34 +24,34 @@ QScriptValue DriverDesk::CallDriver(const char* function, const QStringList& arg
     QScriptValueList values;
     for (const QString& argument : arguments)
         values += QScriptValue(argument);
-    const QScriptValue result = driver_.property(Text(function)).call(driver_, values);
-    if (engine_.hasUncaughtException())
-        uncaught_ = engine_.uncaughtException().toString();
+    const QScriptValue result = m_driver.property(Text(function)).call(m_driver, values);
+    if (m_engine.hasUncaughtException())
+        m_uncaught = m_engine.uncaughtException().toString();
     return result;
 }
 
 void DriverDesk::Call(QScriptValue function, const QScriptValueList& arguments) {
-    function.call(driver_, arguments);
-    if (engine_.hasUncaughtException())
-        uncaught_ = engine_.uncaughtException().toString();
+    function.call(m_driver, arguments);
+    if (m_engine.hasUncaughtException())
+        m_uncaught = m_engine.uncaughtException().toString();
 }
 
 int DriverDesk::Run(const char* command, const QString& parameter) {
-    const int id = ++lastCommand_;
-    postponed_ = false;
+    const int id = ++m_lastCommand;
+    m_postponed = false;
     const QScriptValue result = CallDriver(command, QStringList{parameter});
-    if (!postponed_)
-        results_[id] = result.toString();
+    if (!m_postponed)
+        m_results[id] = result.toString();
     return id;
 }
 
 QString DriverDesk::Result(int command) {
-    const bool came = QTest::qWaitFor([&] { return results_.contains(command); }, kLongest);
-    return came ? results_.value(command) : Text("none within a minute");
+    const bool came = QTest::qWaitFor([&] { return m_results.contains(command); }, kLongest);
+    return came ? m_results.value(command) : Text("none within a minute");
 }
 
 QString DriverDesk::Variable(const char* name) const {
-    return driver_.property(Text("Device")).property(Text(name)).toString();
+    return m_driver.property(Text("Device")).property(Text(name)).toString();
 }
 
 bool DriverDesk::WaitFor(const char* variable, const QString& value) const {
@@ -58,9 +59,9 @@ bool DriverDesk::WaitFor(const char* variable, const QString& value) const {
 }
 
 int DriverDesk::SetTimeout(const QScriptValue& function, int milliseconds) {
-    const int id = ++lastTimer_;
+    const int id = ++m_lastTimer;
     auto* timer = new QTimer(this);
-    timers_[id] = timer;
+    m_timers[id] = timer;
     timer->setSingleShot(true);
     connect(timer, &QTimer::timeout, this, [this, id, function] {
         ClearTimeout(id);
@@ -71,41 +72,41 @@ int DriverDesk::SetTimeout(const QScriptValue& function, int milliseconds) {
 }
 
 void DriverDesk::ClearTimeout(int id) {
-    if (QTimer* timer = timers_.take(id))
+    if (QTimer* timer = m_timers.take(id))
         timer->deleteLater();
 }
 
 int DriverDesk::PostponeResult() {
-    if (postponed_)
+    if (m_postponed)
         return 0;
-    postponed_ = true;
-    return lastCommand_;
+    m_postponed = true;
+    return m_lastCommand;
 }
 
 void DriverDesk::SetResult(int id, const QString& text) {
-    if (!results_.contains(id))
-        results_[id] = text;
+    if (!m_results.contains(id))
+        m_results[id] = text;
 }
 
 QScriptValue DriverDesk::CreateSocket() {
     auto* socket = new DeskSocket(*this);
     socket->setParent(this);
-    return engine_.newQObject(socket, QScriptEngine::QtOwnership, QScriptEngine::ExcludeSuperClassContents);
+    return m_engine.newQObject(socket, QScriptEngine::QtOwnership, QScriptEngine::ExcludeSuperClassContents);
 }
 
 DeskSocket::DeskSocket(DriverDesk& desk)
-    : desk_(desk) {
+    : m_desk(desk) {
     QObject::connect(
-        &socket_, &QTcpSocket::connected, this, [this] { Raise("connect", {}); }, Qt::QueuedConnection);
+        &m_socket, &QTcpSocket::connected, this, [this] { Raise("connect", {}); }, Qt::QueuedConnection);
     QObject::connect(
-        &socket_, &QTcpSocket::disconnected, this, [this] { Raise("close", {QScriptValue(false)}); },
+        &m_socket, &QTcpSocket::disconnected, this, [this] { Raise("close", {QScriptValue(false)}); },
         Qt::QueuedConnection);
-    QObject::connect(&socket_, &QTcpSocket::readyRead, this, &DeskSocket::PassData, Qt::QueuedConnection);
+    QObject::connect(&m_socket, &QTcpSocket::readyRead, this, &DeskSocket::PassData, Qt::QueuedConnection);
     QObject::connect(
-        &socket_, &QTcpSocket::errorOccurred, this,
+        &m_socket, &QTcpSocket::errorOccurred, this,
         [this](QAbstractSocket::SocketError error) {
-            QScriptValue info = desk_.Engine().newObject();
-            info.setProperty(QStringLiteral("errorText"), socket_.errorString());
+            QScriptValue info = m_desk.Engine().newObject();
+            info.setProperty(QStringLiteral("errorText"), m_socket.errorString());
             if (error != QAbstractSocket::RemoteHostClosedError)
                 Raise("error", {info});
         },
@@ -113,25 +114,25 @@ DeskSocket::DeskSocket(DriverDesk& desk)
 }
 
 void DeskSocket::connect(int port, const QString& host) {
-    socket_.connectToHost(host, static_cast<quint16>(port));
+    m_socket.connectToHost(host, static_cast<quint16>(port));
 }
 
 void DeskSocket::write(const QString& text) {
-    socket_.write(text.toLatin1());
-    socket_.flush();
+    m_socket.write(text.toLatin1());
+    m_socket.flush();
 }
 
 void DeskSocket::end() {
-    const bool stood = socket_.state() == QAbstractSocket::ConnectedState;
-    socket_.abort();
+    const bool stood = m_socket.state() == QAbstractSocket::ConnectedState;
+    m_socket.abort();
     if (!stood)
         QMetaObject::invokeMethod(
             this, [this] { Raise("close", {QScriptValue(false)}); }, Qt::QueuedConnection);
 }
 
 void DeskSocket::PassData() {
-    const QByteArray data = socket_.readAll();
-    QScriptValue bytes = desk_.Engine().newArray(static_cast<uint>(data.size()));
+    const QByteArray data = m_socket.readAll();
+    QScriptValue bytes = m_desk.Engine().newArray(static_cast<uint>(data.size()));
     for (int i = 0; i < data.size(); ++i)
         bytes.setProperty(static_cast<quint32>(i), static_cast<int>(static_cast<unsigned char>(data[i])));
     if (!data.isEmpty())
@@ -139,7 +140,7 @@ void DeskSocket::PassData() {
 }
 
 void DeskSocket::Raise(const char* event, const QScriptValueList& values) {
-    const QScriptValue listener = listeners_.value(QString::fromLatin1(event));
+    const QScriptValue listener = m_listeners.value(QString::fromLatin1(event));
     if (listener.isFunction())
-        desk_.Call(listener, values);
+        m_desk.Call(listener, values);
 }

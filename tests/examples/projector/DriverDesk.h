@@ -5,8 +5,8 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-/// What a script calls "QCalverin", as far as a driver with a socket needs it: timers, results that come later, sockets.
-/// Everything is done by the event loop of the test's thread, never inside a script function.
+/// What a script calls "QCalverin", as far as a driver with a socket needs it: timers, results that come later,
+/// sockets. Everything is done by the event loop of the test's thread, never inside a script function.
 class DriverDesk : public QObject {
     Q_OBJECT
 
@@ -30,8 +30,8 @@ public:
     /// @return false when the variable does not get this value within a minute.
     bool WaitFor(const char* variable, const QString& value) const;
     /// What the driver's script throws from a function that nobody in it called; empty: nothing.
-    QString Uncaught() const { return uncaught_; }
-    QScriptEngine& Engine() { return engine_; }
+    QString Uncaught() const { return m_uncaught; }
+    QScriptEngine& Engine() { return m_engine; }
 
     Q_INVOKABLE int SetTimeout(const QScriptValue& function, int milliseconds);
     Q_INVOKABLE void ClearTimeout(int id);
@@ -44,14 +44,14 @@ public:
 private:
     QScriptValue CallDriver(const char* function, const QStringList& arguments);
 
-    QScriptEngine engine_;
-    QScriptValue driver_;
-    QMap<int, QTimer*> timers_;
-    QMap<int, QString> results_;
-    int lastTimer_ = 0;
-    int lastCommand_ = 0;
-    bool postponed_ = false;
-    QString uncaught_;
+    QScriptEngine m_engine;
+    QScriptValue m_driver;
+    QMap<int, QTimer*> m_timers;
+    QMap<int, QString> m_results;
+    int m_lastTimer = 0;
+    int m_lastCommand = 0;
+    bool m_postponed = false;
+    QString m_uncaught;
 };
 
 /// A TCP client as scripts see it. Its events come from the event loop, the "close" of its own end() too.
@@ -64,13 +64,13 @@ public:
     Q_INVOKABLE void connect(int port, const QString& host);
     Q_INVOKABLE void write(const QString& text);
     Q_INVOKABLE void end();
-    Q_INVOKABLE void on(const QString& event, const QScriptValue& listener) { listeners_[event] = listener; }
+    Q_INVOKABLE void on(const QString& event, const QScriptValue& listener) { m_listeners[event] = listener; }
 
 private:
     void Raise(const char* event, const QScriptValueList& values);
     void PassData();
 
-    DriverDesk& desk_;
-    QTcpSocket socket_;
-    QMap<QString, QScriptValue> listeners_;
+    DriverDesk& m_desk;
+    QTcpSocket m_socket;
+    QMap<QString, QScriptValue> m_listeners;
 };

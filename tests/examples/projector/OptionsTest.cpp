@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "Options.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 

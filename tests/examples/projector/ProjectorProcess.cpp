@@ -5,62 +5,62 @@
 #include "Waits.h"
 
 bool ProjectorProcess::Start(const QStringList& words) {
-    output_.clear();
-    process_.start(QStringLiteral(EXAMPLES_BIN "/projector"), words);
-    while (!output_.contains('\n')) {
-        if (!process_.waitForReadyRead(kLongest))
+    m_output.clear();
+    m_process.start(QStringLiteral(EXAMPLES_BIN "/projector"), words);
+    while (!m_output.contains('\n')) {
+        if (!m_process.waitForReadyRead(kLongest))
             return false;
-        output_ += process_.readAllStandardOutput();
+        m_output += m_process.readAllStandardOutput();
     }
-    port_ = static_cast<quint16>(output_.mid(output_.indexOf(':') + 1, output_.indexOf('\n')).trimmed().toUInt());
-    return port_ != 0;
+    m_port = static_cast<quint16>(m_output.mid(m_output.indexOf(':') + 1, m_output.indexOf('\n')).trimmed().toUInt());
+    return m_port != 0;
 }
 
 int ProjectorProcess::Run(const QStringList& words) {
-    process_.start(QStringLiteral(EXAMPLES_BIN "/projector"), words);
+    m_process.start(QStringLiteral(EXAMPLES_BIN "/projector"), words);
     return ExitCode();
 }
 
 int ProjectorProcess::Terminate() {
-    process_.terminate();
+    m_process.terminate();
     return ExitCode();
 }
 
 int ProjectorProcess::ExitCode() {
-    const bool ended = process_.state() == QProcess::NotRunning || process_.waitForFinished(kLongest);
-    return ended && process_.exitStatus() == QProcess::NormalExit ? process_.exitCode() : -1;
+    const bool ended = m_process.state() == QProcess::NotRunning || m_process.waitForFinished(kLongest);
+    return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
 }
 
 void ProjectorProcess::Kill() {
-    process_.kill();
-    process_.waitForFinished(kLongest);
+    m_process.kill();
+    m_process.waitForFinished(kLongest);
 }
 
 QByteArray ProjectorProcess::Output() {
-    process_.waitForReadyRead(0);
-    return output_ += process_.readAllStandardOutput();
+    m_process.waitForReadyRead(0);
+    return m_output += m_process.readAllStandardOutput();
 }
 
 ProjectorClient::ProjectorClient(quint16 port) {
-    socket_.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
-    socket_.waitForConnected(kLongest);
+    m_socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    m_socket.waitForConnected(kLongest);
 }
 
 void ProjectorClient::Say(const QByteArray& bytes) {
-    socket_.write(bytes);
-    socket_.flush();
+    m_socket.write(bytes);
+    m_socket.flush();
 }
 
 QByteArray ProjectorClient::Line() {
-    pieces_ = 0;
-    while (!received_.contains('\r')) {
-        if (socket_.bytesAvailable() == 0 && !socket_.waitForReadyRead(kLongest))
+    m_pieces = 0;
+    while (!m_received.contains('\r')) {
+        if (m_socket.bytesAvailable() == 0 && !m_socket.waitForReadyRead(kLongest))
             return {};
-        received_ += socket_.readAll();
-        ++pieces_;
+        m_received += m_socket.readAll();
+        ++m_pieces;
     }
-    const QByteArray line = received_.left(received_.indexOf('\r'));
-    received_.remove(0, line.size() + 1);
+    const QByteArray line = m_received.left(m_received.indexOf('\r'));
+    m_received.remove(0, line.size() + 1);
     return line;
 }
 
@@ -70,5 +70,5 @@ QByteArray ProjectorClient::Ask(const QByteArray& command) {
 }
 
 bool ProjectorClient::IsSentAway() {
-    return socket_.state() == QAbstractSocket::UnconnectedState || socket_.waitForDisconnected(kLongest);
+    return m_socket.state() == QAbstractSocket::UnconnectedState || m_socket.waitForDisconnected(kLongest);
 }

@@ -20,16 +20,16 @@ public:
     /// Ends it as a broken mains does.
     void Kill();
 
-    quint16 Port() const { return port_; }
+    quint16 Port() const { return m_port; }
     QByteArray Output(); ///< all that it has printed so far
-    QByteArray Errors() { return process_.readAllStandardError(); }
+    QByteArray Errors() { return m_process.readAllStandardError(); }
 
 private:
     int ExitCode();
 
-    QProcess process_;
-    QByteArray output_;
-    quint16 port_ = 0;
+    QProcess m_process;
+    QByteArray m_output;
+    quint16 m_port = 0;
 };
 
 /// A client of a projector that says what it is told.
@@ -45,10 +45,10 @@ public:
     /// @return whether the projector closes the connection; waits for it.
     bool IsSentAway();
     /// How many times data arrived while the last line was read.
-    int Pieces() const { return pieces_; }
+    int Pieces() const { return m_pieces; }
 
 private:
-    QTcpSocket socket_;
-    QByteArray received_;
-    int pieces_ = 0;
+    QTcpSocket m_socket;
+    QByteArray m_received;
+    int m_pieces = 0;
 };

@@ -1,8 +1,9 @@
+#include "Projector.h"
+
 #include <gtest/gtest.h>
 
 #include <QTest>
 
-#include "Projector.h"
 #include "Waits.h"
 
 namespace {

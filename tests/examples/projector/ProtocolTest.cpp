@@ -1,9 +1,10 @@
+#include "Protocol.h"
+
 #include <gtest/gtest.h>
 
 #include <QTest>
 
 #include "Projector.h"
-#include "Protocol.h"
 #include "Waits.h"
 
 namespace {

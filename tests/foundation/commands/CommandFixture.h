@@ -1,12 +1,12 @@
 #pragma once
 
-#include "ICommandObjectHandler.h"
-#include "MCommandObject.h"
-
 #include <algorithm>
 #include <atomic>
 #include <mutex>
 #include <vector>
+
+#include "ICommandObjectHandler.h"
+#include "MCommandObject.h"
 
 /// Stands for the requests behind commands: the user data of a command is the address of its request.
 class Requests : public ICommandObjectHandler {

@@ -1,9 +1,10 @@
 #include "CommandQueue.h"
 
-#include "CommandFixture.h"
+#include <thread>
 
 #include <gtest/gtest.h>
-#include <thread>
+
+#include "CommandFixture.h"
 
 namespace {
 

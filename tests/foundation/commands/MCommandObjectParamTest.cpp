@@ -1,9 +1,10 @@
 #include "MCommandObjectParam.h"
 
 #include <cstring>
-#include <gtest/gtest.h>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 namespace {
 

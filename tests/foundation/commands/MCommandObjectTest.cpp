@@ -1,7 +1,8 @@
-#include "CommandFixture.h"
+#include <string>
 
 #include <gtest/gtest.h>
-#include <string>
+
+#include "CommandFixture.h"
 
 namespace {
 

@@ -1,9 +1,10 @@
 #include "MIObjectMap.h"
 
 #include <atomic>
-#include <gtest/gtest.h>
 #include <memory>
 #include <thread>
+
+#include <gtest/gtest.h>
 
 namespace {
 

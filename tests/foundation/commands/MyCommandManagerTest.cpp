@@ -1,13 +1,14 @@
 #include "MyCommandManager.h"
 
+#include <functional>
+#include <thread>
+
+#include <gtest/gtest.h>
+
 #include "CommandFixture.h"
 #include "Deadline.h"
 #include "MThread.h"
 #include "MThreadTimer.h"
-
-#include <functional>
-#include <gtest/gtest.h>
-#include <thread>
 
 namespace {
 

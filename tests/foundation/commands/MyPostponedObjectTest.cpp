@@ -1,11 +1,12 @@
 #include "MyPostponedObject.h"
 
-#include "CommandFixture.h"
-#include "MIObjectMap.h"
-
-#include <gtest/gtest.h>
 #include <set>
 #include <thread>
+
+#include <gtest/gtest.h>
+
+#include "CommandFixture.h"
+#include "MIObjectMap.h"
 
 TEST(MyPostponedObject, KeepsItsCommandUntilTheLastReferenceGoes) {
     Requests requests;

@@ -1,14 +1,15 @@
 #include "HostResolver.h"
 
+#include <thread>
+
+#include <gtest/gtest.h>
+
 #include "Deadline.h"
 #include "LoopbackPeer.h"
 #include "MTCPClientSocket.h"
 #include "OwnNetwork.h"
 #include "SilentResolver.h"
 #include "SocketRecorder.h"
-
-#include <gtest/gtest.h>
-#include <thread>
 
 using Outcome = HostResolver::Outcome;
 

@@ -1,18 +1,19 @@
 #include "LoopbackPeer.h"
 
-#include "Deadline.h"
-
-#include <arpa/inet.h>
 #include <array>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
+#include <utility>
+
+#include <arpa/inet.h>
+#include <fcntl.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <utility>
+
+#include "Deadline.h"
 
 namespace {
 

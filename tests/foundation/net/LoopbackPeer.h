@@ -74,6 +74,6 @@ std::size_t CountThreads();
 std::vector<int> SocketDescriptors();
 std::uint16_t LocalPortOf(int descriptor);
 
-/// Puts a file that is no socket in the place of somebody else's descriptor, so that the system refuses what is asked of it. Called
-/// past the sanitizers, which take it for a race. @return the socket that was there.
+/// Puts a file that is no socket in the place of somebody else's descriptor, so that the system refuses what is asked
+/// of it. Called past the sanitizers, which take it for a race. @return the socket that was there.
 Peer ReplaceByZeros(int descriptor);

@@ -1,9 +1,10 @@
-#include "TCPFixture.h"
-
 #include <csignal>
+
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
+
+#include "TCPFixture.h"
 
 namespace {
 

@@ -1,7 +1,8 @@
-#include "UDPFixture.h"
+#include <thread>
 
 #include <sys/resource.h>
-#include <thread>
+
+#include "UDPFixture.h"
 
 namespace {
 

@@ -1,10 +1,12 @@
 #include "MWSAData.h"
 
-#include "SocketAddress.h"
-
 #include <array>
-#include <gtest/gtest.h>
+
 #include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "SocketAddress.h"
 
 TEST(SocketLibraryState, StartAndStopMayBeRepeated) {
     MWSAData data;

@@ -1,6 +1,6 @@
-#include "OwnNetwork.h"
-
 #include <gtest/gtest.h>
+
+#include "OwnNetwork.h"
 
 int main(int argc, char** argv) {
     const int code = RunInOwnNetwork(argv);

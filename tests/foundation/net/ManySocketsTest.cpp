@@ -1,6 +1,6 @@
-#include "TCPFixture.h"
-
 #include <ctime>
+
+#include "TCPFixture.h"
 
 namespace {
 

@@ -1,9 +1,11 @@
 #include "NetCodes.h"
-#include "MWSAData.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 #include <iterator>
+
+#include <gtest/gtest.h>
+
+#include "MWSAData.h"
 
 namespace {
 

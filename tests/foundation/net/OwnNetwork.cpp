@@ -5,11 +5,12 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <string>
+
 #include <net/if.h>
 #include <net/route.h>
 #include <netinet/in.h>
 #include <sched.h>
-#include <string>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>

@@ -2,8 +2,8 @@
 
 #include <sys/resource.h>
 
-/// While it lives the system refuses to wait on more than one descriptor at once: waits that run go on, new ones fail. Nothing can be
-/// opened meanwhile.
+/// While it lives the system refuses to wait on more than one descriptor at once: waits that run go on, new ones fail.
+/// Nothing can be opened meanwhile.
 class RefusedWaits {
 public:
     RefusedWaits() {

@@ -1,12 +1,14 @@
 #include "SendQueue.h"
 
+#include <array>
+#include <thread>
+
+#include <sys/socket.h>
+
+#include <gtest/gtest.h>
+
 #include "Deadline.h"
 #include "LoopbackPeer.h"
-
-#include <array>
-#include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <thread>
 
 namespace {
 

@@ -1,18 +1,18 @@
 #pragma once
 
-#include "OwnNetwork.h"
-
-#include "Deadline.h"
-
 #include <array>
 #include <cstddef>
+
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-/// A name server that takes questions and is silent until its end, when it tells them all that it failed. Needs the own network,
-/// where 127.0.0.1 is the resolver.
+#include "Deadline.h"
+#include "OwnNetwork.h"
+
+/// A name server that takes questions and is silent until its end, when it tells them all that it failed. Needs the own
+/// network, where 127.0.0.1 is the resolver.
 class SilentResolver {
 public:
     SilentResolver() {
@@ -44,7 +44,8 @@ public:
     }
 
 private:
-    // The header of RFC 1035: the third byte's highest bit makes it an answer, the fourth's lowest four are the code, 2 a failure.
+    // The header of RFC 1035: the third byte's highest bit makes it
+    // an answer, the fourth's lowest four are the code, 2 a failure.
     bool AnswerOne() const {
         std::array<unsigned char, 512> message{};
         sockaddr_in asker{};

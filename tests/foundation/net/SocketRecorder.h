@@ -1,15 +1,15 @@
 #pragma once
 
-#include "Deadline.h"
-#include "MTCPClientSocket.h"
-#include "MUDPSocket.h"
-
 #include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
+
+#include "Deadline.h"
+#include "MTCPClientSocket.h"
+#include "MUDPSocket.h"
 
 /// What happened, in order, as words; another thread waits for it.
 class Diary {

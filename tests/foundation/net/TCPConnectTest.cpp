@@ -1,7 +1,8 @@
-#include "TCPFixture.h"
-
 #include <chrono>
+
 #include <sys/resource.h>
+
+#include "TCPFixture.h"
 
 namespace {
 

@@ -1,13 +1,15 @@
 #pragma once
 
+#include <thread>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include <gtest/gtest.h>
+
 #include "LoopbackPeer.h"
 #include "OwnNetwork.h"
 #include "SocketRecorder.h"
-
-#include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <thread>
 
 /// A client on 127.0.0.1 with a recorder, and the words to tell stories about it.
 class TCPFixture : public testing::Test {

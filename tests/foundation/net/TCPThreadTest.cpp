@@ -1,7 +1,7 @@
+#include <chrono>
+
 #include "RefusedWaits.h"
 #include "TCPFixture.h"
-
-#include <chrono>
 
 namespace {
 

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <memory>
+
+#include <gtest/gtest.h>
+
 #include "LoopbackPeer.h"
 #include "OwnNetwork.h"
 #include "SocketRecorder.h"
-
-#include <gtest/gtest.h>
-#include <memory>
 
 /// A datagram socket with a recorder, and a plain one that sends to it.
 class UDPFixture : public testing::Test {

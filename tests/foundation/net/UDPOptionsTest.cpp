@@ -1,8 +1,9 @@
-#include "UDPFixture.h"
-
 #include <algorithm>
+
 #include <netinet/in.h>
 #include <sys/socket.h>
+
+#include "UDPFixture.h"
 
 namespace {
 

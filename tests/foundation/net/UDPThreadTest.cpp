@@ -1,8 +1,8 @@
-#include "RefusedWaits.h"
-#include "UDPFixture.h"
-
 #include <chrono>
 #include <thread>
+
+#include "RefusedWaits.h"
+#include "UDPFixture.h"
 
 namespace {
 

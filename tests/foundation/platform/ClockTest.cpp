@@ -1,7 +1,8 @@
 #include "Clock.h"
-#include "Deadline.h"
 
 #include <gtest/gtest.h>
+
+#include "Deadline.h"
 
 TEST(Clock, MovesForwardByMilliseconds) {
     using namespace std::chrono;

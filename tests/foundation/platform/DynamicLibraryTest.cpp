@@ -1,7 +1,8 @@
 #include "DynamicLibrary.h"
 
-#include <gtest/gtest.h>
 #include <utility>
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,9 +1,10 @@
 #include "HostLookup.h"
 
-#include "SocketAddress.h"
-
 #include <algorithm>
+
 #include <gtest/gtest.h>
+
+#include "SocketAddress.h"
 
 TEST(HostLookUp, FindsTheMachineItself) {
     std::uint32_t address = 0;

@@ -1,10 +1,11 @@
 #include "ModuleFile.h"
 
-#include "DynamicLibrary.h"
-
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <memory>
+
+#include <gtest/gtest.h>
+
+#include "DynamicLibrary.h"
 
 namespace {
 

@@ -2,8 +2,9 @@
 
 #include <array>
 #include <clocale>
-#include <gtest/gtest.h>
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace {
 

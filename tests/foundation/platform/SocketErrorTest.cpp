@@ -1,6 +1,7 @@
 #include "SocketError.h"
 
 #include <cerrno>
+
 #include <gtest/gtest.h>
 
 TEST(SocketErrors, HaveTheNumbersThatTheLayerAboveKnows) {

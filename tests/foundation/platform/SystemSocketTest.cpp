@@ -1,17 +1,19 @@
 #include "SystemSocket.h"
 
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <string>
+#include <thread>
+
+#include <pthread.h>
+
+#include <gtest/gtest.h>
+
 #include "DatagramReader.h"
 #include "Deadline.h"
 #include "SocketWait.h"
 #include "SystemThread.h"
-
-#include <array>
-#include <atomic>
-#include <csignal>
-#include <gtest/gtest.h>
-#include <pthread.h>
-#include <string>
-#include <thread>
 
 namespace {
 

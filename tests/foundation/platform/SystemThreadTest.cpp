@@ -1,14 +1,15 @@
 #include "SystemThread.h"
 
-#include "Deadline.h"
-#include "MEvent.h"
-
 #include <array>
 #include <atomic>
-#include <gtest/gtest.h>
 #include <memory>
 #include <thread>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Deadline.h"
+#include "MEvent.h"
 
 namespace {
 

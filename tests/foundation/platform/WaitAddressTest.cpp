@@ -1,11 +1,12 @@
 #include "WaitAddress.h"
 
+#include <thread>
+
+#include <gtest/gtest.h>
+
 #include "Clock.h"
 #include "Deadline.h"
 #include "SystemThread.h"
-
-#include <gtest/gtest.h>
-#include <thread>
 
 TEST(WaitAddress, DoesNotSleepWhenTheWordHasChanged) {
     const std::atomic<std::uint32_t> word{2};

@@ -1,12 +1,13 @@
-#include "MString.h"
-
 #include <algorithm>
 #include <clocale>
 #include <cstdarg>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <limits>
 #include <string>
+
+#include <gtest/gtest.h>
+
+#include "MString.h"
 
 namespace {
 

@@ -1,9 +1,10 @@
-#include "MString.h"
-
 #include <algorithm>
-#include <gtest/gtest.h>
 #include <random>
 #include <string>
+
+#include <gtest/gtest.h>
+
+#include "MString.h"
 
 namespace {
 

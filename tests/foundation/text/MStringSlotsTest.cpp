@@ -1,11 +1,12 @@
-#include "MString.h"
-
 #include <array>
 #include <cstdint>
-#include <gtest/gtest.h>
 #include <tuple>
 #include <type_traits>
 #include <utility>
+
+#include <gtest/gtest.h>
+
+#include "MString.h"
 
 namespace {
 
@@ -51,8 +52,8 @@ const auto kOperations = std::make_tuple(
 constexpr std::size_t kCount = std::tuple_size_v<decltype(kOperations)>;
 static_assert(kCount + 1 == 75, "with the destructor");
 
-/// The place of a virtual operation among those of its class, from 0, by the platform's C++ ABI: a pointer to it holds 1 plus
-/// its place in bytes.
+/// The place of a virtual operation among those of its class, from 0, by the platform's C++ ABI: a pointer to it holds
+/// 1 plus its place in bytes.
 template <class Operation>
 std::size_t Slot(Operation operation) {
     static_assert(std::is_member_function_pointer_v<Operation>);

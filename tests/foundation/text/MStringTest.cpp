@@ -3,9 +3,10 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <memory>
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,8 +1,9 @@
 #include "NumberText.h"
 
 #include <cmath>
-#include <gtest/gtest.h>
 #include <limits>
+
+#include <gtest/gtest.h>
 
 namespace {
 

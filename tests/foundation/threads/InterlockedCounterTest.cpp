@@ -1,9 +1,10 @@
 #include "InterlockedCounter.h"
 
-#include <gtest/gtest.h>
 #include <limits>
 #include <thread>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 TEST(InterlockedCounter, CountsAndReturnsTheNewValue) {
     InterlockedCounter counter;

@@ -1,12 +1,13 @@
 #include "MEvent.h"
 
-#include "Deadline.h"
-
 #include <atomic>
-#include <gtest/gtest.h>
 #include <memory>
 #include <thread>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Deadline.h"
 
 TEST(MEvent, IsClearAtFirstUnlessAskedOtherwise) {
     EXPECT_FALSE(MEvent().IsSet());

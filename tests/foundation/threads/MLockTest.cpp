@@ -1,7 +1,8 @@
 #include "MLock.h"
 
-#include <gtest/gtest.h>
 #include <thread>
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,8 +1,9 @@
 #include "MLockedList.h"
 
-#include <gtest/gtest.h>
 #include <numeric>
 #include <thread>
+
+#include <gtest/gtest.h>
 
 namespace {
 

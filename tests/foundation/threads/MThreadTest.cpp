@@ -1,11 +1,12 @@
 #include "MThread.h"
 
-#include "Deadline.h"
-
 #include <atomic>
-#include <gtest/gtest.h>
 #include <memory>
 #include <thread>
+
+#include <gtest/gtest.h>
+
+#include "Deadline.h"
 
 namespace {
 

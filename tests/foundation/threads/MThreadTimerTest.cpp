@@ -1,15 +1,16 @@
 #include "MThreadTimer.h"
 
-#include "Clock.h"
-#include "Deadline.h"
-
 #include <atomic>
 #include <chrono>
 #include <functional>
-#include <gtest/gtest.h>
 #include <initializer_list>
 #include <thread>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Clock.h"
+#include "Deadline.h"
 
 namespace {
 

@@ -1,7 +1,8 @@
 #include "DateFormat.h"
 
-#include <gtest/gtest.h>
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,9 +1,9 @@
-#include "TimeVocabulary.h"
-
 #include <array>
 
-// The simple rule of drop frame, against the published numbering (SMPTE ST 12-1): labels 0 and 1 of each minute are left
-// out, but for minutes that ten divides. docs/timecode.md tells what these numbers mean for a show.
+#include "TimeVocabulary.h"
+
+// The simple rule of drop frame, against the published numbering (SMPTE ST 12-1): labels 0 and 1 of each minute are
+// left out, but for minutes that ten divides. docs/timecode.md tells what these numbers mean for a show.
 
 namespace {
 

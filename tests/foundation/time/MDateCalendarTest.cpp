@@ -1,6 +1,6 @@
-#include "MDate.h"
-
 #include <gtest/gtest.h>
+
+#include "MDate.h"
 
 namespace {
 

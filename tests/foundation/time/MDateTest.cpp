@@ -1,12 +1,14 @@
 #include "MDate.h"
-#include "DateFormat.h"
-#include "TimeVocabulary.h"
 
 #include <atomic>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <string>
 #include <thread>
+
+#include <gtest/gtest.h>
+
+#include "DateFormat.h"
+#include "TimeVocabulary.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
-#include "TimeVocabulary.h"
-
 #include <array>
 #include <cstdio>
+
+#include "TimeVocabulary.h"
 
 // Every frame of a day, in every type. Drop frame has a file of its own.
 
@@ -71,8 +71,8 @@ TEST(MTimeDay, GoesThereAndBackInEveryFrameAt30) {
     ExpectDayGoesThereAndBack(kVideo30, 30, 1);
 }
 
-// Sanitizers take steps instead, without a common divisor with 1000 or 60: every hundredth and every millisecond is then met
-// beside every second, minute and hour, though not all of them together.
+// Sanitizers take steps instead, without a common divisor with 1000 or 60: every hundredth and every millisecond is
+// then met beside every second, minute and hour, though not all of them together.
 TEST(MTimeDay, GoesThereAndBackInEveryHundredth) {
     ExpectDayGoesThereAndBack(kHundredths, 100, DAY_IN_STEPS ? 7 : 1);
 }

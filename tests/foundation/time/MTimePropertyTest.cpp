@@ -1,9 +1,9 @@
-#include "TimeVocabulary.h"
-
 #include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <random>
+
+#include "TimeVocabulary.h"
 
 // What people type, made at random and compared with a model that rewrites the text instead of walking it.
 

@@ -1,8 +1,8 @@
-#include "TimeVocabulary.h"
-
 #include <thread>
 #include <type_traits>
 #include <vector>
+
+#include "TimeVocabulary.h"
 
 static_assert(std::has_virtual_destructor_v<MTime>);
 static_assert(!std::is_convertible_v<std::int32_t, MTime>);

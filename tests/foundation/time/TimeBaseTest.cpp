@@ -1,7 +1,7 @@
-#include "TimeVocabulary.h"
-
 #include <cmath>
 #include <random>
+
+#include "TimeVocabulary.h"
 
 namespace {
 

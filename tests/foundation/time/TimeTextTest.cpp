@@ -1,6 +1,6 @@
-#include "TimeVocabulary.h"
-
 #include <array>
+
+#include "TimeVocabulary.h"
 
 namespace {
 

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "MTime.h"
-
 #include <cstdint>
-#include <gtest/gtest.h>
 #include <string>
+
+#include <gtest/gtest.h>
+
+#include "MTime.h"
 
 constexpr std::int32_t kFilm = 0;
 constexpr std::int32_t kVideo25 = 1;

@@ -4,10 +4,9 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <tinyxml.h>
 
 #include <QThread>
-
-#include <tinyxml.h>
 
 #include "GuardedXml.h"
 #include "ModuleResources.h"

@@ -4,10 +4,9 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <tinyxml.h>
 
 #include <QThread>
-
-#include <tinyxml.h>
 
 namespace {
 

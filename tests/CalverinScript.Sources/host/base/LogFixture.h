@@ -13,7 +13,8 @@
 /// Whether a file is mapped into this process.
 bool IsMapped(const std::string& path);
 
-/// A module in a folder of its own, a host that says what it wants of the log, and the logging library of the test's choice.
+/// A module in a folder of its own, a host that says what it wants
+/// of the log, and the logging library of the test's choice.
 class LogFixture : public testing::Test {
 protected:
     void SetUp() override;

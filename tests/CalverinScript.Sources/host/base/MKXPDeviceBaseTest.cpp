@@ -6,7 +6,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-
 #include <tinyxml.h>
 
 namespace {
