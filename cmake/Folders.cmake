@@ -1,10 +1,14 @@
 # A folder of the tree is one static library, named after its path with points ("foundation.text"). It names its files
-# and the neighbours that it may use; headers are included by their bare name, and only those of a neighbour (and of
-# that neighbour's neighbours) can be found. So a forbidden include does not even compile.
+# and the neighbours that it uses; headers are included by their bare name, and only those of a neighbour that is named
+# can be found. A neighbour's own neighbours are linked along, but what their headers hold stays hidden: an include of a
+# folder that is not named, be it through another header, does not even compile.
 #
 #   calverin_folder(foundation.commands
 #       SOURCES MCommandObject.h MCommandObject.cpp
 #       USES foundation.text foundation.threads)
+#
+# A test sees what its subject sees: <name>.open stands for a folder, all that it uses, and all that these use in turn.
+# Only tests and benchmarks link it.
 #
 # With QT the folder may use Qt: moc runs over its headers and texts are never converted from 8 bits by accident.
 function(calverin_folder name)
@@ -12,7 +16,15 @@ function(calverin_folder name)
     add_library(${name} STATIC ${FOLDER_SOURCES})
     set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
     target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
-    target_link_libraries(${name} PUBLIC ${FOLDER_USES})
+    target_link_libraries(${name} PRIVATE ${FOLDER_USES})
+    add_library(${name}.open INTERFACE)
+    target_link_libraries(${name}.open INTERFACE ${name})
+    foreach(used IN LISTS FOLDER_USES)
+        if(used MATCHES "^[a-zA-Z.]+$") # a folder, perhaps one that is told of later; others bring what they need along
+            set(used $<IF:$<TARGET_EXISTS:${used}.open>,${used}.open,${used}>)
+        endif()
+        target_link_libraries(${name}.open INTERFACE ${used})
+    endforeach()
     if(FOLDER_QT)
         calverin_use_qt(${name})
     endif()
