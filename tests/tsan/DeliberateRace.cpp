@@ -1,4 +1,5 @@
-// Two threads write one plain number. The thread sanitizer has to say so: a run without a report means that it is blind.
+// Two threads write one plain number. The thread sanitizer has
+// to say so: a run without a report means that it is blind.
 #include <thread>
 
 int main() {

@@ -13,17 +13,17 @@ enum KXPChannelType : std::uint32_t {
     KXP_ANALOG_INPUT = 3
 };
 
-/// Hears of one channel. Never released by the host: used from AddHandler until RemoveHandler has returned, on any thread of
-/// the host's and from inside any call that the module makes. Every operation comes back at once. There is no QueryInterface:
-/// the IResourceHandler of the same object answers "IIOResourceChannelHandler".
+/// Hears of one channel. Never released by the host: used from AddHandler until RemoveHandler has returned, on any
+/// thread of the host's and from inside any call that the module makes. Every operation comes back at once. There is no
+/// QueryInterface: the IResourceHandler of the same object answers "IIOResourceChannelHandler".
 class IIOResourceChannelHandler {
 public:
     /// Place 1. The channel has a new value. What is not this channel's own is ignored.   [any]
     virtual void OnValueChanged(IIOResourceChannel* channel, std::int32_t value, std::uint32_t reserved) = 0;
     /// Place 2. Does nothing.   [any]
     virtual KXPCode Reserved2(void* argument1, void* argument2, void* argument3, void* argument4) = 0;
-    /// Place 3. The name of the device that uses the channel, "" when it has none or the channel is another. Owned by the
-    /// device, valid until it is renamed.   [any]
+    /// Place 3. The name of the device that uses the channel, "" when it has none or the channel is another. Owned by
+    /// the device, valid until it is renamed.   [any]
     virtual const char* GetOwnerName(IIOResourceChannel* channel) = 0;
 
 protected:
@@ -33,10 +33,12 @@ protected:
     ~IIOResourceChannelHandler() = default;
 };
 
-/// A channel of an I/O resource. It is no IMInterface: its first operation is AddHandler. Lives as long as its resource.
+/// A channel of an I/O resource. It is no IMInterface: its first
+/// operation is AddHandler. Lives as long as its resource.
 class IIOResourceChannel {
 public:
-    /// Place 1. @param handler not owned, called until RemoveHandler has returned. @return 0, 2 null handler.   [host main]
+    /// Place 1. @param handler not owned, called until RemoveHandler
+    /// has returned. @return 0, 2 null handler.   [host main]
     virtual KXPCode AddHandler(IIOResourceChannelHandler* handler) = 0;
     /// Place 2. Waits until no other thread is inside the handler. An unknown handler is ignored.
     /// @return 0.   [host main, script]
@@ -78,17 +80,17 @@ public:
     virtual KXPCode Reserved15() = 0;
     virtual KXPCode Reserved16() = 0;
     virtual KXPCode Reserved17() = 0;
-    /// Place 18. A channel by its type, see KXPChannelType, and its number. @return owned by the resource, null when there is
-    /// none.   [host main]
+    /// Place 18. A channel by its type, see KXPChannelType, and its number. @return owned by the resource, null when
+    /// there is none.   [host main]
     virtual IIOResourceChannel* GetChannel(std::uint32_t channelType, std::int32_t channelIndex) = 0;
     /// Place 19. Puts out what the channels' SetValue has set, all together. @return 0.   [script]
     virtual KXPCode Flush() = 0;
-    /// Place 20. Opens the resource for one more handler, which hears of its state until Close, whatever this returns. A
-    /// handler that is known already counts once.
+    /// Place 20. Opens the resource for one more handler, which hears of its state until Close, whatever this returns.
+    /// A handler that is known already counts once.
     /// @param handler not owned. @return 0 accepted, another code refused.   [script]
     virtual KXPCode Open(IResourceHandler* handler) = 0;
-    /// Place 21. Closes the resource for one handler; it closes when none has it open any more. Waits until no other thread is
-    /// inside the handler. An unknown handler is ignored.
+    /// Place 21. Closes the resource for one handler; it closes when none has it open any more. Waits until no other
+    /// thread is inside the handler. An unknown handler is ignored.
     /// @return 0.   [script, host main]
     virtual KXPCode Close(IResourceHandler* handler) = 0;
 

@@ -5,8 +5,8 @@
 /// @file
 /// What the resources of the host have in common: serial ports, DMX universes and I/O resources.
 ///
-/// The place of an operation counts from 1, inherited operations included; a reserved operation carries its place in its
-/// name, and the module never calls it. The host owns every resource. The module never releases one: it uses what
+/// The place of an operation counts from 1, inherited operations included; a reserved operation carries its place in
+/// its name, and the module never calls it. The host owns every resource. The module never releases one: it uses what
 /// IResourceProvider gave it until RemoveHandler and Close have returned, and begins no call after that. A call that is
 /// still inside then keeps the resource from going.
 
@@ -62,11 +62,11 @@ protected:
     ~IResourceProxy() = default;
 };
 
-/// Hears of a resource. Implemented by the module, and never released by the host: it is used from AddHandler, or Open of
-/// an IIOResource, until RemoveHandler, or Close, has returned.
+/// Hears of a resource. Implemented by the module, and never released by the host: it is used from AddHandler, or Open
+/// of an IIOResource, until RemoveHandler, or Close, has returned.
 ///
-/// The host may call it on any thread of its own and from inside any call that the module makes. Every operation comes back
-/// at once and waits for no script.
+/// The host may call it on any thread of its own and from inside any call that the module makes. Every operation comes
+/// back at once and waits for no script.
 class IResourceHandler {
 public:
     /// Finds another face of the handler. All answer "IMInterface", though they have no Release, with this face.
@@ -74,8 +74,8 @@ public:
     virtual KXPCode QueryInterface(const char* name, void** out) = 0;
     /// The state may have changed: the handler asks for it with GetState.   [any]
     virtual void OnStateChanged() = 0;
-    /// The name of the device that uses the resource, "" when it has none. Owned by the device, valid until it is renamed.
-    /// [any]
+    /// The name of the device that uses the resource, "" when it has
+    /// none. Owned by the device, valid until it is renamed. [any]
     virtual const char* GetOwnerName() = 0;
     /// Does nothing.   [any]
     virtual KXPCode Reserved4(void* argument1, void* argument2, void* argument3, void* argument4) = 0;

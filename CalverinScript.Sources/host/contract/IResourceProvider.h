@@ -13,8 +13,8 @@ enum KXPResourceSubtype : std::uint32_t { KXP_RESOURCE_IN = 1, KXP_RESOURCE_OUT 
 /// Hands out the host's resources. Found on the host root as "IResourceProvider".
 class IResourceProvider : public IMInterface {
 public:
-    /// Place 3. A resource by its number, which its interface is then queried from: "ISerialResource", "IDMXResource" or
-    /// "IIOResource".
+    /// Place 3. A resource by its number, which its interface is then
+    /// queried from: "ISerialResource", "IDMXResource" or "IIOResource".
     /// @param kind       see KXPResourceKind.
     /// @param resourceId the host's number of the resource.
     /// @param subtype    see KXPResourceSubtype: both for serial ports and I/O resources, in or out for DMX.
@@ -28,7 +28,8 @@ public:
                                         KXPWindow parent) = 0;
 
     /// Place 5. Has the user choose a channel of an I/O resource in a modal dialog.
-    /// @param channelType see KXPChannelType. @param text shown to the user, borrowed. @param parent the window of the dialog.
+    /// @param channelType see KXPChannelType. @param text shown to
+    /// the user, borrowed. @param parent the window of the dialog.
     /// @return owned by the host, null when cancelled.   [host main]
     virtual IIOResourceChannel* SelectChannel(std::uint32_t channelType, const char* text, KXPWindow parent) = 0;
 

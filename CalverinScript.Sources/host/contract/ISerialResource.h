@@ -22,11 +22,12 @@ enum KXPSerialEvent : std::int32_t {
 /// Hears of a serial port. Answers "IMInterface" and "ISerialResourceHandler".
 class ISerialResourceHandler : public IResourceHandler {
 public:
-    /// Place 5. Bytes that came in. They are borrowed for the call; what is not this port's own is ignored, as is a length below
+    /// Place 5. Bytes that came in. They are borrowed for the call;
+    /// what is not this port's own is ignored, as is a length below
     /// 1.   [any]
     virtual void OnData(ISerialResource* resource, const std::uint8_t* data, std::int32_t length,
                         std::uint32_t reserved) = 0;
-    /// Place 6. Something beside data. @param eventType see KXPSerialEvent. @param state 0 off, anything else on.   [any]
+    /// Place 6. Something beside data. @param eventType see KXPSerialEvent. @param state 0 off, anything else on. [any]
     virtual void OnEvent(ISerialResource* resource, std::int32_t eventType, std::int32_t state,
                          std::uint32_t reserved) = 0;
 
@@ -34,8 +35,8 @@ protected:
     ~ISerialResourceHandler() = default;
 };
 
-/// A serial port. "ISerialResource". Its settings hold while it is closed and over a close: they belong to the port. The
-/// host reports a setting that the port cannot do to its user; the code alone tells the module.
+/// A serial port. "ISerialResource". Its settings hold while it is closed and over a close: they belong to the port.
+/// The host reports a setting that the port cannot do to its user; the code alone tells the module.
 class ISerialResource : public IPortResource {
 public:
     /// Place 17. @param handler not owned, called until RemoveHandler has returned. @param mask see KXPSerialMask.
@@ -47,8 +48,8 @@ public:
     virtual KXPCode Reserved19() = 0;
     virtual KXPCode Reserved20() = 0;
     virtual KXPCode Reserved21() = 0;
-    /// Place 22. Sends bytes, in the order of the calls. They are borrowed for the call; a length of 0 sends nothing; reserved is
-    /// 0.
+    /// Place 22. Sends bytes, in the order of the calls. They are borrowed for the call; a length of 0 sends nothing;
+    /// reserved is 0.
     /// @return 0 accepted, another code refused, as on a closed port.   [script]
     virtual KXPCode Write(const std::uint8_t* data, std::uint32_t length, std::uint32_t reserved) = 0;
     virtual KXPCode Reserved23() = 0;
@@ -61,8 +62,8 @@ public:
     virtual KXPCode SetDataSize(std::uint32_t value) = 0;
     /// Place 28. 1 or 2. @return as SetBaudRate.   [script]
     virtual KXPCode SetStopBits(std::uint32_t value) = 0;
-    /// Place 29. Holds the line (true) or lets it go. Comes back when that has happened, which is after all that was written
-    /// before has left; a Close ends the wait. @return as SetBaudRate.   [script]
+    /// Place 29. Holds the line (true) or lets it go. Comes back when that has happened, which is after all that was
+    /// written before has left; a Close ends the wait. @return as SetBaudRate.   [script]
     virtual KXPCode SetBreak(bool value) = 0;
     /// Place 30. The level of the line Data Terminal Ready. @return as SetBaudRate.   [script]
     virtual KXPCode SetDTR(bool value) = 0;

@@ -38,7 +38,8 @@ inline void PutLittle16(std::uint8_t* at, std::size_t value) {
     at[1] = static_cast<std::uint8_t>(value >> 8);
 }
 
-/// A text into a field of that size that is zero already: cut so that a NUL stays behind it, never inside a UTF-8 character.
+/// A text into a field of that size that is zero already: cut so
+/// that a NUL stays behind it, never inside a UTF-8 character.
 inline void PutText(std::uint8_t* at, std::size_t fieldSize, const std::string& text) {
     std::size_t length = text.size() < fieldSize ? text.size() : fieldSize - 1;
     while (length < text.size() && length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)

@@ -12,8 +12,8 @@
 namespace stagehost {
 
 /// @file
-/// Data packets of streaming ACN, as ANSI E1.31-2018 lays them out: a root layer with the sender's identifier, a framing
-/// layer with name, priority, sequence and universe, and a DMP layer with start code and levels.   [any]
+/// Data packets of streaming ACN, as ANSI E1.31-2018 lays them out: a root layer with the sender's identifier, a
+/// framing layer with name, priority, sequence and universe, and a DMP layer with start code and levels.   [any]
 
 inline constexpr std::uint16_t kSacnPort = 5568;
 inline constexpr std::uint16_t kSacnLastUniverse = 63999;

@@ -36,8 +36,8 @@ struct HeardFrame {
     DmxFrame frame;
 };
 
-/// The levels of a universe that come from the network: of the sources with the highest priority the highest value of each
-/// channel. When no source is left the levels stay. Not for two threads at once.
+/// The levels of a universe that come from the network: of the sources with the highest priority the highest value of
+/// each channel. When no source is left the levels stay. Not for two threads at once.
 class UniverseIn {
 public:
     explicit UniverseIn(const MergeRules& rules)
@@ -50,8 +50,8 @@ public:
         bool newSource = false; ///< it is the first of its source
     };
 
-    /// Takes a packet. One that was overtaken is refused: its sequence is up to 19 behind the last one (ANSI E1.31-2018,
-    /// 6.7.2). Previews, ends and other start codes carry no levels.
+    /// Takes a packet. One that was overtaken is refused: its sequence is up to 19 behind the last one (ANSI
+    /// E1.31-2018, 6.7.2). Previews, ends and other start codes carry no levels.
     Outcome Take(const HeardFrame& heard, DmxTime now);
 
     /// Lets go of the sources that have been silent. @param changed set to true when Merged is new.

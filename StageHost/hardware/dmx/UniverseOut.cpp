@@ -50,7 +50,8 @@ std::optional<Departure> UniverseOut::TakeDue(DmxTime now) {
     if ((!m_open && m_ends == 0) || now < m_next)
         return std::nullopt;
     const Departure departure{NextSequence(), !m_open, m_frame, m_next};
-    // Times stand on a grid, so that one late frame does not delay all that follow; after a long gap the grid begins anew.
+    // Times stand on a grid, so that one late frame does not delay
+    // all that follow; after a long gap the grid begins anew.
     const DmxTime left = now - m_next > m_period ? now : m_next;
     if (m_open)
         m_repeats = std::max(0, m_repeats - 1);

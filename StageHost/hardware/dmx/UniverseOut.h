@@ -43,7 +43,8 @@ public:
     /// Sends no more levels; what tells the end follows.
     void Close(DmxTime now);
 
-    /// Gives channels new levels, beginning with channel start, which counts from 0; what lies beyond the universe is cut.
+    /// Gives channels new levels, beginning with channel start,
+    /// which counts from 0; what lies beyond the universe is cut.
     /// @return false for a start beyond the universe.
     bool Write(const std::uint8_t* levels, std::size_t start, std::size_t count, DmxTime now);
 

@@ -1,6 +1,7 @@
+#include "ArtNetPacket.h"
+
 #include <gtest/gtest.h>
 
-#include "ArtNetPacket.h"
 #include "ArtNetPoll.h"
 
 using namespace stagehost;

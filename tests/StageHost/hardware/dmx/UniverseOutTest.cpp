@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "UniverseOut.h"
+
+#include <gtest/gtest.h>
 
 using namespace stagehost;
 
