@@ -37,9 +37,18 @@ function(calverin_use_qt name)
         QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_DEPRECATED_WARNINGS)
 endfunction()
 
-# Registers a GoogleTest program with ctest: calverin_test(<target> [TIMEOUT seconds] [SHARDS n] [ENVIRONMENT VAR=value...]).
+# Registers a GoogleTest program with ctest:
+#   calverin_test(<target> [PRODUCT] [TIMEOUT seconds] [SHARDS n] [ENVIRONMENT VAR=value...])
+# It carries the label "unit", so that the sanitizers run it too, unless it is of the PRODUCT: one that tests files and programs as
+# they are shipped.
 function(calverin_test name)
-    cmake_parse_arguments(TEST "" "TIMEOUT;SHARDS" "ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(TEST "PRODUCT" "TIMEOUT;SHARDS" "ENVIRONMENT" ${ARGN})
+    set(label unit)
+    if(TEST_PRODUCT)
+        set(label product)
+    else()
+        add_dependencies(unit_tests ${name})
+    endif()
     if(NOT TEST_TIMEOUT)
         set(TEST_TIMEOUT 300)
     endif()
@@ -53,7 +62,7 @@ function(calverin_test name)
             set(test_name ${name}.${shard})
         endif()
         add_test(NAME ${test_name} COMMAND ${name} --gtest_brief=1)
-        set_tests_properties(${test_name} PROPERTIES TIMEOUT ${TEST_TIMEOUT} ENVIRONMENT
+        set_tests_properties(${test_name} PROPERTIES LABELS ${label} TIMEOUT ${TEST_TIMEOUT} ENVIRONMENT
             "GTEST_TOTAL_SHARDS=${TEST_SHARDS};GTEST_SHARD_INDEX=${shard};${CALVERIN_SANITIZER_ENVIRONMENT};${TEST_ENVIRONMENT}")
     endforeach()
 endfunction()
