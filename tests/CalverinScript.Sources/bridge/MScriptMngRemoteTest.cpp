@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Deadline.h"
 #include "FakeRemotes.h"
 #include "FakeScriptDevice.h"
 
@@ -212,8 +213,10 @@ TEST_F(Bridge, MayEndContextsWhileTheHostEndsThemToo) {
     };
     std::atomic<bool> over{false};
     std::thread ender([&] {
-        while (!over)
+        EXPECT_TRUE(Eventually([&] {
             remote->EndContexts();
+            return over.load();
+        }));
     });
     for (int i = 0; i < 300; ++i)
         EXPECT_EQ(remote->RegisterRootGroup(), KXP_OK);

@@ -76,8 +76,7 @@ TEST_F(EndOfDevice, AStopThatWaitsForAHungCommandReturnsWhenTheDeviceIsReleased)
         device->Stop();
         stopped = true;
     });
-    while (device->IsRunning() == KXP_OK) {
-    }
+    EXPECT_TRUE(Eventually([&] { return device->IsRunning() != KXP_OK; }));
     EXPECT_FALSE(stopped);
     device->Release();
     device = nullptr;

@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include "CompletionGate.h"
+#include "Deadline.h"
 #include "OwnedArgument.h"
 #include "PlainHost.h"
 #include "ResultText.h"
@@ -45,14 +46,17 @@ TEST_F(Inbox, RunsTheTasksOfOneThreadInTheOrderInWhichTheyWerePosted) {
                 inbox.Post([&seen, p, i] { seen[p].push_back(i); });
         });
     std::size_t run = 0;
-    ScriptInbox::Task task;
-    while (run < static_cast<std::size_t>(kPosters) * kTasksOfEach)
+    const bool allCame = Eventually([&] {
+        ScriptInbox::Task task;
         if (inbox.Take(task)) {
             task();
             ++run;
         }
+        return run == static_cast<std::size_t>(kPosters) * kTasksOfEach;
+    });
     for (std::thread& poster : posters)
         poster.join();
+    ASSERT_TRUE(allCame) << run;
     for (const std::vector<int>& order : seen) {
         ASSERT_EQ(order.size(), static_cast<std::size_t>(kTasksOfEach));
         EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
@@ -69,8 +73,10 @@ TEST_F(Inbox, RunsEveryTaskThatItAcceptedExactlyOnce) {
             for (int i = 0; i < kTasksOfEach; ++i)
                 accepted += inbox.Post([&run] { ++run; }) ? 1 : 0;
         });
-    while (run < kTasksOfEach)
+    EXPECT_TRUE(Eventually([&] {
         TakeAll();
+        return run >= kTasksOfEach;
+    }));
     inbox.Close();
     for (std::thread& poster : posters)
         poster.join();

@@ -48,11 +48,12 @@ TEST(MEvent, ASetIsNotLostWhenAResetFollowsAtOnce) {
             passed = event.Wait(kDeadlineMs);
         });
         ASSERT_TRUE(waiting.Wait(kDeadlineMs));
-        while (!passed) { // the waiter may not wait yet, so pulses go on until it has seen one
+        EXPECT_TRUE(Eventually([&] { // the waiter may not wait yet, so pulses go on until it has seen one
             event.Set();
             event.Reset();
-            std::this_thread::yield();
-        }
+            return passed.load();
+        }));
+        event.Set();
         waiter.join();
     }
 }

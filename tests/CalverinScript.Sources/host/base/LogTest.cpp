@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "Deadline.h"
 #include "LogFixture.h"
 #include "LogLibrary.h"
 
@@ -342,8 +343,7 @@ TEST_F(Log, MayBeClosedAndOpenedWhileOthersWrite) {
         });
     for (int i = 0; i < 50; ++i) {
         const int before = written;
-        while (written == before)
-            std::this_thread::yield();
+        EXPECT_TRUE(Eventually([&] { return written != before; }));
         CloseLog();
         EXPECT_TRUE(Open());
     }
