@@ -1,8 +1,5 @@
 #pragma once
 
-#include "IThreadTimerHandler.h"
-#include "SystemThread.h"
-
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -12,16 +9,19 @@
 #include <mutex>
 #include <vector>
 
-/// The handlers of an MThreadTimer and the thread that calls them, one pass after the other. The thread that asks for a pass
-/// waits for it, and so never sits in a handler itself: a call that does not come back in time is left to its handler, and
-/// another thread goes on with the handlers behind it.
+#include "IThreadTimerHandler.h"
+#include "SystemThread.h"
+
+/// The handlers of an MThreadTimer and the thread that calls them, one pass after the other. The thread that asks for a
+/// pass waits for it, and so never sits in a handler itself: a call that does not come back in time is left to its
+/// handler, and another thread goes on with the handlers behind it.
 ///
 /// - No lock is held while a handler runs.
 /// - At most one call of a handler is under way at a time. While one has been left, that handler is passed over.
 /// - A call that comes back late takes its place in the passes again.
 ///
-/// What the threads share belongs to all of them, since a call that was left may come back after the timer has gone.
-/// [thread: any, where nothing else is said]
+/// What the threads share belongs to all of them, since a call that was left may
+/// come back after the timer has gone.   [thread: any, where nothing else is said]
 class TimerPasses {
 public:
     using Clock = std::chrono::steady_clock;

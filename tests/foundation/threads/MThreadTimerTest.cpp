@@ -1,6 +1,7 @@
 #include "MThreadTimer.h"
 
 #include <atomic>
+#include <chrono>
 #include <ctime>
 #include <functional>
 #include <initializer_list>
