@@ -15,7 +15,9 @@ KXPCode MScriptMngRemote::CallAndWait(Operation operation, MString* text) {
     auto* context = new MyDeviceExecContext(syncContexts);
     KXPCode code = operation(context);
     if (code == KXP_PENDING) {
-        context->Wait();
+        const ScriptWait wait(&scriptWaits, [context] { context->GiveUp(); });
+        if (wait.IsAllowed())
+            context->Wait();
         code = context->GetErrorCode();
     }
     if (code == KXP_OK && text != nullptr)

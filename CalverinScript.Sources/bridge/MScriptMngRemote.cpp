@@ -1,9 +1,8 @@
 #include "MScriptMngRemote.h"
 
-#include <algorithm>
 #include <chrono>
-#include <mutex>
-#include <vector>
+#include <thread>
+#include <utility>
 
 #include <QThread>
 
@@ -16,15 +15,13 @@ namespace {
 constexpr int kPostponedHashBits = 10;
 constexpr std::chrono::milliseconds kReleaseTime(50); ///< what a host thread grants a script that is still running
 
-/// Ends every context that is still there, under the registry's lock. A context leaves the registry before it goes. Ending one
-/// may make others go: once one has, each is looked up again.
+/// Ends every context that is still there in the host's place.
 template <typename Context>
-void EndAll(ContextRegistry<Context>& contexts) {
-    const std::lock_guard<ContextRegistry<Context>> guard(contexts);
-    const std::vector<Context*> all = contexts.Snapshot();
-    for (Context* context : all)
-        if (contexts.Count() == all.size() || contexts.Contains(context))
-            context->End();
+void GiveUpAll(ContextRegistry<Context>& contexts) {
+    for (Context* context : contexts.HoldAll()) {
+        context->GiveUp();
+        context->Release();
+    }
 }
 
 } // namespace
@@ -46,23 +43,24 @@ MScriptMngRemote::~MScriptMngRemote() {
     scriptObjects.Release();
     scriptObjects.DeleteReleased();
     ReleaseAsyncContexts();
+    while (HasAnswersUnderWay())
+        std::this_thread::yield();
 }
 
 void MScriptMngRemote::OnDeviceStart() {
+    scriptWaits.Reopen();
     ReleaseAsyncContexts();
 }
 
 void MScriptMngRemote::EndContexts() {
-    EndAll(*syncContexts);
-    EndAll(*asyncContexts);
-    scriptWaits.Break();
+    scriptWaits.EndRun();
+    GiveUpAll(*syncContexts);
+    GiveUpAll(*asyncContexts);
 }
 
 void MScriptMngRemote::ReleaseScriptObjects() {
     ResetPostponed();
     const bool onScriptThread = device == nullptr || QThread::currentThread() == thread();
-    if (onScriptThread && !IsDeviceEnding())
-        scriptWaits.Allow();
     if (!scriptObjects.Release())
         return;
     if (onScriptThread)
@@ -74,25 +72,22 @@ void MScriptMngRemote::ReleaseScriptObjects() {
 void MScriptMngRemote::Tick() {}
 
 void MScriptMngRemote::ReleaseAsyncContexts() {
-    for (MyAsyncDeviceExecContext* context : asyncContexts->TakeAll()) {
-        context->ForgetHandler();
+    for (MyAsyncDeviceExecContext* context : asyncContexts->HoldAll()) {
+        SettleAsyncContext(context);
         context->Release();
     }
 }
 
-// The host may be dropping its reference just now: a context that has lost its last one waits for the list's lock in its
-// destructor, and one more release does not delete it again.
-void MScriptMngRemote::DropDelivered(MyAsyncDeviceExecContext* context) {
-    constexpr std::size_t kMostContexts = 1000;
-    context->SetDelivered();
-    context->Release();
-    const std::lock_guard<ContextRegistry<MyAsyncDeviceExecContext>> guard(*asyncContexts);
-    if (asyncContexts->Count() <= kMostContexts)
-        return;
-    const auto isDelivered = [](const MyAsyncDeviceExecContext* listed) { return listed->IsDelivered(); };
-    const auto oldest = std::find_if(asyncContexts->begin(), asyncContexts->end(), isDelivered);
-    if (oldest != asyncContexts->end())
-        (*oldest)->Release();
+/// Leaving the registry decides who drops the module's reference, since a start may be about to drop them all.
+void MScriptMngRemote::SettleAsyncContext(MyAsyncDeviceExecContext* context) {
+    if (asyncContexts->Remove(context))
+        context->Settle();
+}
+
+std::shared_ptr<MyAsyncDeviceExecContext> MScriptMngRemote::HoldAsyncContext(MyAsyncDeviceExecContext* context) {
+    if (!asyncContexts->Hold(context))
+        return nullptr;
+    return {context, [](MyAsyncDeviceExecContext* held) { held->Release(); }};
 }
 
 bool MScriptMngRemote::IsDeviceEnding() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <memory>
 
 #include <QObject>
 #include <QScriptValue>
@@ -41,14 +42,19 @@ public:
     ~MScriptMngRemote() override;
 
     // The device's life
-    /// Before the script starts: gives up the asynchronous requests of the last run.   [any host thread]
+    /// Before the script starts: gives up the asynchronous requests of the last run, and lets the next one wait.   [any host thread]
     void OnDeviceStart();
-    /// Ends every request that is on its way, and the wait of a script in one of its objects, so that whoever waits wakes.
-    /// [any but script]
+    /// Ends every request that is on its way, each once, and every wait of the script, for an answer or in one of its objects; what
+    /// the same run of the script would wait for after that is not waited for.   [any but script]
     void EndContexts();
-    /// Ends the wait of a script in one of its objects; none begins until its objects are released on its own thread, which is
-    /// when the next script is loaded.   [any but script]
+    /// The script is called anew behind EndContexts, for its stop function: it may wait, unless RefuseWaits has come.   [script]
+    void AllowWaitsOfStop() { scriptWaits.BeginStopFunction(); }
+    /// Ends the wait of a script; none begins until AllowWaits.   [any but script]
     void RefuseWaits() { scriptWaits.Refuse(); }
+    /// A script is about to be loaded, which may wait. Does nothing from EndContexts to OnDeviceStart.   [script]
+    void AllowWaits() { scriptWaits.Allow(); }
+    /// Whether an answer of the host is inside this object, which has to outlive it.   [any]
+    bool HasAnswersUnderWay() const { return asyncContexts->HasVisits(); }
     /// Drops what the script made: pending results and objects. No event of theirs is delivered any more. The objects are deleted on
     /// the script thread; a host thread waits for that, but for a moment only when a script is still running.
     /// [any host thread, script]
@@ -161,11 +167,12 @@ public:
     /// Whether an object that raised an event is still there. Asked once for each event that was posted.   [script]
     bool IsLiveObject(const MScriptCommonEvent* object);
 
-    /// Drops the reference of a delivered answer, and with it that of the host to an answer of long ago: nothing tells a host
-    /// that it has one, so that most never drop it, and a script that asks every second would collect contexts for years.
-    /// [script]
-    void DropDelivered(MyAsyncDeviceExecContext* context);
-    /// The list that asynchronous contexts join.   [script]
+    /// An asynchronous request is over, whoever hears of it: it leaves the list and loses the module's reference. Does nothing for one
+    /// that is not in the list, and never touches it.   [any]
+    void SettleAsyncContext(MyAsyncDeviceExecContext* context);
+    /// Keeps a request of the list alive while the result is held; null when it is not in the list.   [any]
+    std::shared_ptr<MyAsyncDeviceExecContext> HoldAsyncContext(MyAsyncDeviceExecContext* context);
+    /// The list that asynchronous contexts join. It holds the module's reference to each.   [any]
     const SharedContextRegistry<MyAsyncDeviceExecContext>& GetAsyncContexts() const { return asyncContexts; }
 
     // IManagerRemoteHandler

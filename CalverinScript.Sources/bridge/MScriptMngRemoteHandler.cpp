@@ -45,7 +45,7 @@ void MScriptMngRemote::OnAsyncContextDone(MyAsyncDeviceExecContext* context) {
     if (device != nullptr)
         device->PostAsyncResult(context);
     else
-        context->Release();
+        SettleAsyncContext(context);
 }
 
 void MScriptMngRemote::TraceMessage(const QString& message, const QString& messageType) {

@@ -37,5 +37,5 @@ unsigned int MScriptMngRemote::PerformAsync(const QScriptValue& expression, cons
 /// A script that asks every second what the host refuses would otherwise collect functions and contexts for years.
 void MScriptMngRemote::DropRefused(MyAsyncDeviceExecContext* context) {
     device->ForgetAsyncContext(context);
-    DropDelivered(context);
+    SettleAsyncContext(context);
 }

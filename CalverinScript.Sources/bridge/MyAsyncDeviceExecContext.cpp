@@ -2,22 +2,59 @@
 
 #include <utility>
 
+#include "GivenReferences.h"
+
 MyAsyncDeviceExecContext::MyAsyncDeviceExecContext(IAsyncDeviceExecContextHandler* doneHandler,
                                                    SharedContextRegistry<MyAsyncDeviceExecContext> liveContexts)
-    : asyncHandler(doneHandler)
+    : handler(doneHandler)
+    , phase(doneHandler != nullptr ? Phase::Waiting : Phase::Refused)
     , registry(std::move(liveContexts)) {
     registry->Add(this);
 }
 
 MyAsyncDeviceExecContext::~MyAsyncDeviceExecContext() {
     registry->Remove(this);
+    GivenReferences::Instance().Leave(this);
+}
+
+/// Leaves the phase in which it waits. @param found the phase before. @return whether it was that one.
+bool MyAsyncDeviceExecContext::Enter(Phase next, Phase& found) {
+    found = Phase::Waiting;
+    return phase.compare_exchange_strong(found, next);
 }
 
 KXPCode MyAsyncDeviceExecContext::End() {
-    IAsyncDeviceExecContextHandler* first = asyncHandler.exchange(nullptr);
-    if (first != nullptr)
-        first->OnAsyncContextDone(this);
-    else
+    const ContextRegistry<MyAsyncDeviceExecContext>::Visit visit(registry);
+    Phase found;
+    if (Enter(Phase::Answered, found)) {
+        handler->OnAsyncContextDone(this);
+    } else if (found == Phase::GivenUp) {
+        if (phase.compare_exchange_strong(found, Phase::Late))
+            GivenReferences::Instance().Keep(this);
+    } else if (found != Phase::Late) {
+        GivenReferences::Instance().Leave(this);
         Release();
+    }
     return KXP_OK;
+}
+
+bool MyAsyncDeviceExecContext::GiveUp() {
+    Phase found;
+    if (!Enter(Phase::GivenUp, found))
+        return false;
+    handler->OnAsyncContextDone(this);
+    return true;
+}
+
+bool MyAsyncDeviceExecContext::ForgetHandler() {
+    Phase found;
+    return Enter(Phase::Refused, found);
+}
+
+void MyAsyncDeviceExecContext::Settle() {
+    Phase found;
+    Enter(Phase::GivenUp, found);
+    if (found == Phase::Answered || found == Phase::Refused)
+        GivenReferences::Instance().Keep(this);
+    Release();
 }

@@ -14,12 +14,19 @@ MyDeviceExecContext::~MyDeviceExecContext() {
 
 KXPCode MyDeviceExecContext::Begin() {
     doneEvent.Reset();
+    if (givenUp)
+        doneEvent.Set();
     return KXP_OK;
 }
 
 KXPCode MyDeviceExecContext::End() {
     doneEvent.Set();
     return KXP_OK;
+}
+
+void MyDeviceExecContext::GiveUp() {
+    givenUp = true;
+    doneEvent.Set();
 }
 
 void MyDeviceExecContext::Wait() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include "ContextRegistry.h"
 #include "MDefaultDeviceExecContext.h"
 #include "MEvent.h"
@@ -16,10 +18,14 @@ public:
     KXPCode Begin() override;
     KXPCode End() override;
 
-    /// Waits without limit until the host, or the end of the device, ends the context.   [script]
+    /// The maker waits no longer: ends the context for good, so that a Begin that still comes changes nothing.   [any]
+    void GiveUp();
+
+    /// Waits without limit until the host ends the context or the maker gives it up.   [script]
     void Wait();
 
 private:
     MEvent doneEvent;
+    std::atomic<bool> givenUp{false};
     const SharedContextRegistry<MyDeviceExecContext> registry;
 };

@@ -74,7 +74,7 @@ void MCalverinScript_Device::ClearTimers() {
     intervals.clear();
     timeouts.clear();
     deferredTimers.clear();
-    callbacks.clear();
+    callbacks.Clear();
     propertyCallback.reset();
 }
 
@@ -82,23 +82,33 @@ MyAsyncDeviceExecContext* MCalverinScript_Device::MakeAsyncContext(const QScript
     if (!function.isFunction())
         return nullptr;
     auto* context = new MyAsyncDeviceExecContext(remote, remote->GetAsyncContexts());
-    callbacks.insert(context, function);
+    callbacks.Note(context, function);
     return context;
 }
 
 bool MCalverinScript_Device::SlotExecuteCallBack(MyAsyncDeviceExecContext* context) {
     return RunSlot(MarshalledCallTable::kExecuteCallBack, [&] {
-        const QScriptValue function = callbacks.take(context);
-        if (!function.isFunction())
+        const std::shared_ptr<MyAsyncDeviceExecContext> held = remote->HoldAsyncContext(context);
+        if (held == nullptr)
             return true;
-        const MString result = context->GetResult();
-        QScriptValueList arguments;
-        if (result.GetLength() > 0)
-            arguments.append(QScriptValue(FromHostText(result.c_str())));
-        CallScript(function, arguments);
-        CheckUncaught();
-        remote->DropDelivered(context);
+        if (const auto call = callbacks.Take(*held)) {
+            CallScript(call->function, call->arguments);
+            CheckUncaught();
+        }
+        if (held->IsOver())
+            remote->SettleAsyncContext(context);
         return true;
+    });
+}
+
+void MCalverinScript_Device::DropAsyncResult(MyAsyncDeviceExecContext* context) {
+    const std::shared_ptr<MyAsyncDeviceExecContext> held = remote->HoldAsyncContext(context);
+    if (held == nullptr)
+        return;
+    remote->SettleAsyncContext(context);
+    PostTask([this, held] {
+        const std::lock_guard<std::recursive_mutex> guard(mutex);
+        callbacks.Forget(held.get());
     });
 }
 

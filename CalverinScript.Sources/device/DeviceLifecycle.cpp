@@ -189,7 +189,7 @@ void MCalverinScript_Device::StopCommandThread() {
 KXPCode MCalverinScript_Device::Release() {
     const bool threadEnded = EndScriptThread();
     LeaveHost();
-    const bool callsLeft = !WaitUntil([this] { return hostCalls.Read() == 0; }, kHostCallEndMs);
+    const bool callsLeft = !WaitUntil([this] { return !IsHostInside(); }, kHostCallEndMs);
     if (threadEnded && !callsLeft)
         delete this;
     else
@@ -220,6 +220,10 @@ bool MCalverinScript_Device::EndScriptThread() {
     return ended;
 }
 
+bool MCalverinScript_Device::IsHostInside() const {
+    return hostCalls.Read() != 0 || remote->HasAnswersUnderWay();
+}
+
 /// From here on nothing of the host is used or used by this device.
 void MCalverinScript_Device::LeaveHost() {
     if (ModuleShared* shared = ModuleShared::Get())
@@ -242,7 +246,7 @@ std::size_t MCalverinScript_Device::SweepAbandoned() {
     const auto over = [](MCalverinScript_Device* device) {
         const bool threadEnded =
             device->scriptThread == nullptr || (device->scriptThread->isFinished() && device->threadLeft);
-        if (!threadEnded || device->hostCalls.Read() != 0)
+        if (!threadEnded || device->IsHostInside())
             return false;
         delete device;
         return true;

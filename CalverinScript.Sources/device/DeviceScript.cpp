@@ -218,6 +218,7 @@ bool MCalverinScript_Device::ReportEvaluation(ScriptSet& set, bool stopMode) {
 
 /// Ends the script that has run so far, as a stop would, but for the threads.
 void MCalverinScript_Device::CleanupBeforeEvaluate() {
+    remote->AllowWaits();
     ClearTimers();
     ExecuteStopFunction();
     hasStopFunction = false;
@@ -248,6 +249,8 @@ void MCalverinScript_Device::GiveSettingsToScript() {
 bool MCalverinScript_Device::SlotExecuteScript_mStop() {
     return RunSlot(MarshalledCallTable::kExecuteStopFunction, [&] {
         const bool wasStopping = stopPending.exchange(false);
+        if (wasStopping)
+            remote->AllowWaitsOfStop();
         const QScriptValue function = live.global.property(QStringLiteral("_mStop"));
         const bool callable = !live.global.isError() && function.isFunction();
         if (callable)

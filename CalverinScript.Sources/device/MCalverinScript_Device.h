@@ -13,6 +13,7 @@
 #include <QScriptValue>
 #include <QVector>
 
+#include "AsyncCallbacks.h"
 #include "CompletionGate.h"
 #include "EnumHelpers.h"
 #include "ICommandObjectHandler.h"
@@ -177,7 +178,11 @@ public:
     /// Makes the context and notes the function for an asynchronous request.
     /// @return null when the value is no function.   [script]
     MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue& function) override;
-    void ForgetAsyncContext(MyAsyncDeviceExecContext* context) override { callbacks.remove(context); }
+    void ForgetAsyncContext(MyAsyncDeviceExecContext* context) override { callbacks.Forget(context); }
+
+    /// The answer of an asynchronous request will never be delivered: its function goes as soon as the script thread is free, and the
+    /// request at once. Nothing of a request that is gone already is touched.   [any]
+    void DropAsyncResult(MyAsyncDeviceExecContext* context);
 
     // MyCommandManager
     using MyCommandManager::ExecuteCommand;
@@ -306,6 +311,7 @@ private:
     // End
     bool EndScriptThread();
     void LeaveHost();
+    bool IsHostInside() const;
 
     // Marshalling
     template <typename... Parameters>
@@ -447,7 +453,7 @@ private:
     // Under mutex, on the thread that owns the engine
     QHash<int, QScriptValue> intervals;
     QHash<int, QScriptValue> timeouts;
-    QHash<MyAsyncDeviceExecContext*, QScriptValue> callbacks;
+    AsyncCallbacks callbacks;
     std::unique_ptr<QScriptValue> propertyCallback;
     QVector<int> deferredTimers; ///< timers that fired while the script was running
 

@@ -19,6 +19,15 @@ public:
         return static_cast<std::int32_t>(static_cast<std::uint32_t>(m_value.fetch_sub(1)) - 1U);
     }
 
+    /// Adds 1 unless the value is 0. @return whether it did.
+    bool IncrementUnlessZero() {
+        std::int32_t value = m_value.load();
+        while (value != 0)
+            if (m_value.compare_exchange_weak(value, static_cast<std::int32_t>(static_cast<std::uint32_t>(value) + 1U)))
+                return true;
+        return false;
+    }
+
     std::int32_t Read() const { return m_value.load(); }
 
     /// Stores value. @return the value before.

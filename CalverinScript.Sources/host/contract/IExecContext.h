@@ -5,6 +5,12 @@
 /// The ticket of one request. Whoever makes the request makes the context; whoever
 /// serves it calls `Begin` when the work is taken on and `End`, exactly once, when
 /// the result is there. Contexts are counted: one reference belongs to the maker.
+///
+/// A context that carries a request to the host belongs to the module. A host whose
+/// call answers 21 goes on with the request after the call, so it holds the context
+/// from then on: AddRef before the call returns, Release behind End. The module gives
+/// requests up when their device stops or ends, and may drop its own reference at any
+/// time after that; an answer that still comes is dropped quietly.
 class IExecContext : public IMInterface {
 public:
     /// Stores the request's result code, before End. @return 0.   [any]

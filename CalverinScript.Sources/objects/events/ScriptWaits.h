@@ -15,16 +15,27 @@ public:
     /// The wait is over. Returns when nobody is in its WakeUp any more.   [script]
     void Finish();
 
-    /// Ends the wait, if there is one.   [any but script]
-    void Break();
-    /// Break, and from now on none begins until Allow.   [any but script]
+    /// A stop begins: ends the wait, if there is one, and refuses those that the same run of the script would begin after it.
+    /// [any but script]
+    void EndRun();
+    /// The script is called anew for its stop function, which may wait unless Refuse has come.   [script]
+    void BeginStopFunction();
+    /// Ends the wait, and none begins.   [any but script]
     void Refuse();
+    /// The stop is over: what Allow says counts again.   [any but script]
+    void Reopen();
+    /// A script is loaded, which may wait. Does nothing between EndRun or Refuse and Reopen.   [script]
     void Allow();
 
 private:
+    enum class Refusal { None, ThisRun, All };
+
+    void RefuseFor(Refusal what);
+
     std::mutex m_lock;       ///< held while the WakeUp runs
     WakeUp m_wakeUp;         ///< under m_lock; empty while the script does not wait
-    bool m_refusing = false; ///< under m_lock
+    Refusal m_refusal = Refusal::None; ///< under m_lock
+    bool m_closed = false;             ///< under m_lock: from EndRun or Refuse to Reopen
 };
 
 /// One wait, from construction to destruction. What would wait is left out when it is not allowed.

@@ -151,6 +151,19 @@ TEST_F(Bridge, EndsItsAsynchronousRequestsByTellingTheDevice) {
     EXPECT_EQ(remote->GetAsyncContexts()->Count(), 2u);
 }
 
+TEST_F(Bridge, LetsManyRequestsGoInAnyOrderInTimeThatGrowsWithThemAlone) {
+    Make(nullptr, &newer);
+    constexpr std::size_t kMany = 300000;
+    std::vector<MyAsyncDeviceExecContext*> contexts;
+    for (std::size_t i = 0; i < kMany; ++i)
+        contexts.push_back(MakeAsyncContext());
+    const auto begin = std::chrono::steady_clock::now();
+    for (auto context = contexts.rbegin(); context != contexts.rend(); ++context)
+        remote->SettleAsyncContext(*context);
+    EXPECT_TRUE(remote->GetAsyncContexts()->IsEmpty());
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, kDeadline);
+}
+
 TEST_F(Bridge, EndsManyRequestsInTimeThatGrowsWithThemAlone) {
     Make(nullptr, &newer);
     constexpr std::size_t kMany = 300000; // one a second for three days; looking each one up would take minutes
@@ -162,16 +175,49 @@ TEST_F(Bridge, EndsManyRequestsInTimeThatGrowsWithThemAlone) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, kDeadline);
 }
 
-TEST_F(Bridge, EndingTwiceDropsAReferenceOfEachAsynchronousRequest) {
+TEST_F(Bridge, EndsEachAsynchronousRequestOnceHoweverOftenItEndsThemAll) {
     Make(nullptr, &newer);
     auto* context = MakeAsyncContext();
     context->AddRef();
-    remote->EndContexts();
-    remote->EndContexts();
+    bool gone = false;
+    QObject::connect(context, &QObject::destroyed, [&] { gone = true; });
+    for (int i = 0; i < 4; ++i)
+        remote->EndContexts();
     EXPECT_EQ(device.asyncResults.size(), 1u);
-    EXPECT_EQ(remote->GetAsyncContexts()->Count(), 1u);
-    remote->EndContexts();
-    EXPECT_EQ(remote->GetAsyncContexts()->Count(), 0u);
+    EXPECT_FALSE(gone);
+    remote.reset();
+    ASSERT_FALSE(gone) << "the host still owes its answer";
+    context->End();
+    context->Release();
+    EXPECT_TRUE(gone);
+}
+
+TEST_F(Bridge, DoesNotWaitForWhatAScriptAsksAfterItsRequestsWereEnded) {
+    newer.code = KXP_PENDING;
+    newer.onCall = [](IExecContext2* context) { context->Begin(); };
+    Make(nullptr, &newer).EndContexts();
+    auto call = std::async(std::launch::async, [this] { return remote->RegisterRootGroup(); });
+    ASSERT_EQ(call.wait_for(kDeadline), std::future_status::ready);
+    EXPECT_EQ(newer.calls.size(), 2u) << "the host is asked all the same";
+}
+
+TEST_F(Bridge, WaitsAgainInAStopFunctionAndNotBeyondItsTime) {
+    newer.code = KXP_PENDING;
+    std::promise<void> begun;
+    newer.onCall = [&](IExecContext2* context) {
+        context->Begin();
+        if (newer.calls.back().rfind("RegisterGroup", 0) == 0)
+            begun.set_value();
+    };
+    Make(nullptr, &newer).EndContexts();
+    remote->AllowWaitsOfStop();
+    auto call = std::async(std::launch::async, [this] { return remote->RegisterRootGroup(); });
+    ASSERT_EQ(begun.get_future().wait_for(kDeadline), std::future_status::ready);
+    EXPECT_EQ(call.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+    remote->RefuseWaits();
+    ASSERT_EQ(call.wait_for(kDeadline), std::future_status::ready);
+    remote->AllowWaitsOfStop();
+    EXPECT_EQ(remote->UnregisterRootGroup(), KXP_OK) << "too late for the stop function";
 }
 
 TEST_F(Bridge, GivesUpTheAsynchronousRequestsOfTheLastRunAtAStart) {

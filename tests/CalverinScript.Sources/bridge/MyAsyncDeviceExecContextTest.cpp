@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "GivenReferences.h"
+
 namespace {
 
 class DoneWatcher : public IAsyncDeviceExecContextHandler {
@@ -73,6 +75,88 @@ TEST_F(AsyncContext, WhoseHandlerWasForgottenDropsAReferenceAtItsEnd) {
     context->End();
     EXPECT_EQ(watcher.count, 0);
     EXPECT_FALSE(Lives(context));
+}
+
+/// The ways in which a host treats the reference that it was given, and one of its own.
+struct HostHabit {
+    const char* name;
+    bool addsItsOwn;
+    int ends;
+    int releases;
+};
+constexpr HostHabit kHabits[] = {
+    {"ends it and forgets it", false, 1, 0},
+    {"ends it and drops what it was given", false, 1, 1},
+    {"ends it and drops a reference of its own", true, 1, 1},
+    {"ends it twice and drops a reference of its own", true, 2, 1},
+    {"never answers and drops a reference of its own", true, 0, 1},
+};
+
+TEST_F(AsyncContext, GivenUpByItsMakerLivesUntilTheHostHasAnsweredInItsOwnWay) {
+    for (const HostHabit& habit : kHabits) {
+        SCOPED_TRACE(habit.name);
+        bool gone = false;
+        watcher.count = 0;
+        auto* context = Make(&watcher);
+        QObject::connect(context, &QObject::destroyed, [&] { gone = true; });
+        context->AddRef(); // what the host is given
+        if (habit.addsItsOwn)
+            context->AddRef();
+        EXPECT_TRUE(context->GiveUp());
+        EXPECT_FALSE(context->GiveUp());
+        EXPECT_EQ(watcher.count, 1);
+        context->Settle();
+        for (int i = 0; i < habit.ends; ++i) {
+            ASSERT_FALSE(gone);
+            context->SetResultText("late");
+            context->End();
+        }
+        for (int i = 0; i < habit.releases; ++i) {
+            ASSERT_FALSE(gone);
+            context->Release();
+        }
+        EXPECT_EQ(watcher.count, 1);
+        if (!gone) // the test's host has gone: drop for it what it was given
+            context->Release();
+        EXPECT_TRUE(gone);
+    }
+}
+
+TEST_F(AsyncContext, AnsweredAndSettledStaysForAHostThatDropsWhatItWasGivenLate) {
+    const std::size_t before = GivenReferences::Instance().Count();
+    auto* context = Make(&watcher);
+    context->AddRef();
+    context->End();
+    context->Settle();
+    EXPECT_EQ(GivenReferences::Instance().Count(), before + 1);
+    EXPECT_TRUE(Lives(context));
+    context->Release();
+    EXPECT_FALSE(Lives(context));
+    EXPECT_EQ(GivenReferences::Instance().Count(), before);
+}
+
+TEST_F(AsyncContext, AnswersOfYearsLeaveAThousandReferencesThatHostsNeverDrop) {
+    constexpr std::size_t kYears = 5000;
+    std::size_t gone = 0;
+    for (std::size_t i = 0; i < kYears; ++i) {
+        auto* context = Make(&watcher);
+        QObject::connect(context, &QObject::destroyed, [&gone] { ++gone; });
+        context->AddRef();
+        if (i % 2 == 0)
+            context->End();
+        else
+            context->GiveUp();
+        context->Settle();
+        if (i % 2 != 0)
+            context->End();
+    }
+    EXPECT_EQ(GivenReferences::Instance().Count(), GivenReferences::kMost);
+    EXPECT_GE(gone, kYears - GivenReferences::kMost);
+    for (MyAsyncDeviceExecContext* context : registry->HoldAll()) {
+        context->Release();
+        context->Release();
+    }
+    EXPECT_EQ(gone, kYears);
 }
 
 TEST_F(AsyncContext, LeavesItsStateAloneAtItsEnd) {

@@ -1,7 +1,14 @@
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <thread>
 #include <vector>
+
+#include <QScriptEngine>
 
 #include "DeviceFixture.h"
 #include "FakeRemotes.h"
+#include "GivenReferences.h"
 #include "MScriptMngRemote.h"
 
 namespace {
@@ -139,7 +146,8 @@ TEST_F(ShowCalls, AsynchronousAnswersOfYearsDoNotPileUpWhenTheHostNeverReleasesT
         Call("Ask");
         EXPECT_TRUE(Becomes("Get", std::to_string(asked)));
     }
-    EXPECT_EQ(device->GetRemote()->GetAsyncContexts()->Count(), 1000u);
+    EXPECT_EQ(device->GetRemote()->GetAsyncContexts()->Count(), 0u);
+    EXPECT_LE(GivenReferences::Instance().Count(), GivenReferences::kMost);
 }
 
 TEST_F(ShowCalls, AsynchronousAnswersOfYearsLeaveNothingWhenTheHostReleasesThem) {
@@ -185,6 +193,145 @@ TEST_F(ShowCalls, AnAsynchronousAnswerAfterStopReachesNobody) {
     asked->Release();
     device->Start();
     EXPECT_EQ(Call("Get"), "");
+}
+
+/// A host that answers late: what it does with the references, and when.
+struct LateHost {
+    const char* name;
+    bool holdsItsOwn;
+    bool drops;
+    bool stops;
+    bool startsAgain;
+    bool answersBeforeRelease;
+};
+constexpr LateHost kLateHosts[] = {
+    {"its own, stop, answer, release", true, true, true, false, true},
+    {"its own, stop, release, answer", true, true, true, false, false},
+    {"its own, release, answer", true, true, false, false, false},
+    {"its own, stop, start, answer, release", true, true, true, true, true},
+    {"its own, stop, start, release, answer", true, true, true, true, false},
+    {"the given one, stop, answer, release", false, true, true, false, true},
+    {"the given one, stop, release, answer", false, true, true, false, false},
+    {"the given one, release, answer", false, true, false, false, false},
+    {"the given one, stop, start, release, answer", false, true, true, true, false},
+    {"none, stop, release, answer", false, false, true, false, false},
+    {"none, stop, start, answer, release", false, false, true, true, true},
+};
+
+TEST_F(ShowCalls, ALateAsynchronousAnswerTouchesLivingMemoryInWhateverOrderItComes) {
+    for (const LateHost& late : kLateHosts) {
+        SCOPED_TRACE(late.name);
+        GivenScript(kAsync);
+        IExecContext2* asked = nullptr;
+        const auto gone = std::make_shared<std::atomic<bool>>(false);
+        answer = [&](IExecContext2* context) {
+            asked = context;
+            if (late.holdsItsOwn)
+                context->AddRef();
+            QObject::connect(static_cast<MyAsyncDeviceExecContext*>(context), &QObject::destroyed,
+                             [gone] { *gone = true; });
+        };
+        ASSERT_EQ(Call("Ask"), "21");
+        answer = nullptr;
+        ASSERT_NE(asked, nullptr);
+        const auto answerLate = [&] {
+            ASSERT_FALSE(*gone);
+            asked->SetResultText("late");
+            asked->End();
+            if (!late.drops)
+                return;
+            ASSERT_FALSE(*gone);
+            asked->Release();
+        };
+        if (late.stops)
+            device->Stop();
+        if (late.startsAgain)
+            device->Start();
+        if (late.answersBeforeRelease)
+            answerLate();
+        device->Release();
+        device = nullptr;
+        if (!late.answersBeforeRelease)
+            answerLate();
+        MakeDevice();
+    }
+}
+
+TEST_F(ShowCalls, AnAnswerThatWillNotBeDeliveredGoesWithItsFunction) {
+    GivenScript("({ got: [], Ask: function() { var me = this, big = new Array(100).join('x');"
+                "     QCalverin.PerformAsync(function(text) { me.got.push(text + big) }, 'O', 'A') },"
+                "   Get: function() { return this.got.join(';') } })");
+    IExecContext2* asked = nullptr;
+    const auto gone = std::make_shared<std::atomic<bool>>(false);
+    answer = [&](IExecContext2* context) {
+        asked = context;
+        QObject::connect(static_cast<MyAsyncDeviceExecContext*>(context), &QObject::destroyed,
+                         [gone] { *gone = true; });
+    };
+    Call("Ask");
+    auto* context = static_cast<MyAsyncDeviceExecContext*>(asked);
+    device->DropAsyncResult(context);
+    EXPECT_EQ(device->GetRemote()->GetAsyncContexts()->Count(), 0u);
+    device->DropAsyncResult(context);
+    asked->End();
+    asked->Release();
+    EXPECT_EQ(Call("Get"), "");
+    EXPECT_TRUE(*gone);
+}
+
+TEST_F(ShowCalls, StopReturnsWhileAScriptMakesOneWaitingRequestAfterTheOther) {
+    plain::Value asked("asked");
+    std::mutex lock;
+    std::vector<IExecContext2*> open;
+    GivenScript("({ Ask: function() { for (var i = 0; i < 5; ++i) QCalverin.Perform('O', 'A') } })");
+    answer = [&](IExecContext2* context) {
+        context->AddRef();
+        context->Begin();
+        const std::lock_guard<std::mutex> guard(lock);
+        open.push_back(context);
+        asked.SetValueFromString("yes", 0, 0);
+    };
+    auto params = plain::Params::ForFunction("Ask", {});
+    ASSERT_EQ(Send(3, *params), KXP_OK);
+    ASSERT_TRUE(asked.WaitFor("yes"));
+    std::atomic<bool> stopped{false};
+    std::thread stopper([&] {
+        device->Stop();
+        stopped = true;
+    });
+    EXPECT_TRUE(Eventually([&] { return stopped.load(); }));
+    const auto endAll = [&] {
+        const std::lock_guard<std::mutex> guard(lock);
+        for (IExecContext2* context : open)
+            context->End();
+    };
+    while (!stopped)
+        endAll();
+    stopper.join();
+    endAll();
+    for (IExecContext2* context : open)
+        context->Release();
+}
+
+TEST_F(ShowCalls, AStopFunctionMayWaitForTheHostAndTheNextRunToo) {
+    GivenScript("({ _mStop: function() { said = QCalverin.Perform('O', 'A') },"
+                "   Said: function() { return said + '/' + QCalverin.Perform('O', 'B') } })");
+    OnScriptThread([&] {
+        device->GetEngine()->globalObject().setProperty(QStringLiteral("said"), QStringLiteral("nothing"));
+    });
+    answer = [](IExecContext2* context) {
+        context->Begin();
+        context->AddRef();
+        std::thread([context] {
+            context->SetResultText("done");
+            context->End();
+            context->Release();
+        }).detach();
+    };
+    device->Stop();
+    OnScriptThread([] {}); // behind the stop function, which Stop need not have waited for
+    device->Start();
+    EXPECT_EQ(Call("Said"), "done/done");
 }
 
 TEST_F(ShowCalls, AWaitEndsWhenTheHostEndsTheRequestOnAThreadOfItsOwn) {

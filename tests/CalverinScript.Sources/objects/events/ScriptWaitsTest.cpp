@@ -7,18 +7,43 @@
 
 namespace {
 
-TEST(ScriptWaits, AreEndedWhileTheyLastAndOnlyThen) {
+TEST(ScriptWaits, AreEndedWhileTheyLastAndNotBegunInTheSameRun) {
     ScriptWaits waits;
     int woken = 0;
-    waits.Break();
     {
         const ScriptWait wait(&waits, [&] { ++woken; });
         ASSERT_TRUE(wait.IsAllowed());
-        waits.Break();
+        waits.EndRun();
         EXPECT_EQ(woken, 1);
     }
-    waits.Break();
-    EXPECT_EQ(woken, 1);
+    EXPECT_FALSE(ScriptWait(&waits, [&] { ++woken; }).IsAllowed());
+    waits.EndRun();
+    EXPECT_EQ(woken, 1) << "a wait that is over, or did not begin, is not ended";
+}
+
+TEST(ScriptWaits, BeginAgainInTheStopFunctionUntilItsTimeIsOver) {
+    ScriptWaits waits;
+    waits.EndRun();
+    waits.BeginStopFunction();
+    EXPECT_TRUE(ScriptWait(&waits, [] {}).IsAllowed());
+    waits.Refuse();
+    EXPECT_FALSE(ScriptWait(&waits, [] {}).IsAllowed());
+    waits.BeginStopFunction();
+    EXPECT_FALSE(ScriptWait(&waits, [] {}).IsAllowed()) << "a stop function that comes too late";
+}
+
+TEST(ScriptWaits, DoNotBeginInAScriptThatIsLoadedDuringAStop) {
+    ScriptWaits waits;
+    waits.EndRun();
+    waits.Allow();
+    EXPECT_FALSE(ScriptWait(&waits, [] {}).IsAllowed());
+    waits.Refuse();
+    waits.Allow();
+    EXPECT_FALSE(ScriptWait(&waits, [] {}).IsAllowed());
+    waits.Reopen();
+    EXPECT_FALSE(ScriptWait(&waits, [] {}).IsAllowed()) << "the run that was stopped may still go on";
+    waits.Allow();
+    EXPECT_TRUE(ScriptWait(&waits, [] {}).IsAllowed());
 }
 
 TEST(ScriptWaits, DoNotBeginOnceTheyAreRefusedUntilTheyAreAllowedAgain) {
@@ -30,8 +55,7 @@ TEST(ScriptWaits, DoNotBeginOnceTheyAreRefusedUntilTheyAreAllowedAgain) {
         EXPECT_EQ(woken, 1);
     }
     EXPECT_FALSE(ScriptWait(&waits, [] {}).IsAllowed());
-    waits.Break();
-    EXPECT_EQ(woken, 1) << "a wait that did not begin is not ended";
+    waits.Reopen();
     waits.Allow();
     EXPECT_TRUE(ScriptWait(&waits, [] {}).IsAllowed());
 }
@@ -52,7 +76,7 @@ TEST(ScriptWaits, AreOverOnlyWhenNobodyWakesThemAnyMore) {
             goOn.get_future().wait();
             awake = true;
         });
-        other = std::thread([&] { waits.Break(); });
+        other = std::thread([&] { waits.EndRun(); });
         waking.get_future().wait();
         goOn.set_value();
     }

@@ -1,0 +1,14 @@
+#include "AsyncCallbacks.h"
+
+#include "HostText.h"
+#include "MyAsyncDeviceExecContext.h"
+
+std::optional<AsyncCallbacks::Call> AsyncCallbacks::Take(MyAsyncDeviceExecContext& context) {
+    if (!context.IsOver() || !m_functions.contains(&context))
+        return std::nullopt;
+    Call call{m_functions.take(&context), {}};
+    const MString result = context.GetResult();
+    if (result.GetLength() > 0)
+        call.arguments.append(QScriptValue(FromHostText(result.c_str())));
+    return call;
+}
