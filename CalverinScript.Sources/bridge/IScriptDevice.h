@@ -9,6 +9,7 @@ class MScriptParamList;
 class MyAsyncDeviceExecContext;
 class QScriptValue;
 class QString;
+class VisitGate;
 
 /// What the bridge needs of the device above it.
 class IScriptDevice {
@@ -40,6 +41,9 @@ public:
 
     /// Writes a text into the result of a user command that is still open.   [script]
     virtual void WriteCommandResult(MCommandObject* command, const QString& text) = 0;
+
+    /// Entered around each use of a value that the host may replace with the device's definition; null where values stay.   [any]
+    virtual VisitGate* GetValueGate() { return nullptr; }
 
     /// Whether the device is on its way out: nothing of the host may be called any more.   [any]
     virtual bool IsEnding() const = 0;

@@ -206,6 +206,8 @@ private:
     template <typename Object>
     QScriptValue Create();
     IData* FindVariable(const QString& name) const;
+    template <typename Use>
+    bool UseVariable(const QString& name, Use use);
     void ReleaseAsyncContexts();
     void DropRefused(MyAsyncDeviceExecContext* context);
 

@@ -1,4 +1,5 @@
 #include "HostCalls.h"
+#include "VisitGate.h"
 
 // The host's variables.
 
@@ -7,44 +8,53 @@ IData* MScriptMngRemote::FindVariable(const QString& name) const {
     return reachable ? variableManager->FindVariable(ToHostText(name).constData()) : nullptr;
 }
 
+/// Does something with a variable of the host that may be the device's own, which the host may be about to replace.
+/// @return false when it is not there.
+template <typename Use>
+bool MScriptMngRemote::UseVariable(const QString& name, Use use) {
+    const VisitGate::Visit visit(device != nullptr ? device->GetValueGate() : nullptr);
+    IData* variable = visit.IsAllowed() ? FindVariable(name) : nullptr;
+    if (variable != nullptr)
+        use(*variable);
+    return variable != nullptr;
+}
+
 unsigned int MScriptMngRemote::SetValue(const QString& sVariable, const QString& sValue) {
     if (variableManager == nullptr)
         return KXP_NOT_IMPLEMENTED;
-    IData* variable = FindVariable(sVariable);
-    if (variable == nullptr)
-        return KXP_VARIABLE_NOT_FOUND;
-    variable->SetValueFromString(ToHostText(sValue).constData(), 0, 0);
-    return KXP_OK;
+    const QByteArray text = ToHostText(sValue);
+    const auto set = [&](IData& variable) { variable.SetValueFromString(text.constData(), 0, 0); };
+    return UseVariable(sVariable, set) ? KXP_OK : KXP_VARIABLE_NOT_FOUND;
 }
 
 unsigned int MScriptMngRemote::SetValueAsInteger(const QString& sVariable, const QString& sValue) {
     if (variableManager == nullptr)
         return KXP_NOT_IMPLEMENTED;
-    IData* variable = FindVariable(sVariable);
-    if (variable == nullptr)
-        return KXP_VARIABLE_NOT_FOUND;
-    variable->SetIntValue(sValue.toInt(), 0, 0);
-    return KXP_OK;
+    const auto set = [&](IData& variable) { variable.SetIntValue(sValue.toInt(), 0, 0); };
+    return UseVariable(sVariable, set) ? KXP_OK : KXP_VARIABLE_NOT_FOUND;
 }
 
 int MScriptMngRemote::GetValueAsInteger(const QString& sVariable) {
-    IData* variable = FindVariable(sVariable);
-    return variable != nullptr ? variable->GetIntValue() : 0;
+    int value = 0;
+    UseVariable(sVariable, [&](IData& variable) { value = variable.GetIntValue(); });
+    return value;
 }
 
 double MScriptMngRemote::GetValueAsReal(const QString& sVariable) {
-    IData* variable = FindVariable(sVariable);
-    return variable != nullptr ? variable->GetRealValue() : 0.0;
+    double value = 0.0;
+    UseVariable(sVariable, [&](IData& variable) { value = variable.GetRealValue(); });
+    return value;
 }
 
 QString MScriptMngRemote::GetValueAsString(const QString& sVariable) {
     lastValueText = QStringLiteral("");
-    IData* variable = FindVariable(sVariable);
-    char* text = variable != nullptr ? variable->GetValueAsString() : nullptr;
-    if (text != nullptr) {
+    UseVariable(sVariable, [&](IData& variable) {
+        char* text = variable.GetValueAsString();
+        if (text == nullptr)
+            return;
         lastValueText = FromHostText(text);
-        variable->ReleaseString(&text);
-    }
+        variable.ReleaseString(&text);
+    });
     return lastValueText;
 }
 

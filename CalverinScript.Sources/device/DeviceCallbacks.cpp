@@ -9,71 +9,55 @@
 #include "MScriptCommonEvent.h"
 #include "MScriptMngRemote.h"
 
-int MCalverinScript_Device::AddTimer(QHash<int, QScriptValue>& timers, const QScriptValue& expression, int delay) {
-    if (!expression.isFunction())
-        return -1;
-    const int id = startTimer(qMax(delay, 0), Qt::PreciseTimer);
+int MCalverinScript_Device::StartTimer(ScriptTimers::Kind kind, const QScriptValue& function, int delayMs) {
+    const int id = timers.Start(kind, function, delayMs);
     if (id == 0)
-        return -1;
-    timers.insert(id, expression);
+        remote->TraceMessage(
+            QStringLiteral("A timer with a delay of %1 ms starts nothing.").arg(delayMs), QStringLiteral("ALARM"));
     return id;
 }
 
-void MCalverinScript_Device::RemoveTimer(QHash<int, QScriptValue>& timers, int id) {
-    if (timers.remove(id) > 0)
-        killTimer(id);
-}
-
 int MCalverinScript_Device::SlotSetInterval(const QScriptValue& expression, int delay) {
-    return AddTimer(intervals, expression, delay);
+    return StartTimer(ScriptTimers::Kind::Interval, expression, delay);
 }
 
 void MCalverinScript_Device::SlotClearInterval(int id) {
-    RemoveTimer(intervals, id);
+    timers.Clear(ScriptTimers::Kind::Interval, id);
 }
 
 int MCalverinScript_Device::SlotSetTimeout(const QScriptValue& expression, int delay) {
-    return AddTimer(timeouts, expression, delay);
+    return StartTimer(ScriptTimers::Kind::TimeOut, expression, delay);
 }
 
 void MCalverinScript_Device::SlotClearTimeout(int id) {
-    RemoveTimer(timeouts, id);
+    timers.Clear(ScriptTimers::Kind::TimeOut, id);
 }
 
 void MCalverinScript_Device::timerEvent(QTimerEvent* fired) {
     const int id = fired->timerId();
     if (!entrance.IsInside()) {
         FireTimer(id);
-    } else if (!deferredTimers.contains(id)) {
-        deferredTimers.append(id);
+    } else {
+        timers.Defer(id);
         entrance.Defer();
     }
 }
 
 void MCalverinScript_Device::FireDeferredTimers() {
-    while (!deferredTimers.isEmpty() && !ending)
-        FireTimer(deferredTimers.takeFirst());
+    while (timers.HasDeferred() && !ending)
+        FireTimer(*timers.TakeDeferred());
 }
 
 void MCalverinScript_Device::FireTimer(int id) {
     const ScriptEntrance::Entry entry(entrance);
-    QScriptValue function = intervals.value(id);
-    if (timeouts.contains(id)) {
-        function = timeouts.value(id);
-        RemoveTimer(timeouts, id);
-    }
+    const QScriptValue function = timers.Take(id);
     if (function.isFunction())
         CallScript(function, {});
     CheckUncaught();
 }
 
 void MCalverinScript_Device::ClearTimers() {
-    for (const auto* timers : {&intervals, &timeouts})
-        for (auto timer = timers->keyBegin(); timer != timers->keyEnd(); ++timer)
-            killTimer(*timer);
-    intervals.clear();
-    timeouts.clear();
-    deferredTimers.clear();
+    timers.ClearAll();
     callbacks.Clear();
     propertyCallback.reset();
 }

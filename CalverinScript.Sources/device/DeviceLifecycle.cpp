@@ -139,8 +139,7 @@ KXPCode MCalverinScript_Device::Start() {
     SetStarted(true);
     commandThread.Start(false);
     MTimerailManager::Reset();
-    if (varStatus == nullptr)
-        BindDefaultVariables();
+    defaults.BindUnlessBound([this](const char* variable) { return FindDefaultVariable(variable); });
     if (!setupScriptFileName.isEmpty())
         LoadScriptCommand(ToHostText(setupScriptFileName).constData(), false);
     else
@@ -213,9 +212,10 @@ bool MCalverinScript_Device::EndScriptThread() {
     entrance.WakeUp();
     scriptThread->quit();
     const bool ended = scriptThread->wait(kThreadEndMs) && threadLeft;
-    abandoned = !ended;
-    if (!ended)
+    if (!ended) {
+        defaults.Forget();
         scriptThread->setPriority(QThread::IdlePriority); // what it still computes shall cost nobody anything
+    }
     gate.Abandon();
     return ended;
 }
@@ -231,9 +231,7 @@ void MCalverinScript_Device::LeaveHost() {
     StopCommandThread();
     SetStarted(false);
     SetRunning(false);
-    for (std::atomic<IData*>* variable : {&varStatus, &varError, &varFileName, &varScriptText, &varFunctions})
-        *variable = nullptr;
-    statusItems = nullptr;
+    defaults.Forget();
     if (module != nullptr)
         module->RemoveDevice(this);
     Unlist();

@@ -1,8 +1,8 @@
 #include "MCalverinScript_Device.h"
 
 #include <QFile>
-#include <QHash>
 #include <QScriptEngine>
+#include <QSet>
 
 #include "CommandNumbers.h"
 #include "DeviceMarshalling.h"
@@ -38,20 +38,27 @@ QScriptValue SettingValue(const MScriptSetting& setting) {
     return QScriptValue();
 }
 
-/// What a scan asks of the device; its own variables are found by their names at once, however many there are.
+/// What a scan asks of the device. Whether a name is one of its own variables is known at once, however many there are; its value is
+/// asked of the host each time, which may have replaced it since.
 class VariableLookup final : public IScanHost {
 public:
-    VariableLookup(IVariableManager* manager, IObjectNameTools* names, MLockedList<MScriptVariable>& own)
+    VariableLookup(IVariableManager* manager, IObjectNameTools* names, IDeviceVariables* values,
+                   MLockedList<MScriptVariable>& own)
         : m_manager(manager)
-        , m_names(names) {
+        , m_names(names)
+        , m_values(values) {
         const std::lock_guard<MLockedList<MScriptVariable>> guard(own);
         for (const MScriptVariable& variable : own)
-            m_own.insert(variable.name, variable.data);
+            if (variable.data != nullptr)
+                m_own.insert(variable.name);
     }
     IData* FindHostVariable(const QString& name) override {
         return m_manager != nullptr ? m_manager->FindVariable(ToHostText(name).constData()) : nullptr;
     }
-    IData* FindDeviceVariable(const QString& name) override { return m_own.value(name, nullptr); }
+    IData* FindDeviceVariable(const QString& name) override {
+        return m_values != nullptr && m_own.contains(name) ? m_values->GetVariable(ToHostText(name).constData())
+                                                           : nullptr;
+    }
     bool IsValidName(const QString& name) override {
         return m_names == nullptr || m_names->IsValidName(ToHostText(name).constData()) != 0;
     }
@@ -59,7 +66,8 @@ public:
 private:
     IVariableManager* const m_manager;
     IObjectNameTools* const m_names;
-    QHash<QString, IData*> m_own;
+    IDeviceVariables* const m_values;
+    QSet<QString> m_own;
 };
 
 } // namespace
@@ -99,8 +107,8 @@ bool MCalverinScript_Device::SlotEvaluateScriptCommand(const QString& text, bool
 
 /// Shows the script that is loaded now, evaluates it and shows its functions.
 bool MCalverinScript_Device::RunLoadedScript() {
-    WriteVariable(varFileName, live.scriptFileName);
-    WriteVariable(varScriptText, live.scriptText);
+    defaults.SetText(DefaultVariable::ScriptFileName, live.scriptFileName);
+    defaults.SetText(DefaultVariable::ScriptText, live.scriptText);
     const bool result = EvaluateScript(live.scriptText, nullptr);
     PublishFunctionList();
     return result;
@@ -110,7 +118,7 @@ void MCalverinScript_Device::PublishFunctionList() {
     QString list;
     for (const MScriptCommand& function : live.functions.Snapshot())
         list += function.name + QLatin1Char('\n');
-    WriteVariable(varFunctions, list);
+    defaults.SetText(DefaultVariable::Functions, list);
 }
 
 /// An analysis touches nothing of the running script, so it does not wait for it, and it completes no call that somebody else
@@ -147,7 +155,7 @@ bool MCalverinScript_Device::Evaluate(ScriptSet& set, const QString& text, bool 
 }
 
 void MCalverinScript_Device::ScanPublished(ScriptSet& set, bool stopMode) {
-    VariableLookup lookup(variableManager, objectNameTools, variablesLive);
+    VariableLookup lookup(variableManager, objectNameTools, deviceVariables, variablesLive);
     ScanRequest request;
     request.published = set.global;
     request.stopMode = stopMode;
@@ -180,7 +188,7 @@ EnumHelpers::Target MCalverinScript_Device::EnumTarget() {
                                               : nullptr;
         return QueryFace<IEnumData>(data, "IEnumData");
     };
-    return {[this] { return live.global; }, enumNamed};
+    return {[this] { return live.global; }, enumNamed, &accessors.GetGate()};
 }
 
 /// The enumeration that the scan has found under a name without its owner's. @return false when there is none.
@@ -352,20 +360,6 @@ void MCalverinScript_Device::ReportError(const QString& text, bool stopMode) {
     if (text.isNull())
         return;
     if (!stopMode)
-        WriteVariable(varError, text);
+        defaults.SetText(DefaultVariable::Error, text);
     Q_EMIT SignalNotifyErrorChange(text);
-}
-
-void MCalverinScript_Device::WriteVariable(const std::atomic<IData*>& variable, const QString& text) {
-    IData* data = variable;
-    if (data != nullptr && !abandoned)
-        data->SetValueFromString(ToHostText(text).constData(), 0, 0);
-}
-
-void MCalverinScript_Device::SetStatus(DeviceStatus status) {
-    const auto index = static_cast<std::int32_t>(status);
-    if (IEnumData* items = statusItems)
-        items->SetCurrent(index, 0, 0);
-    else if (IData* data = varStatus)
-        data->SetIntValue(index, 0, 0);
 }

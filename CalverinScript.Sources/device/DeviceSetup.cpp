@@ -122,12 +122,10 @@ void MCalverinScript_Device::SetSetupSettings(const QList<MScriptSetting>& setti
 }
 
 void MCalverinScript_Device::BindDefaultVariables() {
-    const bool keep = deviceVariables != nullptr && !appliedRemoveDefaults;
-    const auto find = [&](const char* name) { return keep ? deviceVariables->GetVariable(name) : nullptr; };
-    varStatus = find("Status");
-    varError = find("Error");
-    varFileName = find("CurrentScriptFileName");
-    varScriptText = find("CurrentScriptText");
-    varFunctions = find("ScriptFunctions");
-    statusItems = QueryFace<IEnumData>(varStatus, "IEnumData");
+    defaults.Bind([this](const char* variable) { return FindDefaultVariable(variable); });
+}
+
+IData* MCalverinScript_Device::FindDefaultVariable(const char* name) {
+    const bool isKept = deviceVariables != nullptr && !appliedRemoveDefaults;
+    return isKept ? deviceVariables->GetVariable(name) : nullptr;
 }

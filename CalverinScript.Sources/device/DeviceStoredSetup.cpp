@@ -162,13 +162,15 @@ bool MCalverinScript_Device::MakeDefinition(const ScriptCommands& definedCommand
     return BuildDefinition(request, text);
 }
 
-/// The host drops the values that it has had for the device's variables when it takes a definition. Members of a running script
-/// stand for the new ones from then on.
+/// The host drops the values that it has had for the device's variables when it takes a definition. So nothing of ours is inside one
+/// meanwhile, and members of a running script stand for the new ones from then on. The default variables are bound again by the caller,
+/// who knows then whether they are kept.
 bool MCalverinScript_Device::OfferDefinition(const std::string& definition) {
     if (deviceVariables == nullptr)
         return false;
     bool taken = false;
-    accessors.Replace([&] {
+    defaults.Unbind();
+    accessors.GetGate().Replace([&] {
         taken = deviceVariables->SetDefinition(definition.c_str()) == 1;
         accessors.Rebind(VariableOrigin::Device, [this](const QString& name) { return FindOwnVariable(name); });
     });

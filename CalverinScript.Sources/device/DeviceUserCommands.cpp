@@ -41,7 +41,7 @@ bool MCalverinScript_Device::FindCommand(Condition condition, MScriptCommand& fo
 KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t id, IObjectParams* params, IExecContext* context) {
     MScriptCommand command;
     if (!FindCommand([&](const MScriptCommand& candidate) { return candidate.id == id; }, command)) {
-        WriteVariable(varError, QStringLiteral("Command not found"));
+        defaults.SetText(DefaultVariable::Error, QStringLiteral("Command not found"));
         return KXP_BAD_COMMAND;
     }
     const QByteArray name = ToHostText(command.name);

@@ -8,13 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include <QHash>
 #include <QObject>
 #include <QScriptValue>
-#include <QVector>
 
 #include "AsyncCallbacks.h"
 #include "CompletionGate.h"
+#include "DefaultVariables.h"
 #include "EnumHelpers.h"
 #include "ICommandObjectHandler.h"
 #include "IHostServices.h"
@@ -35,6 +34,7 @@
 #include "ResourceSignature.h"
 #include "ScriptEntrance.h"
 #include "ScriptSet.h"
+#include "ScriptTimers.h"
 #include "SetupFormat.h"
 #include "SetupMemory.h"
 #include "VariableAccessor.h"
@@ -49,9 +49,6 @@ class QScriptEngineDebugger;
 class QThread;
 template <typename... Parameters>
 struct MarshalledCallRow;
-
-/// Index of the items of the device's variable "Status".
-enum class DeviceStatus : std::int32_t { Ready = 0, Loading = 1, Executing = 2 };
 
 /// A device whose behaviour is a script.
 ///
@@ -198,6 +195,7 @@ public:
     void PostPropertyChange(const char* object, const char* property, const char* value, bool objectFollows) override;
     MCommandObject* GetExecutingCommand() override;
     void WriteCommandResult(MCommandObject* command, const QString& text) override;
+    VisitGate* GetValueGate() override { return &accessors.GetGate(); }
     bool IsEnding() const override { return ending; }
     int SetInterval(const QScriptValue& function, int delayMs) override { return SlotSetInterval(function, delayMs); }
     void ClearInterval(int id) override { SlotClearInterval(id); }
@@ -342,8 +340,7 @@ private:
     void GiveUpCommand(MCommandObject* command);
     void StopCommandThread();
     void FinishRequestedStop();
-    void SetStatus(DeviceStatus status);
-    void WriteVariable(const std::atomic<IData*>& variable, const QString& text);
+    void SetStatus(DeviceStatus status) { defaults.SetStatus(status); }
 
     // Script work
     bool LoadScriptFile(ScriptSet& set, const char* fileName);
@@ -364,8 +361,7 @@ private:
     void CheckUncaught();
     void FinishStopRequest();
     void ClearTimers();
-    int AddTimer(QHash<int, QScriptValue>& timers, const QScriptValue& expression, int delay);
-    void RemoveTimer(QHash<int, QScriptValue>& timers, int id);
+    int StartTimer(ScriptTimers::Kind kind, const QScriptValue& function, int delayMs);
     void FireTimer(int id);
 
     // Setup
@@ -381,6 +377,7 @@ private:
                         bool resetDefaultIds, std::string& text);
     bool OfferDefinition(const std::string& definition);
     IData* FindOwnVariable(const QString& name);
+    IData* FindDefaultVariable(const char* name);
     void BindLiveVariables();
     void MergeLegacy();
 
@@ -395,13 +392,7 @@ private:
     KXPBitmap bitmap = nullptr;            ///< owned cache of GetBitmap
     IDeviceVariables* deviceVariables = nullptr;
 
-    // The five default variables: written on the host's main thread, read by all. Null when removed or not bound.
-    std::atomic<IData*> varStatus{nullptr};
-    std::atomic<IData*> varError{nullptr};
-    std::atomic<IData*> varFileName{nullptr};
-    std::atomic<IData*> varScriptText{nullptr};
-    std::atomic<IData*> varFunctions{nullptr};
-    std::atomic<IEnumData*> statusItems{nullptr}; ///< the enumeration face of varStatus
+    DefaultVariables defaults;
 
     IManagerRemoteManager* remoteManager = nullptr;
     IManagerRemote* remoteHandler = nullptr;
@@ -451,11 +442,9 @@ private:
     MLockedList<MScriptVariable> variablesLive; ///< the variables as known to the host
 
     // Under mutex, on the thread that owns the engine
-    QHash<int, QScriptValue> intervals;
-    QHash<int, QScriptValue> timeouts;
+    ScriptTimers timers{*this};
     AsyncCallbacks callbacks;
     std::unique_ptr<QScriptValue> propertyCallback;
-    QVector<int> deferredTimers; ///< timers that fired while the script was running
 
     CompletionGate gate;
     std::atomic<bool> threadLeft{false}; ///< set by the script thread when it touches the device no more
@@ -463,7 +452,6 @@ private:
     ScriptEntrance entrance{mutex, ending, [this] { FireDeferredTimers(); }, this}; ///< with the engine's thread
     AccessorPool accessors{ending}; ///< what the script's members stand for; outlives the engine
     EnumHelpers enumHelpers{EnumTarget()};
-    std::atomic<bool> abandoned{false}; ///< set once by Release: the script would not end
     InterlockedCounter hostCalls;       ///< host calls that are inside the device
     QThread* homeThread = nullptr;      ///< where the device was made, and goes back to before it ends
 };

@@ -69,8 +69,6 @@ constexpr const char* kWidgets[] = {"LineEdit",   "TextEdit", "SpinBox",  "RealS
                                     "DigitalOut", "AnalogIn", "AnalogOut"};
 static_assert(std::size(kWidgets) == kLastResourceWidget + 1, "the resources come last");
 
-constexpr const char* kDefaultVariables[] = {"Status", "Error", "CurrentScriptFileName", "CurrentScriptText",
-                                             "ScriptFunctions"};
 constexpr const char* kBuiltInCommands[] = {"Load From File", "Load From Text", "Execute Function",
                                             "Execute Function With Params"};
 
@@ -78,8 +76,8 @@ bool Equal(const QString& text, const char* known) {
     return text == QLatin1String(known);
 }
 
-template <std::size_t N>
-bool Contains(const char* const (&names)[N], const QString& text) {
+template <typename Names>
+bool Contains(const Names& names, const QString& text) {
     return std::any_of(std::begin(names), std::end(names), [&](const char* name) { return Equal(text, name); });
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
+
 #include <QString>
 
 #include "KXPTypes.h"
@@ -57,6 +60,12 @@ const char* WidgetName(int kind);
 /// First and last of the kinds of fields that name a resource of the host.
 constexpr int kFirstResourceWidget = 14;
 constexpr int kLastResourceWidget = 20;
+
+/// The variables that every device has unless they are removed, in the order of their names.
+enum class DefaultVariable { Status, Error, ScriptFileName, ScriptText, Functions };
+constexpr std::size_t kDefaultVariableCount = 5;
+constexpr std::array<const char*, kDefaultVariableCount> kDefaultVariables = {
+    "Status", "Error", "CurrentScriptFileName", "CurrentScriptText", "ScriptFunctions"};
 
 /// Whether the name is one of the five variables that every device has unless they are removed.
 bool IsDefaultVariable(const QString& name);

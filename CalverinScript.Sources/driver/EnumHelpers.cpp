@@ -8,6 +8,7 @@
 #include "HostText.h"
 #include "IData.h"
 #include "ScriptMembers.h"
+#include "VisitGate.h"
 
 namespace {
 
@@ -80,14 +81,21 @@ QScriptValue EnumHelpers::EntryWithItems(const QString& name) const {
     return entry.property(QStringLiteral("Items")).isArray() ? entry : QScriptValue();
 }
 
+/// @return false when there is no such enumeration.
+bool EnumHelpers::Change(const QString& name, const std::function<void(IEnumData&)>& change) const {
+    const VisitGate::Visit visit(m_target.gate);
+    IEnumData* data = visit.IsAllowed() ? m_target.enumNamed(name) : nullptr;
+    if (data != nullptr)
+        change(*data);
+    return data != nullptr;
+}
+
 QScriptValue EnumHelpers::Clear(QScriptContext* context, QScriptEngine* engine, void* self) {
     const auto& helpers = *static_cast<EnumHelpers*>(self);
     const QString name = context->argument(0).toString();
-    IEnumData* data = context->argumentCount() > 0 ? helpers.m_target.enumNamed(name) : nullptr;
-    QScriptValue entry = data != nullptr ? helpers.EntryWithItems(name) : QScriptValue();
-    if (data == nullptr || !entry.isObject())
+    QScriptValue entry = context->argumentCount() > 0 ? helpers.EntryWithItems(name) : QScriptValue();
+    if (!entry.isObject() || !helpers.Change(name, [](IEnumData& data) { data.ClearItems(0, 0); }))
         return QScriptValue(KXP_NOT_IMPLEMENTED);
-    data->ClearItems(0, 0);
     entry.setProperty(QStringLiteral("Items"), engine->newArray());
     return QScriptValue(KXP_OK);
 }
@@ -96,11 +104,10 @@ QScriptValue EnumHelpers::Add(QScriptContext* context, QScriptEngine* /*engine*/
     const auto& helpers = *static_cast<EnumHelpers*>(self);
     const QString name = context->argument(0).toString();
     const QString item = context->argument(1).toString();
-    IEnumData* data = context->argumentCount() > 1 ? helpers.m_target.enumNamed(name) : nullptr;
-    QScriptValue entry = data != nullptr ? helpers.EntryWithItems(name) : QScriptValue();
-    if (data == nullptr || !entry.isObject())
+    QScriptValue entry = context->argumentCount() > 1 ? helpers.EntryWithItems(name) : QScriptValue();
+    const auto add = [&](IEnumData& data) { data.AddItem(ToHostText(item).constData()); };
+    if (!entry.isObject() || !helpers.Change(name, add))
         return QScriptValue(KXP_NOT_IMPLEMENTED);
-    data->AddItem(ToHostText(item).constData());
     QScriptValue items = DeepCopy(entry.property(QStringLiteral("Items")));
     items.setProperty(items.property(QStringLiteral("length")).toUInt32(), QScriptValue(item));
     entry.setProperty(QStringLiteral("Items"), items);

@@ -6,6 +6,7 @@
 #include <QString>
 
 class IEnumData;
+class VisitGate;
 class QScriptContext;
 class QScriptEngine;
 
@@ -18,6 +19,7 @@ public:
     struct Target {
         std::function<QScriptValue()> published;                  ///< the value that the script ended with
         std::function<IEnumData*(const QString& name)> enumNamed; ///< by its name without the device's; null for none
+        VisitGate* gate = nullptr; ///< entered around the use of an enumeration; null where values stay
     };
 
     explicit EnumHelpers(Target target)
@@ -32,6 +34,7 @@ private:
     static QScriptValue Clear(QScriptContext* context, QScriptEngine* engine, void* self);
     static QScriptValue Add(QScriptContext* context, QScriptEngine* engine, void* self);
     QScriptValue EntryWithItems(const QString& name) const;
+    bool Change(const QString& name, const std::function<void(IEnumData&)>& change) const;
 
     const Target m_target;
 };

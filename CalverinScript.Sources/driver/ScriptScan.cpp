@@ -134,6 +134,9 @@ private:
     void BindMember(QScriptValue object, const QString& member, VariableOrigin origin, const QString& name) {
         if (m_request.host == nullptr || !IsHostName(name))
             return;
+        const VisitGate::Visit visit(m_request.accessors != nullptr ? &m_request.accessors->GetGate() : nullptr);
+        if (!visit.IsAllowed())
+            return;
         IData* data = origin == VariableOrigin::Host ? m_request.host->FindHostVariable(name)
                                                      : m_request.host->FindDeviceVariable(name);
         if (data == nullptr)

@@ -1,7 +1,7 @@
 #include "VariableAccessor.h"
 
-#include <chrono>
 #include <cmath>
+#include <optional>
 
 #include <QScriptContext>
 #include <QScriptEngine>
@@ -12,12 +12,29 @@
 
 namespace {
 
-/// How long a replacement waits for a script that is inside the host.
-constexpr std::chrono::milliseconds kReplaceWait{200};
-/// How long a script waits for a replacement. Longer means that the host waits for the script.
-constexpr std::chrono::milliseconds kAccessWait{2000};
-
 constexpr QScriptValue::PropertyFlags kAccessor{int(QScriptValue::PropertyGetter) | int(QScriptValue::PropertySetter)};
+
+/// Turning a value into a number or a text may run script. Once that has thrown there is nothing to write.
+bool HasFailed(const QScriptValue& value) {
+    const QScriptEngine* engine = value.engine();
+    return engine != nullptr && engine->hasUncaughtException();
+}
+
+/// An object as the plain value that a type of variable takes; times and dates take none. May run script.
+QScriptValue PlainValueFor(std::uint32_t type, const QScriptValue& object) {
+    switch (type) {
+    case KXP_INTEGER_DATA:
+    case KXP_ENUM_DATA:
+        return QScriptValue(object.toInt32());
+    case KXP_REAL_DATA:
+        return QScriptValue(object.toNumber());
+    case KXP_TIME_DATA:
+    case KXP_DATE_DATA:
+        return object;
+    default:
+        return QScriptValue(object.toString());
+    }
+}
 
 } // namespace
 
@@ -25,34 +42,33 @@ constexpr QScriptValue::PropertyFlags kAccessor{int(QScriptValue::PropertyGetter
 struct AccessorPool::BoundVariable {
     explicit BoundVariable(AccessorPool& owner)
         : pool(owner) {}
+
+    QScriptValue Read() {
+        QScriptValue value(QScriptValue::UndefinedValue);
+        Visit([&](IData& host) { value = ReadHostValue(host); });
+        return value;
+    }
+    void Write(const QScriptValue& value) {
+        Visit([&](IData& host) { WriteHostValue(host, value); });
+    }
+    std::optional<std::uint32_t> Type() {
+        std::optional<std::uint32_t> type;
+        Visit([&](IData& host) { type = host.GetDataType(); });
+        return type;
+    }
+
     AccessorPool& pool;
     std::atomic<IData*> data{nullptr};
-};
-
-/// One access. It waits while values are replaced, unless it is made inside another one, for which the replacement waits.
-class AccessorPool::Visit {
-public:
-    explicit Visit(AccessorPool& pool)
-        : m_pool(pool) {
-        std::unique_lock<std::mutex> guard(pool.m_lock);
-        m_allowed =
-            pool.m_changed.wait_for(guard, kAccessWait, [&pool] { return !pool.m_replacing || pool.m_inside > 0; });
-        ++pool.m_inside;
-    }
-    ~Visit() {
-        {
-            const std::lock_guard<std::mutex> guard(m_pool.m_lock);
-            --m_pool.m_inside;
-        }
-        m_pool.m_changed.notify_all();
-    }
-    Visit(const Visit&) = delete;
-    Visit& operator=(const Visit&) = delete;
-    bool IsAllowed() const { return m_allowed && !m_pool.m_closed.load(std::memory_order_relaxed); }
 
 private:
-    AccessorPool& m_pool;
-    bool m_allowed = false;
+    /// Does work on the host's value, unless there is none or it must not be touched.
+    template <typename Work>
+    void Visit(Work work) {
+        const VisitGate::Visit visit(pool.m_gate);
+        IData* host = data.load(std::memory_order_acquire);
+        if (host != nullptr && visit.IsAllowed() && !pool.m_closed.load(std::memory_order_relaxed))
+            work(*host);
+    }
 };
 
 AccessorPool::AccessorPool(const std::atomic<bool>& closed)
@@ -84,32 +100,20 @@ void AccessorPool::Rebind(VariableOrigin origin, const std::function<IData*(cons
             entry.second->data = find(entry.first.second);
 }
 
-void AccessorPool::Replace(const std::function<void()>& work) {
-    {
-        std::unique_lock<std::mutex> guard(m_lock);
-        m_replacing = true;
-        m_changed.wait_for(guard, kReplaceWait, [this] { return m_inside == 0; });
-    }
-    work();
-    {
-        const std::lock_guard<std::mutex> guard(m_lock);
-        m_replacing = false;
-    }
-    m_changed.notify_all();
-}
-
-/// Called with one argument to write and without to read.
+/// Called with one argument to write and without to read. What a value means for the type may run script, which may do anything, so
+/// that is found out outside the host's value.
 QScriptValue AccessorPool::Access(QScriptContext* context, QScriptEngine* /*engine*/, void* variable) {
     auto& bound = *static_cast<BoundVariable*>(variable);
-    const Visit visit(bound.pool);
-    IData* data = bound.data.load(std::memory_order_acquire);
-    const bool writes = context->argumentCount() > 0;
-    if (data == nullptr || !visit.IsAllowed())
-        return writes ? context->argument(0) : QScriptValue(QScriptValue::UndefinedValue);
-    if (!writes)
-        return ReadHostValue(*data);
+    if (context->argumentCount() == 0)
+        return bound.Read();
     const QScriptValue value = context->argument(0);
-    WriteHostValue(*data, value);
+    if (!value.isObject()) {
+        bound.Write(value);
+    } else if (const std::optional<std::uint32_t> type = bound.Type()) {
+        const QScriptValue plain = PlainValueFor(*type, value);
+        if (!plain.isObject() && !HasFailed(value))
+            bound.Write(plain);
+    }
     return value;
 }
 
@@ -133,23 +137,17 @@ void WriteTime(IData& data, const QScriptValue& value) {
         return;
     }
     auto* time = QueryFace<ITimeData>(&data, "ITimeData");
-    const double frames = value.toNumber();
-    if (value.isNumber() && std::isfinite(frames) && time != nullptr)
+    const double frames = value.isNumber() ? value.toNumber() : std::nan("");
+    if (std::isfinite(frames) && time != nullptr)
         SetText(data, TimeTextOfFrames(frames, time->GetTimeCodeType()));
 }
 
 void WriteDate(IData& data, const QScriptValue& value) {
-    const double days = value.toNumber();
+    const double days = value.isNumber() ? value.toNumber() : std::nan("");
     if (value.isString())
         SetText(data, value.toString());
-    else if (value.isNumber() && std::isfinite(days) && std::trunc(days) == days)
+    else if (std::isfinite(days) && std::trunc(days) == days)
         SetText(data, DateTextOfDays(days));
-}
-
-/// Turning a value into a number or a text may run script. Once that has thrown there is nothing to write.
-bool HasFailed(const QScriptValue& value) {
-    const QScriptEngine* engine = value.engine();
-    return engine != nullptr && engine->hasUncaughtException();
 }
 
 void WriteText(IData& data, const QScriptValue& value) {

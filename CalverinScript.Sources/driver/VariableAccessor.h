@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
 #include <map>
 #include <memory>
@@ -10,6 +9,8 @@
 
 #include <QScriptValue>
 #include <QString>
+
+#include "VisitGate.h"
 
 class IData;
 class QScriptContext;
@@ -37,22 +38,17 @@ public:
     /// Looks every variable of that origin up again; find gives null for one that is gone.   [any]
     void Rebind(VariableOrigin origin, const std::function<IData*(const QString& name)>& find);
 
-    /// Runs work in which the host puts other values in the place of those that are bound, and in which they are bound again: a
-    /// script does not reach the host through its members meanwhile, it waits. Neither side waits for long, since the host may be
-    /// waiting too: a script that is inside a value holds the work up for 200 ms at most, and after 2 s of waiting a script's
-    /// reading gives undefined and its writing does nothing.   [any but the engine's thread]
-    void Replace(const std::function<void()>& work);
+    /// What keeps a script out of the host's values while the host replaces them, and they are bound again. A script that is turned
+    /// away reads undefined, and its writing does nothing.   [any]
+    VisitGate& GetGate() { return m_gate; }
 
 private:
     struct BoundVariable;
-    class Visit;
     static QScriptValue Access(QScriptContext* context, QScriptEngine* engine, void* variable);
 
     const std::atomic<bool>& m_closed;
-    std::mutex m_lock; ///< guards all that follows; the entries of the map stay in place
-    std::condition_variable m_changed;
-    bool m_replacing = false; ///< by whoever replaces
-    int m_inside = 0;         ///< accesses that are inside the host, one in the other
+    VisitGate m_gate;
+    std::mutex m_lock; ///< guards the map, whose entries stay in place
     std::map<std::pair<VariableOrigin, QString>, std::unique_ptr<BoundVariable>> m_variables;
 };
 

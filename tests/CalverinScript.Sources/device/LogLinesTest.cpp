@@ -50,6 +50,17 @@ TEST_F(LogLines, OfAFunctionWithParamsNameAllEightAndShowNullTextsAsEmpty) {
                {7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [executed]: " + texts}}));
 }
 
+TEST_F(LogLines, TellOfADelayThatStartsNothing) {
+    GivenScript("");
+    GivenAnEmptyLog();
+    OnScriptThread([&] {
+        const QScriptValue function = device->GetEngine()->evaluate(QStringLiteral("(function() {})"));
+        EXPECT_EQ(device->SlotSetTimeout(function, -5), 0);
+        EXPECT_EQ(device->SlotSetInterval(QScriptValue(7), -5), -1);
+    });
+    EXPECT_EQ(LogOf(1), (Lines{{4, "kxpCalverinScript [Desk] A timer with a delay of -5 ms starts nothing."}}));
+}
+
 TEST_F(LogLines, OfACallbackNameNothing) {
     GivenScript("");
     MyAsyncDeviceExecContext* context = nullptr;

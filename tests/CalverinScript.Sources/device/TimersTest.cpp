@@ -107,6 +107,39 @@ TEST_F(Timers, ATimerThatFiresInsideALongFunctionWaitsForItsEnd) {
     EXPECT_EQ(Call("Get"), "after");
 }
 
+TEST_F(Timers, AReplyWatchdogThatIsSetAnewDoesNotGoOffForTheOneThatCameDueMeanwhile) {
+    GivenScript("({ alarms: 0, Message: function() { var me = this;"
+                "     var old = QCalverin.SetTimeout(function() { me.alarms += 1 }, 1);"
+                "     var end = Date.now() + 60; while (Date.now() < end) {}"
+                "     QCalverin.ClearTimeout(old);"
+                "     var fresh = QCalverin.SetTimeout(function() { me.alarms += 100 }, 3600000);"
+                "     return fresh == old },"
+                "   Alarms: function() { return this.alarms } })");
+    for (int message = 0; message < 5; ++message) {
+        EXPECT_EQ(Call("Message"), "true") << "the number comes back at once";
+        EXPECT_EQ(Call("Alarms"), "0");
+    }
+}
+
+TEST_F(Timers, ADelayIsAWholeNumberOf32BitsAndANegativeOneStartsNothing) {
+    GivenScript("({ n: 0, Start: function(ms) { var me = this;"
+                "     return QCalverin.SetInterval(function() { ++me.n }, Number(ms)) },"
+                "   Once: function(ms) { var me = this;"
+                "     return QCalverin.SetTimeout(function() { me.n += 1000 }, Number(ms)) },"
+                "   Get: function() { return this.n } })");
+    const std::string thirtyDays = std::to_string(30LL * 24 * 3600 * 1000);
+    for (const std::string& ms : {std::string("-1"), thirtyDays, std::string("2147483648"), std::string("-5000")}) {
+        EXPECT_EQ(Call("Start", {ms}), "0") << ms;
+        EXPECT_EQ(Call("Once", {ms}), "0") << ms;
+    }
+    EXPECT_NE(Call("Start", {"2147483647"}), "0") << "24.8 days";
+    EXPECT_EQ(Call("Get"), "0");
+    EXPECT_NE(Call("Once", {"4294967297"}), "0") << "one millisecond beyond the 32 bits";
+    for (int tries = 0; tries < 10000 && Call("Get") != "1000"; ++tries) {
+    }
+    EXPECT_EQ(Call("Get"), "1000");
+}
+
 TEST_F(Timers, AChangeReachesTheCallbackWithObjectAndValue) {
     GivenScript("({ got: '', OnChange: function() { this.got += Array.prototype.join.call(arguments, '=') + ';' },"
                 "   Get: function() { return this.got } })");

@@ -154,7 +154,7 @@ TEST_F(Accessors, WaitWhileTheHostReplacesItsValues) {
     GivenDeviceVariable("Level", KXP_INTEGER_DATA, "1");
     Run("({ Device: { Level: 0 } })");
     std::future<std::string> reading;
-    accessors.Replace([&] {
+    accessors.GetGate().Replace([&] {
         TypedValue& fresh = GivenDeviceVariable("Level", KXP_INTEGER_DATA, "2");
         reading = std::async(std::launch::async, [this] { return Evaluate("published.Device.Level"); });
         EXPECT_EQ(reading.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
@@ -188,13 +188,13 @@ TEST_F(Accessors, AreWaitedForByAReplacementButNotForEver) {
     auto reading = std::async(std::launch::async, [this] { return Evaluate("published.Device.Level"); });
     slow.entered.get_future().wait();
     bool wasInside = false;
-    accessors.Replace([&] {
+    accessors.GetGate().Replace([&] {
         wasInside = !slow.gone;
         slow.leave.set_value();
     });
     EXPECT_TRUE(wasInside) << "the host may wait for the replacement";
     EXPECT_EQ(reading.get(), "1");
-    accessors.Replace([&] { EXPECT_TRUE(slow.gone); });
+    accessors.GetGate().Replace([&] { EXPECT_TRUE(slow.gone); });
 }
 
 TEST_F(Accessors, InsideOneAnotherDoNotWaitForAReplacementThatWaitsForThem) {
@@ -205,7 +205,7 @@ TEST_F(Accessors, InsideOneAnotherDoNotWaitForAReplacementThatWaitsForThem) {
         return QScriptValue();
     };
     std::function<void()> start = [&] {
-        replacing = std::async(std::launch::async, [this] { accessors.Replace([] {}); });
+        replacing = std::async(std::launch::async, [this] { accessors.GetGate().Replace([] {}); });
     };
     engine.globalObject().setProperty(QStringLiteral("replace"), engine.newFunction(replace, &start));
     Run("({ Device: { Level: 0 } })");

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <array>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+
+#include <QString>
+
+#include "DriverTables.h"
+
+class IData;
+class IEnumData;
+
+/// Index of the items of the device's variable "Status".
+enum class DeviceStatus : std::int32_t { Ready = 0, Loading = 1, Executing = 2 };
+
+/// The host's values of the variables that every device has.
+///
+/// - Any thread writes; the host is called without a lock.
+/// - Once Unbind has returned nobody is inside a value of the host. What is written then is kept, the last of each variable, and
+///   written to the new values by Bind. A write of the host's that does not come back is waited for a moment only, since the host may be
+///   waiting for us.
+/// - After Forget nothing is written any more.   [thread: any]
+class DefaultVariables {
+public:
+    /// Gives the host's value of a variable; null for none.
+    using Find = std::function<IData*(const char* name)>;
+
+    DefaultVariables() = default;
+    DefaultVariables(const DefaultVariables&) = delete;
+    DefaultVariables& operator=(const DefaultVariables&) = delete;
+
+    /// Does nothing for a variable that is not bound.
+    void SetText(DefaultVariable variable, const QString& text);
+    void SetStatus(DeviceStatus status);
+
+    /// Before the host drops its values.   [host main]
+    void Unbind();
+    /// Looks all up and writes what was kept.   [host main]
+    void Bind(const Find& find);
+    /// The same, where the values were never found.   [any host thread]
+    void BindUnlessBound(const Find& find);
+    /// Lets go of the host for good.   [host main]
+    void Forget();
+
+private:
+    enum class State { Unknown, Bound, Unbound, Forgotten };
+    struct Target {
+        IData* data = nullptr;
+        IEnumData* items = nullptr; ///< of an enumeration: its own face
+    };
+    using Write = std::function<void(const Target&)>;
+
+    void Do(DefaultVariable variable, Write write);
+    bool Enter(DefaultVariable variable, Write& write, Target& target);
+    void Leave();
+    void WaitForWriters(std::unique_lock<std::mutex>& guard);
+    bool Take(const Find& find, const unsigned* seenUnbinds);
+    void WriteKept();
+
+    std::mutex m_lock; ///< guards all that follows
+    std::condition_variable m_left;
+    State m_state = State::Unknown;
+    std::array<Target, kDefaultVariableCount> m_targets{};
+    std::map<DefaultVariable, Write> m_kept; ///< while unbound
+    int m_inside = 0;                        ///< writes that are inside the host
+    unsigned m_unbinds = 0;                  ///< how often the values were let go
+};
