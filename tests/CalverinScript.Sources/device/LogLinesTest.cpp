@@ -4,7 +4,7 @@
 
 namespace {
 
-using Lines = std::vector<LogLine>;
+using LoggedLines = std::vector<LogLine>;
 
 class LogLines : public LoggedDevice {};
 
@@ -13,7 +13,7 @@ TEST_F(LogLines, OfALoadFromAFile) {
     const std::string path = WriteFile("a.js", "({})");
     GivenAnEmptyLog();
     WhenFileIsLoaded(path);
-    EXPECT_EQ(LogOf(3), (Lines{{7, "kxpCalverinScript [Desk] LoadScriptFromFile [post]: " + path + " - Stack: 0"},
+    EXPECT_EQ(LogOf(3), (LoggedLines{{7, "kxpCalverinScript [Desk] LoadScriptFromFile [post]: " + path + " - Stack: 0"},
                                {7, "kxpCalverinScript [Desk] LoadScriptFromFile [execute]: " + path + " - Stack: 1"},
                                {7, "kxpCalverinScript [Desk] LoadScriptFromFile [executed]: " + path}}));
 }
@@ -23,7 +23,7 @@ TEST_F(LogLines, OfALoadFromAText) {
     GivenAnEmptyLog();
     WhenTextIsLoaded("({ a: '100%s %n' })");
     EXPECT_EQ(LogOf(3),
-              (Lines{{7, "kxpCalverinScript [Desk] LoadScriptFromText [post]: ({ a: '100%s %n' }) - Stack: 0"},
+              (LoggedLines{{7, "kxpCalverinScript [Desk] LoadScriptFromText [post]: ({ a: '100%s %n' }) - Stack: 0"},
                      {7, "kxpCalverinScript [Desk] LoadScriptFromText [execute]: ({ a: '100%s %n' }) - Stack: 1"},
                      {7, "kxpCalverinScript [Desk] LoadScriptFromText [executed]: ({ a: '100%s %n' })"}}));
 }
@@ -33,7 +33,7 @@ TEST_F(LogLines, OfAFunction) {
     GivenAnEmptyLog();
     plain::Params params({"F"});
     ASSERT_EQ(Send(2, params), KXP_OK);
-    EXPECT_EQ(LogOf(3), (Lines{{7, "kxpCalverinScript [Desk] ExecuteScriptFunction [post]: F - Stack: 0"},
+    EXPECT_EQ(LogOf(3), (LoggedLines{{7, "kxpCalverinScript [Desk] ExecuteScriptFunction [post]: F - Stack: 0"},
                                {7, "kxpCalverinScript [Desk] ExecuteScriptFunction [execute]: F - Stack: 1"},
                                {7, "kxpCalverinScript [Desk] ExecuteScriptFunction [executed]: F"}}));
 }
@@ -45,7 +45,7 @@ TEST_F(LogLines, OfAFunctionWithParamsNameAllEightAndShowNullTextsAsEmpty) {
     const std::string texts = "F, a,,c d,4,5,,,";
     EXPECT_EQ(
         LogOf(3),
-        (Lines{{7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [post]: " + texts + " - Stack: 0"},
+        (LoggedLines{{7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [post]: " + texts + " - Stack: 0"},
                {7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [execute]: " + texts + " - Stack: 1"},
                {7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [executed]: " + texts}}));
 }
@@ -58,7 +58,7 @@ TEST_F(LogLines, TellOfADelayThatStartsNothing) {
         EXPECT_EQ(device->SlotSetTimeout(function, -5), 0);
         EXPECT_EQ(device->SlotSetInterval(QScriptValue(7), -5), -1);
     });
-    EXPECT_EQ(LogOf(1), (Lines{{4, "kxpCalverinScript [Desk] A timer with a delay of -5 ms starts nothing."}}));
+    EXPECT_EQ(LogOf(1), (LoggedLines{{4, "kxpCalverinScript [Desk] A timer with a delay of -5 ms starts nothing."}}));
 }
 
 TEST_F(LogLines, OfACallbackNameNothing) {
@@ -69,7 +69,7 @@ TEST_F(LogLines, OfACallbackNameNothing) {
     ASSERT_NE(context, nullptr);
     GivenAnEmptyLog();
     context->End();
-    EXPECT_EQ(LogOf(3), (Lines{{7, "kxpCalverinScript [Desk] ExecuteCallBack [post]: - Stack: 0"},
+    EXPECT_EQ(LogOf(3), (LoggedLines{{7, "kxpCalverinScript [Desk] ExecuteCallBack [post]: - Stack: 0"},
                                {7, "kxpCalverinScript [Desk] ExecuteCallBack [execute]: - Stack: 1"},
                                {7, "kxpCalverinScript [Desk] ExecuteCallBack [executed]"}}));
 }
@@ -81,7 +81,7 @@ TEST_F(LogLines, CountTheCommandsThatWait) {
     plain::Params params({"1"});
     for (int i = 0; i < 3; ++i)
         ASSERT_EQ(Send(1, params), KXP_OK);
-    const Lines lines = LogOf(3);
+    const LoggedLines lines = LogOf(3);
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(lines[static_cast<std::size_t>(i)].text,
                   "kxpCalverinScript [Desk] LoadScriptFromText [post]: 1 - Stack: " + std::to_string(i));
@@ -92,7 +92,7 @@ TEST_F(LogLines, ShowANullFileNameAsEmpty) {
     device->Stop();
     GivenAnEmptyLog();
     device->LoadScriptFromFile(nullptr, nullptr, false);
-    EXPECT_EQ(LogOf(1), (Lines{{7, "kxpCalverinScript [Desk] LoadScriptFromFile [post]:  - Stack: 0"}}));
+    EXPECT_EQ(LogOf(1), (LoggedLines{{7, "kxpCalverinScript [Desk] LoadScriptFromFile [post]:  - Stack: 0"}}));
 }
 
 TEST_F(LogLines, OfALongTextAreCut) {
@@ -100,7 +100,7 @@ TEST_F(LogLines, OfALongTextAreCut) {
     device->Stop();
     GivenAnEmptyLog();
     device->LoadScriptFromText(nullptr, std::string(5000, 'x').c_str(), false);
-    const Lines lines = LogOf(1);
+    const LoggedLines lines = LogOf(1);
     EXPECT_EQ(lines[0].text.size(), static_cast<std::size_t>(kLogLineSize - 1));
     EXPECT_EQ(lines[0].text.rfind("kxpCalverinScript [Desk] LoadScriptFromText [post]: xxx", 0), 0u);
 }
@@ -109,7 +109,7 @@ TEST_F(LogLines, OfAnUncaughtExceptionTellLineAndMessageAtLevelFive) {
     GivenScript("({ F: function() {\n\nthrow new Error('boom'); } })");
     GivenAnEmptyLog();
     Call("F");
-    const Lines lines = LogOf(4);
+    const LoggedLines lines = LogOf(4);
     ASSERT_EQ(lines.size(), 4u);
     EXPECT_EQ(lines[2], (LogLine{5, "CalverinScript_ [Desk] Uncaught Exception - line:3, message: boom"}));
 }
@@ -126,7 +126,7 @@ TEST_F(LogLines, NameADeviceWithoutANameByNothing) {
     device->SetName(nullptr);
     GivenAnEmptyLog();
     device->LoadScriptFromText(nullptr, "1", false);
-    EXPECT_EQ(LogOf(1), (Lines{{7, "kxpCalverinScript [] LoadScriptFromText [post]: 1 - Stack: 0"}}));
+    EXPECT_EQ(LogOf(1), (LoggedLines{{7, "kxpCalverinScript [] LoadScriptFromText [post]: 1 - Stack: 0"}}));
 }
 
 } // namespace
