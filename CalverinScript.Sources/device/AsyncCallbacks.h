@@ -18,7 +18,9 @@ public:
         QScriptValueList arguments;
     };
 
-    void Note(MyAsyncDeviceExecContext* context, const QScriptValue& function) { m_functions.insert(context, function); }
+    void Note(MyAsyncDeviceExecContext* context, const QScriptValue& function) {
+        m_functions.insert(context, function);
+    }
     void Forget(MyAsyncDeviceExecContext* context) { m_functions.remove(context); }
     void Clear() { m_functions.clear(); }
     int Count() const { return m_functions.count(); }

@@ -12,8 +12,8 @@
 int MCalverinScript_Device::StartTimer(ScriptTimers::Kind kind, const QScriptValue& function, int delayMs) {
     const int id = timers.Start(kind, function, delayMs);
     if (id == 0)
-        remote->TraceMessage(
-            QStringLiteral("A timer with a delay of %1 ms starts nothing.").arg(delayMs), QStringLiteral("ALARM"));
+        remote->TraceMessage(QStringLiteral("A timer with a delay of %1 ms starts nothing.").arg(delayMs),
+                             QStringLiteral("ALARM"));
     return id;
 }
 

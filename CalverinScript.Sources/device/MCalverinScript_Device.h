@@ -452,6 +452,6 @@ private:
     ScriptEntrance entrance{mutex, ending, [this] { FireDeferredTimers(); }, this}; ///< with the engine's thread
     AccessorPool accessors{ending}; ///< what the script's members stand for; outlives the engine
     EnumHelpers enumHelpers{EnumTarget()};
-    InterlockedCounter hostCalls;       ///< host calls that are inside the device
-    QThread* homeThread = nullptr;      ///< where the device was made, and goes back to before it ends
+    InterlockedCounter hostCalls;  ///< host calls that are inside the device
+    QThread* homeThread = nullptr; ///< where the device was made, and goes back to before it ends
 };

@@ -10,7 +10,8 @@
 /// Keeps visitors out while something that they use is replaced.
 ///
 /// - A replacement begins when nobody is inside, and nobody comes in until it is over.
-/// - Neither side waits for long, since each may be what the other waits for: a visitor that does not leave holds a replacement up for
+/// - Neither side waits for long, since each may be what the other waits for: a visitor that does not leave holds a
+/// replacement up for
 ///   kReplaceWait, and after kVisitWait of waiting, or at once on the thread that replaces, a visitor is turned away.
 /// - A visit inside another one of the same thread never waits: the replacement waits for both.
 /// - No lock is held during a visit or a replacement.   [thread: any]
@@ -39,7 +40,8 @@ public:
     VisitGate(const VisitGate&) = delete;
     VisitGate& operator=(const VisitGate&) = delete;
 
-    /// Runs work while nobody is inside. One replacement at a time: that of another thread waits for its end, one inside work just runs.
+    /// Runs work while nobody is inside. One replacement at a time: that of another thread waits for its end, one
+    /// inside work just runs.
     void Replace(const std::function<void()>& work);
 
 private:

@@ -32,8 +32,8 @@ private:
 
     void RefuseFor(Refusal what);
 
-    std::mutex m_lock;       ///< held while the WakeUp runs
-    WakeUp m_wakeUp;         ///< under m_lock; empty while the script does not wait
+    std::mutex m_lock;                 ///< held while the WakeUp runs
+    WakeUp m_wakeUp;                   ///< under m_lock; empty while the script does not wait
     Refusal m_refusal = Refusal::None; ///< under m_lock
     bool m_closed = false;             ///< under m_lock: from EndRun or Refuse to Reopen
 };

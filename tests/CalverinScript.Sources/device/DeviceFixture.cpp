@@ -30,7 +30,7 @@ void DeviceFixture::EndDevice() {
 void DeviceFixture::TearDown() {
     if (device != nullptr)
         EndDevice();
-    EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 0u);
+    EXPECT_TRUE(Eventually([] { return MCalverinScript_Device::SweepAbandoned() == 0; }));
     EXPECT_EQ(plain::Value::OutstandingTexts(), 0);
 }
 

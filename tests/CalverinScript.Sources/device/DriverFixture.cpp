@@ -74,7 +74,7 @@ void DriverFixture::TearDown() {
         driver->device->Stop();
         driver->device->Release();
     }
-    EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 0u);
+    EXPECT_TRUE(Eventually([] { return MCalverinScript_Device::SweepAbandoned() == 0; }));
     EXPECT_EQ(plain::Value::OutstandingTexts(), 0);
 }
 

@@ -13,9 +13,10 @@ TEST_F(LogLines, OfALoadFromAFile) {
     const std::string path = WriteFile("a.js", "({})");
     GivenAnEmptyLog();
     WhenFileIsLoaded(path);
-    EXPECT_EQ(LogOf(3), (LoggedLines{{7, "kxpCalverinScript [Desk] LoadScriptFromFile [post]: " + path + " - Stack: 0"},
-                               {7, "kxpCalverinScript [Desk] LoadScriptFromFile [execute]: " + path + " - Stack: 1"},
-                               {7, "kxpCalverinScript [Desk] LoadScriptFromFile [executed]: " + path}}));
+    EXPECT_EQ(LogOf(3),
+              (LoggedLines{{7, "kxpCalverinScript [Desk] LoadScriptFromFile [post]: " + path + " - Stack: 0"},
+                           {7, "kxpCalverinScript [Desk] LoadScriptFromFile [execute]: " + path + " - Stack: 1"},
+                           {7, "kxpCalverinScript [Desk] LoadScriptFromFile [executed]: " + path}}));
 }
 
 TEST_F(LogLines, OfALoadFromAText) {
@@ -24,8 +25,8 @@ TEST_F(LogLines, OfALoadFromAText) {
     WhenTextIsLoaded("({ a: '100%s %n' })");
     EXPECT_EQ(LogOf(3),
               (LoggedLines{{7, "kxpCalverinScript [Desk] LoadScriptFromText [post]: ({ a: '100%s %n' }) - Stack: 0"},
-                     {7, "kxpCalverinScript [Desk] LoadScriptFromText [execute]: ({ a: '100%s %n' }) - Stack: 1"},
-                     {7, "kxpCalverinScript [Desk] LoadScriptFromText [executed]: ({ a: '100%s %n' })"}}));
+                           {7, "kxpCalverinScript [Desk] LoadScriptFromText [execute]: ({ a: '100%s %n' }) - Stack: 1"},
+                           {7, "kxpCalverinScript [Desk] LoadScriptFromText [executed]: ({ a: '100%s %n' })"}}));
 }
 
 TEST_F(LogLines, OfAFunction) {
@@ -34,8 +35,8 @@ TEST_F(LogLines, OfAFunction) {
     plain::Params params({"F"});
     ASSERT_EQ(Send(2, params), KXP_OK);
     EXPECT_EQ(LogOf(3), (LoggedLines{{7, "kxpCalverinScript [Desk] ExecuteScriptFunction [post]: F - Stack: 0"},
-                               {7, "kxpCalverinScript [Desk] ExecuteScriptFunction [execute]: F - Stack: 1"},
-                               {7, "kxpCalverinScript [Desk] ExecuteScriptFunction [executed]: F"}}));
+                                     {7, "kxpCalverinScript [Desk] ExecuteScriptFunction [execute]: F - Stack: 1"},
+                                     {7, "kxpCalverinScript [Desk] ExecuteScriptFunction [executed]: F"}}));
 }
 
 TEST_F(LogLines, OfAFunctionWithParamsNameAllEightAndShowNullTextsAsEmpty) {
@@ -43,11 +44,11 @@ TEST_F(LogLines, OfAFunctionWithParamsNameAllEightAndShowNullTextsAsEmpty) {
     GivenAnEmptyLog();
     Call("F", {"a", "", "c d", "4", "5"});
     const std::string texts = "F, a,,c d,4,5,,,";
-    EXPECT_EQ(
-        LogOf(3),
-        (LoggedLines{{7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [post]: " + texts + " - Stack: 0"},
-               {7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [execute]: " + texts + " - Stack: 1"},
-               {7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [executed]: " + texts}}));
+    EXPECT_EQ(LogOf(3),
+              (LoggedLines{
+                  {7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [post]: " + texts + " - Stack: 0"},
+                  {7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [execute]: " + texts + " - Stack: 1"},
+                  {7, "kxpCalverinScript [Desk] ExecuteScriptFunctionWithParams [executed]: " + texts}}));
 }
 
 TEST_F(LogLines, TellOfADelayThatStartsNothing) {
@@ -70,8 +71,8 @@ TEST_F(LogLines, OfACallbackNameNothing) {
     GivenAnEmptyLog();
     context->End();
     EXPECT_EQ(LogOf(3), (LoggedLines{{7, "kxpCalverinScript [Desk] ExecuteCallBack [post]: - Stack: 0"},
-                               {7, "kxpCalverinScript [Desk] ExecuteCallBack [execute]: - Stack: 1"},
-                               {7, "kxpCalverinScript [Desk] ExecuteCallBack [executed]"}}));
+                                     {7, "kxpCalverinScript [Desk] ExecuteCallBack [execute]: - Stack: 1"},
+                                     {7, "kxpCalverinScript [Desk] ExecuteCallBack [executed]"}}));
 }
 
 TEST_F(LogLines, CountTheCommandsThatWait) {

@@ -22,7 +22,9 @@ public:
 
     std::atomic<bool> gone{false};
 
-    KXPCode QueryInterface(const char* name, void** out) override { return Touched(), TypedValue::QueryInterface(name, out); }
+    KXPCode QueryInterface(const char* name, void** out) override {
+        return Touched(), TypedValue::QueryInterface(name, out);
+    }
     const char* GetName() override { return Touched(), TypedValue::GetName(); }
     std::uint32_t GetInstanceID() override { return Touched(), TypedValue::GetInstanceID(); }
     std::int32_t GetIntValue() override { return Touched(), TypedValue::GetIntValue(); }
@@ -48,7 +50,9 @@ private:
 /// A host that makes every value of a device anew with each definition, and takes its time over it.
 class MortalVariables : public plain::Variables, public IVariableManager {
 public:
-    KXPCode QueryInterface(const char* name, void** out) override { return plain::Variables::QueryInterface(name, out); }
+    KXPCode QueryInterface(const char* name, void** out) override {
+        return plain::Variables::QueryInterface(name, out);
+    }
     KXPCode Release() override { return KXP_OK; }
     IData* GetVariable(const char* name) override {
         const std::lock_guard<std::mutex> guard(m_lock);
@@ -133,15 +137,14 @@ protected:
 constexpr int kSetups = 40;
 
 TEST_F(ReplacedValues, OfARunningDeviceAreNotTouchedAfterTheHostHasDroppedThem) {
-    const std::string setup = SetupOf("({ Device: { Level: 0 }, Get: function() { return this.Device.Level },"
-                                      "   Tick: function() { this.Device.Level += 1;"
-                                      "     QCalverin.SetValue('Desk.Level', QCalverin.GetValueAsString('Desk.Level')) },"
-                                      "   Fail: function() { throw new Error('e') } })");
+    const std::string setup =
+        SetupOf("({ Device: { Level: 0 }, Get: function() { return this.Device.Level },"
+                "   Tick: function() { this.Device.Level += 1;"
+                "     QCalverin.SetValue('Desk.Level', QCalverin.GetValueAsString('Desk.Level')) },"
+                "   Fail: function() { throw new Error('e') } })");
     ASSERT_EQ(device->SetSetup(setup.c_str()), KXP_OK);
     device->Start();
-    OnScriptThread([&] {
-        device->SlotSetInterval(device->GetLiveSet().global.property(QStringLiteral("Tick")), 0);
-    });
+    OnScriptThread([&] { device->SlotSetInterval(device->GetLiveSet().global.property(QStringLiteral("Tick")), 0); });
     Repeat([&] {
         auto params = plain::Params::ForFunction("Fail", {});
         plain::Context context;

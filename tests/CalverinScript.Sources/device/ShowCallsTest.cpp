@@ -316,9 +316,8 @@ TEST_F(ShowCalls, StopReturnsWhileAScriptMakesOneWaitingRequestAfterTheOther) {
 TEST_F(ShowCalls, AStopFunctionMayWaitForTheHostAndTheNextRunToo) {
     GivenScript("({ _mStop: function() { said = QCalverin.Perform('O', 'A') },"
                 "   Said: function() { return said + '/' + QCalverin.Perform('O', 'B') } })");
-    OnScriptThread([&] {
-        device->GetEngine()->globalObject().setProperty(QStringLiteral("said"), QStringLiteral("nothing"));
-    });
+    OnScriptThread(
+        [&] { device->GetEngine()->globalObject().setProperty(QStringLiteral("said"), QStringLiteral("nothing")); });
     answer = [](IExecContext2* context) {
         context->Begin();
         context->AddRef();
