@@ -72,15 +72,16 @@ std::optional<int> AnswerAtOnce(const Options& options, const QString& problem) 
 } // namespace
 
 int main(int argc, char** argv) {
+    HoldStandardChannels();
     ChooseFileNameEncoding();
     ArgumentReader reader;
     const QString problem = reader.Read(Words(argc, argv));
     if (const auto exitCode = AnswerAtOnce(reader.Result(), problem))
-        return *exitCode;
+        return FinalExitCode(*exitCode);
     ShowToolkitMessages(reader.Result().log);
     ChoosePlatform();
     int applicationArguments = 1; // the words are ours, not those of the toolkit
     const QApplication application(applicationArguments, argv);
     const MainWait wait;
-    return FindCommand(reader.Result().command)->run(reader.Result());
+    return FinalExitCode(FindCommand(reader.Result().command)->run(reader.Result()));
 }

@@ -1,35 +1,39 @@
 #!/usr/bin/env bash
-# Runs what README.md shows: each js block under the file name in its first line, each "$ ./run ..." line of a console block,
-# whose output must be the lines below it.
-#   readme_snippets.sh README.md STAGEHOST
+# Runs what a page shows: each js block under the file name in its first line, each line of a console block that begins with
+# "$ ./run " or "$ stagehost ", whose output must be the lines below it; "..." stands for any lines to the end. The examples are there.
+#   readme_snippets.sh PAGE STAGEHOST EXAMPLES
 set -euo pipefail
-readme=$(realpath "$1")
+page=$(realpath "$1")
 stagehost=$(realpath "$2")
+examples=$(realpath "$3")
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
+cp -r "$examples" "$folder/examples"
 cd "$folder"
 
-awk '/^```js$/ { getline; name = $2; inside = 1; next } /^```$/ { inside = 0 } inside { print > name }' "$readme"
-awk '/^```console$/ { inside = 1; next } /^```$/ { inside = 0 } inside { print }' "$readme" >console
+awk '/^```js$/ { getline; name = $2; inside = index(name, ".js") > 0; next } /^```$/ { inside = 0 } inside { print > name }' "$page"
+awk '/^```console$/ { inside = 1; next } /^```$/ { inside = 0 } inside { print }' "$page" >console
 ran=0
 expected=
 command=
 compare() {
     [ -n "$command" ] || return 0
     local actual
-    actual=$(eval "\"$stagehost\" ${command#./run }")
-    if [ "$actual"$'\n' != "$expected" ]; then
-        printf '%s\nprinted:\n%s\nREADME says:\n%s' "$command" "$actual" "$expected"
+    actual=$(eval "\"$stagehost\" $command")$'\n'
+    case $expected in *$'...\n') expected=${expected%$'...\n'}; actual=${actual:0:${#expected}} ;; esac
+    if [ "$actual" != "$expected" ]; then
+        printf '%s\nprinted:\n%s\n%s says:\n%s' "$command" "$actual" "$page" "$expected"
         exit 1
     fi
     ran=$((ran + 1))
 }
 while IFS= read -r line; do
     case $line in
-        '$ '*) compare; command=${line#\$ }; expected= ;;
+        '$ ./run '*) compare; command=${line#'$ ./run '}; expected= ;;
+        '$ stagehost '*) compare; command=${line#'$ stagehost '}; expected= ;;
         *) expected+=$line$'\n' ;;
     esac
 done <console
 compare
-[ "$ran" -gt 0 ] || { echo "README.md shows no commands"; exit 1; }
-echo "$ran commands of README.md do what they show"
+[ "$ran" -gt 0 ] || { echo "$page shows no commands"; exit 1; }
+echo "$ran commands of $page do what they show"

@@ -20,26 +20,34 @@ struct Request {
     QString file;
 };
 
-void Write(FILE* stream, const QString& text) {
+constexpr qint64 kMostBytes = qint64{64} << 20;
+
+bool Write(FILE* stream, const QString& text) {
     const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
+    const auto size = static_cast<std::size_t>(bytes.size());
+    return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
+}
+
+/// @return the exit code given, or that of bad use when nobody can have read the answer.
+int Written(bool written, int exitCode) {
+    if (written)
+        return exitCode;
+    Write(stderr, QStringLiteral("the output cannot be written\n"));
+    return exitCode == kOk ? static_cast<int>(kBadUse) : exitCode;
 }
 
 /// The whole answer on standard output when it is for a program or tells of the script, on standard error otherwise.
 int Answer(const Request& request, int exitCode, const ScriptReport& report) {
-    if (request.json) {
-        Write(stdout, QString::fromUtf8(QJsonDocument(ToJson(report)).toJson()));
-    } else if (exitCode == kOk) {
-        Write(stdout, request.file + QStringLiteral(": ok\n") + ToText(report));
-    } else {
-        QString place = request.file;
-        if (report.problem->line > 0)
-            place += QLatin1Char(':') + QString::number(report.problem->line);
-        Write(exitCode == kScriptFailed ? stdout : stderr,
-              place + QStringLiteral(": ") + report.problem->text + QLatin1Char('\n'));
-    }
-    return exitCode;
+    if (request.json)
+        return Written(Write(stdout, QString::fromUtf8(QJsonDocument(ToJson(report)).toJson())), exitCode);
+    if (exitCode == kOk)
+        return Written(Write(stdout, request.file + QStringLiteral(": ok\n") + ToText(report)), exitCode);
+    QString place = request.file;
+    if (report.problem->line > 0)
+        place += QLatin1Char(':') + QString::number(report.problem->line);
+    return Written(Write(exitCode == kScriptFailed ? stdout : stderr,
+                         place + QStringLiteral(": ") + report.problem->text + QLatin1Char('\n')),
+                   exitCode);
 }
 
 int Fail(const Request& request, int exitCode, const QString& text) {
@@ -72,11 +80,18 @@ QString ReadWords(QCommandLineParser& parser, Request& request) {
     return QString();
 }
 
+/// A pipe or a device may never come to an end, and is not opened.
 int Check(const Request& request) {
     QFile file(request.file);
-    if (QFileInfo(request.file).isDir() || !file.open(QIODevice::ReadOnly))
+    const QFileInfo info(request.file);
+    if (info.exists() && !info.isFile())
+        return Fail(request, kBadUse, QStringLiteral("is no regular file"));
+    if (!file.open(QIODevice::ReadOnly))
         return Fail(request, kBadUse, QStringLiteral("cannot be read"));
-    const QString text = FromScriptBytes(file.readAll());
+    const QByteArray bytes = file.read(kMostBytes + 1);
+    if (bytes.size() > kMostBytes)
+        return Fail(request, kBadUse, QStringLiteral("is larger than %1 MB").arg(kMostBytes >> 20));
+    const QString text = FromScriptBytes(bytes);
     Deadline deadline(std::chrono::milliseconds(request.timeoutMs), kNoAnswer, [&request] {
         Fail(request, kNoAnswer, QStringLiteral("no answer within %1 ms").arg(request.timeoutMs));
     });

@@ -2,6 +2,7 @@
 
 #include "ArgumentReader.h"
 #include "Commands.h"
+#include "ExitCodes.h"
 #include "LiveShow.h"
 
 namespace stagehost {
@@ -19,9 +20,11 @@ constexpr Command kCommands[] = {
      "stagehost exec lights.js fadeTo 50 2.5\n"
      "stagehost exec --timeout 500 lights.js fadeTo -5   (all words behind FUNCTION reach the function as text)",
      2, 2 + 8, &ExecFunction},
-    {"check", "FILE.js", "tells whether a script loads and, if not, the error and its line",
+    {"check", "FILE.js",
+     "tells what a script publishes (commands with their parameters and limits, variables, settings) and what\n"
+     "it says in vain; or, if it does not load, the error and its line",
      "stagehost check lights.js\n"
-     "stagehost check --json lights.js",
+     "stagehost check --json lights.js   (all of it for programs, also of a script that fails)",
      1, 1, &CheckScript},
     {"send", "SHOW.json | FILE.js DEVICE COMMAND [PARAM=VALUE...]", "sends one command to a device of a show",
      "stagehost send show.json desk \"Execute Function\" \"Script Function Name=blackout\"\n"
@@ -75,19 +78,17 @@ QString ProgramHelp() {
                        "stagehost [OPTIONS] COMMAND ...\n\nCommands\n");
     QString examples;
     for (const auto& command : kCommands) {
-        text += QStringLiteral("  %1 %2\n      %3\n")
-                    .arg(QLatin1String(command.name), QLatin1String(command.form), QLatin1String(command.summary));
+        text += QStringLiteral("  %1 %2\n%3")
+                    .arg(QLatin1String(command.name), QLatin1String(command.form),
+                         Lines(command.summary, QStringLiteral("      ")));
         examples += QStringLiteral("  ") + QString::fromUtf8(command.examples).section(QLatin1Char('\n'), 0, 0) +
                     QLatin1Char('\n');
     }
-    return text + QStringLiteral("\nOptions\n") + OptionHelp() + QStringLiteral("\nExamples\n") + examples +
-           QStringLiteral("\nExit codes\n"
-                          "  0  all went well\n"
-                          "  1  the script failed, a command was refused, or a step went otherwise than expected\n"
-                          "  2  bad arguments, an unreadable or bad file\n"
-                          "  3  no answer within --timeout, or before Ctrl-C\n"
-                          "  4  the module could not be loaded\n"
-                          "\n\"stagehost COMMAND --help\" tells more about one command.\n");
+    text += QStringLiteral("\nOptions\n") + OptionHelp() + QStringLiteral("\nExamples\n") + examples +
+            QStringLiteral("\nExit codes\n");
+    for (const auto& row : kExitCodes)
+        text += QStringLiteral("  %1  %2\n").arg(static_cast<int>(row.code)).arg(QLatin1String(row.meaning));
+    return text + QStringLiteral("\n\"stagehost COMMAND --help\" tells more about one command.\n");
 }
 
 } // namespace

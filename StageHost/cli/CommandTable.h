@@ -10,7 +10,7 @@ namespace stagehost {
 struct Command {
     const char* name;
     const char* form;     ///< the words behind the name
-    const char* summary;  ///< one line
+    const char* summary;  ///< one line or more
     const char* examples; ///< lines of the help
     int fewest;           ///< words behind the name
     int most;             ///< -1 for any number

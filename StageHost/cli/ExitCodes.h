@@ -3,12 +3,19 @@
 namespace stagehost {
 
 /// Exit codes of the program; people's scripts rely on them.
-enum ExitCode : int {
-    kExitOk = 0,
-    kExitScriptFailed = 1, ///< the script failed, a command was refused, or a step went otherwise than expected
-    kExitBadUse = 2,       ///< bad arguments, an unreadable or bad file
-    kExitNoAnswer = 3,     ///< no answer within the time limit, or before the user interrupted the wait
-    kExitNoModule = 4      ///< the module could not be loaded
+enum ExitCode : int { kExitOk = 0, kExitScriptFailed = 1, kExitBadUse = 2, kExitNoAnswer = 3, kExitNoModule = 4 };
+
+struct ExitCodeRow {
+    ExitCode code;
+    const char* meaning; ///< as the help and docs/stagehost.md tell it
+};
+
+inline constexpr ExitCodeRow kExitCodes[] = {
+    {kExitOk, "all went well"},
+    {kExitScriptFailed, "the script failed, a command was refused, or a step went otherwise than expected"},
+    {kExitBadUse, "bad use: wrong arguments, or a file that is none, is bad, or cannot be read or written"},
+    {kExitNoAnswer, "no answer within --timeout, or before Ctrl-C"},
+    {kExitNoModule, "the module could not be loaded, or makes no usable device"},
 };
 
 } // namespace stagehost

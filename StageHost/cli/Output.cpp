@@ -1,7 +1,9 @@
 #include "Output.h"
 
 #include <cstdio>
+#include <deque>
 
+#include <QFile>
 #include <QJsonDocument>
 
 #include "BorderText.h"
@@ -13,11 +15,22 @@ namespace stagehost {
 namespace {
 
 constexpr int kLongestCell = 60;
+constexpr int kStandardOutput = 1; // descriptors of every process
+constexpr int kStandardError = 2;
 
-void Write(std::FILE* stream, const QString& text) {
+bool resultIsLost = false; // host main alone
+
+bool Write(std::FILE* stream, const QString& text) {
     const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-    std::fflush(stream);
+    const auto size = static_cast<std::size_t>(bytes.size());
+    return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
+}
+
+void WriteResult(const QString& text) {
+    if (Write(stdout, text) || resultIsLost)
+        return;
+    resultIsLost = true;
+    Write(stderr, QStringLiteral("the output cannot be written: %1\n").arg(qt_error_string()));
 }
 
 QString RefusalText(KXPCode code, const QString& command) {
@@ -31,11 +44,11 @@ QString RefusalText(KXPCode code, const QString& command) {
 } // namespace
 
 void Print(const QString& text) {
-    Write(stdout, text);
+    WriteResult(text);
 }
 
 void PrintLine(const QString& line) {
-    Write(stdout, line + QLatin1Char('\n'));
+    WriteResult(line + QLatin1Char('\n'));
 }
 
 void PrintProblem(const QString& line) {
@@ -43,7 +56,7 @@ void PrintProblem(const QString& line) {
 }
 
 void PrintJson(const QJsonObject& object) {
-    Write(stdout, QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented)));
+    WriteResult(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Indented)));
 }
 
 void PrintJsonLine(const QJsonObject& object) {
@@ -52,6 +65,24 @@ void PrintJsonLine(const QJsonObject& object) {
 
 QString LostCharactersNote() {
     return QStringLiteral("note: a host carries Latin-1 text only; other characters became \"?\"");
+}
+
+void HoldStandardChannels() {
+    for (int descriptor = 0; descriptor <= kStandardError;) {
+        static std::deque<QFile> held; // to the end of the process
+        held.emplace_back(QStringLiteral("/dev/null"));
+        if (!held.back().open(QIODevice::ReadWrite))
+            return;
+        descriptor = held.back().handle();
+        if (descriptor > kStandardError)
+            held.pop_back();
+        if (descriptor == kStandardOutput)
+            resultIsLost = true;
+    }
+}
+
+int FinalExitCode(int exitCode) {
+    return exitCode == kExitOk && resultIsLost ? kExitBadUse : exitCode;
 }
 
 int Fail(bool json, int exitCode, const QString& text) {

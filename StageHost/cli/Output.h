@@ -20,6 +20,13 @@ void PrintProblem(const QString& line); ///< to standard error
 void PrintJson(const QJsonObject& object);
 void PrintJsonLine(const QJsonObject& object); ///< on one line
 
+/// Gives descriptors that the process was started without to nobody else: what is opened first would get them, and then
+/// be written into. Before anything is opened.
+void HoldStandardChannels();
+
+/// The exit code of the process: that given, or 2 for 0 when a result could not be written.
+int FinalExitCode(int exitCode);
+
 /// What is said when characters of a text were replaced on the way to the module.
 QString LostCharactersNote();
 

@@ -91,10 +91,12 @@ public:
             PrintLine(QStringLiteral("   %1, %2").arg(Verdict(step), Milliseconds(outcome.command.milliseconds)));
     }
 
-    int End(const MaybeFailure& failure) const {
+    /// @param thrown what scripts have thrown beside the steps; it has been printed.
+    int End(const MaybeFailure& stepFailure, const MaybeFailure& thrown) const {
+        const MaybeFailure& failure = stepFailure ? stepFailure : thrown;
         const int exitCode = failure ? failure->exitCode : kExitOk;
-        if (failure)
-            PrintProblem(failure->text);
+        if (stepFailure)
+            PrintProblem(stepFailure->text);
         if (m_json)
             PrintJson({{QStringLiteral("show"), m_show.name},
                        {QStringLiteral("ok"), !failure},
@@ -165,7 +167,9 @@ int RunShow(const Options& options) {
         return Fail(options.json, failure->exitCode, failure->text);
     Session session(options);
     ShowReport report(options, show);
-    return session.Close(report.End(Play(session, show, report)));
+    auto failure = Play(session, show, report);
+    const auto thrown = session.TellThrown();
+    return session.Close(report.End(failure, thrown));
 }
 
 } // namespace stagehost

@@ -20,6 +20,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kModuleCall(5000); // for calls of the contract that run no script of a show
 constexpr std::chrono::milliseconds kStop(3000);       // the module waits 25 ms for a script's own stop function
+constexpr int kLookAtLog = 100;                        // ms
 constexpr std::chrono::milliseconds kEnd(8000);        // for stop and release of one device together
 
 QString DeviceText(const Device& device, const QString& text) {
@@ -71,26 +72,27 @@ MaybeFailure Session::Open(const Show& show) {
     return std::nullopt;
 }
 
+/// There is always a log: it is how a script tells what its timers and events throw.
 MaybeFailure Session::PrepareLog(HostSettings& settings) {
     QString path = m_options.logFile;
-    const bool hasDrivers = std::any_of(m_show.devices.begin(), m_show.devices.end(), [](const auto& device) {
-        return !device.driverFile.isEmpty() || !device.setup.isEmpty();
-    });
-    if (path.isEmpty() && (m_options.log || hasDrivers)) {
+    if (path.isEmpty()) {
         m_logFolder = std::make_unique<QTemporaryDir>();
+        if (!m_logFolder->isValid())
+            return Failure{kExitBadUse,
+                           QStringLiteral("cannot make a folder for the log: ") + m_logFolder->errorString()};
         path = m_logFolder->filePath(QStringLiteral("stagehost.log"));
     }
-    if (path.isEmpty())
-        return std::nullopt;
-    QFile file(path);
-    if (!file.open(QIODevice::Append))
-        return Failure{kExitBadUse, QStringLiteral("cannot write the log %1: %2").arg(path, file.errorString())};
+    const QString problem = WhyNotAppendable(path);
+    if (!problem.isEmpty())
+        return Failure{kExitBadUse, QStringLiteral("cannot write the log %1: %2").arg(path, problem)};
     m_follower = std::make_unique<LogFollower>(path, m_logFolder ? LogFollower::Keep::Little : LogFollower::Keep::All,
                                                [this](const QString& line) {
                                                    if (m_options.log)
                                                        PrintProblem(line);
-                                                   m_silent.Take(line);
+                                                   m_thrown.Take(line, ThrownTexts::Clock::now());
                                                });
+    QObject::connect(&m_teller, &QTimer::timeout, &m_teller, [this] { LookAtLog(); });
+    m_teller.start(kLookAtLog);
     return PathForBorder(path, settings.log.path);
 }
 
@@ -127,8 +129,7 @@ MaybeFailure Session::MakeDevice(std::size_t index) {
             return failure;
         problem = m_devices.back()->TakeSetup(setup);
     }
-    if (!problem && m_devices.back()->IsSilent())
-        m_silent.Add(described.name);
+    m_thrown.Add(described.name);
     if (!problem)
         return std::nullopt;
     return Failure{problem->badSetup ? kExitBadUse : kExitNoModule, DeviceText(*m_devices.back(), problem->text)};
@@ -180,18 +181,52 @@ MaybeFailure Session::Start() {
     return std::nullopt;
 }
 
-QString Session::HearFailure(const Device& device, const std::function<void()>& work) {
-    m_silent.Begin(FromBorderText(device.Name()));
+void Session::LookAtLog() {
+    if (!m_host)
+        return;
+    m_follower->Look();
+    const auto now = ThrownTexts::Clock::now();
+    m_thrown.Answered(m_host->Commands().TakeFailures(), now);
+    m_thrown.Tell(now);
+}
+
+QStringList Session::HearThrown(const Device& device, const std::function<void()>& work) {
+    m_thrown.Begin(FromBorderText(device.Name()));
     work();
-    if (m_follower)
-        m_follower->Look();
-    return m_silent.End();
+    m_follower->Look();
+    return m_thrown.End();
+}
+
+/// One of the texts is what the command itself has thrown: it is the failure that the device shows, or stands for it
+/// where the driver has removed the variable for that. Timers and events have thrown the others.
+void Session::JudgeThrown(const Device& device, QStringList thrown, CommandOutcome& outcome) {
+    using Kind = CommandOutcome::Kind;
+    if (outcome.kind == Kind::ScriptFailed) {
+        const QString failure = FromBorderText(outcome.error);
+        const auto own = std::find_if(thrown.begin(), thrown.end(),
+                                      [&](const QString& text) { return ThrownTexts::IsOf(text, failure); });
+        if (own != thrown.end())
+            thrown.erase(own);
+    } else if (outcome.kind == Kind::Done && !outcome.answered && device.IsSilent() && !thrown.isEmpty()) {
+        outcome.kind = Kind::ScriptFailed;
+        outcome.error = ToBorderText(thrown.takeFirst());
+    }
+    m_thrown.TellAll(FromBorderText(device.Name()), thrown);
+}
+
+MaybeFailure Session::TellThrown() {
+    m_follower->Look();
+    m_thrown.Answered(m_host->Commands().TakeFailures(), ThrownTexts::Clock::now());
+    m_thrown.Tell(ThrownTexts::Clock::time_point::max());
+    if (m_thrown.FirstTold().isEmpty())
+        return std::nullopt;
+    return Failure{kExitScriptFailed, m_thrown.FirstTold()};
 }
 
 /// A driver runs from the start on, so what it throws there is told at once.
 MaybeFailure Session::StartDevice(Device& device) {
     bool started = false;
-    const QString failure = HearFailure(device, [&] { started = device.Start(m_options.timeout); });
+    const QStringList thrown = HearThrown(device, [&] { started = device.Start(m_options.timeout); });
     if (!started)
         return Failure{
             kExitNoAnswer,
@@ -199,9 +234,11 @@ MaybeFailure Session::StartDevice(Device& device) {
                                    ? QStringLiteral("interrupted while it starts")
                                    : QStringLiteral("has not started within %1 ms").arg(m_options.timeout.count()))};
     const ShowDevice& described = *m_show.FindDevice(FromBorderText(device.Name()));
-    const QString error = failure.isEmpty() ? FromBorderText(device.ErrorText()) : failure;
-    if (error.isEmpty() || (described.driverFile.isEmpty() && described.setup.isEmpty()))
+    const QString error = device.IsSilent() ? thrown.value(0) : FromBorderText(device.ErrorText());
+    if (error.isEmpty() || (described.driverFile.isEmpty() && described.setup.isEmpty())) {
+        m_thrown.TellAll(described.name, thrown);
         return std::nullopt;
+    }
     return Failure{kExitScriptFailed, DeviceText(device, error)};
 }
 
@@ -234,11 +271,8 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
         return Failure{kExitBadUse, DeviceText(device, problem)};
     if (device.MayHold())
         PrintProblem(DeviceText(device, QStringLiteral("waiting until the device gives up the command that failed")));
-    const QString thrown = HearFailure(device, [&] { *outcome = device.Send(*found, inputs, m_options.timeout); });
-    if (!thrown.isEmpty() && outcome->kind == CommandOutcome::Kind::Done) {
-        outcome->kind = CommandOutcome::Kind::ScriptFailed;
-        outcome->error = ToBorderText(thrown);
-    }
+    const QStringList thrown = HearThrown(device, [&] { *outcome = device.Send(*found, inputs, m_options.timeout); });
+    JudgeThrown(device, thrown, *outcome);
     const int exitCode = ExitCodeOf(*outcome);
     if (exitCode == kExitOk)
         return std::nullopt;
@@ -307,9 +341,11 @@ int Session::Close(int exitCode) {
             LeaveAtOnce(lateCode, "a call into the module does not come back");
         m_module.reset();
     }
+    const auto thrown = TellThrown();
+    m_teller.stop();
     m_host.reset();
     m_follower.reset();
-    return exitCode;
+    return thrown && exitCode == kExitOk ? thrown->exitCode : exitCode;
 }
 
 MaybeFailure PathForBorder(const QString& path, std::string& border) {

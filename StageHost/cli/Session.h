@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include "Device.h"
 #include "Host.h"
@@ -14,8 +15,8 @@
 #include "ModuleFile.h"
 #include "Options.h"
 #include "Show.h"
-#include "SilentDevices.h"
 #include "StoredCommands.h"
+#include "ThrownTexts.h"
 
 namespace stagehost {
 
@@ -79,26 +80,33 @@ public:
     const std::vector<std::unique_ptr<Device>>& Devices() const { return m_devices; }
     Host& TheHost() { return *m_host; }
 
+    /// Prints what scripts have thrown beside the calls that were made, up to now.
+    /// @return the first of it in this run, a failure with 1; nothing when there was none.
+    MaybeFailure TellThrown();
+
     /// Stops and releases the devices, ends the module. When something in the module cannot be ended, the process is
     /// left at once, with the exit code given or, when that is 0, with that of "no answer".
-    /// @return the exit code given.
+    /// @return the exit code given, or 1 for 0 when scripts have thrown something that nobody waited for.
     int Close(int exitCode);
 
 private:
     MaybeFailure PrepareLog(HostSettings& settings);
     MaybeFailure LoadModule();
     MaybeFailure MakeDevice(std::size_t index);
-    /// Does something with a device. @return what its script threw meanwhile, when its driver shows that nowhere else.
-    QString HearFailure(const Device& device, const std::function<void()>& work);
+    /// Does something with a device. @return what its script threw meanwhile.
+    QStringList HearThrown(const Device& device, const std::function<void()>& work);
+    void JudgeThrown(const Device& device, QStringList thrown, CommandOutcome& outcome);
+    void LookAtLog();
     MaybeFailure FirstSetup(const ShowDevice& described, std::string& setup) const;
     void TellOtherEdition(const ShowDevice& described) const;
 
     const Options& m_options;
     const Interrupt m_interrupt;
     Show m_show;
-    std::unique_ptr<QTemporaryDir> m_logFolder; ///< holds a temporary log; null otherwise
-    SilentDevices m_silent;
-    std::unique_ptr<LogFollower> m_follower; ///< null without a log
+    std::unique_ptr<QTemporaryDir> m_logFolder; ///< holds the log that nobody wants to keep; null otherwise
+    ThrownTexts m_thrown;
+    std::unique_ptr<LogFollower> m_follower; ///< null before Open
+    QTimer m_teller;                         ///< prints what scripts throw while nothing else happens
     std::unique_ptr<Host> m_host;
     std::unique_ptr<ModuleFile> m_module;
     std::vector<std::unique_ptr<Device>> m_devices;

@@ -50,14 +50,21 @@ CommandCall::CommandCall(const CommandDefinition& command, const std::vector<Par
             own->SetText(input->text);
         params->Add(std::move(own), input == nullptr ? nullptr : input->variable);
     }
+    if (ObjectParam* result = Result())
+        watch->LookAtResult(result->Effective());
 }
 
 std::string CommandCall::ResultText() const {
+    const ObjectParam* result = Result();
+    return result != nullptr ? result->Effective().Text() : std::string();
+}
+
+ObjectParam* CommandCall::Result() const {
     const auto& all = params->Params();
     auto found = std::find_if(all.begin(), all.end(), [](const auto& param) { return param->Own().Name() == kResult; });
     if (found == all.end())
         found = std::find_if(all.begin(), all.end(), [](const auto& param) { return IsWritten(*param); });
-    return found == all.end() ? std::string() : (*found)->Effective().Text();
+    return found == all.end() ? nullptr : found->get();
 }
 
 QString CheckInputs(const CommandDefinition& command, const std::vector<ParameterInput>& inputs) {

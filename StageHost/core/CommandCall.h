@@ -34,6 +34,9 @@ struct CommandCall {
 
     /// The text of "Result" or else of the first parameter that the command writes; empty without one.
     std::string ResultText() const;
+
+private:
+    ObjectParam* Result() const; ///< null without one
 };
 
 /// The first input that names no parameter of the command, or whose text its type or its limits do not allow; or that

@@ -20,7 +20,8 @@ struct CommandOutcome {
     KXPCode code = KXP_OK; ///< what ExecuteCommand gave
     std::string result;    ///< the out-parameter "Result", empty without one
     std::string status;    ///< the variable "Status" at the end
-    std::string error;     ///< the variable "Error" at the end
+    std::string error;     ///< what the command itself has failed with
+    bool answered = false; ///< the device has written the result
     double milliseconds = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "CommandWaiter.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "HostCodes.h"
 
@@ -15,7 +16,7 @@ std::optional<Reply> ReplyOf(CommandCall& call) {
     const Verdict verdict = begun ? Verdict::Running : call.watch->Judge(std::chrono::steady_clock::now());
     if (verdict == Verdict::Running)
         return std::nullopt;
-    std::string error = call.watch->ErrorText();
+    std::string error = call.watch->OwnError();
     if (verdict == Verdict::Failed || !error.empty())
         return Reply{kActionFailed, {}, std::move(error)};
     return Reply{KXP_OK, call.ResultText(), {}};
@@ -90,6 +91,11 @@ void CommandWaiter::EndWaiting(const void* device) {
         answer({kEnding});
 }
 
+std::vector<std::string> CommandWaiter::TakeFailures() {
+    const std::lock_guard<std::mutex> hold(m_lock);
+    return std::exchange(m_failures, {});
+}
+
 void CommandWaiter::Serve() {
     while (m_bell->Wait()) {
         for (const auto& [answer, reply] : TakeOver())
@@ -106,6 +112,8 @@ std::vector<std::pair<Answer, Reply>> CommandWaiter::TakeOver() {
             ++entry;
             continue;
         }
+        if (reply->code == kActionFailed)
+            m_failures.push_back(reply->problem);
         over.emplace_back(std::move(entry->answer), std::move(*reply));
         entry = m_waiting.erase(entry);
     }

@@ -31,6 +31,9 @@ public:
     /// Answers 75 to all that wait for a device.   [any host thread]
     void EndWaiting(const void* device);
 
+    /// What commands have failed with since it was asked last: whoever sent them has been told.   [any]
+    std::vector<std::string> TakeFailures();
+
 private:
     struct Bell;
     struct Waiting {
@@ -43,8 +46,9 @@ private:
     std::vector<std::pair<Answer, Reply>> TakeOver();
 
     const std::shared_ptr<Bell> m_bell; ///< shared with the calls, which may outlive the waiter
-    std::mutex m_lock;                  ///< guards m_waiting
+    std::mutex m_lock;                  ///< guards the two lists
     std::vector<Waiting> m_waiting;
+    std::vector<std::string> m_failures;
     std::thread m_thread;
 };
 

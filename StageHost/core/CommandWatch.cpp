@@ -6,26 +6,41 @@ namespace stagehost {
 
 /// What has been seen since the command was about to be sent.
 struct CommandWatch::Seen {
-    std::mutex lock; ///< guards the four fields below
+    std::mutex lock; ///< guards the fields down to errorAtEnd
     bool leftReady = false;
     bool ready = true;
+    bool answered = false; ///< the command has written its result
     std::string error;
-    std::optional<std::string> errorAtEnd; ///< of the context: what comes later is another command's
+    std::optional<std::string> errorAtReturn; ///< when the device was back at "Ready" for the first time
+    std::optional<std::string> errorAtEnd;    ///< of the context: what comes later is another command's
 
     const bool hasStatus;
+    const bool wasIdle; ///< the device did nothing when the command was sent, so its first work is this command
     std::optional<std::chrono::steady_clock::time_point> failedSince; ///< of the thread that asks
 
     const std::function<void()> wake;
 
-    Seen(bool withStatus, std::function<void()> waker)
-        : hasStatus(withStatus)
+    Seen(const HostValue* status, std::function<void()> waker)
+        : hasStatus(status != nullptr)
+        , wasIdle(status != nullptr && status->Int() == 0)
         , wake(std::move(waker)) {}
+
+    /// What the command itself has failed with. Under the lock.
+    std::string OwnError() const {
+        if (answered)
+            return {};
+        if (wasIdle && errorAtReturn)
+            return *errorAtReturn;
+        return errorAtEnd.value_or(error);
+    }
 
     void StatusIs(std::int32_t index) {
         {
             const std::lock_guard<std::mutex> hold(lock);
             ready = index == 0;
             leftReady = leftReady || !ready;
+            if (ready && leftReady && !errorAtReturn)
+                errorAtReturn = error;
         }
         wake();
     }
@@ -36,6 +51,11 @@ struct CommandWatch::Seen {
             error = std::move(text);
         }
         wake();
+    }
+
+    void ResultIsThere() {
+        const std::lock_guard<std::mutex> hold(lock);
+        answered = answered || !errorAtEnd;
     }
 
     void ContextEnded() {
@@ -49,7 +69,7 @@ struct CommandWatch::Seen {
 
 CommandWatch::CommandWatch(const std::shared_ptr<HostValue>& status, const std::shared_ptr<HostValue>& error,
                            std::function<void()> wake)
-    : m_seen(std::make_shared<Seen>(status != nullptr, std::move(wake)))
+    : m_seen(std::make_shared<Seen>(status.get(), std::move(wake)))
     , m_context(new ExecContext([seen = m_seen] { seen->ContextEnded(); })) {
     if (status)
         m_statusObservation = status->Observe([seen = m_seen, value = std::weak_ptr<HostValue>(status)] {
@@ -67,14 +87,24 @@ CommandWatch::~CommandWatch() {
     m_context->Release();
 }
 
-std::string CommandWatch::ErrorText() const {
+void CommandWatch::LookAtResult(HostValue& result) {
+    m_resultObservation = result.Observe([seen = m_seen] { seen->ResultIsThere(); });
+}
+
+bool CommandWatch::IsAnswered() const {
     const std::lock_guard<std::mutex> hold(m_seen->lock);
-    return m_seen->errorAtEnd.value_or(m_seen->error);
+    return m_seen->answered;
+}
+
+std::string CommandWatch::OwnError() const {
+    const std::lock_guard<std::mutex> hold(m_seen->lock);
+    return m_seen->OwnError();
 }
 
 void CommandWatch::StopLooking() {
     m_statusObservation.reset();
     m_errorObservation.reset();
+    m_resultObservation.reset();
 }
 
 CommandWatch::Verdict CommandWatch::Judge(std::chrono::steady_clock::time_point now) {
@@ -84,7 +114,7 @@ CommandWatch::Verdict CommandWatch::Judge(std::chrono::steady_clock::time_point 
     const std::lock_guard<std::mutex> hold(m_seen->lock);
     const bool begun = state == ExecContext::kBegun;
     const bool returned = m_seen->leftReady && m_seen->ready;
-    const bool failed = !m_seen->error.empty() && m_seen->ready;
+    const bool failed = m_seen->ready && !m_seen->OwnError().empty();
     if (!failed) {
         m_seen->failedSince.reset();
         if (begun || (m_seen->hasStatus && !returned))

@@ -21,6 +21,9 @@ inline constexpr std::chrono::milliseconds kLook(50);
 /// holds a command that failed, for some ten seconds and without saying so; an error that stands when the device is
 /// ready again is therefore an outcome at once, whatever the context says later.
 ///
+/// Timers, events and other commands write the same variable `Error`. What fails a command is the error that stands as
+/// the device comes back from it; and a command that has written its result has not failed, whatever stands there.
+///
 /// Made before the command is sent. Device threads feed it, one thread asks it; its state has a lock of its own.
 class CommandWatch {
 public:
@@ -35,9 +38,16 @@ public:
     /// The context to send with the command; lives as long as the watch.
     ExecContext* Context() { return m_context; }
 
-    /// The error that the device has told since the watch was made and not cleared, up to the end of the context; empty
-    /// without one.   [any]
-    std::string ErrorText() const;
+    /// Looks at the value that takes the command's result as well; before the command is sent.   [host main]
+    /// @param result lives until StopLooking, or as long as the watch.
+    void LookAtResult(HostValue& result);
+
+    /// Whether the command has written its result.   [any]
+    bool IsAnswered() const;
+
+    /// What the command itself has failed with since the watch was made, up to the end of the context; empty when it
+    /// has not.   [any]
+    std::string OwnError() const;
 
     enum class Verdict {
         Running, ///< not over yet
@@ -63,6 +73,7 @@ private:
     ExecContext* m_context;
     Observation m_statusObservation;
     Observation m_errorObservation;
+    Observation m_resultObservation;
 };
 
 } // namespace stagehost

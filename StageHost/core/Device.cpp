@@ -180,7 +180,7 @@ CommandOutcome Device::Await(Call& call, Milliseconds limit) {
             return Unanswered();
     }
     m_mayHold = verdict == Verdict::Failed;
-    const bool failed = verdict == Verdict::Failed || !ErrorText().empty();
+    const bool failed = verdict == Verdict::Failed || !call.watch->OwnError().empty();
     outcome.kind = failed ? CommandOutcome::Kind::ScriptFailed : CommandOutcome::Kind::Done;
     return outcome;
 }
@@ -197,7 +197,8 @@ void Device::Complete(CommandOutcome& outcome, const Call& call) const {
     outcome.result = call.ResultText();
     const auto status = Status();
     outcome.status = status ? status->Text() : std::string();
-    outcome.error = ErrorText();
+    outcome.error = call.watch->OwnError();
+    outcome.answered = call.watch->IsAnswered();
 }
 
 void Device::Settle() {

@@ -18,6 +18,7 @@ public:
     virtual ~ObjectParam() = default;
 
     /// The value in force by the contract's rule: the bound variable if there is one, the own value otherwise.
+    HostValue& Effective() { return m_bound ? *m_bound : *m_own; }
     const HostValue& Effective() const { return m_bound ? *m_bound : *m_own; }
 
     /// The own value, bound or not.

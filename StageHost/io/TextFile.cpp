@@ -7,17 +7,48 @@
 
 namespace stagehost {
 
+namespace {
+
+constexpr qint64 kMostBytes = qint64{64} << 20;
+
+/// A pipe or a device may never come to an end, or not even to a beginning.
+QString NotRegular(const QFileInfo& info) {
+    if (info.isDir())
+        return QStringLiteral("is a folder");
+    return info.exists() && !info.isFile() ? QStringLiteral("is no regular file") : QString();
+}
+
+} // namespace
+
 std::optional<QByteArray> ReadTextBytes(const QString& file, QString* problem) {
-    QFile source(file);
-    if (QFileInfo(file).isDir()) {
-        *problem = QStringLiteral("%1 is a folder").arg(file);
+    const QString kind = NotRegular(QFileInfo(file));
+    if (!kind.isEmpty()) {
+        *problem = QStringLiteral("%1 %2").arg(file, kind);
         return std::nullopt;
     }
+    QFile source(file);
     if (!source.open(QIODevice::ReadOnly)) {
         *problem = QStringLiteral("cannot read %1: %2").arg(file, source.errorString());
         return std::nullopt;
     }
-    return source.readAll();
+    const QByteArray bytes = source.read(kMostBytes + 1);
+    if (source.error() != QFileDevice::NoError) {
+        *problem = QStringLiteral("cannot read %1: %2").arg(file, source.errorString());
+        return std::nullopt;
+    }
+    if (bytes.size() > kMostBytes) {
+        *problem = QStringLiteral("%1 is larger than %2 MB").arg(file).arg(kMostBytes >> 20);
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+QString WhyNotAppendable(const QString& file) {
+    const QString kind = NotRegular(QFileInfo(file));
+    if (!kind.isEmpty())
+        return QStringLiteral("it ") + kind;
+    QFile target(file);
+    return target.open(QIODevice::Append) ? QString() : target.errorString();
 }
 
 std::optional<QString> ReadText(const QString& file, QString* problem) {

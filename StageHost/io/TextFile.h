@@ -7,11 +7,14 @@
 
 namespace stagehost {
 
-/// The bytes of a file.
+/// The bytes of a regular file of 64 MB at most.
 /// @param problem receives one line that says what is wrong when there is nothing to give.   [any]
 std::optional<QByteArray> ReadTextBytes(const QString& file, QString* problem);
 
 /// The text of a file, read as UTF-8 when its bytes are that and as Latin-1 otherwise.
 std::optional<QString> ReadText(const QString& file, QString* problem);
+
+/// Why nothing can be written behind the end of a file, which is made if it is not there; empty when it can.
+QString WhyNotAppendable(const QString& file);
 
 } // namespace stagehost

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -468,4 +470,45 @@ TEST_F(CommandLine, HelpNamesEveryCommandWithExamples) {
     host.Run(List({"--version"}));
     EXPECT_EQ(host.ExitCode(), 0);
     EXPECT_TRUE(host.Output().startsWith(Text("stagehost ")));
+}
+
+TEST_F(CommandLine, RefusesAtOnceWhatIsNoFile) {
+    const QString pipe = host.Folder() + Text("/pipe.json");
+    ASSERT_EQ(mkfifo(pipe.toLocal8Bit().constData(), 0600), 0);
+    for (const QStringList& words : {QStringList{Text("run"), pipe}, QStringList{Text("exec"), pipe, Text("f")},
+                                     QStringList{Text("check"), pipe}, QStringList{Text("check"), Text("/dev/zero")},
+                                     QStringList{Text("watch"), Text("/dev/zero")}, QStringList{Text("setup"), pipe}}) {
+        SCOPED_TRACE(words.join(QLatin1Char(' ')).toStdString());
+        host.Run(words);
+        Fails(2, " is no regular file");
+        EXPECT_LT(host.Milliseconds(), kSoon * 5);
+    }
+    host.Run(List({"--log-file", "/dev/full", "exec"}) + QStringList{script, Text("hello")});
+    Fails(2, "cannot write the log /dev/full: it is no regular file");
+}
+
+TEST_F(CommandLine, AResultThatCouldNotBeWrittenIsNoSuccess) {
+    for (const char* output : {">/dev/full", ">&-"}) {
+        for (const char* words : {"--help", "exec \"$1\" hello", "--json exec \"$1\" hello"}) {
+            SCOPED_TRACE(std::string(words) + output);
+            QProcess shell;
+            shell.start(Text("/bin/sh"),
+                        {Text("-c"), Text("\"$0\" --module \"$2\" ") + Text(words) + Text(output),
+                         Text(STAGEHOST_BIN "/stagehost"), script, Text(STAGEHOST_BIN "/fakemodule.kxp6")});
+            ASSERT_TRUE(shell.waitForFinished(60000));
+            EXPECT_EQ(shell.exitCode(), 2);
+        }
+    }
+}
+
+TEST_F(CommandLine, TellsItsExitCodesAsTheyStandInTheirTable) {
+    host.Run(List({"--help"}));
+    EXPECT_TRUE(host.Output().contains(Text("\nExit codes\n  0  all went well\n  1  the script failed, ")));
+    QFile manual(Text(STAGEHOST_ROOT "/docs/stagehost.md"));
+    ASSERT_TRUE(manual.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(manual.readAll());
+    for (const QString& line : host.Output().section(Text("\nExit codes\n"), 1).split(QLatin1Char('\n'))) {
+        if (line.startsWith(Text("  ")))
+            EXPECT_TRUE(text.contains(Text("| %1 | %2").arg(line.mid(2, 1), line.mid(5)))) << line.toStdString();
+    }
 }

@@ -284,6 +284,62 @@ TEST_F(ShowWithADriver, TellsWhatIsThrownThoughTheDriverHasRemovedTheVariableFor
     host.Say("send desk Later");
     EXPECT_TRUE(host.WaitForErrors("desk: Uncaught Exception - line:3, message: late\n"));
     host.Finish();
+    ThenExitCodeIs(1);
+}
+
+constexpr const char* kTimers =
+    "({ Device: { Level: 0 },\n"
+    "   Later: function () { var self = this;\n"
+    "       QCalverin.SetTimeout(function () { self.Device.Level = 1; throw new Error('late'); }, 1); },\n"
+    "   Ask: function () { var id = QCalverin.PostponeResult(), self = this;\n"
+    "       QCalverin.SetTimeout(function () { self.Device.Level = 2; throw new Error('other'); }, 1);\n"
+    "       QCalverin.SetTimeout(function () { QCalverin.SetResult(id, 'good'); }, 600); },\n"
+    "   Boom: function () { throw new Error('boom'); },\n"
+    "   Try: function () { return 'got <' + QCalverin.Perform('desk2', 'Boom') + '>'; } })";
+
+TEST_F(ShowWithADriver, TellsWhatATimerThrowsAsItComesAndEndsWithOne) {
+    GivenDriver(kTimers);
+    GivenShow();
+    host.Begin({Text("watch"), show});
+    host.Say("send desk Later");
+    EXPECT_TRUE(host.WaitForErrors("desk: Uncaught Exception - line:3, message: late\n"));
+    host.Finish();
+    ThenExitCodeIs(1);
+    GivenShow(
+        R"(, "steps": [{ "device": "desk", "command": "Later" }, { "wait": { "variable": "desk.Level", "value": "1" } }])");
+    Run("run");
+    ThenExitCodeIs(1);
+    EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:3, message: late\n"));
+    Run("run", {Text("--json")});
+    ThenExitCodeIs(1);
+    EXPECT_FALSE(host.Json().value(Text("ok")).toBool(true));
+    EXPECT_EQ(host.Json().value(Text("error")).toString(), Text("desk: Uncaught Exception - line:3, message: late"));
+}
+
+TEST_F(ShowWithADriver, ALateAnswerIsGoodWhateverATimerThrowsMeanwhile) {
+    GivenDriver(kTimers);
+    GivenShow();
+    Run("send", {Text("desk"), Text("Ask"), Text("--json")});
+    EXPECT_TRUE(host.Json().value(Text("ok")).toBool());
+    EXPECT_EQ(host.Json().value(Text("result")).toString(), Text("good"));
+    EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:5, message: other\n"));
+    ThenExitCodeIs(1);
+}
+
+TEST_F(ShowWithADriver, WhatACommandOfAnotherScriptThrowsIsThatScriptsBusiness) {
+    GivenDriver(kTimers);
+    GivenShow({}, R"({ "name": "desk", "driver": "dimmer.js" }, { "name": "desk2", "driver": "dimmer.js" })");
+    Run("send", {Text("desk"), Text("Try")});
+    ThenOutputHas("got <>");
+    EXPECT_EQ(host.Errors(), QString());
+    ThenExitCodeIs(0);
+}
+
+TEST_F(ShowWithADriver, AFailureThatAStepExpectsIsToldOnce) {
+    GivenDriver(kTimers);
+    GivenShow(R"(, "steps": [{ "device": "desk", "command": "Boom", "expect": { "error": "Script: boom" } }])");
+    Run("run");
+    EXPECT_EQ(host.Errors(), QString());
     ThenExitCodeIs(0);
 }
 

@@ -146,12 +146,60 @@ TEST_F(CommandWatchTest, LooksAwayWhenItIsToldTo) {
 TEST_F(CommandWatchTest, KeepsTheErrorThatStoodAtTheEndOfTheContext) {
     error->SetText("of a command before");
     GivenAWatch();
-    EXPECT_EQ(watch->ErrorText(), "");
+    EXPECT_EQ(watch->OwnError(), "");
     error->SetText("its own");
-    EXPECT_EQ(watch->ErrorText(), "its own");
+    EXPECT_EQ(watch->OwnError(), "its own");
     error->SetText("");
     watch->Context()->End();
     error->SetText("of the next command");
     EXPECT_EQ(Now(), Verdict::Over);
-    EXPECT_EQ(watch->ErrorText(), "");
+    EXPECT_EQ(watch->OwnError(), "");
+}
+
+TEST_F(CommandWatchTest, ALateAnswerIsNotFailedByAnErrorThatCameBehindTheReturn) {
+    GivenAWatch();
+    watch->Context()->Begin();
+    status->SetInt(2);
+    status->SetInt(0);
+    error->SetText("of a timer");
+    EXPECT_EQ(Now(), Verdict::Running);
+    Later(CommandWatch::kGrace);
+    EXPECT_EQ(Now(), Verdict::Running) << "the answer is still to come";
+    watch->Context()->End();
+    EXPECT_EQ(Now(), Verdict::Over);
+    EXPECT_EQ(watch->OwnError(), "");
+}
+
+TEST_F(CommandWatchTest, ACommandThatHasWrittenItsResultHasNotFailed) {
+    ValueSpec spec;
+    spec.type = KXP_STRING_DATA;
+    const auto result = MakeValue(spec);
+    GivenAWatch();
+    watch->LookAtResult(*result);
+    watch->Context()->Begin();
+    status->SetInt(2);
+    error->SetText("of a timer, before the function was called");
+    result->SetText("good");
+    status->SetInt(0);
+    Later(CommandWatch::kGrace);
+    EXPECT_EQ(Now(), Verdict::Running);
+    watch->Context()->End();
+    EXPECT_EQ(Now(), Verdict::Over);
+    EXPECT_EQ(watch->OwnError(), "");
+    EXPECT_TRUE(watch->IsAnswered());
+    watch->StopLooking();
+}
+
+TEST_F(CommandWatchTest, BehindOtherCommandsTheErrorAtTheEndOfTheContextCounts) {
+    status->SetInt(2);
+    GivenAWatch();
+    watch->Context()->Begin();
+    error->SetText("of the command before");
+    status->SetInt(0);
+    error->SetText("");
+    status->SetInt(2);
+    error->SetText("its own");
+    watch->Context()->End();
+    EXPECT_EQ(Now(), Verdict::Over);
+    EXPECT_EQ(watch->OwnError(), "its own");
 }
