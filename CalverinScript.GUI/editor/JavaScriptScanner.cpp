@@ -64,7 +64,7 @@ private:
         case ScanState::Comment:
             return StepComment();
         }
-        m_state = ScanState::Start; // a number that is no state: a foreign hand wrote the line's state
+        m_state = ScanState::Start; // the line's state was set by something else, to a number that is none
     }
 
     void StepStart() {

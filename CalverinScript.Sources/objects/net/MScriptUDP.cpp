@@ -96,7 +96,7 @@ void MScriptUDP::OnError(std::int32_t code, MUDPSocket* from) {
     owner->PostScriptEvent(QStringLiteral("error"), &values, this);
 }
 
-/// What waits for the script takes no more than it needs; the room for the next burst stays here.
+/// Hands the burst to the script in a list of just its size, and keeps the room of `burst` for the next one.
 void MScriptUDP::OnBurstEnd(MUDPSocket* /*socket*/) {
     if (burst.empty())
         return;
