@@ -211,7 +211,10 @@ void Session::JudgeThrown(const Device& device, QStringList thrown, CommandOutco
         outcome.kind = Kind::ScriptFailed;
         outcome.error = ToBorderText(thrown.takeFirst());
     }
-    m_thrown.TellAll(FromBorderText(device.Name()), thrown);
+    const auto now = ThrownTexts::Clock::now();
+    m_thrown.TellBeside(FromBorderText(device.Name()), thrown, now);
+    if (device.MayHold()) // it will be run once more, and throw the same
+        m_thrown.Answered({outcome.error}, now);
 }
 
 MaybeFailure Session::TellThrown() {
@@ -236,7 +239,7 @@ MaybeFailure Session::StartDevice(Device& device) {
     const ShowDevice& described = *m_show.FindDevice(FromBorderText(device.Name()));
     const QString error = device.IsSilent() ? thrown.value(0) : FromBorderText(device.ErrorText());
     if (error.isEmpty() || (described.driverFile.isEmpty() && described.setup.isEmpty())) {
-        m_thrown.TellAll(described.name, thrown);
+        m_thrown.TellBeside(described.name, thrown, ThrownTexts::Clock::now());
         return std::nullopt;
     }
     return Failure{kExitScriptFailed, DeviceText(device, error)};

@@ -11,7 +11,7 @@ namespace stagehost {
 namespace {
 
 constexpr std::chrono::milliseconds kMayBeAnswered(500);
-constexpr std::chrono::milliseconds kAnswersCount(5000);
+constexpr std::chrono::seconds kAnswersCount(15); // a device may run a command that it holds once more, after 5 s
 
 } // namespace
 
@@ -37,17 +37,18 @@ void ThrownTexts::Answered(const std::vector<std::string>& failures, Clock::time
 }
 
 void ThrownTexts::Tell(Clock::time_point now) {
-    for (auto entry = m_waiting.begin(); entry != m_waiting.end();) {
+    std::vector<Entry> young;
+    for (const Entry& entry : m_waiting) {
         const auto answer = std::find_if(m_answers.begin(), m_answers.end(),
-                                         [&](const auto& known) { return IsOf(entry->text, known.first); });
+                                         [&](const auto& known) { return IsOf(entry.text, known.first); });
         if (answer != m_answers.end())
             m_answers.erase(answer);
-        else if (now - kMayBeAnswered < entry->came)
-            break;
+        else if (entry.came > now - kMayBeAnswered)
+            young.push_back(entry);
         else
-            TellAll(entry->device, {entry->text});
-        entry = m_waiting.erase(entry);
+            Print(entry);
     }
+    m_waiting = std::move(young);
     m_answers.erase(std::remove_if(m_answers.begin(), m_answers.end(),
                                    [&](const auto& known) { return known.second < now - kAnswersCount; }),
                     m_answers.end());
@@ -63,13 +64,17 @@ QStringList ThrownTexts::End() {
     return std::exchange(m_kept, {});
 }
 
-void ThrownTexts::TellAll(const QString& device, const QStringList& texts) {
-    for (const QString& text : texts) {
-        const QString line = device + QStringLiteral(": ") + text;
-        PrintProblem(line);
-        if (m_firstTold.isEmpty())
-            m_firstTold = line;
-    }
+void ThrownTexts::TellBeside(const QString& device, const QStringList& texts, Clock::time_point now) {
+    for (const QString& text : texts)
+        m_waiting.push_back({device, text, now - kMayBeAnswered});
+    Tell(now);
+}
+
+void ThrownTexts::Print(const Entry& entry) {
+    const QString line = entry.device + QStringLiteral(": ") + entry.text;
+    PrintProblem(line);
+    if (m_firstTold.isEmpty())
+        m_firstTold = line;
 }
 
 bool ThrownTexts::IsOf(const QString& thrown, const QString& failure) {

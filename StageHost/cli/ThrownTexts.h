@@ -40,8 +40,8 @@ public:
     /// @return what the device has thrown since Begin, the first first.
     QStringList End();
 
-    /// Prints what was thrown beside a call.
-    void TellAll(const QString& device, const QStringList& texts);
+    /// Prints what was thrown beside a call that is over, unless it is answered for.
+    void TellBeside(const QString& device, const QStringList& texts, Clock::time_point now);
 
     /// The first text that was printed, with its device; empty when none was.
     const QString& FirstTold() const { return m_firstTold; }
@@ -55,6 +55,8 @@ private:
         QString text;
         Clock::time_point came;
     };
+
+    void Print(const Entry& entry);
 
     QStringList m_devices;
     QString m_awaited; ///< empty when nobody waits

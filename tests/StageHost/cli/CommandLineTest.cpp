@@ -508,7 +508,8 @@ TEST_F(CommandLine, TellsItsExitCodesAsTheyStandInTheirTable) {
     ASSERT_TRUE(manual.open(QIODevice::ReadOnly));
     const QString text = QString::fromUtf8(manual.readAll());
     for (const QString& line : host.Output().section(Text("\nExit codes\n"), 1).split(QLatin1Char('\n'))) {
-        if (line.startsWith(Text("  ")))
-            EXPECT_TRUE(text.contains(Text("| %1 | %2").arg(line.mid(2, 1), line.mid(5)))) << line.toStdString();
+        if (!line.startsWith(Text("  ")))
+            continue;
+        EXPECT_TRUE(text.contains(Text("| %1 | %2").arg(line.mid(2, 1), line.mid(5)))) << line.toStdString();
     }
 }

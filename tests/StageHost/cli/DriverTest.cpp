@@ -290,7 +290,8 @@ TEST_F(ShowWithADriver, TellsWhatIsThrownThoughTheDriverHasRemovedTheVariableFor
 constexpr const char* kTimers =
     "({ Device: { Level: 0 },\n"
     "   Later: function () { var self = this;\n"
-    "       QCalverin.SetTimeout(function () { self.Device.Level = 1; throw new Error('late'); }, 1); },\n"
+    "       QCalverin.SetTimeout(function () { self.Device.Level = 1; }, 50);\n"
+    "       QCalverin.SetTimeout(function () { throw new Error('late'); }, 1); },\n"
     "   Ask: function () { var id = QCalverin.PostponeResult(), self = this;\n"
     "       QCalverin.SetTimeout(function () { self.Device.Level = 2; throw new Error('other'); }, 1);\n"
     "       QCalverin.SetTimeout(function () { QCalverin.SetResult(id, 'good'); }, 600); },\n"
@@ -302,18 +303,18 @@ TEST_F(ShowWithADriver, TellsWhatATimerThrowsAsItComesAndEndsWithOne) {
     GivenShow();
     host.Begin({Text("watch"), show});
     host.Say("send desk Later");
-    EXPECT_TRUE(host.WaitForErrors("desk: Uncaught Exception - line:3, message: late\n"));
+    EXPECT_TRUE(host.WaitForErrors("desk: Uncaught Exception - line:4, message: late\n"));
     host.Finish();
     ThenExitCodeIs(1);
     GivenShow(
         R"(, "steps": [{ "device": "desk", "command": "Later" }, { "wait": { "variable": "desk.Level", "value": "1" } }])");
     Run("run");
     ThenExitCodeIs(1);
-    EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:3, message: late\n"));
+    EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:4, message: late\n"));
     Run("run", {Text("--json")});
     ThenExitCodeIs(1);
     EXPECT_FALSE(host.Json().value(Text("ok")).toBool(true));
-    EXPECT_EQ(host.Json().value(Text("error")).toString(), Text("desk: Uncaught Exception - line:3, message: late"));
+    EXPECT_EQ(host.Json().value(Text("error")).toString(), Text("desk: Uncaught Exception - line:4, message: late"));
 }
 
 TEST_F(ShowWithADriver, ALateAnswerIsGoodWhateverATimerThrowsMeanwhile) {
@@ -322,7 +323,7 @@ TEST_F(ShowWithADriver, ALateAnswerIsGoodWhateverATimerThrowsMeanwhile) {
     Run("send", {Text("desk"), Text("Ask"), Text("--json")});
     EXPECT_TRUE(host.Json().value(Text("ok")).toBool());
     EXPECT_EQ(host.Json().value(Text("result")).toString(), Text("good"));
-    EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:5, message: other\n"));
+    EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:6, message: other\n"));
     ThenExitCodeIs(1);
 }
 

@@ -58,6 +58,15 @@ TEST_F(ThrownTextsTest, KeepsWhatTheDeviceThrowsThatSomebodyWaitsFor) {
     EXPECT_EQ(Told(), QStringLiteral("printer: Uncaught Exception - line:1, message: other"));
 }
 
+TEST_F(ThrownTextsTest, TellsWhatCameBesideACallAtOnceUnlessItIsAnsweredFor) {
+    thrown.Answered({"Script: held"}, now);
+    now += 6s;
+    thrown.TellBeside(QStringLiteral("desk"), {QStringLiteral("Uncaught Exception - line:1, message: held")}, now);
+    EXPECT_EQ(thrown.FirstTold(), QString());
+    thrown.TellBeside(QStringLiteral("desk"), {QStringLiteral("Uncaught Exception - line:1, message: held")}, now);
+    EXPECT_NE(thrown.FirstTold(), QString());
+}
+
 TEST_F(ThrownTextsTest, LeavesNothingUntoldAtTheEnd) {
     Throws("desk", "last");
     thrown.Tell(ThrownTexts::Clock::time_point::max());
