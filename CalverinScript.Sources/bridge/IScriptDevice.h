@@ -36,8 +36,9 @@ public:
     /// @return false when the device is ending.   [any]
     virtual bool PostTask(std::function<void()> task) = 0;
 
-    /// The user command in execution, null outside one.   [script]
-    virtual MCommandObject* GetExecutingCommand() = 0;
+    /// Hands the user command in execution over: it belongs to the caller and stays open when its function returns.
+    /// @return null outside one, and when it has been handed over already.   [script]
+    virtual MCommandObject* TakeExecutingCommand() = 0;
 
     /// Writes a text into the result of a user command that is still open.   [script]
     virtual void WriteCommandResult(MCommandObject* command, const QString& text) = 0;

@@ -12,7 +12,7 @@ void MScriptMngRemote::SetPostponeAllowed(bool allowed) {
 int MScriptMngRemote::PostponeResult() {
     if (!postponeAllowed || device == nullptr || currentPostponed != nullptr)
         return 0;
-    auto* postponed = new MyPostponedObject(device->GetExecutingCommand());
+    auto* postponed = new MyPostponedObject(device->TakeExecutingCommand());
     postponed->AddRef();
     currentPostponed = postponed;
     postponedMap.Add(postponed);

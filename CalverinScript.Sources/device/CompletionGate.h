@@ -11,14 +11,14 @@ class QEventLoop;
 ///
 /// - A caller waits for the completion of its own call and gets the result of its own call, however many are open.
 /// - A call that completes before its wait begins is not lost.
-/// - A wait that ends early, after its limit or by Abandon, gives false. The call may still complete later: nobody minds.
+/// - A wait that ends early, after its limit or by Abandon, gives false. The call may still complete later.
 /// - Abandon lets all waiters go, now and from now on: the script thread will not answer any more.
 class CompletionGate {
 public:
     static constexpr std::uint32_t kNoLimit = 0xFFFFFFFF;
 
-    /// One call, from its request to its completion. Shared by the caller and by the task on the script thread, since either may
-    /// be the last to look at it.
+    /// One call, from its request to its completion. Shared by the caller and by the task on the script thread, since
+    /// either may be the last to look at it.
     class Call {
     public:
         Call() = default;

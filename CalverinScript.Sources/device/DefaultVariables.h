@@ -8,13 +8,11 @@
 
 #include <QString>
 
+#include "DeviceStatus.h"
 #include "DriverTables.h"
 
 class IData;
 class IEnumData;
-
-/// Index of the items of the device's variable "Status".
-enum class DeviceStatus : std::int32_t { Ready = 0, Loading = 1, Executing = 2 };
 
 /// The host's values of the variables that every device has.
 ///

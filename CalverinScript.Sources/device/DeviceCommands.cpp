@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "CommandNumbers.h"
+#include "CommandRoad.h"
 #include "HostData.h"
 #include "HostText.h"
 #include "MScriptMngRemote.h"
@@ -49,18 +50,14 @@ KXPCode MCalverinScript_Device::PostBuiltIn(std::int32_t id, IObjectParams* para
     if (params->GetParamCount() < needed)
         return KXP_BAD_COMMAND;
     const ParamText first(params->GetParam(0));
-    if (id == kLoadFromFile) {
-        LoadScriptFromFile(context, first.Get(), false);
-        return KXP_OK;
-    }
-    if (id == kLoadFromText) {
-        LoadScriptFromText(context, first.Get(), false);
+    if (id == kLoadFromFile || id == kLoadFromText) {
+        road->Post(ScriptRequest::Load(static_cast<BuiltInCommand>(id), first.Get()), context);
         return KXP_OK;
     }
     if (!HasFunction(first.Get()))
         return KXP_SCRIPT_FAILED;
     if (id == kExecuteFunction) {
-        ExecuteScriptFunction(context, first.Get(), false);
+        road->Post(ScriptRequest::Function(first.Get()), context);
         return KXP_OK;
     }
     std::array<std::unique_ptr<ParamText>, kArgumentCount> owned;
@@ -69,7 +66,8 @@ KXPCode MCalverinScript_Device::PostBuiltIn(std::int32_t id, IObjectParams* para
         owned[i] = std::make_unique<ParamText>(params->GetParam(static_cast<std::uint32_t>(2 + i)));
         texts[i] = owned[i]->Get();
     }
-    ExecuteScriptFunctionWithParams(context, first.Get(), EffectiveData(params->GetParam(1)), texts.data(), false);
+    IData* result = EffectiveData(params->GetParam(1));
+    road->Post(ScriptRequest::Function(first.Get(), result, texts.data()), context);
     return KXP_OK;
 }
 
@@ -94,10 +92,6 @@ void MCalverinScript_Device::OnCommandCreated(void* context) {
 void MCalverinScript_Device::OnCommandDestroyed(void* context) {
     if (context != nullptr)
         static_cast<IExecContext*>(context)->End();
-}
-
-MCommandObject* MCalverinScript_Device::GetExecutingCommand() {
-    return currentCommand;
 }
 
 void MCalverinScript_Device::WriteCommandResult(MCommandObject* command, const QString& text) {

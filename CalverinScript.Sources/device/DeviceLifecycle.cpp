@@ -13,6 +13,7 @@
 #include <QThread>
 
 #include "CommandNumbers.h"
+#include "CommandRoad.h"
 #include "ConfigFile.h"
 #include "EventArguments.h"
 #include "FaceAnswer.h"
@@ -61,10 +62,9 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
                                                const char* name)
     : MyCommandManager(kCommandTimeoutMs, false, true)
     , module(moduleServices)
-    , setupInterface(setup)
-    , commandThread(static_cast<IThreadHandler*>(this)) {
+    , setupInterface(setup) {
     SweepAbandoned();
-    commandThread.SetStackSize(kRequestedStackSize);
+    MakeRoad(kRequestedStackSize);
     homeThread = QThread::currentThread();
     FindHostServices();
     MakeEngine();
@@ -137,7 +137,7 @@ KXPCode MCalverinScript_Device::Start() {
     remote->OnDeviceStart();
     SetRunning(true);
     SetStarted(true);
-    commandThread.Start(false);
+    road->Start();
     MTimerailManager::Reset();
     defaults.BindUnlessBound([this](const char* variable) { return FindDefaultVariable(variable); });
     if (!setupScriptFileName.isEmpty())
@@ -170,18 +170,14 @@ KXPCode MCalverinScript_Device::Stop() {
     if (threadStopDone)
         StopCommandThread();
     remote->ReleaseScriptObjects();
-    stackCount.Exchange(0);
+    road->ClearStackCount();
     if (panel != nullptr && setupInterface != nullptr)
         setupInterface->PostRunState(panel, false, 0);
     return KXP_OK;
 }
 
-/// The queue and the current command end their host contexts when they are cleared.
 void MCalverinScript_Device::StopCommandThread() {
-    commandThread.Stop(false);
-    WakeCommandThread();
-    commandThread.Wait(kInfinite);
-    ClearCommands();
+    road->Stop();
     MTimerailManager::Reset();
 }
 

@@ -6,7 +6,7 @@
 /// @file
 /// The one form that every slot on the script thread has. For the device's own sources.
 
-/// Does the work under `mutex`, then tells that it is done. Once the device is ending the script is not entered any more.
+/// Does the work under `mutex`, then tells that it is done. While the device is ending the script is not entered.
 template <typename Row, typename Work>
 bool MCalverinScript_Device::RunSlot(const Row& row, Work work) {
     bool result = false;

@@ -6,6 +6,7 @@
 #include <mutex>
 
 #include "CommandNumbers.h"
+#include "CommandRoad.h"
 #include "DriverTables.h"
 #include "HostData.h"
 #include "HostText.h"
@@ -59,7 +60,7 @@ KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t id, IObjectParams* 
         texts[place] = owned[place].constData();
     }
     IData* result = remoteHandler2 != nullptr ? EffectiveData(params->GetParam(0)) : nullptr;
-    ExecuteScriptFunctionWithParams(context, name.constData(), result, texts.data(), false);
+    road->Post(ScriptRequest::Function(name.constData(), result, texts.data()), context);
     return KXP_OK;
 }
 

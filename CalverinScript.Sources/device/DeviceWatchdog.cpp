@@ -4,22 +4,14 @@
 #include <QScriptEngine>
 #include <QScriptEngineDebugger>
 
-#include "CommandNumbers.h"
+#include "CommandRoad.h"
 #include "HostCall.h"
-#include "Log.h"
 #include "MScriptMngRemote.h"
 
-namespace {
-
-constexpr std::int32_t kExecutionsPerCommand = 2;
-constexpr int kTimeoutLevel = 5;
-
-} // namespace
-
 /// A tick may sit in a second execution when the device is released, and come back after the release.
-void MCalverinScript_Device::OnTimer(std::uint32_t /*nowMs*/) {
+void MCalverinScript_Device::OnTimer(std::uint32_t nowMs) {
     const HostCall call(*this);
-    CheckExpiredCommand();
+    road->OnTick(nowMs);
     if (debuggerContinue && IsDebuggerActive())
         TriggerDebuggerAction(QScriptEngineDebugger::ContinueAction);
     if (debuggerAbort && IsDebuggerActive()) {
@@ -30,30 +22,6 @@ void MCalverinScript_Device::OnTimer(std::uint32_t /*nowMs*/) {
         FinishRequestedStop();
     if (MKXPDeviceBase::IsRunning())
         remote->Tick();
-}
-
-/// A held command is executed once more after its time; after the second time it is given up.
-void MCalverinScript_Device::CheckExpiredCommand() {
-    MCommandObject* command = nullptr;
-    if (!CheckCommandTimeout(&command))
-        return;
-    if (command->IncrementRetries() < kExecutionsPerCommand)
-        ExecuteCurrentCommand();
-    else
-        GiveUpCommand(command);
-    UnlockCurrentCommand();
-}
-
-void MCalverinScript_Device::GiveUpCommand(MCommandObject* command) {
-    ReportError(QStringLiteral("Command Timeout."), false);
-    SetStatus(DeviceStatus::Ready);
-    if (IsLogOn(false))
-        WriteLog(LogHandle(), kTimeoutLevel, "CalverinScript_ [%s] Command Timeout ID : %d", GetName(),
-                 command != nullptr ? command->GetId() : -1);
-    FinishCurrentCommand(nullptr);
-    stackCount.Decrement();
-    if (TakeNextCommand() == kCommandDone)
-        ExecuteCurrentCommand();
 }
 
 /// Waits for nobody: while the script runs it is tried again at the next tick.

@@ -27,7 +27,6 @@
 #include "MScriptCommonEvent.h"
 #include "MScriptParamList.h"
 #include "MString.h"
-#include "MThread.h"
 #include "MTimerailManager.h"
 #include "MyAsyncDeviceExecContext.h"
 #include "MyCommandManager.h"
@@ -39,7 +38,9 @@
 #include "SetupMemory.h"
 #include "VariableAccessor.h"
 
+class CommandRoad;
 class EventArguments;
+class ICommandWork;
 class IModuleServices;
 class ISetupInterface;
 class MScriptEngineAgent;
@@ -160,7 +161,7 @@ public:
     void PostScriptEvents(const QString& name, std::vector<MScriptParamList> events,
                           MScriptCommonEvent* event) override;
 
-    // The five operations of the command road. With execute false each posts a command, with execute true it does the work.
+    // The five operations of the command road. With execute false each posts a command, with execute true it does the work at once.
     bool LoadScriptFromFile(IExecContext* context, const char* fileName, bool execute);
     bool LoadScriptFromText(IExecContext* context, const char* text, bool execute);
     bool ExecuteScriptFunction(IExecContext* context, const char* name, bool execute);
@@ -193,7 +194,7 @@ public:
     const char* GetScriptDeviceName() override;
     void PostAsyncResult(MyAsyncDeviceExecContext* context) override;
     void PostPropertyChange(const char* object, const char* property, const char* value, bool objectFollows) override;
-    MCommandObject* GetExecutingCommand() override;
+    MCommandObject* TakeExecutingCommand() override;
     void WriteCommandResult(MCommandObject* command, const QString& text) override;
     VisitGate* GetValueGate() override { return &accessors.GetGate(); }
     bool IsEnding() const override { return ending; }
@@ -227,7 +228,7 @@ public:
     SetupMemory& GetSetupMemory() { return setupMemory; }
     QScriptEngineDebugger* GetDebugger() const { return debugger; }
     MScriptThread* GetScriptThread() const { return scriptThread; }
-    std::int32_t GetStackCount() const { return stackCount.Read(); }
+    std::int32_t GetStackCount() const;
     bool HasStopFunction() const { return hasStopFunction; }
     std::vector<MScriptCommand> GetCommands() const { return commands.Snapshot(); }
     std::vector<MScriptVariable> GetLiveVariables() const { return variablesLive.Snapshot(); }
@@ -324,20 +325,14 @@ private:
     void ClearScriptState();
 
     // Commands
-    struct Operation;
-    template <typename Detail, typename AddParams, typename Work>
-    bool RunOperation(const Operation& operation, IExecContext* context, bool execute, Detail detail,
-                      AddParams addParams, Work work);
-    void PostOperation(MCommandObject* command);
+    class RoadWork;
+    void MakeRoad(std::size_t threadStackSize);
     bool MayPost() const;
     bool HasFunction(const char* name);
     template <typename Condition>
     bool FindCommand(Condition condition, MScriptCommand& found);
     KXPCode PostBuiltIn(std::int32_t id, IObjectParams* params, IExecContext* context);
     KXPCode PostUserCommand(std::int32_t id, IObjectParams* params, IExecContext* context);
-    bool DispatchCommand(MCommandObject* command);
-    void CheckExpiredCommand();
-    void GiveUpCommand(MCommandObject* command);
     void StopCommandThread();
     void FinishRequestedStop();
     void SetStatus(DeviceStatus status) { defaults.SetStatus(status); }
@@ -400,10 +395,10 @@ private:
     IFolderManager* folderManager = nullptr;
     IObjectNameTools* objectNameTools = nullptr;
     MString definitionCache; ///< host main; empty means rebuild
-    MThread commandThread;
     IVariableManager* variableManager = nullptr;
-    InterlockedCounter stackCount; ///< commands posted and not finished
-    bool setupLoaded = false;      ///< host main
+    std::unique_ptr<ICommandWork> roadWork; ///< what the road needs of this device
+    std::unique_ptr<CommandRoad> road;      ///< made before all that posts
+    bool setupLoaded = false;               ///< host main
     bool programmingMode = false;
     bool autoCompletion = true;
     std::recursive_mutex mutex; ///< guards the engine's state: every entry into the script takes it
@@ -430,7 +425,6 @@ private:
     std::vector<ResourceRequest> resources;         ///< host main
     SetupMemory setupMemory;                        ///< host main
     MScriptMngRemote* remote = nullptr;             ///< owned
-    std::atomic<MCommandObject*> currentCommand{};  ///< during a command 3 only; written by whoever executes it
     QScriptEngineDebugger* debugger = nullptr;      ///< child of the device
     std::atomic<bool> debuggerContinue{false};      ///< script thread asks the tick to let the debugger go on
     std::atomic<bool> debuggerAbort{false};         ///< Stop asks the tick to abort

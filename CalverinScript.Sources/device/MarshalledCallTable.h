@@ -4,8 +4,8 @@
 
 #include "MCalverinScript_Device.h"
 
-/// One kind of call to the script thread: the signal that announces it, the slot that does its work there, the signal that
-/// follows the work, and how long a caller waits. Its arguments are those of the slot.
+/// One kind of call to the script thread: the signal that announces it, the slot that does its work there, the signal
+/// that follows the work, and how long a caller waits. Its arguments are those of the slot.
 template <typename... Parameters>
 struct MarshalledCallRow {
     using Device = MCalverinScript_Device;

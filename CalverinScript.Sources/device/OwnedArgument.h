@@ -10,8 +10,8 @@
 #include "ResultText.h"
 
 /// @file
-/// What a marshalled call keeps of its arguments. Its caller may be gone before the script thread gets to it: after a time limit,
-/// or when the device is released. So the call owns what it hands to its slot.
+/// What a marshalled call keeps of its arguments. Its caller may be gone before the script thread gets to it: after a
+/// time limit, or when the device is released. So the call owns what it hands to its slot.
 
 /// An argument that is a value, or a pointer whose object the device keeps by other means.
 template <typename Argument>
@@ -64,8 +64,8 @@ private:
     std::array<const char*, kArgumentCount> m_pointers{}; ///< into m_texts; the first null ends the list
 };
 
-/// The value that takes a result. The host may drop its own as soon as the request has ended, so the slot writes into a value of
-/// the call's, and the caller, whose request is still open then, takes the text over.
+/// The value that takes a result. The host may drop its own as soon as the request has ended, so the slot writes into a
+/// value of the call's, and the caller, whose request is still open then, takes the text over.
 template <>
 class OwnedArgument<IData*> {
 public:

@@ -5,8 +5,8 @@
 
 #include "IData.h"
 
-/// A value that takes one text and keeps it until its owner hands it on. Written on the script thread, read by the owner behind
-/// the completion of the call that it belongs to.
+/// A value that takes one text and keeps it until its owner hands it on. Written on the script thread, read by the
+/// owner behind the completion of the call that it belongs to.
 class ResultText final : public IData {
 public:
     /// Writes the text to another value; nothing when none was set.

@@ -79,12 +79,17 @@ std::int32_t MyCommandManager::HoldCurrentCommand() {
 }
 
 std::int32_t MyCommandManager::PostCommand(MCommandObject* command) {
+    std::unique_ptr<MCommandObject> dropped;
+    return PostCommand(command, dropped);
+}
+
+std::int32_t MyCommandManager::PostCommand(MCommandObject* command, std::unique_ptr<MCommandObject>& dropped) {
     if (command == nullptr)
         return kCommandNull;
     ApplyDefaultTimeout(*command);
     if (m_directExecute && TryExecuteDirectly(command))
         return kCommandRan;
-    const auto dropped = m_queue.Append(std::unique_ptr<MCommandObject>(command), m_maxQueued);
+    dropped = m_queue.Append(std::unique_ptr<MCommandObject>(command), m_maxQueued);
     m_wakeEvent.Set();
     return dropped ? kCommandQueuedDropping : kCommandQueued;
 }

@@ -78,6 +78,8 @@ public:
     /// @return kCommandQueued, kCommandQueuedDropping, kCommandRan
     /// (direct execution alone) or kCommandNull.   [thread: any]
     virtual std::int32_t PostCommand(MCommandObject* command);
+    /// The same, but the oldest queued one is handed to the caller instead of being destroyed.   [thread: any]
+    std::int32_t PostCommand(MCommandObject* command, std::unique_ptr<MCommandObject>& dropped);
 
     /// Takes over a command and executes it on this thread when
     /// nothing is queued, nothing is current and the lock is free.

@@ -23,7 +23,7 @@ public:
     const char* GetScriptDeviceName() override { return name.c_str(); }
     void PostAsyncResult(MyAsyncDeviceExecContext* context) override { asyncResults.push_back(context); }
     void PostPropertyChange(const char* object, const char* property, const char* value, bool objectFollows) override;
-    MCommandObject* GetExecutingCommand() override { return executing; }
+    MCommandObject* TakeExecutingCommand() override { return executing; }
     void WriteCommandResult(MCommandObject* command, const QString& text) override;
     int PostScriptEvent(const QString& event, const MScriptParamList* params, MScriptCommonEvent* object) override;
     void PostScriptEvents(const QString& name, std::vector<MScriptParamList> list, MScriptCommonEvent* object) override;

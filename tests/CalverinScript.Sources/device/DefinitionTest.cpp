@@ -11,14 +11,14 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
+using TextLines = std::vector<std::string>;
 
 std::string Template() {
     return FindModuleResource(ModuleResource::RawData, kDefinitionId).toStdString();
 }
 
 /// Elements one by one, depth first: a point for each level, tag and attributes in their order.
-void Flatten(const TiXmlElement& element, const std::string& indent, Lines& lines) {
+void Flatten(const TiXmlElement& element, const std::string& indent, TextLines& lines) {
     std::string line = indent + element.Value();
     for (const TiXmlAttribute* a = element.FirstAttribute(); a != nullptr; a = a->Next())
         line += std::string(" ") + a->Name() + "=" + a->Value();
@@ -27,9 +27,9 @@ void Flatten(const TiXmlElement& element, const std::string& indent, Lines& line
         Flatten(*child, indent + ".", lines);
 }
 
-Lines Elements(const std::string& xml) {
+TextLines Elements(const std::string& xml) {
     TiXmlDocument document;
-    Lines lines;
+    TextLines lines;
     if (ParseXml(document, xml.c_str()))
         Flatten(*document.RootElement(), "", lines);
     return lines;
@@ -65,7 +65,7 @@ constexpr ParamRow kParams[] = {
     {3, 9, "Param8", "mddIn", nullptr},
 };
 
-void AddParam(Lines& lines, const ParamRow& row) {
+void AddParam(TextLines& lines, const ParamRow& row) {
     lines.emplace_back("....ObjectParam VarType=2 ClassName=IStringData");
     lines.push_back(".....StringData ID=" + std::to_string(row.id) + " Name=" + row.name + " String=");
     lines.emplace_back("......Properties");
@@ -78,8 +78,8 @@ void AddParam(Lines& lines, const ParamRow& row) {
 }
 
 /// The elements that a definition of built-in commands and default variables has.
-Lines Expected(const std::string& deviceNumber = "0", const std::string& status = "Active", bool variables = true) {
-    Lines lines = {"Device ID= Name=", ".Info", "..Description", ".Commands"};
+TextLines Expected(const std::string& deviceNumber = "0", const std::string& status = "Active", bool variables = true) {
+    TextLines lines = {"Device ID= Name=", ".Info", "..Description", ".Commands"};
     for (const CommandRow& command : kCommands) {
         lines.push_back("..Command ID=" + std::to_string(command.id) + " Name=" + command.name +
                         " Version=0 Status=" + status);
@@ -93,17 +93,17 @@ Lines Expected(const std::string& deviceNumber = "0", const std::string& status 
         lines.push_back(".....Property Name=ObjectParamDescriptor::DeviceID Value=" + deviceNumber);
     }
     lines.emplace_back(".Variables");
-    const Lines defaults = {"..EnumData Name=Status InstanceID=0 Current=0 DefaultCurrent=0",
-                            "...EnumStrings",
-                            "....EnumString Name=Ready Value=0",
-                            "....EnumString Name=Loading Value=1",
-                            "....EnumString Name=Executing Value=2",
-                            "..StringData Name=Error InstanceID=0 MaxLength=-1 String=",
-                            "..StringData Name=CurrentScriptFileName InstanceID=0 MaxLength=-1 String=",
-                            "..StringData Name=CurrentScriptText InstanceID=0 MaxLength=-1 String=",
-                            "...Properties",
-                            "....Property Name=DataDescriptor::DontStoreValue Value=true",
-                            "..StringData Name=ScriptFunctions InstanceID=0 MaxLength=-1 String="};
+    const TextLines defaults = {"..EnumData Name=Status InstanceID=0 Current=0 DefaultCurrent=0",
+                                "...EnumStrings",
+                                "....EnumString Name=Ready Value=0",
+                                "....EnumString Name=Loading Value=1",
+                                "....EnumString Name=Executing Value=2",
+                                "..StringData Name=Error InstanceID=0 MaxLength=-1 String=",
+                                "..StringData Name=CurrentScriptFileName InstanceID=0 MaxLength=-1 String=",
+                                "..StringData Name=CurrentScriptText InstanceID=0 MaxLength=-1 String=",
+                                "...Properties",
+                                "....Property Name=DataDescriptor::DontStoreValue Value=true",
+                                "..StringData Name=ScriptFunctions InstanceID=0 MaxLength=-1 String="};
     if (variables)
         lines.insert(lines.end(), defaults.begin(), defaults.end());
     return lines;
@@ -172,8 +172,8 @@ TEST_F(Definition, OfHiddenDefaultsHidesEveryCommandOfTheTemplate) {
     request.hideDefaults = true;
     request.definitionTemplate = "<Device><Commands><Command ID='9'/><Command ID='8' Status='Disabled'/></Commands>"
                                  "<Variables><!-- c --><X Name='x'/></Variables></Device>";
-    EXPECT_EQ(Elements(Build()), (Lines{"Device", ".Commands", "..Command ID=9 Status=Hidden",
-                                        "..Command ID=8 Status=Hidden", ".Variables"}));
+    EXPECT_EQ(Elements(Build()), (TextLines{"Device", ".Commands", "..Command ID=9 Status=Hidden",
+                                            "..Command ID=8 Status=Hidden", ".Variables"}));
 }
 
 TEST_F(Definition, ChangesTheDeviceNumberOnlyInThePropertiesOfAWholeCommand) {
@@ -187,9 +187,9 @@ TEST_F(Definition, ChangesTheDeviceNumberOnlyInThePropertiesOfAWholeCommand) {
     request.definitionTemplate = xml.c_str();
     const std::string changed = "Property Name=ObjectParamDescriptor::DeviceID Value=";
     EXPECT_EQ(Elements(Build()),
-              (Lines{"Device", ".Commands", "..Command", "...ObjectParams", "....ObjectParam", ".....Properties",
-                     "......" + changed + "0", "....Properties", ".....Property Name=Other Value=0",
-                     "....." + changed + "5", "....." + changed + "5", ".....Property Value=0", ".Variables"}));
+              (TextLines{"Device", ".Commands", "..Command", "...ObjectParams", "....ObjectParam", ".....Properties",
+                         "......" + changed + "0", "....Properties", ".....Property Name=Other Value=0",
+                         "....." + changed + "5", "....." + changed + "5", ".....Property Value=0", ".Variables"}));
 }
 
 TEST_F(Definition, GivesKnownVariablesTheirNumbersAndLeavesOthers) {
@@ -234,10 +234,10 @@ TEST_F(Definition, OfResetNumbersGivesTheDefaultVariablesNoneAndKeepsThoseOfOthe
         "InstanceID='8'/></Variables></Device>";
     const std::string built = Build();
     EXPECT_EQ(Elements(built),
-              (Lines{"Device", ".Commands", ".Variables", "..StringData Name=Error InstanceID=0",
-                     "..EnumData Name=Status InstanceID=0", "..StringData Name=CurrentScriptFileName InstanceID=0",
-                     "..StringData Name=CurrentScriptText InstanceID=0",
-                     "..StringData Name=ScriptFunctions InstanceID=0", "..StringData Name=Mine InstanceID=55"}));
+              (TextLines{"Device", ".Commands", ".Variables", "..StringData Name=Error InstanceID=0",
+                         "..EnumData Name=Status InstanceID=0", "..StringData Name=CurrentScriptFileName InstanceID=0",
+                         "..StringData Name=CurrentScriptText InstanceID=0",
+                         "..StringData Name=ScriptFunctions InstanceID=0", "..StringData Name=Mine InstanceID=55"}));
     request.deviceVariables = nullptr;
     EXPECT_NE(Build().find("Name=\"Error\" InstanceID=\"0\""), std::string::npos);
 }

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+#include "DeviceStatus.h"
+#include "DropCount.h"
+#include "InterlockedCounter.h"
+#include "MThread.h"
+#include "ScriptRequest.h"
+
+class ICommandObjectHandler;
+class IExecContext;
+class IThreadHandler;
+class MyCommandManager;
+
+/// What the road needs of the device that it runs through.
+class ICommandWork {
+public:
+    virtual ~ICommandWork() = default;
+    /// The device's name for the log.   [any]
+    virtual const char* GetRoadName() = 0;
+    /// Whether commands are taken at the moment.   [any]
+    virtual bool MayPost() const = 0;
+    /// Does what a request asks for. @return false when it failed: its command is held then.   [command, tick]
+    virtual bool Run(const ScriptRequest& request) = 0;
+    /// Shows what the device is busy with.   [command, tick]
+    virtual void ShowStatus(DeviceStatus status) = 0;
+    /// Shows a failure; an empty text clears the one before.   [command, tick]
+    virtual void ShowError(const char* text) = 0;
+    /// A command is over.   [command, tick]
+    virtual void OnCommandOver() = 0;
+    /// An answer will never be delivered.   [any]
+    virtual void DropAnswer(MyAsyncDeviceExecContext* answer) = 0;
+};
+
+/// The road of a command: posted on any thread, executed in turn on the command thread, watched by the tick thread.
+///
+/// - Requests are executed in the order in which they were posted.
+/// - The context of a function with parameters begins with its post and ends with its command, executed or not.
+/// - A command that fails is held, executed once more after its time, and given up after the second.
+/// - What a full queue drops is let go at once and told in the log, once for a burst.
+class CommandRoad {
+public:
+    /// All are borrowed for the road's life. @param threadBody calls Serve on the command thread. @param contexts is
+    /// told of the life of the host's contexts. @param stackSize of the command thread, in bytes.
+    CommandRoad(MyCommandManager& queue, IThreadHandler& threadBody, ICommandObjectHandler& contexts,
+                ICommandWork& work, std::size_t stackSize);
+
+    /// Starts the command thread; nothing when it runs.   [any host thread]
+    void Start();
+    /// Ends the command thread behind the command in execution, and drops what waits.   [any host thread, tick]
+    void Stop();
+
+    /// Queues a request. @param context of the host, may be null. @return false when no command is taken.   [any]
+    bool Post(const ScriptRequest& request, IExecContext* context);
+    /// Does what a request asks for, with log lines and status around it. @return whether it was done.   [command, tick]
+    bool Execute(const ScriptRequest& request);
+    /// Executes a command of the queue and finishes or holds it. @return whether it is over.   [command, tick]
+    bool ExecuteCommand(MCommandObject& command);
+    /// The life of the command thread.   [command]
+    void Serve(MThread& thread);
+    /// Repeats or gives up a held command whose time is over, and tells what was dropped.   [tick]
+    void OnTick(std::uint32_t nowMs);
+
+    /// Hands the function in execution over: the caller owns its command, which stays open when the function returns.
+    /// @return null outside a function with parameters, and when it has been taken already.   [script]
+    MCommandObject* TakeExecuting() { return m_executing.exchange(nullptr); }
+
+    /// Commands that are posted and not over.   [any]
+    std::int32_t GetStackCount() const { return m_stackCount.Read(); }
+    void ClearStackCount() { m_stackCount.Exchange(0); }
+
+private:
+    void Queue(MCommandObject* command);
+    void LetGo(const MCommandObject& dropped);
+    void CheckExpired();
+    void GiveUp(MCommandObject* command);
+    void TellDropped(std::int32_t count);
+
+    MyCommandManager& m_queue;
+    ICommandObjectHandler& m_contexts;
+    ICommandWork& m_work;
+    MThread m_thread;
+    InterlockedCounter m_stackCount;
+    std::atomic<MCommandObject*> m_executing{nullptr}; ///< set by whoever executes a function, taken by the script
+    DropCount m_dropped;
+};
