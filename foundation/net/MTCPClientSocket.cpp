@@ -148,6 +148,12 @@ std::int32_t MTCPClientSocket::Send(const char* data, std::int32_t length) {
     return sent ? NetSuccess : NetSendFailed;
 }
 
+void MTCPClientSocket::SetReading(bool on) {
+    m_reading = on;
+    if (on)
+        m_wake.Set();
+}
+
 std::int32_t MTCPClientSocket::ShutdownSend() {
     if (!IsLibraryStarted())
         return NetStartup;

@@ -93,6 +93,11 @@ public:
     /// Tells the peer that nothing more comes; receiving goes on. @return 0, -7 not started, -9 not connected, -20, -1.
     std::int32_t ShutdownSend();
 
+    /// Whether what comes is read, as it is at first. What is not read stays with the system, so that the peer has to
+    /// wait once the system's buffers are full; then data and the end of the connection are heard when reading goes on.
+    /// Holds for later connections too. Never waits, and takes no lock.
+    void SetReading(bool on);
+
     /// Starts the thread without waiting. One that is winding down counts as running: none is started then.
     /// @return false when the system gives no thread or no descriptor.
     bool StartThread();
@@ -150,6 +155,7 @@ private:
     void ConnectWhenWanted();
     std::uint32_t MillisecondsToNextAttempt() const;
     void Serve(const ConnectionPtr& connection);
+    SocketReadiness WaitForWork(const Connection& connection);
     bool ReadSome(const ConnectionPtr& connection);
     bool MakeRoom(const SystemSocket& socket);
     bool CountPending(const SystemSocket& socket, std::uint32_t& pending);
@@ -176,6 +182,7 @@ private:
     std::atomic<bool> m_noDelay{false};
     std::atomic<bool> m_autoReconnect{false};
     std::atomic<bool> m_stopOnClose{false};
+    std::atomic<bool> m_reading{true};
     std::atomic<bool> m_connectionWanted{false};   // the thread may connect
     std::atomic<bool> m_connectPending{false};     // the thread is to connect once; cleared by the thread too
     std::atomic<std::uint32_t> m_lastAttemptMs{0}; // of the thread, 0 for none; written by the thread too

@@ -24,18 +24,32 @@ SocketTransfer SendQueue::SendPart(SystemSocket& socket, const char* data, std::
     const std::lock_guard<std::mutex> guard(m_lock);
     if (!m_blockOpen && !FlushLocked(socket))
         return {0, SocketError::WouldBlock};
-    const SocketTransfer part = socket.Send(data, size);
+    const SocketTransfer part = SendLocked(socket, data, size);
     if (part.error != SocketError::WouldBlock)
         m_blockOpen = part.error == SocketError::None && part.bytes < size;
     NoteUnsent();
     return part;
 }
 
+// That nothing can be sent any more says only that the connection is over.
+SocketTransfer SendQueue::SendLocked(SystemSocket& socket, const char* data, std::size_t size) {
+    const SocketTransfer part = socket.Send(data, size);
+    const bool broke = part.error != SocketError::WouldBlock && part.error != SocketError::ShutDown;
+    if (broke && m_failure == SocketError::None)
+        m_failure = part.error;
+    return part;
+}
+
+SocketError SendQueue::GetFailure() const {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    return m_failure;
+}
+
 bool SendQueue::SendWithoutWaiting(SystemSocket& socket, const char* data, std::size_t size) {
     const std::lock_guard<std::mutex> guard(m_lock);
     SocketTransfer part;
     if (!m_blockOpen && FlushLocked(socket))
-        part = socket.Send(data, size);
+        part = SendLocked(socket, data, size);
     if (part.error != SocketError::None && part.error != SocketError::WouldBlock)
         return false;
     if (!m_unsent.empty() && m_unsent.size() + size > kMostUnsent)
@@ -56,7 +70,7 @@ bool SendQueue::FlushLocked(SystemSocket& socket) {
     std::size_t done = 0;
     SocketTransfer part;
     while (done < m_unsent.size() && part.error == SocketError::None) {
-        part = socket.Send(m_unsent.data() + done, m_unsent.size() - done);
+        part = SendLocked(socket, m_unsent.data() + done, m_unsent.size() - done);
         done += part.bytes;
     }
     if (part.error != SocketError::None && part.error != SocketError::WouldBlock)

@@ -30,7 +30,7 @@ void MTCPClientSocket::ConnectWhenWanted() {
     if (m_connectionWanted && (m_autoReconnect || m_connectPending))
         waitMs = MillisecondsToNextAttempt();
     if (waitMs != 0) {
-        if (WaitForSocket(nullptr, false, m_wake, waitMs).failed)
+        if (WaitForSocket(nullptr, SocketInterest::Reading, m_wake, waitMs).failed)
             BackOff();
         return;
     }
@@ -47,8 +47,7 @@ std::uint32_t MTCPClientSocket::MillisecondsToNextAttempt() const {
 
 void MTCPClientSocket::Serve(const ConnectionPtr& connection) {
     while (!StopRequested() && StandingConnection() == connection) {
-        const bool unsent = connection->outgoing.HasUnsent();
-        const SocketReadiness readiness = WaitForSocket(&connection->socket, unsent, m_wake, kInfinite);
+        const SocketReadiness readiness = WaitForWork(*connection);
         if (StopRequested())
             return;
         if (readiness.failed) {
@@ -60,6 +59,18 @@ void MTCPClientSocket::Serve(const ConnectionPtr& connection) {
         if (readiness.ready && !ReadSome(connection))
             return;
     }
+}
+
+// What is not to be read is not waited for either: a socket at its end would be ready for ever.
+SocketReadiness MTCPClientSocket::WaitForWork(const Connection& connection) {
+    const bool unsent = connection.outgoing.HasUnsent();
+    const bool reading = m_reading;
+    const SocketInterest toRead = unsent ? SocketInterest::Both : SocketInterest::Reading;
+    SocketReadiness readiness = WaitForSocket(reading || unsent ? &connection.socket : nullptr,
+                                              reading ? toRead : SocketInterest::Writing, m_wake, kInfinite);
+    readiness.writable = readiness.writable || (readiness.ready && !reading); // sending finds the end, and gives up
+    readiness.ready = readiness.ready && m_reading;
+    return readiness;
 }
 
 // False when the connection is over. What came before the end is delivered first. Mostly the buffer has room for all
@@ -115,6 +126,8 @@ void MTCPClientSocket::Lose(const ConnectionPtr& connection, SocketError error) 
         m_connection = nullptr;
         m_connected = false;
     }
+    if (error == SocketError::None)
+        error = connection->outgoing.GetFailure(); // told to a sender, and to nobody else
     if (error != SocketError::None)
         TellError(TranslateError(static_cast<std::int32_t>(error)));
     const bool stop = m_stopOnClose;

@@ -11,7 +11,7 @@ std::uint32_t MUDPSocket::Run() {
     m_sourcePort = 0;
     m_sourceText.clear();
     while (!StopRequested() && socket) {
-        const SocketReadiness readiness = WaitForSocket(socket.get(), false, m_wake, kInfinite);
+        const SocketReadiness readiness = WaitForSocket(socket.get(), SocketInterest::Reading, m_wake, kInfinite);
         if (readiness.failed) {
             CloseSocket();
             TellError(NetSetupFailed);

@@ -39,10 +39,14 @@ struct SocketReadiness {
     bool failed = false;
 };
 
-/// Waits until a socket can be read (or written, with forWriting too) or the wake is set, at most timeoutMs, kInfinite
-/// for ever. A null socket waits for the wake alone. Nothing ready, woken or failed: the time is over.   [thread: the
-/// one that waits]
-SocketReadiness WaitForSocket(const SystemSocket* socket, bool forWriting, SocketWake& wake, std::uint32_t timeoutMs);
+/// What of a socket is waited for. An error or its end is always told.
+enum class SocketInterest { Reading, Writing, Both };
+
+/// Waits until a socket is ready for what is of interest or the wake is set, at most timeoutMs, kInfinite for ever. A
+/// null socket waits for the wake alone. Nothing ready, woken or failed: the time is over.   [thread: the one that
+/// waits]
+SocketReadiness WaitForSocket(const SystemSocket* socket, SocketInterest interest, SocketWake& wake,
+                              std::uint32_t timeoutMs);
 
 /// Waits without limit until a socket can be written, a connect on it has ended, or it was shut down. Any number of
 /// threads may wait. @return false when the system cannot wait on it.   [thread: any]

@@ -34,6 +34,12 @@ int Poll(pollfd* entries, nfds_t count, std::uint32_t timeoutMs) {
     return result;
 }
 
+short EventsOf(SocketInterest interest) {
+    const int reading = interest == SocketInterest::Writing ? 0 : POLLIN;
+    const int writing = interest == SocketInterest::Reading ? 0 : POLLOUT;
+    return static_cast<short>(reading | writing);
+}
+
 pollfd Entry(SocketHandle handle, short events) {
     return {static_cast<int>(handle), events, 0};
 }
@@ -61,10 +67,10 @@ void SocketWake::Reset() {
     eventfd_read(m_handle, &count);
 }
 
-SocketReadiness WaitForSocket(const SystemSocket* socket, bool forWriting, SocketWake& wake, std::uint32_t timeoutMs) {
-    const auto events = static_cast<short>(forWriting ? POLLIN | POLLOUT : POLLIN);
+SocketReadiness WaitForSocket(const SystemSocket* socket, SocketInterest interest, SocketWake& wake,
+                              std::uint32_t timeoutMs) {
     std::array<pollfd, 2> entries = {Entry(wake.GetHandle(), POLLIN),
-                                     Entry(socket != nullptr ? socket->GetHandle() : kNoSocket, events)};
+                                     Entry(socket != nullptr ? socket->GetHandle() : kNoSocket, EventsOf(interest))};
     SocketReadiness readiness;
     if (socket != nullptr && !socket->IsOpen())
         return {false, false, false, true};

@@ -72,6 +72,63 @@ TEST_F(TCPThread, AResetTellsErrorMinus29AndThenClose) {
     EXPECT_EQ(recorder.All(), (Words{"connect", "error -29", "close"}));
 }
 
+TEST_F(TCPThread, AResetWhileAnotherThreadWritesTellsTheSame) {
+    const std::string much(std::size_t{16} << 20, 'x');
+    Words expected;
+    for (std::size_t round = 1; round <= 30; ++round) {
+        Peer peer = GivenConnection();
+        ASSERT_TRUE(recorder.WaitFor("connect", round));
+        std::thread writer([&] { client->Send(much.data(), static_cast<std::int32_t>(much.size())); });
+        EXPECT_EQ(peer.Receive(1), "x");
+        peer.Reset();
+        EXPECT_TRUE(recorder.WaitFor("close", round));
+        writer.join();
+        client->Disconnect();
+        expected.insert(expected.end(), {"connect", "error -29", "close"});
+    }
+    EXPECT_EQ(recorder.All(), expected);
+}
+
+TEST_F(TCPThread, WhileItDoesNotReadThePeerHasToWaitAndNothingIsLost) {
+    const std::string text(std::size_t{8} << 20, 'x');
+    const Peer peer = GivenConnection();
+    client->SetReading(false);
+    std::atomic<bool> sent{false};
+    std::thread sender([&] {
+        EXPECT_TRUE(peer.Send(text));
+        sent = true;
+    });
+    EXPECT_EQ(client->Send("answer", 6), 0);
+    EXPECT_EQ(peer.Receive(6), "answer") << "sending goes on";
+    EXPECT_FALSE(sent) << "the system's buffers hold less";
+    EXPECT_EQ(recorder.Data(), "");
+    client->SetReading(true);
+    EXPECT_TRUE(recorder.WaitForData(text.size()));
+    sender.join();
+    EXPECT_TRUE(recorder.Data() == text);
+}
+
+TEST_F(TCPThread, TheEndThatComesWhileItDoesNotReadIsHeardAfterTheData) {
+    Peer peer = GivenConnection();
+    client->SetReading(false);
+    peer.Send("goodbye");
+    peer.Reset();
+    EXPECT_EQ(recorder.All(), Words{"connect"});
+    client->SetReading(true);
+    ASSERT_TRUE(recorder.WaitFor("close"));
+    EXPECT_EQ(recorder.Data(), "goodbye");
+    EXPECT_EQ(recorder.All(), (Words{"connect", "error -29", "close"}));
+}
+
+TEST_F(TCPThread, DisconnectIsPromptWhileItDoesNotRead) {
+    const Peer peer = GivenConnection();
+    client->SetReading(false);
+    peer.Send("unheard");
+    client->Disconnect();
+    EXPECT_FALSE(client->IsStarted());
+    EXPECT_EQ(recorder.Data(), "");
+}
+
 TEST_F(TCPThread, WhileCloseIsToldItIsNotConnected) {
     std::atomic<bool> connected{true};
     recorder.onClose = [&](MTCPClientSocket* socket) { connected = socket->IsConnected(); };

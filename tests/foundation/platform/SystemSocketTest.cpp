@@ -72,7 +72,7 @@ TEST(SystemSockets, AClosedSocketRefusesEverythingByItsNumber) {
     EXPECT_EQ(socket.ShutDownSending(), SocketError::NotSocket);
     EXPECT_FALSE(WaitUntilWritable(socket));
     SocketWake wake;
-    EXPECT_TRUE(WaitForSocket(&socket, false, wake, kInfinite).failed);
+    EXPECT_TRUE(WaitForSocket(&socket, SocketInterest::Reading, wake, kInfinite).failed);
 }
 
 TEST(SystemSockets, ASocketThatMeetsItselfIsRefused) {
@@ -163,33 +163,33 @@ TEST_F(DatagramPair, ANewSizeHoldsFromTheNextReceiveOn) {
 
 TEST_F(DatagramPair, TheWaitEndsWithADatagram) {
     Send("x");
-    const SocketReadiness readiness = WaitForSocket(&receiver, false, wake, kInfinite);
+    const SocketReadiness readiness = WaitForSocket(&receiver, SocketInterest::Reading, wake, kInfinite);
     EXPECT_TRUE(readiness.ready);
     EXPECT_FALSE(readiness.woken);
     EXPECT_FALSE(readiness.failed);
 }
 
 TEST_F(DatagramPair, TheWaitEndsWithTheTime) {
-    const SocketReadiness readiness = WaitForSocket(&receiver, false, wake, 1);
+    const SocketReadiness readiness = WaitForSocket(&receiver, SocketInterest::Reading, wake, 1);
     EXPECT_FALSE(readiness.ready || readiness.woken || readiness.failed || readiness.writable);
 }
 
 TEST_F(DatagramPair, AWakeThatCameBeforeTheWaitEndsItOnce) {
     wake.Set();
     wake.Set();
-    EXPECT_TRUE(WaitForSocket(&receiver, false, wake, kInfinite).woken);
-    EXPECT_FALSE(WaitForSocket(&receiver, false, wake, 0).woken);
+    EXPECT_TRUE(WaitForSocket(&receiver, SocketInterest::Reading, wake, kInfinite).woken);
+    EXPECT_FALSE(WaitForSocket(&receiver, SocketInterest::Reading, wake, 0).woken);
 }
 
 TEST_F(DatagramPair, AWakeEndsTheWaitOfAnotherThread) {
     std::thread waker([this] { wake.Set(); });
-    EXPECT_TRUE(WaitForSocket(nullptr, false, wake, kInfinite).woken);
+    EXPECT_TRUE(WaitForSocket(nullptr, SocketInterest::Reading, wake, kInfinite).woken);
     waker.join();
 }
 
 TEST_F(DatagramPair, AClosedDescriptorFailsTheWait) {
     const SystemSocket gone(1000000);
-    EXPECT_TRUE(WaitForSocket(&gone, false, wake, kInfinite).failed);
+    EXPECT_TRUE(WaitForSocket(&gone, SocketInterest::Reading, wake, kInfinite).failed);
 }
 
 TEST_F(DatagramPair, ASignalDoesNotEndTheWait) {
@@ -207,7 +207,7 @@ TEST_F(DatagramPair, ASignalDoesNotEndTheWait) {
         }
         wake.Set();
     });
-    const SocketReadiness readiness = WaitForSocket(&receiver, false, wake, 60000);
+    const SocketReadiness readiness = WaitForSocket(&receiver, SocketInterest::Reading, wake, 60000);
     disturber.join();
     EXPECT_TRUE(readiness.woken);
     EXPECT_FALSE(readiness.failed);
@@ -217,6 +217,6 @@ TEST_F(DatagramPair, ASignalDoesNotEndTheWait) {
 
 TEST_F(DatagramPair, ShutDownWakesAWaiter) {
     std::thread closer([this] { receiver.ShutDown(); });
-    EXPECT_TRUE(WaitForSocket(&receiver, false, wake, kDeadlineMs).ready);
+    EXPECT_TRUE(WaitForSocket(&receiver, SocketInterest::Reading, wake, kDeadlineMs).ready);
     closer.join();
 }
