@@ -93,6 +93,50 @@ TEST_F(ScriptLayoutTest, KeepsTheScreenUpToDateThroughAnyEdits) {
     }
 }
 
+TEST_F(ScriptLayoutTest, MovesTheLinesBelowWhenTypingFillsTheRow) {
+    PutText(m_editor, "var first = 1;|\nvar second = 2;\nvar third = 3;");
+    QApplication::processEvents();
+    for (int key = 0; key < 120; ++key) {
+        Press(key % 7 == 6 ? Qt::Key_Space : Qt::Key_X);
+        QApplication::processEvents();
+        ExpectScreenIsUpToDate(key);
+        ASSERT_FALSE(HasFatalFailure());
+    }
+    EXPECT_GT(m_editor.document()->firstBlock().layout()->lineCount(), 1);
+}
+
+/// Runs of keys in lines that wrap, in windows of several heights.
+class ScriptLayoutKeysTest : public ScriptLayoutTest, public ::testing::WithParamInterface<int> {
+protected:
+    void PressAny(std::mt19937& random) {
+        static constexpr int kKeys[] = {
+            Qt::Key_X,      Qt::Key_X,  Qt::Key_X,    Qt::Key_Space,  Qt::Key_Space, Qt::Key_1,    Qt::Key_Backspace,
+            Qt::Key_Return, Qt::Key_Up, Qt::Key_Down, Qt::Key_Delete, Qt::Key_End,   Qt::Key_Home, Qt::Key_Apostrophe};
+        const int key = kKeys[random() % std::size(kKeys)];
+        const unsigned times = random() % 25 == 0 ? 60 : 1; // past the window's edge now and then
+        for (unsigned time = 0; time < times; ++time)
+            Press(key);
+    }
+};
+
+TEST_P(ScriptLayoutKeysTest, LeaveTheScreenAsARepaintGivesIt) {
+    for (const int height : {90, 160, 300, 470}) {
+        std::mt19937 random(static_cast<unsigned>(1000 * GetParam() + height));
+        m_editor.resize(340, height);
+        m_editor.setText(
+            (QStringLiteral("if (a) { b('c', 12); }").repeated(3) + QStringLiteral("\nvar d;\n")).repeated(5));
+        QApplication::processEvents();
+        for (int key = 0; key < 60; ++key) {
+            PressAny(random);
+            QApplication::processEvents();
+            ExpectScreenIsUpToDate(key);
+            ASSERT_FALSE(HasFatalFailure()) << "height " << height;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, ScriptLayoutKeysTest, ::testing::Range(0, 6));
+
 TEST_F(ScriptLayoutTest, UsesTheFontOfTheEditorFromTheStart) {
     QWidget window;
     QFont large = window.font();
