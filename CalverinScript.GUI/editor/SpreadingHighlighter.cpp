@@ -1,5 +1,6 @@
 #include "SpreadingHighlighter.h"
 
+#include <QSignalBlocker>
 #include <QTextBlock>
 #include <QTextDocument>
 
@@ -61,6 +62,7 @@ void SpreadingHighlighter::RunPass() {
     if (!document())
         m_waiting.clear();
     m_costLeft = kPassCost;
+    const QSignalBlocker silence(document()); // no letter changes: who follows the text has heard of the edit
     while (IsSpreading() && m_costLeft > 0) {
         const QTextBlock block = TakeFirstWaiting();
         m_inPass = true;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QPlainTextDocumentLayout>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QTextBlock>
 #include <QTextDocument>
@@ -105,6 +106,19 @@ TEST_F(SpreadingHighlighterTest, ComesToTheSameEndWhenAChangeIsTakenBackMeanwhil
     Settle();
     EXPECT_EQ(StateOfLastLine(), 0);
     ExpectAsIfLoadedAtOnce();
+}
+
+TEST_F(SpreadingHighlighterTest, TellsOfAKeystrokeOnceHoweverManyPassesFollowIt) {
+    QPlainTextEdit widget;
+    auto* highlighter = new Highlighter(widget.document());
+    widget.setPlainText(QStringLiteral("var a = 1;\n").repeated(10 * kLongScript));
+    int told = 0;
+    QObject::connect(&widget, &QPlainTextEdit::textChanged, [&] { ++told; });
+    QTextCursor(widget.document()).insertText(QStringLiteral("/*"));
+    ASSERT_TRUE(highlighter->IsSpreading());
+    ASSERT_TRUE(WaitUntil([&] { return !highlighter->IsSpreading(); }));
+    EXPECT_EQ(widget.document()->lastBlock().userState(), 4);
+    EXPECT_EQ(told, 1);
 }
 
 TEST_F(SpreadingHighlighterTest, CarriesOnBehindALineThatIsJoinedWhileItWaits) {
