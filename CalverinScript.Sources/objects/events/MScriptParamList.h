@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <utility>
 
 #include <QMetaType>
@@ -32,8 +33,12 @@ public:
     void SetSource(MScriptCommonEvent* source) { m_source = source; }
     MScriptCommonEvent* GetSource() const { return m_source; }
 
+    /// Something that lives until the last copy of this event is gone; see ScriptBacklog.
+    void Carry(std::shared_ptr<const void> ticket) { m_ticket = std::move(ticket); }
+
 private:
     QVector<QVariant> m_values;
     MScriptCommonEvent* m_source = nullptr;
+    std::shared_ptr<const void> m_ticket;
 };
 Q_DECLARE_METATYPE(MScriptParamList)

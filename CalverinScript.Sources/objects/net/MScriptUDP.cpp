@@ -11,13 +11,19 @@
 #include "HostText.h"
 #include "IScriptObjectOwner.h"
 #include "MUDPSocket.h"
+#include "NetCodes.h"
 #include "ScriptObject.h"
 #include "ScriptWaits.h"
 #include "SocketValues.h"
 
 MScriptUDP::MScriptUDP(IScriptObjectOwner* objectOwner)
     : socket(std::make_unique<MUDPSocket>())
-    , owner(objectOwner) {
+    , owner(objectOwner)
+    , drops(objectOwner, [this] { return QStringLiteral("datagrams at port %1").arg(socket->GetPort()); })
+    , backlog([this](bool full) {
+        if (!full)
+            drops.TellRest();
+    }) {
     m_type = ScriptObjectType::Udp;
     socket->SetStackSize(kRequestedStackSize);
     socket->AddHandler(this);
@@ -26,6 +32,7 @@ MScriptUDP::MScriptUDP(IScriptObjectOwner* objectOwner)
 MScriptUDP::~MScriptUDP() {
     socket->RemoveHandler(this);
     socket->Close();
+    drops.TellRest();
 }
 
 QScriptValue MScriptUDP::ToScript(QScriptEngine& engine) {
@@ -73,6 +80,8 @@ void MScriptUDP::OnMessage(const char* data, std::int32_t length, const char* so
                            std::uint16_t sourcePort, MUDPSocket* /*socket*/) {
     if (owner == nullptr || data == nullptr || sourceAddressText == nullptr || length <= 0)
         return;
+    if (!TakeRoom(length))
+        return;
     MScriptParamList values;
     values.Add(QByteArray(data, length));
     values.Add(QVariant::fromValue(SenderOf(sourceAddressText, sourcePort)));
@@ -87,19 +96,40 @@ const IPInfo& MScriptUDP::SenderOf(const char* addressText, std::uint16_t port) 
     return sender;
 }
 
-/// What came before the error is heard before it.
+/// The script only makes room, so the room is asked for once in a burst.
+bool MScriptUDP::TakeRoom(std::int32_t length) {
+    const auto bytes = static_cast<std::uint64_t>(length);
+    if (burst.empty())
+        room = backlog.GetRoom();
+    if (std::exchange(dropsNext, false) || !room.Take(bytes)) {
+        ++dropped;
+        return false;
+    }
+    ++burstLoad.events;
+    burstLoad.bytes += bytes;
+    return true;
+}
+
+/// What came before the error is heard before it. A datagram that was cut is heard with its error or not at all.
 void MScriptUDP::OnError(std::int32_t code, MUDPSocket* from) {
     if (owner == nullptr)
         return;
     OnBurstEnd(from);
-    const MScriptParamList values = SocketErrorValues(*from, code);
+    dropsNext = code == NetBufferTooSmall && backlog.GetRoom().events == 0;
+    if (dropsNext)
+        return;
+    MScriptParamList values = SocketErrorValues(*from, code);
+    values.Carry(backlog.Add({1, 0}));
     owner->PostScriptEvent(QStringLiteral("error"), &values, this);
 }
 
 /// Hands the burst to the script in a list of just its size, and keeps the room of `burst` for the next one.
 void MScriptUDP::OnBurstEnd(MUDPSocket* /*socket*/) {
+    if (dropped > 0)
+        drops.Note(std::exchange(dropped, 0));
     if (burst.empty())
         return;
+    burst.back().Carry(backlog.Add(std::exchange(burstLoad, {})));
     std::vector<MScriptParamList> messages(std::make_move_iterator(burst.begin()),
                                            std::make_move_iterator(burst.end()));
     burst.clear();

@@ -9,10 +9,12 @@
 #include <QScriptValue>
 #include <QString>
 
+#include "DropLog.h"
 #include "EventRecords.h"
 #include "IUDPSocketHandler.h"
 #include "MScriptCommonEvent.h"
 #include "MScriptParamList.h"
+#include "ScriptBacklog.h"
 
 class IScriptObjectOwner;
 class QScriptEngine;
@@ -24,8 +26,9 @@ class QScriptEngine;
 /// | "message" | QByteArray, IPInfo of the sender with the two bytes of its port exchanged |
 /// | "error"   | SocketErrorInfo with a code of NetCodes.h |
 ///
-/// An empty datagram raises nothing. Datagrams are handed over in the bursts in which they came. No multicast group is ever joined.
-/// Texts become Latin-1. What waits for a name ends when the device stops.
+/// An empty datagram raises nothing. Datagrams are handed over in the bursts in which they came. What comes while as much waits for
+/// the script as ScriptBacklog allows is dropped, and the log says how many. No multicast group is ever joined. Texts become
+/// Latin-1. What waits for a name ends when the device stops.
 class MScriptUDP : public QObject, public QScriptable, public MScriptCommonEvent, public IUDPSocketHandler {
     Q_OBJECT
 
@@ -68,12 +71,21 @@ public:
 private:
     /// Messages of one sender share it.   [socket]
     const IPInfo& SenderOf(const char* addressText, std::uint16_t port);
+    /// Whether one more message may wait; counts it if not.   [socket]
+    bool TakeRoom(std::int32_t length);
 
     const std::unique_ptr<MUDPSocket> socket;
     IScriptObjectOwner* const owner;
 
     // The socket's thread.
     std::vector<MScriptParamList> burst; ///< messages that were not handed over yet
+    BacklogLoad burstLoad;               ///< what they weigh
+    BacklogLoad room;                    ///< for the rest of the burst
+    std::uint64_t dropped = 0;           ///< of the burst
+    bool dropsNext = false;              ///< the message that belongs to an error which found no room
     std::string senderText;              ///< the address of the last message's sender
     IPInfo sender;                       ///< the same with its port
+
+    DropLog drops;
+    ScriptBacklog backlog; ///< of messages and errors; gone before all that it tells
 };

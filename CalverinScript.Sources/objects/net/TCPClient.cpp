@@ -23,7 +23,8 @@ constexpr int kPortMask = 0xFFFF;
 
 TCPClient::TCPClient(IScriptObjectOwner* objectOwner)
     : socket(std::make_unique<MTCPClientSocket>())
-    , owner(objectOwner) {
+    , owner(objectOwner)
+    , backlog([this](bool full) { socket->SetReading(!full); }) {
     m_type = ScriptObjectType::TcpClient;
     socket->SetStackSize(kRequestedStackSize);
     socket->SetNoDelay(true);
@@ -129,6 +130,7 @@ void TCPClient::OnData(const char* data, std::int32_t length, MTCPClientSocket* 
         return;
     std::vector<MScriptParamList> block(1);
     block.front().Add(QByteArray(data, length));
+    block.front().Carry(backlog.Add({1, static_cast<std::uint64_t>(length)}));
     owner->PostScriptEvents(QStringLiteral("data"), std::move(block), this);
 }
 

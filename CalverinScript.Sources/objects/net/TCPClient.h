@@ -10,6 +10,7 @@
 
 #include "ITCPClientSocketHandler.h"
 #include "MScriptCommonEvent.h"
+#include "ScriptBacklog.h"
 
 class IScriptObjectOwner;
 class QScriptContext;
@@ -25,7 +26,8 @@ class QScriptEngine;
 /// | "error"   | SocketErrorInfo with a code of NetCodes.h |
 ///
 /// Small blocks are sent at once unless a script says otherwise. Before `connect` it knows port 4422 and "127.0.0.1", which nothing
-/// uses. Texts become Latin-1. What waits for a peer or a name ends when the device stops.
+/// uses. Texts become Latin-1. What waits for a peer or a name ends when the device stops. While as much data waits for the script as
+/// ScriptBacklog allows, nothing more is read: the peer has to wait, and nothing is lost.
 class TCPClient : public QObject, public QScriptable, public MScriptCommonEvent, public ITCPClientSocketHandler {
     Q_OBJECT
 
@@ -75,4 +77,5 @@ private:
 
     const std::unique_ptr<MTCPClientSocket> socket;
     IScriptObjectOwner* const owner;
+    ScriptBacklog backlog; ///< of data; gone before the socket that it pauses
 };
