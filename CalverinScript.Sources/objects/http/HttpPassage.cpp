@@ -95,8 +95,19 @@ void HttpPassage::SlotClientSpoke() {
         return;
     if (state == State::Address && !ReadAddress())
         return;
-    if (state == State::Open && Forward(*client, server) > 0)
+    if (state == State::Open && client->bytesAvailable() > 0)
+        ForwardRequest();
+}
+
+/// What a server that has gone can hear no more is dropped here: a connection that is closed over unread bytes is reset.
+void HttpPassage::ForwardRequest() {
+    clientHasSpoken = true;
+    if (Forward(*client, server) > 0)
         unanswered = 0;
+    if (server.state() != QAbstractSocket::UnconnectedState)
+        return;
+    client->readAll();
+    SlotServerGone();
 }
 
 void HttpPassage::SlotServerSpoke() {
@@ -198,6 +209,8 @@ void HttpPassage::SlotClientGone() {
 }
 
 void HttpPassage::SlotServerGone() {
+    if (state == State::Open && !clientHasSpoken && client->state() == QAbstractSocket::ConnectedState)
+        return;
     ForwardTheRest(server, *client);
     EndWhenBothAreGone();
 }

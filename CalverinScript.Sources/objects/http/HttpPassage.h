@@ -7,7 +7,8 @@
 
 /// One connection of a client through an HttpGate: the client asks by SOCKS 5 (RFC 1928) with user and password (RFC 1929), then
 /// bytes pass both ways as they come. Little is kept here: who reads slowly slows the other side down. The end of one side is
-/// the end of the other, after all that came before it.
+/// the end of the other, after all that came before it. Only a client that has not spoken yet hears of the server's end when it does:
+/// the network library takes an end right behind the answer of SOCKS for a failure of the proxy.
 ///
 /// It deletes itself when both sides are gone.   [all: http]
 class HttpPassage : public QObject {
@@ -41,6 +42,7 @@ private:
     bool ReadAddress();
     bool Peek(int size, QByteArray& bytes);
     void Answer(char result);
+    void ForwardRequest();
     void StopListening();
     void EndWhenBothAreGone();
 
@@ -48,5 +50,6 @@ private:
     QTcpSocket server;
     const QByteArray credentials; ///< what the client has to show, as it travels
     State state = State::Greeting;
+    bool clientHasSpoken = false; ///< to the server
     qint64 unanswered = 0;
 };
