@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QStandardPaths>
 
+#include "HostText.h"
 #include "IHostServices.h"
 
 namespace fs = std::filesystem;
@@ -48,8 +49,9 @@ void MoveFolder(const std::string& source, const std::string& target) {
         RemoveFolder(source.c_str(), true);
 }
 
+/// @param folder in the host's text.
 std::string Below(const char* folder, const char* name) {
-    return (fs::path(folder) / name).string();
+    return (fs::path(ToFilePath(folder)) / name).string();
 }
 
 } // namespace

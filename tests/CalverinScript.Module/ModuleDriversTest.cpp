@@ -62,6 +62,12 @@ TEST_F(ModuleDrivers, HaveNamesInTheHosts8BitText) {
     EXPECT_EQ(DriverList(), "caf\xE9.js;?.js");
 }
 
+TEST_F(ModuleDrivers, LieInFoldersWithNamesInTheHosts8BitText) {
+    host.folders[KXP_FOLDER_SCRIPTS] = PathOf("f\xE9");
+    Write("f\xC3\xA9/Script Drivers/lamp.js", "");
+    EXPECT_EQ(DriverList(), "lamp.js");
+}
+
 TEST_F(ModuleDrivers, AreNotSetUpWithoutADeviceOrAThirdValue) {
     ForeignDevice foreign;
     EXPECT_EQ(module->ShowDriverSetup("a.js", nullptr, &host), KXP_NULL_ARGUMENT);

@@ -171,6 +171,16 @@ TEST_F(ScriptFolders, AreTheFallbackWithoutAFolderManager) {
     EXPECT_EQ(Read("fallback/a.js"), "a");
 }
 
+TEST_F(ScriptFolders, OfTheHostAreNamedInItsText) {
+    fs::create_directories(PathOf("f\xC3\xA9"));
+    host.folders = {{KXP_FOLDER_SCRIPTS, PathOf("f\xE9")}, {KXP_FOLDER_PROGRAM_DATA, PathOf("d\xE9")}};
+    Write("d\xC3\xA9/Script Drivers/old.js", "old");
+    EXPECT_EQ(Find(), PathOf("f\xC3\xA9/Script Drivers"));
+    EXPECT_EQ(Read("f\xC3\xA9/Script Drivers/old.js"), "old");
+    host.folders.erase(KXP_FOLDER_SCRIPTS);
+    EXPECT_EQ(Find(), PathOf("d\xC3\xA9/Script Drivers"));
+}
+
 TEST_F(ScriptFolders, OfAnOlderInstallationMoveToTheHostsScripts) {
     fs::create_directories(PathOf("scripts"));
     host.folders = {{KXP_FOLDER_SCRIPTS, PathOf("scripts")}, {KXP_FOLDER_PROGRAM_DATA, PathOf("data")}};

@@ -1,5 +1,6 @@
 #include "HostText.h"
 
+#include <QFile>
 #include <QTextCodec>
 
 QByteArray ToHostText(const QString& text) {
@@ -8,6 +9,10 @@ QByteArray ToHostText(const QString& text) {
 
 QString FromHostText(const char* text) {
     return QString::fromLatin1(text);
+}
+
+std::string ToFilePath(const char* hostText) {
+    return QFile::encodeName(FromHostText(hostText)).toStdString();
 }
 
 QString FromScriptBytes(const QByteArray& bytes) {

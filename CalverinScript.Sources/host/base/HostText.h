@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include <QByteArray>
 #include <QString>
 
@@ -11,6 +13,9 @@ QByteArray ToHostText(const QString& text);
 
 /// Text from the host: Latin-1. Null gives the empty text.
 QString FromHostText(const char* text);
+
+/// A path from the host as the system's files have it. Null gives the empty path.
+std::string ToFilePath(const char* hostText);
 
 /// Text of a script file: UTF-8 when the bytes are valid UTF-8 (a byte order mark is dropped), Latin-1 otherwise.
 QString FromScriptBytes(const QByteArray& bytes);

@@ -11,6 +11,7 @@
 #include <shared_mutex>
 
 #include "ConfigFile.h"
+#include "HostText.h"
 #include "IManagerRuntimeInfo.h"
 #include "LogLibrary.h"
 #include "ModuleFile.h"
@@ -111,6 +112,7 @@ LogTarget DecideTarget(const LogSwitches& switches, const void* moduleHandle, IM
             target.on = enabled != 0;
             target.record = fromHost;
             target.record.writerId = writerId;
+            CopyPath(target.record, ToFilePath(fromHost.path));
             target.levelBits = fromHost.option1;
         }
     }

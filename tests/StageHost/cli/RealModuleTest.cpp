@@ -158,6 +158,14 @@ TEST_F(ScriptAtTheDesk, KeepsTheLogInAFile) {
     EXPECT_GT(QFileInfo(log).size(), 0);
 }
 
+TEST_F(ScriptAtTheDesk, KeepsTheLogInAFileWithAnAccentInItsName) {
+    GivenScript("({ f: function () { return 1; } })");
+    const QString log = host.Folder() + QString::fromUtf8("/d\xC3\xA9vice.log");
+    Exec({Text("f")}, {Text("--log-file"), log});
+    ThenResultIs("1");
+    EXPECT_GT(QFileInfo(log).size(), 0);
+}
+
 TEST_F(ScriptAtTheDesk, ShowsVariablesAndDefinitionOfALoadedScript) {
     GivenScript("({ first: function () {}, second: function (a) {} })");
     host.Run({Text("variables"), Text("--json"), script, Text("script.ScriptFunctions"),

@@ -1,6 +1,10 @@
 #include "HostText.h"
 
+#include <filesystem>
+
 #include <gtest/gtest.h>
+#include <QFile>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -21,6 +25,16 @@ TEST(ToHostText, WritesAQuestionMarkForACharacterBeyondLatin1) {
 
 TEST(ToHostText, OfANullTextIsEmpty) {
     EXPECT_EQ(ToHostText(QString()).size(), 0);
+}
+
+TEST(ToFilePath, NamesTheFileThatTheHostMeans) {
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QString(QChar(0xE9))));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    const QByteArray inHostText = ToHostText(file.fileName());
+    EXPECT_TRUE(std::filesystem::exists(ToFilePath(inHostText.constData())));
+    EXPECT_EQ(ToFilePath("/plain"), "/plain");
+    EXPECT_EQ(ToFilePath(nullptr), "");
 }
 
 TEST(FromHostText, TakesEveryByteForACharacterOfLatin1) {

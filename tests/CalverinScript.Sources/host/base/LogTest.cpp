@@ -55,6 +55,24 @@ TEST_F(Log, OfTheHostTakesItsWriterPathAndOptions) {
     EXPECT_EQ(Recorded().option2, 23u);
 }
 
+TEST_F(Log, OfTheHostIsTheFileThatItsTextNames) {
+    GivenLibrary(RECORDING_LOGS);
+    GivenHostLog();
+    host.logPath = folder.PathOf("f\xE9.log");
+    ASSERT_TRUE(Open());
+    EXPECT_EQ(Recorded().path, folder.PathOf("f\xC3\xA9.log"));
+}
+
+TEST_F(Log, OfItsOwnAndTheConfigurationMayLieBesideAModuleWithAnAccent) {
+    const ModuleFolder accented("f\xC3\xA9.kxp6");
+    accented.Copy(REAL_LOGS, "logsE.so");
+    accented.Write("f\xC3\xA9.cfg", "[LOGSE]\nOutputLogFile=2");
+    ASSERT_TRUE(OpenLog(accented.Module(), "program", host.Root()));
+    WriteLog(LogHandle(), 0, "hello");
+    CloseLog();
+    EXPECT_NE(accented.Read("f\xC3\xA9.log").find("hello"), std::string::npos);
+}
+
 TEST_F(Log, OfTheHostKeepsTheHostsOptionWhenTheFileAddsLevels) {
     GivenLibrary(RECORDING_LOGS);
     GivenConfig("LogFileLogLevel=lightdebug");
