@@ -28,7 +28,12 @@ QString Plain(const QString& text) {
 
 HTTPClient::HTTPClient(IScriptObjectOwner* objectOwner)
     : owner(objectOwner)
-    , lpThread(new MThreadHTTPClient) {
+    , lpThread(new MThreadHTTPClient)
+    , drops(objectOwner, [] { return QStringLiteral("HTTP progress events"); })
+    , backlog([this](bool full) {
+        if (!full)
+            drops.TellRest();
+    }) {
     m_type = ScriptObjectType::HttpClient;
     qRegisterMetaType<QNetworkRequest>("QNetworkRequest");
     ConnectThread();
@@ -38,6 +43,7 @@ HTTPClient::HTTPClient(IScriptObjectOwner* objectOwner)
 
 HTTPClient::~HTTPClient() {
     MThreadHTTPClient::Retire(lpThread);
+    drops.TellRest();
 }
 
 void HTTPClient::ConnectThread() {
@@ -47,6 +53,7 @@ void HTTPClient::ConnectThread() {
             &HTTPClient::SlotDownloadProgressReceived, Qt::DirectConnection);
     connect(lpThread, &MThreadHTTPClient::SignalUploadProgressReceived, this, &HTTPClient::SlotUploadProgressReceived,
             Qt::DirectConnection);
+    connect(lpThread, &MThreadHTTPClient::SignalWarning, this, &HTTPClient::SlotWarning, Qt::DirectConnection);
 }
 
 void HTTPClient::StartThread() {
@@ -142,6 +149,7 @@ void HTTPClient::SlotResponseReceived(const QByteArray& bysResponse, const QByte
     MScriptParamList values;
     values.Add(QVariant::fromValue(response));
     values.Add(QVariant::fromValue(error));
+    values.Carry(backlog.Add({1, static_cast<std::uint64_t>(bysResponse.size())}));
     owner->PostScriptEvent(QStringLiteral("response"), &values, this);
 }
 
@@ -154,9 +162,18 @@ void HTTPClient::SlotUploadProgressReceived(int iProgress) {
 }
 
 void HTTPClient::RaiseProgress(const QString& event, int percent) {
+    if (backlog.GetRoom().events == 0) {
+        drops.Note(1);
+        return;
+    }
     MScriptParamList values;
     values.Add(percent);
+    values.Carry(backlog.Add({1, 0}));
     owner->PostScriptEvent(event, &values, this);
+}
+
+void HTTPClient::SlotWarning(const QString& text) {
+    owner->TraceMessage(text, QStringLiteral("ALARM"));
 }
 
 void HTTPClient::SlotThreadReady() {

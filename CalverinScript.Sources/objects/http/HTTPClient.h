@@ -10,7 +10,9 @@
 #include <QScriptValue>
 #include <QString>
 
+#include "DropLog.h"
 #include "MScriptCommonEvent.h"
+#include "ScriptBacklog.h"
 
 class IScriptObjectOwner;
 class MThreadHTTPClient;
@@ -25,6 +27,7 @@ class QScriptEngine;
 /// | "download_progress" | int, percent |
 /// | "upload_progress"   | int, percent |
 ///
+/// Progress that finds more waiting for the script than ScriptBacklog allows is dropped, and the log says how much; answers never are.
 /// Texts of a request become Latin-1. What one request knows of the other is told at MHTTPClient.
 class HTTPClient : public QObject, public QScriptable, public MScriptCommonEvent {
     Q_OBJECT
@@ -85,6 +88,7 @@ private Q_SLOTS:
                               int iError);
     void SlotDownloadProgressReceived(int iProgress);
     void SlotUploadProgressReceived(int iProgress);
+    void SlotWarning(const QString& text);
     void SlotThreadReady();
 
 private:
@@ -101,4 +105,6 @@ private:
     bool ready = false;                ///< under mutex: the worker is there
     std::condition_variable wakeUp;    ///< ready was set
     std::mutex mutex;
+    DropLog drops;
+    ScriptBacklog backlog; ///< gone before all that it tells
 };

@@ -12,6 +12,8 @@ namespace {
 
 constexpr int kDescriptorsOfRequest = 20; ///< sockets, look-ups and the event loops behind them, with some to spare
 constexpr int kPercent = 100;
+constexpr qint64 kDownloadAhead = qint64(1)
+                                  << 20; ///< bytes of a download that wait for the disk; then the server waits
 constexpr const char* kAnswered = "challengeAnswered";
 
 QByteArray OneLine(QByteArray value) {
@@ -73,6 +75,10 @@ void MHTTPClient::Begin(const QNetworkRequest& request, Verb verb) {
     connect(lpReply, &QNetworkReply::downloadProgress, this, &MHTTPClient::SlotDownloadProgress);
     connect(lpReply, &QNetworkReply::uploadProgress, this, &MHTTPClient::SlotUploadProgress);
     connect(lpReply, &QNetworkReply::readyRead, this, &MHTTPClient::SlotBodyGrows);
+    if (lpDownload != nullptr) {
+        lpDownload->Restart(); // the body of the last request it is, and of no other
+        lpReply->setReadBufferSize(kDownloadAhead);
+    }
 }
 
 void MHTTPClient::SlotGet(const QNetworkRequest& request) {
@@ -98,7 +104,7 @@ void MHTTPClient::SlotDownloadFile(const QNetworkRequest& request, const QString
         Q_EMIT SignalResponseReceived(QByteArray(), QByteArray(), 0, kHttpWrongPath);
         return;
     }
-    lpDownload = std::make_unique<QString>(target);
+    lpDownload = std::make_unique<DownloadFile>(target);
     SlotGet(request);
 }
 
@@ -146,7 +152,7 @@ void MHTTPClient::SlotReadyRead() {
     QByteArray body = lpReply->readAll();
     const int status = lpReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     if (lpDownload != nullptr) {
-        if (!WriteDownload(*lpDownload, body)) {
+        if (!lpDownload->Write(body) || !FinishDownload()) {
             Fail(kHttpFileRefused, status);
             return;
         }
@@ -168,12 +174,31 @@ void MHTTPClient::SlotTimeOut() {
 
 void MHTTPClient::SlotBodyGrows() {
     auto* growing = qobject_cast<QNetworkReply*>(sender());
-    if (growing == nullptr || growing->bytesAvailable() <= maxBytes)
+    if (growing == nullptr)
         return;
-    if (growing == lpReply)
-        Fail(kHttpUnknownContentError);
-    Silence(growing);
-    growing->abort();
+    if (growing == lpReply && lpDownload != nullptr) {
+        const int status = growing->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+        if (!lpDownload->Write(growing->readAll()))
+            RefuseBody(growing, kHttpFileRefused, status);
+    } else if (growing->bytesAvailable() > maxBytes) {
+        RefuseBody(growing, kHttpUnknownContentError, 0);
+    }
+}
+
+void MHTTPClient::RefuseBody(QNetworkReply* reply, int error, int status) {
+    if (reply == lpReply)
+        Fail(error, status);
+    Silence(reply);
+    reply->abort();
+}
+
+/// By the letter a file that is there counts, new or not; the log tells which.
+bool MHTTPClient::FinishDownload() {
+    const DownloadFile::End end = lpDownload->Finish();
+    if (end == DownloadFile::End::KeptOld)
+        Q_EMIT SignalWarning(
+            QStringLiteral("download: %1 cannot be written to and stays as it was").arg(lpDownload->GetTarget()));
+    return end != DownloadFile::End::Refused;
 }
 
 /// A connection has one request at a time, and which one is not told. So it is the headers that have no end only while no request

@@ -11,6 +11,8 @@
 
 #include "HttpGate.h"
 
+class DownloadFile;
+
 /// The most bytes of one answer, after unpacking. A server that sends without end would otherwise take the process's memory
 /// before anybody hears of it; an answer that grows larger is broken off with the number 299.
 inline constexpr qint64 kMaxHttpAnswerBytes = qint64(1) << 30;
@@ -40,7 +42,8 @@ public Q_SLOTS:
     void SlotGet(const QNetworkRequest& request);
     void SlotPost(const QNetworkRequest& request, const QByteArray& params);
     void SlotPut(const QNetworkRequest& request, const QByteArray& params);
-    /// A get whose body goes to a file; see DownloadTarget for the path. Without a file it answers 24 at once.
+    /// A get whose body goes to a file as it comes, of any size; see DownloadTarget for the path. Without a file it answers 24 at
+    /// once.
     void SlotDownloadFile(const QNetworkRequest& request, const QString& path);
     void SlotDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
     void SlotUploadProgress(qint64 bytesSent, qint64 bytesTotal);
@@ -61,6 +64,8 @@ Q_SIGNALS:
     /// In percent.   [http]
     void SignalDownloadProgressReceived(int iProgress);
     void SignalUploadProgressReceived(int iProgress);
+    /// Something that its answer does not tell, for the log.   [http]
+    void SignalWarning(const QString& text);
 
 private Q_SLOTS:
     void SlotNAMReplyFinished(QNetworkReply* reply);
@@ -77,14 +82,16 @@ private:
     void Begin(const QNetworkRequest& request, Verb verb);
     bool MayBegin(const QNetworkRequest& request);
     bool AnyBodyIsComing() const;
+    void RefuseBody(QNetworkReply* reply, int error, int status);
+    bool FinishDownload();
     void Silence(QNetworkReply* reply);
     void ReleaseReply();
     void Fail(int error, int status = 0, const QByteArray& body = QByteArray());
 
     const qint64 maxBytes;
     HttpGate gate;
-    QNetworkReply* lpReply = nullptr;    ///< the last request, child of the manager
-    std::unique_ptr<QString> lpDownload; ///< where its body goes; null when it goes to the script
+    QNetworkReply* lpReply = nullptr;         ///< the last request, child of the manager
+    std::unique_ptr<DownloadFile> lpDownload; ///< where its body goes; null when it goes to the script
     QString sUser;
     QString sPassword;
     int proxyAnswersLeft = 0;

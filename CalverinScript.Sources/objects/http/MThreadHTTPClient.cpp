@@ -45,6 +45,7 @@ void MThreadHTTPClient::ConnectWorker(MHTTPClient& worker) {
             &MThreadHTTPClient::SlotDownloadProgressReceived, Qt::DirectConnection);
     connect(&worker, &MHTTPClient::SignalUploadProgressReceived, this, &MThreadHTTPClient::SlotUploadProgressReceived,
             Qt::DirectConnection);
+    connect(&worker, &MHTTPClient::SignalWarning, this, &MThreadHTTPClient::SlotWarning, Qt::DirectConnection);
     connect(this, &MThreadHTTPClient::SignalSetAuthentication, &worker, &MHTTPClient::SlotSetAuthentication);
     connect(this, &MThreadHTTPClient::SignalGet, &worker, &MHTTPClient::SlotGet);
     connect(this, &MThreadHTTPClient::SignalPost, &worker, &MHTTPClient::SlotPost);
@@ -143,4 +144,10 @@ void MThreadHTTPClient::SlotUploadProgressReceived(int iProgress) {
     const std::lock_guard<std::mutex> guard(m_wayOut);
     if (!m_silent)
         Q_EMIT SignalUploadProgressReceived(iProgress);
+}
+
+void MThreadHTTPClient::SlotWarning(const QString& text) {
+    const std::lock_guard<std::mutex> guard(m_wayOut);
+    if (!m_silent)
+        Q_EMIT SignalWarning(text);
 }

@@ -56,6 +56,7 @@ Q_SIGNALS:
                                 int iHTTPStatusCode, int iError);
     void SignalDownloadProgressReceived(int iProgress);
     void SignalUploadProgressReceived(int iProgress);
+    void SignalWarning(const QString& text);
     /// The worker is gone.   [http]
     void SignalThreadTerminated();
     // To the worker   [script]
@@ -69,6 +70,7 @@ private Q_SLOTS:
                               int iError);
     void SlotDownloadProgressReceived(int iProgress);
     void SlotUploadProgressReceived(int iProgress);
+    void SlotWarning(const QString& text);
 
 private:
     void ConnectWorker(MHTTPClient& worker);

@@ -1,7 +1,9 @@
 #include "DownloadFile.h"
 
 #include <gtest/gtest.h>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <csignal>
@@ -16,6 +18,15 @@ protected:
     static QByteArray Content(const QString& path) {
         QFile file(path);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+    }
+
+    static DownloadFile::End Download(const QString& path, const QByteArray& bytes) {
+        DownloadFile file(path);
+        return file.Write(bytes) ? file.Finish() : DownloadFile::End::Refused;
+    }
+    /// All that lies in the folder, hidden files too.
+    QStringList Names() const {
+        return QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
     }
 
     /// While it lives the system refuses more of something.
@@ -41,6 +52,7 @@ protected:
         rlimit m_before{};
     };
 
+    using End = DownloadFile::End;
     QTemporaryDir folder;
     const QUrl address{QStringLiteral("http://h/films/a%20film.mpg?take=2")};
 };
@@ -68,45 +80,96 @@ TEST_F(Downloads, NeedAFileName) {
 
 TEST_F(Downloads, ReplaceTheFile) {
     const QString path = In("film.mpg");
-    EXPECT_TRUE(WriteDownload(path, "a long first take"));
-    EXPECT_TRUE(WriteDownload(path, "take 2"));
+    EXPECT_EQ(Download(path, "a long first take"), End::Written);
+    EXPECT_EQ(Download(path, "take 2"), End::Written);
     EXPECT_EQ(Content(path), "take 2");
-    EXPECT_TRUE(WriteDownload(path, QByteArray()));
+    EXPECT_EQ(Download(path, QByteArray()), End::Written);
     EXPECT_EQ(Content(path), "");
+    EXPECT_EQ(Names(), QStringList{QStringLiteral("film.mpg")});
+}
+
+TEST_F(Downloads, TakeTheirPlaceOnlyWhenAllIsThere) {
+    Download(In("film"), "an old film");
+    DownloadFile file(In("film"));
+    EXPECT_TRUE(file.Write("a new "));
+    EXPECT_EQ(Content(In("film")), "an old film");
+    EXPECT_TRUE(file.Write("film"));
+    EXPECT_EQ(file.Finish(), End::Written);
+    EXPECT_EQ(Content(In("film")), "a new film");
+}
+
+TEST_F(Downloads, ThatBreakOffLeaveNothingBehind) {
+    Download(In("film"), "an old film");
+    {
+        DownloadFile file(In("film"));
+        DownloadFile fresh(In("fresh"));
+        EXPECT_TRUE(file.Write("half"));
+        EXPECT_TRUE(fresh.Write("half"));
+    }
+    EXPECT_EQ(Content(In("film")), "an old film");
+    EXPECT_EQ(Names(), QStringList{QStringLiteral("film")});
+}
+
+TEST_F(Downloads, MayBeginAnew) {
+    DownloadFile file(In("film"));
+    EXPECT_TRUE(file.Write("another one"));
+    file.Restart();
+    EXPECT_TRUE(file.Write("film"));
+    EXPECT_EQ(file.Finish(), End::Written);
+    EXPECT_EQ(Content(In("film")), "film");
+    EXPECT_EQ(Names(), QStringList{QStringLiteral("film")});
+}
+
+TEST_F(Downloads, KeepThePermissionsOfTheFileAndTheLinkThatLeadsToIt) {
+    Download(In("film"), "old");
+    ASSERT_TRUE(QFile::setPermissions(In("film"), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    const QFile::Permissions before = QFile::permissions(In("film"));
+    ASSERT_TRUE(QFile::link(In("film"), In("link")));
+    EXPECT_EQ(Download(In("link"), "new"), End::Written);
+    EXPECT_TRUE(QFileInfo(In("link")).isSymLink());
+    EXPECT_EQ(Content(In("film")), "new");
+    EXPECT_EQ(QFile::permissions(In("film")), before);
+}
+
+TEST_F(Downloads, MayHaveTheLongestNameThereIs) {
+    const QString name(255, QLatin1Char('n'));
+    EXPECT_EQ(Download(folder.filePath(name), "x"), End::Written);
+    EXPECT_EQ(Names(), QStringList{name});
 }
 
 TEST_F(Downloads, AreRefusedWhereNoFileCanBe) {
-    EXPECT_FALSE(WriteDownload(In("missing/film.mpg"), "x"));
-    EXPECT_FALSE(WriteDownload(folder.path(), "x"));
-    EXPECT_FALSE(WriteDownload(QStringLiteral("/dev/null"), "x"));
+    EXPECT_EQ(Download(In("missing/film.mpg"), "x"), End::Refused);
+    EXPECT_EQ(Download(In("missing/film.mpg"), QByteArray()), End::Refused);
+    EXPECT_EQ(Download(folder.path(), "x"), End::Refused);
+    EXPECT_EQ(Download(QStringLiteral("/dev/null"), "x"), End::Refused);
 }
 
 TEST_F(Downloads, NeverWaitAtAPipeThatNobodyReads) {
     const QString pipe = In("pipe");
     ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    EXPECT_FALSE(WriteDownload(pipe, "x"));
+    EXPECT_EQ(Download(pipe, "x"), End::Refused);
 }
 
 TEST_F(Downloads, NeverGoToADevice) {
     ASSERT_TRUE(QFile::link(QStringLiteral("/dev/full"), In("full")));
-    EXPECT_FALSE(WriteDownload(In("full"), "x"));
+    EXPECT_EQ(Download(In("full"), "x"), End::Refused);
 }
 
-TEST_F(Downloads, ThatDoNotFitLeaveNoHalfOfAFile) {
+TEST_F(Downloads, ThatDoNotFitLeaveNoHalfOfAFileAndTheOldOneAsItWas) {
     const Limited files(RLIMIT_FSIZE, 1000);
-    ASSERT_TRUE(WriteDownload(In("old"), "it fits"));
-    for (const char* name : {"new", "old"}) {
-        EXPECT_FALSE(WriteDownload(In(name), QByteArray(100000, 'x'))) << name;
-        EXPECT_FALSE(QFile::exists(In(name))) << name;
-    }
+    ASSERT_EQ(Download(In("old"), "it fits"), End::Written);
+    for (const char* name : {"new", "old"})
+        EXPECT_EQ(Download(In(name), QByteArray(100000, 'x')), End::Refused) << name;
+    EXPECT_EQ(Content(In("old")), "it fits");
+    EXPECT_EQ(Names(), QStringList{QStringLiteral("old")});
 }
 
 TEST_F(Downloads, CountAsDoneOverAFileThatCannotBeOpenedAsItIsMeant) {
-    ASSERT_TRUE(WriteDownload(In("old"), "an old film"));
+    ASSERT_EQ(Download(In("old"), "an old film"), End::Written);
     {
         const Limited descriptors(RLIMIT_NOFILE, 0);
-        EXPECT_TRUE(WriteDownload(In("old"), "a new film"));
-        EXPECT_FALSE(WriteDownload(In("new"), "a new film"));
+        EXPECT_EQ(Download(In("old"), "a new film"), End::KeptOld);
+        EXPECT_EQ(Download(In("new"), "a new film"), End::Refused);
     }
     EXPECT_EQ(Content(In("old")), "an old film");
 }

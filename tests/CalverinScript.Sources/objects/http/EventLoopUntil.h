@@ -8,7 +8,7 @@
 #include "HttpDeadline.h"
 
 /// Runs the event loop until the condition holds. @return false past the deadline.
-inline bool Until(const std::function<bool()>& condition) {
+inline bool Until(const std::function<bool()>& condition, std::chrono::seconds limit = kHttpDeadline) {
     QEventLoop loop;
     QTimer deadline;
     QTimer look;
@@ -17,7 +17,7 @@ inline bool Until(const std::function<bool()>& condition) {
         if (condition())
             loop.exit(0);
     });
-    deadline.start(kHttpDeadline);
+    deadline.start(limit);
     look.start(1);
     return loop.exec() == 0;
 }

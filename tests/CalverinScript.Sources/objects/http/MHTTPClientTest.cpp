@@ -1,12 +1,18 @@
 #include "MHTTPClient.h"
 
+#include <algorithm>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QNetworkProxy>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include "EventLoopUntil.h"
 #include "HostileServer.h"
@@ -89,6 +95,97 @@ TEST_F(Worker, AnEarlierRequestIsNotCancelledByALaterOne) {
     EXPECT_EQ(responses[0].data, "quick");
     EXPECT_TRUE(Until([&] { return Replies() == 1; })) << "the silent one goes on";
     EXPECT_EQ(responses.size(), 1U);
+}
+
+/// Resident memory of this process now, in MB.
+long ResidentMegabytes() {
+    QFile status(QStringLiteral("/proc/self/statm"));
+    EXPECT_TRUE(status.open(QIODevice::ReadOnly));
+    return status.readAll().split(' ').value(1).toLong() * ::sysconf(_SC_PAGESIZE) >> 20;
+}
+
+TEST_F(Worker, ADownloadIsWrittenAsItComesInLittleMemory) {
+    constexpr int kMegabytes = 1536; // more than an answer for a script may have
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(std::int64_t{kMegabytes} << 20) + "\r\n\r\n");
+        const std::string block(1 << 20, 'x');
+        for (int i = 0; i < kMegabytes && peer.Send(block); ++i) {
+        }
+        peer.WaitForClose();
+    });
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("film"));
+    const long before = ResidentMegabytes();
+    long most = 0;
+    QObject::connect(&worker, &MHTTPClient::SignalDownloadProgressReceived,
+                     [&](int) { most = std::max(most, ResidentMegabytes()); });
+    worker.SlotDownloadFile(To(server), path);
+    ASSERT_TRUE(Until([&] { return !responses.empty(); }, std::chrono::minutes(5)));
+    EXPECT_EQ(responses[0].error, 0);
+    EXPECT_EQ(responses[0].data, "");
+    EXPECT_EQ(QFileInfo(path).size(), qint64(kMegabytes) << 20);
+    EXPECT_GT(most, 0);
+    EXPECT_LT(most - before, MEMORY_ALLOWANCE_MB / 2);
+    ASSERT_FALSE(percents.empty());
+    EXPECT_EQ(percents.back(), 100);
+}
+
+TEST_F(Worker, ADownloadThatBreaksOffLeavesTheOldFileAndNothingElse) {
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 5000000\r\n\r\n" + std::string(4000000, 'x'));
+    });
+    const QTemporaryDir folder;
+    QFile old(folder.filePath(QStringLiteral("film")));
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write("an old film");
+    old.close();
+    worker.SlotDownloadFile(To(server), old.fileName());
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].error, 2);
+    EXPECT_EQ(old.size(), 11);
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              QStringList{QStringLiteral("film")});
+}
+
+TEST_F(Worker, ADownloadThatDoesNotFitIsAnsweredAtOnceAndLetsTheServerGo) {
+    HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 999999999999\r\n\r\n");
+        while (peer.Send(std::string(65536, 'x'))) {
+        }
+    });
+    const QTemporaryDir folder;
+    worker.SlotDownloadFile(To(server), folder.filePath(QStringLiteral("missing/film")));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].error, 25);
+    EXPECT_EQ(responses[0].status, 200);
+    EXPECT_TRUE(Until([&] { return server.AllClosed(); }));
+}
+
+TEST_F(Worker, ADownloadOverAFileThatCannotBeWrittenWarnsAndCountsAsItIsMeant) {
+    const HostileServer server(&AnswerQuickOnes);
+    const QTemporaryDir folder;
+    QFile old(folder.filePath(QStringLiteral("film")));
+    std::vector<std::string> warnings;
+    QObject::connect(&worker, &MHTTPClient::SignalWarning,
+                     [&](const QString& text) { warnings.push_back(text.toStdString()); });
+    // What makes a file unwritable for this user depends on who that is: one that runs can be written by nobody.
+    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/sleep"), old.fileName()));
+    QProcess runs;
+    runs.start(old.fileName(), {QStringLiteral("1000")});
+    ASSERT_TRUE(runs.waitForStarted());
+    const qint64 size = old.size();
+    worker.SlotDownloadFile(To(server, "/quick"), old.fileName());
+    const bool answered = UntilResponses(1);
+    runs.kill();
+    runs.waitForFinished();
+    ASSERT_TRUE(answered);
+    EXPECT_EQ(responses[0].error, 0);
+    EXPECT_EQ(old.size(), size);
+    EXPECT_EQ(warnings, std::vector<std::string>{"download: " + old.fileName().toStdString() +
+                                                 " cannot be written to and stays as it was"});
 }
 
 TEST_F(Worker, ARequestDuringADownloadGoesToItsFileAsItIsMeant) {
