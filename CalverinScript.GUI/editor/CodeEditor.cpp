@@ -27,7 +27,7 @@ CodeEditor::CodeEditor(QWidget* parent)
     , m_gutterBackground(kGutterBackground)
     , m_gutterText(kGutterText) {
     CreateDocument();
-    FixPalette();
+    FixColours();
     ConnectSignals();
     updateLineNumberAreaWidth(0);
     highlightCurrentLine();
@@ -42,12 +42,15 @@ void CodeEditor::CreateDocument() {
     setDocument(script);
 }
 
-void CodeEditor::FixPalette() {
+// The palette for editors whose owners give them a style sheet of their own, the style sheet for those whose ancestors have one.
+void CodeEditor::FixColours() {
     QPalette fixed = palette();
     fixed.setColor(QPalette::Base, QColor(kPaper));
     fixed.setColor(QPalette::Text, QColor(kInk));
     fixed.setColor(QPalette::Disabled, QPalette::Text, QColor(kInkWhenDisabled));
     setPalette(fixed);
+    setStyleSheet(QStringLiteral("CodeEditor { background-color: %1; color: %2; } CodeEditor:disabled { color: %3; }")
+                      .arg(QColor(kPaper).name(), QColor(kInk).name(), QColor(kInkWhenDisabled).name()));
 }
 
 void CodeEditor::ConnectSignals() {

@@ -5,7 +5,7 @@
 #include <cstddef>
 
 /// Every colour of the editor and of its highlighter. All of them are made for dark text on white, so the editor also
-/// fixes those two and does not follow a dark palette of its host.
+/// fixes those two and follows neither a dark palette nor a dark style sheet of its host.
 
 /// What a colour of the highlighter is for. The numbers are the keys of Highlighter::setColor; 9 to 11 are not used.
 enum class ScriptColor : int {
@@ -14,7 +14,7 @@ enum class ScriptColor : int {
     Number = 3,
     String = 4, ///< regular expressions too
     Operator = 5,
-    Identifier = 6, ///< kept in the table, never applied: names have the default text colour
+    Identifier = 6, ///< kept in the table, never applied: names are Normal, as blanks and brackets are
     Keyword = 7,
     BuiltIn = 8,
     Marker = 12, ///< background of marked text

@@ -49,8 +49,12 @@ void Highlighter::setKeywords(const QStringList& words) {
 
 void Highlighter::highlightBlock(const QString& text) {
     const ScannedLine line = ScanLine(text, previousBlockState(), m_words);
-    for (const ScriptToken& token : line.tokens)
+    setFormat(0, text.length(), m_formats.value(static_cast<int>(ScriptColor::Normal)));
+    for (const ScriptToken& token : line.tokens) {
+        if (token.start >= kMostColumns)
+            break;
         setFormat(token.start, token.length, m_formats.value(static_cast<int>(token.role)));
+    }
     MarkOccurrences(text);
     StoreBrackets(line.brackets);
     FinishBlock(line.state);

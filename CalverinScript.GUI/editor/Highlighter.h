@@ -8,10 +8,14 @@
 #include "JavaScriptScanner.h"
 #include "SpreadingHighlighter.h"
 
-/// Colours the JavaScript of a document. Each line keeps the state of its scan as its user state (see PackLineState)
+/// Colours the JavaScript of a document. Every character has a colour of the table, so none depends on the palette of a widget; behind
+/// kMostColumns it is that of plain text, since a line of many colours is slow to lay out. Each line keeps the state of its scan as its user state (see PackLineState)
 /// and the columns of its curly braces in a JSBlockData. [thread: that of the document]
 class Highlighter : public SpreadingHighlighter {
 public:
+    /// The columns of a line that have colours of their own. Nobody writes longer lines; a library that was made small does.
+    static constexpr int kMostColumns = 10000;
+
     /// Belongs to the document and colours it from then on.
     explicit Highlighter(QTextDocument* document);
 

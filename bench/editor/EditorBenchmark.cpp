@@ -39,6 +39,13 @@ QString LongScript() {
     return script;
 }
 
+/// A library that was made small: all of it stands in one line.
+QString MinifiedScript() {
+    constexpr int kLength = 200000;
+    const QString part = QStringLiteral("function a(b,c){if(b>1.5&&c!==\"x\"){return{d:b*2,e:'f'}}return a(b-1,c)}");
+    return part.repeated(kLength / part.length() + 1).left(kLength);
+}
+
 struct Samples {
     std::vector<double> wall; ///< milliseconds
     std::vector<double> processor;
@@ -62,8 +69,9 @@ void Measure(Samples& samples, Work work) {
 /// The two widgets on the screen, with the same long script.
 class Widgets {
 public:
-    Widgets()
-        : m_highlighter(new Highlighter(m_editor.document())) {
+    explicit Widgets(const QString& script = LongScript())
+        : m_script(script)
+        , m_highlighter(new Highlighter(m_editor.document())) {
         for (QPlainTextEdit* widget : {&m_plain, static_cast<QPlainTextEdit*>(&m_editor)}) {
             widget->resize(900, 700);
             widget->setPlainText(m_script);
@@ -115,7 +123,7 @@ public:
     }
 
 private:
-    const QString m_script = LongScript();
+    const QString m_script;
     QPlainTextEdit m_plain;
     CodeEditor m_editor;
     Highlighter* m_highlighter;
@@ -144,6 +152,14 @@ void OpeningAScript(benchmark::State& state) {
 void TypingInTheMiddle(benchmark::State& state) {
     Widgets widgets;
     widgets.PutCaret(kLines / 2 + 3);
+    for ([[maybe_unused]] auto _ : state)
+        widgets.Compare([](QPlainTextEdit& widget) { Press(widget, Qt::Key_A, "a"); });
+    widgets.Report(state);
+}
+
+void TypingInALineOf200000Characters(benchmark::State& state) {
+    Widgets widgets(MinifiedScript());
+    widgets.PutCaret(0);
     for ([[maybe_unused]] auto _ : state)
         widgets.Compare([](QPlainTextEdit& widget) { Press(widget, Qt::Key_A, "a"); });
     widgets.Report(state);
@@ -212,6 +228,7 @@ void HighlightingAnew(benchmark::State& state) {
 
 BENCHMARK(OpeningAScript)->Unit(benchmark::kMillisecond)->Iterations(31);
 BENCHMARK(TypingInTheMiddle)->Unit(benchmark::kMillisecond)->Iterations(401);
+BENCHMARK(TypingInALineOf200000Characters)->Unit(benchmark::kMillisecond)->Iterations(21);
 BENCHMARK(BreakingALineInTheMiddle)->Unit(benchmark::kMillisecond)->Iterations(201);
 BENCHMARK(OpeningACommentAtTheTop)->Unit(benchmark::kMillisecond)->Iterations(31);
 BENCHMARK(OpeningABraceAtTheTop)->Unit(benchmark::kMillisecond)->Iterations(51);

@@ -8,6 +8,7 @@
 #include <QWindow>
 
 #include "EditorFixture.h"
+#include "Highlighter.h"
 #include "LineNumberArea.h"
 
 namespace {
@@ -254,5 +255,54 @@ TEST_F(CodeEditorText, StaysDarkOnWhiteUnderADarkPalette) {
     EXPECT_EQ(fresh.palette().color(QPalette::Base), QColor(Qt::white));
     EXPECT_EQ(fresh.palette().color(QPalette::Text), QColor(Qt::black));
     EXPECT_EQ(m_editor.palette().color(QPalette::Base), QColor(Qt::white));
+    QApplication::setPalette(before);
+}
+
+namespace {
+
+/// What an editor with colours shows under a style sheet of its parent's and one of its own.
+QImage Screenshot(const char* name, const char* parentSheet, const char* ownSheet = nullptr) {
+    QWidget parent;
+    parent.setStyleSheet(QString::fromLatin1(parentSheet));
+    CodeEditor editor(&parent);
+    if (ownSheet)
+        editor.setStyleSheet(QString::fromLatin1(ownSheet));
+    new Highlighter(editor.document());
+    editor.setText(QStringLiteral("// a comment\nvar name = other.member('text', 12) + [1];\n{ function() {} }"));
+    editor.resize(420, 140);
+    parent.resize(430, 150);
+    parent.show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&parent));
+    QApplication::processEvents();
+    const QImage shot = editor.viewport()->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const QString folder = qEnvironmentVariable("CALVERIN_SCREENSHOTS"); // to look at them
+    if (!folder.isEmpty())
+        editor.grab().save(folder + QLatin1Char('/') + QString::fromLatin1(name) + QStringLiteral(".png"));
+    return shot;
+}
+
+} // namespace
+
+TEST(CodeEditorColours, AreTheSameUnderAnyPaletteAndStyleSheet) {
+    const QImage plain = Screenshot("plain", "");
+    const QPalette before = QApplication::palette();
+    QPalette dark = before;
+    for (const QPalette::ColorRole role : {QPalette::Base, QPalette::Window, QPalette::Button})
+        dark.setColor(role, QColor(30, 30, 30));
+    for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        dark.setColor(role, Qt::white);
+    const char* const theme = "QDialog { background-color: rgb(30,30,30); color: white }"
+                              "QListView { background-color: rgb(45,45,45); color: white }"
+                              "QTextEdit { background-color: rgb(45,45,45); color: white }"
+                              "QPlainTextEdit { background-color: rgb(45,45,45); color: white }"
+                              "QFrame { color: white }";
+    const char* const inkAlone = "QPlainTextEdit { color: white }";
+    EXPECT_EQ(Screenshot("theme", theme), plain);
+    EXPECT_EQ(Screenshot("ink_of_the_parent", inkAlone), plain);
+    EXPECT_EQ(Screenshot("ink_of_its_own", "", inkAlone), plain);
+    QApplication::setPalette(dark);
+    EXPECT_EQ(Screenshot("dark_palette", ""), plain);
+    EXPECT_EQ(Screenshot("dark_palette_and_theme", theme), plain);
+    EXPECT_EQ(Screenshot("dark_palette_and_ink_of_its_own", "", inkAlone), plain);
     QApplication::setPalette(before);
 }

@@ -23,7 +23,16 @@ protected:
     void GivenScript(const char* text) { m_document.setPlainText(QString::fromLatin1(text)); }
     QTextBlock Line(int number) const { return m_document.findBlockByNumber(number - 1); }
     int State(int line) const { return Line(line).userState(); }
-    QVector<QTextLayout::FormatRange> Runs(int line = 1) const { return Line(line).layout()->formats(); }
+    QVector<QTextLayout::FormatRange> AllRuns(int line = 1) const { return Line(line).layout()->formats(); }
+    /// Without those of plain black text.
+    QVector<QTextLayout::FormatRange> Runs(int line = 1) const {
+        QVector<QTextLayout::FormatRange> runs = AllRuns(line);
+        QTextCharFormat plain;
+        plain.setForeground(QColor(Qt::black));
+        const auto end = std::remove_if(runs.begin(), runs.end(), [&](const auto& run) { return run.format == plain; });
+        runs.erase(end, runs.end());
+        return runs;
+    }
 
     void ExpectRun(int index, int start, int length, const char* color) const {
         const auto runs = Runs();
@@ -51,12 +60,36 @@ protected:
 
 TEST_F(HighlighterTest, HasOneColourForEachRole) {
     GivenScript("var 12 'a' + /* c */");
-    ASSERT_EQ(Runs().size(), 5);
+    ASSERT_EQ(Runs().size(), 4);
     ExpectRun(0, 0, 3, "#000080");
     ExpectRun(1, 4, 2, "#FF0000");
     ExpectRun(2, 7, 3, "#808080");
-    ExpectRun(3, 11, 1, "#000000");
-    ExpectRun(4, 13, 7, "#008000");
+    ExpectRun(3, 13, 7, "#008000");
+    m_highlighter->setColor(5, QColor(QStringLiteral("#00FF00")));
+    ExpectRun(3, 11, 1, "#00FF00");
+}
+
+TEST_F(HighlighterTest, GivesEveryCharacterAColourOfTheTable) {
+    GivenScript("  var x = (y) + '1'; // z\n\t\n'open");
+    for (int line = 1; line <= 3; ++line) {
+        int end = 0;
+        for (const QTextLayout::FormatRange& run : AllRuns(line)) {
+            EXPECT_EQ(run.start, end);
+            EXPECT_TRUE(run.format.hasProperty(QTextFormat::ForegroundBrush));
+            end = run.start + run.length;
+        }
+        EXPECT_EQ(end, Line(line).text().length());
+    }
+}
+
+TEST_F(HighlighterTest, ColoursTheFirstColumnsOfAVeryLongLineAndFollowsItToItsEnd) {
+    const QString unit = QStringLiteral("f(1);");
+    m_document.setPlainText(unit.repeated(2 * Highlighter::kMostColumns / unit.length()) + QStringLiteral("{/*\nx"));
+    const auto runs = Runs();
+    ASSERT_EQ(runs.size(), Highlighter::kMostColumns / unit.length());
+    EXPECT_EQ(runs.back().start, Highlighter::kMostColumns - 3);
+    EXPECT_EQ(AllRuns().back().start + AllRuns().back().length, Line(1).text().length());
+    EXPECT_EQ(State(2), 16 + 4);
 }
 
 TEST_F(HighlighterTest, ShowsKeywordsInBoldItalicsAndNothingElse) {
@@ -69,9 +102,11 @@ TEST_F(HighlighterTest, ShowsKeywordsInBoldItalicsAndNothingElse) {
     EXPECT_FALSE(runs[1].format.hasProperty(QTextFormat::FontWeight));
 }
 
-TEST_F(HighlighterTest, LeavesNamesInTheDefaultColourAlsoThatOfTheScriptGlobal) {
+TEST_F(HighlighterTest, LeavesNamesInPlainBlackAlsoThatOfTheScriptGlobal) {
     GivenScript("QCalverin Function x1");
     EXPECT_TRUE(Runs().isEmpty());
+    ASSERT_EQ(AllRuns().size(), 1);
+    EXPECT_EQ(AllRuns()[0].format.foreground().color(), QColor(Qt::black));
 }
 
 TEST_F(HighlighterTest, TellsItsKeywords) {
