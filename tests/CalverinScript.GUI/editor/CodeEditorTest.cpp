@@ -265,6 +265,7 @@ QImage Screenshot(const char* name, const char* parentSheet, const char* ownShee
     QWidget parent;
     parent.setStyleSheet(QString::fromLatin1(parentSheet));
     CodeEditor editor(&parent);
+    editor.setFocusPolicy(Qt::NoFocus); // a caret that blinks would be there in one picture only
     if (ownSheet)
         editor.setStyleSheet(QString::fromLatin1(ownSheet));
     new Highlighter(editor.document());
