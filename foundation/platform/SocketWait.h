@@ -42,9 +42,8 @@ struct SocketReadiness {
 /// What of a socket is waited for. An error or its end is always told.
 enum class SocketInterest { Reading, Writing, Both };
 
-/// Waits until a socket is ready for what is of interest or the wake is set, at most timeoutMs, kInfinite for ever. A
-/// null socket waits for the wake alone. Nothing ready, woken or failed: the time is over.   [thread: the one that
-/// waits]
+/// Waits until a socket is ready for what is of interest or the wake is set, at most timeoutMs, kInfinite for ever.
+/// A null socket waits for the wake alone. Nothing ready, woken or failed: the time is over.   [thread: who waits]
 SocketReadiness WaitForSocket(const SystemSocket* socket, SocketInterest interest, SocketWake& wake,
                               std::uint32_t timeoutMs);
 

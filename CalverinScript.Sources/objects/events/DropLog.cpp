@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Clock.h"
 #include "IScriptObjectOwner.h"
 
 namespace {
@@ -9,6 +10,9 @@ namespace {
 constexpr std::uint32_t kBetweenLinesMs = 1000;
 
 } // namespace
+
+DropLog::DropLog(IScriptObjectOwner* owner, Describe describe)
+    : DropLog(owner, std::move(describe), &MillisecondClock) {}
 
 DropLog::DropLog(IScriptObjectOwner* owner, Describe describe, std::uint32_t (*clock)())
     : m_owner(owner)

@@ -6,8 +6,6 @@
 
 #include <QString>
 
-#include "Clock.h"
-
 class IScriptObjectOwner;
 
 /// Says in the log what a bound of one object has dropped: how many, once a second at most.   [any]
@@ -17,8 +15,9 @@ public:
     using Describe = std::function<QString()>;
 
     /// @param owner borrowed; null writes nothing.
-    /// @param clock in milliseconds.
-    DropLog(IScriptObjectOwner* owner, Describe describe, std::uint32_t (*clock)() = &MillisecondClock);
+    DropLog(IScriptObjectOwner* owner, Describe describe);
+    /// @param clock another one, in milliseconds, than the system's.
+    DropLog(IScriptObjectOwner* owner, Describe describe, std::uint32_t (*clock)());
 
     /// Counts what was dropped, and tells it if a second has passed since the last line.
     void Note(std::uint64_t count);

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include <gtest/gtest.h>
+
 #include <QFile>
 #include <QTemporaryDir>
 
