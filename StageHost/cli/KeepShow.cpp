@@ -132,7 +132,7 @@ MaybeFailure Store(Session& session, ShowFile& file, const QStringList& words, K
     if (!problem.isEmpty())
         return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(words.at(2), problem)};
     const auto stored =
-        StoredCommand::Make(device->Name(), device->Variables().DefinitionText(), command->id, parameters);
+        StoredCommandXml::Make(device->Name(), device->Variables().DefinitionText(), command->id, parameters);
     if (!stored || !IsObjectName(ToBorderText(name).c_str()))
         return Failure{kExitBadUse, QStringLiteral("\"%1\" is no name for a stored command").arg(name)};
     file.SetStoredCommand(name, stored->Print());

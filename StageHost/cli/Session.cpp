@@ -98,7 +98,7 @@ MaybeFailure Session::PrepareLog(HostSettings& settings) {
 
 MaybeFailure Session::LoadModule() {
     const QString path = m_options.module.isEmpty() ? DefaultModulePath() : m_options.module;
-    m_module = std::make_unique<ModuleFile>(*m_host);
+    m_module = std::make_unique<HostedModule>(*m_host);
     const ExitGuard guard(kModuleCall, kExitNoModule, "the module does not come back from being loaded");
     const QString problem = m_module->Load(path);
     if (problem.isEmpty())
@@ -164,7 +164,7 @@ void Session::CheckStored() {
         const QString text = StandingText(command, m_show.file);
         if (!text.isEmpty() && !m_quiet)
             PrintProblem(text);
-        if (const StoredCommand* inForce = command.InForce())
+        if (const StoredCommandXml* inForce = command.InForce())
             m_host->Model().SetStoredCommand(ToBorderText(command.name), inForce->Action());
     }
 }

@@ -10,9 +10,9 @@
 
 #include "Device.h"
 #include "Host.h"
+#include "HostedModule.h"
 #include "Interrupt.h"
 #include "LogFollower.h"
-#include "ModuleFile.h"
 #include "Options.h"
 #include "Show.h"
 #include "StoredCommands.h"
@@ -108,7 +108,7 @@ private:
     std::unique_ptr<LogFollower> m_follower; ///< null before Open
     QTimer m_teller;                         ///< prints what scripts throw while nothing else happens
     std::unique_ptr<Host> m_host;
-    std::unique_ptr<ModuleFile> m_module;
+    std::unique_ptr<HostedModule> m_module;
     std::vector<std::unique_ptr<Device>> m_devices;
     std::vector<CheckedCommand> m_stored;
     QStringList m_refusedSetups;

@@ -15,7 +15,7 @@ struct Value {
 };
 
 /// The parameters that a command reads, with what they are given.
-std::vector<Value> ValuesOf(const StoredCommand& command) {
+std::vector<Value> ValuesOf(const StoredCommandXml& command) {
     std::vector<Value> values;
     const auto& parameters = command.Command().parameters;
     for (std::size_t number = 0; number < parameters.size(); ++number) {
@@ -43,7 +43,7 @@ QString Line(const char* mark, const Value& value) {
 
 } // namespace
 
-const StoredCommand* CheckedCommand::InForce() const {
+const StoredCommandXml* CheckedCommand::InForce() const {
     if (standing == Device::Standing::Valid)
         return &stored;
     return updated ? &*updated : nullptr;
@@ -53,7 +53,7 @@ std::vector<CheckedCommand> CheckStoredCommands(const Show& show, const std::fun
     std::vector<CheckedCommand> checked;
     for (const auto& command : show.commands) {
         QString problem;
-        const auto stored = StoredCommand::Read(command.xml, &problem);
+        const auto stored = StoredCommandXml::Read(command.xml, &problem);
         Device* device = stored ? find(FromBorderText(stored->Device())) : nullptr;
         if (device == nullptr)
             continue;
@@ -82,14 +82,14 @@ QString StandingText(const CheckedCommand& command, const QString& showFile) {
                             showFile);
 }
 
-QString ValuesText(const StoredCommand& command) {
+QString ValuesText(const StoredCommandXml& command) {
     QStringList texts;
     for (const auto& value : ValuesOf(command))
         texts += Line("", value);
     return texts.join(QStringLiteral(", "));
 }
 
-QStringList ChangesText(const StoredCommand& before, const StoredCommand& after) {
+QStringList ChangesText(const StoredCommandXml& before, const StoredCommandXml& after) {
     const auto old = ValuesOf(before);
     const auto now = ValuesOf(after);
     QStringList changes;

@@ -12,12 +12,12 @@ namespace stagehost {
 /// A stored command of the show with what has become of it.
 struct CheckedCommand {
     QString name;
-    StoredCommand stored;                 ///< as the show file has it
-    Device::Standing standing;            ///< what the module says of it
-    std::optional<StoredCommand> updated; ///< as it would be now; for those that have changed
+    StoredCommandXml stored;                 ///< as the show file has it
+    Device::Standing standing;               ///< what the module says of it
+    std::optional<StoredCommandXml> updated; ///< as it would be now; for those that have changed
 
     /// What is sent: the command as it is now, or null when the driver has none.
-    const StoredCommand* InForce() const;
+    const StoredCommandXml* InForce() const;
 };
 
 /// Has the module check the stored commands of a show.   [host main]
@@ -28,9 +28,9 @@ std::vector<CheckedCommand> CheckStoredCommands(const Show& show, const std::fun
 QString StandingText(const CheckedCommand& command, const QString& showFile);
 
 /// The values of a command's parameters: "level = 50, seconds = 2". A variable stands in braces.
-QString ValuesText(const StoredCommand& command);
+QString ValuesText(const StoredCommandXml& command);
 
 /// What an update does to the parameters, one text for each: "+ speed = 0", "- seconds = 2", "level = 150 -> 100".
-QStringList ChangesText(const StoredCommand& before, const StoredCommand& after);
+QStringList ChangesText(const StoredCommandXml& before, const StoredCommandXml& after);
 
 } // namespace stagehost

@@ -5,7 +5,7 @@
 
 #include "BorderText.h"
 #include "DataTypes.h"
-#include "NumberText.h"
+#include "PlainNumbers.h"
 
 namespace stagehost {
 

@@ -26,7 +26,7 @@ Milliseconds Left(Clock::time_point deadline) {
 
 } // namespace
 
-Device::Device(ModuleFile& module, std::string name, Conduct conduct)
+Device::Device(HostedModule& module, std::string name, Conduct conduct)
     : m_module(module)
     , m_pool(module.TheHost().Pool())
     , m_name(std::move(name))
@@ -136,7 +136,7 @@ std::string Device::Setup() const {
 }
 
 /// The module looks at names and parameters alone, so the number is compared here.
-Device::Standing Device::Check(const StoredCommand& stored) {
+Device::Standing Device::Check(const StoredCommandXml& stored) {
     const CommandDefinition& command = stored.Command();
     ObjectParams params(command.properties);
     for (const auto& parameter : command.parameters)
@@ -151,13 +151,13 @@ Device::Standing Device::Check(const StoredCommand& stored) {
     return byId->FunctionName() == command.FunctionName() ? Standing::Valid : Standing::Changed;
 }
 
-std::optional<StoredCommand> Device::Update(const StoredCommand& stored) {
+std::optional<StoredCommandXml> Device::Update(const StoredCommandXml& stored) {
     char* text = nullptr;
     const KXPCode code = m_device->UpdateCommand(ToBorderText(stored.Print()).c_str(), &text);
     if (code != KXP_OK || text == nullptr)
         return std::nullopt;
     QString problem;
-    auto updated = StoredCommand::Read(FromOutsideText(text), &problem);
+    auto updated = StoredCommandXml::Read(FromOutsideText(text), &problem);
     m_device->ReleaseString(&text);
     return updated;
 }

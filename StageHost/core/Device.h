@@ -11,8 +11,8 @@
 #include "CommandOutcome.h"
 #include "DeviceObject.h"
 #include "DeviceVariables.h"
-#include "ModuleFile.h"
-#include "StoredCommand.h"
+#include "HostedModule.h"
+#include "StoredCommandXml.h"
 #include "WorkerPool.h"
 
 namespace stagehost {
@@ -28,7 +28,7 @@ public:
 
     /// @param module must outlive the device. @param name Latin-1, allowed by IsObjectName.
     /// @param conduct how the device takes requests of scripts.
-    Device(ModuleFile& module, std::string name, Conduct conduct = Conduct::Normal);
+    Device(HostedModule& module, std::string name, Conduct conduct = Conduct::Normal);
 
     /// Stops and releases the device if that has not happened.
     ~Device();
@@ -60,11 +60,11 @@ public:
     };
 
     /// Asks the module whether a stored command of the device is still as it was stored.
-    Standing Check(const StoredCommand& stored);
+    Standing Check(const StoredCommandXml& stored);
 
     /// A stored command as the device's commands are now, with what the user entered.
     /// @return nothing when the device makes nothing of it.
-    std::optional<StoredCommand> Update(const StoredCommand& stored);
+    std::optional<StoredCommandXml> Update(const StoredCommandXml& stored);
 
     /// @return false when the start has not come back within the limit, or before the user wants the program to end.
     bool Start(Milliseconds limit);
@@ -116,7 +116,7 @@ private:
 
     Host& TheHost() { return m_module.TheHost(); }
 
-    ModuleFile& m_module;
+    HostedModule& m_module;
     WorkerPool& m_pool;
     const std::string m_name;
     const Conduct m_conduct;

@@ -4,7 +4,7 @@
 
 #include "BorderText.h"
 #include "DataTypes.h"
-#include "NumberText.h"
+#include "PlainNumbers.h"
 #include "ValueFactory.h"
 #include "XmlElement.h"
 
@@ -165,7 +165,7 @@ std::optional<QString> MakeSetupText(const QString& before, const DriverEdition&
 QString ScriptOfSetup(const QString& setup) {
     const auto root = ParseSetup(setup);
     const XmlElement* inner = root ? root->Child("Setup") : nullptr;
-    const XmlElement* script = inner ? inner->Child("Script") : nullptr;
+    const XmlElement* script = inner != nullptr ? inner->Child("Script") : nullptr;
     if (script == nullptr)
         return {};
     if (script->Attribute("EncodedBase64").toInt() == 0)

@@ -21,7 +21,7 @@ struct ShowDevice {
     QString driverFile; ///< the script of which the setup is made; named as scriptFile
 };
 
-/// A stored command of a show, see StoredCommand.
+/// A stored command of a show, see StoredCommandXml.
 struct ShowStoredCommand {
     QString name;
     QString xml;

@@ -10,7 +10,7 @@
 #include "BorderText.h"
 #include "DataTypes.h"
 #include "NameTools.h"
-#include "StoredCommand.h"
+#include "StoredCommandXml.h"
 #include "ValueFactory.h"
 
 namespace stagehost {
@@ -153,7 +153,7 @@ void ShowReader::ReadStoredCommand(const JsonNode& node) {
     if (taken)
         name.Complain(QStringLiteral("another stored command has this name"));
     QString problem;
-    const auto stored = StoredCommand::Read(xml.Text(), &problem);
+    const auto stored = StoredCommandXml::Read(xml.Text(), &problem);
     if (!stored)
         xml.Complain(problem);
     else if (m_show.FindDevice(FromBorderText(stored->Device())) == nullptr)

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "NumberText.h"
+#include "PlainNumbers.h"
 
 namespace stagehost {
 

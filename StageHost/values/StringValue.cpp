@@ -4,7 +4,7 @@
 
 #include <QByteArray>
 
-#include "NumberText.h"
+#include "PlainNumbers.h"
 
 namespace stagehost {
 

@@ -6,7 +6,7 @@
 #include "DateValue.h"
 #include "EnumValue.h"
 #include "IntegerValue.h"
-#include "NumberText.h"
+#include "PlainNumbers.h"
 #include "PrivateValue.h"
 #include "RealValue.h"
 #include "StringValue.h"

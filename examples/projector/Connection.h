@@ -7,7 +7,7 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-#include "Options.h"
+#include "ProjectorOptions.h"
 
 namespace projector {
 

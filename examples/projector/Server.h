@@ -4,8 +4,8 @@
 
 #include <QTcpServer>
 
-#include "Options.h"
 #include "Projector.h"
+#include "ProjectorOptions.h"
 
 namespace projector {
 

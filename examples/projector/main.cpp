@@ -4,7 +4,7 @@
 
 #include <QCoreApplication>
 
-#include "Options.h"
+#include "ProjectorOptions.h"
 #include "Server.h"
 
 namespace {

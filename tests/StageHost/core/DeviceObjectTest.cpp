@@ -1,8 +1,8 @@
 #include <future>
 
 #include "Device.h"
+#include "HostedModule.h"
 #include "MainWait.h"
-#include "ModuleFile.h"
 #include "RemoteShow.h"
 
 using namespace stagehost;
@@ -43,7 +43,7 @@ protected:
         return context;
     }
 
-    ModuleFile module;
+    HostedModule module;
     std::unique_ptr<Device> desk;
 };
 

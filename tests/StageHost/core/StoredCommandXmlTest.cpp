@@ -1,4 +1,4 @@
-#include "StoredCommand.h"
+#include "StoredCommandXml.h"
 
 #include <gtest/gtest.h>
 
@@ -22,11 +22,11 @@ QString Text(const char* text) {
 
 } // namespace
 
-TEST(StoredCommand, KeepsTheValuesThatItIsMadeWith) {
-    const auto made = StoredCommand::Make("desk", kDefinition, 4, {{"level", "50", false}, {"2", "storm", false}});
+TEST(StoredCommandXml, KeepsTheValuesThatItIsMadeWith) {
+    const auto made = StoredCommandXml::Make("desk", kDefinition, 4, {{"level", "50", false}, {"2", "storm", false}});
     ASSERT_TRUE(made);
     QString problem;
-    const auto read = StoredCommand::Read(made->Print(), &problem);
+    const auto read = StoredCommandXml::Read(made->Print(), &problem);
     ASSERT_TRUE(read) << problem.toStdString();
     EXPECT_EQ(read->Device(), "desk");
     EXPECT_EQ(read->Command().name, "Fade to");
@@ -40,8 +40,8 @@ TEST(StoredCommand, KeepsTheValuesThatItIsMadeWith) {
     EXPECT_EQ(action.parameters[1].text, "storm");
 }
 
-TEST(StoredCommand, KeepsTheVariableThatStandsForAParameter) {
-    const auto made = StoredCommand::Make("desk", kDefinition, 4, {{"level", "Pace", true}});
+TEST(StoredCommandXml, KeepsTheVariableThatStandsForAParameter) {
+    const auto made = StoredCommandXml::Make("desk", kDefinition, 4, {{"level", "Pace", true}});
     ASSERT_TRUE(made);
     const ActionSpec action = made->Action();
     EXPECT_TRUE(action.parameters[0].isVariable);
@@ -49,17 +49,17 @@ TEST(StoredCommand, KeepsTheVariableThatStandsForAParameter) {
     EXPECT_FALSE(action.parameters[1].isVariable);
 }
 
-TEST(StoredCommand, IsNotMadeOfACommandThatTheDefinitionDoesNotHave) {
-    EXPECT_FALSE(StoredCommand::Make("desk", kDefinition, 5, {}));
-    EXPECT_FALSE(StoredCommand::Make("desk", "<Device/>", 4, {}));
-    EXPECT_FALSE(StoredCommand::Make("desk", "no xml", 4, {}));
+TEST(StoredCommandXml, IsNotMadeOfACommandThatTheDefinitionDoesNotHave) {
+    EXPECT_FALSE(StoredCommandXml::Make("desk", kDefinition, 5, {}));
+    EXPECT_FALSE(StoredCommandXml::Make("desk", "<Device/>", 4, {}));
+    EXPECT_FALSE(StoredCommandXml::Make("desk", "no xml", 4, {}));
 }
 
-TEST(StoredCommand, TellsWhatIsWrongWithItsText) {
+TEST(StoredCommandXml, TellsWhatIsWrongWithItsText) {
     for (const char* bad : {"", "x", "<a/>", "<a Name='desk'/>", "<a><Command ID='4'/></a>",
                             "<a Name='desk'><Command Name='no number'/></a>", "<a Name='desk'><Command ID='x'/></a>"}) {
         QString problem;
-        EXPECT_FALSE(StoredCommand::Read(Text(bad), &problem)) << bad;
+        EXPECT_FALSE(StoredCommandXml::Read(Text(bad), &problem)) << bad;
         EXPECT_FALSE(problem.isEmpty()) << bad;
     }
 }

@@ -13,15 +13,15 @@ namespace stagehost {
 
 /// The module: its file, loaded by name, and the one object that
 /// its entry point gives. Knows the module by the contract alone.
-class ModuleFile {
+class HostedModule {
 public:
     /// @param host the root object for the module; must outlive this object.
-    explicit ModuleFile(Host& host);
+    explicit HostedModule(Host& host);
 
     /// Ends the module properly if Load has succeeded: every device has been released before.   [host main]
-    ~ModuleFile();
-    ModuleFile(const ModuleFile&) = delete;
-    ModuleFile& operator=(const ModuleFile&) = delete;
+    ~HostedModule();
+    HostedModule(const HostedModule&) = delete;
+    HostedModule& operator=(const HostedModule&) = delete;
 
     /// Loads the file, finds the entry point, initialises the module.
     /// @return empty on success, otherwise one line that says what is wrong.   [host main]

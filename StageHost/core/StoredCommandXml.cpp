@@ -1,4 +1,4 @@
-#include "StoredCommand.h"
+#include "StoredCommandXml.h"
 
 #include <algorithm>
 
@@ -58,31 +58,32 @@ void Give(XmlElement& param, const ValueSpec& parameter, const ActionParameter& 
 
 } // namespace
 
-StoredCommand::StoredCommand(XmlElement root)
+StoredCommandXml::StoredCommandXml(XmlElement root)
     : m_root(std::move(root)) {}
 
-std::optional<StoredCommand> StoredCommand::Read(const QString& xml, QString* problem) {
+std::optional<StoredCommandXml> StoredCommandXml::Read(const QString& xml, QString* problem) {
     auto root = XmlElement::Parse(xml, problem);
     if (!root)
         return std::nullopt;
-    StoredCommand stored(std::move(*root));
+    StoredCommandXml stored(std::move(*root));
     *problem = stored.Take();
     return problem->isEmpty() ? std::optional(stored) : std::nullopt;
 }
 
-std::optional<StoredCommand> StoredCommand::Make(const std::string& device, const std::string& definition,
-                                                 std::int32_t id, const std::vector<ActionParameter>& parameters) {
+std::optional<StoredCommandXml> StoredCommandXml::Make(const std::string& device, const std::string& definition,
+                                                       std::int32_t id,
+                                                       const std::vector<ActionParameter>& parameters) {
     QString problem;
     const auto described = XmlElement::Parse(FromOutsideText(definition), &problem);
     const XmlElement* commands = described ? described->Child("Commands") : nullptr;
-    const XmlElement* command = commands ? commands->ChildWith("ID", QString::number(id)) : nullptr;
+    const XmlElement* command = commands != nullptr ? commands->ChildWith("ID", QString::number(id)) : nullptr;
     if (command == nullptr)
         return std::nullopt;
     XmlElement root;
     root.name = QLatin1String(kRoot);
     root.Set("Name", FromBorderText(device));
     root.children.push_back(*command);
-    StoredCommand stored(std::move(root));
+    StoredCommandXml stored(std::move(root));
     if (!stored.Take().isEmpty())
         return std::nullopt;
     const std::vector<ValueSpec> specs = stored.m_command.parameters;
@@ -97,7 +98,7 @@ std::optional<StoredCommand> StoredCommand::Make(const std::string& device, cons
 
 /// Reads what the element says.
 /// @return what is wrong with it; empty when nothing is.
-QString StoredCommand::Take() {
+QString StoredCommandXml::Take() {
     XmlElement* command = m_root.Child(kCommand);
     if (command == nullptr || m_root.Attribute("Name").isEmpty())
         return QStringLiteral("expected an element with the name of a device, and in it \"Command\"");
@@ -117,11 +118,11 @@ QString StoredCommand::Take() {
     return {};
 }
 
-std::string StoredCommand::Device() const {
+std::string StoredCommandXml::Device() const {
     return ToBorderText(m_root.Attribute("Name"));
 }
 
-ActionSpec StoredCommand::Action() const {
+ActionSpec StoredCommandXml::Action() const {
     ActionSpec action;
     action.device = Device();
     action.command = std::to_string(m_command.id);

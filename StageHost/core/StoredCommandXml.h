@@ -21,17 +21,17 @@ namespace stagehost {
 ///
 /// `Command` is the element of the device's definition; the values stand where the definition has the defaults. A
 /// parameter that a variable stands for has a child `Binding` with the attribute `Variable`.   [any]
-class StoredCommand {
+class StoredCommandXml {
 public:
     /// Reads the element. @param problem receives what is wrong when there is nothing to give.
-    static std::optional<StoredCommand> Read(const QString& xml, QString* problem);
+    static std::optional<StoredCommandXml> Read(const QString& xml, QString* problem);
 
     /// Makes one of a command of a device.
     /// @param definition the definition text of the device. @param id of a command in it.
     /// @param parameters must be parameters of the command, given by name or by number from 0.
     /// @return nothing when the text has no such command.
-    static std::optional<StoredCommand> Make(const std::string& device, const std::string& definition, std::int32_t id,
-                                             const std::vector<ActionParameter>& parameters);
+    static std::optional<StoredCommandXml> Make(const std::string& device, const std::string& definition,
+                                                std::int32_t id, const std::vector<ActionParameter>& parameters);
 
     /// The device's name.
     std::string Device() const;
@@ -44,7 +44,7 @@ public:
     QString Print() const { return m_root.Print(); }
 
 private:
-    explicit StoredCommand(XmlElement root);
+    explicit StoredCommandXml(XmlElement root);
     QString Take();
 
     XmlElement m_root;

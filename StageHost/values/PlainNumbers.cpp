@@ -1,4 +1,4 @@
-#include "NumberText.h"
+#include "PlainNumbers.h"
 
 #include <algorithm>
 #include <charconv>

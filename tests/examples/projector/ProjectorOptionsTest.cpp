@@ -1,4 +1,4 @@
-#include "Options.h"
+#include "ProjectorOptions.h"
 
 #include <gtest/gtest.h>
 

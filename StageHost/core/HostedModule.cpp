@@ -1,14 +1,14 @@
-#include "ModuleFile.h"
+#include "HostedModule.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
 
 namespace stagehost {
 
-ModuleFile::ModuleFile(Host& host)
+HostedModule::HostedModule(Host& host)
     : m_host(host) {}
 
-ModuleFile::~ModuleFile() {
+HostedModule::~HostedModule() {
     if (m_module == nullptr)
         return;
     m_module->Terminate(nullptr);
@@ -16,7 +16,7 @@ ModuleFile::~ModuleFile() {
     m_library.unload();
 }
 
-QString ModuleFile::Load(const QString& path) {
+QString HostedModule::Load(const QString& path) {
     const QFileInfo file(path);
     if (!file.isFile())
         return QStringLiteral("there is no module file %1").arg(path);
@@ -29,7 +29,7 @@ QString ModuleFile::Load(const QString& path) {
     return {};
 }
 
-QString ModuleFile::FindModule(const QString& path) {
+QString HostedModule::FindModule(const QString& path) {
     if (!m_library.load())
         return QStringLiteral("%1 cannot be loaded: %2").arg(path, m_library.errorString());
     const auto entryPoint = reinterpret_cast<KXPEntryPoint>(m_library.resolve(KXP_ENTRY_POINT_NAME));
