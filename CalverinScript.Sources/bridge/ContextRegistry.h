@@ -9,8 +9,8 @@
 
 #include "InterlockedCounter.h"
 
-/// The contexts of one kind that the module has not done with, in the order in which they were made. Contexts share it: a host may
-/// give up the last reference to one when the device that asked is long gone.
+/// The contexts of one kind that the module has not done with, in the order in which they were made. Contexts share it:
+/// a host may give up the last reference to one when the device that asked is long gone.
 ///
 /// - Joining, leaving and looking up take the same time, however many there are.
 /// - A context leaves at the latest in its destructor; one that nobody holds any more is never handed out.

@@ -7,9 +7,10 @@
 
 class MyAsyncDeviceExecContext;
 
-/// The references that hosts were given with asynchronous requests which are over. Nothing tells a host that it has one: some drop
-/// it, most never do. So the newest of them stay, for hosts that still use theirs, and the oldest is dropped for the host when there
-/// are more than kMost. One for the process, since a host may use its reference when the device is long gone.   [thread: any]
+/// The references that hosts were given with asynchronous requests which are over. Nothing tells a host that it has
+/// one: some drop it, most never do. So the newest of them stay, for hosts that still use theirs, and the oldest is
+/// dropped for the host when there are more than kMost. One for the process, since a host may use its reference when
+/// the device is long gone.   [thread: any]
 class GivenReferences {
 public:
     static constexpr std::size_t kMost = 1000;

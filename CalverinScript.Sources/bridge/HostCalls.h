@@ -26,7 +26,8 @@ KXPCode MScriptMngRemote::CallAndWait(Operation operation, MString* text) {
     return code;
 }
 
-/// Calls an operation that both links have with the same arguments: on the newer link when it is there, else on the older.
+/// Calls an operation that both links have with the same arguments:
+/// on the newer link when it is there, else on the older.
 /// @return the host's code; 19 without a link.   [script]
 template <typename Newer, typename Older, typename... Arguments>
 KXPCode MScriptMngRemote::Forward(Newer newer, Older older, const Arguments&... arguments) {

@@ -44,7 +44,8 @@ public:
     std::uint32_t GetState() override;
     virtual ~MDefaultDeviceExecContext();
 
-    /// Adds a reference, unless the last one has gone and the context is on its way out. @return whether it was added.   [any]
+    /// Adds a reference, unless the last one has gone and the context
+    /// is on its way out. @return whether it was added.   [any]
     bool TryAddRef() { return refCount.IncrementUnlessZero(); }
     /// A copy of the result text; a string without buffer when none was set.   [any]
     MString GetResult() const;

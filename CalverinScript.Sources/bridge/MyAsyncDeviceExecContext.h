@@ -10,9 +10,9 @@
 
 /// The context of an asynchronous request: its end is handed to a handler, once, and leaves the state alone.
 ///
-/// Two references belong to a request: the maker's, with which it is made, and one that the host is given. A host may add more.
-/// Whoever ends it first, host or maker, tells the handler. What a host does after the maker has given the request up touches living
-/// memory and reaches nobody, in whatever order and however often it comes.
+/// Two references belong to a request: the maker's, with which it is made, and one that the host is given. A host may
+/// add more. Whoever ends it first, host or maker, tells the handler. What a host does after the maker has given the
+/// request up touches living memory and reaches nobody, in whatever order and however often it comes.
 class MyAsyncDeviceExecContext : public QObject, public MDefaultDeviceExecContext {
     Q_OBJECT
 
@@ -23,12 +23,13 @@ public:
                              SharedContextRegistry<MyAsyncDeviceExecContext> liveContexts);
     ~MyAsyncDeviceExecContext() override;
 
-    /// The host's answer. Tells the handler at the first call; every later one, and the first without a handler, drops a reference.
-    /// An answer to a request that was given up drops the host's given reference, but not at once: see GivenReferences.
+    /// The host's answer. Tells the handler at the first call; every later one, and the
+    /// first without a handler, drops a reference. An answer to a request that was
+    /// given up drops the host's given reference, but not at once: see GivenReferences.
     KXPCode End() override;
 
-    /// The maker waits no longer: ends the request in the host's place, and tells the handler. The host still owes its answer and
-    /// keeps what it was given.
+    /// The maker waits no longer: ends the request in the host's place, and tells the handler. The host still owes its
+    /// answer and keeps what it was given.
     /// @return false when it was over already.   [any]
     bool GiveUp();
 
@@ -36,8 +37,8 @@ public:
     /// @return false when somebody has been told already.   [any]
     bool ForgetHandler();
 
-    /// The maker has done with it: drops the maker's reference, and what the host was given goes to GivenReferences unless the host
-    /// still owes its answer. Call it once.   [any]
+    /// The maker has done with it: drops the maker's reference, and what the host was given goes to GivenReferences
+    /// unless the host still owes its answer. Call it once.   [any]
     void Settle();
 
     /// Whether it was ended, by the host or by the maker.   [any]
