@@ -9,8 +9,8 @@
 #include "ScriptRecords.h"
 
 /// @file
-/// The agreed names of a driver script and of the texts that are made of it: each family is one table. Pure functions, callable
-/// on any thread.
+/// The agreed names of a driver script and of the texts that are made of it: each family is one table. Pure functions,
+/// callable on any thread.
 
 /// What the members of a publishing object become.
 enum class PublishGroup { Host, Device, Setup };
@@ -19,7 +19,8 @@ enum class PublishGroup { Host, Device, Setup };
 /// @return false for any other name.
 bool FindPublishGroup(const QString& objectName, PublishGroup& group);
 
-/// One type of data: its element in definitions, its name in a script's `Info`, the attributes that hold value and default.
+/// One type of data: its element in definitions, its name in a
+/// script's `Info`, the attributes that hold value and default.
 struct DataKind {
     const char* element;  ///< "IntegerData"; the host's interface is "I" and this
     const char* infoName; ///< "Integer"
@@ -43,8 +44,8 @@ enum class PropertyOwner { Variable, Command, Setting };
 /// @param type element name; counts for variables and parameters alone.
 QStringList AllowedProperties(PropertyOwner owner, const QString& type);
 
-/// Keeps a property if its owner allows the name and, where the name asks for a number, the text is one. A property that is
-/// there already takes the new text.
+/// Keeps a property if its owner allows the name and, where the name asks for a number, the text is one. A property
+/// that is there already takes the new text.
 /// @return whether it was kept.
 bool StoreProperty(ScriptProperties& properties, PropertyOwner owner, const QString& type, const QString& name,
                    const QString& text);

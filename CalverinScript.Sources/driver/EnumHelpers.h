@@ -10,9 +10,9 @@ class VisitGate;
 class QScriptContext;
 class QScriptEngine;
 
-/// The two functions that a running script finds on `Device`: `EnumClear(name)` and `EnumAdd(name, item)`. They change the items
-/// of an enumeration of the device, in the host and in `Info.Variables.<name>.Items` alike, which has to be an array there.
-/// Codes: 0 done, 19 too few arguments, no such enumeration or no such array.
+/// The two functions that a running script finds on `Device`: `EnumClear(name)` and `EnumAdd(name, item)`. They change
+/// the items of an enumeration of the device, in the host and in `Info.Variables.<name>.Items` alike, which has to be
+/// an array there. Codes: 0 done, 19 too few arguments, no such enumeration or no such array.
 class EnumHelpers {
 public:
     /// What the functions work on; asked at each call.   [the engine's thread]
@@ -39,6 +39,6 @@ private:
     const Target m_target;
 };
 
-/// A copy of a value: objects, arrays and dates member by member, functions and all beyond 100 levels by reference. An object
-/// that is there twice, or inside itself, is so in the copy too.   [the engine's thread]
+/// A copy of a value: objects, arrays and dates member by member, functions and all beyond 100 levels by reference. An
+/// object that is there twice, or inside itself, is so in the copy too.   [the engine's thread]
 QScriptValue DeepCopy(const QScriptValue& value);

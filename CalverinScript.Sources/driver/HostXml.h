@@ -8,8 +8,8 @@ class TiXmlDocument;
 class TiXmlElement;
 
 /// @file
-/// XML texts that the host keeps for the module, on top of the guarded parser. They are UTF-8; texts of hosts that wrote plain
-/// 8-bit text are read as that. Pure functions, callable on any thread.
+/// XML texts that the host keeps for the module, on top of the guarded parser. They are UTF-8; texts of hosts that
+/// wrote plain 8-bit text are read as that. Pure functions, callable on any thread.
 
 /// Parses a text of the host.
 /// @param plain8Bit set to whether the text was no UTF-8; may be null.
@@ -31,5 +31,6 @@ TiXmlElement& AddXmlElement(TiXmlElement& parent, const char* name);
 /// Adds `Property` with `Name` and `Value`.
 void AddXmlProperty(TiXmlElement& properties, const char* name, const QString& value);
 
-/// The value of the `Property` of that name among the children of `Properties` below the element; null when there is none.
+/// The value of the `Property` of that name among the children
+/// of `Properties` below the element; null when there is none.
 QString FindXmlProperty(const TiXmlElement& element, const char* name);

@@ -17,6 +17,6 @@ QScriptValue FindInfo(const QScriptValue& published);
 /// `Info.Options.RemoveDefaultCommandsAndVariables`; nothing when it is not a boolean.
 std::optional<bool> ReadInfoOptions(const QScriptValue& info);
 
-/// Adds types, ranges, items and labels to what the scan has found. Names that it has not found are dropped, and so is what
-/// does not fit: a range that is no number, a command named like a built-in one.
+/// Adds types, ranges, items and labels to what the scan has found. Names that it has not found are dropped, and so is
+/// what does not fit: a range that is no number, a command named like a built-in one.
 void ApplyInfo(const QScriptValue& info, ScanResult& result);

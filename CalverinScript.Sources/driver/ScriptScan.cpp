@@ -40,7 +40,8 @@ bool IsWhole32(double number) {
            number <= std::numeric_limits<std::int32_t>::max();
 }
 
-/// Type, kind and text of a plain value. @return false for values that have no type: truth values, numbers that are none.
+/// Type, kind and text of a plain value. @return false for values
+/// that have no type: truth values, numbers that are none.
 template <typename Record>
 bool TakePlainValue(const QScriptValue& value, Record& record, QString* valueType) {
     const char* kind = nullptr;

@@ -48,12 +48,12 @@ struct ScanResult {
     ScriptSettings settings;
 };
 
-/// Reads what a value publishes. A value that is no object publishes nothing; what cannot be read is left out. May run functions
-/// of the script (getters); exceptions that they leave are cleared.
+/// Reads what a value publishes. A value that is no object publishes nothing; what cannot be read is left out. May run
+/// functions of the script (getters); exceptions that they leave are cleared.
 ScanResult ScanGlobal(const ScanRequest& request);
 
-/// The command that a script function becomes: a parameter "Result" with direction out, then the function's own with direction
-/// in, as its source text names them.
+/// The command that a script function becomes: a parameter "Result" with direction out, then the function's own with
+/// direction in, as its source text names them.
 MScriptCommand CommandFromFunction(const QString& name, const QString& sourceText);
 
 /// A variable as the host has it: name, number, type and value.

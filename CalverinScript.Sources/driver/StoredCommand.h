@@ -8,8 +8,8 @@
 class IObjectParams;
 class TiXmlDocument;
 
-/// One command as a show has stored it: an element with the owner's name, in it `Command` with `ObjectParams`. What the user
-/// entered stands in it in the host's own form, of which no more is known here than where it stands.
+/// One command as a show has stored it: an element with the owner's name, in it `Command` with `ObjectParams`. What the
+/// user entered stands in it in the host's own form, of which no more is known here than where it stands.
 class StoredCommand {
 public:
     StoredCommand();
@@ -24,9 +24,9 @@ public:
     /// Name of the script function; empty when it is no user command.
     QString FunctionName() const;
 
-    /// The text with the command's number and its parameters as they are now. Each takes over the value, binding and comment of
-    /// the one that was stored for the same parameter of the function or, failing that, under the same name. A value that the
-    /// parameter's type cannot hold is dropped.
+    /// The text with the command's number and its parameters as they are now. Each takes over the value, binding and
+    /// comment of the one that was stored for the same parameter of the function or, failing that, under the same name.
+    /// A value that the parameter's type cannot hold is dropped.
     std::string Rewrite(const MScriptCommand& command);
 
 private:
@@ -34,6 +34,6 @@ private:
     bool m_plain8Bit = false; ///< the text was no UTF-8, and so will be what is made of it
 };
 
-/// Whether a stored command's parameters are those of the command: as many, one by one with the same name, direction, type and
-/// limits, so far as both sides tell them.   [any host thread]
+/// Whether a stored command's parameters are those of the command: as many, one by one with the same name, direction,
+/// type and limits, so far as both sides tell them.   [any host thread]
 bool MatchesStoredParams(const MScriptCommand& command, IObjectParams& params);

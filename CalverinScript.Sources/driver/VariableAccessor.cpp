@@ -100,8 +100,8 @@ void AccessorPool::Rebind(VariableOrigin origin, const std::function<IData*(cons
             entry.second->data = find(entry.first.second);
 }
 
-/// Called with one argument to write and without to read. What a value means for the type may run script, which may do anything, so
-/// that is found out outside the host's value.
+/// Called with one argument to write and without to read. What a value means for the type may run script, which may do
+/// anything, so that is found out outside the host's value.
 QScriptValue AccessorPool::Access(QScriptContext* context, QScriptEngine* /*engine*/, void* variable) {
     auto& bound = *static_cast<BoundVariable*>(variable);
     if (context->argumentCount() == 0)

@@ -18,15 +18,15 @@ class QScriptContext;
 /// Where a bound variable comes from.
 enum class VariableOrigin { Host, Device };
 
-/// The variables that members of script objects stand for: reading such a member reads the host's value, writing it writes the
-/// host's, at once and each time.
+/// The variables that members of script objects stand for: reading such a member reads the host's value, writing it
+/// writes the host's, at once and each time.
 ///
-/// Scripts may keep an object over a reload, so a binding lives as long as the pool; there is one for each variable, and it can
-/// be led to another value of the host, or to none.
+/// Scripts may keep an object over a reload, so a binding lives as long as the pool; there is one for each variable,
+/// and it can be led to another value of the host, or to none.
 class AccessorPool {
 public:
-    /// @param closed set once when the host must not be touched any more: reads then give undefined, writes do nothing. Must
-    /// outlive the pool.
+    /// @param closed set once when the host must not be touched any more: reads then give undefined, writes do nothing.
+    /// Must outlive the pool.
     explicit AccessorPool(const std::atomic<bool>& closed);
     ~AccessorPool();
     AccessorPool(const AccessorPool&) = delete;
@@ -38,8 +38,8 @@ public:
     /// Looks every variable of that origin up again; find gives null for one that is gone.   [any]
     void Rebind(VariableOrigin origin, const std::function<IData*(const QString& name)>& find);
 
-    /// What keeps a script out of the host's values while the host replaces them, and they are bound again. A script that is turned
-    /// away reads undefined, and its writing does nothing.   [any]
+    /// What keeps a script out of the host's values while the host replaces them, and they are bound again. A script
+    /// that is turned away reads undefined, and its writing does nothing.   [any]
     VisitGate& GetGate() { return m_gate; }
 
 private:

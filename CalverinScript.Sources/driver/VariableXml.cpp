@@ -126,7 +126,8 @@ bool ReadMonitorElement(const TiXmlElement& element, MScriptVariable& variable) 
     return true;
 }
 
-/// A setting's shown name is not written: `Name` is what the setting is found by, and the script tells the other each time.
+/// A setting's shown name is not written: `Name` is what the
+/// setting is found by, and the script tells the other each time.
 std::unique_ptr<TiXmlElement> MakeSettingElement(const MScriptSetting& setting) {
     auto element = std::make_unique<TiXmlElement>("Setting");
     element->SetAttribute("Name", "");
