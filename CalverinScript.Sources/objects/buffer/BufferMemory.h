@@ -6,8 +6,9 @@
 #include <QScriptValue>
 
 /// @file
-/// What a script may ask for. The engine cannot carry a C++ exception, and the system hands out more memory than it has, so a
-/// size that no show needs is refused before anything is allocated, and an allocation that fails becomes a script error.
+/// What a script may ask for. The engine cannot carry a C++ exception, and the system
+/// hands out more memory than it has, so a size that no show needs is refused before
+/// anything is allocated, and an allocation that fails becomes a script error.
 
 /// The most bytes of one Buffer.
 inline constexpr qint64 kMaxBufferBytes = qint64(1) << 30;
@@ -17,7 +18,7 @@ inline constexpr qint64 kMaxBufferText = qint64(1) << 28;
 /// Throws the script error for a size that cannot be had. @return the error.   [script]
 QScriptValue RefuseSize(QScriptContext* context, qint64 bytes);
 
-/// Whether a text of so many characters can be handed to the engine, which would end the process if it could not.   [any]
+/// Whether a text of so many characters can be handed to the engine, which would end the process if it could not. [any]
 bool IsTextPossible(qint64 characters);
 
 /// Runs work that needs so many bytes, or throws the script error when they cannot be had.

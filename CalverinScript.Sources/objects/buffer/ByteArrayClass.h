@@ -16,11 +16,11 @@ class QScriptContext;
 
 /// The script class of `Buffer`, the byte array of the script world: `b[3]` and `b.length` work like an array's.
 ///
-/// An instance is a script object of this class whose data is a variant with one QByteArray. The bytes belong to that variant and
-/// are changed in place, so all references to the object see it. One class object serves one engine.
+/// An instance is a script object of this class whose data is a variant with one QByteArray. The bytes belong to that
+/// variant and are changed in place, so all references to the object see it. One class object serves one engine.
 ///
-/// Element access remembers the two objects that it last looked at, and keeps those two alive for it: finding the bytes of an
-/// object costs more than the access. All on the engine's thread.
+/// Element access remembers the two objects that it last looked at, and keeps those two alive for it: finding the bytes
+/// of an object costs more than the access. All on the engine's thread.
 class ByteArrayClass : public QObject, public QScriptClass {
     Q_OBJECT
 
@@ -33,7 +33,8 @@ public:
     QScriptValue Constructor() const { return m_constructor; }
     /// A new object with these bytes. @throw std::bad_alloc
     QScriptValue NewInstance(const QByteArray& bytes);
-    /// A new object with so many zero bytes; none for a negative size. @return the script error when they cannot be had.
+    /// A new object with so many zero bytes; none for a negative
+    /// size. @return the script error when they cannot be had.
     QScriptValue NewInstance(QScriptContext* context, int size);
 
     /// The bytes of a Buffer, to be changed in place, valid while the object lives.
@@ -50,7 +51,8 @@ public:
     QString name() const override;
 
 private:
-    /// An object that was looked at lately. It is kept alive, so that its bytes stay where they are and its id stays unique.
+    /// An object that was looked at lately. It is kept alive, so
+    /// that its bytes stay where they are and its id stays unique.
     struct Recent {
         QScriptValue object;
         qint64 id = -1;

@@ -2,8 +2,8 @@
 
 #include <QScriptClassPropertyIterator>
 
-/// Walks the indices of a Buffer, "0" and on; `length` is not among them. The bytes may change while it walks.
-/// [the engine's thread]
+/// Walks the indices of a Buffer, "0" and on; `length` is not among
+/// them. The bytes may change while it walks.   [the engine's thread]
 class ByteArrayClassPropertyIterator : public QScriptClassPropertyIterator {
 public:
     explicit ByteArrayClassPropertyIterator(const QScriptValue& object)

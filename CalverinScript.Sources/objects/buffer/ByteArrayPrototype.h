@@ -5,9 +5,9 @@
 #include <QScriptable>
 #include <QScriptValue>
 
-/// The methods of a Buffer, called on the script's `this`. Positions and counts are in bytes; out of range they are clamped, and
-/// nothing but want of memory throws. On a `this` that is no Buffer they do nothing. Parameter names and defaults are the
-/// script interface.   [the engine's thread]
+/// The methods of a Buffer, called on the script's `this`. Positions and counts are in bytes; out of range they are
+/// clamped, and nothing but want of memory throws. On a `this` that is no Buffer they do nothing. Parameter names and
+/// defaults are the script interface.   [the engine's thread]
 class ByteArrayPrototype : public QObject, public QScriptable {
     Q_OBJECT
 
@@ -26,8 +26,8 @@ public Q_SLOTS:
     /// Writes a text over bytes of this Buffer, which never grows. @return the bytes written.
     QScriptValue write(const QString& sString, int iOffset = 0, int iLength = -1,
                        const QString& sEncoding = QStringLiteral("utf8"));
-    /// Joins the Buffers of an array and gives the first iTotalLength bytes. A lone Buffer of an array with one element is given
-    /// back itself. Looks at the array alone, never at `this`.
+    /// Joins the Buffers of an array and gives the first iTotalLength bytes. A lone Buffer of an array with one element
+    /// is given back itself. Looks at the array alone, never at `this`.
     QScriptValue concat(const QScriptValue& svList, int iTotalLength = -1) const;
     /// Sets the bytes from iOffset to before iEnd to a number, or to the first character of a text.
     void fill(const QScriptValue& svValue, int iOffset = 0, int iEnd = -1);

@@ -4,8 +4,9 @@
 #include <climits>
 #include <cstddef>
 
-/// A table-driven cyclic redundancy check whose register shifts to the right, without a final XOR: the reflected algorithm of
-/// Ross Williams' "A painless guide to CRC error detection algorithms". Register is an unsigned type of the check's width.
+/// A table-driven cyclic redundancy check whose register shifts to the right, without a final XOR: the reflected
+/// algorithm of Ross Williams' "A painless guide to CRC error detection algorithms". Register is an unsigned type of
+/// the check's width.
 template <typename Register>
 class ReflectedCrc {
 public:

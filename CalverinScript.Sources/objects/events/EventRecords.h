@@ -5,8 +5,8 @@
 #include <QSharedData>
 #include <QString>
 
-/// Where a datagram came from, as it rides in a QVariant to a listener. Copies share what they hold and, being no larger than a
-/// pointer, stand in the variant itself: a flood of datagrams has one sender mostly.
+/// Where a datagram came from, as it rides in a QVariant to a listener. Copies share what they hold and, being no
+/// larger than a pointer, stand in the variant itself: a flood of datagrams has one sender mostly.
 class IPInfo {
 public:
     IPInfo() = default;

@@ -28,8 +28,8 @@ public:
         return index >= 0 && index < m_values.size() ? m_values.at(index) : none;
     }
 
-    /// The object that raised the event, which comes to the listener behind the values. Not owned, and not to be touched before
-    /// it is known to live still.
+    /// The object that raised the event, which comes to the listener behind the values. Not owned, and not to be
+    /// touched before it is known to live still.
     void SetSource(MScriptCommonEvent* source) { m_source = source; }
     MScriptCommonEvent* GetSource() const { return m_source; }
 

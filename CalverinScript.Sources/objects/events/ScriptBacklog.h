@@ -19,11 +19,12 @@ struct BacklogLoad {
     }
 };
 
-/// How much of one object's events waits for the script, and the bound of it. The object asks before it raises an event or hears
-/// when it is time to pause; a script that stands still must not fill the memory with what its peers send.
+/// How much of one object's events waits for the script, and the bound of it. The object asks before it raises an event
+/// or hears when it is time to pause; a script that stands still must not fill the memory with what its peers send.
 ///
 /// - What Add has noted waits until its ticket goes, wherever the event ends: taken, dropped or forgotten.
-/// - The object hears that the bound is reached, and then once that half of it or less waits; the two always take turns.
+/// - The object hears that the bound is reached, and then once that half of it or less waits; the two always take
+/// turns.
 /// - After the destructor nothing is told any more. Tickets may go later.
 class ScriptBacklog {
 public:
@@ -32,8 +33,8 @@ public:
 
     /// What goes with an event. Null holds nothing.
     using Ticket = std::shared_ptr<const void>;
-    /// @param full true: the bound is reached; false: the script has caught up. Called under the backlog's lock: it must be short and
-    /// must not come back here.   [the thread of Add; that on which an event ends, mostly script]
+    /// @param full true: the bound is reached; false: the script has caught up. Called under the backlog's lock: it
+    /// must be short and must not come back here.   [the thread of Add; that on which an event ends, mostly script]
     using Tell = std::function<void(bool full)>;
 
     explicit ScriptBacklog(Tell tell);

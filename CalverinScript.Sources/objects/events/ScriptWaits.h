@@ -3,8 +3,8 @@
 #include <functional>
 #include <mutex>
 
-/// The wait of a script inside a method of one of its objects, for a slow peer or for the answer of a name service. A script has one
-/// thread, so there is one wait at most; another thread can end it.
+/// The wait of a script inside a method of one of its objects, for a slow peer or for the answer of a name service. A
+/// script has one thread, so there is one wait at most; another thread can end it.
 class ScriptWaits {
 public:
     /// Wakes the script; may be called on any thread and must come back without the script's help.
@@ -15,8 +15,8 @@ public:
     /// The wait is over. Returns when nobody is in its WakeUp any more.   [script]
     void Finish();
 
-    /// A stop begins: ends the wait, if there is one, and refuses those that the same run of the script would begin after it.
-    /// [any but script]
+    /// A stop begins: ends the wait, if there is one, and refuses those that the same run of the script would begin
+    /// after it. [any but script]
     void EndRun();
     /// The script is called anew for its stop function, which may wait unless Refuse has come.   [script]
     void BeginStopFunction();

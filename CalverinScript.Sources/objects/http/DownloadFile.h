@@ -8,14 +8,14 @@
 /// @file
 /// The file of a download. Callable on any thread.
 
-/// Where a download goes: into a folder under the last name of the address's path, otherwise to the path itself. "\\" in the path
-/// counts as a separator.
+/// Where a download goes: into a folder under the last name of the address's path, otherwise to the path itself. "\\"
+/// in the path counts as a separator.
 /// @return "" when the path names no file.
 QString DownloadTarget(const QString& path, const QUrl& address);
 
-/// The content of a download on its way into its file, as it comes. It is written beside the file and takes its place when all is there,
-/// so whatever breaks off leaves the file as it was, and nothing else. Writes to nothing but plain files: opening a pipe or a
-/// device could block for ever.   [http]
+/// The content of a download on its way into its file, as it comes. It is written beside the file and takes its place
+/// when all is there, so whatever breaks off leaves the file as it was, and nothing else. Writes to nothing but plain
+/// files: opening a pipe or a device could block for ever.   [http]
 class DownloadFile {
 public:
     enum class End {

@@ -3,8 +3,8 @@
 #include <QString>
 
 /// @file
-/// A header list: lines `name:value`, joined with "\r\n". Nothing is trimmed and no blank is added. Names are compared exactly,
-/// upper and lower case included. Pure functions, callable on any thread.
+/// A header list: lines `name:value`, joined with "\r\n". Nothing is trimmed and no blank is added. Names are compared
+/// exactly, upper and lower case included. Pure functions, callable on any thread.
 
 /// The text behind the first ":" of the first line with that name; "" when there is none.
 QString HeaderValue(const QString& list, const QString& name);

@@ -3,8 +3,8 @@
 #include <QNetworkReply>
 
 /// @file
-/// The error numbers that scripts see, and their texts. Numbers are those of QNetworkReply::NetworkError but for two of our own.
-/// Pure functions, callable on any thread.
+/// The error numbers that scripts see, and their texts. Numbers are those of QNetworkReply::NetworkError but for two of
+/// our own. Pure functions, callable on any thread.
 
 inline constexpr int kHttpNoError = 0;
 inline constexpr int kHttpTimedOut = 4;

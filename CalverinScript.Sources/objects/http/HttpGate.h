@@ -7,13 +7,13 @@
 
 class HttpPassage;
 
-/// The way of one HTTP client to its servers. The network library reads headers as long as they come, without bound and without
-/// looking up, and nothing that it offers ends that. So its connections pass through here, where what a server sends is
-/// counted, and a connection can be cut.
+/// The way of one HTTP client to its servers. The network library reads headers as long as they come, without bound and
+/// without looking up, and nothing that it offers ends that. So its connections pass through here, where what a server
+/// sends is counted, and a connection can be cut.
 ///
-/// A SOCKS server at a loopback port of the system's choice, which opens when it is first needed. It lets in who has the
-/// password, which is made for each gate, so nobody else on the computer passes. With the gate all its connections end.
-/// [all: http]
+/// A SOCKS server at a loopback port of the system's choice, which opens when it is first needed. It lets in who has
+/// the password, which is made for each gate, so nobody else on the computer passes. With the gate all its connections
+/// end. [all: http]
 class HttpGate : public QObject {
     Q_OBJECT
 
@@ -36,8 +36,8 @@ private:
     const QByteArray password;
 };
 
-/// Leads requests through the gate, unless the host process has a proxy for them. What the computer's environment names as proxy
-/// does not count.   [http]
+/// Leads requests through the gate, unless the host process has a proxy for them. What the computer's environment names
+/// as proxy does not count.   [http]
 class HttpGateRoute : public QNetworkProxyFactory {
 public:
     /// @param gate borrowed as long as requests are made.

@@ -99,7 +99,8 @@ void HttpPassage::SlotClientSpoke() {
         ForwardRequest();
 }
 
-/// What a server that has gone can hear no more is dropped here: a connection that is closed over unread bytes is reset.
+/// What a server that has gone can hear no more is dropped here:
+/// a connection that is closed over unread bytes is reset.
 void HttpPassage::ForwardRequest() {
     clientHasSpoken = true;
     if (Forward(*client, server) > 0)

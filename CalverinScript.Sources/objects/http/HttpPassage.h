@@ -5,9 +5,10 @@
 #include <QObject>
 #include <QTcpSocket>
 
-/// One connection of a client through an HttpGate: the client asks by SOCKS 5 (RFC 1928) with user and password (RFC 1929), then
-/// bytes pass both ways as they come. Little is kept here: who reads slowly slows the other side down. The end of one side is
-/// the end of the other, after all that came before it. Only a client that has not spoken yet hears of the server's end when it does:
+/// One connection of a client through an HttpGate: the client asks by SOCKS 5 (RFC 1928) with user
+/// and password (RFC 1929), then bytes pass both ways as they come. Little is kept here: who reads
+/// slowly slows the other side down. The end of one side is the end of the other, after all that
+/// came before it. Only a client that has not spoken yet hears of the server's end when it does:
 /// the network library takes an end right behind the answer of SOCKS for a failure of the proxy.
 ///
 /// It deletes itself when both sides are gone.   [all: http]

@@ -4,8 +4,8 @@
 #include <QString>
 
 /// @file
-/// From a script's texts to a request. Texts become Latin-1 on the way; characters beyond it become "?". Pure functions, callable
-/// on any thread.
+/// From a script's texts to a request. Texts become Latin-1 on the way; characters beyond it become "?". Pure
+/// functions, callable on any thread.
 
 /// The encoding number that says that names and values of items are percent-encoded already.
 inline constexpr int kItemsAreEncoded = 1;
@@ -17,6 +17,6 @@ inline constexpr int kItemsAreEncoded = 1;
 QNetworkRequest MakeHttpRequest(const QString& address, const QString& headers, const QString& items,
                                 int itemsEncoding);
 
-/// Whether a request may go out: only http and https do. The manager underneath also serves files of this computer and addresses
-/// that hold their own content, which no script may reach by this road.
+/// Whether a request may go out: only http and https do. The manager underneath also serves files of this computer and
+/// addresses that hold their own content, which no script may reach by this road.
 bool IsHttpAddress(const QUrl& url);

@@ -201,8 +201,8 @@ bool MHTTPClient::FinishDownload() {
     return end != DownloadFile::End::Refused;
 }
 
-/// A connection has one request at a time, and which one is not told. So it is the headers that have no end only while no request
-/// is past its own.
+/// A connection has one request at a time, and which one is not told. So it is the headers that have no end only while
+/// no request is past its own.
 void MHTTPClient::SlotServerSpoke(HttpPassage* passage, qint64 unanswered) {
     if (unanswered <= kMaxHttpHeaderBytes || AnyBodyIsComing())
         return;

@@ -13,23 +13,24 @@
 
 class DownloadFile;
 
-/// The most bytes of one answer, after unpacking. A server that sends without end would otherwise take the process's memory
-/// before anybody hears of it; an answer that grows larger is broken off with the number 299.
+/// The most bytes of one answer, after unpacking. A server that sends without end would otherwise take the process's
+/// memory before anybody hears of it; an answer that grows larger is broken off with the number 299.
 inline constexpr qint64 kMaxHttpAnswerBytes = qint64(1) << 30;
 
-/// The most bytes that a server may send before its headers are complete. It is more than the system's buffers hold between the gate
-/// and the network library (6 MB at most unless it is told otherwise, twice while they are emptied): a body that is on its way
-/// behind headers which nobody has read yet must not count.
+/// The most bytes that a server may send before its headers are complete. It is more than the system's buffers hold
+/// between the gate and the network library (6 MB at most unless it is told otherwise, twice while they are emptied): a
+/// body that is on its way behind headers which nobody has read yet must not count.
 inline constexpr qint64 kMaxHttpHeaderBytes = qint64(16) << 20;
 
-/// The network manager of one HTTP object of a script. It lives on that object's own thread, and all of it is used there.
+/// The network manager of one HTTP object of a script. It lives
+/// on that object's own thread, and all of it is used there.
 ///
-/// It knows one request, the last that began. Earlier ones go on; when one of them ends, what is reported is the state of the
-/// last, which is given up then. Who wants one answer for each request waits for it before the next.
+/// It knows one request, the last that began. Earlier ones go on; when one of them ends, what is reported is the state
+/// of the last, which is given up then. Who wants one answer for each request waits for it before the next.
 ///
-/// Redirects are handed to the script, not followed. There is no time-out. The proxy is the one that the host process has set
-/// for itself; what the computer's environment names as proxy does not divert the traffic of a show. Without a proxy all
-/// connections pass an HttpGate, where endless headers are cut.
+/// Redirects are handed to the script, not followed. There is no time-out. The proxy is the one that the host process
+/// has set for itself; what the computer's environment names as proxy does not divert the traffic of a show. Without a
+/// proxy all connections pass an HttpGate, where endless headers are cut.
 class MHTTPClient : public QNetworkAccessManager {
     Q_OBJECT
 
@@ -42,8 +43,8 @@ public Q_SLOTS:
     void SlotGet(const QNetworkRequest& request);
     void SlotPost(const QNetworkRequest& request, const QByteArray& params);
     void SlotPut(const QNetworkRequest& request, const QByteArray& params);
-    /// A get whose body goes to a file as it comes, of any size; see DownloadTarget for the path. Without a file it answers 24 at
-    /// once.
+    /// A get whose body goes to a file as it comes, of any size; see DownloadTarget for the path. Without a file it
+    /// answers 24 at once.
     void SlotDownloadFile(const QNetworkRequest& request, const QString& path);
     void SlotDownloadProgress(qint64 bytesReceived, qint64 bytesTotal);
     void SlotUploadProgress(qint64 bytesSent, qint64 bytesTotal);

@@ -9,8 +9,8 @@
 /// The most addresses of one `bind`.
 inline constexpr std::size_t kMostBindAddresses = 16;
 
-/// The addresses in a text with ";" between them. Those of 256 characters and more are dropped and do not count; what follows the
-/// sixteenth is ignored.
+/// The addresses in a text with ";" between them. Those of 256 characters and more are dropped and do not count; what
+/// follows the sixteenth is ignored.
 std::vector<std::string> BindAddresses(const char* text);
 
 /// A piece of a block of bytes.

@@ -19,22 +19,23 @@
 class IScriptObjectOwner;
 class QScriptEngine;
 
-/// What `QCalverin.CreateSocket("udp4")` gives a script: a datagram socket with a thread of its own, on which its events are raised.
+/// What `QCalverin.CreateSocket("udp4")` gives a script: a datagram socket with a thread of its own, on which its
+/// events are raised.
 ///
 /// | event     | values |
 /// |-----------|--------|
 /// | "message" | QByteArray, IPInfo of the sender with the two bytes of its port exchanged |
 /// | "error"   | SocketErrorInfo with a code of NetCodes.h |
 ///
-/// An empty datagram raises nothing. Datagrams are handed over in the bursts in which they came. What comes while as much waits for
-/// the script as ScriptBacklog allows is dropped, and the log says how many. No multicast group is ever joined. Texts become
-/// Latin-1. What waits for a name ends when the device stops.
+/// An empty datagram raises nothing. Datagrams are handed over in the bursts in which they came. What comes while as
+/// much waits for the script as ScriptBacklog allows is dropped, and the log says how many. No multicast group is ever
+/// joined. Texts become Latin-1. What waits for a name ends when the device stops.
 class MScriptUDP : public QObject, public QScriptable, public MScriptCommonEvent, public IUDPSocketHandler {
     Q_OBJECT
 
 public:
-    /// @param owner borrowed for the object's life; null makes an object that binds and sends nothing, for scripts that are only
-    /// looked at.   [script]
+    /// @param owner borrowed for the object's life; null makes an object that binds and sends nothing, for scripts that
+    /// are only looked at.   [script]
     explicit MScriptUDP(IScriptObjectOwner* owner);
     /// Closes and ends the thread.   [script]
     ~MScriptUDP() override;
@@ -42,11 +43,11 @@ public:
     /// The script's view of this object, which it does not own.   [script]
     QScriptValue ToScript(QScriptEngine& engine);
 
-    // What scripts call. Names of parameters and defaults are the script interface. All on the script thread. What is called most
-    // comes first: at each call the engine looks at the names of all methods before it.
+    // What scripts call. Names of parameters and defaults are the script interface. All on the script thread. What is
+    // called most comes first: at each call the engine looks at the names of all methods before it.
 
-    /// Sends the piece of a Buffer as one datagram; the piece is cut to what is there. A text sends an empty datagram, whatever it
-    /// says; anything else sends nothing. Waits while a name is looked up.
+    /// Sends the piece of a Buffer as one datagram; the piece is cut to what is there. A text sends an empty datagram,
+    /// whatever it says; anything else sends nothing. Waits while a name is looked up.
     Q_INVOKABLE void send(const QScriptValue& svData, int iOffset, int iLength, int iPort,
                           const QString& sAddress = QStringLiteral("0.0.0.0"));
     /// Receives at a port from now on; one that cannot be had gives no sign of it.

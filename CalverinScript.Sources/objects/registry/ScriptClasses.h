@@ -15,5 +15,6 @@ struct ScriptClass {
 /// All of them, in the order in which an engine gets them.
 extern const std::array<ScriptClass, 3> kScriptClasses;
 
-/// Gives an engine the global constructors. What they make belongs to the engine and its scripts.   [the engine's thread]
+/// Gives an engine the global constructors. What they make
+/// belongs to the engine and its scripts.   [the engine's thread]
 void InstallScriptClasses(QScriptEngine& engine);

@@ -6,7 +6,8 @@
 /// @file
 /// How objects of this library stand before a script: with the methods of their own class alone, without Qt's.
 
-/// The script's view of an object that C++ owns: dropping it deletes nothing. Asked again, gives the same view.   [script]
+/// The script's view of an object that C++ owns: dropping it
+/// deletes nothing. Asked again, gives the same view.   [script]
 QScriptValue WrapOwnedByHost(QScriptEngine& engine, QObject* object);
 
 /// The script's view of an object that goes when the script has dropped it.

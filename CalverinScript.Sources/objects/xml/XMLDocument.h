@@ -9,8 +9,9 @@
 class TiXmlDocument;
 class XmlTree;
 
-/// The script class `XMLDocument`: text into a tree, and the way to new elements. It belongs to the script; its tree lives as long
-/// as the document or any view of its elements does. Text is treated as in XMLElement.   [the engine's thread]
+/// The script class `XMLDocument`: text into a tree, and the way to new elements.
+/// It belongs to the script; its tree lives as long as the document or any view of
+/// its elements does. Text is treated as in XMLElement.   [the engine's thread]
 class XMLDocument : public QObject, public QScriptable {
     Q_OBJECT
 

@@ -12,9 +12,9 @@ class TiXmlNode;
 
 /// What keeps XML nodes alive: a document, or an element that is in no document yet, with all below it.
 ///
-/// Each script object that shows a node shares its tree, so a node lives as long as anything that a script can still ask about
-/// it. A tree whose root is appended elsewhere becomes a part of the other tree and keeps that one alive. Depth is limited, since
-/// printing and deleting a tree recurse.   [the engine's thread]
+/// Each script object that shows a node shares its tree, so a node lives as long as anything that a script can still
+/// ask about it. A tree whose root is appended elsewhere becomes a part of the other tree and keeps that one alive.
+/// Depth is limited, since printing and deleting a tree recurse.   [the engine's thread]
 class XmlTree {
 public:
     enum class AppendResult { Done, HasParent, InsideItself, TooDeep };
@@ -24,8 +24,8 @@ public:
     XmlTree(const XmlTree&) = delete;
     XmlTree& operator=(const XmlTree&) = delete;
 
-    /// Links a node, which belongs to tree childTree, as the last child of parent, which belongs to this tree. It is moved, not
-    /// copied. Nothing happens unless the result is Done.
+    /// Links a node, which belongs to tree childTree, as the last child of parent, which belongs to this tree. It is
+    /// moved, not copied. Nothing happens unless the result is Done.
     static AppendResult Append(const std::shared_ptr<XmlTree>& tree, TiXmlNode& parent,
                                const std::shared_ptr<XmlTree>& childTree, TiXmlNode& child);
 
