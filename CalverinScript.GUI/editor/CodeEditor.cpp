@@ -42,7 +42,8 @@ void CodeEditor::CreateDocument() {
     setDocument(script);
 }
 
-// The palette for editors whose owners give them a style sheet of their own, the style sheet for those whose ancestors have one.
+// The palette for editors whose owners give them a style sheet of
+// their own, the style sheet for those whose ancestors have one.
 void CodeEditor::FixColours() {
     QPalette fixed = palette();
     fixed.setColor(QPalette::Base, QColor(kPaper));

@@ -12,7 +12,8 @@ enum class IndentDirection;
 
 /// The text widget in which a user reads and writes a script: a gutter with line numbers, a highlighted current line,
 /// zoom, indentation by four columns and a completer that is driven from the keyboard. Its colours are made for dark
-/// text on white, so it follows neither a dark palette nor a style sheet of its ancestors; its font is set by its owner. [thread: host main]
+/// text on white, so it follows neither a dark palette nor a style sheet of its ancestors; its font is set by its
+/// owner. [thread: host main]
 class CALVERIN_EDITOR_EXPORT CodeEditor : public QPlainTextEdit {
     Q_OBJECT
 

@@ -8,12 +8,14 @@
 #include "JavaScriptScanner.h"
 #include "SpreadingHighlighter.h"
 
-/// Colours the JavaScript of a document. Every character has a colour of the table, so none depends on the palette of a widget; behind
-/// kMostColumns it is that of plain text, since a line of many colours is slow to lay out. Each line keeps the state of its scan as its user state (see PackLineState)
-/// and the columns of its curly braces in a JSBlockData. [thread: that of the document]
+/// Colours the JavaScript of a document. Every character has a colour of the table, so none depends on the palette of a
+/// widget; behind kMostColumns it is that of plain text, since a line of many colours is slow to lay out. Each line
+/// keeps the state of its scan as its user state (see PackLineState) and the columns of its curly braces in a
+/// JSBlockData. [thread: that of the document]
 class Highlighter : public SpreadingHighlighter {
 public:
-    /// The columns of a line that have colours of their own. Nobody writes longer lines; a library that was made small does.
+    /// The columns of a line that have colours of their own. Nobody
+    /// writes longer lines; a library that was made small does.
     static constexpr int kMostColumns = 10000;
 
     /// Belongs to the document and colours it from then on.
@@ -21,8 +23,8 @@ public:
 
     /// Changes one colour, by its ScriptColor number, and highlights the document anew.
     void setColor(int key, const QColor& color);
-    /// Marks each occurrence of a text, overlapping ones too, and highlights the document anew. An empty text marks
-    /// nothing.
+    /// Marks each occurrence of a text, overlapping ones too, and
+    /// highlights the document anew. An empty text marks nothing.
     void mark(const QString& text, Qt::CaseSensitivity caseSensitivity);
 
     /// The reserved words, in no order.

@@ -16,9 +16,9 @@ private:
     void NoteEdit(int from, int removed, int added);
     void LayOutLine(const QTextBlock& line, qreal heightBefore);
 
-    /// Whether the edit under way stays within one line, and how high that was before it. Known from what the document tells of
-    /// an edit just before the change comes here, widened then by what a highlighter did in between: its colours take
-    /// away the rows in which the line stood on the screen.
+    /// Whether the edit under way stays within one line, and how high that was before it. Known from what the document
+    /// tells of an edit just before the change comes here, widened then by what a highlighter did in between: its
+    /// colours take away the rows in which the line stood on the screen.
     bool m_isWithinLine = false;
     qreal m_heightBefore = 0;
     int m_lineCount = 0; ///< as it was after the last edit
