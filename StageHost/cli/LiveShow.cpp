@@ -9,6 +9,7 @@
 #include "InputLines.h"
 #include "Output.h"
 #include "StepPlayer.h"
+#include "WholeNumber.h"
 
 namespace stagehost {
 
@@ -16,6 +17,10 @@ namespace {
 
 LineOutcome NoVariable(const QString& name) {
     return {kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(name)};
+}
+
+LineOutcome NotTaken(const QString& name, const QString& value) {
+    return {kExitBadUse, QStringLiteral("\"%1\" does not take \"%2\"").arg(name, value)};
 }
 
 LineOutcome OutcomeOf(const MaybeFailure& failure, const QString& text) {
@@ -41,8 +46,9 @@ struct LiveShow::Row {
 };
 
 const LiveShow::Row LiveShow::kRows[] = {
-    {"set", "NAME VALUE", "gives a variable a value", 2, 2, &LiveShow::Set},
-    {"get", "NAME", "shows a variable", 1, 1, &LiveShow::Get},
+    {"set", "NAME VALUE", "gives a variable, a channel or a universe that comes in a value", 2, 2, &LiveShow::Set},
+    {"ramp", "CHANNEL VALUE MS", "moves a channel to a value within a time", 3, 3, &LiveShow::RampLine},
+    {"get", "NAME", "shows a variable or a resource", 1, 1, &LiveShow::Get},
     {"list", "", "shows what the show has: devices, tasks, variables and so on", 0, 0, &LiveShow::List},
     {"send", "DEVICE COMMAND [PARAM=VALUE...]", "sends a command and waits for its end", 2, -1, &LiveShow::SendLine},
     {"stored", "NAME", "sends a stored command and waits for its end", 1, 1, &LiveShow::StoredLine},
@@ -84,17 +90,41 @@ QString LiveShow::Help() {
 }
 
 LineOutcome LiveShow::Set(const QStringList& words) {
-    const auto variable = m_session.TheHost().Variables().Find(ToBorderText(words.at(0)));
-    if (!variable)
+    const std::string name = ToBorderText(words.at(0));
+    const std::string value = ToBorderText(words.at(1));
+    const auto variable = m_session.TheHost().Variables().Find(name);
+    const auto resource = m_session.TheHost().Model().FindResource(name);
+    if (!variable && !resource)
         return NoVariable(words.at(0));
-    if (!variable->SetText(ToBorderText(words.at(1))))
-        return {kExitBadUse, QStringLiteral("\"%1\" does not take \"%2\"").arg(words.at(0), words.at(1))};
+    if (!(variable ? variable->SetText(value) : resource->SetValue(value) == KXP_OK))
+        return NotTaken(words.at(0), words.at(1));
+    return {};
+}
+
+LineOutcome LiveShow::RampLine(const QStringList& words) {
+    const auto channel = m_session.TheHost().Model().FindResource(ToBorderText(words.at(0)));
+    if (!channel)
+        return {kExitBadUse, QStringLiteral("the show has no channel \"%1\"").arg(words.at(0))};
+    const auto to = ParseWholeNumber(ToBorderText(words.at(1)));
+    const auto time = ParseWholeNumber(ToBorderText(words.at(2)));
+    if (!time || *time < 0)
+        return {kExitBadUse, QStringLiteral("expected a number of milliseconds, not \"%1\"").arg(words.at(2))};
+    if (!to || channel->Ramp(*to, std::chrono::milliseconds(*time)) != KXP_OK)
+        return NotTaken(words.at(0), words.at(1));
     return {};
 }
 
 LineOutcome LiveShow::Get(const QStringList& words) {
     const auto variable = m_session.TheHost().Variables().Find(ToBorderText(words.at(0)));
-    return variable ? LineOutcome{kExitOk, FromBorderText(variable->Text())} : NoVariable(words.at(0));
+    if (variable)
+        return {kExitOk, FromBorderText(variable->Text())};
+    const auto resource = m_session.TheHost().Model().FindResource(ToBorderText(words.at(0)));
+    if (!resource)
+        return NoVariable(words.at(0));
+    QStringList lines;
+    for (const auto& property : resource->Properties())
+        lines += QStringLiteral("%1: %2").arg(FromBorderText(property.name), FromBorderText(property.value));
+    return {kExitOk, lines.join(QLatin1Char('\n'))};
 }
 
 LineOutcome LiveShow::List(const QStringList&) {

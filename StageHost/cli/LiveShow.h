@@ -29,6 +29,7 @@ private:
 
     LineOutcome Set(const QStringList& words);
     LineOutcome Get(const QStringList& words);
+    LineOutcome RampLine(const QStringList& words);
     LineOutcome List(const QStringList& words);
     LineOutcome SendLine(const QStringList& words);
     LineOutcome StoredLine(const QStringList& words);

@@ -59,7 +59,8 @@ MaybeFailure Session::Open(const Show& show) {
     settings.link = m_options.link;
     if (auto failure = PrepareLog(settings))
         return failure;
-    m_host = std::make_unique<Host>(settings, show.objects);
+    m_host = std::make_unique<Host>(settings, show.objects, show.resources,
+                                    [](const std::string& text) { PrintProblem(FromBorderText(text)); });
     for (const auto& variable : show.variables)
         m_host->Variables().Add(MakeValue(variable));
     if (auto failure = LoadModule())
@@ -302,19 +303,28 @@ MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
 }
 
 MaybeFailure Session::WaitFor(const ShowWait& wait) {
-    const auto variable = m_host->Variables().Find(ToBorderText(wait.variable));
-    if (!variable)
+    const std::string name = ToBorderText(wait.variable);
+    if (const auto variable = m_host->Variables().Find(name)) {
+        const Observation observation = variable->Observe([] { MainWait::Wake(); });
+        return WaitUntil(wait, [&] { return variable->Text(); });
+    }
+    const auto resource = m_host->Model().FindResource(name);
+    if (!resource)
         return Failure{kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(wait.variable)};
+    const Subscription subscription = m_host->Model().Feed().Subscribe([](const ShowChange&) { MainWait::Wake(); });
+    return WaitUntil(wait, [&] { return resource->Standing(); });
+}
+
+MaybeFailure Session::WaitUntil(const ShowWait& wait, const std::function<std::string()>& text) {
     const std::string value = ToBorderText(wait.value);
     const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : m_options.timeout;
-    const Observation observation = variable->Observe([] { MainWait::Wake(); });
-    if (MainWait::UntilInterrupted([&] { return variable->Text() == value; }, limit))
+    if (MainWait::UntilInterrupted([&] { return text() == value; }, limit))
         return std::nullopt;
     if (Interrupt::HasCome())
         return Failure{kExitNoAnswer, QStringLiteral("interrupted while \"%1\" is \"%2\", not \"%3\"")
-                                          .arg(wait.variable, FromBorderText(variable->Text()), wait.value)};
+                                          .arg(wait.variable, FromBorderText(text()), wait.value)};
     return Failure{kExitNoAnswer, QStringLiteral("\"%1\" is \"%2\", not \"%3\", after %4 ms")
-                                      .arg(wait.variable, FromBorderText(variable->Text()), wait.value)
+                                      .arg(wait.variable, FromBorderText(text()), wait.value)
                                       .arg(limit.count())};
 }
 

@@ -73,7 +73,8 @@ public:
     /// Leaves out, while the show is opened, what a command that writes the show file tells by itself.
     void SetQuiet(bool quiet) { m_quiet = quiet; }
 
-    /// Waits until a variable has a value in its text form, as long as the wait says or for the limit of answers.
+    /// Waits until a variable has a value in its text form, a channel its value or another resource its
+    /// state, as long as the wait says or for the limit of answers.
     MaybeFailure WaitFor(const ShowWait& wait);
 
     Device* FindDevice(const QString& name);
@@ -90,6 +91,7 @@ public:
     int Close(int exitCode);
 
 private:
+    MaybeFailure WaitUntil(const ShowWait& wait, const std::function<std::string()>& text);
     MaybeFailure PrepareLog(HostSettings& settings);
     MaybeFailure LoadModule();
     MaybeFailure MakeDevice(std::size_t index);

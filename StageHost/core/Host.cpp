@@ -1,5 +1,7 @@
 #include "Host.h"
 
+#include "Hardware.h"
+
 namespace stagehost {
 
 namespace {
@@ -8,16 +10,19 @@ constexpr std::chrono::milliseconds kLastRequests(2000);
 
 } // namespace
 
-Host::Host(HostSettings settings, const ShowSpec& show)
+Host::Host(HostSettings settings, const ShowSpec& show, const HardwareSpec& hardware,
+           const std::function<void(const std::string&)>& say)
     : m_settings(std::move(settings))
     , m_factories(m_faces)
     , m_runtimeInfo(m_faces, m_settings)
     , m_folders(m_faces, m_settings)
     , m_variables(m_faces, &m_feed)
     , m_names(m_faces)
+    , m_hardware(std::make_unique<Hardware>(hardware, m_faces, m_feed, say))
     , m_model(m_variables, m_feed)
     , m_desk(m_model, m_pool) {
     m_model.Fill(show);
+    m_model.AddResources(m_hardware->Objects());
     m_faces.Offer("IMInterface", static_cast<IMInterface*>(&m_runtimeInfo));
     if (m_settings.link == Link::Older || m_settings.link == Link::Both)
         m_olderLink = std::make_unique<OlderLinkManager>(m_faces, m_desk);

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "CommandWaiter.h"
 #include "FactoryManager.h"
 #include "FolderManager.h"
+#include "HardwareSpec.h"
 #include "HostFaces.h"
 #include "HostSettings.h"
 #include "LinkManagers.h"
@@ -17,15 +19,19 @@
 
 namespace stagehost {
 
+class Hardware;
+
 /// The host's root object: everything that the module can ask for hangs on it.
 ///
 /// It answers QueryInterface for the names of its services and for "IMInterface"; every service answers for all the
 /// others. Which of the two links it offers is a setting. It must outlive the module.
 class Host {
 public:
-    /// @param show the show's own objects.
-    explicit Host(HostSettings settings, const ShowSpec& show = {});
-    /// Every device has been released before. Ends the tasks and waits a while for requests that are being served.
+    /// @param show the show's own objects. @param say hears, on any thread, what resources tell in words.
+    explicit Host(HostSettings settings, const ShowSpec& show = {}, const HardwareSpec& hardware = {},
+                  const std::function<void(const std::string&)>& say = {});
+    /// Every device has been released before. Ends the tasks and waits a while for requests that are being served, and
+    /// for the last packets of universes.
     ~Host();
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
@@ -60,6 +66,7 @@ private:
     VariableManager m_variables;
     NameTools m_names;
     CommandWaiter m_commands;
+    const std::unique_ptr<Hardware> m_hardware; ///< ends after the model, which shows it
     ShowModel m_model;
     RequestDesk m_desk;
     std::unique_ptr<OlderLinkManager> m_olderLink; ///< null when not offered

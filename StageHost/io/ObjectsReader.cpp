@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "BorderText.h"
+#include "HardwareReader.h"
 #include "NameTools.h"
 #include "UserGroup.h"
 
@@ -50,6 +51,8 @@ ObjectsReader::ObjectsReader(Show& show)
     : m_show(show) {
     for (const auto& variable : show.variables)
         m_variables += FromBorderText(variable.name);
+    for (const auto& name : NamesOf(show.resources))
+        m_resources += FromBorderText(name);
     for (const auto& device : show.devices)
         m_devices += device.name;
     for (const auto& command : show.commands)
@@ -98,7 +101,8 @@ void ObjectsReader::ReadTask(const JsonNode& node) {
 }
 
 void ObjectsReader::ReadLine(const JsonNode& node, TaskSpec& task) {
-    if (!node.ExpectObject({"at", "label", "set", "device", "command", "params", "stored", "task", "action", "cue"}))
+    if (!node.ExpectObject(
+            {"at", "label", "set", "ramp", "device", "command", "params", "stored", "task", "action", "cue"}))
         return;
     TaskLineSpec line;
     const std::int32_t before = task.lines.empty() ? 0 : task.lines.back().at;
@@ -117,7 +121,8 @@ void ObjectsReader::ReadLine(const JsonNode& node, TaskSpec& task) {
 }
 
 void ObjectsReader::ReadCue(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "set", "device", "command", "params", "stored", "task", "action", "requests"}))
+    if (!node.ExpectObject(
+            {"name", "set", "ramp", "device", "command", "params", "stored", "task", "action", "requests"}))
         return;
     CueSpec cue;
     cue.name = ReadName(MemberOf(node, "name"), {}, m_taken[kCues]);
@@ -140,7 +145,7 @@ void ObjectsReader::ReadScreen(const JsonNode& node) {
 
 void ObjectsReader::ReadShow(const JsonNode& node) {
     if (!node.ExpectObject(
-            {"name", "set", "device", "command", "params", "stored", "task", "action", "cue", "requests"}))
+            {"name", "set", "ramp", "device", "command", "params", "stored", "task", "action", "cue", "requests"}))
         return;
     LoadableShowSpec show;
     show.name = ReadName(MemberOf(node, "name"), {}, m_taken[kShows]);
@@ -188,6 +193,7 @@ ObjectSpec ObjectsReader::ReadObject(const JsonNode& node, const QString& holder
 ActionSpec ObjectsReader::ReadAction(const JsonNode& node) {
     ActionSpec action;
     ReadSets(MemberOf(node, "set"), action);
+    ReadRamps(MemberOf(node, "ramp"), action);
     ReadCommand(node, action);
     const JsonNode stored = MemberOf(node, "stored");
     if (!stored.IsMissing())
@@ -202,6 +208,21 @@ void ObjectsReader::ReadSets(const JsonNode& node, ActionSpec& action) {
     for (const QString& name : node.MemberNames()) {
         CheckVariable(node.Member(name), name);
         action.sets.emplace_back(node.Border(name), node.Member(name).BorderScalar());
+    }
+}
+
+void ObjectsReader::ReadRamps(const JsonNode& node, ActionSpec& action) {
+    node.ExpectObjectOfAny();
+    for (const QString& name : node.MemberNames()) {
+        const JsonNode ramp = node.Member(name);
+        if (!m_resources.contains(name))
+            ramp.Complain(QStringLiteral("there is no channel ") + Quoted(name));
+        if (!ramp.ExpectObject({"to", "time"}))
+            continue;
+        const auto to = MemberOf(ramp, "to").Whole(std::numeric_limits<int>::min());
+        if (MemberOf(ramp, "to").IsMissing())
+            MemberOf(ramp, "to").Complain(QStringLiteral("expected a whole number"));
+        action.ramps.push_back({ramp.Border(name), to.value_or(0), MemberOf(ramp, "time").Whole(0).value_or(0)});
     }
 }
 
@@ -262,7 +283,7 @@ void ObjectsReader::CheckStored(const JsonNode& node) const {
 }
 
 void ObjectsReader::CheckVariable(const JsonNode& node, const QString& name) const {
-    if (!m_variables.contains(name) && !name.contains(QLatin1Char('.')))
+    if (!m_variables.contains(name) && !m_resources.contains(name) && !name.contains(QLatin1Char('.')))
         node.Complain(QStringLiteral("there is no variable ") + Quoted(name));
 }
 
@@ -278,7 +299,8 @@ std::string ObjectsReader::ReadName(const JsonNode& node, const QString& holder,
 }
 
 bool ObjectsReader::IsKnownObject(const QString& name) const {
-    const QSet<QString>* const sets[] = {&m_variables, &m_devices, &m_tasks, &m_cues, &m_screens, &m_objects, &m_shows};
+    const QSet<QString>* const sets[] = {&m_variables, &m_resources, &m_devices, &m_tasks,
+                                         &m_cues,      &m_screens,   &m_objects, &m_shows};
     const bool ofDevice = m_devices.contains(name.section(QLatin1Char('.'), 0, 0)) && name.contains(QLatin1Char('.'));
     return ofDevice ||
            std::any_of(std::begin(sets), std::end(sets), [&](const auto* set) { return set->contains(name); });

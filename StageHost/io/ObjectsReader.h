@@ -23,6 +23,7 @@ public:
 
     /// Parts of steps too: what the show does by itself, and the names that it uses.
     void ReadSets(const JsonNode& node, ActionSpec& action);
+    void ReadRamps(const JsonNode& node, ActionSpec& action);
     void ReadTaskAction(const JsonNode& node, ActionSpec& action);
     void ReadCueName(const JsonNode& node, ActionSpec& action);
     void CheckStored(const JsonNode& node) const;
@@ -46,6 +47,7 @@ private:
 
     Show& m_show;
     QSet<QString> m_variables;
+    QSet<QString> m_resources; ///< with their channels
     QSet<QString> m_devices;
     QSet<QString> m_stored;
     QSet<QString> m_tasks;

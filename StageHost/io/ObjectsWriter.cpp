@@ -101,6 +101,12 @@ void WriteObjects(const ShowSpec& objects, QJsonObject& root) {
 void WriteAction(const ActionSpec& action, QJsonObject& object) {
     if (!action.sets.empty())
         Insert(object, "set", TextMap(action.sets));
+    QJsonObject ramps;
+    for (const auto& ramp : action.ramps)
+        ramps.insert(FromBorderText(ramp.channel),
+                     QJsonObject{{QStringLiteral("to"), ramp.to}, {QStringLiteral("time"), ramp.time}});
+    if (!ramps.isEmpty())
+        Insert(object, "ramp", ramps);
     InsertText(object, "device", action.device);
     InsertText(object, "command", action.command);
     QJsonObject parameters;

@@ -5,6 +5,7 @@
 
 #include <QString>
 
+#include "HardwareSpec.h"
 #include "HostSettings.h"
 #include "ShowSpec.h"
 #include "ValueSpec.h"
@@ -67,6 +68,7 @@ struct Show {
     QString folder; ///< where the show file stands; relative names start here
     QString name;
     HostSettings host; ///< without the log and the link, which are not the show's business
+    HardwareSpec resources;
     std::vector<ValueSpec> variables;
     std::vector<ShowDevice> devices;
     std::vector<ShowStoredCommand> commands;

@@ -9,6 +9,7 @@
 
 #include "BorderText.h"
 #include "DataTypes.h"
+#include "HardwareReader.h"
 #include "NameTools.h"
 #include "StoredCommandXml.h"
 #include "ValueFactory.h"
@@ -46,12 +47,13 @@ std::optional<Show> ShowReader::Read(const QByteArray& text, const QString& file
 }
 
 void ShowReader::ReadShow(const JsonNode& root) {
-    if (!root.ExpectObject({"name", "host", "folders", "variables", "devices", "commands", "tasks", "cues", "screens",
-                            "groups", "objects", "shows", "steps"}))
+    if (!root.ExpectObject({"name", "host", "folders", "resources", "variables", "devices", "commands", "tasks", "cues",
+                            "screens", "groups", "objects", "shows", "steps"}))
         return;
     m_show.name = root.Member(QStringLiteral("name")).TextOr(m_show.name);
     ReadHost(root.Member(QStringLiteral("host")));
     ReadFolders(root.Member(QStringLiteral("folders")));
+    HardwareReader(m_show.resources).Read(root.Member(QStringLiteral("resources")));
     root.Member(QStringLiteral("variables")).ForEach([this](const JsonNode& node) { ReadVariable(node); });
     root.Member(QStringLiteral("devices")).ForEach([this](const JsonNode& node) { ReadDevice(node); });
     root.Member(QStringLiteral("commands")).ForEach([this](const JsonNode& node) { ReadStoredCommand(node); });
@@ -164,15 +166,17 @@ void ShowReader::ReadStoredCommand(const JsonNode& node) {
 
 void ShowReader::ReadStep(const JsonNode& node, ObjectsReader& objects) {
     if (!node.ExpectObject(
-            {"say", "device", "command", "params", "expect", "stored", "set", "task", "action", "cue", "wait"}))
+            {"say", "device", "command", "params", "expect", "stored", "set", "ramp", "task", "action", "cue", "wait"}))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ShowStep step;
     step.say = member("say").Text();
     const auto given = [&](const char* name) { return member(name).IsMissing() ? 0 : 1; };
-    if (given("device") + given("stored") + given("set") + given("task") + given("cue") + given("wait") != 1)
-        node.Complain(
-            QStringLiteral("expected one of \"device\", \"stored\", \"set\", \"task\", \"cue\" and \"wait\""));
+    if (given("device") + given("stored") + given("set") + given("ramp") + given("task") + given("cue") +
+            given("wait") !=
+        1)
+        node.Complain(QStringLiteral(
+            "expected one of \"device\", \"stored\", \"set\", \"ramp\", \"task\", \"cue\" and \"wait\""));
     else if (member("device").IsMissing())
         ReadOtherStep(node, objects, step);
     else
@@ -194,6 +198,7 @@ void ShowReader::ReadOtherStep(const JsonNode& node, ObjectsReader& objects, Sho
         return;
     }
     objects.ReadSets(member("set"), step.action);
+    objects.ReadRamps(member("ramp"), step.action);
     objects.ReadTaskAction(node, step.action);
     objects.ReadCueName(member("cue"), step.action);
     const JsonNode wait = member("wait");

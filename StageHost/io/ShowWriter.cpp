@@ -6,6 +6,7 @@
 
 #include "BorderText.h"
 #include "DataTypes.h"
+#include "HardwareWriter.h"
 #include "ObjectsWriter.h"
 
 namespace stagehost {
@@ -134,6 +135,8 @@ QByteArray WriteShow(const Show& show) {
     const QJsonObject folders = WriteFolders(show);
     if (!folders.isEmpty())
         root.insert(QStringLiteral("folders"), folders);
+    if (!show.resources.empty())
+        root.insert(QStringLiteral("resources"), WriteList(show.resources, &WriteResource));
     root.insert(QStringLiteral("variables"), WriteList(show.variables, &WriteVariable));
     root.insert(QStringLiteral("devices"), WriteList(show.devices, &WriteDevice));
     if (!show.commands.empty())

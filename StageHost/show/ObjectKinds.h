@@ -6,7 +6,7 @@
 namespace stagehost {
 
 /// The kinds of objects that a show consists of, in the order in which a name is looked up that may mean any of them.
-enum class ObjectKind { Device, Task, Cue, UserScreen, UserGroup, Variable, Object, Show };
+enum class ObjectKind { Device, Task, Cue, UserScreen, UserGroup, Variable, Object, Show, Resource };
 
 /// One kind: its name in object texts and its number in GetObjectList.
 struct ObjectKindRow {
@@ -27,6 +27,7 @@ inline constexpr ObjectKindRow kObjectKinds[] = {
     {"Variable", 6, ObjectKind::Variable},
     {"Object", 100, ObjectKind::Object},
     {"Show", 1000, ObjectKind::Show},
+    {"Resource", 101, ObjectKind::Resource},
 };
 
 constexpr bool InEnumOrder() {

@@ -67,6 +67,13 @@ void ShowModel::FillObjects(const std::shared_ptr<PlainObject>& object) {
         FillObjects(below);
 }
 
+void ShowModel::AddResources(const std::vector<ShowObjectPtr>& resources) {
+    for (const auto& resource : resources) {
+        m_top.push_back(resource);
+        m_own.emplace(std::pair(resource->Kind(), resource->Name()), resource);
+    }
+}
+
 void ShowModel::EndTasks() {
     for (const auto& object : m_top) {
         if (object->Kind() == ObjectKind::Task)
@@ -128,6 +135,10 @@ std::shared_ptr<Cue> ShowModel::FindCue(const std::string& name) const {
     return As<Cue>(Find(ObjectKind::Cue, name));
 }
 
+std::shared_ptr<ResourceObject> ShowModel::FindResource(const std::string& name) const {
+    return As<ResourceObject>(Find(ObjectKind::Resource, name));
+}
+
 std::shared_ptr<UserGroup> ShowModel::FindGroup(const std::string& name) const {
     return As<UserGroup>(Find(ObjectKind::UserGroup, name));
 }
@@ -181,10 +192,13 @@ bool ShowModel::GroupHas(const std::string& group, const std::string& variable) 
 }
 
 void ShowModel::Run(const ActionSpec& action, const Failed& failed) {
-    for (const auto& [name, value] : action.sets) {
-        const auto variable = m_variables.Find(name);
-        const KXPCode code = !variable ? kNoSuchObject : variable->SetText(value) ? KXP_OK : KXPCode{kBadValue};
-        Report(failed, name, code);
+    for (const auto& [name, value] : action.sets)
+        Report(failed, name, RunSet(name, value));
+    for (const auto& ramp : action.ramps) {
+        const auto channel = FindResource(ramp.channel);
+        const KXPCode code =
+            channel ? channel->Ramp(ramp.to, std::chrono::milliseconds(ramp.time)) : KXPCode{kNoSuchObject};
+        Report(failed, ramp.channel, code);
     }
     if (!action.device.empty())
         RunCommand(action, failed);
@@ -200,6 +214,13 @@ void ShowModel::Run(const ActionSpec& action, const Failed& failed) {
     Report(failed, action.cue, cue ? KXP_OK : KXPCode{kNoSuchObject});
     if (cue)
         cue->Go();
+}
+
+KXPCode ShowModel::RunSet(const std::string& name, const std::string& value) {
+    if (const auto variable = m_variables.Find(name))
+        return variable->SetText(value) ? KXPCode{KXP_OK} : KXPCode{kBadValue};
+    const auto resource = FindResource(name);
+    return resource ? resource->SetValue(value) : KXPCode{kNoSuchObject};
 }
 
 void ShowModel::SetStoredCommand(const std::string& name, const ActionSpec& action) {

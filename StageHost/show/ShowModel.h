@@ -10,6 +10,7 @@
 #include "ActionObjects.h"
 #include "ChangeFeed.h"
 #include "PlainObject.h"
+#include "ResourceObject.h"
 #include "ShowTask.h"
 #include "UserGroup.h"
 #include "UserScreen.h"
@@ -30,6 +31,9 @@ public:
     /// Makes the show's own objects; once, before anything else.   [host main]
     void Fill(const ShowSpec& spec);
 
+    /// Makes the resources of the host known; once, before anything else.   [host main]
+    void AddResources(const std::vector<ShowObjectPtr>& resources);
+
     /// Ends the tasks and waits for lines that are being played; none starts any more.   [host main]
     void EndTasks();
 
@@ -47,6 +51,7 @@ public:
     std::shared_ptr<UserScreen> FindScreen(const std::string& name) const;
     std::shared_ptr<LoadableShow> FindShow(const std::string& name) const;
     std::shared_ptr<Cue> FindCue(const std::string& name) const;
+    std::shared_ptr<ResourceObject> FindResource(const std::string& name) const;
     std::shared_ptr<UserGroup> FindGroup(const std::string& name) const;
 
     /// The objects of a kind that stand at the top, devices and variables
@@ -74,6 +79,7 @@ public:
 private:
     void FillGroups(const std::shared_ptr<UserGroup>& group);
     void FillObjects(const std::shared_ptr<PlainObject>& object);
+    KXPCode RunSet(const std::string& name, const std::string& value);
     void RunStored(const std::string& name, const std::function<void(const std::string&)>& failed);
     void RunCommand(const ActionSpec& action, const std::function<void(const std::string&)>& failed);
 

@@ -33,11 +33,19 @@ struct ActionParameter {
     bool isVariable = false; ///< a variable of the show takes the parameter's place
 };
 
+/// A channel that moves to a value.
+struct RampSpec {
+    std::string channel; ///< its full name
+    std::int32_t to = 0;
+    std::int32_t time = 0; ///< ms
+};
+
 /// Something that the show does by itself: all that is named happens, in this order.
 struct ActionSpec {
-    std::vector<std::pair<std::string, std::string>> sets; ///< variables with their new values
-    std::string device;                                    ///< empty: no command
-    std::string command;                                   ///< name or id
+    std::vector<std::pair<std::string, std::string>> sets; ///< variables and resources with their new values
+    std::vector<RampSpec> ramps;
+    std::string device;  ///< empty: no command
+    std::string command; ///< name or id
     std::vector<ActionParameter> parameters;
     std::string stored; ///< a stored command by its name; empty: none
     std::string task;   ///< empty: no task

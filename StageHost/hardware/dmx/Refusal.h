@@ -67,6 +67,10 @@ static_assert(RefusalsInEnumOrder() && kRefusalCount == static_cast<std::size_t>
 class RefusalCounts {
 public:
     void Add(Refusal refusal) { ++m_counts[static_cast<std::size_t>(refusal)]; }
+    void Add(const RefusalCounts& other) {
+        for (std::size_t index = 0; index < kRefusalCount; ++index)
+            m_counts[index] += other.m_counts[index];
+    }
     std::uint64_t Of(Refusal refusal) const { return m_counts[static_cast<std::size_t>(refusal)]; }
 
     /// All that were not taken.

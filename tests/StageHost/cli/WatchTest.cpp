@@ -133,6 +133,38 @@ TEST_F(Watching, TellsWhatALineCannotDoAndGoesOn) {
         << host.Errors().toStdString();
 }
 
+TEST_F(Watching, SetsRampsAndShowsResources) {
+    show = host.File(Text("hardware.json"), R"({
+        "resources": [
+            {"id":1,"name":"House","channels":{"digitalIn":["Door"],"analogIn":[{"name":"Light","max":1000}]}},
+            {"id":2,"name":"Console","dmxIn":{}},
+            {"id":3,"name":"Port","serial":{"port":"/nowhere/tty"}}],
+        "cues": [{"name":"Dusk","set":{"House.Door":1},"ramp":{"House.Light":{"to":500,"time":100}}}],
+        "steps": [{"cue":"Dusk"},{"wait":{"variable":"House.Light","value":500}}]})");
+    Say("set House.Door 1\nset House.Door 2\n", {Text("House.Door")});
+    EXPECT_EQ(Lines(), QStringList{Text("Resource House.Door: Value = 1")});
+    EXPECT_EQ(host.ExitCode(), 2);
+    EXPECT_TRUE(host.Errors().contains(Text("\"House.Door\" does not take \"2\""))) << host.Errors().toStdString();
+    Say("ramp House.Light 1000 50\nwait House.Light 1000\nget House.Light\n");
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    EXPECT_TRUE(Lines().contains(Text("Resource House.Light: Value = 1000")));
+    EXPECT_TRUE(Lines().contains(Text("Kind: analogIn")));
+    Say("get Console\nget Port\nset Console 1=5\n");
+    EXPECT_TRUE(Lines().contains(Text("Kind: dmxIn")));
+    EXPECT_TRUE(Lines().contains(Text("State: Closed")));
+    EXPECT_TRUE(Lines().contains(Text("Port: /nowhere/tty")));
+    EXPECT_EQ(host.ExitCode(), 2); // nobody has opened the console
+    Say("ramp House.Door 1\n");
+    EXPECT_EQ(host.ExitCode(), 2);
+    Say("ramp Nothing 1 1\n");
+    EXPECT_TRUE(host.Errors().contains(Text("the show has no channel \"Nothing\"")));
+    Say("play\nget House.Door\n");
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    EXPECT_TRUE(Lines().contains(Text("Value: 1")));
+    Say("list\n");
+    EXPECT_TRUE(host.Output().contains(Text("Resource    House.Door\n")));
+}
+
 TEST_F(Watching, PlaysTheStepsOfTheShow) {
     Say("play\n");
     EXPECT_EQ(host.ExitCode(), 0);

@@ -35,6 +35,14 @@ constexpr const char* kFullShow = R"json({
     "name": "full",
     "host": { "name": "hostq", "version": "7.0", "userMode": 1 },
     "folders": { "scripts": "lib" },
+    "resources": [
+        { "id": 1, "name": "port", "serial": { "port": "/dev/ttyS0", "baudRate": 19200, "parity": "odd", "stopBits": 2 } },
+        { "id": 2, "name": "lamp light", "dmxOut": { "universe": 3, "to": "multicast", "interface": "eth0", "priority": 150,
+                                                "source": "desk", "rate": 30, "continuous": true } },
+        { "id": 3, "name": "console", "dmxIn": { "protocol": "artnet", "universe": 17, "at": "10.0.0.5", "port": 7000 } },
+        { "id": 9, "name": "doors", "channels": { "digitalIn": ["stage", { "name": "foyer", "value": 1 }],
+                                                  "analogOut": [{ "name": "fan", "value": -5, "min": -10, "max": 10 }] } }
+    ],
     "variables": [
         { "name": "level", "type": "Integer", "value": 5, "min": 0, "max": 10 },
         { "name": "gain", "type": "Real", "value": 0.1, "precision": 2 },
@@ -71,6 +79,7 @@ constexpr const char* kFullShow = R"json({
         { "set": { "level": 7, "note": "n" } },
         { "say": "now", "task": "overture", "action": "pause" },
         { "cue": "thunder" },
+        { "ramp": { "doors.fan": { "to": 9, "time": 250 } } },
         { "wait": { "variable": "level", "value": 8, "within": 50 } }
     ]
 })json";
@@ -118,7 +127,7 @@ TEST(ShowReader, ReadsEverythingThatAShowCanHold) {
     EXPECT_EQ(show->variables[4].items.size(), 2u);
     ASSERT_EQ(show->devices.size(), 2u);
     EXPECT_EQ(show->devices[0].setup, QStringLiteral("<setup/>"));
-    ASSERT_EQ(show->steps.size(), 6u);
+    ASSERT_EQ(show->steps.size(), 7u);
     EXPECT_EQ(show->steps[0].command, QStringLiteral("3"));
     ASSERT_EQ(show->steps[0].parameters.size(), 7u);
     EXPECT_EQ(show->steps[0].parameters[1].text, QStringLiteral("1.5"));
@@ -128,6 +137,50 @@ TEST(ShowReader, ReadsEverythingThatAShowCanHold) {
     EXPECT_EQ(show->steps[0].parameters[5].kind, ShowParameter::Kind::Variable);
     EXPECT_EQ(show->steps[0].expectedResult, QStringLiteral("7"));
     EXPECT_EQ(show->steps[1].expectedError, QStringLiteral("no"));
+}
+
+TEST(ShowReader, ReadsTheResourcesOfAShow) {
+    const QTemporaryDir folder;
+    WrittenFile(folder, "desk.js", "({})");
+    ShowReader reader;
+    const auto show = ReadFile(reader, WrittenFile(folder, "show.json", kFullShow));
+    ASSERT_TRUE(show.has_value()) << reader.Complaints().join(QLatin1Char('\n')).toStdString();
+    ASSERT_EQ(show->resources.size(), 4u);
+    const auto& port = std::get<SerialPlan>(show->resources[0].plan);
+    EXPECT_EQ(port.port, QStringLiteral("/dev/ttyS0"));
+    EXPECT_EQ(port.settings.Get(SerialSetting::BaudRate), 19200u);
+    EXPECT_EQ(port.settings.Get(SerialSetting::Parity), 1u);
+    EXPECT_EQ(port.settings.Get(SerialSetting::StopBits), 2u);
+    EXPECT_EQ(port.settings.Get(SerialSetting::DataSize), std::nullopt);
+    const auto& lamp = std::get<DmxOutPlan>(show->resources[1].plan);
+    EXPECT_EQ(lamp.protocol, DmxProtocol::Sacn);
+    EXPECT_EQ(lamp.universe, 3);
+    EXPECT_TRUE(lamp.multicast);
+    EXPECT_EQ(lamp.Target().toString(), QStringLiteral("239.255.0.3"));
+    EXPECT_EQ(lamp.priority, 150);
+    EXPECT_EQ(lamp.sourceName, "desk");
+    EXPECT_EQ(lamp.rate, 30);
+    EXPECT_TRUE(lamp.continuous);
+    EXPECT_EQ(lamp.Port(), 5568);
+    const auto& console = std::get<DmxInPlan>(show->resources[2].plan);
+    EXPECT_EQ(console.protocol, DmxProtocol::ArtNet);
+    EXPECT_EQ(console.address.toString(), QStringLiteral("10.0.0.5"));
+    EXPECT_EQ(console.Port(), 7000);
+    const auto& doors = std::get<ChannelsPlan>(show->resources[3].plan);
+    ASSERT_EQ(doors[static_cast<std::size_t>(ChannelType::DigitalIn)].size(), 2u);
+    EXPECT_EQ(doors[static_cast<std::size_t>(ChannelType::DigitalIn)][1].value, 1);
+    EXPECT_EQ(doors[static_cast<std::size_t>(ChannelType::AnalogOut)][0].minimum, -10);
+    ASSERT_EQ(show->steps[5].action.ramps.size(), 1u);
+    EXPECT_EQ(show->steps[5].action.ramps[0].time, 250);
+}
+
+TEST(ShowReader, UniversesStayOnTheLoopbackUntilAnAddressIsNamed) {
+    ShowReader reader;
+    const auto show =
+        reader.Read(R"({"resources":[{"id":1,"name":"o","dmxOut":{}},{"id":2,"name":"i","dmxIn":{}}]})", {});
+    ASSERT_TRUE(show.has_value());
+    EXPECT_TRUE(std::get<DmxOutPlan>(show->resources[0].plan).Target().isLoopback());
+    EXPECT_TRUE(std::get<DmxInPlan>(show->resources[1].plan).address.isLoopback());
 }
 
 TEST(ShowReader, ReadsTheObjectsOfAShow) {
@@ -163,8 +216,8 @@ TEST(ShowReader, ReadsTheObjectsOfAShow) {
     EXPECT_EQ(show->steps[2].action.sets.size(), 2u);
     EXPECT_EQ(show->steps[3].action.taskAction, TaskAction::Pause);
     EXPECT_EQ(show->steps[4].action.cue, "thunder");
-    EXPECT_EQ(show->steps[5].wait->value, QStringLiteral("8"));
-    EXPECT_EQ(show->steps[5].wait->within, 50);
+    EXPECT_EQ(show->steps[6].wait->value, QStringLiteral("8"));
+    EXPECT_EQ(show->steps[6].wait->within, 50);
 }
 
 TEST(ShowReader, FillsAnEmptyShowWithDefaults) {
@@ -191,7 +244,7 @@ TEST(ShowWriter, WritesWhatReadsBackAsTheSameShow) {
     ASSERT_TRUE(again.has_value()) << second.Complaints().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(WriteShow(*again), text);
     EXPECT_EQ(again->steps.size(), show->steps.size());
-    EXPECT_EQ(again->steps[5].wait->variable, show->steps[5].wait->variable);
+    EXPECT_EQ(again->steps[6].wait->variable, show->steps[6].wait->variable);
     EXPECT_EQ(again->devices[1].conduct, Conduct::NeverEnds);
     EXPECT_EQ(again->objects.tasks[0].lines.size(), 4u);
     EXPECT_EQ(again->objects.tasks[0].lines[2].action.taskAction, TaskAction::Stop);
