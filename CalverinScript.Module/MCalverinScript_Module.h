@@ -90,5 +90,6 @@ private:
     std::int32_t hostBuild = -1;
     bool debuggerAllowed = true; ///< false on the run-time host, which has no editing interface
     QByteArray driverList;       ///< last result of GetDriverList
+    std::string scriptsFolder;   ///< found at the first question
     IMInterface* host = nullptr; ///< not owned
 };

@@ -17,9 +17,6 @@ namespace {
 constexpr std::size_t kPathSize = 1024;
 constexpr const char* kConfigFileName = "kxpCalverinScript.cfg";
 
-/// The script library's folder, found once for the life of a module object. Host main.
-char scriptsFolder[kPathSize] = {};
-
 void CopyText(char* buffer, const std::string& text) {
     const std::size_t length = std::min(text.size(), kPathSize - 1);
     std::memcpy(buffer, text.data(), length);
@@ -28,16 +25,14 @@ void CopyText(char* buffer, const std::string& text) {
 
 } // namespace
 
-MCalverinScript_Module::MCalverinScript_Module() {
-    scriptsFolder[0] = '\0';
-}
+MCalverinScript_Module::MCalverinScript_Module() = default;
 
 const char* MCalverinScript_Module::GetScriptsFolder() {
-    if (scriptsFolder[0] == '\0') {
+    if (scriptsFolder.empty()) {
         auto* folders = QueryFace<IFolderManager>(host, "IFolderManager");
-        CopyText(scriptsFolder, FindScriptsFolder(folders, FallbackScriptsFolder()));
+        scriptsFolder = FindScriptsFolder(folders, FallbackScriptsFolder()).substr(0, kPathSize - 1);
     }
-    return scriptsFolder;
+    return scriptsFolder.c_str();
 }
 
 void MCalverinScript_Module::GetConfigFilePath(char* buffer) {
