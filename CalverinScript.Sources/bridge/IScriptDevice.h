@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <vector>
 
 class MCommandObject;
@@ -15,7 +16,7 @@ class VisitGate;
 class IScriptDevice {
 public:
     /// The device's name in the host's 8-bit text.   [any]
-    virtual const char* GetScriptDeviceName() = 0;
+    virtual std::string GetScriptDeviceName() = 0;
 
     /// Queues the delivery of an asynchronous result to the script. When nothing can be queued the context stays
     /// unreleased.   [any]

@@ -116,6 +116,6 @@ void MScriptMngRemote::PostScriptEvents(const QString& eventName, std::vector<MS
     device->PostScriptEvents(eventName, std::move(events), object);
 }
 
-const char* MScriptMngRemote::GetDeviceName() const {
-    return device != nullptr ? device->GetScriptDeviceName() : "";
+std::string MScriptMngRemote::GetDeviceName() const {
+    return device != nullptr ? device->GetScriptDeviceName() : std::string();
 }

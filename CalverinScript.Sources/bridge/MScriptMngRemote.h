@@ -187,7 +187,7 @@ public:
     void PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
                           MScriptCommonEvent* object) override;
     ScriptWaits* GetWaits() override { return &scriptWaits; }
-    const char* GetDeviceName() const override;
+    std::string GetDeviceName() const override;
 
     // IAsyncDeviceExecContextHandler
     void OnAsyncContextDone(MyAsyncDeviceExecContext* context) override;

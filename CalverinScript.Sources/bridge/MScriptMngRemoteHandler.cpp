@@ -51,6 +51,7 @@ void MScriptMngRemote::OnAsyncContextDone(MyAsyncDeviceExecContext* context) {
 void MScriptMngRemote::TraceMessage(const QString& message, const QString& messageType) {
     if (!IsLogOn(false))
         return;
-    const char* name = device != nullptr ? device->GetScriptDeviceName() : "Unknown";
-    WriteLog(LogHandle(), LevelOf(messageType), "kxpCalverinScript [%s] %s", name, ToHostText(message).constData());
+    const std::string name = device != nullptr ? device->GetScriptDeviceName() : "Unknown";
+    WriteLog(LogHandle(), LevelOf(messageType), "kxpCalverinScript [%s] %s", name.c_str(),
+             ToHostText(message).constData());
 }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "DeviceTexts.h"
 #include "ICommandObjectHandler.h"
 #include "Log.h"
 #include "MyCommandManager.h"
@@ -95,7 +96,7 @@ bool CommandRoad::Post(const ScriptRequest& request, IExecContext* context) {
     const RequestKind* kind = KindOf(request.id);
     if (kind == nullptr || !m_work.MayPost())
         return false;
-    LogStep(*kind, request, m_work.GetRoadName(), "post", m_stackCount.Read());
+    LogStep(*kind, request, m_work.GetRoadName().c_str(), "post", m_stackCount.Read());
     const bool endsContext = request.id == kExecuteFunctionWithParams;
     auto* command = new MCommandObject(&m_queue, request.id, 0, endsContext ? &m_contexts : nullptr,
                                        endsContext ? context : nullptr);
@@ -126,13 +127,13 @@ bool CommandRoad::Execute(const ScriptRequest& request) {
     const RequestKind* kind = KindOf(request.id);
     if (kind == nullptr)
         return false;
-    LogStep(*kind, request, m_work.GetRoadName(), "execute", m_stackCount.Read());
+    LogStep(*kind, request, m_work.GetRoadName().c_str(), "execute", m_stackCount.Read());
     if (!kind->isScripts) {
         m_work.ShowError("");
         m_work.ShowStatus(kind->status);
     }
     const bool done = m_work.Run(request);
-    LogExecuted(*kind, request, m_work.GetRoadName());
+    LogExecuted(*kind, request, m_work.GetRoadName().c_str());
     if (!kind->isScripts)
         m_work.ShowStatus(DeviceStatus::Ready);
     return done;
@@ -185,11 +186,11 @@ void CommandRoad::CheckExpired() {
 }
 
 void CommandRoad::GiveUp(MCommandObject* command) {
-    m_work.ShowError("Command Timeout.");
+    m_work.ShowError(DeviceText::kCommandTimeOut);
     m_work.ShowStatus(DeviceStatus::Ready);
     if (IsLogOn(false))
-        WriteLog(LogHandle(), kTroubleLevel, "CalverinScript_ [%s] Command Timeout ID : %d", m_work.GetRoadName(),
-                 command != nullptr ? command->GetId() : -1);
+        WriteLog(LogHandle(), kTroubleLevel, "CalverinScript_ [%s] Command Timeout ID : %d",
+                 m_work.GetRoadName().c_str(), command != nullptr ? command->GetId() : -1);
     m_queue.FinishCurrentCommand(nullptr);
     m_stackCount.Decrement();
     if (m_queue.TakeNextCommand() == kCommandDone)
@@ -199,6 +200,6 @@ void CommandRoad::GiveUp(MCommandObject* command) {
 void CommandRoad::TellDropped(std::int32_t count) {
     if (count > 0 && IsLogOn(false))
         WriteLog(LogHandle(), kTroubleLevel,
-                 "CalverinScript_ [%s] %d commands or answers dropped: more than %d were waiting", m_work.GetRoadName(),
-                 count, m_queue.GetMaxQueued());
+                 "CalverinScript_ [%s] %d commands or answers dropped: more than %d were waiting",
+                 m_work.GetRoadName().c_str(), count, m_queue.GetMaxQueued());
 }

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "DeviceStatus.h"
 #include "DropCount.h"
@@ -20,7 +21,7 @@ class ICommandWork {
 public:
     virtual ~ICommandWork() = default;
     /// The device's name for the log.   [any]
-    virtual const char* GetRoadName() = 0;
+    virtual std::string GetRoadName() = 0;
     /// Whether commands are taken at the moment.   [any]
     virtual bool MayPost() const = 0;
     /// Does what a request asks for. @return false when it failed: its command is held then.   [command, tick]

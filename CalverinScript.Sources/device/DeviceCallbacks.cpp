@@ -4,6 +4,7 @@
 #include <QTimerEvent>
 
 #include "DeviceMarshalling.h"
+#include "DeviceTexts.h"
 #include "EventArguments.h"
 #include "HostText.h"
 #include "MScriptCommonEvent.h"
@@ -12,8 +13,7 @@
 int MCalverinScript_Device::StartTimer(ScriptTimers::Kind kind, const QScriptValue& function, int delayMs) {
     const int id = timers.Start(kind, function, delayMs);
     if (id == 0)
-        remote->TraceMessage(QStringLiteral("A timer with a delay of %1 ms starts nothing.").arg(delayMs),
-                             QStringLiteral("ALARM"));
+        remote->TraceMessage(NoTimerFor(delayMs), QStringLiteral("ALARM"));
     return id;
 }
 
@@ -59,13 +59,12 @@ void MCalverinScript_Device::FireTimer(int id) {
 void MCalverinScript_Device::ClearTimers() {
     timers.ClearAll();
     callbacks.Clear();
-    propertyCallback.reset();
 }
 
 MyAsyncDeviceExecContext* MCalverinScript_Device::MakeAsyncContext(const QScriptValue& function) {
     if (!function.isFunction())
         return nullptr;
-    auto* context = new MyAsyncDeviceExecContext(remote, remote->GetAsyncContexts());
+    auto* context = new MyAsyncDeviceExecContext(remote.get(), remote->GetAsyncContexts());
     callbacks.Note(context, function);
     return context;
 }
@@ -115,7 +114,7 @@ bool MCalverinScript_Device::SlotExecuteScriptEventCallBack(const QString& name,
 unsigned int MCalverinScript_Device::SlotSetPropertyChangeCallback(const QScriptValue& function) {
     if (!function.isFunction())
         return KXP_NOT_IMPLEMENTED;
-    propertyCallback = std::make_unique<QScriptValue>(function);
+    callbacks.SetOnChange(function);
     return KXP_OK;
 }
 
@@ -135,9 +134,9 @@ void MCalverinScript_Device::SlotOnPropertyChange(const QString& object, const Q
     if (ending)
         return;
     const ScriptEntrance::Entry entry(entrance);
-    if (propertyCallback == nullptr)
+    const QScriptValue function = callbacks.GetOnChange();
+    if (!function.isFunction())
         return;
-    const QScriptValue function = *propertyCallback;
     CallScript(function, {QScriptValue(object), QScriptValue(value)});
     CheckUncaught();
 }

@@ -22,8 +22,8 @@ constexpr int kWindowHeight = 640;
 void MCalverinScript_Device::SetUpDebugger() {
     engine->setAgent(agent);
     engine->setProcessEventsInterval(kDebuggerEventIntervalMs);
-    debugger = new QScriptEngineDebugger(this);
-    debugger->attachTo(engine);
+    debugger = std::make_unique<QScriptEngineDebugger>(this);
+    debugger->attachTo(engine.get());
     debugger->action(QScriptEngineDebugger::InterruptAction)->trigger();
     debugger->setAutoShowStandardWindow(false);
     debugger->standardWindow()->setWindowIcon(QIcon(QStringLiteral(":/deviceIcon")));

@@ -17,8 +17,8 @@
 #include "ConfigFile.h"
 #include "EventArguments.h"
 #include "FaceAnswer.h"
-#include "HostCall.h"
 #include "HostText.h"
+#include "HostVisit.h"
 #include "IManagerRuntimeInfo.h"
 #include "IModuleServices.h"
 #include "ISetupInterface.h"
@@ -26,11 +26,11 @@
 #include "MScriptEngineAgent.h"
 #include "MScriptMngRemote.h"
 #include "MScriptThread.h"
+#include "RequestedStack.h"
 #include "ScriptGlobals.h"
 
 namespace {
 
-constexpr std::size_t kRequestedStackSize = 8193;
 constexpr int kEngineEventIntervalMs = 10; ///< how often a running engine looks at its thread's events
 constexpr std::uint32_t kThreadEndMs = 50; ///< what the end of a device grants its script
 constexpr std::uint32_t kHostCallEndMs = 50;
@@ -66,7 +66,7 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
     SweepAbandoned();
     MakeRoad(kRequestedStackSize);
     homeThread = QThread::currentThread();
-    FindHostServices();
+    services = HostServices::Find(module != nullptr ? module->GetHost() : nullptr, this);
     MakeEngine();
     MCalverinScript_Device::SetName(name);
     JoinModule();
@@ -77,24 +77,13 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
         StartScriptThread();
 }
 
-void MCalverinScript_Device::FindHostServices() {
-    IMInterface* host = module != nullptr ? module->GetHost() : nullptr;
-    remoteManager = QueryFace<IManagerRemoteManager>(host, "IManagerRemoteManager");
-    if (remoteManager != nullptr)
-        remoteHandler = remoteManager->GetRemote();
-    if (auto* remoteManager2 = QueryFace<IManagerRemoteManager2>(host, "IManagerRemoteManager2"))
-        remoteHandler2 = remoteManager2->GetRemote(this);
-    folderManager = QueryFace<IFolderManager>(host, "IFolderManager");
-    variableManager = QueryFace<IVariableManager>(host, "IVariableManager");
-    objectNameTools = QueryFace<IObjectNameTools>(host, "IObjectNameTools");
-}
-
 void MCalverinScript_Device::MakeEngine() {
-    engine = new QScriptEngine(this);
+    engine = std::make_unique<QScriptEngine>(this);
     entrance.SetEngine(*engine);
-    agent = new MScriptEngineAgent(engine, this);
-    live.engine = engine;
-    remote = new MScriptMngRemote(this, remoteHandler, remoteHandler2, variableManager, engine);
+    agent = new MScriptEngineAgent(engine.get(), this);
+    live.engine = engine.get();
+    remote =
+        std::make_unique<MScriptMngRemote>(this, services.link, services.newerLink, services.variables, engine.get());
     remote->setParent(this);
     SetUpScriptGlobals(*engine, *remote);
     eventArguments = std::make_unique<EventArguments>(*engine);
@@ -109,15 +98,15 @@ void MCalverinScript_Device::JoinModule() {
     module->GetConfigFilePath(path);
     const bool hasWindows = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
     debuggerEnabled = ReadConfigInt(path, "DEBUGGER", "enable", 0) != 0 && module->IsDebuggerAllowed() && hasWindows;
-    connect(engine, &QScriptEngine::signalHandlerException, this, &MCalverinScript_Device::SlotHandlerException);
+    connect(engine.get(), &QScriptEngine::signalHandlerException, this, &MCalverinScript_Device::SlotHandlerException);
 }
 
 void MCalverinScript_Device::StartScriptThread() {
-    scriptThread = new MScriptThread;
+    scriptThread = std::make_unique<MScriptThread>();
     scriptThread->SetRequestedStackSize(kRequestedStackSize);
     scriptThread->SetDevice(this);
-    entrance.SetThread(scriptThread);
-    moveToThread(scriptThread);
+    entrance.SetThread(scriptThread.get());
+    moveToThread(scriptThread.get());
     scriptThread->start(QThread::InheritPriority);
 }
 
@@ -125,13 +114,8 @@ bool MCalverinScript_Device::IsUsable() const {
     return scriptThread == nullptr || scriptThread->isRunning();
 }
 
-KXPCode MCalverinScript_Device::QueryInterface(const char* name, void** out) {
-    auto* self = static_cast<IKXPDevice*>(this);
-    return AnswerFace(name, out, {{"IMInterface", self}, {"IKXPDevice", self}});
-}
-
 KXPCode MCalverinScript_Device::Start() {
-    const HostCall call(*this);
+    const HostVisit visit(*this);
     startPending = true;
     stopPending = false;
     remote->OnDeviceStart();
@@ -139,11 +123,12 @@ KXPCode MCalverinScript_Device::Start() {
     SetStarted(true);
     road->Start();
     MTimerailManager::Reset();
-    defaults.BindUnlessBound([this](const char* variable) { return FindDefaultVariable(variable); });
-    if (!setupScriptFileName.isEmpty())
-        LoadScriptCommand(ToHostText(setupScriptFileName).constData(), false);
+    values.BindDefaultsUnlessBound(!storedSetup.IsRemovalApplied());
+    const QString fileName = storedSetup.GetScriptFileName();
+    if (!fileName.isEmpty())
+        LoadScriptCommand(ToHostText(fileName).constData(), false);
     else
-        EvaluateScriptCommand(setupScriptText, false);
+        EvaluateScriptCommand(storedSetup.GetScriptText(), false);
     if (panel != nullptr && setupInterface != nullptr) {
         auto* info =
             QueryFace<IManagerRuntimeInfo>(module != nullptr ? module->GetHost() : nullptr, "IManagerRuntimeInfo");
@@ -153,7 +138,7 @@ KXPCode MCalverinScript_Device::Start() {
 }
 
 KXPCode MCalverinScript_Device::Stop() {
-    const HostCall call(*this);
+    const HostVisit visit(*this);
     stopPending = true;
     ClearScriptState();
     remote->EndContexts();
@@ -209,7 +194,7 @@ bool MCalverinScript_Device::EndScriptThread() {
     scriptThread->quit();
     const bool ended = scriptThread->wait(kThreadEndMs) && threadLeft;
     if (!ended) {
-        defaults.Forget();
+        values.ForgetDefaults();
         scriptThread->setPriority(QThread::IdlePriority); // what it still computes shall cost nobody anything
     }
     gate.Abandon();
@@ -227,7 +212,7 @@ void MCalverinScript_Device::LeaveHost() {
     StopCommandThread();
     SetStarted(false);
     SetRunning(false);
-    defaults.Forget();
+    values.ForgetDefaults();
     if (module != nullptr)
         module->RemoveDevice(this);
     Unlist();
@@ -250,13 +235,4 @@ std::size_t MCalverinScript_Device::SweepAbandoned() {
 }
 
 /// Runs when the script thread has ended, so everything that lived on it belongs to this thread now.
-MCalverinScript_Device::~MCalverinScript_Device() {
-    ClearTimers();
-    live.global = QScriptValue();
-    stop.global = QScriptValue();
-    delete debugger;
-    delete remote;
-    delete engine;
-    delete scriptThread;
-    delete static_cast<QImage*>(bitmap);
-}
+MCalverinScript_Device::~MCalverinScript_Device() = default;

@@ -10,7 +10,7 @@ public:
     explicit RoadWork(MCalverinScript_Device& device)
         : m_device(device) {}
 
-    const char* GetRoadName() override { return m_device.GetName(); }
+    std::string GetRoadName() override { return m_device.CopyName(); }
     bool MayPost() const override { return m_device.MayPost(); }
     bool Run(const ScriptRequest& request) override;
     void ShowStatus(DeviceStatus status) override { m_device.SetStatus(status); }

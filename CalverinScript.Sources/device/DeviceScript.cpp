@@ -6,25 +6,14 @@
 
 #include "CommandNumbers.h"
 #include "DeviceMarshalling.h"
+#include "DeviceTexts.h"
 #include "FaceAnswer.h"
 #include "HostText.h"
-#include "Log.h"
-#include "MScriptEngineAgent.h"
 #include "MScriptMngRemote.h"
 #include "ScriptGlobals.h"
 #include "ScriptScan.h"
 
 namespace {
-
-constexpr int kExceptionLevel = 5;
-
-QString MessageOf(const QScriptValue& error) {
-    return error.property(QStringLiteral("message")).toString();
-}
-
-QString ScriptFailure(const QString& text) {
-    return QStringLiteral("Script: ") + text;
-}
 
 /// The value of a setting as its type asks for it; invalid for types that settings do not have.
 QScriptValue SettingValue(const MScriptSetting& setting) {
@@ -86,7 +75,7 @@ bool MCalverinScript_Device::LoadScriptFile(ScriptSet& set, const char* fileName
     const bool read = fileName != nullptr && file.open(QIODevice::ReadOnly);
     set.scriptText = read ? FromScriptBytes(file.readAll()) : QStringLiteral("");
     if (!read)
-        ReportError(QStringLiteral("This file cannot be loaded."), false);
+        ReportError(QLatin1String(DeviceText::kUnreadableFile), false);
     set.scriptFileName = path;
     Q_EMIT SignalNotifyScriptFileNameChange(set.scriptFileName);
     Q_EMIT SignalNotifyScriptChange(set.scriptText);
@@ -107,8 +96,8 @@ bool MCalverinScript_Device::SlotEvaluateScriptCommand(const QString& text, bool
 
 /// Shows the script that is loaded now, evaluates it and shows its functions.
 bool MCalverinScript_Device::RunLoadedScript() {
-    defaults.SetText(DefaultVariable::ScriptFileName, live.scriptFileName);
-    defaults.SetText(DefaultVariable::ScriptText, live.scriptText);
+    values.SetText(DefaultVariable::ScriptFileName, live.scriptFileName);
+    values.SetText(DefaultVariable::ScriptText, live.scriptText);
     const bool result = EvaluateScript(live.scriptText, nullptr);
     PublishFunctionList();
     return result;
@@ -118,7 +107,7 @@ void MCalverinScript_Device::PublishFunctionList() {
     QString list;
     for (const MScriptCommand& function : live.functions.Snapshot())
         list += function.name + QLatin1Char('\n');
-    defaults.SetText(DefaultVariable::Functions, list);
+    values.SetText(DefaultVariable::Functions, list);
 }
 
 /// An analysis touches nothing of the running script, so it does not wait for it, and it completes no call that somebody else
@@ -136,7 +125,7 @@ bool MCalverinScript_Device::Evaluate(ScriptSet& set, const QString& text, bool 
     }
     if (!stopMode) {
         remote->UnregisterRootGroup();
-        if (registerAllUserGroups)
+        if (storedSetup.GetChoices().registerAllUserGroups)
             remote->RegisterRootGroup();
         CleanupBeforeEvaluate();
     }
@@ -148,25 +137,25 @@ bool MCalverinScript_Device::Evaluate(ScriptSet& set, const QString& text, bool 
         return false;
     ScanPublished(set, stopMode);
     if (stopMode)
-        ReportError(QStringLiteral("Evaluation Ok"), true);
+        ReportError(QLatin1String(DeviceText::kAnalysed), true);
     else
         AfterEvaluate();
     return true;
 }
 
 void MCalverinScript_Device::ScanPublished(ScriptSet& set, bool stopMode) {
-    VariableLookup lookup(variableManager, objectNameTools, deviceVariables, variablesLive);
+    VariableLookup lookup(services.variables, services.names, values.GetVariables(), storedSetup.Variables());
     ScanRequest request;
     request.published = set.global;
     request.stopMode = stopMode;
-    request.removeDefaults = stopMode ? pendingRemoveDefaults.value_or(removeDefaults) : appliedRemoveDefaults.load();
+    request.removeDefaults = stopMode ? storedSetup.GetRemovalForAnalysis() : storedSetup.IsRemovalApplied();
     request.hiddenNames = set.global.strictlyEquals(set.engine->globalObject()) ? &BuiltInNames() : nullptr;
     request.host = &lookup;
-    request.accessors = &accessors;
+    request.accessors = &values.Accessors();
     request.enumHelpers = &enumHelpers;
     const ScanResult result = ScanGlobal(request);
     if (stopMode)
-        scriptOptionRemoveDefaults = result.removeDefaults;
+        storedSetup.SetScriptsRemoval(result.removeDefaults);
     ReplaceAll(set.variables, result.variables);
     ReplaceAll(set.monitors, result.monitors);
     ReplaceAll(set.settings, result.settings);
@@ -180,15 +169,15 @@ EnumHelpers::Target MCalverinScript_Device::EnumTarget() {
         MScriptVariable known;
         if (ending || !FindMonitoredEnum(name, known))
             return nullptr;
-        IData* data = FindOwnVariable(name);
+        IData* data = values.Find(name);
         const bool isOwn = data != nullptr &&
                            (data->GetInstanceID() == known.instanceId || FromHostText(data->GetName()) == known.name);
         if (!isOwn)
-            data = variableManager != nullptr ? variableManager->FindVariable(ToHostText(known.name).constData())
-                                              : nullptr;
+            data = services.variables != nullptr ? services.variables->FindVariable(ToHostText(known.name).constData())
+                                                 : nullptr;
         return QueryFace<IEnumData>(data, "IEnumData");
     };
-    return {[this] { return live.global; }, enumNamed, &accessors.GetGate()};
+    return {[this] { return live.global; }, enumNamed, &values.Gate()};
 }
 
 /// The enumeration that the scan has found under a name without its owner's. @return false when there is none.
@@ -201,27 +190,6 @@ bool MCalverinScript_Device::FindMonitoredEnum(const QString& name, MScriptVaria
             return true;
     }
     return false;
-}
-
-/// @return whether the evaluation succeeded.
-bool MCalverinScript_Device::ReportEvaluation(ScriptSet& set, bool stopMode) {
-    if (set.engine->hasUncaughtException()) {
-        const int line = set.engine->uncaughtExceptionLineNumber();
-        const QScriptValue exception = set.engine->uncaughtException();
-        if (!stopMode)
-            ReportUncaught();
-        const QString text = QStringLiteral("Uncaught exception at line ") + QString::number(line) +
-                             QStringLiteral(", ") + exception.toString();
-        ReportError(ScriptFailure(text), stopMode);
-        Q_EMIT SignalNotifyLineErrorChange(line);
-        set.engine->clearExceptions();
-        return false;
-    }
-    if (set.global.isError()) {
-        ReportError(ScriptFailure(MessageOf(set.global)), stopMode);
-        return false;
-    }
-    return true;
 }
 
 /// Ends the script that has run so far, as a stop would, but for the threads.
@@ -247,7 +215,7 @@ void MCalverinScript_Device::GiveSettingsToScript() {
     QScriptValue setup = live.global.property(QStringLiteral("Setup"));
     if (!setup.isObject())
         return;
-    for (const MScriptSetting& setting : setupSettings.Snapshot()) {
+    for (const MScriptSetting& setting : storedSetup.GetSettings()) {
         const QScriptValue value = SettingValue(setting);
         if (value.isValid() && setup.property(setting.name).isValid())
             setup.setProperty(setting.name, value);
@@ -279,17 +247,17 @@ bool MCalverinScript_Device::CallNamedFunction(const char* name, IData* result, 
         return false;
     }
     if (name == nullptr) {
-        ReportError(QStringLiteral("Script function name missing."), false);
+        ReportError(QLatin1String(DeviceText::kNoFunctionName), false);
         return false;
     }
     const QString functionName = FromHostText(name);
     const QScriptValue function = live.global.property(functionName);
     if (function.isError()) {
-        ReportError(functionName + QStringLiteral(": ") + MessageOf(function), false);
+        ReportError(FailedMember(functionName, MessageOf(function)), false);
         return false;
     }
     if (!function.isFunction()) {
-        ReportError(functionName + QStringLiteral(" function is not defined"), false);
+        ReportError(NoSuchFunction(functionName), false);
         return false;
     }
     QScriptValueList arguments;
@@ -327,39 +295,7 @@ QScriptValue MCalverinScript_Device::CallScript(QScriptValue function, const QSc
     return value;
 }
 
-void MCalverinScript_Device::ReportUncaught() {
-    const bool seenByAgent = dynamic_cast<MScriptEngineAgent*>(engine->agent()) != nullptr;
-    if (!seenByAgent && engine->hasUncaughtException() && !ending)
-        SlotHandlerException(engine->uncaughtException());
-}
-
-void MCalverinScript_Device::CheckUncaught() {
-    if (engine->hasUncaughtException() && !ending)
-        Q_EMIT SignalScriptError(engine->uncaughtException());
-    engine->clearExceptions();
-}
-
-void MCalverinScript_Device::SlotHandlerException(const QScriptValue& exception) {
-    const bool isError = exception.isError();
-    const QString message = isError ? MessageOf(exception) : exception.toString();
-    const QString line = isError ? exception.property(QStringLiteral("lineNumber")).toString()
-                                 : QString::number(engine->uncaughtExceptionLineNumber());
-    ReportError(ScriptFailure(message), false);
-    if (!IsLogOn(false))
-        return;
-    const QString text = QStringLiteral("Uncaught Exception - line:") + line + QStringLiteral(", message: ") + message;
-    WriteLog(LogHandle(), kExceptionLevel, "CalverinScript_ [%s] %s", GetName(), ToHostText(text).constData());
-}
-
 void MCalverinScript_Device::FinishStopRequest() {
     if (!threadStopDone)
         stopRequested = true;
-}
-
-void MCalverinScript_Device::ReportError(const QString& text, bool stopMode) {
-    if (text.isNull())
-        return;
-    if (!stopMode)
-        defaults.SetText(DefaultVariable::Error, text);
-    Q_EMIT SignalNotifyErrorChange(text);
 }

@@ -1,90 +1,161 @@
 #include "MCalverinScript_Device.h"
 
-#include <cstdlib>
+#include <algorithm>
+#include <cstring>
 
-#include <QImage>
+#include <QFile>
+#include <QFileInfo>
+#include <QScriptEngine>
 
+#include "CommandIds.h"
+#include "DefinitionBuilder.h"
+#include "DeviceTexts.h"
+#include "HostText.h"
 #include "IModuleServices.h"
-#include "ISetupInterface.h"
-#include "ModuleResources.h"
-#include "MScriptMngRemote.h"
+#include "ModuleShared.h"
 
 namespace {
 
-constexpr std::uint32_t kFirstCapability = 1;
-constexpr std::uint32_t kLastCapability = 2;
-constexpr std::uint32_t kControlPanelKind = 1;
+/// Runs of four blanks became one where an older setup stored its script as plain text.
+QString WithCondensedBlanks(QString text) {
+    return text.replace(QStringLiteral("    "), QStringLiteral(" "));
+}
+
+bool IsSameCommand(const MScriptCommand& left, const MScriptCommand& right) {
+    return left == right && HaveSameParams(left, right);
+}
 
 } // namespace
 
-void MCalverinScript_Device::SetDeviceVariables(IDeviceVariables* variables) {
-    deviceVariables = variables;
+void MCalverinScript_Device::SetSetupScript(const QString& fileName, const QString& text) {
+    storedSetup.SetScript(fileName, text);
 }
 
-KXPCode MCalverinScript_Device::QueryCapability(std::uint32_t capability) {
-    return capability >= kFirstCapability && capability <= kLastCapability ? KXP_OK : KXP_NO;
+void MCalverinScript_Device::SetSetupSettings(const QList<MScriptSetting>& settings) {
+    ReplaceAll(storedSetup.Settings(), settings);
 }
 
-void MCalverinScript_Device::SetName(const char* newName) {
-    MKXPDeviceBase::SetName(newName);
+void MCalverinScript_Device::SetRegisterAllUserGroups(bool enabled) {
+    SetupChoices choices = storedSetup.GetChoices();
+    choices.registerAllUserGroups = enabled;
+    storedSetup.SetChoices(choices);
 }
 
-const char* MCalverinScript_Device::GetName() {
-    return MKXPDeviceBase::GetName();
+void MCalverinScript_Device::BindDefaultVariables() {
+    values.BindDefaults(!storedSetup.IsRemovalApplied());
 }
 
-const char* MCalverinScript_Device::GetScriptDeviceName() {
-    return MKXPDeviceBase::GetName();
+DeviceSetup MCalverinScript_Device::GetCurrentSetup() {
+    DeviceSetup setup = storedSetup.Describe();
+    setup.name = FromHostText(GetName());
+    return setup;
 }
 
-KXPCode MCalverinScript_Device::ShowSetup(void* /*ignored*/) {
-    return ShowSetupDialog(nullptr);
-}
-
-KXPCode MCalverinScript_Device::ShowSetupDialog(const char* scriptName) {
-    return setupInterface != nullptr ? setupInterface->ShowSetup(*this, scriptName) : KXPCode{KXP_CANCELLED};
-}
-
-KXPCode MCalverinScript_Device::IsRunning() {
-    return IsStarted() ? KXP_OK : KXP_NO;
-}
-
-KXPCode MCalverinScript_Device::OnTimerailEvent(ITimeData* time, std::int32_t action) {
-    ChangeTrackState(action, time != nullptr ? time->GetFrameCount() : 0);
-    return KXP_OK;
-}
-
-KXPBitmap MCalverinScript_Device::GetBitmap() {
-    if (bitmap == nullptr) {
-        const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
-        if (!image.isNull())
-            bitmap = new QImage(image);
-    }
-    return bitmap;
-}
-
-KXPCode MCalverinScript_Device::Reserved14(void* /*argument*/) {
-    return KXP_OK;
-}
-
-KXPCode MCalverinScript_Device::Reserved15(void* /*argument*/) {
-    return KXP_OK;
-}
-
-KXPCode MCalverinScript_Device::Reserved16(void* /*argument*/) {
-    return KXP_OK;
-}
-
-KXPCode MCalverinScript_Device::Reserved20() {
-    return KXP_OK;
-}
-
-KXPCode MCalverinScript_Device::ReleaseString(char** text) {
-    if (text == nullptr || *text == nullptr)
+/// A text that SetSetup would refuse is not given out, so that the host keeps the one that it has.
+KXPCode MCalverinScript_Device::GetSetup(char** out) {
+    if (out == nullptr)
         return KXP_NULL_ARGUMENT;
-    std::free(*text);
-    *text = nullptr;
+    *out = nullptr;
+    DeviceSetup setup = GetCurrentSetup();
+    if (IsFirstDevice())
+        setup.moduleCommands = ModuleShared::Acquire().moduleCommands.Snapshot();
+    setup.commands = storedSetup.GetCommands();
+    const std::string text = PrintSetup(setup);
+    if (!IsStorable(text)) {
+        ReportError(QLatin1String(DeviceText::kSetupTooLarge), false);
+        return KXP_NOT_IMPLEMENTED;
+    }
+    *out = strdup(text.c_str());
     return KXP_OK;
+}
+
+KXPCode MCalverinScript_Device::SetSetup(const char* text) {
+    DeviceSetup setup;
+    const KXPCode code = ReadSetup(text, setup);
+    if (!setup.name.isNull())
+        MKXPDeviceBase::SetName(ToHostText(setup.name).constData());
+    if (code != KXP_OK)
+        return code;
+    TakeStoredSetup(setup);
+    QScriptEngine analysis;
+    EvaluateScript(storedSetup.GetScriptText(), &analysis);
+    storedSetup.ApplyRemoval(storedSetup.DecideRemoval(storedSetup.GetChoices().removeDefaults));
+    storedSetup.SetResources(FindResources(storedSetup.GetSettings(), analysis));
+    AssignIds(false);
+    std::string definition;
+    const bool built = MakeDefinition(stop.functions.Snapshot(), storedSetup.GetVariables(),
+                                      storedSetup.IsRemovalApplied(), false, definition);
+    if (built && values.Offer(definition)) {
+        BindLiveVariables();
+        CommitStopFunctions();
+    }
+    BindDefaultVariables();
+    EvaluateScript(storedSetup.GetScriptText(), &analysis);
+    stop.global = QScriptValue();
+    definitionCache = definition.c_str();
+    storedSetup.SetLoaded();
+    return KXP_OK;
+}
+
+void MCalverinScript_Device::TakeStoredSetup(const DeviceSetup& setup) {
+    storedSetup.TakePanelAndLists(setup);
+    if (setup.moduleCommands && IsFirstDevice())
+        for (const MScriptCommand& command : *setup.moduleCommands)
+            ModuleShared::Acquire().moduleCommands.AddUnique(command);
+    ReplaceAll(storedSetup.Commands(), setup.commands);
+    if (setup.script)
+        TakeStoredScript(*setup.script);
+}
+
+/// The script stays linked to its file only while the file says what was stored.
+void MCalverinScript_Device::TakeStoredScript(const SetupScript& script) {
+    const char* folder =
+        services.folders != nullptr ? services.folders->GetFolder(KXP_FOLDER_PROJECT_USER_DATA) : nullptr;
+    const QString path = ResolveStoredFileName(script.storedFileName, FromHostText(folder));
+    QString fileName = QStringLiteral("");
+    QString text = script.text;
+    QFile file(path);
+    if (!path.isEmpty() && file.open(QIODevice::ReadOnly)) {
+        const QString fileText = FromScriptBytes(file.readAll());
+        const QString storable = FromHostText(ToHostText(fileText).constData());
+        if (text == fileText || text == storable || text == WithCondensedBlanks(fileText)) {
+            fileName = path;
+            text = fileText;
+        }
+    }
+    TakeScript(fileName, text);
+    storedSetup.SetChoices(script);
+}
+
+/// What the engine side shows is changed on its own thread, behind whatever runs there.
+void MCalverinScript_Device::TakeScript(const QString& fileName, const QString& text) {
+    SetSetupScript(fileName, text);
+    PostTask([this, fileName, text] {
+        const std::lock_guard<std::recursive_mutex> guard(mutex);
+        live.scriptFileName = fileName;
+        live.scriptText = text;
+    });
+}
+
+bool MCalverinScript_Device::IsFirstDevice() const {
+    MLockedList<MCalverinScript_Device*>* devices = module != nullptr ? module->GetDeviceList() : nullptr;
+    MCalverinScript_Device* first = nullptr;
+    return devices == nullptr || !devices->Get(0, first) || first == this;
+}
+
+void MCalverinScript_Device::AssignIds(bool keepOld) {
+    ScriptCommands fresh = stop.functions.Snapshot();
+    AssignCommandIds(ModuleShared::Acquire().moduleCommands.Snapshot(), fresh, keepOld);
+    ReplaceAll(stop.functions, fresh);
+}
+
+void MCalverinScript_Device::CommitStopFunctions() {
+    MLockedList<MScriptCommand>& shared = ModuleShared::Acquire().moduleCommands;
+    ScriptCommands fresh = stop.functions.Snapshot();
+    ScriptCommands moduleCommands = shared.Snapshot();
+    ReplaceAll(storedSetup.Commands(), CommitCommands(fresh, moduleCommands));
+    ReplaceAll(stop.functions, fresh);
+    ReplaceAll(shared, moduleCommands);
 }
 
 const char* MCalverinScript_Device::GetDefinition() {
@@ -93,7 +164,8 @@ const char* MCalverinScript_Device::GetDefinition() {
     if (definitionCache.IsNotEmpty())
         return definitionCache.c_str();
     std::string text;
-    if (MakeDefinition(live.functions.Snapshot(), variablesLive.Snapshot(), appliedRemoveDefaults, false, text))
+    if (MakeDefinition(live.functions.Snapshot(), storedSetup.GetVariables(), storedSetup.IsRemovalApplied(), false,
+                       text))
         definitionCache = text.c_str();
     else if (const char* definitionTemplate = module->GetDefinitionTemplate())
         definitionCache = definitionTemplate;
@@ -102,30 +174,112 @@ const char* MCalverinScript_Device::GetDefinition() {
     return definitionCache.c_str();
 }
 
-KXPCode MCalverinScript_Device::CreatePanel(std::uint32_t kind, IKXPDevicePanel** out) {
-    if (out == nullptr)
-        return KXP_NULL_ARGUMENT;
-    if (kind != kControlPanelKind || setupInterface == nullptr)
-        return KXP_NOT_IMPLEMENTED;
-    panel = setupInterface->CreateControlPanel(*this);
-    *out = panel;
-    return panel != nullptr ? KXP_OK : KXP_NOT_IMPLEMENTED;
+bool MCalverinScript_Device::MakeDefinition(const ScriptCommands& definedCommands, const ScriptVariables& variables,
+                                            bool hideDefaults, bool resetDefaultIds, std::string& text) {
+    DefinitionRequest request;
+    request.definitionTemplate = module != nullptr ? module->GetDefinitionTemplate() : nullptr;
+    request.deviceNumber = moduleDeviceNumber;
+    request.deviceVariables = values.GetVariables();
+    request.commands = definedCommands;
+    request.variables = variables;
+    request.hideDefaults = hideDefaults;
+    request.resetDefaultIds = resetDefaultIds;
+    return BuildDefinition(request, text);
 }
 
-void MCalverinScript_Device::SetSetupScript(const QString& fileName, const QString& text) {
-    setupScriptFileName = fileName;
-    setupScriptText = text;
+/// The host's values of the device's variables, after it has taken their definition.
+void MCalverinScript_Device::BindLiveVariables() {
+    const std::lock_guard<MLockedList<MScriptVariable>> guard(storedSetup.Variables());
+    for (MScriptVariable& variable : storedSetup.Variables()) {
+        variable.data = values.Find(variable.name);
+        variable.instanceId = variable.data != nullptr ? variable.data->GetInstanceID() : 0;
+    }
 }
 
-void MCalverinScript_Device::SetSetupSettings(const QList<MScriptSetting>& settings) {
-    ReplaceAll(setupSettings, settings);
+void MCalverinScript_Device::BeginSetup() {
+    MergeLegacy();
+    storedSetup.SetPendingRemoval(storedSetup.GetChoices().removeDefaults);
 }
 
-void MCalverinScript_Device::BindDefaultVariables() {
-    defaults.Bind([this](const char* variable) { return FindDefaultVariable(variable); });
+void MCalverinScript_Device::MergeLegacy() {
+    ModuleShared& shared = ModuleShared::Acquire();
+    if (shared.legacyModuleCommands == nullptr || module == nullptr || !module->IsHostAtLeast642())
+        return;
+    ScriptCommands inUse;
+    if (auto* devices = module->GetDeviceList()) {
+        const std::lock_guard<MLockedList<MCalverinScript_Device*>> guard(*devices);
+        for (MCalverinScript_Device* device : *devices) {
+            const ScriptCommands used = device->GetCommands();
+            inUse.insert(inUse.end(), used.begin(), used.end());
+        }
+    }
+    ScriptCommands moduleCommands = shared.moduleCommands.Snapshot();
+    MergeLegacyCommands(inUse, shared.legacyModuleCommands->Snapshot(), moduleCommands);
+    ReplaceAll(shared.moduleCommands, moduleCommands);
+    shared.legacyModuleCommands.reset();
 }
 
-IData* MCalverinScript_Device::FindDefaultVariable(const char* name) {
-    const bool isKept = deviceVariables != nullptr && !appliedRemoveDefaults;
-    return isKept ? deviceVariables->GetVariable(name) : nullptr;
+KXPCode MCalverinScript_Device::AcceptSetup(const DeviceSetup& setup, const QString& scriptFile) {
+    storedSetup.SetPendingRemoval(std::nullopt);
+    const SetupScript script = setup.script.value_or(SetupScript());
+    const bool remove = storedSetup.DecideRemoval(script.removeDefaults);
+    AssignIds(true);
+    const ScriptCommands before = storedSetup.GetCommands();
+    const ScriptCommands now = stop.functions.Snapshot();
+    const bool sameCommands = std::equal(before.begin(), before.end(), now.begin(), now.end(), &IsSameCommand);
+    const bool tellsChange = storedSetup.IsLoaded() && (!sameCommands || remove != storedSetup.IsRemovalApplied());
+    std::string definition;
+    const bool taken =
+        CanBeStored(setup) &&
+        MakeDefinition(now, setup.monitors, remove, storedSetup.IsRemovalApplied() && !remove, definition) &&
+        values.Offer(definition);
+    if (taken) {
+        storedSetup.ApplyRemoval(remove);
+        TakeAcceptedSetup(setup, script, scriptFile);
+        definitionCache = definition.c_str();
+        storedSetup.SetLoaded();
+    }
+    BindDefaultVariables();
+    Analyse();
+    if (!taken)
+        return KXP_CANCELLED;
+    return tellsChange ? KXPCode{KXP_COMMANDS_CHANGED} : KXPCode{KXP_OK};
+}
+
+/// What the host could not give back after a restart is refused while the user still has it in the dialog.
+bool MCalverinScript_Device::CanBeStored(DeviceSetup setup) {
+    setup.commands = stop.functions.Snapshot();
+    if (IsFirstDevice())
+        setup.moduleCommands = ModuleShared::Acquire().moduleCommands.Snapshot();
+    const bool isStorable = IsStorable(PrintSetup(setup));
+    if (!isStorable)
+        ReportError(QLatin1String(DeviceText::kSetupTooLarge), false);
+    return isStorable;
+}
+
+void MCalverinScript_Device::TakeAcceptedSetup(const DeviceSetup& setup, const SetupScript& script,
+                                               const QString& scriptFile) {
+    SetupChoices choices = script;
+    if (storedSetup.GetScriptsRemoval())
+        choices.removeDefaults = storedSetup.GetChoices().removeDefaults;
+    storedSetup.SetChoices(choices);
+    TakeScript(scriptFile, script.text);
+    storedSetup.TakePanelAndLists(setup);
+    BindLiveVariables();
+    CommitStopFunctions();
+}
+
+KXPCode MCalverinScript_Device::CancelSetup() {
+    storedSetup.SetPendingRemoval(std::nullopt);
+    BindDefaultVariables();
+    Analyse();
+    return KXP_CANCELLED;
+}
+
+/// Looks at the stored script again, so that the lists of the analysis are those of what the device keeps.
+void MCalverinScript_Device::Analyse() {
+    QScriptEngine analysis;
+    EvaluateScript(storedSetup.GetScriptText(), &analysis);
+    storedSetup.SetResources(FindResources(storedSetup.GetSettings(), analysis));
+    stop.global = QScriptValue();
 }

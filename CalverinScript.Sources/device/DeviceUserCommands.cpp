@@ -7,6 +7,7 @@
 
 #include "CommandNumbers.h"
 #include "CommandRoad.h"
+#include "DeviceTexts.h"
 #include "DriverTables.h"
 #include "HostData.h"
 #include "HostText.h"
@@ -35,14 +36,14 @@ QByteArray ArgumentText(const MScriptCommandParam& param, IData& data) {
 
 template <typename Condition>
 bool MCalverinScript_Device::FindCommand(Condition condition, MScriptCommand& found) {
-    return FindIn(commands, condition, found);
+    return FindIn(storedSetup.Commands(), condition, found);
 }
 
 /// The first parameter takes the result, at most eight others reach the function as texts.
 KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t id, IObjectParams* params, IExecContext* context) {
     MScriptCommand command;
     if (!FindCommand([&](const MScriptCommand& candidate) { return candidate.id == id; }, command)) {
-        defaults.SetText(DefaultVariable::Error, QStringLiteral("Command not found"));
+        values.SetText(DefaultVariable::Error, QLatin1String(DeviceText::kUnknownCommand));
         return KXP_BAD_COMMAND;
     }
     const QByteArray name = ToHostText(command.name);
@@ -59,7 +60,7 @@ KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t id, IObjectParams* 
         owned[place] = ArgumentText(command.params[i + 1], *data);
         texts[place] = owned[place].constData();
     }
-    IData* result = remoteHandler2 != nullptr ? EffectiveData(params->GetParam(0)) : nullptr;
+    IData* result = services.newerLink != nullptr ? EffectiveData(params->GetParam(0)) : nullptr;
     road->Post(ScriptRequest::Function(name.constData(), result, texts.data()), context);
     return KXP_OK;
 }
@@ -82,7 +83,7 @@ KXPCode MCalverinScript_Device::UpdateCommand(const char* commandXml, char** out
         return KXP_NOT_IMPLEMENTED;
     const QString owner = stored.OwnerName();
     const QString name = stored.FunctionName();
-    if ((!owner.isNull() && owner != FromHostText(GetName())) || name.isEmpty())
+    if ((!owner.isNull() && owner != FromHostText(CopyName().c_str())) || name.isEmpty())
         return KXP_NOT_IMPLEMENTED;
     const auto hasName = [&](const MScriptCommand& candidate) { return candidate.name == name; };
     MScriptCommand command;

@@ -5,12 +5,12 @@
 #include <QScriptEngineDebugger>
 
 #include "CommandRoad.h"
-#include "HostCall.h"
+#include "HostVisit.h"
 #include "MScriptMngRemote.h"
 
 /// A tick may sit in a second execution when the device is released, and come back after the release.
 void MCalverinScript_Device::OnTimer(std::uint32_t nowMs) {
-    const HostCall call(*this);
+    const HostVisit visit(*this);
     road->OnTick(nowMs);
     if (debuggerContinue && IsDebuggerActive())
         TriggerDebuggerAction(QScriptEngineDebugger::ContinueAction);

@@ -11,10 +11,10 @@
 #include <QObject>
 #include <QScriptValue>
 
-#include "AsyncCallbacks.h"
 #include "CompletionGate.h"
-#include "DefaultVariables.h"
 #include "EnumHelpers.h"
+#include "HostServices.h"
+#include "HostValues.h"
 #include "ICommandObjectHandler.h"
 #include "IHostServices.h"
 #include "IKXPDevice.h"
@@ -31,11 +31,13 @@
 #include "MyAsyncDeviceExecContext.h"
 #include "MyCommandManager.h"
 #include "ResourceSignature.h"
+#include "ScriptCallbacks.h"
 #include "ScriptEntrance.h"
 #include "ScriptSet.h"
 #include "ScriptTimers.h"
 #include "SetupFormat.h"
 #include "SetupMemory.h"
+#include "StoredSetup.h"
 #include "VariableAccessor.h"
 
 class CommandRoad;
@@ -46,6 +48,7 @@ class ISetupInterface;
 class MScriptEngineAgent;
 class MScriptMngRemote;
 class MScriptThread;
+class QImage;
 class QScriptEngineDebugger;
 class QThread;
 template <typename... Parameters>
@@ -113,7 +116,7 @@ public:
     /// The values that the script finds in its `Setup` before _mStart.   [host main, not while started]
     void SetSetupSettings(const QList<MScriptSetting>& settings);
     /// Whether the group granted to this device is registered at each load.   [host main]
-    void SetRegisterAllUserGroups(bool enabled) { registerAllUserGroups = enabled; }
+    void SetRegisterAllUserGroups(bool enabled);
     /// How a stored command relates to the user commands of this device.
     /// @param params with them the command is looked up by the function that they name, without by its id.
     /// @return 0 gone, 1 other parameters or none to compare, 2 valid.   [host main]
@@ -132,7 +135,7 @@ public:
     /// The dialog was left without. @return 13.   [host main]
     KXPCode CancelSetup();
     /// What the open dialog says about the default commands and variables.   [host main]
-    void SetPendingRemoveDefaults(bool remove) { pendingRemoveDefaults = remove; }
+    void SetPendingRemoveDefaults(bool remove) { storedSetup.SetPendingRemoval(remove); }
     std::uint32_t GetModuleDeviceNumber() const { return moduleDeviceNumber; }
     void SetModuleDeviceNumber(std::uint32_t number) { moduleDeviceNumber = number; }
     /// Looks up the device's five default variables at the host: null where it has none of that name.   [any host thread]
@@ -191,12 +194,12 @@ public:
     void OnCommandDestroyed(void* context) override;
 
     // IScriptDevice
-    const char* GetScriptDeviceName() override;
+    std::string GetScriptDeviceName() override { return CopyName(); }
     void PostAsyncResult(MyAsyncDeviceExecContext* context) override;
     void PostPropertyChange(const char* object, const char* property, const char* value, bool objectFollows) override;
     MCommandObject* TakeExecutingCommand() override;
     void WriteCommandResult(MCommandObject* command, const QString& text) override;
-    VisitGate* GetValueGate() override { return &accessors.GetGate(); }
+    VisitGate* GetValueGate() override { return &values.Gate(); }
     bool IsEnding() const override { return ending; }
     int SetInterval(const QScriptValue& function, int delayMs) override { return SlotSetInterval(function, delayMs); }
     void ClearInterval(int id) override { SlotClearInterval(id); }
@@ -215,8 +218,8 @@ public:
     void OnScriptThreadEnding();
 
     // What dialogs, panels and tests look at
-    MScriptMngRemote* GetRemote() const { return remote; }
-    QScriptEngine* GetEngine() const { return engine; }
+    MScriptMngRemote* GetRemote() const { return remote.get(); }
+    QScriptEngine* GetEngine() const { return engine.get(); }
     ScriptEntrance& GetEntrance() { return entrance; }
     const ScriptSet& GetLiveSet() const { return live; }
     const ScriptSet& GetStopSet() const { return stop; }
@@ -226,22 +229,22 @@ public:
     IModuleServices* GetModule() const { return module; }
     /// How the user left the setup dialog the last time.   [host main]
     SetupMemory& GetSetupMemory() { return setupMemory; }
-    QScriptEngineDebugger* GetDebugger() const { return debugger; }
-    MScriptThread* GetScriptThread() const { return scriptThread; }
+    QScriptEngineDebugger* GetDebugger() const { return debugger.get(); }
+    MScriptThread* GetScriptThread() const { return scriptThread.get(); }
     std::int32_t GetStackCount() const;
     bool HasStopFunction() const { return hasStopFunction; }
-    std::vector<MScriptCommand> GetCommands() const { return commands.Snapshot(); }
-    std::vector<MScriptVariable> GetLiveVariables() const { return variablesLive.Snapshot(); }
-    std::vector<MScriptSetting> GetSetupSettings() const { return setupSettings.Snapshot(); }
-    const QString& GetSetupScriptText() const { return setupScriptText; }
-    const QString& GetSetupScriptFileName() const { return setupScriptFileName; }
-    bool GetRemoveDefaults() const { return removeDefaults; }
+    std::vector<MScriptCommand> GetCommands() const { return storedSetup.GetCommands(); }
+    std::vector<MScriptVariable> GetLiveVariables() const { return storedSetup.GetVariables(); }
+    std::vector<MScriptSetting> GetSetupSettings() const { return storedSetup.GetSettings(); }
+    QString GetSetupScriptText() const { return storedSetup.GetScriptText(); }
+    QString GetSetupScriptFileName() const { return storedSetup.GetScriptFileName(); }
+    bool GetRemoveDefaults() const { return storedSetup.GetChoices().removeDefaults; }
     /// The script's own word at the last analysis; nothing when it has none.   [host main]
-    std::optional<bool> GetScriptOptionRemoveDefaults() const { return scriptOptionRemoveDefaults; }
+    std::optional<bool> GetScriptOptionRemoveDefaults() const { return storedSetup.GetScriptsRemoval(); }
     /// Whether the default commands and variables are gone: the script's word, or else the setup's.
-    bool GetAppliedRemoveDefaults() const { return appliedRemoveDefaults; }
+    bool GetAppliedRemoveDefaults() const { return storedSetup.IsRemovalApplied(); }
     /// The resources of the host that the settings name.   [host main]
-    const std::vector<ResourceRequest>& GetResourceRequests() const { return resources; }
+    const std::vector<ResourceRequest>& GetResourceRequests() const { return storedSetup.GetResources(); }
 
     /// Devices that were released while their script would not end. They are looked through at each creation and release,
     /// and those whose script has ended since are deleted.
@@ -297,10 +300,9 @@ protected:
 private:
     friend struct MarshalledCallTable;
 
-    class HostCall;
+    class HostVisit;
 
     // Construction
-    void FindHostServices();
     void MakeEngine();
     void JoinModule();
     void ConnectSignals();
@@ -335,7 +337,7 @@ private:
     KXPCode PostUserCommand(std::int32_t id, IObjectParams* params, IExecContext* context);
     void StopCommandThread();
     void FinishRequestedStop();
-    void SetStatus(DeviceStatus status) { defaults.SetStatus(status); }
+    void SetStatus(DeviceStatus status) { values.SetStatus(status); }
 
     // Script work
     bool LoadScriptFile(ScriptSet& set, const char* fileName);
@@ -365,14 +367,12 @@ private:
     void TakeAcceptedSetup(const DeviceSetup& setup, const SetupScript& script, const QString& scriptFile);
     void TakeScript(const QString& fileName, const QString& text);
     void Analyse();
+    bool CanBeStored(DeviceSetup setup);
     bool IsFirstDevice() const;
     void AssignIds(bool keepOld);
     void CommitStopFunctions();
     bool MakeDefinition(const ScriptCommands& definedCommands, const ScriptVariables& variables, bool hideDefaults,
                         bool resetDefaultIds, std::string& text);
-    bool OfferDefinition(const std::string& definition);
-    IData* FindOwnVariable(const QString& name);
-    IData* FindDefaultVariable(const char* name);
     void BindLiveVariables();
     void MergeLegacy();
 
@@ -381,71 +381,48 @@ private:
     void TriggerDebuggerAction(int action);
     void AbortEvaluation();
 
-    MScriptThread* scriptThread = nullptr; ///< null while the debugger is enabled
     IModuleServices* const module;         ///< not owned
     ISetupInterface* const setupInterface; ///< not owned, may be null
-    KXPBitmap bitmap = nullptr;            ///< owned cache of GetBitmap
-    IDeviceVariables* deviceVariables = nullptr;
+    HostServices services;                 ///< found when the device is made
+    std::unique_ptr<QImage> bitmap;        ///< cache of GetBitmap; host main
+    IKXPDevicePanel* panel = nullptr;      ///< the last one created; not owned
+    QThread* homeThread = nullptr;         ///< where the device was made, and goes back to before it ends
+    std::uint32_t moduleDeviceNumber = 0;
+    InterlockedCounter hostCalls; ///< host calls that are inside the device
 
-    DefaultVariables defaults;
+    // The rooms
+    std::atomic<bool> ending{false}; ///< set once by Release: nothing enters the script any more
+    HostValues values{ending};       ///< the host's values of the device's variables
+    StoredSetup storedSetup;         ///< what the host keeps of the device
+    SetupMemory setupMemory;         ///< host main
+    MString definitionCache;         ///< host main; empty means rebuild
+    std::recursive_mutex mutex;      ///< guards the engine's state: every entry into the script takes it
+    CompletionGate gate;
+    ScriptEntrance entrance{mutex, ending, [this] { FireDeferredTimers(); }, this}; ///< with the engine's thread
+    EnumHelpers enumHelpers{EnumTarget()};
 
-    IManagerRemoteManager* remoteManager = nullptr;
-    IManagerRemote* remoteHandler = nullptr;
-    IManagerRemote2* remoteHandler2 = nullptr;
-    IFolderManager* folderManager = nullptr;
-    IObjectNameTools* objectNameTools = nullptr;
-    MString definitionCache; ///< host main; empty means rebuild
-    IVariableManager* variableManager = nullptr;
     std::unique_ptr<ICommandWork> roadWork; ///< what the road needs of this device
     std::unique_ptr<CommandRoad> road;      ///< made before all that posts
-    bool setupLoaded = false;               ///< host main
-    bool programmingMode = false;
-    bool autoCompletion = true;
-    std::recursive_mutex mutex; ///< guards the engine's state: every entry into the script takes it
 
-    QScriptEngine* engine = nullptr;                ///< child of the device
-    std::unique_ptr<EventArguments> eventArguments; ///< for the engine, with which it is made; script
-    MScriptEngineAgent* agent = nullptr;            ///< owned by the engine, installed with the debugger only
+    std::atomic<bool> startPending{false};     ///< set by Start, read once by AfterEvaluate
+    std::atomic<bool> stopPending{false};      ///< set by Stop, read once by SlotExecuteScript_mStop
+    std::atomic<bool> hasStopFunction{false};  ///< written on the script thread
+    std::atomic<bool> debuggerContinue{false}; ///< script thread asks the tick to let the debugger go on
+    std::atomic<bool> debuggerAbort{false};    ///< Stop asks the tick to abort
+    std::atomic<bool> stopRequested{false};    ///< script thread asks the tick to finish a stop
+    std::atomic<bool> threadStopDone{true};
+    std::atomic<bool> threadLeft{false}; ///< set by the script thread when it touches the device no more
+    bool debuggerEnabled = false;
+
+    // The script's world. The engine, what it shows and what hangs on it go in the reverse of this order.
+    std::unique_ptr<MScriptThread> scriptThread; ///< null while the debugger is enabled
+    std::unique_ptr<QScriptEngine> engine;
+    MScriptEngineAgent* agent = nullptr; ///< owned by the engine, installed with the debugger only
+    std::unique_ptr<MScriptMngRemote> remote;
+    std::unique_ptr<QScriptEngineDebugger> debugger;
     ScriptSet live;                                 ///< what the engine runs
     ScriptSet stop;                                 ///< what an analysis sees
-    MLockedList<MScriptCommand> commands;           ///< the user commands with their ids
-    QString setupScriptText;                        ///< the script as the setup stores it; what Start runs
-    QString setupScriptFileName;
-    MLockedList<MScriptSetting> setupSettings;
-    std::atomic<bool> startPending{false};    ///< set by Start, read once by AfterEvaluate
-    std::atomic<bool> stopPending{false};     ///< set by Stop, read once by SlotExecuteScript_mStop
-    std::atomic<bool> hasStopFunction{false}; ///< written on the script thread
-    bool userModeVisible = true;
-    bool runModeVisible = true;
-    std::atomic<bool> registerAllUserGroups{true};  ///< written on the host's main thread, read by the script thread
-    bool removeDefaults = false;                    ///< host main, as are the next two
-    std::optional<bool> scriptOptionRemoveDefaults; ///< the script's own word at the last analysis
-    std::optional<bool> pendingRemoveDefaults;      ///< the dialog's while it is open
-    std::atomic<bool> appliedRemoveDefaults{false}; ///< written on the host's main thread, read by the script thread
-    std::vector<ResourceRequest> resources;         ///< host main
-    SetupMemory setupMemory;                        ///< host main
-    MScriptMngRemote* remote = nullptr;             ///< owned
-    QScriptEngineDebugger* debugger = nullptr;      ///< child of the device
-    std::atomic<bool> debuggerContinue{false};      ///< script thread asks the tick to let the debugger go on
-    std::atomic<bool> debuggerAbort{false};         ///< Stop asks the tick to abort
-    std::atomic<bool> stopRequested{false};         ///< script thread asks the tick to finish a stop
-    std::atomic<bool> threadStopDone{true};
-    bool debuggerEnabled = false;
-    IKXPDevicePanel* panel = nullptr; ///< the last one created; not owned
-    std::uint32_t moduleDeviceNumber = 0;
-    MLockedList<MScriptVariable> variablesLive; ///< the variables as known to the host
-
-    // Under mutex, on the thread that owns the engine
+    std::unique_ptr<EventArguments> eventArguments; ///< for the engine, with which it is made; script
     ScriptTimers timers{*this};
-    AsyncCallbacks callbacks;
-    std::unique_ptr<QScriptValue> propertyCallback;
-
-    CompletionGate gate;
-    std::atomic<bool> threadLeft{false}; ///< set by the script thread when it touches the device no more
-    std::atomic<bool> ending{false};     ///< set once by Release: nothing enters the script any more
-    ScriptEntrance entrance{mutex, ending, [this] { FireDeferredTimers(); }, this}; ///< with the engine's thread
-    AccessorPool accessors{ending}; ///< what the script's members stand for; outlives the engine
-    EnumHelpers enumHelpers{EnumTarget()};
-    InterlockedCounter hostCalls;  ///< host calls that are inside the device
-    QThread* homeThread = nullptr; ///< where the device was made, and goes back to before it ends
+    ScriptCallbacks callbacks;
 };

@@ -2,11 +2,12 @@
 
 #include <QStandardItemModel>
 
+#include "RequestedStack.h"
+
 namespace {
 
 constexpr std::uint32_t kTickPeriodMs = 40;
 constexpr std::uint32_t kTickResolutionMs = 1;
-constexpr std::size_t kTickStackSize = 0x2001;
 
 std::unique_ptr<ModuleShared>& Instance() {
     static std::unique_ptr<ModuleShared> shared;
@@ -19,7 +20,7 @@ ModuleShared::ModuleShared()
     : legacyModuleCommands(std::make_unique<MLockedList<MScriptCommand>>())
     , completionModel(std::make_unique<QStandardItemModel>())
     , tickTimer(kTickPeriodMs, kTickResolutionMs) {
-    tickTimer.SetStackSize(kTickStackSize);
+    tickTimer.SetStackSize(kRequestedStackSize);
     tickTimer.Start(false);
 }
 

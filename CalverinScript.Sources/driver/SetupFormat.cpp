@@ -124,6 +124,10 @@ std::string PrintSetup(const DeviceSetup& content) {
     return PrintXml(document);
 }
 
+bool IsStorable(const std::string& setupText) {
+    return setupText.size() <= XmlLimits().bytes;
+}
+
 KXPCode ReadSetup(const char* text, DeviceSetup& content) {
     TiXmlDocument document;
     if (text == nullptr || *text == '\0' || !ParseHostXml(document, text))
@@ -131,10 +135,12 @@ KXPCode ReadSetup(const char* text, DeviceSetup& content) {
     const TiXmlElement* root = FindRoot(document);
     if (root == nullptr)
         return KXP_BAD_SETUP;
+    content.name = XmlText(*root, "Name");
+    if (content.name.isNull())
+        content.name = QStringLiteral("");
     const TiXmlElement* setup = root->FirstChildElement("Setup");
     if (setup == nullptr)
         return KXP_NULL_ARGUMENT;
-    content.name = XmlText(*root, "Name");
     content.userModeVisible = ReadVisibility(*setup, "UserMode");
     content.runModeVisible = ReadVisibility(*setup, "RunMode");
     content.settings = ReadList<MScriptSetting>(*setup, "Settings", "Setting", &ReadSettingElement);

@@ -8,11 +8,6 @@
 
 #include <tinyxml.h>
 
-struct MKXPDeviceBase::NameNode {
-    std::string text;
-    std::unique_ptr<const NameNode> older;
-};
-
 namespace {
 
 /// The process-wide list. `lock` guards both fields.
@@ -29,7 +24,8 @@ DeviceList& Devices() {
 
 } // namespace
 
-MKXPDeviceBase::MKXPDeviceBase() {
+MKXPDeviceBase::MKXPDeviceBase()
+    : m_name(std::make_unique<const std::string>()) {
     DeviceList& list = Devices();
     const std::lock_guard<std::mutex> guard(list.lock);
     list.devices.push_back(this);
@@ -38,7 +34,6 @@ MKXPDeviceBase::MKXPDeviceBase() {
 
 MKXPDeviceBase::~MKXPDeviceBase() {
     Unlist();
-    delete m_names.load();
 }
 
 void MKXPDeviceBase::Unlist() {
@@ -51,16 +46,22 @@ void MKXPDeviceBase::Unlist() {
 }
 
 void MKXPDeviceBase::SetName(const char* newName) {
-    std::string text = newName != nullptr ? newName : "";
-    if (text == MKXPDeviceBase::GetName())
+    auto text = std::make_unique<const std::string>(newName != nullptr ? newName : "");
+    const std::lock_guard<std::mutex> guard(m_nameLock);
+    if (*text == *m_name)
         return;
-    const NameNode* older = m_names.load();
-    m_names = new NameNode{std::move(text), std::unique_ptr<const NameNode>(older)};
+    m_lastName = std::move(m_name);
+    m_name = std::move(text);
 }
 
 const char* MKXPDeviceBase::GetName() {
-    const NameNode* newest = m_names.load();
-    return newest != nullptr ? newest->text.c_str() : "";
+    const std::lock_guard<std::mutex> guard(m_nameLock);
+    return m_name->c_str();
+}
+
+std::string MKXPDeviceBase::CopyName() const {
+    const std::lock_guard<std::mutex> guard(m_nameLock);
+    return *m_name;
 }
 
 std::uint32_t MKXPDeviceBase::GetDeviceNumber() const {

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 
 class TiXmlElement;
@@ -18,9 +19,11 @@ public:
 
     /// Takes a copy of the name; null is the empty text.   [host main]
     virtual void SetName(const char* newName);
-    /// The name, never null. Owned by the device; the pointer stays valid for the device's life, also over SetName,
-    /// since the tick and script threads read it at any time.   [any]
+    /// The name, never null. Owned by the device, valid until the next SetName but one, so that a thread of the host
+    /// may still be reading when the name changes.   [any host thread]
     virtual const char* GetName();
+    /// A copy of the name, for threads that do not know when it changes.   [any]
+    std::string CopyName() const;
     /// A process-wide number that only grows, unless the device gave itself another.   [any]
     virtual std::uint32_t GetDeviceNumber() const;
     virtual void SetStarted(bool flag);
@@ -47,10 +50,10 @@ protected:
     std::uint32_t deviceNumber;
 
 private:
-    struct NameNode;
-    /// Names given so far, the newest first. Written on the host's main thread; readers see the newest without a lock.
-    std::atomic<const NameNode*> m_names{nullptr};
-    std::atomic<bool> m_started{false}; ///< written by host threads, read by all
-    std::atomic<bool> m_running{false}; ///< written by host threads, read by the tick thread
-    bool m_listed = true;               ///< host main
+    mutable std::mutex m_nameLock;
+    std::unique_ptr<const std::string> m_name;     ///< under m_nameLock; never null
+    std::unique_ptr<const std::string> m_lastName; ///< under m_nameLock; the one before, which may still be read
+    std::atomic<bool> m_started{false};            ///< written by host threads, read by all
+    std::atomic<bool> m_running{false};            ///< written by host threads, read by the tick thread
+    bool m_listed = true;                          ///< host main
 };

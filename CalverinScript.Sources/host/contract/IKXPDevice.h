@@ -73,7 +73,8 @@ public:
 
     /// The device's setup as an opaque text for the host's project.
     /// @param out receives a text that goes back through ReleaseString.
-    /// @return 0, or 2 when out is null.   [host main]
+    /// @return 0; 2 when out is null; 19, and no text, when the
+    /// setup is larger than the 64 MB that SetSetup reads.   [host main]
     virtual KXPCode GetSetup(char** out) = 0;
 
     /// Applies a setup text that GetSetup gave once. The text is copied.

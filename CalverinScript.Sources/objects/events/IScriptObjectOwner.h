@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -32,7 +33,7 @@ public:
     virtual ScriptWaits* GetWaits() { return nullptr; }
 
     /// The device's name in the host's 8-bit text, empty without a device.   [any]
-    virtual const char* GetDeviceName() const = 0;
+    virtual std::string GetDeviceName() const = 0;
 
     /// Writes to the module's log; for the types see IMScriptManagerRemoteLogger.   [any]
     virtual void TraceMessage(const QString& message, const QString& messageType) = 0;

@@ -20,7 +20,7 @@ public:
     MCommandObject* resultCommand = nullptr;
     MCommandObject* executing = nullptr;
 
-    const char* GetScriptDeviceName() override { return name.c_str(); }
+    std::string GetScriptDeviceName() override { return name; }
     void PostAsyncResult(MyAsyncDeviceExecContext* context) override { asyncResults.push_back(context); }
     void PostPropertyChange(const char* object, const char* property, const char* value, bool objectFollows) override;
     MCommandObject* TakeExecutingCommand() override { return executing; }

@@ -112,9 +112,9 @@ TEST_F(BridgeEvents, CostAReleaseWithoutObjectsNothing) {
 
 TEST_F(BridgeEvents, ComeFromADeviceWithAName) {
     MakeWith(&device);
-    EXPECT_STREQ(remote->GetDeviceName(), "Desk");
+    EXPECT_EQ(remote->GetDeviceName(), "Desk");
     MakeWith(nullptr);
-    EXPECT_STREQ(remote->GetDeviceName(), "");
+    EXPECT_EQ(remote->GetDeviceName(), "");
 }
 
 } // namespace

@@ -44,7 +44,7 @@ protected:
     }
 
     // ICommandWork
-    const char* GetRoadName() override { return "Desk"; }
+    std::string GetRoadName() override { return "Desk"; }
     bool MayPost() const override { return mayPost; }
     bool Run(const ScriptRequest& request) override {
         Tell(std::to_string(request.id) + (request.text != nullptr ? std::string(" ") + request.text : ""));

@@ -138,9 +138,53 @@ TEST_F(StoredSetup, LeavesTheDeviceAsItWasWhenItIsRefused) {
     for (std::size_t length = 0; length < whole; length += 7)
         EXPECT_EQ(driver.device->SetSetup(before.substr(0, length).c_str()), KXP_NULL_ARGUMENT) << length;
     EXPECT_EQ(driver.device->SetSetup("<Other Version='1' Name='X'><Setup/></Other>"), KXP_BAD_SETUP);
-    EXPECT_EQ(driver.device->SetSetup("<DeviceData Version='1' Name='X'/>"), KXP_NULL_ARGUMENT);
     EXPECT_EQ(Setup(driver), before);
     EXPECT_EQ(driver.device->GetDefinition(), definition);
+    EXPECT_EQ(Commands(driver), "Fade:4 Port:5");
+}
+
+TEST_F(StoredSetup, WithAGoodRootAndNoSetupIsRefusedBehindItsNameAsIsMeant) {
+    DriverDevice& driver = MakeDevice();
+    ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
+    EXPECT_EQ(driver.device->SetSetup("<DeviceData Version='1' Name='Lamp'/>"), KXP_NULL_ARGUMENT);
+    EXPECT_STREQ(driver.device->GetName(), "Lamp");
+    EXPECT_EQ(driver.device->SetSetup("<DeviceData Name='Lost'/>"), KXP_BAD_SETUP);
+    EXPECT_STREQ(driver.device->GetName(), "Lamp");
+    EXPECT_EQ(Commands(driver), "Fade:4 Port:5");
+    EXPECT_EQ(driver.device->SetSetup("<DeviceData Version='1'/>"), KXP_NULL_ARGUMENT);
+    EXPECT_STREQ(driver.device->GetName(), "");
+}
+
+/// A script of about that many million characters.
+QString LargeScript(int millions) {
+    return QStringLiteral("({ f: function() {} }) //").leftJustified(millions * 1000000, QLatin1Char('x'));
+}
+
+TEST_F(StoredSetup, IsNeverGivenOutLargerThanItIsReadBack) {
+    DriverDevice& driver = MakeDevice();
+    driver.device->SetSetupScript(QString(), LargeScript(48));
+    const std::string large = Setup(driver);
+    EXPECT_EQ(driver.device->SetSetup(large.c_str()), KXP_OK);
+    EXPECT_EQ(driver.device->GetSetupScriptText().size(), 48000000);
+    EXPECT_EQ(driver.variables.error.Text(), "");
+    driver.device->SetSetupScript(QString(), LargeScript(51));
+    char* text = nullptr;
+    EXPECT_EQ(driver.device->GetSetup(&text), KXP_NOT_IMPLEMENTED);
+    EXPECT_EQ(text, nullptr);
+    EXPECT_NE(driver.variables.error.Text().find("larger than a project can keep"), std::string::npos);
+}
+
+TEST_F(StoredSetup, ThatCouldNotBeReadBackIsNotAcceptedAndTheOldOneStays) {
+    DriverDevice& driver = MakeDevice();
+    ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
+    const std::string before = Setup(driver);
+    const std::string definition = driver.variables.definition;
+    DeviceSetup setup = driver.device->GetCurrentSetup();
+    setup.script->text = LargeScript(51);
+    EXPECT_EQ(driver.device->AcceptSetup(setup, QString()), KXP_CANCELLED);
+    EXPECT_NE(driver.variables.error.Text().find("larger than a project can keep"), std::string::npos);
+    EXPECT_EQ(Setup(driver), before);
+    EXPECT_EQ(driver.variables.definition, definition);
     EXPECT_EQ(Commands(driver), "Fade:4 Port:5");
 }
 

@@ -49,8 +49,14 @@ DeviceSetup FullSetup() {
     setup.commands.push_back(CommandFromFunction(SetupText("Fade"), SetupText("(level)")));
     setup.commands[0].id = 4;
     setup.moduleCommands = setup.commands;
-    setup.script = SetupScript{
-        SetupText("$CURRENTPRJ_USERDATA\\a.js"), SetupText("({ f: '\u00e9 ]]>' })\r\n\tx"), true, true, true, false};
+    SetupScript script;
+    script.storedFileName = SetupText("$CURRENTPRJ_USERDATA\\a.js");
+    script.text = SetupText("({ f: '\u00e9 ]]>' })\r\n\tx");
+    script.registerAllUserGroups = true;
+    script.removeDefaults = true;
+    script.programmingMode = true;
+    script.autoCompletion = false;
+    setup.script = script;
     return setup;
 }
 

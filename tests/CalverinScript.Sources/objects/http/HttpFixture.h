@@ -31,7 +31,7 @@ class EventKeeper : public IScriptObjectOwner {
 public:
     virtual ~EventKeeper() = default;
     void PostScriptEvent(const QString& eventName, const MScriptParamList* params, MScriptCommonEvent* object) override;
-    const char* GetDeviceName() const override { return "Desk"; }
+    std::string GetDeviceName() const override { return "Desk"; }
     void TraceMessage(const QString&, const QString&) override {}
 
     /// Takes the oldest answer, waiting for it.

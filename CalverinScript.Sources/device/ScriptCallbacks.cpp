@@ -1,9 +1,9 @@
-#include "AsyncCallbacks.h"
+#include "ScriptCallbacks.h"
 
 #include "HostText.h"
 #include "MyAsyncDeviceExecContext.h"
 
-std::optional<AsyncCallbacks::Call> AsyncCallbacks::Take(MyAsyncDeviceExecContext& context) {
+std::optional<ScriptCallbacks::Call> ScriptCallbacks::Take(MyAsyncDeviceExecContext& context) {
     if (!context.IsOver() || !m_functions.contains(&context))
         return std::nullopt;
     Call call{m_functions.take(&context), {}};
@@ -11,4 +11,9 @@ std::optional<AsyncCallbacks::Call> AsyncCallbacks::Take(MyAsyncDeviceExecContex
     if (result.GetLength() > 0)
         call.arguments.append(QScriptValue(FromHostText(result.c_str())));
     return call;
+}
+
+void ScriptCallbacks::Clear() {
+    m_functions.clear();
+    m_onChange = QScriptValue();
 }

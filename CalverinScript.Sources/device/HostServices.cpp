@@ -1,0 +1,17 @@
+#include "HostServices.h"
+
+#include "FaceAnswer.h"
+#include "IHostServices.h"
+#include "IManagerRemote.h"
+
+HostServices HostServices::Find(IMInterface* host, IKXPDevice* device) {
+    HostServices services;
+    if (auto* manager = QueryFace<IManagerRemoteManager>(host, "IManagerRemoteManager"))
+        services.link = manager->GetRemote();
+    if (auto* manager = QueryFace<IManagerRemoteManager2>(host, "IManagerRemoteManager2"))
+        services.newerLink = manager->GetRemote(device);
+    services.folders = QueryFace<IFolderManager>(host, "IFolderManager");
+    services.variables = QueryFace<IVariableManager>(host, "IVariableManager");
+    services.names = QueryFace<IObjectNameTools>(host, "IObjectNameTools");
+    return services;
+}

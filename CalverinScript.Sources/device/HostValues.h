@@ -1,0 +1,54 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+
+#include "DefaultVariables.h"
+#include "VariableAccessor.h"
+
+class IData;
+class IDeviceVariables;
+
+/// The host's values of one device's variables: the default ones, which the device writes, and those that members of a running script
+/// stand for. The host drops them all whenever it takes a definition; nothing of ours is inside one meanwhile.
+class HostValues {
+public:
+    /// @param closed set once when the host must not be touched any more; must outlive this.
+    explicit HostValues(const std::atomic<bool>& closed)
+        : m_accessors(closed) {}
+    HostValues(const HostValues&) = delete;
+    HostValues& operator=(const HostValues&) = delete;
+
+    /// The host's object, borrowed for the device's life.   [host main, before all else]
+    void SetVariables(IDeviceVariables* variables) { m_variables = variables; }
+    IDeviceVariables* GetVariables() const { return m_variables; }
+    /// The host's value of a variable of the device; null when there is none.   [any, inside the gate]
+    IData* Find(const QString& name) const;
+
+    /// Offers a definition to the host. Members of a running script stand for the new values afterwards. The default variables stay
+    /// unbound, and what is written to them is kept, until BindDefaults.
+    /// @return whether the host has taken it.   [host main]
+    bool Offer(const std::string& definition);
+    /// Looks the default variables up, or lets go of them.   [host main]
+    void BindDefaults(bool areThere);
+    /// The same where they were never found, and no definition is on its way.   [any host thread]
+    void BindDefaultsUnlessBound(bool areThere);
+
+    /// Texts and status for the default variables.   [any]
+    void SetText(DefaultVariable variable, const QString& text) { m_defaults.SetText(variable, text); }
+    void SetStatus(DeviceStatus status) { m_defaults.SetStatus(status); }
+    /// The default variables are never written again.   [host main]
+    void ForgetDefaults() { m_defaults.Forget(); }
+
+    /// What the script's members stand for.   [script]
+    AccessorPool& Accessors() { return m_accessors; }
+    /// Entered around each use of a value.   [any]
+    VisitGate& Gate() { return m_accessors.GetGate(); }
+
+private:
+    DefaultVariables::Find DefaultsThatAre(bool there) const;
+
+    IDeviceVariables* m_variables = nullptr;
+    DefaultVariables m_defaults;
+    AccessorPool m_accessors;
+};

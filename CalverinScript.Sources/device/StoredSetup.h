@@ -1,0 +1,84 @@
+#pragma once
+
+#include <atomic>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "MLockedList.h"
+#include "ResourceSignature.h"
+#include "ScriptRecords.h"
+#include "SetupFormat.h"
+
+/// The setup of a device as its host keeps it: the script that Start runs, the user's choices, and the lists. What it says is changed
+/// on the host's main thread alone; any thread may read it.
+///
+/// Whether the default commands and variables are removed has four voices: the setup, the script of the last analysis, which outranks
+/// it, the open dialog in place of the setup, and the decision that is in force.
+class StoredSetup {
+public:
+    StoredSetup() = default;
+    StoredSetup(const StoredSetup&) = delete;
+    StoredSetup& operator=(const StoredSetup&) = delete;
+
+    /// A script's file, may be empty, and its text.   [host main]
+    void SetScript(const QString& fileName, const QString& text);
+    QString GetScriptFileName() const;
+    QString GetScriptText() const;
+
+    /// [host main]
+    void SetChoices(const SetupChoices& choices);
+    SetupChoices GetChoices() const;
+
+    /// Panel, settings and variables of another setup.   [host main]
+    void TakePanelAndLists(const DeviceSetup& setup);
+    /// The setup as it is now, all but name and commands.   [host main]
+    DeviceSetup Describe() const;
+
+    // Lists with locks of their own
+    MLockedList<MScriptSetting>& Settings() { return m_settings; }
+    MLockedList<MScriptVariable>& Variables() { return m_variables; }
+    MLockedList<MScriptCommand>& Commands() { return m_commands; }
+    std::vector<MScriptSetting> GetSettings() const { return m_settings.Snapshot(); }
+    std::vector<MScriptVariable> GetVariables() const { return m_variables.Snapshot(); }
+    std::vector<MScriptCommand> GetCommands() const { return m_commands.Snapshot(); }
+
+    // Whether the default commands and variables go
+    /// The dialog's choice while it is open; nothing when it is closed.   [host main]
+    void SetPendingRemoval(std::optional<bool> remove) { m_pendingRemoval = remove; }
+    /// The script's own word at the last analysis.   [host main]
+    void SetScriptsRemoval(std::optional<bool> remove) { m_scriptsRemoval = remove; }
+    std::optional<bool> GetScriptsRemoval() const { return m_scriptsRemoval; }
+    /// What an analysis goes by before the script has spoken.   [host main]
+    bool GetRemovalForAnalysis() const { return m_pendingRemoval.value_or(GetChoices().removeDefaults); }
+    /// The script's word, or else the choice.   [host main]
+    bool DecideRemoval(bool choice) const { return m_scriptsRemoval.value_or(choice); }
+    void ApplyRemoval(bool remove) { m_appliedRemoval = remove; }
+    /// The decision in force.   [any]
+    bool IsRemovalApplied() const { return m_appliedRemoval; }
+
+    // [host main]
+    void SetLoaded() { m_isLoaded = true; }
+    /// Whether a setup was ever read or accepted.
+    bool IsLoaded() const { return m_isLoaded; }
+    void SetResources(std::vector<ResourceRequest> resources) { m_resources = std::move(resources); }
+    const std::vector<ResourceRequest>& GetResources() const { return m_resources; }
+
+private:
+    mutable std::mutex m_lock;
+    QString m_scriptFileName; ///< under m_lock, as are the next two
+    QString m_scriptText;
+    SetupChoices m_choices{true, false, false, true}; ///< of a new device
+
+    MLockedList<MScriptSetting> m_settings;
+    MLockedList<MScriptVariable> m_variables; ///< as known to the host
+    MLockedList<MScriptCommand> m_commands;   ///< the user commands with their ids
+    std::atomic<bool> m_appliedRemoval{false};
+
+    bool m_userModeVisible = true; ///< host main, as is all that follows
+    bool m_runModeVisible = true;
+    bool m_isLoaded = false;
+    std::optional<bool> m_scriptsRemoval;
+    std::optional<bool> m_pendingRemoval;
+    std::vector<ResourceRequest> m_resources;
+};
