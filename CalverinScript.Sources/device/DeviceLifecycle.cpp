@@ -116,8 +116,8 @@ bool MCalverinScript_Device::IsUsable() const {
 
 KXPCode MCalverinScript_Device::Start() {
     const HostVisit visit(*this);
-    startPending = true;
-    stopPending = false;
+    runState.startPending = true;
+    runState.stopPending = false;
     remote->OnDeviceStart();
     SetRunning(true);
     SetStarted(true);
@@ -139,20 +139,20 @@ KXPCode MCalverinScript_Device::Start() {
 
 KXPCode MCalverinScript_Device::Stop() {
     const HostVisit visit(*this);
-    stopPending = true;
+    runState.stopPending = true;
     ClearScriptState();
     remote->EndContexts();
     ExecuteStopFunction();
     remote->RefuseWaits();
-    stopPending = false;
-    threadStopDone = true;
+    runState.stopPending = false;
+    runState.threadStopDone = true;
     if (entrance.IsInside() && IsDebuggerActive()) {
-        threadStopDone = false;
+        runState.threadStopDone = false;
         debuggerAbort = true;
     }
     SetStarted(false);
     SetRunning(false);
-    if (threadStopDone)
+    if (runState.threadStopDone)
         StopCommandThread();
     remote->ReleaseScriptObjects();
     road->ClearStackCount();
@@ -192,7 +192,7 @@ bool MCalverinScript_Device::EndScriptThread() {
     }
     entrance.WakeUp();
     scriptThread->quit();
-    const bool ended = scriptThread->wait(kThreadEndMs) && threadLeft;
+    const bool ended = scriptThread->wait(kThreadEndMs) && runState.threadLeft;
     if (!ended) {
         values.ForgetDefaults();
         scriptThread->setPriority(QThread::IdlePriority); // what it still computes shall cost nobody anything
@@ -224,7 +224,7 @@ std::size_t MCalverinScript_Device::SweepAbandoned() {
     std::vector<MCalverinScript_Device*>& devices = AbandonedDevices();
     const auto over = [](MCalverinScript_Device* device) {
         const bool threadEnded =
-            device->scriptThread == nullptr || (device->scriptThread->isFinished() && device->threadLeft);
+            device->scriptThread == nullptr || (device->scriptThread->isFinished() && device->runState.threadLeft);
         if (!threadEnded || device->IsHostInside())
             return false;
         delete device;

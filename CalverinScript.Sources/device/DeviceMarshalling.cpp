@@ -20,7 +20,7 @@ void MCalverinScript_Device::OnScriptThreadEnding() {
     ClearTimers();
     entrance.LeaveThread();
     moveToThread(homeThread);
-    threadLeft = true;
+    runState.threadLeft = true;
 }
 
 void MCalverinScript_Device::ConnectSignals() {
@@ -105,7 +105,7 @@ bool MCalverinScript_Device::ExecuteCallBack(MyAsyncDeviceExecContext* context) 
 }
 
 bool MCalverinScript_Device::ExecuteStopFunction() {
-    return hasStopFunction && Marshal(MarshalledCallTable::kExecuteStopFunction);
+    return runState.hasStopFunction && Marshal(MarshalledCallTable::kExecuteStopFunction);
 }
 
 void MCalverinScript_Device::ClearScriptState() {

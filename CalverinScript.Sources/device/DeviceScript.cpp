@@ -197,18 +197,18 @@ void MCalverinScript_Device::CleanupBeforeEvaluate() {
     remote->AllowWaits();
     ClearTimers();
     ExecuteStopFunction();
-    hasStopFunction = false;
+    runState.hasStopFunction = false;
     remote->ReleaseScriptObjects();
 }
 
 void MCalverinScript_Device::AfterEvaluate() {
-    const bool wasStarting = startPending.exchange(false);
-    hasStopFunction = false;
+    const bool wasStarting = runState.startPending.exchange(false);
+    runState.hasStopFunction = false;
     GiveSettingsToScript();
     const QScriptValue start = live.global.property(QStringLiteral("_mStart"));
     if (start.isFunction())
         CallScript(start, {QScriptValue(!wasStarting)});
-    hasStopFunction = live.global.property(QStringLiteral("_mStop")).isFunction();
+    runState.hasStopFunction = live.global.property(QStringLiteral("_mStop")).isFunction();
 }
 
 void MCalverinScript_Device::GiveSettingsToScript() {
@@ -224,7 +224,7 @@ void MCalverinScript_Device::GiveSettingsToScript() {
 
 bool MCalverinScript_Device::SlotExecuteScript_mStop() {
     return RunSlot(MarshalledCallTable::kExecuteStopFunction, [&] {
-        const bool wasStopping = stopPending.exchange(false);
+        const bool wasStopping = runState.stopPending.exchange(false);
         if (wasStopping)
             remote->AllowWaitsOfStop();
         const QScriptValue function = live.global.property(QStringLiteral("_mStop"));
@@ -296,6 +296,6 @@ QScriptValue MCalverinScript_Device::CallScript(QScriptValue function, const QSc
 }
 
 void MCalverinScript_Device::FinishStopRequest() {
-    if (!threadStopDone)
-        stopRequested = true;
+    if (!runState.threadStopDone)
+        runState.stopRequested = true;
 }

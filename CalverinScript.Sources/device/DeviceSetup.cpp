@@ -92,7 +92,7 @@ KXPCode MCalverinScript_Device::SetSetup(const char* text) {
     BindDefaultVariables();
     EvaluateScript(storedSetup.GetScriptText(), &analysis);
     stop.global = QScriptValue();
-    definitionCache = definition.c_str();
+    storedSetup.SetDefinition(definition);
     storedSetup.SetLoaded();
     return KXP_OK;
 }
@@ -161,24 +161,24 @@ void MCalverinScript_Device::CommitStopFunctions() {
 const char* MCalverinScript_Device::GetDefinition() {
     if (module == nullptr)
         return nullptr;
-    if (definitionCache.IsNotEmpty())
-        return definitionCache.c_str();
-    std::string text;
-    if (MakeDefinition(live.functions.Snapshot(), storedSetup.GetVariables(), storedSetup.IsRemovalApplied(), false,
-                       text))
-        definitionCache = text.c_str();
-    else if (const char* definitionTemplate = module->GetDefinitionTemplate())
-        definitionCache = definitionTemplate;
-    else
-        return nullptr;
-    return definitionCache.c_str();
+    if (storedSetup.GetDefinition().empty()) {
+        std::string text;
+        if (MakeDefinition(live.functions.Snapshot(), storedSetup.GetVariables(), storedSetup.IsRemovalApplied(), false,
+                           text))
+            storedSetup.SetDefinition(text);
+        else if (const char* definitionTemplate = module->GetDefinitionTemplate())
+            storedSetup.SetDefinition(definitionTemplate);
+        else
+            return nullptr;
+    }
+    return storedSetup.GetDefinition().c_str();
 }
 
 bool MCalverinScript_Device::MakeDefinition(const ScriptCommands& definedCommands, const ScriptVariables& variables,
                                             bool hideDefaults, bool resetDefaultIds, std::string& text) {
     DefinitionRequest request;
     request.definitionTemplate = module != nullptr ? module->GetDefinitionTemplate() : nullptr;
-    request.deviceNumber = moduleDeviceNumber;
+    request.deviceNumber = storedSetup.GetDeviceNumber();
     request.deviceVariables = values.GetVariables();
     request.commands = definedCommands;
     request.variables = variables;
@@ -236,7 +236,7 @@ KXPCode MCalverinScript_Device::AcceptSetup(const DeviceSetup& setup, const QStr
     if (taken) {
         storedSetup.ApplyRemoval(remove);
         TakeAcceptedSetup(setup, script, scriptFile);
-        definitionCache = definition.c_str();
+        storedSetup.SetDefinition(definition);
         storedSetup.SetLoaded();
     }
     BindDefaultVariables();

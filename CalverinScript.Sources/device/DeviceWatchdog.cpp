@@ -18,7 +18,7 @@ void MCalverinScript_Device::OnTimer(std::uint32_t nowMs) {
         debuggerAbort = false;
         AbortEvaluation();
     }
-    if (stopRequested)
+    if (runState.stopRequested)
         FinishRequestedStop();
     if (MKXPDeviceBase::IsRunning())
         remote->Tick();
@@ -30,8 +30,8 @@ void MCalverinScript_Device::FinishRequestedStop() {
         return;
     mutex.unlock();
     StopCommandThread();
-    threadStopDone = true;
-    stopRequested = false;
+    runState.threadStopDone = true;
+    runState.stopRequested = false;
 }
 
 bool MCalverinScript_Device::IsDebuggerActive() const {

@@ -31,12 +31,12 @@
 #include "MyAsyncDeviceExecContext.h"
 #include "MyCommandManager.h"
 #include "ResourceSignature.h"
+#include "RunState.h"
 #include "ScriptCallbacks.h"
 #include "ScriptEntrance.h"
 #include "ScriptSet.h"
 #include "ScriptTimers.h"
 #include "SetupFormat.h"
-#include "SetupMemory.h"
 #include "StoredSetup.h"
 #include "VariableAccessor.h"
 
@@ -136,8 +136,8 @@ public:
     KXPCode CancelSetup();
     /// What the open dialog says about the default commands and variables.   [host main]
     void SetPendingRemoveDefaults(bool remove) { storedSetup.SetPendingRemoval(remove); }
-    std::uint32_t GetModuleDeviceNumber() const { return moduleDeviceNumber; }
-    void SetModuleDeviceNumber(std::uint32_t number) { moduleDeviceNumber = number; }
+    std::uint32_t GetModuleDeviceNumber() const { return storedSetup.GetDeviceNumber(); }
+    void SetModuleDeviceNumber(std::uint32_t number) { storedSetup.SetDeviceNumber(number); }
     /// Looks up the device's five default variables at the host: null where it has none of that name.   [any host thread]
     void BindDefaultVariables();
 
@@ -228,11 +228,11 @@ public:
     /// The module that made the device; null in a device without one.
     IModuleServices* GetModule() const { return module; }
     /// How the user left the setup dialog the last time.   [host main]
-    SetupMemory& GetSetupMemory() { return setupMemory; }
+    SetupMemory& GetSetupMemory() { return storedSetup.Memory(); }
     QScriptEngineDebugger* GetDebugger() const { return debugger.get(); }
     MScriptThread* GetScriptThread() const { return scriptThread.get(); }
     std::int32_t GetStackCount() const;
-    bool HasStopFunction() const { return hasStopFunction; }
+    bool HasStopFunction() const { return runState.hasStopFunction; }
     std::vector<MScriptCommand> GetCommands() const { return storedSetup.GetCommands(); }
     std::vector<MScriptVariable> GetLiveVariables() const { return storedSetup.GetVariables(); }
     std::vector<MScriptSetting> GetSetupSettings() const { return storedSetup.GetSettings(); }
@@ -387,15 +387,12 @@ private:
     std::unique_ptr<QImage> bitmap;        ///< cache of GetBitmap; host main
     IKXPDevicePanel* panel = nullptr;      ///< the last one created; not owned
     QThread* homeThread = nullptr;         ///< where the device was made, and goes back to before it ends
-    std::uint32_t moduleDeviceNumber = 0;
-    InterlockedCounter hostCalls; ///< host calls that are inside the device
+    InterlockedCounter hostCalls;          ///< host calls that are inside the device
 
     // The rooms
     std::atomic<bool> ending{false}; ///< set once by Release: nothing enters the script any more
     HostValues values{ending};       ///< the host's values of the device's variables
     StoredSetup storedSetup;         ///< what the host keeps of the device
-    SetupMemory setupMemory;         ///< host main
-    MString definitionCache;         ///< host main; empty means rebuild
     std::recursive_mutex mutex;      ///< guards the engine's state: every entry into the script takes it
     CompletionGate gate;
     ScriptEntrance entrance{mutex, ending, [this] { FireDeferredTimers(); }, this}; ///< with the engine's thread
@@ -404,14 +401,9 @@ private:
     std::unique_ptr<ICommandWork> roadWork; ///< what the road needs of this device
     std::unique_ptr<CommandRoad> road;      ///< made before all that posts
 
-    std::atomic<bool> startPending{false};     ///< set by Start, read once by AfterEvaluate
-    std::atomic<bool> stopPending{false};      ///< set by Stop, read once by SlotExecuteScript_mStop
-    std::atomic<bool> hasStopFunction{false};  ///< written on the script thread
+    RunState runState;                         ///< where start and stop are
     std::atomic<bool> debuggerContinue{false}; ///< script thread asks the tick to let the debugger go on
     std::atomic<bool> debuggerAbort{false};    ///< Stop asks the tick to abort
-    std::atomic<bool> stopRequested{false};    ///< script thread asks the tick to finish a stop
-    std::atomic<bool> threadStopDone{true};
-    std::atomic<bool> threadLeft{false}; ///< set by the script thread when it touches the device no more
     bool debuggerEnabled = false;
 
     // The script's world. The engine, what it shows and what hangs on it go in the reverse of this order.

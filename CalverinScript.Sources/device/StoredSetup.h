@@ -3,12 +3,15 @@
 #include <atomic>
 #include <mutex>
 #include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "MLockedList.h"
 #include "ResourceSignature.h"
 #include "ScriptRecords.h"
 #include "SetupFormat.h"
+#include "SetupMemory.h"
 
 /// The setup of a device as its host keeps it: the script that Start runs, the user's choices, and the lists. What it says is changed
 /// on the host's main thread alone; any thread may read it.
@@ -64,6 +67,15 @@ public:
     void SetResources(std::vector<ResourceRequest> resources) { m_resources = std::move(resources); }
     const std::vector<ResourceRequest>& GetResources() const { return m_resources; }
 
+    /// The definition that the host has, or will ask for; empty means that it has to be built.
+    void SetDefinition(const std::string& definition) { m_definition = definition; }
+    const std::string& GetDefinition() const { return m_definition; }
+    /// The device's number in its module, for the definition.
+    void SetDeviceNumber(std::uint32_t number) { m_deviceNumber = number; }
+    std::uint32_t GetDeviceNumber() const { return m_deviceNumber; }
+    /// How the user left the dialog.
+    SetupMemory& Memory() { return m_memory; }
+
 private:
     mutable std::mutex m_lock;
     QString m_scriptFileName; ///< under m_lock, as are the next two
@@ -81,4 +93,7 @@ private:
     std::optional<bool> m_scriptsRemoval;
     std::optional<bool> m_pendingRemoval;
     std::vector<ResourceRequest> m_resources;
+    std::string m_definition;
+    std::uint32_t m_deviceNumber = 0;
+    SetupMemory m_memory;
 };
