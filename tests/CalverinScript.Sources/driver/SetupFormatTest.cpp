@@ -145,12 +145,20 @@ TEST(SetupText, LosesCharactersOfTheScriptBeyondLatin1AndThatIsMeant) {
     EXPECT_EQ(Read(PrintSetup(setup)).script->text, SetupText("\u00e9?"));
 }
 
+TEST(SetupText, WithAGoodRootGivesItsNameAlsoWhereTheSetupIsMissingAsIsMeant) {
+    DeviceSetup setup;
+    EXPECT_EQ(ReadSetup("<DeviceData Version='1' Name='Lamp'/>", setup), KXP_NULL_ARGUMENT);
+    EXPECT_EQ(setup.name, SetupText("Lamp"));
+    EXPECT_EQ(ReadSetup("<DeviceData Version='1'><Other/></DeviceData>", setup), KXP_NULL_ARGUMENT);
+    EXPECT_EQ(setup.name, SetupText(""));
+    EXPECT_FALSE(setup.name.isNull()) << "a name was read, and it is empty";
+}
+
 TEST(SetupText, GivesTwoForNothingAndWhatDoesNotParseAnd22ForAnotherRoot) {
     DeviceSetup setup;
     setup.name = SetupText("untouched");
     EXPECT_EQ(ReadSetup(nullptr, setup), KXP_NULL_ARGUMENT);
-    for (const char* text : {"", " ", "text", "<DeviceData", "<DeviceData Version='1'>", "<DeviceData Version='1'/>",
-                             "<DeviceData Version='1'><Other/></DeviceData>"})
+    for (const char* text : {"", " ", "text", "<DeviceData", "<DeviceData Version='1'>"})
         EXPECT_EQ(ReadSetup(text, setup), KXP_NULL_ARGUMENT) << text;
     for (const char* text : {"<Other Version='1'><Setup/></Other>", "<DeviceData><Setup/></DeviceData>",
                              "<DeviceData Version='one'><Setup/></DeviceData>"})
