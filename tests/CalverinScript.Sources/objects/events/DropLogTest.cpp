@@ -18,7 +18,7 @@ std::uint32_t Clock() {
 class Log final : public IScriptObjectOwner {
 public:
     void PostScriptEvent(const QString&, const MScriptParamList*, MScriptCommonEvent*) override {}
-    const char* GetDeviceName() const override { return ""; }
+    std::string GetDeviceName() const override { return ""; }
     void TraceMessage(const QString& message, const QString& type) override {
         lines.push_back((type + QLatin1Char(' ') + message).toStdString());
     }

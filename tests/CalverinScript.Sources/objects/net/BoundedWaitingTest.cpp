@@ -24,7 +24,7 @@ public:
         names.push_back(name.toStdString());
         waiting.push_back(*params);
     }
-    const char* GetDeviceName() const override { return ""; }
+    std::string GetDeviceName() const override { return ""; }
     void TraceMessage(const QString& message, const QString&) override {
         log.push_back(message.toStdString());
         const std::string text = log.back();
