@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <mutex>
 
 #include "CommandNumbers.h"
@@ -19,16 +18,18 @@ constexpr std::uint32_t kParamsOfExecuteWithParams = 2 + kArgumentCount;
 class ParamText {
 public:
     ParamText() = default;
-    explicit ParamText(IObjectParam* param)
-        : m_data(EffectiveData(param))
-        , m_text(m_data != nullptr ? m_data->GetValueAsString() : nullptr) {}
     ~ParamText() {
         if (m_text != nullptr)
             m_data->ReleaseString(&m_text);
     }
     ParamText(const ParamText&) = delete;
     ParamText& operator=(const ParamText&) = delete;
-    const char* Get() const { return m_text; }
+    /// Called once. @return the text, null for a parameter without one.
+    const char* Read(IObjectParam* param) {
+        m_data = EffectiveData(param);
+        m_text = m_data != nullptr ? m_data->GetValueAsString() : nullptr;
+        return m_text;
+    }
 
 private:
     IData* m_data = nullptr;
@@ -49,25 +50,24 @@ KXPCode MCalverinScript_Device::PostBuiltIn(std::int32_t id, IObjectParams* para
     const std::uint32_t needed = id == kExecuteFunctionWithParams ? kParamsOfExecuteWithParams : 1;
     if (params->GetParamCount() < needed)
         return KXP_BAD_COMMAND;
-    const ParamText first(params->GetParam(0));
+    ParamText first;
+    const char* text = first.Read(params->GetParam(0));
     if (id == kLoadFromFile || id == kLoadFromText) {
-        road->Post(ScriptRequest::Load(static_cast<BuiltInCommand>(id), first.Get()), context);
+        road->Post(ScriptRequest::Load(static_cast<BuiltInCommand>(id), text), context);
         return KXP_OK;
     }
-    if (!HasFunction(first.Get()))
+    if (!HasFunction(text))
         return KXP_SCRIPT_FAILED;
     if (id == kExecuteFunction) {
-        road->Post(ScriptRequest::Function(first.Get()), context);
+        road->Post(ScriptRequest::Function(text), context);
         return KXP_OK;
     }
-    std::array<std::unique_ptr<ParamText>, kArgumentCount> owned;
+    std::array<ParamText, kArgumentCount> owned;
     std::array<const char*, kArgumentCount> texts{};
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        owned[i] = std::make_unique<ParamText>(params->GetParam(static_cast<std::uint32_t>(2 + i)));
-        texts[i] = owned[i]->Get();
-    }
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        texts[i] = owned[i].Read(params->GetParam(static_cast<std::uint32_t>(2 + i)));
     IData* result = EffectiveData(params->GetParam(1));
-    road->Post(ScriptRequest::Function(first.Get(), result, texts.data()), context);
+    road->Post(ScriptRequest::Function(text, result, texts.data()), context);
     return KXP_OK;
 }
 
@@ -78,7 +78,7 @@ bool MCalverinScript_Device::MayPost() const {
 bool MCalverinScript_Device::HasFunction(const char* name) {
     if (name == nullptr)
         return false;
-    const QString wanted = FromHostText(name);
+    const QLatin1String wanted(name);
     const std::lock_guard<MLockedList<MScriptCommand>> guard(live.functions);
     return std::any_of(live.functions.begin(), live.functions.end(),
                        [&](const MScriptCommand& function) { return function.name == wanted; });
