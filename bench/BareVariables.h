@@ -24,3 +24,36 @@ public:
 private:
     IVariableManager& m_manager;
 };
+
+/// Methods that nobody calls. Each default argument makes one entry more that the engine can call.
+class BareCrowd : public QObject {
+    Q_OBJECT
+public:
+    virtual ~BareCrowd() = default;
+    Q_INVOKABLE void First(int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0,
+                           int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0,
+                           int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0) {}
+    Q_INVOKABLE void Second(int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0,
+                            int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0,
+                            int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0) {}
+    Q_INVOKABLE void Third(int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0,
+                           int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0,
+                           int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0) {}
+};
+
+/// The same two methods behind as many entries as they have in front of them in the script interface, since the engine
+/// looks through all of them at each call.
+class CrowdedVariables : public BareCrowd {
+    Q_OBJECT
+public:
+    explicit CrowdedVariables(IVariableManager& manager)
+        : m_bare(manager) {}
+    virtual ~CrowdedVariables() = default;
+    Q_INVOKABLE unsigned int SetValueAsInteger(const QString& name = QString(), const QString& value = QString()) {
+        return m_bare.SetValueAsInteger(name, value);
+    }
+    Q_INVOKABLE int GetValueAsInteger(const QString& name = QString()) { return m_bare.GetValueAsInteger(name); }
+
+private:
+    BareVariables m_bare;
+};

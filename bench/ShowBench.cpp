@@ -51,21 +51,30 @@ void Expect(bool condition) {
         std::abort();
 }
 
-/// Writes and reads of a variable, half each.
-std::vector<double> MeasureVariables() {
+/// Writes and reads of a variable, half each, beside an object of the given kind.
+template <typename Variables>
+std::vector<double> MeasureVariablesBeside() {
     PinToOneCore();
     BenchShow show;
     const std::string loop = "for (var i = 0; i < " + std::to_string(kVariableCalls / 2) +
                              "; ++i) { QCalverin.SetValueAsInteger('v', i); QCalverin.GetValueAsInteger('v') }";
     const std::string script = "({ F: function() { " + loop + " return QCalverin.GetValueAsInteger('v') } })";
     BareRelay bare(QString::fromStdString(script));
-    BareVariables variables(show);
+    Variables variables(show);
     bare.Offer(QStringLiteral("QCalverin"), variables);
     BenchDevice device(script);
     const auto params = plain::Params::ForFunction("F", {});
     const std::string last = std::to_string(kVariableCalls / 2 - 1);
     return InTurn([&] { Expect(bare.RoundTrip().toStdString() == last); },
                   [&] { Expect(device.Call(*params) == last); });
+}
+
+std::vector<double> MeasureVariables() {
+    return MeasureVariablesBeside<BareVariables>();
+}
+
+std::vector<double> MeasureCrowdedVariables() {
+    return MeasureVariablesBeside<CrowdedVariables>();
 }
 
 /// One script runs a function of another device's script and waits for its text.
@@ -197,6 +206,7 @@ std::vector<double> MeasureTimer() {
 
 const bool kAdded = [] {
     AddMeasurement("variables", &MeasureVariables);
+    AddMeasurement("crowded_variables", &MeasureCrowdedVariables);
     AddMeasurement("perform", &MeasurePerform);
     AddMeasurement("changes", &MeasureChanges);
     AddMeasurement("timer", &MeasureTimer);
@@ -217,6 +227,12 @@ void VariableReadsAndWrites(benchmark::State& state) {
     ShowRates(state, "variables", kVariableCalls);
 }
 BENCHMARK(VariableReadsAndWrites)->Iterations(1)->Repetitions(3)->Unit(benchmark::kMillisecond);
+
+/// Beside a bare object with as many methods: what is left is the module's own.
+void VariableReadsAndWritesBesideAsManyMethods(benchmark::State& state) {
+    ShowRates(state, "crowded_variables", kVariableCalls);
+}
+BENCHMARK(VariableReadsAndWritesBesideAsManyMethods)->Iterations(1)->Repetitions(3)->Unit(benchmark::kMillisecond);
 
 void PerformBetweenTwoDevices(benchmark::State& state) {
     ShowRates(state, "perform", kPerforms);
