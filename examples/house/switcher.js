@@ -25,16 +25,21 @@
                     switcher.Device.Input = Number(text.substr(3));
             });
         });
-        line.On("close", function () { switcher.Device.Line = "closed"; });
+        line.On("close", function () { switcher._stand(false); });
         line.SetBaudRate(9600);
-        line.Open(function () { switcher.Device.Line = "open"; });
+        line.Open(function () { switcher._stand(true); });
         this._line = line;
+    },
+
+    _stand: function (isOpen) {
+        this._isOpen = isOpen;
+        this.Device.Line = isOpen ? "open" : "closed";
     },
 
     _mStop: function () { this._line.Close(); },
 
     Choose: function (input) {
-        if (this.Device.Line !== "open")
+        if (!this._isOpen)
             throw new Error("the line is not open");
         this._line.Write("IN " + input + "\r");
     }
