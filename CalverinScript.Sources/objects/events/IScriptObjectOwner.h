@@ -38,6 +38,9 @@ public:
     /// Writes to the module's log; for the types see IMScriptManagerRemoteLogger.   [any]
     virtual void TraceMessage(const QString& message, const QString& messageType) = 0;
 
+    /// Puts out what was set on the channels of the host that the script has taken.   [script]
+    virtual void FlushChannels() {}
+
 protected:
     ~IScriptObjectOwner() = default;
 };

@@ -38,14 +38,43 @@ void ScriptObjects::Own(std::unique_ptr<MScriptCommonEvent> object) {
     Insert({bare, std::move(object), 0, 0});
 }
 
-void ScriptObjects::Borrow(MScriptCommonEvent& resource) {
-    Insert({&resource, nullptr, 0, 0});
+bool ScriptObjects::Borrow(MScriptCommonEvent& resource) {
+    return Insert({&resource, nullptr, 0, 0});
 }
 
-void ScriptObjects::Insert(Entry entry) {
+bool ScriptObjects::Insert(Entry entry) {
     const std::lock_guard<std::mutex> guard(m_lock);
+    if (IsRetired(entry.object))
+        return false;
     entry.age = m_nextAge++;
-    m_live.try_emplace(entry.object, std::move(entry));
+    return m_live.try_emplace(entry.object, std::move(entry)).second;
+}
+
+bool ScriptObjects::IsRetired(const MScriptCommonEvent* object) const {
+    const auto isIt = [object](const Entry& entry) { return entry.object == object && entry.owned != nullptr; };
+    return std::any_of(m_retired.begin(), m_retired.end(), isIt) ||
+           std::any_of(m_released.begin(), m_released.end(), isIt);
+}
+
+void ScriptObjects::NoteStrays(const Entry& entry) {
+    if (entry.onTheWay > 0)
+        m_strays[entry.object] += entry.onTheWay;
+}
+
+void ScriptObjects::Retire(std::unique_ptr<MScriptCommonEvent> resource) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    MScriptCommonEvent* const bare = resource.get();
+    const auto isIt = [bare](const Entry& released) { return released.object == bare; };
+    m_released.erase(std::remove_if(m_released.begin(), m_released.end(), isIt), m_released.end());
+    Entry entry{bare, std::move(resource), m_nextAge++, 0};
+    const auto live = m_live.find(bare);
+    if (live == m_live.end()) {
+        m_released.push_back(std::move(entry));
+        return;
+    }
+    NoteStrays(live->second);
+    m_live.erase(live);
+    m_retired.push_back(std::move(entry));
 }
 
 bool ScriptObjects::CountRaised(const MScriptCommonEvent* object, std::uint64_t count) {
@@ -102,12 +131,14 @@ bool ScriptObjects::GoesBefore(const Entry& one, const Entry& other) {
 bool ScriptObjects::Release() {
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto first = static_cast<std::ptrdiff_t>(m_released.size());
-    for (auto& [object, entry] : m_live) {
-        if (entry.onTheWay > 0)
-            m_strays[object] += entry.onTheWay;
+    for (auto& live : m_live) {
+        Entry& entry = live.second;
+        NoteStrays(entry);
         m_released.push_back(std::move(entry));
     }
     m_live.clear();
+    std::move(m_retired.begin(), m_retired.end(), std::back_inserter(m_released));
+    m_retired.clear();
     std::sort(m_released.begin() + first, m_released.end(), &ScriptObjects::GoesBefore);
     return !m_released.empty();
 }

@@ -33,8 +33,12 @@ public:
 
     /// Takes an object that the script has made.   [script]
     void Own(std::unique_ptr<MScriptCommonEvent> object);
-    /// Notes a resource that the script has taken, once. It must live until it has been released here.   [script]
-    void Borrow(MScriptCommonEvent& resource);
+    /// Notes a resource that the script has taken. It must live until it has been released here, or be given to Retire.
+    /// @return false when it was here already, or has been retired.   [script]
+    bool Borrow(MScriptCommonEvent& resource);
+    /// Takes a resource that its device has let go: no event of it is delivered any more. One that the script has taken
+    /// stays until all objects are released, for the script may call it still.   [host main]
+    void Retire(std::unique_ptr<MScriptCommonEvent> resource);
 
     /// Notes that events of the object are about to be queued. @return false when the object is not here.   [any]
     bool CountRaised(const MScriptCommonEvent* object, std::uint64_t count = 1);
@@ -53,12 +57,14 @@ public:
 private:
     struct Entry {
         MScriptCommonEvent* object;
-        std::unique_ptr<MScriptCommonEvent> owned; ///< empty for a resource
+        std::unique_ptr<MScriptCommonEvent> owned; ///< empty for a resource that its device still has
         std::uint64_t age;
         std::uint64_t onTheWay; ///< events that were counted and not taken
     };
 
-    void Insert(Entry entry);
+    bool Insert(Entry entry);
+    bool IsRetired(const MScriptCommonEvent* object) const;
+    void NoteStrays(const Entry& entry);
     bool TakeLocked(const MScriptCommonEvent* object);
     bool EndsFlood();
     static bool GoesBefore(const Entry& one, const Entry& other);
@@ -70,6 +76,7 @@ private:
     std::unordered_map<const MScriptCommonEvent*, Entry> m_live; ///< under m_lock
     std::unordered_map<const MScriptCommonEvent*, std::uint64_t>
         m_strays;                    ///< under m_lock: events of objects that are gone
+    std::vector<Entry> m_retired;    ///< under m_lock: resources that the script may call still
     std::vector<Entry> m_released;   ///< under m_lock
     bool m_deleting = false;         ///< under m_lock
     std::uint64_t m_nextAge = 0;     ///< under m_lock
