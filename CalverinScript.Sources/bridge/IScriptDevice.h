@@ -7,6 +7,7 @@
 class MCommandObject;
 class MScriptCommonEvent;
 class MScriptParamList;
+class MScriptResource;
 class MyAsyncDeviceExecContext;
 class QScriptValue;
 class QString;
@@ -49,6 +50,10 @@ public:
 
     /// Whether the device is on its way out: nothing of the host may be called any more.   [any]
     virtual bool IsEnding() const = 0;
+
+    /// The object of a resource that a setting of the device names; null when none names it. Lives until the next task
+    /// of the script thread at least.   [script]
+    virtual MScriptResource* FindResource(const QScriptValue& signature) = 0;
 
     // Script timers; ids are unique in the device. -1 for a value that is no function.   [script]
     virtual int SetInterval(const QScriptValue& function, int delayMs) = 0;

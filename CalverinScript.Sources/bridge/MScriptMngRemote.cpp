@@ -9,6 +9,7 @@
 #include "IScriptDevice.h"
 #include "MScriptCommonEvent.h"
 #include "MScriptParamList.h"
+#include "MScriptResource.h"
 
 namespace {
 
@@ -60,6 +61,7 @@ void MScriptMngRemote::EndContexts() {
 
 void MScriptMngRemote::ReleaseScriptObjects() {
     ResetPostponed();
+    takenResources.Clear();
     const bool onScriptThread = device == nullptr || QThread::currentThread() == thread();
     if (!scriptObjects.Release())
         return;
@@ -69,7 +71,28 @@ void MScriptMngRemote::ReleaseScriptObjects() {
         scriptObjects.WaitUntilDeleted(kReleaseTime);
 }
 
-void MScriptMngRemote::Tick() {}
+/// What no task is taken for any more goes with this object.
+void MScriptMngRemote::RetireResources(std::vector<std::unique_ptr<MScriptResource>> resources) {
+    takenResources.Clear();
+    if (resources.empty())
+        return;
+    for (std::unique_ptr<MScriptResource>& resource : resources)
+        scriptObjects.Retire(std::move(resource));
+    if (device != nullptr)
+        device->PostTask([this] { scriptObjects.DeleteReleased(); });
+}
+
+void MScriptMngRemote::Tick() {
+    ServiceResources();
+}
+
+void MScriptMngRemote::ServiceResources() {
+    takenResources.Service();
+}
+
+void MScriptMngRemote::FlushChannels() {
+    takenResources.Flush();
+}
 
 void MScriptMngRemote::ReleaseAsyncContexts() {
     for (MyAsyncDeviceExecContext* context : asyncContexts->HoldAll()) {

@@ -17,9 +17,11 @@
 #include "MyDeviceExecContext.h"
 #include "ScriptObjects.h"
 #include "ScriptWaits.h"
+#include "TakenResources.h"
 
 class IScriptDevice;
 class MScriptCommonEvent;
+class MScriptResource;
 class MyPostponedObject;
 class QScriptEngine;
 
@@ -59,8 +61,13 @@ public:
     /// the script thread; a host thread waits for that, but for a moment only when a script is still running.
     /// [any host thread, script]
     void ReleaseScriptObjects();
+    /// Takes resources that the device has let go. No event of theirs is delivered any more, and nothing is flushed.
+    /// They are deleted on the script thread, those that the script has taken with what it has made.   [host main]
+    void RetireResources(std::vector<std::unique_ptr<MScriptResource>> resources);
     /// Periodic service while the device runs.   [tick]
     void Tick();
+    /// Looks at the state of each resource that the script has taken.   [tick]
+    void ServiceResources();
 
     // What scripts call. The order, the parameter names and the defaults are the script interface. All on the script thread; no
     // method throws. Codes: 0 done, 16 no asynchronous road, 19 no link or an argument refused, 48 no such variable, any other
@@ -134,13 +141,17 @@ public:
     Q_INVOKABLE int TimeStringToMinutes(const QString& sTime = QString(), int iTimeCodeType = 4);
     Q_INVOKABLE int TimeStringToSeconds(const QString& sTime = QString(), int iTimeCodeType = 4);
     Q_INVOKABLE int TimeStringToFrames(const QString& sTime = QString(), int iTimeCodeType = 4);
-    // The object factories. What they make belongs to this object until the device stops. Resources give an invalid value until
-    // they are there; so does everything without an engine. Without a device what they make does nothing to the network.
+    // The object factories. What they make belongs to this object until the device stops. Without an engine each gives
+    // an invalid value. Without a device what they make does nothing to the network.
 
     /// A new MScriptUDP for "udp4", a new TCPClient for any other text.
     Q_INVOKABLE QScriptValue CreateSocket(const QString& sType = QString());
     /// A new HTTPClient.
     Q_INVOKABLE QScriptValue CreateHTTPClient();
+    /// The object of a resource that a setting of the device names; it stays the device's. The first time in a run its
+    /// state is told anew.
+    /// @param svSignature a JSON text or an object with "Type", "ResourceID" and, for channels, "ChannelIndex".
+    /// @return an invalid value for anything else and without a device.
     Q_INVOKABLE QScriptValue GetResource(const QScriptValue& svSignature);
     /// Keeps the user command in execution open until SetResult. @return the id for SetResult, 0 when there is nothing to
     /// postpone.
@@ -187,6 +198,7 @@ public:
     void PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
                           MScriptCommonEvent* object) override;
     ScriptWaits* GetWaits() override { return &scriptWaits; }
+    void FlushChannels() override;
     std::string GetDeviceName() const override;
 
     // IAsyncDeviceExecContextHandler
@@ -227,4 +239,5 @@ private:
     MIObjectMap postponedMap;
     ScriptObjects scriptObjects;
     ScriptWaits scriptWaits;
+    TakenResources takenResources;
 };

@@ -3,7 +3,9 @@
 
 #include "HostCalls.h"
 #include "HTTPClient.h"
+#include "IScriptDevice.h"
 #include "MDate.h"
+#include "MScriptResource.h"
 #include "MScriptUDP.h"
 #include "MTime.h"
 #include "TCPClient.h"
@@ -109,6 +111,14 @@ QScriptValue MScriptMngRemote::CreateHTTPClient() {
     return Create<HTTPClient>();
 }
 
-QScriptValue MScriptMngRemote::GetResource(const QScriptValue& /*svSignature*/) {
-    return QScriptValue();
+QScriptValue MScriptMngRemote::GetResource(const QScriptValue& svSignature) {
+    MScriptResource* const resource =
+        engine != nullptr && device != nullptr ? device->FindResource(svSignature) : nullptr;
+    if (resource == nullptr)
+        return QScriptValue();
+    if (scriptObjects.Borrow(*resource)) {
+        resource->ForgetState();
+        takenResources.Add(*resource);
+    }
+    return resource->GetView(*engine);
 }

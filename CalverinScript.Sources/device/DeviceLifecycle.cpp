@@ -85,6 +85,7 @@ void MCalverinScript_Device::MakeEngine() {
     remote =
         std::make_unique<MScriptMngRemote>(this, services.link, services.newerLink, services.variables, engine.get());
     remote->setParent(this);
+    resources = std::make_unique<ResourceRoom>(*remote);
     SetUpScriptGlobals(*engine, *remote);
     eventArguments = std::make_unique<EventArguments>(*engine);
     engine->setProcessEventsInterval(kEngineEventIntervalMs);
@@ -186,6 +187,7 @@ bool MCalverinScript_Device::EndScriptThread() {
     entrance.Close();
     remote->EndContexts();
     remote->RefuseWaits();
+    resources->LetGo();
     if (scriptThread == nullptr) {
         gate.Abandon();
         return !entrance.IsInside();

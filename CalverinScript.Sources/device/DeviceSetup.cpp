@@ -80,7 +80,7 @@ KXPCode MCalverinScript_Device::SetSetup(const char* text) {
     QScriptEngine analysis;
     EvaluateScript(storedSetup.GetScriptText(), &analysis);
     storedSetup.ApplyRemoval(storedSetup.DecideRemoval(storedSetup.GetChoices().removeDefaults));
-    storedSetup.SetResources(FindResources(storedSetup.GetSettings(), analysis));
+    ResolveResources(storedSetup.GetSettings(), analysis);
     AssignIds(false);
     std::string definition;
     const bool built = MakeDefinition(stop.functions.Snapshot(), storedSetup.GetVariables(),
@@ -280,6 +280,22 @@ KXPCode MCalverinScript_Device::CancelSetup() {
 void MCalverinScript_Device::Analyse() {
     QScriptEngine analysis;
     EvaluateScript(storedSetup.GetScriptText(), &analysis);
-    storedSetup.SetResources(FindResources(storedSetup.GetSettings(), analysis));
+    ResolveChangedResources(analysis);
     stop.global = QScriptValue();
+}
+
+void MCalverinScript_Device::ResolveResources(const ScriptSettings& settings, QScriptEngine& analysis) {
+    resources->Take(FindResources(settings, analysis), services.resources);
+}
+
+/// A running script keeps its ports when a dialog is left with the resources that it had found.
+void MCalverinScript_Device::ResolveChangedResources(QScriptEngine& analysis) {
+    const std::vector<ResourceRequest> wanted = FindResources(storedSetup.GetSettings(), analysis);
+    if (!(wanted == resources->GetRequests()))
+        resources->Take(wanted, services.resources);
+}
+
+MScriptResource* MCalverinScript_Device::FindResource(const QScriptValue& signature) {
+    const std::optional<ResourceRequest> request = RequestOf(ReadResourceSignature(signature, *engine));
+    return request ? resources->Find(*request) : nullptr;
 }

@@ -3,6 +3,7 @@
 #include "FaceAnswer.h"
 #include "IHostServices.h"
 #include "IManagerRemote.h"
+#include "IResourceProvider.h"
 
 HostServices HostServices::Find(IMInterface* host, IKXPDevice* device) {
     HostServices services;
@@ -13,5 +14,6 @@ HostServices HostServices::Find(IMInterface* host, IKXPDevice* device) {
     services.folders = QueryFace<IFolderManager>(host, "IFolderManager");
     services.variables = QueryFace<IVariableManager>(host, "IVariableManager");
     services.names = QueryFace<IObjectNameTools>(host, "IObjectNameTools");
+    services.resources = QueryFace<IResourceProvider>(host, "IResourceProvider");
     return services;
 }

@@ -6,6 +6,7 @@ class IManagerRemote;
 class IManagerRemote2;
 class IMInterface;
 class IObjectNameTools;
+class IResourceProvider;
 class IVariableManager;
 
 /// What a device uses of its host: found once, when the device is made, and never changed. Each may be missing; all are the host's and
@@ -19,4 +20,5 @@ struct HostServices {
     IFolderManager* folders = nullptr;
     IVariableManager* variables = nullptr;
     IObjectNameTools* names = nullptr;
+    IResourceProvider* resources = nullptr;
 };

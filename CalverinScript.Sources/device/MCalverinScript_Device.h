@@ -30,7 +30,7 @@
 #include "MTimerailManager.h"
 #include "MyAsyncDeviceExecContext.h"
 #include "MyCommandManager.h"
-#include "ResourceSignature.h"
+#include "ResourceRoom.h"
 #include "RunState.h"
 #include "ScriptCallbacks.h"
 #include "ScriptEntrance.h"
@@ -44,6 +44,7 @@ class CommandRoad;
 class EventArguments;
 class ICommandWork;
 class IModuleServices;
+class IResourceProvider;
 class ISetupInterface;
 class MScriptEngineAgent;
 class MScriptMngRemote;
@@ -132,7 +133,12 @@ public:
     /// @param setup its commands and module commands are not read. @param scriptFile path of the script's file, may be empty.
     /// @return 0, 771 the commands have changed, 13 the host refused and the device is as it was.   [host main]
     KXPCode AcceptSetup(const DeviceSetup& setup, const QString& scriptFile);
-    /// The dialog was left without. @return 13.   [host main]
+    /// Lets go of the resources that the device has taken, and takes those that the settings name. A dialog calls it
+    /// when its user has chosen one.
+    /// @param analysis any engine of the caller's thread, to read signatures with.   [host main]
+    void ResolveResources(const ScriptSettings& settings, QScriptEngine& analysis);
+    /// The dialog was left without: the resources are those of the device's own settings again. @return 13.   [host
+    /// main]
     KXPCode CancelSetup();
     /// What the open dialog says about the default commands and variables.   [host main]
     void SetPendingRemoveDefaults(bool remove) { storedSetup.SetPendingRemoval(remove); }
@@ -201,6 +207,7 @@ public:
     void WriteCommandResult(MCommandObject* command, const QString& text) override;
     VisitGate* GetValueGate() override { return &values.Gate(); }
     bool IsEnding() const override { return ending; }
+    MScriptResource* FindResource(const QScriptValue& signature) override;
     int SetInterval(const QScriptValue& function, int delayMs) override { return SlotSetInterval(function, delayMs); }
     void ClearInterval(int id) override { SlotClearInterval(id); }
     int SetTimeout(const QScriptValue& function, int delayMs) override { return SlotSetTimeout(function, delayMs); }
@@ -244,7 +251,7 @@ public:
     /// Whether the default commands and variables are gone: the script's word, or else the setup's.
     bool GetAppliedRemoveDefaults() const { return storedSetup.IsRemovalApplied(); }
     /// The resources of the host that the settings name.   [host main]
-    const std::vector<ResourceRequest>& GetResourceRequests() const { return storedSetup.GetResources(); }
+    const std::vector<ResourceRequest>& GetResourceRequests() const { return resources->GetRequests(); }
 
     /// Devices that were released while their script would not end. They are looked through at each creation and release,
     /// and those whose script has ended since are deleted.
@@ -368,6 +375,7 @@ private:
     void TakeScript(const QString& fileName, const QString& text);
     void Analyse();
     bool CanBeStored(DeviceSetup setup);
+    void ResolveChangedResources(QScriptEngine& analysis);
     bool IsFirstDevice() const;
     void AssignIds(bool keepOld);
     void CommitStopFunctions();
@@ -415,6 +423,7 @@ private:
     ScriptSet live;                                 ///< what the engine runs
     ScriptSet stop;                                 ///< what an analysis sees
     std::unique_ptr<EventArguments> eventArguments; ///< for the engine, with which it is made; script
+    std::unique_ptr<ResourceRoom> resources;        ///< made with the bridge, which outlives it
     ScriptTimers timers{*this};
     ScriptCallbacks callbacks;
 };

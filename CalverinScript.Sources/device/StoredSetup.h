@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "MLockedList.h"
-#include "ResourceSignature.h"
 #include "ScriptRecords.h"
 #include "SetupFormat.h"
 #include "SetupMemory.h"
@@ -64,8 +63,6 @@ public:
     void SetLoaded() { m_isLoaded = true; }
     /// Whether a setup was ever read or accepted.
     bool IsLoaded() const { return m_isLoaded; }
-    void SetResources(std::vector<ResourceRequest> resources) { m_resources = std::move(resources); }
-    const std::vector<ResourceRequest>& GetResources() const { return m_resources; }
 
     /// The definition that the host has, or will ask for; empty means that it has to be built.
     void SetDefinition(const std::string& definition) { m_definition = definition; }
@@ -92,7 +89,6 @@ private:
     bool m_isLoaded = false;
     std::optional<bool> m_scriptsRemoval;
     std::optional<bool> m_pendingRemoval;
-    std::vector<ResourceRequest> m_resources;
     std::string m_definition;
     std::uint32_t m_deviceNumber = 0;
     SetupMemory m_memory;

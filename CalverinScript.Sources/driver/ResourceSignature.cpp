@@ -47,15 +47,33 @@ ResourceSignature ReadResourceSignature(const QScriptValue& value, QScriptEngine
     return signature;
 }
 
+bool operator==(const ResourceRequest& left, const ResourceRequest& right) {
+    const bool isChannel = left.channelType >= 0;
+    return left.widget == right.widget && left.resourceId == right.resourceId &&
+           (!isChannel || left.channelIndex == right.channelIndex);
+}
+
+std::optional<ResourceRequest> RequestOf(const ResourceSignature& signature) {
+    for (int widget = kFirstResourceWidget; widget <= kLastResourceWidget; ++widget) {
+        if (signature.type != QLatin1String(WidgetName(widget)))
+            continue;
+        const ResourceKind& kind = kResourceKinds[widget - kFirstResourceWidget];
+        return ResourceRequest{widget,           kind.family,          kind.subtype,
+                               kind.channelType, signature.resourceId, signature.channelIndex};
+    }
+    return std::nullopt;
+}
+
 std::vector<ResourceRequest> FindResources(const ScriptSettings& settings, QScriptEngine& engine) {
     std::vector<ResourceRequest> requests;
     for (const MScriptSetting& setting : settings) {
         if (setting.widget < kFirstResourceWidget || setting.widget > kLastResourceWidget)
             continue;
-        const ResourceKind& kind = kResourceKinds[setting.widget - kFirstResourceWidget];
-        const ResourceSignature signature = ReadResourceSignature(QScriptValue(setting.value), engine);
-        requests.push_back({setting.widget, kind.family, kind.subtype, kind.channelType, signature.resourceId,
-                            signature.channelIndex});
+        ResourceSignature signature = ReadResourceSignature(QScriptValue(setting.value), engine);
+        if (signature.type.isEmpty())
+            signature.type = QLatin1String(WidgetName(setting.widget));
+        if (const std::optional<ResourceRequest> request = RequestOf(signature))
+            requests.push_back(*request);
     }
     return requests;
 }

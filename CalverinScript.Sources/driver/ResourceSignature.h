@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include <QScriptValue>
@@ -25,7 +26,7 @@ ResourceSignature ReadResourceSignature(const QScriptValue& value, QScriptEngine
 
 /// A resource as the host is asked for it.
 struct ResourceRequest {
-    int widget = 0;                ///< kind of the setting's field, 14 to 20
+    int widget = 0;                ///< kind of the field that its type stands for, 14 to 20
     std::int32_t family = 0;       ///< 1 serial, 2 DMX, 5 I/O
     std::int32_t subtype = 0;      ///< 1 in, 2 out, 3 both
     std::int32_t channelType = -1; ///< of I/O: 0 digital out, 1 digital in, 2 analog out, 3 analog in
@@ -33,5 +34,12 @@ struct ResourceRequest {
     std::int32_t channelIndex = -1;
 };
 
-/// The resources that settings of the kinds 14 to 20 name, in the order of the settings.
+/// Whether two requests are for the same resource; of channels the channel counts too.
+bool operator==(const ResourceRequest& left, const ResourceRequest& right);
+
+/// What a signature stands for; nothing for a type that is none of the seven.
+std::optional<ResourceRequest> RequestOf(const ResourceSignature& signature);
+
+/// The resources that settings of the kinds 14 to 20 name, in the order of the settings. A signature without a type has
+/// that of the setting's field; one with an unknown type names none.
 std::vector<ResourceRequest> FindResources(const ScriptSettings& settings, QScriptEngine& engine);

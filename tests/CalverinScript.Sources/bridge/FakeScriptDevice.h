@@ -44,6 +44,9 @@ public:
     unsigned int SetPropertyChangeCallback(const QScriptValue&) override { return callbackCode; }
     MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue&) override { return madeContext; }
     void ForgetAsyncContext(MyAsyncDeviceExecContext* context) override { forgotten.push_back(context); }
+    MScriptResource* FindResource(const QScriptValue&) override { return resource; }
+
+    MScriptResource* resource = nullptr; ///< what every signature names
 
 private:
     int NoteTimer(const std::string& call, int delay) {

@@ -14,13 +14,14 @@ TEST(HostServicesOfADevice, AreMissingWithoutAHost) {
     EXPECT_EQ(services.folders, nullptr);
     EXPECT_EQ(services.variables, nullptr);
     EXPECT_EQ(services.names, nullptr);
+    EXPECT_EQ(services.resources, nullptr);
 }
 
 TEST(HostServicesOfADevice, AreAskedForOnceAndInTheirOrder) {
     plain::Host host;
     HostServices::Find(host.Root(), nullptr);
     EXPECT_EQ(host.asked, (std::vector<std::string>{"IManagerRemoteManager", "IManagerRemoteManager2", "IFolderManager",
-                                                    "IVariableManager", "IObjectNameTools"}));
+                                                    "IVariableManager", "IObjectNameTools", "IResourceProvider"}));
 }
 
 TEST(HostServicesOfADevice, HoldTheLinksThatTheManagersGive) {

@@ -162,7 +162,7 @@ TEST_F(StartStop, WorksWithoutVariablesWithoutServicesAndWithoutAModule) {
 
 TEST_F(StartStop, TheHostIsAskedForItsServicesInOrder) {
     const std::vector<std::string> expected = {"IManagerRemoteManager", "IManagerRemoteManager2", "IFolderManager",
-                                               "IVariableManager", "IObjectNameTools"};
+                                               "IVariableManager",      "IObjectNameTools",       "IResourceProvider"};
     EXPECT_EQ(host.asked, expected);
 }
 
