@@ -220,6 +220,8 @@ void* Host::FaceOf(const std::string& name) {
         return variableManager;
     if (name == "IObjectNameTools")
         return nameTools;
+    if (name == "IResourceProvider")
+        return resourceProvider;
     return nullptr;
 }
 

@@ -17,6 +17,7 @@
 #include "IManagerRuntimeInfo.h"
 #include "IObjectFactory.h"
 #include "IObjectFactoryManager.h"
+#include "IResourceProvider.h"
 
 /// @file
 /// A host in plain C++, without Qt: the least that the contract asks for, with switches for everything that a host may
@@ -190,6 +191,7 @@ public:
     IManagerRemote2* remote2 = nullptr; ///< what the newer manager hands out
     IVariableManager* variableManager = nullptr;
     IObjectNameTools* nameTools = nullptr;
+    IResourceProvider* resourceProvider = nullptr;
     std::uint32_t runtimeInfoResult = 1;
     std::string appName = "plainhost";
     std::string version = "6.7.2";
