@@ -8,6 +8,7 @@
 
 #include "Deadline.h"
 #include "HostText.h"
+#include "LimitedRun.h"
 #include "ScriptReport.h"
 
 namespace {
@@ -16,7 +17,7 @@ enum ExitCode : int { kOk = 0, kScriptFailed = 1, kBadUse = 2, kNoAnswer = 3 };
 
 struct Request {
     bool json = false;
-    int timeoutMs = 10000;
+    int timeoutMs = static_cast<int>(kAnalysisLimit.count());
     QString file;
 };
 
@@ -63,7 +64,7 @@ QString ReadWords(QCommandLineParser& parser, Request& request) {
     parser.addHelpOption();
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("One JSON text on standard output."));
     const QCommandLineOption timeout(QStringLiteral("timeout"), QStringLiteral("How long the script may take."),
-                                     QStringLiteral("MS"), QStringLiteral("10000"));
+                                     QStringLiteral("MS"), QString::number(kAnalysisLimit.count()));
     parser.addOptions({json, timeout});
     parser.addPositionalArgument(QStringLiteral("FILE.js"), QStringLiteral("The script."));
     const bool parsed = parser.parse(QCoreApplication::arguments());

@@ -8,6 +8,7 @@
 #include "MScriptResource.h"
 #include "MScriptUDP.h"
 #include "MTime.h"
+#include "StoppableLoop.h"
 #include "TCPClient.h"
 
 // Timers, enumerations, dates, times and the factories of objects.
@@ -53,7 +54,8 @@ int MScriptMngRemote::EnumStringToIndex(const QScriptValue& Items, const QString
     if (!Items.isArray())
         return -1;
     const quint32 length = Items.property(QStringLiteral("length")).toUInt32();
-    for (quint32 i = 0; i < length && !IsDeviceEnding(); ++i)
+    StoppableLoop loop(Items.engine());
+    for (quint32 i = 0; i < length && loop.GoesOn(); ++i)
         if (Items.property(i).toString() == sItem)
             return static_cast<int>(i);
     return -1;

@@ -29,13 +29,20 @@ std::unique_ptr<MScriptDescription> MScriptDescription::FromText(const QString& 
     return record;
 }
 
-void MScriptDescription::Parse(const QString& text, QScriptEngine& engine, MScriptDescription& record) {
-    engine.pushContext();
-    const QScriptValue published = engine.evaluate(text, QStringLiteral(""), 1);
-    engine.popContext();
-    if (!published.isError() && !engine.hasUncaughtException())
-        record.Take(published);
-    engine.clearExceptions();
+void MScriptDescription::Parse(const QString& text, QScriptEngine& engine, MScriptDescription& record,
+                               std::chrono::milliseconds limit) {
+    MScriptDescription read = record;
+    LimitedRun run(engine, limit);
+    const LimitedRun::Outcome outcome = run.Run([&] {
+        engine.pushContext();
+        const QScriptValue published = engine.evaluate(text, QStringLiteral(""), 1);
+        engine.popContext();
+        if (!published.isError() && !engine.hasUncaughtException())
+            read.Take(published);
+        engine.clearExceptions();
+    });
+    if (outcome == LimitedRun::Outcome::InTime)
+        record = read;
 }
 
 void MScriptDescription::Take(const QScriptValue& published) {

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 
 #include <QMetaType>
 #include <QString>
+
+#include "LimitedRun.h"
 
 class QScriptEngine;
 class QScriptValue;
@@ -21,8 +24,9 @@ struct MScriptDescription {
     static std::unique_ptr<MScriptDescription> FromFile(const QString& path, QScriptEngine* engine);
     /// Evaluates a script. @return null without an engine.
     static std::unique_ptr<MScriptDescription> FromText(const QString& text, QScriptEngine* engine);
-    /// Evaluates a script; a record stays as it was when that fails.
-    static void Parse(const QString& text, QScriptEngine& engine, MScriptDescription& record);
+    /// Evaluates a script; a record stays as it was when that fails or takes longer than the limit.
+    static void Parse(const QString& text, QScriptEngine& engine, MScriptDescription& record,
+                      std::chrono::milliseconds limit = kAnalysisLimit);
     /// Takes what the value of an evaluation says.
     void Take(const QScriptValue& published);
 

@@ -64,7 +64,8 @@ std::optional<ResourceRequest> RequestOf(const ResourceSignature& signature) {
     return std::nullopt;
 }
 
-std::vector<ResourceRequest> FindResources(const ScriptSettings& settings, QScriptEngine& engine) {
+std::vector<ResourceRequest> FindResources(const ScriptSettings& settings) {
+    QScriptEngine engine; // of its own: a script may have replaced what reads the texts
     std::vector<ResourceRequest> requests;
     for (const MScriptSetting& setting : settings) {
         if (setting.widget < kFirstResourceWidget || setting.widget > kLastResourceWidget)

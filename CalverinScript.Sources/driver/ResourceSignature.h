@@ -42,4 +42,4 @@ std::optional<ResourceRequest> RequestOf(const ResourceSignature& signature);
 
 /// The resources that settings of the kinds 14 to 20 name, in the order of the settings. A signature without a type has
 /// that of the setting's field; one with an unknown type names none.
-std::vector<ResourceRequest> FindResources(const ScriptSettings& settings, QScriptEngine& engine);
+std::vector<ResourceRequest> FindResources(const ScriptSettings& settings);

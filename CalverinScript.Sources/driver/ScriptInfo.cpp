@@ -7,6 +7,7 @@
 #include "DriverTables.h"
 #include "ScriptMembers.h"
 #include "ScriptScan.h"
+#include "StoppableLoop.h"
 
 namespace {
 
@@ -61,7 +62,8 @@ QStringList TakeItems(const QScriptValue& entry, const QString& type) {
     if (!array.isArray() || type != QLatin1String("EnumData"))
         return items;
     const quint32 count = std::min(array.property(QStringLiteral("length")).toUInt32(), kMostItems);
-    for (quint32 i = 0; i < count; ++i)
+    StoppableLoop loop(array.engine());
+    for (quint32 i = 0; i < count && loop.GoesOn(); ++i)
         items.append(ScriptText(OwnMember(array, QString::number(i))));
     return items;
 }

@@ -3,6 +3,8 @@
 #include <QScriptEngine>
 #include <QScriptValueIterator>
 
+#include "StoppableLoop.h"
+
 namespace {
 
 /// Whether the script has thrown. The exception is forgotten.
@@ -20,7 +22,8 @@ QVector<ScriptMember> MembersOf(const QScriptValue& object) {
     if (!object.isObject())
         return members;
     QScriptValueIterator member(object);
-    while (member.hasNext()) {
+    StoppableLoop loop(object.engine());
+    while (member.hasNext() && loop.GoesOn()) {
         member.next();
         if (member.flags().testFlag(QScriptValue::SkipInEnumeration))
             continue;

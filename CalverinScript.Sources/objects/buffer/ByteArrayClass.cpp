@@ -10,6 +10,7 @@
 #include "BufferText.h"
 #include "ByteArrayClassPropertyIterator.h"
 #include "ByteArrayPrototype.h"
+#include "StoppableLoop.h"
 
 namespace {
 
@@ -83,7 +84,8 @@ QScriptValue ByteArrayClass::FromArray(QScriptContext* context, const QScriptVal
     const quint32 length = array.property(m_length).toUInt32();
     return WithMemoryFor(context, length, [&] {
         QByteArray bytes(static_cast<int>(length), '\0');
-        for (quint32 i = 0; i < length && !engine()->hasUncaughtException(); ++i)
+        StoppableLoop loop(engine());
+        for (quint32 i = 0; i < length && loop.GoesOn() && !engine()->hasUncaughtException(); ++i)
             bytes[i] = ByteOfElement(array.property(i));
         return NewInstance(bytes);
     });

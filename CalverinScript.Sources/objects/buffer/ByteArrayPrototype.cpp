@@ -9,6 +9,7 @@
 #include "BufferMemory.h"
 #include "BufferText.h"
 #include "ByteArrayClass.h"
+#include "StoppableLoop.h"
 
 namespace {
 
@@ -34,7 +35,8 @@ char FillByte(const QScriptValue& value) {
 QScriptValueList BuffersOf(const QScriptValue& array) {
     QScriptValueList buffers;
     const quint32 length = array.property(QStringLiteral("length")).toUInt32();
-    for (quint32 i = 0; i < length; ++i) {
+    StoppableLoop loop(array.engine());
+    for (quint32 i = 0; i < length && loop.GoesOn(); ++i) {
         const QScriptValue element = array.property(i);
         if (IsBuffer(element))
             buffers.append(element);

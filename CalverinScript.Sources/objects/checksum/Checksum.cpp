@@ -9,6 +9,7 @@
 
 #include "BufferConversion.h"
 #include "BufferMemory.h"
+#include "StoppableLoop.h"
 
 struct Checksum::TypeRow {
     const char* name;
@@ -27,6 +28,9 @@ namespace {
 // Tables of the default masks, so that a new object only copies them.
 constexpr ReflectedCrc<std::uint16_t> kDefaultCrc16(0xA001);
 constexpr ReflectedCrc<std::uint8_t> kDefaultCrc8(0x8C);
+
+/// Bytes that are added without a look at whether the script is to end.
+constexpr int kPartBytes = 4096;
 
 QByteArray DataOf(const QScriptValue& value) {
     return value.isString() ? value.toString().toLatin1() : BytesFromBuffer(value);
@@ -94,8 +98,12 @@ void Checksum::UpdateChecksumToCompute(const QScriptValue& svData) {
 }
 
 void Checksum::Add(const QByteArray& bytes) {
-    if (bytes.isEmpty())
-        return;
+    StoppableLoop loop(engine());
+    for (int begin = 0; begin < bytes.size() && loop.GoesOn(); begin += kPartBytes)
+        AddPart(QByteArray::fromRawData(bytes.constData() + begin, qMin(kPartBytes, bytes.size() - begin)));
+}
+
+void Checksum::AddPart(const QByteArray& bytes) {
     const auto fold = [&](auto start, auto step) {
         return std::accumulate(bytes.begin(), bytes.end(), start, [&](auto sum, char c) {
             return static_cast<decltype(start)>(step(sum, static_cast<unsigned char>(c)));

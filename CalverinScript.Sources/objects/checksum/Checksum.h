@@ -51,6 +51,7 @@ private:
     static const TypeRow kTypes[];
 
     void Add(const QByteArray& bytes);
+    void AddPart(const QByteArray& bytes);
     QByteArray TakeResult();
     QByteArray Encoded(unsigned value, int bytes) const;
 

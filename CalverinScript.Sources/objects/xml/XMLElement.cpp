@@ -7,6 +7,7 @@
 #include "BufferMemory.h"
 #include "GuardedXml.h"
 #include "ScriptObject.h"
+#include "StoppableLoop.h"
 #include "XmlTree.h"
 
 namespace {
@@ -124,8 +125,9 @@ void XMLElement::SetText(const QString& text) {
 
 /// After a removal the walk goes back to the first child and on to the one behind it, so a text that has become first stays.
 void XMLElement::RemoveTexts() {
+    StoppableLoop loop(engine());
     TiXmlNode* child = m_node->FirstChild();
-    while (child != nullptr) {
+    while (child != nullptr && loop.GoesOn()) {
         if (child->ToText() != nullptr) {
             m_node->RemoveChild(child);
             child = m_node->FirstChild();

@@ -105,7 +105,7 @@ TEST_F(Signatures, OfSettingsBecomeRequestsByTheKindOfTheirField) {
         settings.push_back(setting);
     }
     std::string told;
-    for (const ResourceRequest& r : FindResources(settings, engine))
+    for (const ResourceRequest& r : FindResources(settings))
         told += std::to_string(r.resourceId) + ":" + std::to_string(r.family) + "," + std::to_string(r.subtype) + "," +
                 std::to_string(r.channelType) + "," + std::to_string(r.channelIndex) + " ";
     EXPECT_EQ(told, "14:1,3,-1,2 15:2,1,-1,2 16:2,2,-1,2 17:5,3,1,2 18:5,3,0,2 19:5,3,3,2 20:5,3,2,2 ");
