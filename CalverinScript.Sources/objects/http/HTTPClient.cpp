@@ -59,7 +59,7 @@ void HTTPClient::ConnectThread() {
 void HTTPClient::StartThread() {
     connect(lpThread, &MThreadHTTPClient::SignalInitialized, this, &HTTPClient::SlotThreadReady, Qt::DirectConnection);
     lpThread->start(QThread::InheritPriority);
-    {
+    if (lpThread->isRunning() || lpThread->isFinished()) { // otherwise the system has no thread left
         std::unique_lock<std::mutex> guard(mutex);
         wakeUp.wait_for(guard, kThreadReadyTime, [this] { return ready; });
     }
@@ -96,6 +96,8 @@ void HTTPClient::on(const QString& sEvent, const QScriptValue& svListener) {
 
 void HTTPClient::get(const QString& sRequest, const QString& sRequestHeaders, const QString& sRequestItems,
                      int iItemsEncoding, const QString& sUser, const QString& sPassword) {
+    if (!HasWorker())
+        return;
     const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
     SetAuthentication(sUser, sPassword);
     lpThread->SlotGet(request);
@@ -104,6 +106,8 @@ void HTTPClient::get(const QString& sRequest, const QString& sRequestHeaders, co
 void HTTPClient::post(const QString& sRequest, const QString& sRequestHeaders, const QScriptValue& params,
                       const QString& sRequestItems, int iItemsEncoding, const QString& sUser,
                       const QString& sPassword) {
+    if (!HasWorker())
+        return;
     const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
     SetAuthentication(sUser, sPassword);
     Send(&MThreadHTTPClient::SlotPost, request, params);
@@ -111,6 +115,8 @@ void HTTPClient::post(const QString& sRequest, const QString& sRequestHeaders, c
 
 void HTTPClient::put(const QString& sRequest, const QString& sRequestHeaders, const QScriptValue& params,
                      const QString& sRequestItems, int iItemsEncoding, const QString& sUser, const QString& sPassword) {
+    if (!HasWorker())
+        return;
     const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
     SetAuthentication(sUser, sPassword);
     Send(&MThreadHTTPClient::SlotPut, request, params);
@@ -119,6 +125,8 @@ void HTTPClient::put(const QString& sRequest, const QString& sRequestHeaders, co
 void HTTPClient::downloadFile(const QString& sRequest, const QString& sRequestHeaders, const QString& sPath,
                               const QString& sRequestItems, int iItemsEncoding, const QString& sUser,
                               const QString& sPassword) {
+    if (!HasWorker())
+        return;
     const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
     SetAuthentication(sUser, sPassword);
     lpThread->SlotDownloadFile(request, Plain(sPath));
@@ -126,9 +134,19 @@ void HTTPClient::downloadFile(const QString& sRequest, const QString& sRequestHe
 
 void HTTPClient::deleteResource(const QString& sRequest, const QString& sRequestHeaders, const QString& sRequestItems,
                                 int iItemsEncoding, const QString& sUser, const QString& sPassword) {
+    if (!HasWorker())
+        return;
     const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
     SetAuthentication(sUser, sPassword);
     lpThread->SlotDelete(request);
+}
+
+/// A request for which the system has no thread or no descriptor is answered at once.
+bool HTTPClient::HasWorker() {
+    const bool hasWorker = lpThread->IsReady();
+    if (!hasWorker && owner != nullptr)
+        SlotResponseReceived(QByteArray(), QByteArray(), 0, kHttpUnknownNetworkError);
+    return hasWorker;
 }
 
 void HTTPClient::SetAuthentication(const QString& user, const QString& password) {

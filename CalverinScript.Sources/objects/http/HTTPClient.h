@@ -96,6 +96,7 @@ private:
 
     void ConnectThread();
     void StartThread();
+    bool HasWorker();
     void SetAuthentication(const QString& user, const QString& password);
     void Send(SendBody verb, const QNetworkRequest& request, const QScriptValue& body);
     void RaiseProgress(const QString& event, int percent);

@@ -29,6 +29,9 @@ public:
     /// Threads that are over their time, after those that have ended since were deleted.   [any]
     static std::size_t SweepRetired();
 
+    /// Whether requests are taken.   [script]
+    bool IsReady() const { return m_ready; }
+
     /// Cuts the way out. Must not be called by a listener.   [any but http]
     void Silence();
 

@@ -68,7 +68,7 @@ void TCPClient::connect(int iPort, const QString& sHost, const QScriptValue& svC
     }
     SetListener(QStringLiteral("connect"), svConnectListener);
     if (owner != nullptr && !running && socket->ConnectAsync() == NetSuccess)
-        socket->StartThread();
+        StartThread();
 }
 
 /// A connection that stands moves to another port or host, and goes on being read.
@@ -79,7 +79,12 @@ void TCPClient::SetPeer(int port, const QByteArray& host) {
     if (!moves)
         return;
     socket->Wait();
-    socket->StartThread();
+    StartThread();
+}
+
+void TCPClient::StartThread() {
+    if (!socket->StartThread())
+        OnError(NetStartup, socket.get()); // the system has no thread or no descriptor left
 }
 
 QScriptValue TCPClient::address() {

@@ -73,6 +73,7 @@ private:
     /// What a script finds as `write`: the method of that name, without the engine's search and conversions.   [script]
     static QScriptValue WriteQuickly(QScriptContext* context, QScriptEngine* engine);
 
+    void StartThread();
     void SetPeer(int port, const QByteArray& host);
 
     const std::unique_ptr<MTCPClientSocket> socket;
