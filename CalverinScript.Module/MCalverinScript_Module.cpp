@@ -4,10 +4,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include <QImage>
 #include <QLocale>
 
+#include "AddressSpace.h"
 #include "DateFormat.h"
 #include "Descriptors.h"
 #include "FaceAnswer.h"
@@ -18,12 +20,18 @@
 #include "MCalverinScript_Device.h"
 #include "ModuleApplication.h"
 #include "ModuleResources.h"
+#include "ThreadPromise.h"
 
 namespace {
 
 constexpr const char* kProgramName = "kxpCalverinScript";
 constexpr const char* kRunTimeHostPrefix = "hostq";
 constexpr std::uint32_t kModuleVersion = 999;
+constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
+/// Address space of a device with its threads. Without it the script engine would end the process.
+constexpr std::size_t kSpaceOfDevice = 48 * kMegabyte;
+/// What the first engine of a process reserves for the code of all of them.
+constexpr std::size_t kSpaceOfFirstEngine = 2048 * kMegabyte;
 constexpr int kDescriptorsOfDevice = 4; ///< of the script thread's event loop, with some to spare
 constexpr const char* kDeviceIdProperty = "ObjectParamDescriptor::DeviceID";
 
@@ -35,6 +43,14 @@ const void* ModuleHandle() {
     return reinterpret_cast<const void*>(&MCalverinScript_Module::GetEntryPoint);
 }
 
+/// Whether there is room for one more device. An engine that has been made keeps what it has reserved.
+bool HasSpaceForDevice() {
+    static bool hasMadeOne = false; // host main
+    if (!CanReserveAddressSpace(kSpaceOfDevice + (hasMadeOne ? 0 : kSpaceOfFirstEngine)))
+        return false;
+    return hasMadeOne = true;
+}
+
 MCalverinScript_Device* AsOurDevice(IKXPDevice* device) {
     return dynamic_cast<MCalverinScript_Device*>(device);
 }
@@ -42,10 +58,12 @@ MCalverinScript_Device* AsOurDevice(IKXPDevice* device) {
 } // namespace
 
 MCalverinScript_Module* MCalverinScript_Module::instance = nullptr;
+MCalverinScript_Module* MCalverinScript_Module::released = nullptr;
 
 KXPCode MCalverinScript_Module::GetEntryPoint(IKXPModule** out) {
     if (out == nullptr)
         return KXP_NULL_ARGUMENT;
+    NoteHostMainThread();
     if (instance == nullptr) {
         ModuleApplication::Ensure();
         instance = new (std::nothrow) MCalverinScript_Module;
@@ -56,9 +74,7 @@ KXPCode MCalverinScript_Module::GetEntryPoint(IKXPModule** out) {
     return KXP_OK;
 }
 
-MCalverinScript_Module::~MCalverinScript_Module() {
-    instance = nullptr;
-}
+MCalverinScript_Module::~MCalverinScript_Module() = default;
 
 KXPCode MCalverinScript_Module::QueryInterface(const char* name, void** out) {
     return AnswerFace(name, out,
@@ -66,14 +82,39 @@ KXPCode MCalverinScript_Module::QueryInterface(const char* name, void** out) {
                        {"IKXPModuleDriverManager", static_cast<IKXPModuleDriverManager*>(this)}});
 }
 
+/// The host may release from within a call that this object made, may release twice, and may keep devices. So the
+/// object stays until the next one is released, without what it had.
 KXPCode MCalverinScript_Module::Release() {
-    delete this;
-    MCalverinScript_Device::SweepAbandoned();
-    ModuleApplication::End();
+    ExpectThread(ThreadWord::HostMain, "IKXPModule::Release");
+    if (instance != this)
+        return KXP_OK;
+    instance = nullptr;
+    bool allEnded = true;
+    for (MCalverinScript_Device* device : devices.Snapshot()) {
+        device->LetGo();
+        allEnded = allEnded && device->HasEnded();
+    }
+    Empty();
+    delete std::exchange(released, this);
+    // A script that still runs hears of its end through an event, which takes an application.
+    if (MCalverinScript_Device::SweepAbandoned() == 0 && allEnded)
+        ModuleApplication::End();
     return KXP_OK;
 }
 
+void MCalverinScript_Module::Empty() {
+    devices.Clear();
+    host = nullptr;
+    deviceHost = nullptr;
+    bitmap.reset();
+    driverList.clear();
+    for (MSelectorWizard* selector :
+         std::initializer_list<MSelectorWizard*>{&scriptSelector, &scriptTextSelector, &functionSelector})
+        selector->SetHost(nullptr);
+}
+
 KXPCode MCalverinScript_Module::Initialize(IMInterface* hostRoot, void* /*ignored1*/, void* /*ignored2*/) {
+    ExpectThread(ThreadWord::HostMain, "IKXPModule::Initialize");
     host = hostRoot;
     RegisterSelectors();
     OpenLog(ModuleHandle(), kProgramName, host);
@@ -122,6 +163,7 @@ void MCalverinScript_Module::TakeVersion(const std::string& version) {
 }
 
 KXPCode MCalverinScript_Module::Terminate(void* /*ignored*/) {
+    ExpectThread(ThreadWord::HostMain, "IKXPModule::Terminate");
     if (auto* factories = QueryFace<IObjectFactoryManager>(host, "IObjectFactoryManager")) {
         // The text selector stays registered: hosts have come to count on finding it there.
         factories->UnregisterFactory(scriptSelector.GetRegisteredName());
@@ -132,33 +174,40 @@ KXPCode MCalverinScript_Module::Terminate(void* /*ignored*/) {
 }
 
 KXPCode MCalverinScript_Module::SetDeviceHost(void* newDeviceHost) {
+    ExpectThread(ThreadWord::HostMain, "IKXPModule::SetDeviceHost");
     deviceHost = newDeviceHost;
     return KXP_OK;
 }
 
 const char* MCalverinScript_Module::GetDefinition() {
+    ExpectThread(ThreadWord::HostMain, "IKXPModule::GetDefinition");
     definition.LoadFromResource(ModuleHandle(), kDefinitionId);
     return definition.GetText();
 }
 
 KXPCode MCalverinScript_Module::GetModuleVersion(std::uint32_t* out) {
+    ExpectThread(ThreadWord::HostMain, "IKXPModule::GetModuleVersion");
     if (out != nullptr)
         *out = kModuleVersion;
     return KXP_OK;
 }
 
 KXPCode MCalverinScript_Module::GetDeviceCount(std::uint32_t* out) {
+    ExpectThread(ThreadWord::HostMain, "IKXPModule::GetDeviceCount");
     if (out != nullptr)
         *out = static_cast<std::uint32_t>(devices.Count());
     return KXP_OK;
 }
 
 KXPCode MCalverinScript_Module::CreateDevice(void* /*ignored*/, IKXPDevice** out) {
+    ExpectThread(ThreadWord::HostMain, "IKXPModule::CreateDevice");
     if (out == nullptr || *out != nullptr)
         return KXP_NULL_ARGUMENT;
     if (deviceHost == nullptr)
         return KXP_NO_DEVICE_HOST;
-    if (!CanOpenDescriptors(kDescriptorsOfDevice))
+    if (instance != this)
+        return KXP_NO_DEVICE_MADE;
+    if (!CanOpenDescriptors(kDescriptorsOfDevice) || !HasSpaceForDevice())
         return KXP_NO_DEVICE_MADE;
     auto* device = new (std::nothrow) MCalverinScript_Device(this, nullptr, nullptr);
     if (device == nullptr)
@@ -174,6 +223,7 @@ KXPCode MCalverinScript_Module::CreateDevice(void* /*ignored*/, IKXPDevice** out
 }
 
 IKXPDevice* MCalverinScript_Module::GetDevice(std::uint32_t index) {
+    ExpectThread(ThreadWord::HostMain, "IKXPModule::GetDevice");
     return dynamic_cast<MCalverinScript_Device*>(MKXPDeviceBase::GetByIndex(index));
 }
 
@@ -183,6 +233,7 @@ void MCalverinScript_Module::RemoveDevice(MCalverinScript_Device* device) {
 
 KXPCode MCalverinScript_Module::CheckCommand(void* /*ignored*/, IKXPDevice* device, std::int32_t id,
                                              IObjectParams* params) {
+    ExpectThread(ThreadWord::HostMain, "IKXPModule::CheckCommand");
     MCalverinScript_Device* ours = AsOurDevice(device);
     if (ours == nullptr)
         return KXP_OK;

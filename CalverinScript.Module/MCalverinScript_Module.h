@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -19,6 +21,9 @@ class QImage;
 /// keeps them in a list, knows what host it lives in, and owns the library of script drivers on disk.
 class MCalverinScript_Module : public IKXPModule, public IKXPModuleDriverManager, public IModuleServices {
 public:
+    /// The longest path that is handed out, with its NUL.
+    static constexpr std::size_t kPathSize = 1024;
+
     /// The module object, made at the first call and the same until it is released.
     /// @return 0, 2 out is null, 6 it could not be made.   [host main]
     static KXPCode GetEntryPoint(IKXPModule** out);
@@ -76,7 +81,10 @@ private:
     void TakeVersion(const std::string& version);
     bool IsHostAtLeast(std::int32_t major, std::int32_t minor, std::int32_t build) const;
 
-    static MCalverinScript_Module* instance; ///< host main
+    void Empty();
+
+    static MCalverinScript_Module* instance; ///< host main, as is the next
+    static MCalverinScript_Module* released; ///< the last one that was released; owned
 
     MKXPXmlDefinition definition; ///< remade by each GetDefinition
     void* deviceHost = nullptr;   ///< not used, but required before a device is made

@@ -4,6 +4,7 @@
 #include <string>
 
 #include <QApplication>
+#include <QThread>
 
 namespace {
 
@@ -31,7 +32,7 @@ void ModuleApplication::Ensure() {
 }
 
 void ModuleApplication::End() {
-    if (ownApplication == nullptr)
+    if (ownApplication == nullptr || ownApplication->thread() != QThread::currentThread())
         return;
     QCoreApplication::quit();
     delete ownApplication;

@@ -11,14 +11,14 @@
 #include "ModuleFile.h"
 #include "ModuleResources.h"
 #include "ScriptFolders.h"
+#include "ThreadPromise.h"
 
 namespace {
 
-constexpr std::size_t kPathSize = 1024;
 constexpr const char* kConfigFileName = "kxpCalverinScript.cfg";
 
 void CopyText(char* buffer, const std::string& text) {
-    const std::size_t length = std::min(text.size(), kPathSize - 1);
+    const std::size_t length = std::min(text.size(), MCalverinScript_Module::kPathSize - 1);
     std::memcpy(buffer, text.data(), length);
     buffer[length] = '\0';
 }
@@ -64,6 +64,7 @@ bool MCalverinScript_Module::IsHostAtLeast643() const {
 }
 
 KXPCode MCalverinScript_Module::GetDriverList(char** out, std::uint32_t* outSize) {
+    ExpectThread(ThreadWord::HostMain, "IKXPModuleDriverManager::GetDriverList");
     if (out == nullptr || outSize == nullptr)
         return KXP_OK;
     const QDir folder(QFile::decodeName(GetScriptsFolder()));
@@ -74,6 +75,7 @@ KXPCode MCalverinScript_Module::GetDriverList(char** out, std::uint32_t* outSize
 }
 
 KXPCode MCalverinScript_Module::ShowDriverSetup(const char* driver, IKXPDevice* device, void* third) {
+    ExpectThread(ThreadWord::HostMain, "IKXPModuleDriverManager::ShowDriverSetup");
     if (device == nullptr || third == nullptr)
         return KXP_NULL_ARGUMENT;
     auto* ours = dynamic_cast<MCalverinScript_Device*>(device);
@@ -81,6 +83,7 @@ KXPCode MCalverinScript_Module::ShowDriverSetup(const char* driver, IKXPDevice* 
 }
 
 KXPBitmap MCalverinScript_Module::GetDriverBitmap() {
+    ExpectThread(ThreadWord::HostMain, "IKXPModuleDriverManager::GetDriverBitmap");
     if (bitmap == nullptr) {
         const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
         if (!image.isNull())

@@ -79,11 +79,18 @@ CommandRoad::CommandRoad(MyCommandManager& queue, IThreadHandler& threadBody, IC
 }
 
 void CommandRoad::Start() {
-    m_thread.Start(false);
+    m_isMissing = !m_thread.Start(false);
+}
+
+bool CommandRoad::HasThread() {
+    if (m_isMissing)
+        Start();
+    return !m_isMissing;
 }
 
 /// The commands that go end the contexts of their requests.
 void CommandRoad::Stop() {
+    m_isMissing = false;
     m_thread.Stop(false);
     m_queue.WakeCommandThread();
     m_thread.Wait(kInfinite);

@@ -51,6 +51,9 @@ public:
 
     /// Starts the command thread; nothing when it runs.   [any host thread]
     void Start();
+    /// Whether somebody executes what is posted. A thread that the system did not give is asked for again. True while
+    /// the road is not started: its commands wait for the start.   [any host thread]
+    bool HasThread();
     /// Ends the command thread behind the command in execution, and drops what waits.   [any host thread, tick]
     void Stop();
 
@@ -84,6 +87,7 @@ private:
     ICommandObjectHandler& m_contexts;
     ICommandWork& m_work;
     MThread m_thread;
+    std::atomic<bool> m_isMissing{false}; ///< started without a thread: written and read by host threads
     InterlockedCounter m_stackCount;
     std::atomic<MCommandObject*> m_executing{nullptr}; ///< set by whoever executes a function, taken by the script
     DropCount m_dropped;

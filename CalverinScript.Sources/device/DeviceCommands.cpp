@@ -6,9 +6,11 @@
 
 #include "CommandNumbers.h"
 #include "CommandRoad.h"
+#include "DeviceTexts.h"
 #include "HostData.h"
 #include "HostText.h"
 #include "MScriptMngRemote.h"
+#include "ThreadPromise.h"
 
 namespace {
 
@@ -39,8 +41,13 @@ private:
 } // namespace
 
 KXPCode MCalverinScript_Device::ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) {
+    ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::ExecuteCommand");
     if (!MayPost() || params == nullptr || id == kScriptCallback)
         return KXP_BAD_COMMAND;
+    if (!road->HasThread()) {
+        ReportError(QLatin1String(DeviceText::kNoCommandThread), false);
+        return KXP_BAD_COMMAND;
+    }
     if (id >= kLoadFromFile && id <= kExecuteFunctionWithParams)
         return PostBuiltIn(id, params, context);
     return PostUserCommand(id, params, context);

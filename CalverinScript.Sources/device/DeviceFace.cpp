@@ -5,9 +5,12 @@
 #include <QImage>
 
 #include "FaceAnswer.h"
+#include "HostText.h"
 #include "ISetupInterface.h"
 #include "ModuleResources.h"
 #include "MScriptMngRemote.h"
+#include "ScriptDebugger.h"
+#include "ThreadPromise.h"
 
 namespace {
 
@@ -18,44 +21,65 @@ constexpr std::uint32_t kControlPanelKind = 1;
 } // namespace
 
 KXPCode MCalverinScript_Device::QueryInterface(const char* name, void** out) {
+    if (gone)
+        return AnswerFace(name, out, {});
     auto* self = static_cast<IKXPDevice*>(this);
     return AnswerFace(name, out, {{"IMInterface", self}, {"IKXPDevice", self}});
 }
 
 void MCalverinScript_Device::SetDeviceVariables(IDeviceVariables* variables) {
-    values.SetVariables(variables);
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetDeviceVariables");
+    if (!gone)
+        values.SetVariables(variables);
 }
 
 KXPCode MCalverinScript_Device::QueryCapability(std::uint32_t capability) {
-    return capability >= kFirstCapability && capability <= kLastCapability ? KXP_OK : KXP_NO;
+    ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::QueryCapability");
+    return !gone && capability >= kFirstCapability && capability <= kLastCapability ? KXP_OK : KXP_NO;
 }
 
 void MCalverinScript_Device::SetName(const char* newName) {
-    MKXPDeviceBase::SetName(newName);
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetName");
+    if (!gone)
+        MKXPDeviceBase::SetName(newName);
 }
 
 const char* MCalverinScript_Device::GetName() {
+    ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::GetName");
     return MKXPDeviceBase::GetName();
 }
 
 KXPCode MCalverinScript_Device::ShowSetup(void* /*ignored*/) {
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::ShowSetup");
     return ShowSetupDialog(nullptr);
 }
 
 KXPCode MCalverinScript_Device::ShowSetupDialog(const char* scriptName) {
-    return setupInterface != nullptr ? setupInterface->ShowSetup(*this, scriptName) : KXPCode{KXP_CANCELLED};
+    return setupInterface != nullptr && !gone ? setupInterface->ShowSetup(*this, scriptName) : KXPCode{KXP_CANCELLED};
+}
+
+void MCalverinScript_Device::SlotShowDebugger() {
+    if (debugger)
+        debugger->Show(FromHostText(GetName()));
 }
 
 KXPCode MCalverinScript_Device::IsRunning() {
+    ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::IsRunning");
     return IsStarted() ? KXP_OK : KXP_NO;
 }
 
 KXPCode MCalverinScript_Device::OnTimerailEvent(ITimeData* time, std::int32_t action) {
+    ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::OnTimerailEvent");
+    if (gone)
+        return KXP_NOT_IMPLEMENTED;
     ChangeTrackState(action, time != nullptr ? time->GetFrameCount() : 0);
     return KXP_OK;
 }
 
 KXPBitmap MCalverinScript_Device::GetBitmap() {
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetBitmap");
+    if (gone)
+        return nullptr;
     if (bitmap == nullptr) {
         const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
         if (!image.isNull())
@@ -81,6 +105,7 @@ KXPCode MCalverinScript_Device::Reserved20() {
 }
 
 KXPCode MCalverinScript_Device::ReleaseString(char** text) {
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::ReleaseString");
     if (text == nullptr || *text == nullptr)
         return KXP_NULL_ARGUMENT;
     std::free(*text);
@@ -89,9 +114,10 @@ KXPCode MCalverinScript_Device::ReleaseString(char** text) {
 }
 
 KXPCode MCalverinScript_Device::CreatePanel(std::uint32_t kind, IKXPDevicePanel** out) {
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::CreatePanel");
     if (out == nullptr)
         return KXP_NULL_ARGUMENT;
-    if (kind != kControlPanelKind || setupInterface == nullptr)
+    if (kind != kControlPanelKind || setupInterface == nullptr || gone)
         return KXP_NOT_IMPLEMENTED;
     panel = setupInterface->CreateControlPanel(*this);
     *out = panel;

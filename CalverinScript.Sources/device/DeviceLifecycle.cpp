@@ -9,7 +9,6 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QScriptEngine>
-#include <QScriptEngineDebugger>
 #include <QThread>
 
 #include "CommandNumbers.h"
@@ -27,7 +26,10 @@
 #include "MScriptMngRemote.h"
 #include "MScriptThread.h"
 #include "RequestedStack.h"
+#include "ScriptDebugger.h"
 #include "ScriptGlobals.h"
+#include "StoppableLoop.h"
+#include "ThreadPromise.h"
 
 namespace {
 
@@ -72,7 +74,7 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
     JoinModule();
     ConnectSignals();
     if (debuggerEnabled)
-        SetUpDebugger();
+        debugger = std::make_unique<ScriptDebugger>(*engine, *agent, entrance);
     else
         StartScriptThread();
 }
@@ -80,6 +82,7 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
 void MCalverinScript_Device::MakeEngine() {
     engine = std::make_unique<QScriptEngine>(this);
     entrance.SetEngine(*engine);
+    StoppableLoop::SetStopFlag(*engine, &ending);
     agent = new MScriptEngineAgent(engine.get(), this);
     live.engine = engine.get();
     remote =
@@ -116,7 +119,10 @@ bool MCalverinScript_Device::IsUsable() const {
 }
 
 KXPCode MCalverinScript_Device::Start() {
+    ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::Start");
     const HostVisit visit(*this);
+    if (gone)
+        return KXP_NOT_IMPLEMENTED;
     runState.startPending = true;
     runState.stopPending = false;
     remote->OnDeviceStart();
@@ -139,7 +145,10 @@ KXPCode MCalverinScript_Device::Start() {
 }
 
 KXPCode MCalverinScript_Device::Stop() {
+    ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::Stop");
     const HostVisit visit(*this);
+    if (gone)
+        return KXP_NOT_IMPLEMENTED;
     runState.stopPending = true;
     ClearScriptState();
     remote->EndContexts();
@@ -147,9 +156,9 @@ KXPCode MCalverinScript_Device::Stop() {
     remote->RefuseWaits();
     runState.stopPending = false;
     runState.threadStopDone = true;
-    if (entrance.IsInside() && IsDebuggerActive()) {
+    if (entrance.IsInside() && debugger) {
         runState.threadStopDone = false;
-        debuggerAbort = true;
+        debugger->RequestAbort();
     }
     SetStarted(false);
     SetRunning(false);
@@ -168,10 +177,9 @@ void MCalverinScript_Device::StopCommandThread() {
 }
 
 KXPCode MCalverinScript_Device::Release() {
-    const bool threadEnded = EndScriptThread();
-    LeaveHost();
-    const bool callsLeft = !WaitUntil([this] { return !IsHostInside(); }, kHostCallEndMs);
-    if (threadEnded && !callsLeft)
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::Release");
+    LetGo();
+    if (WaitUntil([this] { return HasEnded(); }, kHostCallEndMs))
         delete this;
     else
         AbandonedDevices().push_back(this);
@@ -179,10 +187,22 @@ KXPCode MCalverinScript_Device::Release() {
     return KXP_OK;
 }
 
+void MCalverinScript_Device::LetGo() {
+    if (gone.exchange(true))
+        return;
+    EndScriptThread();
+    LeaveHost();
+}
+
+bool MCalverinScript_Device::HasEnded() const {
+    const bool threadEnded =
+        scriptThread != nullptr ? scriptThread->isFinished() && runState.threadLeft : !entrance.IsInside();
+    return threadEnded && !IsHostInside();
+}
+
 /// The ladder of a script thread's end: requests to the host end, the script is told to abort on its own thread, and what
 /// does not end within its time is left alone, with everybody who waits for it let go.
-/// @return whether the thread has ended.
-bool MCalverinScript_Device::EndScriptThread() {
+void MCalverinScript_Device::EndScriptThread() {
     ending = true;
     entrance.Close();
     remote->EndContexts();
@@ -190,17 +210,14 @@ bool MCalverinScript_Device::EndScriptThread() {
     resources->LetGo();
     if (scriptThread == nullptr) {
         gate.Abandon();
-        return !entrance.IsInside();
+        return;
     }
     entrance.WakeUp();
     scriptThread->quit();
     const bool ended = scriptThread->wait(kThreadEndMs) && runState.threadLeft;
-    if (!ended) {
+    if (!ended)
         values.ForgetDefaults();
-        scriptThread->setPriority(QThread::IdlePriority); // what it still computes shall cost nobody anything
-    }
     gate.Abandon();
-    return ended;
 }
 
 bool MCalverinScript_Device::IsHostInside() const {
@@ -225,9 +242,7 @@ void MCalverinScript_Device::LeaveHost() {
 std::size_t MCalverinScript_Device::SweepAbandoned() {
     std::vector<MCalverinScript_Device*>& devices = AbandonedDevices();
     const auto over = [](MCalverinScript_Device* device) {
-        const bool threadEnded =
-            device->scriptThread == nullptr || (device->scriptThread->isFinished() && device->runState.threadLeft);
-        if (!threadEnded || device->IsHostInside())
+        if (!device->HasEnded())
             return false;
         delete device;
         return true;

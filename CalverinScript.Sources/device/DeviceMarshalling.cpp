@@ -1,6 +1,7 @@
 #include "MCalverinScript_Device.h"
 
 #include <memory>
+#include <new>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -43,8 +44,12 @@ struct MCalverinScript_Device::OpenCall {
             std::apply([this](auto&... owned) { Q_EMIT(device.*row.request)(owned.Get()...); }, arguments);
     }
     void RunSlot() {
-        const bool result =
-            std::apply([this](auto&... owned) { return (device.*row.slot)(owned.Get()...); }, arguments);
+        bool result = false;
+        try {
+            result = std::apply([this](auto&... owned) { return (device.*row.slot)(owned.Get()...); }, arguments);
+        } catch (const std::bad_alloc&) {
+            result = false;
+        }
         device.gate.Complete(completion, result);
     }
     void GiveBack(const Parameters&... callers) {

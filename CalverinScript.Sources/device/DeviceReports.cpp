@@ -3,6 +3,7 @@
 #include <QScriptEngine>
 
 #include "DeviceTexts.h"
+#include "EvaluationFailure.h"
 #include "HostText.h"
 #include "Log.h"
 #include "MScriptEngineAgent.h"
@@ -13,23 +14,10 @@ constexpr int kExceptionLevel = 5;
 
 } // namespace
 
-/// @return whether the evaluation succeeded.
-bool MCalverinScript_Device::ReportEvaluation(ScriptSet& set, bool stopMode) {
-    if (set.engine->hasUncaughtException()) {
-        const int line = set.engine->uncaughtExceptionLineNumber();
-        const QScriptValue exception = set.engine->uncaughtException();
-        if (!stopMode)
-            ReportUncaught();
-        ReportError(UncaughtAtLine(line, exception.toString()), stopMode);
-        Q_EMIT SignalNotifyLineErrorChange(line);
-        set.engine->clearExceptions();
-        return false;
-    }
-    if (set.global.isError()) {
-        ReportError(ScriptFailure(MessageOf(set.global)), stopMode);
-        return false;
-    }
-    return true;
+void MCalverinScript_Device::ReportFailure(const EvaluationFailure& failure, bool stopMode) {
+    ReportError(failure.text, stopMode);
+    if (failure.line)
+        Q_EMIT SignalNotifyLineErrorChange(*failure.line);
 }
 
 void MCalverinScript_Device::ReportUncaught() {

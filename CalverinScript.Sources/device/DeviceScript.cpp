@@ -1,19 +1,28 @@
 #include "MCalverinScript_Device.h"
 
+#include <chrono>
+
 #include <QFile>
 #include <QScriptEngine>
 #include <QSet>
 
 #include "CommandNumbers.h"
+#include "ConfigFile.h"
 #include "DeviceMarshalling.h"
 #include "DeviceTexts.h"
+#include "EvaluationFailure.h"
 #include "FaceAnswer.h"
 #include "HostText.h"
+#include "IModuleServices.h"
+#include "LimitedRun.h"
 #include "MScriptMngRemote.h"
+#include "ScriptDebugger.h"
 #include "ScriptGlobals.h"
 #include "ScriptScan.h"
 
 namespace {
+
+constexpr std::size_t kLongestConfigPath = 1024;
 
 /// The value of a setting as its type asks for it; invalid for types that settings do not have.
 QScriptValue SettingValue(const MScriptSetting& setting) {
@@ -25,6 +34,13 @@ QScriptValue SettingValue(const MScriptSetting& setting) {
         setting.type == QLatin1String("TimeData"))
         return QScriptValue(setting.value);
     return QScriptValue();
+}
+
+QScriptValue EvaluateText(QScriptEngine& engine, const QString& text) {
+    engine.pushContext();
+    const QScriptValue value = engine.evaluate(text, QStringLiteral(""), 1);
+    engine.popContext();
+    return value;
 }
 
 /// What a scan asks of the device. Whether a name is one of its own variables is known at once, however many there are; its value is
@@ -59,7 +75,49 @@ private:
     QSet<QString> m_own;
 };
 
+/// The same for a scan on another thread: the host is asked on the thread that waits for it.
+class LookupOnCallersThread final : public IScanHost {
+public:
+    LookupOnCallersThread(LimitedRun& run, IScanHost& host)
+        : m_run(run)
+        , m_host(host) {}
+    IData* FindHostVariable(const QString& name) override {
+        return Ask<IData*>([&] { return m_host.FindHostVariable(name); });
+    }
+    IData* FindDeviceVariable(const QString& name) override {
+        return Ask<IData*>([&] { return m_host.FindDeviceVariable(name); });
+    }
+    bool IsValidName(const QString& name) override {
+        return Ask<bool>([&] { return m_host.IsValidName(name); });
+    }
+
+private:
+    template <typename Answer, typename Question>
+    Answer Ask(Question question) {
+        Answer answer{};
+        m_run.OnCallersThread([&] { answer = question(); });
+        return answer;
+    }
+
+    LimitedRun& m_run;
+    IScanHost& m_host;
+};
+
 } // namespace
+
+/// Forgets the exception of a failed evaluation. Its text may run script.   [the engine's thread]
+std::optional<MCalverinScript_Device::EvaluationFailure>
+MCalverinScript_Device::FindFailure(QScriptEngine& engine, const QScriptValue& value) {
+    if (engine.hasUncaughtException()) {
+        const int line = engine.uncaughtExceptionLineNumber();
+        const QString text = UncaughtAtLine(line, engine.uncaughtException().toString());
+        engine.clearExceptions();
+        return EvaluationFailure{text, line};
+    }
+    if (value.isError())
+        return EvaluationFailure{ScriptFailure(MessageOf(value)), std::nullopt};
+    return std::nullopt;
+}
 
 /// As with an analysis, what is loaded for one touches nothing of the running script and does not wait for it.
 bool MCalverinScript_Device::SlotLoadScriptCommand(const char* fileName, bool stopMode) {
@@ -114,52 +172,89 @@ void MCalverinScript_Device::PublishFunctionList() {
 /// waits for.
 bool MCalverinScript_Device::SlotEvaluateScript(const QString& text, bool stopMode) {
     if (stopMode)
-        return Evaluate(stop, text, true);
-    return RunSlot(MarshalledCallTable::kEvaluateScript, [&] { return Evaluate(live, text, false); });
+        return AnalyseText(text);
+    return RunSlot(MarshalledCallTable::kEvaluateScript, [&] { return EvaluateLive(text); });
 }
 
-bool MCalverinScript_Device::Evaluate(ScriptSet& set, const QString& text, bool stopMode) {
-    if (!stopMode && IsDebuggerActive()) {
+bool MCalverinScript_Device::EvaluateLive(const QString& text) {
+    if (debugger) {
         Q_EMIT SignalShowDebugger();
-        debuggerContinue = true;
+        debugger->BeginEvaluation();
     }
-    if (!stopMode) {
-        remote->UnregisterRootGroup();
-        if (storedSetup.GetChoices().registerAllUserGroups)
-            remote->RegisterRootGroup();
-        CleanupBeforeEvaluate();
-    }
-    set.engine->pushContext();
-    set.global = set.engine->evaluate(text, QStringLiteral(""), 1);
-    set.engine->popContext();
-    debuggerContinue = false;
-    if (ending || !ReportEvaluation(set, stopMode))
+    remote->UnregisterRootGroup();
+    if (storedSetup.GetChoices().registerAllUserGroups)
+        remote->RegisterRootGroup();
+    CleanupBeforeEvaluate();
+    live.global = EvaluateText(*engine, text);
+    if (debugger)
+        debugger->EndEvaluation();
+    if (ending)
         return false;
-    ScanPublished(set, stopMode);
-    if (stopMode)
-        ReportError(QLatin1String(DeviceText::kAnalysed), true);
-    else
-        AfterEvaluate();
+    if (engine->hasUncaughtException())
+        ReportUncaught();
+    if (const std::optional<EvaluationFailure> failure = FindFailure(*engine, live.global)) {
+        ReportFailure(*failure, false);
+        return false;
+    }
+    VariableLookup lookup(services.variables, services.names, values.GetVariables(), storedSetup.Variables());
+    Publish(live, ScanPublished(live, lookup, false));
+    AfterEvaluate();
     return true;
 }
 
-void MCalverinScript_Device::ScanPublished(ScriptSet& set, bool stopMode) {
+/// A script that never comes back must not keep the host's main thread, which waits here.
+bool MCalverinScript_Device::AnalyseText(const QString& text) {
+    const std::chrono::milliseconds limit = AnalysisLimit();
+    LimitedRun run(*stop.engine, limit);
     VariableLookup lookup(services.variables, services.names, values.GetVariables(), storedSetup.Variables());
+    LookupOnCallersThread host(run, lookup);
+    std::optional<EvaluationFailure> failure;
+    ScanResult found;
+    const LimitedRun::Outcome outcome = run.Run([&] {
+        stop.global = EvaluateText(*stop.engine, text);
+        failure = FindFailure(*stop.engine, stop.global);
+        if (!failure)
+            found = ScanPublished(stop, host, true);
+    });
+    analysisEnded = outcome == LimitedRun::Outcome::InTime;
+    if (!analysisEnded)
+        failure = EvaluationFailure{ScriptFailure(AnalysisFailure(outcome, limit)), std::nullopt};
+    if (failure) {
+        ReportFailure(*failure, true);
+        return false;
+    }
+    storedSetup.SetScriptsRemoval(found.removeDefaults);
+    Publish(stop, found);
+    ReportError(QLatin1String(DeviceText::kAnalysed), true);
+    return true;
+}
+
+/// The configuration file's word, in seconds.
+std::chrono::milliseconds MCalverinScript_Device::AnalysisLimit() const {
+    char path[kLongestConfigPath] = {};
+    if (module != nullptr)
+        module->GetConfigFilePath(path);
+    const int seconds = ReadConfigInt(path, "ANALYSIS", "limit", 0);
+    return seconds > 0 ? std::chrono::milliseconds(std::chrono::seconds(seconds)) : kAnalysisLimit;
+}
+
+ScanResult MCalverinScript_Device::ScanPublished(const ScriptSet& set, IScanHost& host, bool stopMode) {
     ScanRequest request;
     request.published = set.global;
     request.stopMode = stopMode;
     request.removeDefaults = stopMode ? storedSetup.GetRemovalForAnalysis() : storedSetup.IsRemovalApplied();
     request.hiddenNames = set.global.strictlyEquals(set.engine->globalObject()) ? &BuiltInNames() : nullptr;
-    request.host = &lookup;
+    request.host = &host;
     request.accessors = &values.Accessors();
     request.enumHelpers = &enumHelpers;
-    const ScanResult result = ScanGlobal(request);
-    if (stopMode)
-        storedSetup.SetScriptsRemoval(result.removeDefaults);
-    ReplaceAll(set.variables, result.variables);
-    ReplaceAll(set.monitors, result.monitors);
-    ReplaceAll(set.settings, result.settings);
-    ReplaceAll(set.functions, result.functions);
+    return ScanGlobal(request);
+}
+
+void MCalverinScript_Device::Publish(ScriptSet& set, const ScanResult& found) {
+    ReplaceAll(set.variables, found.variables);
+    ReplaceAll(set.monitors, found.monitors);
+    ReplaceAll(set.settings, found.settings);
+    ReplaceAll(set.functions, found.functions);
 }
 
 /// The functions on `Device` know a variable of the device by its name without the device's. The host may have made it anew since

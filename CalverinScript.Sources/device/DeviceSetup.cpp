@@ -13,6 +13,7 @@
 #include "HostText.h"
 #include "IModuleServices.h"
 #include "ModuleShared.h"
+#include "ThreadPromise.h"
 
 namespace {
 
@@ -53,9 +54,12 @@ DeviceSetup MCalverinScript_Device::GetCurrentSetup() {
 
 /// A text that SetSetup would refuse is not given out, so that the host keeps the one that it has.
 KXPCode MCalverinScript_Device::GetSetup(char** out) {
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetSetup");
     if (out == nullptr)
         return KXP_NULL_ARGUMENT;
     *out = nullptr;
+    if (gone)
+        return KXP_NOT_IMPLEMENTED;
     DeviceSetup setup = GetCurrentSetup();
     if (IsFirstDevice())
         setup.moduleCommands = ModuleShared::Acquire().moduleCommands.Snapshot();
@@ -70,6 +74,9 @@ KXPCode MCalverinScript_Device::GetSetup(char** out) {
 }
 
 KXPCode MCalverinScript_Device::SetSetup(const char* text) {
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetSetup");
+    if (gone)
+        return KXP_NOT_IMPLEMENTED;
     DeviceSetup setup;
     const KXPCode code = ReadSetup(text, setup);
     if (!setup.name.isNull())
@@ -80,17 +87,21 @@ KXPCode MCalverinScript_Device::SetSetup(const char* text) {
     QScriptEngine analysis;
     EvaluateScript(storedSetup.GetScriptText(), &analysis);
     storedSetup.ApplyRemoval(storedSetup.DecideRemoval(storedSetup.GetChoices().removeDefaults));
-    ResolveResources(storedSetup.GetSettings(), analysis);
+    ResolveResources(storedSetup.GetSettings());
     AssignIds(false);
     std::string definition;
     const bool built = MakeDefinition(stop.functions.Snapshot(), storedSetup.GetVariables(),
                                       storedSetup.IsRemovalApplied(), false, definition);
-    if (built && values.Offer(definition)) {
+    const bool taken = built && values.Offer(definition);
+    if (gone) // the host has released the module meanwhile
+        return KXP_NOT_IMPLEMENTED;
+    if (taken) {
         BindLiveVariables();
         CommitStopFunctions();
     }
     BindDefaultVariables();
-    EvaluateScript(storedSetup.GetScriptText(), &analysis);
+    if (analysisEnded) // a second look at a script that does not end would take as long again
+        EvaluateScript(storedSetup.GetScriptText(), &analysis);
     stop.global = QScriptValue();
     storedSetup.SetDefinition(definition);
     storedSetup.SetLoaded();
@@ -159,7 +170,8 @@ void MCalverinScript_Device::CommitStopFunctions() {
 }
 
 const char* MCalverinScript_Device::GetDefinition() {
-    if (module == nullptr)
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetDefinition");
+    if (module == nullptr || gone)
         return nullptr;
     if (storedSetup.GetDefinition().empty()) {
         std::string text;
@@ -233,6 +245,8 @@ KXPCode MCalverinScript_Device::AcceptSetup(const DeviceSetup& setup, const QStr
         CanBeStored(setup) &&
         MakeDefinition(now, setup.monitors, remove, storedSetup.IsRemovalApplied() && !remove, definition) &&
         values.Offer(definition);
+    if (gone)
+        return KXP_CANCELLED;
     if (taken) {
         storedSetup.ApplyRemoval(remove);
         TakeAcceptedSetup(setup, script, scriptFile);
@@ -280,17 +294,17 @@ KXPCode MCalverinScript_Device::CancelSetup() {
 void MCalverinScript_Device::Analyse() {
     QScriptEngine analysis;
     EvaluateScript(storedSetup.GetScriptText(), &analysis);
-    ResolveChangedResources(analysis);
+    ResolveChangedResources();
     stop.global = QScriptValue();
 }
 
-void MCalverinScript_Device::ResolveResources(const ScriptSettings& settings, QScriptEngine& analysis) {
-    resources->Take(FindResources(settings, analysis), services.resources);
+void MCalverinScript_Device::ResolveResources(const ScriptSettings& settings) {
+    resources->Take(FindResources(settings), services.resources);
 }
 
 /// A running script keeps its ports when a dialog is left with the resources that it had found.
-void MCalverinScript_Device::ResolveChangedResources(QScriptEngine& analysis) {
-    const std::vector<ResourceRequest> wanted = FindResources(storedSetup.GetSettings(), analysis);
+void MCalverinScript_Device::ResolveChangedResources() {
+    const std::vector<ResourceRequest> wanted = FindResources(storedSetup.GetSettings());
     if (!(wanted == resources->GetRequests()))
         resources->Take(wanted, services.resources);
 }

@@ -13,6 +13,7 @@
 #include "HostText.h"
 #include "ModuleShared.h"
 #include "StoredCommand.h"
+#include "ThreadPromise.h"
 #include "ValueConversion.h"
 
 namespace {
@@ -78,6 +79,9 @@ int MCalverinScript_Device::ValidateCommand(std::int32_t id, IObjectParams* para
 }
 
 KXPCode MCalverinScript_Device::UpdateCommand(const char* commandXml, char** out) {
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::UpdateCommand");
+    if (gone)
+        return KXP_NOT_IMPLEMENTED;
     StoredCommand stored;
     if (out == nullptr || !stored.Parse(commandXml))
         return KXP_NOT_IMPLEMENTED;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -45,12 +46,14 @@ class EventArguments;
 class ICommandWork;
 class IModuleServices;
 class IResourceProvider;
+class IScanHost;
 class ISetupInterface;
 class MScriptEngineAgent;
 class MScriptMngRemote;
 class MScriptThread;
 class QImage;
-class QScriptEngineDebugger;
+struct ScanResult;
+class ScriptDebugger;
 class QThread;
 template <typename... Parameters>
 struct MarshalledCallRow;
@@ -82,6 +85,12 @@ public:
     /// Whether the script thread runs, or the debugger makes one needless. A device without one is of no use and is released
     /// at once.   [host main]
     bool IsUsable() const;
+
+    /// Ends the device as its release does, but for its memory: it leaves the host and the module, and refuses every operation
+    /// from then on but Release. For a module that goes before its devices. Does nothing when it has been done.   [host main]
+    void LetGo();
+    /// Whether nothing runs any more in a device that has been let go, so that it may be deleted.   [host main]
+    bool HasEnded() const;
 
     // IKXPDevice
     KXPCode QueryInterface(const char* name, void** out) override;
@@ -134,9 +143,8 @@ public:
     /// @return 0, 771 the commands have changed, 13 the host refused and the device is as it was.   [host main]
     KXPCode AcceptSetup(const DeviceSetup& setup, const QString& scriptFile);
     /// Lets go of the resources that the device has taken, and takes those that the settings name. A dialog calls it
-    /// when its user has chosen one.
-    /// @param analysis any engine of the caller's thread, to read signatures with.   [host main]
-    void ResolveResources(const ScriptSettings& settings, QScriptEngine& analysis);
+    /// when its user has chosen one.   [host main]
+    void ResolveResources(const ScriptSettings& settings);
     /// The dialog was left without: the resources are those of the device's own settings again. @return 13.   [host
     /// main]
     KXPCode CancelSetup();
@@ -236,7 +244,8 @@ public:
     IModuleServices* GetModule() const { return module; }
     /// How the user left the setup dialog the last time.   [host main]
     SetupMemory& GetSetupMemory() { return storedSetup.Memory(); }
-    QScriptEngineDebugger* GetDebugger() const { return debugger.get(); }
+    /// Null unless the configuration file enables it.
+    ScriptDebugger* GetDebugger() const { return debugger.get(); }
     MScriptThread* GetScriptThread() const { return scriptThread.get(); }
     std::int32_t GetStackCount() const;
     bool HasStopFunction() const { return runState.hasStopFunction; }
@@ -314,10 +323,9 @@ private:
     void JoinModule();
     void ConnectSignals();
     void StartScriptThread();
-    void SetUpDebugger();
 
     // End
-    bool EndScriptThread();
+    void EndScriptThread();
     void LeaveHost();
     bool IsHostInside() const;
 
@@ -349,9 +357,14 @@ private:
     // Script work
     bool LoadScriptFile(ScriptSet& set, const char* fileName);
     bool RunLoadedScript();
-    bool Evaluate(ScriptSet& set, const QString& text, bool stopMode);
-    bool ReportEvaluation(ScriptSet& set, bool stopMode);
-    void ScanPublished(ScriptSet& set, bool stopMode);
+    struct EvaluationFailure;
+    bool EvaluateLive(const QString& text);
+    bool AnalyseText(const QString& text);
+    std::chrono::milliseconds AnalysisLimit() const;
+    static std::optional<EvaluationFailure> FindFailure(QScriptEngine& engine, const QScriptValue& value);
+    void ReportFailure(const EvaluationFailure& failure, bool stopMode);
+    ScanResult ScanPublished(const ScriptSet& set, IScanHost& host, bool stopMode);
+    static void Publish(ScriptSet& set, const ScanResult& found);
     EnumHelpers::Target EnumTarget();
     bool FindMonitoredEnum(const QString& name, MScriptVariable& found);
     void CleanupBeforeEvaluate();
@@ -375,7 +388,7 @@ private:
     void TakeScript(const QString& fileName, const QString& text);
     void Analyse();
     bool CanBeStored(DeviceSetup setup);
-    void ResolveChangedResources(QScriptEngine& analysis);
+    void ResolveChangedResources();
     bool IsFirstDevice() const;
     void AssignIds(bool keepOld);
     void CommitStopFunctions();
@@ -383,11 +396,6 @@ private:
                         bool resetDefaultIds, std::string& text);
     void BindLiveVariables();
     void MergeLegacy();
-
-    // Debugger
-    bool IsDebuggerActive() const;
-    void TriggerDebuggerAction(int action);
-    void AbortEvaluation();
 
     IModuleServices* const module;         ///< not owned
     ISetupInterface* const setupInterface; ///< not owned, may be null
@@ -398,6 +406,8 @@ private:
     InterlockedCounter hostCalls;          ///< host calls that are inside the device
 
     // The rooms
+    std::atomic<bool> gone{false};   ///< set once by LetGo: the host's operations are refused
+    bool analysisEnded = true;       ///< the last analysis came to its end by itself; host main
     std::atomic<bool> ending{false}; ///< set once by Release: nothing enters the script any more
     HostValues values{ending};       ///< the host's values of the device's variables
     StoredSetup storedSetup;         ///< what the host keeps of the device
@@ -409,9 +419,7 @@ private:
     std::unique_ptr<ICommandWork> roadWork; ///< what the road needs of this device
     std::unique_ptr<CommandRoad> road;      ///< made before all that posts
 
-    RunState runState;                         ///< where start and stop are
-    std::atomic<bool> debuggerContinue{false}; ///< script thread asks the tick to let the debugger go on
-    std::atomic<bool> debuggerAbort{false};    ///< Stop asks the tick to abort
+    RunState runState; ///< where start and stop are
     bool debuggerEnabled = false;
 
     // The script's world. The engine, what it shows and what hangs on it go in the reverse of this order.
@@ -419,7 +427,7 @@ private:
     std::unique_ptr<QScriptEngine> engine;
     MScriptEngineAgent* agent = nullptr; ///< owned by the engine, installed with the debugger only
     std::unique_ptr<MScriptMngRemote> remote;
-    std::unique_ptr<QScriptEngineDebugger> debugger;
+    std::unique_ptr<ScriptDebugger> debugger;       ///< null unless it is enabled
     ScriptSet live;                                 ///< what the engine runs
     ScriptSet stop;                                 ///< what an analysis sees
     std::unique_ptr<EventArguments> eventArguments; ///< for the engine, with which it is made; script

@@ -1,6 +1,7 @@
 #include "ScriptEntrance.h"
 
 #include <chrono>
+#include <new>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -66,6 +67,15 @@ bool ScriptEntrance::event(QEvent* received) {
     return true;
 }
 
+/// Nothing may be thrown through the thread's event loop. Who waits for a task hears of its end all the same.
+void ScriptEntrance::RunTask(const ScriptInbox::Task& task) {
+    try {
+        task();
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
+
 /// Runs inside a script too, since a running engine lets its thread process events now and then. Then nothing is taken; the
 /// only thing that is served there is the end of the device.
 void ScriptEntrance::TakeTurn() {
@@ -80,7 +90,7 @@ void ScriptEntrance::TakeTurn() {
     const auto end = std::chrono::steady_clock::now() + kTurn;
     ScriptInbox::Task task;
     while (m_inbox.Take(task)) {
-        task();
+        RunTask(task);
         task = nullptr;
         if (std::chrono::steady_clock::now() >= end) {
             WakeUp();

@@ -73,6 +73,7 @@ protected:
 
 private:
     void TakeTurn();
+    static void RunTask(const ScriptInbox::Task& task);
 
     std::recursive_mutex& m_lock;
     const std::atomic<bool>& m_ending;

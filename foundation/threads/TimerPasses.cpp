@@ -1,6 +1,7 @@
 #include "TimerPasses.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 bool TimerPasses::Add(IThreadTimerHandler* handler) {
@@ -107,6 +108,15 @@ void TimerPasses::Call(const std::shared_ptr<Shared>& shared, std::uint64_t numb
     }
 }
 
+/// A handler that finds no memory has done what it could, and is called again in the next pass.
+void TimerPasses::CallOne(IThreadTimerHandler& handler, std::uint32_t nowMs) {
+    try {
+        handler.OnTimer(nowMs);
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+}
+
 /// @return false when this thread has been left, and another one calls the handlers behind.
 bool TimerPasses::CallAll(Shared& shared, std::uint64_t number, Guard& guard) {
     while (shared.next < shared.entries.size() && !(*shared.isStopped)()) {
@@ -118,7 +128,7 @@ bool TimerPasses::CallAll(Shared& shared, std::uint64_t number, Guard& guard) {
         shared.callBegan = Clock::now();
         const std::uint32_t nowMs = shared.nowMs;
         guard.unlock();
-        entry->handler->OnTimer(nowMs);
+        CallOne(*entry->handler, nowMs);
         guard.lock();
         entry->inCall = false;
         if (shared.caller != number)

@@ -76,6 +76,7 @@ private:
     using Guard = std::unique_lock<std::mutex>;
 
     static void Call(const std::shared_ptr<Shared>& shared, std::uint64_t number);
+    static void CallOne(IThreadTimerHandler& handler, std::uint32_t nowMs);
     static bool CallAll(Shared& shared, std::uint64_t number, Guard& guard);
     bool EnsureCaller(std::size_t stackSize, ThreadPriority priority);
     void WaitForPass(Guard& guard);

@@ -4,7 +4,10 @@
 
 /// The module as the host loads it: one object for the whole process, found through GetKXPEntryPoint.
 ///
-/// Order of calls: Initialize, SetDeviceHost, then devices come and go, Terminate, Release.
+/// Order of calls: Initialize, SetDeviceHost, then devices come and go, Terminate, Release. Devices that are still
+/// there at Release are let go of: they end as with their own Release and refuse every operation from then on (19, or
+/// what the operation gives when it has nothing to give), until their own Release frees them. A second Release of the
+/// module does nothing.
 class IKXPModule : public IMInterface {
 public:
     /// Hands over the host's root object, on which everything hangs that the module needs of the host. Called once,

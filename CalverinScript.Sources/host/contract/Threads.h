@@ -17,3 +17,6 @@
 ///
 /// A host never has to lock anything for the module's sake. In the other direction the module calls typed values,
 /// execution contexts and the remote links from any of its threads, and expects the host to serialise those calls.
+
+/// The words of the table, for code that checks them.
+enum class ThreadWord { HostMain, AnyHostThread, Tick, Command, Script, Socket, Http, Any };

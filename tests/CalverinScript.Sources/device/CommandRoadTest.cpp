@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -80,6 +81,17 @@ protected:
     std::uint32_t nowMs = 1000;
     CommandRoad road{*this, *this, *this, *this, 0};
 };
+
+TEST_F(Road, KnowsWhenTheSystemGaveItNoThread) {
+    CommandRoad withoutThread(*this, *this, *this, *this, SIZE_MAX); // no system has such a stack
+    EXPECT_TRUE(withoutThread.HasThread()) << "what is posted before the start waits for it";
+    withoutThread.Start();
+    EXPECT_FALSE(withoutThread.HasThread());
+    withoutThread.Stop();
+    EXPECT_TRUE(withoutThread.HasThread());
+    road.Start();
+    EXPECT_TRUE(road.HasThread());
+}
 
 TEST_F(Road, ExecutesOnItsThreadInTheOrderOfThePosts) {
     road.Post(ScriptRequest::Load(kLoadFromFile, "a.js"), nullptr);

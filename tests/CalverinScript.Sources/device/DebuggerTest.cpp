@@ -5,6 +5,8 @@
 #include <QMainWindow>
 #include <QScriptEngineDebugger>
 
+#include "ScriptDebugger.h"
+
 namespace {
 
 /// With the debugger there is no script thread: everything runs on the thread that made the device, which serves its events.
@@ -40,7 +42,7 @@ TEST_F(Debugger, ShowsItsWindowWithTheDevicesName) {
     MakeDevice();
     GivenScript("({})");
     QCoreApplication::processEvents();
-    const QMainWindow* window = device->GetDebugger()->standardWindow();
+    const QMainWindow* window = device->GetDebugger()->GetDebugger().standardWindow();
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Desk"));
     EXPECT_EQ(window->size(), QSize(1024, 640));

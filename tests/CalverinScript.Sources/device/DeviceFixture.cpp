@@ -9,12 +9,14 @@
 
 #include "Deadline.h"
 #include "HostText.h"
+#include "ThreadPromise.h"
 
 void TestModule::GetConfigFilePath(char* buffer) {
     std::strncpy(buffer, configPath.c_str(), 1023);
 }
 
 void DeviceFixture::MakeDevice() {
+    NoteHostMainThread();
     module.host = host.Root();
     device = new MCalverinScript_Device(&module, nullptr, "Desk");
     device->SetDeviceVariables(&variables);

@@ -38,6 +38,9 @@ constexpr RunawayKind kRunawayKinds[] = {
      true},
     {"ALoopOfXml", "", "for (;;) new XMLDocument().Parse('<a><b/></a>');", true},
     {"ALoopOfCallsToTheHost", "", "for (;;) QCalverin.GetValueAsString('x');", true},
+    {"ASparseArrayIntoABuffer", "", "for (;;) new Buffer(new Array(300000000));", true},
+    {"ASparseListOfBuffers", "var buffer = new Buffer(1);", "for (;;) buffer.concat(new Array(4000000000));", true},
+    {"ALongListOfTexts", "", "for (;;) QCalverin.EnumStringToIndex(new Array(4000000000), 'x');", true},
     {"AJoinOfTenMillion", "", "return new Array(10000000).join('ab').length;", false},
 };
 

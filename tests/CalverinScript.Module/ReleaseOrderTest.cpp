@@ -1,0 +1,151 @@
+#include <functional>
+
+#include "Deadline.h"
+#include "MCalverinScript_Device.h"
+#include "ModuleFixture.h"
+
+namespace {
+
+/// Variables of a host that does something of its own while it takes a definition.
+class BusyVariables : public plain::Variables {
+public:
+    std::uint32_t SetDefinition(const char* xml) override {
+        if (meanwhile)
+            std::exchange(meanwhile, nullptr)();
+        return plain::Variables::SetDefinition(xml);
+    }
+    std::function<void()> meanwhile;
+};
+
+/// A context whose end does something.
+class BusyContext : public plain::Context {
+public:
+    KXPCode End() override {
+        if (atEnd)
+            std::exchange(atEnd, nullptr)();
+        return plain::Context::End();
+    }
+    std::function<void()> atEnd;
+};
+
+class ReleaseOrder : public ModuleFixture {
+protected:
+    void SetUp() override {
+        ModuleFixture::SetUp();
+        Initialize();
+        device = MakeDevice();
+        device->SetDeviceVariables(&variables);
+    }
+    void TearDown() override {
+        if (device != nullptr) {
+            EXPECT_EQ(device->Release(), KXP_OK);
+        }
+        ModuleFixture::TearDown();
+        EXPECT_TRUE(Eventually([] { return MCalverinScript_Device::SweepAbandoned() == 0; }));
+    }
+    void Start(const char* script) {
+        dynamic_cast<MCalverinScript_Device&>(*device).SetSetupScript(QString(), QLatin1String(script));
+        ASSERT_EQ(device->Start(), KXP_OK);
+    }
+    KXPCode Call(const char* function, IExecContext* context) {
+        params = plain::Params::ForFunction(function, {});
+        return device->ExecuteCommand(3, params.get(), context);
+    }
+    void ExpectRefusals() {
+        void* face = this;
+        char* text = nullptr;
+        IKXPDevicePanel* panel = nullptr;
+        EXPECT_EQ(device->QueryInterface("IKXPDevice", &face), KXP_NO_INTERFACE);
+        EXPECT_EQ(face, nullptr);
+        EXPECT_EQ(device->QueryCapability(1), KXP_NO);
+        EXPECT_EQ(device->ShowSetup(nullptr), KXP_CANCELLED);
+        EXPECT_EQ(device->IsRunning(), KXP_NO);
+        EXPECT_EQ(device->Start(), KXP_NOT_IMPLEMENTED);
+        EXPECT_EQ(device->Stop(), KXP_NOT_IMPLEMENTED);
+        EXPECT_EQ(device->OnTimerailEvent(nullptr, 2), KXP_NOT_IMPLEMENTED);
+        EXPECT_EQ(device->GetBitmap(), nullptr);
+        EXPECT_EQ(device->GetSetup(&text), KXP_NOT_IMPLEMENTED);
+        EXPECT_EQ(device->SetSetup("<DeviceData Version=\"1\"/>"), KXP_NOT_IMPLEMENTED);
+        EXPECT_EQ(device->UpdateCommand("<Command/>", &text), KXP_NOT_IMPLEMENTED);
+        EXPECT_EQ(text, nullptr);
+        EXPECT_EQ(Call("F", nullptr), KXP_BAD_COMMAND);
+        EXPECT_EQ(device->GetDefinition(), nullptr);
+        EXPECT_EQ(device->CreatePanel(1, &panel), KXP_NOT_IMPLEMENTED);
+        device->SetName("late");
+        device->SetDeviceVariables(&variables);
+    }
+
+    BusyVariables variables;
+    IKXPDevice* device = nullptr;
+    std::unique_ptr<plain::Params> params;
+};
+
+TEST_F(ReleaseOrder, ADeviceThatOutlivesItsModuleRefusesEverythingButItsRelease) {
+    Start("({ F: function() { return 1 } })");
+    BusyContext context;
+    ASSERT_EQ(Call("F", &context), KXP_OK);
+    ASSERT_TRUE(context.WaitForEnd());
+    EXPECT_EQ(module->Release(), KXP_OK);
+    ExpectRefusals();
+}
+
+TEST_F(ReleaseOrder, ADeviceThatWasNeverStartedDoesSoToo) {
+    EXPECT_EQ(module->Release(), KXP_OK);
+    ExpectRefusals();
+}
+
+TEST_F(ReleaseOrder, ADeviceWhoseScriptHangsIsLetGoAndItsRequestEnds) {
+    Start("({ Hang: function() { for (;;) {} } })");
+    BusyContext context;
+    ASSERT_EQ(Call("Hang", &context), KXP_OK);
+    ASSERT_TRUE(Eventually([&] { return variables.status.Plain().Text() == "2"; }));
+    EXPECT_EQ(module->Release(), KXP_OK);
+    EXPECT_EQ(context.Ended(), 1);
+    ExpectRefusals();
+}
+
+TEST_F(ReleaseOrder, AModuleMayBeReleasedWhileTheHostTakesADefinition) {
+    char* setup = nullptr;
+    ASSERT_EQ(device->GetSetup(&setup), KXP_OK);
+    variables.meanwhile = [this] { EXPECT_EQ(module->Release(), KXP_OK); };
+    device->SetSetup(setup);
+    device->ReleaseString(&setup);
+    ExpectRefusals();
+}
+
+TEST_F(ReleaseOrder, AModuleMayBeReleasedFromTheEndOfARequest) {
+    Start("({ F: function() { return 1 } })");
+    BusyContext context;
+    context.atEnd = [this] { EXPECT_EQ(module->Release(), KXP_OK); };
+    ASSERT_EQ(Call("F", &context), KXP_OK);
+    ASSERT_TRUE(context.WaitForEnd());
+    ExpectRefusals();
+}
+
+TEST_F(ReleaseOrder, AModuleThatIsReleasedTwiceMindsNothing) {
+    IKXPModule* next = nullptr;
+    EXPECT_EQ(module->Release(), KXP_OK);
+    EXPECT_EQ(module->Release(), KXP_OK);
+    EXPECT_EQ(DeviceCount(), 0u);
+    EXPECT_EQ(module->CreateDevice(nullptr, &device), KXP_NULL_ARGUMENT);
+    ASSERT_EQ(MCalverinScript_Module::GetEntryPoint(&next), KXP_OK);
+    EXPECT_NE(next, module) << "a new one";
+    EXPECT_EQ(next->Release(), KXP_OK);
+    module = static_cast<MCalverinScript_Module*>(next);
+}
+
+TEST_F(ReleaseOrder, ADeviceOfTheNextModuleKnowsNothingOfTheOneBefore) {
+    module->Release();
+    IKXPModule* next = nullptr;
+    ASSERT_EQ(MCalverinScript_Module::GetEntryPoint(&next), KXP_OK);
+    module = static_cast<MCalverinScript_Module*>(next);
+    Initialize();
+    EXPECT_EQ(DeviceCount(), 0u);
+    IKXPDevice* second = MakeDevice();
+    EXPECT_EQ(second->Start(), KXP_OK);
+    EXPECT_EQ(second->Stop(), KXP_OK);
+    EXPECT_EQ(second->Release(), KXP_OK);
+    ExpectRefusals();
+}
+
+} // namespace
