@@ -10,9 +10,10 @@
 # A test sees what its subject sees: <name>.open stands for a folder, all that it uses, and all that these use in turn.
 # Only tests and benchmarks link it.
 #
-# With QT the folder may use Qt: moc runs over its headers and texts are never converted from 8 bits by accident.
+# With QT the folder may use Qt: moc runs over its headers and texts are never converted from 8 bits by accident. With
+# DIALOGS it has forms drawn in Designer as well: a source that includes ui_X.h has X.ui beside it.
 function(calverin_folder name)
-    cmake_parse_arguments(FOLDER "QT" "" "SOURCES;USES" ${ARGN})
+    cmake_parse_arguments(FOLDER "QT;DIALOGS" "" "SOURCES;USES" ${ARGN})
     add_library(${name} STATIC ${FOLDER_SOURCES})
     set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
     target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
@@ -28,6 +29,7 @@ function(calverin_folder name)
     if(FOLDER_QT)
         calverin_use_qt(${name})
     endif()
+    set_target_properties(${name} PROPERTIES AUTOUIC ${FOLDER_DIALOGS})
 endfunction()
 
 # Qt settings for one target: moc and rcc, no keywords in lower case, no silent conversion between 8-bit text and QString.
