@@ -21,6 +21,7 @@
 #include "ModuleApplication.h"
 #include "ModuleResources.h"
 #include "ThreadPromise.h"
+#include "SetupInterface.h"
 
 namespace {
 
@@ -209,7 +210,7 @@ KXPCode MCalverinScript_Module::CreateDevice(void* /*ignored*/, IKXPDevice** out
         return KXP_NO_DEVICE_MADE;
     if (!CanOpenDescriptors(kDescriptorsOfDevice) || !HasSpaceForDevice())
         return KXP_NO_DEVICE_MADE;
-    auto* device = new (std::nothrow) MCalverinScript_Device(this, nullptr, nullptr);
+    auto* device = new (std::nothrow) MCalverinScript_Device(this, setupInterface.get(), nullptr);
     if (device == nullptr)
         return KXP_NO_DEVICE_MADE;
     if (!device->IsUsable()) {

@@ -16,6 +16,7 @@
 
 class MCalverinScript_Device;
 class QImage;
+class SetupInterface;
 
 /// The module: the one object through which a host reaches this plug-in. It offers one type of device, makes devices,
 /// keeps them in a list, knows what host it lives in, and owns the library of script drivers on disk.
@@ -92,6 +93,7 @@ private:
     MScriptSelectorWizard scriptSelector;
     MScriptTextSelectorWizard scriptTextSelector;
     MFunctionSelectorWizard functionSelector;
+    std::unique_ptr<SetupInterface> setupInterface;
     MLockedList<MCalverinScript_Device*> devices; ///< not owned
     std::int32_t hostMajor = -1;
     std::int32_t hostMinor = -1;

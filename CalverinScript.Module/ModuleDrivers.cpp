@@ -12,6 +12,7 @@
 #include "ModuleResources.h"
 #include "ScriptFolders.h"
 #include "ThreadPromise.h"
+#include "SetupInterface.h"
 
 namespace {
 
@@ -25,7 +26,8 @@ void CopyText(char* buffer, const std::string& text) {
 
 } // namespace
 
-MCalverinScript_Module::MCalverinScript_Module() = default;
+MCalverinScript_Module::MCalverinScript_Module()
+    : setupInterface(std::make_unique<SetupInterface>()) {}
 
 const char* MCalverinScript_Module::GetScriptsFolder() {
     if (scriptsFolder.empty()) {

@@ -1,0 +1,60 @@
+#include "SetupInterface.h"
+
+#include <QApplication>
+#include <QThread>
+
+#include "HostText.h"
+#include "IManagerRuntimeInfo.h"
+#include "IModuleServices.h"
+#include "MCalverinScript_Device.h"
+#include "QWinWidget.h"
+#include "ThemeStyleSheet.h"
+#include "WidgetCalverinScriptGUI.h"
+
+namespace {
+
+/// A host without windows has an application object that cannot show any.
+bool CanShowDialogs() {
+    const auto* application = qobject_cast<QApplication*>(QCoreApplication::instance());
+    return application != nullptr && application->thread() == QThread::currentThread();
+}
+
+KXPWindow MainWindowOf(IMInterface* host) {
+    auto* info = QueryFace<IManagerRuntimeInfo>(host, "IManagerRuntimeInfo");
+    return info != nullptr ? info->GetMainWindow() : 0;
+}
+
+KXPCode RunDialog(MCalverinScript_Device& device, const char* scriptName) {
+    IMInterface* host = device.GetModule() != nullptr ? device.GetModule()->GetHost() : nullptr;
+    const QPointer<MCalverinScript_Device> kept(&device);
+    QWinWidget parent(MainWindowOf(host));
+    WidgetCalverinScriptGUI dialog(&parent);
+    QObject::connect(&parent, &QWinWidget::SignalParentGone, &dialog, &QDialog::reject);
+    dialog.setStyleSheet(BuildThemeStyleSheet(host));
+    parent.Adopt(dialog);
+    device.BeginSetup();
+    dialog.LoadFromDevice(&device);
+    if (scriptName != nullptr)
+        dialog.OpenScript(FromHostText(scriptName));
+    const bool isAccepted = dialog.exec() == QDialog::Accepted;
+    if (!kept)
+        return KXP_CANCELLED;
+    return isAccepted ? dialog.StoreToDevice(&device) : device.CancelSetup();
+}
+
+} // namespace
+
+KXPCode SetupInterface::ShowSetup(MCalverinScript_Device& device, const char* scriptName) {
+    if (!CanShowDialogs() || m_open.contains(&device))
+        return KXP_CANCELLED;
+    m_open.insert(&device);
+    const KXPCode code = RunDialog(device, scriptName);
+    m_open.remove(&device);
+    return code;
+}
+
+IKXPDevicePanel* SetupInterface::CreateControlPanel(MCalverinScript_Device& /*device*/) {
+    return nullptr;
+}
+
+void SetupInterface::PostRunState(IKXPDevicePanel* /*panel*/, bool /*running*/, std::uint32_t /*userMode*/) {}

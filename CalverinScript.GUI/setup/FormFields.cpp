@@ -1,0 +1,298 @@
+#include "FormFields.h"
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QFrame>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScriptEngine>
+#include <QSpinBox>
+#include <QTimeEdit>
+#include <QVariant>
+
+#include "DriverTables.h"
+#include "HostText.h"
+#include "MDate.h"
+#include "MTime.h"
+#include "MyDateEdit.h"
+#include "MyResourceSelector.h"
+#include "TimeBase.h"
+
+namespace {
+
+constexpr int kFieldWidth = 200;
+constexpr int kFieldHeight = 35;
+constexpr int kDefaultDecimals = 5;
+constexpr int kMostStepDigits = 5;
+constexpr double kLargestReal = 1.7e308;
+constexpr int kMsPerSecond = 1000;
+
+QString PropertyOf(const MScriptSetting& setting, const char* name) {
+    return FindProperty(setting.properties, QLatin1String(name));
+}
+
+int WholeNumber(const QString& text, int otherwise) {
+    bool isNumber = false;
+    const double number = text.toDouble(&isNumber);
+    constexpr double kLowest = std::numeric_limits<int>::min();
+    constexpr double kHighest = std::numeric_limits<int>::max();
+    return isNumber ? static_cast<int>(std::clamp(number, kLowest, kHighest)) : otherwise;
+}
+
+double RealNumber(const QString& text, double otherwise) {
+    bool isNumber = false;
+    const double number = text.toDouble(&isNumber);
+    return isNumber ? std::clamp(number, -kLargestReal, kLargestReal) : otherwise;
+}
+
+int WholeProperty(const MScriptSetting& setting, const char* name, int otherwise) {
+    return WholeNumber(PropertyOf(setting, name), otherwise);
+}
+
+template <typename Field>
+const Field& As(const QWidget& field) {
+    return static_cast<const Field&>(field);
+}
+
+QWidget* MakeLineEdit(const MScriptSetting& setting) {
+    auto* field = new QLineEdit;
+    const int maxLength = WholeProperty(setting, "MaxLength", -1);
+    if (maxLength >= 0)
+        field->setMaxLength(maxLength);
+    field->setText(setting.value);
+    const int width = WholeProperty(setting, "Width", -1);
+    if (width >= 0)
+        field->setFixedWidth(width);
+    field->setFixedHeight(kFieldHeight);
+    return field;
+}
+
+QString ReadLineEdit(const QWidget& field, const MScriptSetting& /*setting*/) {
+    return As<QLineEdit>(field).text();
+}
+
+template <typename Box>
+Box* MakeBox(const MScriptSetting& setting) {
+    auto* box = new Box;
+    box->setPrefix(PropertyOf(setting, "Prefix"));
+    box->setSuffix(PropertyOf(setting, "Suffix"));
+    box->setFixedSize(kFieldWidth, kFieldHeight);
+    return box;
+}
+
+QWidget* MakeSpinBox(const MScriptSetting& setting) {
+    auto* box = MakeBox<QSpinBox>(setting);
+    box->setRange(WholeProperty(setting, "MinValue", std::numeric_limits<int>::min()),
+                  WholeProperty(setting, "MaxValue", std::numeric_limits<int>::max()));
+    box->setValue(WholeNumber(setting.value, 0));
+    return box;
+}
+
+QString ReadSpinBox(const QWidget& field, const MScriptSetting& /*setting*/) {
+    return QString::number(As<QSpinBox>(field).value());
+}
+
+/// One step changes the last of up to five digits.
+void SetStep(QDoubleSpinBox& box, int precision) {
+    double step = 1;
+    for (int digit = 0; digit < precision; ++digit)
+        step /= 10;
+    if (precision >= 1 && precision <= kMostStepDigits)
+        box.setSingleStep(step);
+}
+
+QWidget* MakeRealSpinBox(const MScriptSetting& setting) {
+    auto* box = MakeBox<QDoubleSpinBox>(setting);
+    const int precision = WholeProperty(setting, "Precision", -1);
+    box->setDecimals(precision >= 0 ? precision : kDefaultDecimals);
+    SetStep(*box, precision);
+    box->setRange(RealNumber(PropertyOf(setting, "MinValue"), -kLargestReal),
+                  RealNumber(PropertyOf(setting, "MaxValue"), kLargestReal));
+    box->setValue(RealNumber(setting.value, 0));
+    return box;
+}
+
+QString ReadRealSpinBox(const QWidget& field, const MScriptSetting& /*setting*/) {
+    return QString::number(As<QDoubleSpinBox>(field).value(), 'g', 6);
+}
+
+/// A script may give its default as the item's text.
+QWidget* MakeComboBox(const MScriptSetting& setting) {
+    auto* box = new QComboBox;
+    box->addItems(setting.items);
+    const int byText = setting.items.indexOf(setting.value);
+    box->setCurrentIndex(WholeNumber(setting.value, std::max(byText, 0)));
+    box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    box->setMinimumWidth(kFieldWidth);
+    return box;
+}
+
+QString ReadComboBox(const QWidget& field, const MScriptSetting& /*setting*/) {
+    return QString::number(As<QComboBox>(field).currentIndex());
+}
+
+/// A date is stored as a text or as its number of days since 1 January 1900.
+QWidget* MakeDateEdit(const MScriptSetting& setting) {
+    MDate date;
+    bool isNumber = false;
+    const int number = setting.value.toInt(&isNumber);
+    if (isNumber)
+        date.SetFromDayNumber(number);
+    else
+        date.SetFromText(ToHostText(setting.value).constData());
+    auto* field = new MyDateEdit;
+    field->SetDate(date.GetDay(), date.GetMonth(), date.GetYear());
+    return field;
+}
+
+QString ReadDateEdit(const QWidget& field, const MScriptSetting& /*setting*/) {
+    const auto& edit = As<MyDateEdit>(field);
+    MDate date;
+    date.SetYear(edit.GetYear());
+    date.SetMonth(edit.GetMonth());
+    date.SetDay(edit.GetDay());
+    char text[MDate::kTextSize] = {};
+    return FromHostText(date.GetText(text));
+}
+
+int TimeTypeOf(const MScriptSetting& setting) {
+    return WholeProperty(setting, "TimeCodeType", kHundredths);
+}
+
+/// The first millisecond of a frame, so that reading the field back gives the same frame.
+int MsOfFrames(int frames, int framesASecond) {
+    return (frames * kMsPerSecond + framesASecond - 1) / framesASecond;
+}
+
+/// A time is stored as a text or as its count of frames.
+QWidget* MakeTimeEdit(const MScriptSetting& setting) {
+    const int type = TimeTypeOf(setting);
+    MTime time;
+    time.SetType(type);
+    bool isNumber = false;
+    const int count = setting.value.toInt(&isNumber);
+    if (isNumber)
+        time.SetValue(count);
+    else
+        time.SetFromText(ToHostText(setting.value).constData());
+    auto* field = new QTimeEdit;
+    field->setDisplayFormat(QStringLiteral("HH:mm:ss/zzz"));
+    field->setTime(QTime(std::min(time.GetHours(), 23), time.GetMinutes(), time.GetSeconds(),
+                         std::min(MsOfFrames(time.GetFrames(), CountBase(type).unitsASecond), kMsPerSecond - 1)));
+    field->setFixedSize(kFieldWidth, kFieldHeight);
+    return field;
+}
+
+QString ReadTimeEdit(const QWidget& field, const MScriptSetting& setting) {
+    const QTime shown = As<QTimeEdit>(field).time();
+    const int type = TimeTypeOf(setting);
+    MTime time;
+    time.SetType(type);
+    time.SetHMSF(shown.hour(), shown.minute(), shown.second(),
+                 shown.msec() * CountBase(type).unitsASecond / kMsPerSecond);
+    return FromHostText(time.GetText());
+}
+
+/// A sign that would underline the letter behind it.
+QString WithoutMnemonics(QString text) {
+    return text.replace(QLatin1Char('&'), QStringLiteral("&&"));
+}
+
+QWidget* MakeCheckBox(const MScriptSetting& setting) {
+    auto* box = new QCheckBox(WithoutMnemonics(setting.name));
+    box->setChecked(WholeNumber(setting.value, 0) != 0);
+    return box;
+}
+
+QString ReadCheckBox(const QWidget& field, const MScriptSetting& /*setting*/) {
+    return As<QCheckBox>(field).checkState() == Qt::Checked ? QStringLiteral("1") : QStringLiteral("0");
+}
+
+QWidget* MakeLabel(const MScriptSetting& setting) {
+    auto* label = new QLabel(setting.value);
+    label->setAlignment(Qt::AlignHCenter | Qt::AlignVCenter);
+    label->setWordWrap(true);
+    return label;
+}
+
+QWidget* MakeDivider(const MScriptSetting& /*setting*/) {
+    auto* line = new QFrame;
+    line->setFrameShape(QFrame::HLine);
+    line->setFrameShadow(QFrame::Sunken);
+    return line;
+}
+
+QWidget* MakeResource(const MScriptSetting& setting) {
+    QScriptEngine engine;
+    ResourceSignature signature = ReadResourceSignature(QScriptValue(setting.value), engine);
+    if (signature.type.isEmpty())
+        signature.type = QLatin1String(WidgetName(setting.widget));
+    auto* field = new MyResourceSelector;
+    field->SetResource(signature);
+    return field;
+}
+
+QString ReadResource(const QWidget& field, const MScriptSetting& /*setting*/) {
+    return As<MyResourceSelector>(field).GetSignature();
+}
+
+using Layout = FieldLayout;
+
+constexpr FieldKind kFieldKinds[] = {
+    {"LineEdit", Layout::LabelAndField, &MakeLineEdit, &ReadLineEdit},
+    {"TextEdit", Layout::LabelAlone, nullptr, nullptr},
+    {"SpinBox", Layout::LabelAndField, &MakeSpinBox, &ReadSpinBox},
+    {"RealSpinBox", Layout::LabelAndField, &MakeRealSpinBox, &ReadRealSpinBox},
+    {"ComboBox", Layout::LabelAndField, &MakeComboBox, &ReadComboBox},
+    {"DateEdit", Layout::LabelAndField, &MakeDateEdit, &ReadDateEdit},
+    {"TimeEdit", Layout::LabelAndField, &MakeTimeEdit, &ReadTimeEdit},
+    {"Color", Layout::LabelAlone, nullptr, nullptr},
+    {"CheckBox", Layout::FieldAlone, &MakeCheckBox, &ReadCheckBox},
+    {"List", Layout::LabelAlone, nullptr, nullptr},
+    {"Slider", Layout::LabelAlone, nullptr, nullptr},
+    {"Knob", Layout::LabelAlone, nullptr, nullptr},
+    {"Label", Layout::WholeRow, &MakeLabel, nullptr},
+    {"Divider", Layout::WholeRow, &MakeDivider, nullptr},
+    {"Serial", Layout::LabelAndField, &MakeResource, &ReadResource},
+    {"DMXIn", Layout::LabelAndField, &MakeResource, &ReadResource},
+    {"DMXOut", Layout::LabelAndField, &MakeResource, &ReadResource},
+    {"DigitalIn", Layout::LabelAndField, &MakeResource, &ReadResource},
+    {"DigitalOut", Layout::LabelAndField, &MakeResource, &ReadResource},
+    {"AnalogIn", Layout::LabelAndField, &MakeResource, &ReadResource},
+    {"AnalogOut", Layout::LabelAndField, &MakeResource, &ReadResource},
+};
+static_assert(std::size(kFieldKinds) == kLastResourceWidget + 1, "one row for each kind");
+
+} // namespace
+
+const FieldKind& FieldKindOf(int widget) {
+    return WidgetName(widget) != nullptr ? kFieldKinds[widget] : kFieldKinds[0];
+}
+
+FieldLayout LayoutOf(const MScriptSetting& setting) {
+    const FieldKind& kind = FieldKindOf(setting.widget);
+    const bool isWide = kind.make == &MakeLineEdit && WholeProperty(setting, "Width", -1) < 0;
+    return isWide ? FieldLayout::LabelAndWideField : kind.layout;
+}
+
+QWidget* MakeField(const MScriptSetting& setting) {
+    const FieldKind& kind = FieldKindOf(setting.widget);
+    if (kind.make == nullptr)
+        return nullptr;
+    QWidget* field = kind.make(setting);
+    field->setProperty(kSettingNameProperty, setting.name);
+    field->setToolTip(PropertyOf(setting, "Hint"));
+    QWidget* proxy = field->focusProxy();
+    (proxy != nullptr ? proxy : field)->setAccessibleName(setting.name);
+    return field;
+}
+
+QString ReadField(const QWidget& field, const MScriptSetting& setting) {
+    const FieldKind& kind = FieldKindOf(setting.widget);
+    return kind.read != nullptr ? kind.read(field, setting) : setting.value;
+}

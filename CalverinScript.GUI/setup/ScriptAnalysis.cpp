@@ -1,0 +1,44 @@
+#include "ScriptAnalysis.h"
+
+#include <functional>
+
+#include <QThread>
+
+#include "HostText.h"
+#include "MCalverinScript_Device.h"
+
+namespace {
+
+/// Hears what the device says while something is done on this thread. The device's running script speaks on a thread of its own,
+/// and is not what is meant.
+ScriptAnalysis Hear(MCalverinScript_Device& device, const std::function<bool()>& work) {
+    ScriptAnalysis heard;
+    const QThread* here = QThread::currentThread();
+    QObject listener;
+    QObject::connect(
+        &device, &MCalverinScript_Device::SignalNotifyErrorChange, &listener,
+        [&heard, here](const QString& text) {
+            if (QThread::currentThread() == here)
+                heard.text = text;
+        },
+        Qt::DirectConnection);
+    QObject::connect(
+        &device, &MCalverinScript_Device::SignalNotifyLineErrorChange, &listener,
+        [&heard, here](int line) {
+            if (QThread::currentThread() == here)
+                heard.line = line;
+        },
+        Qt::DirectConnection);
+    heard.succeeded = work();
+    return heard;
+}
+
+} // namespace
+
+ScriptAnalysis AnalyseScript(MCalverinScript_Device& device, const QString& text, QScriptEngine& engine) {
+    return Hear(device, [&] { return device.EvaluateScript(text, &engine); });
+}
+
+ScriptAnalysis LoadForAnalysis(MCalverinScript_Device& device, const QString& path) {
+    return Hear(device, [&] { return device.LoadScriptCommand(ToHostText(path).constData(), true); });
+}

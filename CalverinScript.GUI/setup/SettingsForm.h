@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QWidget>
+
+#include "ScriptRecords.h"
+
+class QGridLayout;
+
+/// The form of settings that a script declares: a row for each, the names to the left of the fields.   [host main]
+class SettingsForm : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit SettingsForm(QWidget* parent = nullptr);
+
+    /// Makes the form anew.
+    void ShowSettings(const ScriptSettings& settings);
+    /// Writes what the fields hold into the settings of the same names; the rest stays as it is.
+    void ReadBack(ScriptSettings& settings) const;
+
+protected:
+    /// The wheel scrolls the form: it changes no field but the one that has the focus.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void Clear();
+    void AddRow(int row, const MScriptSetting& setting);
+    void AddLabel(int row, const MScriptSetting& setting, QWidget* field);
+    void AddField(int row, const MScriptSetting& setting, QWidget* field);
+    void CloseRows(int row);
+    void KeepWheelAway(QWidget* field);
+
+    QGridLayout* m_grid; ///< a child
+};

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+
+#include <QList>
+#include <QPointer>
+#include <QStandardItemModel>
+#include <QWidget>
+
+class CodeEditor;
+class DialogFinder;
+class QAction;
+class QCompleter;
+struct ScriptAnalysis;
+struct SetupMemory;
+
+namespace Ui {
+class TabScript;
+}
+
+/// The tab with the script's text, where it is edited, searched and evaluated.   [host main]
+class TabScript : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit TabScript(QWidget* parent = nullptr);
+    ~TabScript() override;
+
+    /// The text as it stands, each character kept.
+    QString GetText() const;
+    void SetText(const QString& text);
+    /// The same as a step of the user's, who can take it back.
+    void ReplaceText(const QString& text);
+    CodeEditor& Editor();
+
+    /// A null text does nothing.
+    void SetDebugInfo(const QString& text);
+    /// Shows what an analysis came to, and puts the caret on the line of an error.
+    void ShowAnalysis(const ScriptAnalysis& analysis);
+
+    /// What the editor's menu offers beside the usual, in its order. Whoever owns the window adds them, so that their shortcuts
+    /// work in all of it.
+    const QList<QAction*>& GetActions() const { return m_actions; }
+
+    /// Opens the find dialog, unless it is open, and waits until it is closed. @param memory its options; takes the last ones.
+    void OpenFinder(SetupMemory& memory);
+    void CloseFinder();
+
+Q_SIGNALS:
+    void SignalEvaluate();
+    void SignalOpenFinder();
+
+public Q_SLOTS:
+    void SlotFind(const QString& sSearch, bool bMatchCase, bool bDirDown);
+    void SlotOnNotifyLineErrorChange(int line);
+    void SlotShowContextMenu(QPoint pt);
+
+private:
+    void SetUpEditor();
+    void MakeActions();
+
+    const std::unique_ptr<Ui::TabScript> m_ui;
+    QStandardItemModel m_noCompletions;
+    QCompleter* m_completer;   ///< a child
+    QList<QAction*> m_actions; ///< children
+    QPointer<DialogFinder> m_finder;
+};

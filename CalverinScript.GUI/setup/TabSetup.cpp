@@ -1,0 +1,23 @@
+#include "TabSetup.h"
+
+#include "MScriptDescription.h"
+#include "ui_TabSetup.h"
+
+TabSetup::TabSetup(QWidget* parent)
+    : QWidget(parent)
+    , m_ui(std::make_unique<Ui::TabSetup>()) {
+    m_ui->setupUi(this);
+}
+
+TabSetup::~TabSetup() = default;
+
+void TabSetup::ShowDescription(const MScriptDescription& description) {
+    m_ui->lineEditTitle->setText(description.title);
+    m_ui->lineEditVersion->setText(description.version);
+    m_ui->lineEditAuthor->setText(description.author);
+    m_ui->plainTextEditDescription->setPlainText(description.description);
+}
+
+SettingsForm& TabSetup::Form() {
+    return *m_ui->widgetSetup;
+}

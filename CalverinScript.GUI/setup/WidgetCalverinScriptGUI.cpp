@@ -1,0 +1,274 @@
+#include "WidgetCalverinScriptGUI.h"
+
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QFileInfo>
+#include <QShortcut>
+#include <QUrl>
+
+#include "DialogMessage.h"
+#include "MScriptDescription.h"
+#include "Pictures.h"
+#include "ScriptAnalysis.h"
+#include "ScriptFiles.h"
+#include "ScriptGlobals.h"
+#include "ScriptPlaces.h"
+#include "SettingsForm.h"
+#include "SetupMerge.h"
+#include "ui_WidgetCalverinScriptGUI.h"
+
+namespace {
+
+enum Tab { SetupTab, ScriptTab, VariablesTab, OptionsTab };
+
+constexpr const char* kHelpFile = "kxpCalverinScript.htm";
+
+} // namespace
+
+WidgetCalverinScriptGUI::WidgetCalverinScriptGUI(QWidget* parent)
+    : QDialog(parent)
+    , m_ui(std::make_unique<Ui::WidgetCalverinScriptGUI>()) {
+    RegisterPictures();
+    m_ui->setupUi(this);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    setWindowFlag(Qt::WindowMaximizeButtonHint, true);
+    SetUpAnalysisGlobals(m_engine);
+    addActions(m_ui->tab_Script->GetActions());
+    ConnectSignals();
+}
+
+WidgetCalverinScriptGUI::~WidgetCalverinScriptGUI() = default;
+
+void WidgetCalverinScriptGUI::ConnectSignals() {
+    using Dialog = WidgetCalverinScriptGUI;
+    connect(m_ui->pushButtonLoad, &QPushButton::clicked, this, &Dialog::SlotOpenFile);
+    connect(m_ui->pushButtonSave, &QPushButton::clicked, this, &Dialog::SlotSaveFile);
+    connect(m_ui->pushButtonSaveAs, &QPushButton::clicked, this, &Dialog::SlotSaveAsFile);
+    connect(m_ui->pushButtonHelp, &QPushButton::clicked, this, &Dialog::SlotOpenHelpFile);
+    connect(m_ui->pushButtonOk, &QPushButton::clicked, this, &Dialog::accept);
+    connect(m_ui->pushButtonCancel, &QPushButton::clicked, this, &Dialog::reject);
+    connect(m_ui->checkBoxProgrammingMode, &QCheckBox::clicked, this, &Dialog::SlotChangeOnProgrammingMode);
+    connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &Dialog::SlotCurrentTabChanged);
+    connect(m_ui->tab_Script, &TabScript::SignalEvaluate, this, &Dialog::SlotCallEvaluateScript);
+    connect(m_ui->tab_Script, &TabScript::SignalOpenFinder, this, &Dialog::SlotOpenFinder);
+    connect(m_ui->tab_Variables, &TabVariables::SignalExtract, this, &Dialog::SlotExtractFromScript);
+    connect(m_ui->tab_Options, &TabOptions::SignalRemoveDefaultsClicked, this,
+            &Dialog::SlotUpdateRemoveDefaultCmdVarFromSetupUI);
+    connect(new QShortcut(Qt::Key_F1, this), &QShortcut::activated, this, &Dialog::SlotOpenHelpFile);
+}
+
+void WidgetCalverinScriptGUI::LoadFromDevice(MCalverinScript_Device* device) {
+    if (device == nullptr)
+        return;
+    m_device = device;
+    connect(device, &QObject::destroyed, this, &WidgetCalverinScriptGUI::reject);
+    LoadOptions();
+    LoadScript();
+    LoadLists();
+    SlotExtractFromScript();
+    UpdateRemoveDefaults();
+}
+
+void WidgetCalverinScriptGUI::LoadOptions() {
+    const DeviceSetup setup = m_device->GetCurrentSetup();
+    const SetupScript script = setup.script.value_or(SetupScript());
+    const SetupMemory& memory = m_device->GetSetupMemory();
+    const QSignalBlocker quiet(m_ui->tabWidget);
+    m_ui->checkBoxProgrammingMode->setChecked(script.programmingMode);
+    SlotChangeOnProgrammingMode();
+    if (script.programmingMode)
+        m_ui->tabWidget->setCurrentIndex(memory.currentTab);
+    m_ui->tab_Options->SetOptions({script.registerAllUserGroups, script.autoCompletion,
+                                   setup.userModeVisible.value_or(true), setup.runModeVisible.value_or(true)});
+    m_ui->tab_Options->ShowDebugger(m_device->GetDebugger() != nullptr);
+    const QRect stored(memory.x, memory.y, memory.width, memory.height);
+    if (memory.x != 0 || memory.y != 0 || memory.width != 0 || memory.height != 0)
+        setGeometry(stored);
+}
+
+void WidgetCalverinScriptGUI::LoadScript() {
+    m_scriptFileName = m_device->GetSetupScriptFileName();
+    ShowFileName(MScriptDescription::FromFile(m_scriptFileName, &m_engine).get());
+    if (!ReadScriptFile(m_scriptFileName))
+        ShowFileName(nullptr);
+    m_ui->tab_Script->SetText(m_device->GetSetupScriptText());
+    UpdateDescription();
+}
+
+void WidgetCalverinScriptGUI::LoadLists() {
+    m_loadedVariables = m_device->GetLiveVariables();
+    m_ui->tab_Variables->SetVariables(m_loadedVariables);
+    m_settings = m_device->GetSetupSettings();
+}
+
+void WidgetCalverinScriptGUI::ShowFileName(MScriptDescription* description) {
+    m_ui->lineEditScriptFileName->setText(description != nullptr ? description->GetDisplayText()
+                                                                 : QStringLiteral("No script loaded"));
+}
+
+void WidgetCalverinScriptGUI::UpdateDescription() {
+    if (const auto description = MScriptDescription::FromText(m_ui->tab_Script->GetText(), &m_engine))
+        m_ui->tab_Setup->ShowDescription(*description);
+}
+
+bool WidgetCalverinScriptGUI::SlotCallEvaluateScript() {
+    return Evaluate();
+}
+
+bool WidgetCalverinScriptGUI::Evaluate() {
+    if (!m_device)
+        return false;
+    const ScriptAnalysis analysis = AnalyseScript(*m_device, m_ui->tab_Script->GetText(), m_engine);
+    m_ui->tab_Script->ShowAnalysis(analysis);
+    return analysis.succeeded;
+}
+
+void WidgetCalverinScriptGUI::SlotExtractFromScript() {
+    if (Evaluate())
+        Extract();
+}
+
+/// Brings the dialog's copies up to what the last analysis found, with what the user has entered.
+void WidgetCalverinScriptGUI::Extract() {
+    ScriptSet& found = m_device->GetStopSet();
+    ScriptVariables variables = found.variables.Snapshot();
+    m_ui->tab_Variables->SetVariables(
+        MergeVariables(variables, m_loadedVariables, m_ui->tab_Variables->GetVariables()));
+    ReplaceAll(found.variables, variables);
+    m_ui->tab_Setup->Form().ReadBack(m_settings);
+    ScriptSettings settings = found.settings.Snapshot();
+    MergeSettings(settings, m_settings);
+    ReplaceAll(found.settings, settings);
+    m_settings = settings;
+    RefreshForm();
+}
+
+void WidgetCalverinScriptGUI::RefreshForm() {
+    m_ui->tab_Setup->Form().ShowSettings(m_settings);
+}
+
+/// The script's own word about the defaults outranks the user's.
+void WidgetCalverinScriptGUI::UpdateRemoveDefaults() {
+    if (!m_device)
+        return;
+    m_ui->tab_Options->ShowRemoveDefaults(m_device->GetRemoveDefaults(), m_device->GetScriptOptionRemoveDefaults());
+    SlotUpdateRemoveDefaultCmdVarFromSetupUI();
+}
+
+void WidgetCalverinScriptGUI::SlotUpdateRemoveDefaultCmdVarFromSetupUI() {
+    if (m_device)
+        m_device->SetPendingRemoveDefaults(IsRemoveDefaultsChecked());
+}
+
+const ScriptVariables& WidgetCalverinScriptGUI::GetUserVariables() const {
+    return m_ui->tab_Variables->GetVariables();
+}
+
+bool WidgetCalverinScriptGUI::IsRemoveDefaultsChecked() const {
+    return m_ui->tab_Options->IsRemoveDefaultsChecked();
+}
+
+void WidgetCalverinScriptGUI::SlotChangeOnProgrammingMode() {
+    const bool isProgramming = m_ui->checkBoxProgrammingMode->isChecked();
+    while (m_ui->tabWidget->count() > 1)
+        m_ui->tabWidget->removeTab(1);
+    if (isProgramming) {
+        m_ui->tabWidget->addTab(m_ui->tab_Script, QStringLiteral("Script"));
+        m_ui->tabWidget->addTab(m_ui->tab_Variables, QStringLiteral("Variables"));
+        m_ui->tabWidget->addTab(m_ui->tab_Options, QStringLiteral("Options"));
+    }
+    m_ui->pushButtonSave->setVisible(isProgramming);
+    m_ui->pushButtonSaveAs->setVisible(isProgramming);
+}
+
+void WidgetCalverinScriptGUI::SlotCurrentTabChanged(int iCurrentTab) {
+    if (iCurrentTab == ScriptTab)
+        return;
+    m_ui->tab_Script->CloseFinder();
+    if (iCurrentTab == SetupTab)
+        UpdateDescription();
+    SlotExtractFromScript();
+    if (iCurrentTab == OptionsTab)
+        UpdateRemoveDefaults();
+}
+
+void WidgetCalverinScriptGUI::SlotOpenFinder() {
+    if (!m_device)
+        return;
+    SetupMemory memory = m_device->GetSetupMemory();
+    m_ui->tab_Script->OpenFinder(memory);
+    if (m_device) // it may be gone by now
+        m_device->GetSetupMemory() = memory;
+}
+
+void WidgetCalverinScriptGUI::SlotOpenHelpFile() {
+    const QString folder = HelpFolderOf(m_device);
+    if (folder.isEmpty())
+        return;
+    const QString path = PathBelow(folder, QLatin1String(kHelpFile));
+    if (QFileInfo::exists(path))
+        QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+    else
+        DialogMessage::Warn(this, tr("There is no help file at %1.").arg(path));
+}
+
+void WidgetCalverinScriptGUI::accept() {
+    const bool isSound = Evaluate();
+    if (!isSound &&
+        !DialogMessage::Ask(
+            this, QStringLiteral("An error has been detected into the script.\nDo you want to continue anyway?")))
+        return;
+    if (!m_device)
+        return;
+    if (isSound)
+        Extract();
+    else
+        m_ui->tab_Setup->Form().ReadBack(m_settings);
+    if (IsChangedSinceFile())
+        AskWhereChangesGo();
+    m_ui->tab_Script->CloseFinder();
+    QDialog::accept();
+}
+
+void WidgetCalverinScriptGUI::reject() {
+    m_ui->tab_Script->CloseFinder();
+    QDialog::reject();
+}
+
+void WidgetCalverinScriptGUI::closeEvent(QCloseEvent* event) {
+    m_ui->tab_Script->CloseFinder();
+    QDialog::closeEvent(event);
+}
+
+DeviceSetup WidgetCalverinScriptGUI::MakeSetup() const {
+    const SetupOptions options = m_ui->tab_Options->GetOptions();
+    DeviceSetup setup;
+    setup.userModeVisible = options.userModeVisible;
+    setup.runModeVisible = options.runModeVisible;
+    setup.settings = m_settings;
+    setup.monitors = GetUserVariables();
+    SetupScript script;
+    script.text = TextToStore();
+    script.registerAllUserGroups = options.registerAllUserGroups;
+    script.removeDefaults = IsRemoveDefaultsChecked();
+    script.programmingMode = m_ui->checkBoxProgrammingMode->isChecked();
+    script.autoCompletion = options.autoCompletion;
+    setup.script = script;
+    return setup;
+}
+
+KXPCode WidgetCalverinScriptGUI::StoreToDevice(MCalverinScript_Device* device) {
+    if (device == nullptr)
+        return KXP_CANCELLED;
+    const KXPCode code = device->AcceptSetup(MakeSetup(), m_scriptFileName);
+    if (code == KXP_CANCELLED)
+        return code;
+    SetupMemory& memory = device->GetSetupMemory();
+    memory.currentTab = m_ui->tabWidget->currentIndex();
+    const QRect rectangle = geometry();
+    memory.x = rectangle.x();
+    memory.y = rectangle.y();
+    memory.width = rectangle.width();
+    memory.height = rectangle.height();
+    return code;
+}

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <memory>
+
+#include <QDialog>
+#include <QPointer>
+#include <QScriptEngine>
+
+#include "KXPTypes.h"
+#include "MCalverinScript_Device.h"
+#include "ScriptRecords.h"
+
+struct MScriptDescription;
+struct ScriptAnalysis;
+
+namespace Ui {
+class WidgetCalverinScriptGUI;
+}
+
+/// The setup dialog of one device: the script's description and the form of its settings, and in programming mode its text, its
+/// variables and the options. It works on copies. Nothing reaches the device before the dialog is accepted and stored, but for what
+/// Load, Save and Save as do to files.   [host main]
+class WidgetCalverinScriptGUI : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit WidgetCalverinScriptGUI(QWidget* parent);
+    ~WidgetCalverinScriptGUI() override;
+
+    /// Shows the device's setup. The device is borrowed; when it goes first, the dialog is rejected. Null does nothing.
+    void LoadFromDevice(MCalverinScript_Device* device);
+    /// Gives the device what the dialog holds, after it was accepted.
+    /// @return as MCalverinScript_Device::AcceptSetup, 13 for null.
+    KXPCode StoreToDevice(MCalverinScript_Device* device);
+    /// Loads a script of the library by its file name or path, as if it had been chosen.
+    void OpenScript(const QString& path);
+
+    /// The engine for analyses; never the device's.
+    QScriptEngine* GetScratchEngine() { return &m_engine; }
+    const ScriptVariables& GetUserVariables() const;
+    bool IsRemoveDefaultsChecked() const;
+
+public Q_SLOTS:
+    bool SlotCallEvaluateScript();
+    void SlotOpenFile();
+    void SlotSaveFile();
+    void SlotSaveAsFile();
+    void SlotExtractFromScript();
+    void SlotOpenHelpFile();
+    void SlotChangeOnProgrammingMode();
+    void SlotCurrentTabChanged(int iCurrentTab);
+    void SlotUpdateRemoveDefaultCmdVarFromSetupUI();
+    void SlotOpenFinder();
+    void accept() override;
+    void reject() override;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void ConnectSignals();
+    void LoadOptions();
+    void LoadScript();
+    void LoadLists();
+    bool Evaluate();
+    void Extract();
+    void RefreshForm();
+    void UpdateDescription();
+    void UpdateRemoveDefaults();
+    void ShowFileName(MScriptDescription* description);
+
+    void OpenFile(const QString& path);
+    void TakeOpened(const QString& path, MScriptDescription& description);
+    bool SaveTo(const QString& libraryPath, const QString& projectPath);
+    void TakeSaved();
+    bool MayOverwrite(const QString& libraryPath, const QString& name);
+    bool IsChangedSinceFile() const;
+    void AskWhereChangesGo();
+    QString TextToStore() const;
+    DeviceSetup MakeSetup() const;
+
+    const std::unique_ptr<Ui::WidgetCalverinScriptGUI> m_ui;
+    QPointer<MCalverinScript_Device> m_device; ///< not owned
+    QString m_scriptFileName;                  ///< of the project's copy; empty when the device has no script file
+    QScriptEngine m_engine;
+    ScriptVariables m_loadedVariables; ///< as the device had them; read-only
+    ScriptSettings m_settings;         ///< what the form shows
+};
