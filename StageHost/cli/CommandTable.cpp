@@ -48,7 +48,8 @@ constexpr Command kCommands[] = {
     {"setup", "SHOW.json [DEVICE [SETTING=VALUE...]]",
      "writes the setups of the devices into the show file, with their drivers as they are now",
      "stagehost setup examples/driver/show.json\n"
-     "stagehost setup show.json desk address=10.0.0.7 port=9000",
+     "stagehost setup show.json desk address=10.0.0.7 port=9000\n"
+     "stagehost setup --window show.json desk   (in the device's setup dialog)",
      1, kAny, &KeepSetups},
     {"store", "SHOW.json NAME DEVICE COMMAND [PARAM=VALUE...]", "writes a command with its values into the show file",
      "stagehost store show.json \"Half light\" desk \"Fade to\" level=50 seconds=2\n"

@@ -1,3 +1,5 @@
+#include <memory>
+
 #include <QFileInfo>
 #include <QJsonArray>
 
@@ -8,6 +10,7 @@
 #include "LiveShow.h"
 #include "NameTools.h"
 #include "Output.h"
+#include "SetupWindow.h"
 #include "ShowFile.h"
 
 /// The commands that write show files.
@@ -54,6 +57,10 @@ MaybeFailure Open(Session& session, ShowFile& file, const Options& options) {
     return session.Open(file.Content());
 }
 
+QString RefusedSetupText() {
+    return QStringLiteral("the setup in the show file is left as it is; remove it to begin with a new one");
+}
+
 /// The setup text of the device with the driver's script as its file has it now.
 MaybeFailure RenewSetup(Device& device, const Show& show, const ShowDevice& described, const Options& options,
                         const QStringList& settings) {
@@ -72,6 +79,27 @@ MaybeFailure RenewSetup(Device& device, const Show& show, const ShowDevice& desc
     return std::nullopt;
 }
 
+/// The setup text as the user leaves it in the device's dialog.
+MaybeFailure AskForSetup(Session& session, ShowFile& file, const Options& options, SetupWindow& window,
+                         KeepReport& report) {
+    const QString name = options.arguments.value(1);
+    Device* device = session.FindDevice(name);
+    if (device == nullptr || options.arguments.size() != 2)
+        return Failure{kExitBadUse, QStringLiteral("--window needs one device of the show")};
+    if (session.HasRefusedSetup(name))
+        return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(name, RefusedSetupText())};
+    const QString before = file.Content().FindDevice(name)->setup;
+    const KXPCode code = window.Show(*device);
+    const QString setup = FromBorderText(device->Setup());
+    if (code != KXP_CANCELLED)
+        file.SetSetup(name, setup);
+    const char* what = code == KXP_CANCELLED ? "left as it was" : setup == before ? "as before" : "changed";
+    report.Add(QStringLiteral("%1: setup %2").arg(name, QLatin1String(what)),
+               {{QStringLiteral("device"), name}, {QStringLiteral("setup"), QLatin1String(what)}});
+    session.CheckStored();
+    return std::nullopt;
+}
+
 MaybeFailure RenewSetups(Session& session, ShowFile& file, const Options& options, KeepReport& report) {
     const QString only = options.arguments.value(1);
     if (!only.isEmpty() && file.Content().FindDevice(only) == nullptr)
@@ -80,9 +108,7 @@ MaybeFailure RenewSetups(Session& session, ShowFile& file, const Options& option
         if (!only.isEmpty() && described.name != only)
             continue;
         if (session.HasRefusedSetup(described.name))
-            return Failure{kExitBadUse, QStringLiteral("%1: the setup in the show file is left as it is; remove it to "
-                                                       "begin with a new one")
-                                            .arg(described.name)};
+            return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(described.name, RefusedSetupText())};
         Device& device = *session.FindDevice(described.name);
         if (auto failure = RenewSetup(device, file.Content(), described, options, options.arguments.mid(2)))
             return failure;
@@ -175,6 +201,7 @@ int Keep(const Options& options, bool quiet, Work work) {
     ShowFile file;
     Session session(options);
     session.SetQuiet(quiet);
+    session.SetMainWindow(SetupWindow::Current());
     KeepReport report(options.json);
     int exitCode = kExitOk;
     auto failure = Open(session, file, options);
@@ -188,8 +215,12 @@ int Keep(const Options& options, bool quiet, Work work) {
 } // namespace
 
 int KeepSetups(const Options& options) {
+    if (options.window && !SetupWindow::IsPossible())
+        return Fail(options.json, kExitBadUse, QStringLiteral("there is no screen to show a window on"));
+    const auto window = options.window ? std::make_unique<SetupWindow>(options.arguments.first()) : nullptr;
     return Keep(options, true, [&](Session& session, ShowFile& file, KeepReport& report, int&) {
-        return RenewSetups(session, file, options, report);
+        return window ? AskForSetup(session, file, options, *window, report)
+                      : RenewSetups(session, file, options, report);
     });
 }
 

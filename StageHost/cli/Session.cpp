@@ -57,6 +57,7 @@ MaybeFailure Session::Open(const Show& show) {
     m_show = show;
     HostSettings settings = show.host;
     settings.link = m_options.link;
+    settings.mainWindow = m_mainWindow;
     if (auto failure = PrepareLog(settings))
         return failure;
     m_host = std::make_unique<Host>(settings, show.objects, show.resources,

@@ -73,6 +73,9 @@ public:
     /// Leaves out, while the show is opened, what a command that writes the show file tells by itself.
     void SetQuiet(bool quiet) { m_quiet = quiet; }
 
+    /// The window that the module's dialogs belong to; before Open.
+    void SetMainWindow(std::uintptr_t window) { m_mainWindow = window; }
+
     /// Waits until a variable has a value in its text form, a channel its value or another resource its
     /// state, as long as the wait says or for the limit of answers.
     MaybeFailure WaitFor(const ShowWait& wait);
@@ -115,6 +118,7 @@ private:
     std::vector<CheckedCommand> m_stored;
     QStringList m_refusedSetups;
     bool m_quiet = false;
+    std::uintptr_t m_mainWindow = 0;
 };
 
 /// The text of a path for the border: the full path, or one from the working folder when only that can be carried.

@@ -65,6 +65,12 @@ std::optional<Device::Problem> Device::TakeSetup(const std::string& setup) {
     return std::nullopt;
 }
 
+KXPCode Device::ShowSetup() {
+    const KXPCode code = m_device->ShowSetup(nullptr);
+    RefreshDefinition();
+    return code;
+}
+
 bool Device::Start(Milliseconds limit) {
     m_started = true;
     return RunInTime(m_pool.Run([device = m_device] { device->Start(); }), limit, &MainWait::UntilInterrupted);

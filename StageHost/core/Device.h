@@ -52,6 +52,10 @@ public:
     /// @return nothing on success.
     std::optional<Problem> TakeSetup(const std::string& setup);
 
+    /// Opens the device's setup dialog and waits until it is closed; before its start.
+    /// @return as IKXPDevice::ShowSetup.
+    KXPCode ShowSetup();
+
     /// What has become of a stored command in the edition of the driver that the device runs.
     enum class Standing {
         Valid,

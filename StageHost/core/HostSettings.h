@@ -25,6 +25,7 @@ struct HostSettings {
     std::map<std::uint32_t, std::string> folders; ///< by KXPFolder
     Link link = Link::Both;
     LogSettings log;
+    std::uintptr_t mainWindow = 0; ///< parent of the dialogs; 0 for none
 };
 
 } // namespace stagehost

@@ -42,7 +42,7 @@ std::uint32_t RuntimeInfo::GetLogSettings(std::uint32_t* enabled, std::uint32_t*
 }
 
 KXPWindow RuntimeInfo::GetMainWindow() {
-    return 0;
+    return m_settings.mainWindow;
 }
 
 std::uint32_t RuntimeInfo::GetRuntimeInfo(KXPRuntimeInfo* out) {

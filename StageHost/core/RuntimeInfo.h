@@ -15,7 +15,7 @@ public:
     /// A null place is left out; the host has a log when its settings name a file.
     std::uint32_t GetLogSettings(std::uint32_t* enabled, std::uint32_t* writerId, char* path, std::uint32_t* levelBits,
                                  std::uint32_t* option) override;
-    /// 0: this form of the host has no windows.
+    /// 0 for a host that shows no windows.
     KXPWindow GetMainWindow() override;
     /// @return 0 for a null record and for one of another size than 252.
     std::uint32_t GetRuntimeInfo(KXPRuntimeInfo* out) override;
