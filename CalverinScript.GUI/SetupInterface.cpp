@@ -13,10 +13,16 @@
 
 namespace {
 
-/// A host without windows has an application object that cannot show any.
+/// Whether windows go where nobody sees them, without that anybody asked for it.
+bool IsWithoutScreen() {
+    return QGuiApplication::platformName() == QLatin1String("offscreen") &&
+           !qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+/// A host without windows, or without a screen, would wait for ever for a dialog that nobody can close.
 bool CanShowDialogs() {
     const auto* application = qobject_cast<QApplication*>(QCoreApplication::instance());
-    return application != nullptr && application->thread() == QThread::currentThread();
+    return application != nullptr && application->thread() == QThread::currentThread() && !IsWithoutScreen();
 }
 
 KXPWindow MainWindowOf(IMInterface* host) {

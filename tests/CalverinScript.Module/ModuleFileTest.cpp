@@ -19,7 +19,7 @@ namespace {
 
 /// What the module file may show: the entry point, and all of the classes that it shares with others.
 constexpr const char* kAllowedNames[] = {KXP_ENTRY_POINT_NAME};
-constexpr const char* kAllowedClasses[] = {"10CodeEditor", "14LineNumberArea"};
+constexpr const char* kAllowedClasses[] = {"10CodeEditor", "14LineNumberArea", "10QWinWidget"};
 
 std::string ReadFile(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);

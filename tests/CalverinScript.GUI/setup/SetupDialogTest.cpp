@@ -537,6 +537,16 @@ TEST_F(TheSetupDialog, AHungScriptOfTheDeviceDoesNotHoldItUp) {
     EXPECT_TRUE(Eventually([] { return MCalverinScript_Device::SweepAbandoned() == 0; }));
 }
 
+TEST_F(TheSetupDialog, DoesNotOpenWhereThereIsNoScreen) {
+    GivenScript(kDriver);
+    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+    if (platform != "offscreen")
+        GTEST_SKIP() << "there is one";
+    qunsetenv("QT_QPA_PLATFORM"); // the platform was chosen for want of another
+    EXPECT_EQ(device->ShowSetupDialog(nullptr), 13u);
+    qputenv("QT_QPA_PLATFORM", platform);
+}
+
 TEST_F(TheSetupDialog, OpensOnceForADeviceAtATime) {
     GivenScript(kDriver);
     Show([&](QWidget& dialog) {

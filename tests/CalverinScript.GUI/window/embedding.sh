@@ -28,6 +28,7 @@ window_of() { xdotool search --onlyvisible --name "$1" | tail -n 1; }
 is_active() { [ "$(xdotool getactivewindow getwindowname)" = "$1" ]; }
 is_gone() { ! xdotool search --onlyvisible --name "$1"; }
 lines_are() { [ "$(grep -c '^code' "$work/host.log")" = "$1" ]; }
+has_manager() { xprop -root _NET_SUPPORTING_WM_CHECK | grep -q '#'; }
 file_is() { [ "$(cat "$1")" = "$2" ]; }
 
 # -displayfd finds a number that nobody uses.
@@ -38,7 +39,7 @@ DISPLAY=:$(cat "$work/display")
 export DISPLAY
 openbox >/dev/null 2>&1 &
 pids+=($!)
-eventually xdotool getactivewindow || true
+eventually has_manager
 QT_QPA_PLATFORM=xcb "$host" "$module" "$work/library" "$work/project" $((rounds + 1)) >"$work/host.log" 2>&1 &
 pids+=($!)
 host_pid=$!
