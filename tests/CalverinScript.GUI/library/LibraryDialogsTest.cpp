@@ -210,7 +210,8 @@ TEST_F(Messages, BothAnswersAcceptAndOnlyTheBoxRejects) {
     const auto ask = [&](std::function<void(QWidget&)> answer) {
         DialogMessage message(nullptr, QStringLiteral("T"), QStringLiteral("Text"), true, true);
         dialogs.Expect(std::move(answer));
-        return std::make_pair(message.exec(), message.GetAnswer());
+        const int result = message.exec();
+        return std::make_pair(result, message.GetAnswer());
     };
     EXPECT_EQ(ask([](QWidget& m) {
                   EXPECT_EQ(TextOf(m, "pushButtonOk"), "&Yes");
