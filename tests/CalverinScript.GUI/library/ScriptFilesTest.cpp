@@ -1,5 +1,6 @@
 #include <fstream>
 #include <iterator>
+#include <tuple>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -49,10 +50,9 @@ protected:
         return {std::istreambuf_iterator<char>(file), {}};
     }
     QStringList Files() const { return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name); }
-    /// To the user that a privileged process becomes.
+    /// To the user that a privileged process becomes; others have it already.
     static void Give(const QString& path) {
-        const bool isRoot = getuid() == 0;
-        ASSERT_TRUE(!isRoot || chown(path.toLocal8Bit().constData(), WithoutPrivileges::kNobody, 0) == 0);
+        std::ignore = chown(path.toLocal8Bit().constData(), WithoutPrivileges::kNobody, 0);
     }
 
     QTemporaryDir folder;

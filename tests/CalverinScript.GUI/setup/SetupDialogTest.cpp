@@ -621,6 +621,7 @@ TEST_F(TheSetupDialog, WorksWithoutAMouse) {
                   QTest::keyClick(&dialog, Qt::Key_E, Qt::AltModifier);
                   EXPECT_EQ(TextOf(dialog, "lineEditDebugInfo"), "Evaluation Ok");
                   QTest::keyClick(&dialog, Qt::Key_N, Qt::AltModifier);
+                  EXPECT_TRUE(QTest::qWaitFor([&] { return !dialog.isVisible(); }, kDeadlineMs));
               }),
               13u);
 }
