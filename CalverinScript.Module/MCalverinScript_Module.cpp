@@ -20,8 +20,8 @@
 #include "MCalverinScript_Device.h"
 #include "ModuleApplication.h"
 #include "ModuleResources.h"
-#include "ThreadPromise.h"
 #include "SetupInterface.h"
+#include "ThreadPromise.h"
 
 namespace {
 

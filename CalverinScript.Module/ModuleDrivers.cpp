@@ -11,8 +11,8 @@
 #include "ModuleFile.h"
 #include "ModuleResources.h"
 #include "ScriptFolders.h"
-#include "ThreadPromise.h"
 #include "SetupInterface.h"
+#include "ThreadPromise.h"
 
 namespace {
 
