@@ -27,7 +27,8 @@ rlim_t AddressSpace() {
     return pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
 }
 
-/// A device's whole life, as far as it gets, with a script that uses what takes threads and memory. Results do not matter, the end does.
+/// A device's whole life, as far as it gets, with a script that uses what takes threads and memory. Results do not
+/// matter, the end does.
 void LiveADevice(IKXPModule& module) {
     IKXPDevice* device = nullptr;
     if (module.CreateDevice(nullptr, &device) != KXP_OK)
