@@ -127,8 +127,7 @@ TEST_F(ResourceLife, AnEventThatWaitsWhenASetupIsReadReachesNeitherObject) {
     EXPECT_EQ(Heard(1), "close");
     OnScriptThread([&] {
         serial.Receive("x");
-        QScriptEngine engine;
-        device->ResolveResources(SettingsOf(AllSettings()), engine);
+        device->ResolveResources(SettingsOf(AllSettings()));
         device->GetEngine()->evaluate(QStringLiteral("var next = get('Serial', 3); next.On('data', hearing('next'));"));
     });
     EXPECT_EQ(HeardAfterAll(), "close");

@@ -60,8 +60,7 @@ protected:
         device->PostTask([engine = device->GetEngine(), script] { engine->evaluate(QString::fromStdString(script)); });
     }
     void WhenNoResourceIsWanted() {
-        QScriptEngine engine;
-        device->ResolveResources({}, engine);
+        device->ResolveResources({});
     }
     /// Calls every method of every kind of object.
     void RunEverything() {

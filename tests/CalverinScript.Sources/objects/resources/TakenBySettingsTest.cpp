@@ -155,8 +155,7 @@ TEST_F(TakenBySettings, ACancelledDialogLeavesThemAsTheyAre) {
 TEST_F(TakenBySettings, WhatADialogHasChosenIsTakenAtOnceAndGivenBackWhenItIsCancelled) {
     GivenSettings({{"Serial", R"({ "ResourceID":3 })"}});
     device->BeginSetup();
-    QScriptEngine engine;
-    device->ResolveResources(SettingsOf({{"DMXOut", R"({ "ResourceID":2 })"}}), engine);
+    device->ResolveResources(SettingsOf({{"DMXOut", R"({ "ResourceID":2 })"}}));
     EXPECT_EQ(out.handlers.Count(), 1u);
     EXPECT_EQ(serial.handlers.Count(), 0u);
     EXPECT_EQ(device->CancelSetup(), KXPCode{KXP_CANCELLED});
