@@ -81,6 +81,7 @@ ShowObjectPtr SerialResource::MakeObject() {
                                            {"Port", ToBorderText(m_path)},
                                            {"Received", std::to_string(status.received)},
                                            {"Sent", std::to_string(status.sent)},
+                                           {"Refused", std::to_string(status.refused)},
                                            {"Problem", ToBorderText(FromOutsideText(status.problem))}};
     };
     return std::make_shared<ResourceObject>(m_voice.Name(), ResourceObject::Behind{read, nullptr, {}, {}});

@@ -1,6 +1,7 @@
 #include "SerialPort.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "SerialWorker.h"
 #include "SettingTable.h"
@@ -24,36 +25,63 @@ SerialPort::SerialPort(const QString& path, SerialNews& news)
 SerialPort::~SerialPort() {
     {
         const std::lock_guard<std::mutex> hold(m_lock);
+        m_opens = m_closes = false; // the end closes it
         DropOrdersLocked();
     }
     m_thread.Run([this] { m_worker.reset(); });
 }
 
 void SerialPort::Open() {
-    m_thread.Post([this] { m_worker->Open(); });
+    Ask([this] { m_opens = true; });
 }
 
 void SerialPort::Close() {
-    {
-        const std::lock_guard<std::mutex> hold(m_lock);
+    Ask([this] {
         m_status.open = false; // what comes from now on is refused
         DropOrdersLocked();
+        m_opens = false;
+        m_closes = true;
+    });
+}
+
+/// Changes what the port's thread has to do, and wakes it unless something waits for it already.
+template <typename Change>
+void SerialPort::Ask(const Change& change) {
+    {
+        const std::lock_guard<std::mutex> hold(m_lock);
+        const bool isAsked = m_opens || m_closes;
+        change();
+        if (isAsked)
+            return;
     }
-    m_thread.Post([this] { m_worker->Close(); });
+    m_thread.Post([this] { m_worker->Settle(); });
 }
 
 bool SerialPort::Write(const std::uint8_t* data, std::size_t size) {
-    {
-        const std::lock_guard<std::mutex> hold(m_lock);
-        if (!m_status.open || size > kMostWaiting - std::min(m_waiting, kMostWaiting))
-            return false;
-        if (size == 0)
-            return true;
+    std::string problem;
+    const bool isQueued = Queue(data, size, problem);
+    if (isQueued)
+        m_thread.Post([this] { m_worker->Work(); });
+    if (!problem.empty())
+        m_news.Told(problem);
+    return isQueued;
+}
+
+/// @param problem gets what people are to be told, if anything.
+bool SerialPort::Queue(const std::uint8_t* data, std::size_t size, std::string& problem) {
+    const std::lock_guard<std::mutex> hold(m_lock);
+    const bool hasRoom = size <= kMostWaiting - std::min(m_waiting, kMostWaiting);
+    if (m_status.open && hasRoom) {
+        if (size != 0)
+            m_orders.push_back({std::string(reinterpret_cast<const char*>(data), size), {}, nullptr});
         m_waiting += size;
-        m_orders.push_back({std::string(reinterpret_cast<const char*>(data), size), {}, nullptr});
+        return true;
     }
-    m_thread.Post([this] { m_worker->Work(); });
-    return true;
+    m_status.refused += size;
+    if (m_status.open && !std::exchange(m_toldFull, m_waiting != 0))
+        problem = "refuses " + std::to_string(size) + " bytes: " + std::to_string(m_waiting) +
+                  " wait already, and at most " + std::to_string(kMostWaiting) + " may wait";
+    return false;
 }
 
 bool SerialPort::Set(SerialSetting setting, std::uint32_t value) {
@@ -101,6 +129,7 @@ void SerialPort::DropOrdersLocked() {
     }
     m_orders.clear();
     m_waiting = 0;
+    m_toldFull = false;
 }
 
 } // namespace stagehost

@@ -18,13 +18,13 @@ class SerialWorker;
 /// What happens on a serial port beside data, numbered as the contract has it.
 enum class SerialEvent { TxEmpty = 1, Break = 2, Cts = 3, Dsr = 4, Error = 5 };
 
-/// Hears of a serial port. Called on the port's thread, without any lock of the port's.
+/// Hears of a serial port. Called without any lock of the port's, on its thread where nothing else is said.
 class SerialNews {
 public:
     virtual void StateChanged() = 0;
     virtual void DataCame(const std::uint8_t* data, std::size_t size) = 0;
     virtual void Happened(SerialEvent event, bool state) = 0;
-    /// Something for people. UTF-8.
+    /// Something for people. UTF-8.   [any]
     virtual void Told(const std::string& text) = 0;
 
 protected:
@@ -36,12 +36,15 @@ struct SerialStatus {
     bool open = false;
     std::uint64_t received = 0; ///< bytes
     std::uint64_t sent = 0;     ///< bytes handed to the system
+    std::uint64_t refused = 0;  ///< bytes of writes that were refused
     std::string problem;        ///< why it is not open though it should be; empty otherwise
 };
 
 /// A serial port of the system with a thread of its own, so that none holds up another.
 ///
 /// - what is written and set happens in the order of the calls: a setting waits until what was written before has left;
+/// - an open or a close that a later one makes pointless is skipped; a close of an open port never is;
+/// - what is refused is counted, and the first of it for want of room is told until all that waits has left;
 /// - a port that is missing, busy or lost is told once and tried again each second until it is closed;
 /// - a setting that the port cannot do is told, and the call says so.
 class SerialPort {
@@ -56,7 +59,8 @@ public:
     void Open();
     void Close();
 
-    /// @return false on a closed port and while more than a megabyte waits to leave.   [any]
+    /// @return false on a closed port, and when more than a megabyte would wait to leave: nothing of it is sent then.
+    /// [any]
     bool Write(const std::uint8_t* data, std::size_t size);
 
     /// Makes a setting. On an open port it comes back when it is in force, or Close or a lost port ends the wait; on a
@@ -83,6 +87,9 @@ private:
         std::shared_ptr<Request> request;
     };
 
+    template <typename Change>
+    void Ask(const Change& change);
+    bool Queue(const std::uint8_t* data, std::size_t size, std::string& problem);
     std::chrono::milliseconds PatienceLocked() const;
     static void Finish(const std::shared_ptr<Request>& request, bool result);
     void DropOrdersLocked();
@@ -93,6 +100,9 @@ private:
     std::deque<Order> m_orders;
     SerialStatus m_status;
     std::size_t m_waiting = 0;              ///< bytes written and not yet left
+    bool m_toldFull = false;                ///< since all that waited has left last
+    bool m_closes = false;                  ///< the port's thread has to close it
+    bool m_opens = false;                   ///< the port's thread has to open it, after the close if there is one
     std::unique_ptr<SerialWorker> m_worker; ///< lives on the thread
     EventThread m_thread;
 };

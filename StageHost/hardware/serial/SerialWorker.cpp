@@ -1,6 +1,7 @@
 #include "SerialWorker.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QFileInfo>
 
@@ -42,6 +43,20 @@ SerialWorker::SerialWorker(const QString& path, SerialPort& port)
 SerialWorker::~SerialWorker() {
     m_serial.disconnect(this);
     m_serial.close();
+}
+
+void SerialWorker::Settle() {
+    bool closes = false;
+    bool opens = false;
+    {
+        const std::lock_guard<std::mutex> hold(m_port.m_lock);
+        closes = std::exchange(m_port.m_closes, false);
+        opens = std::exchange(m_port.m_opens, false);
+    }
+    if (closes)
+        Close();
+    if (opens)
+        Open();
 }
 
 void SerialWorker::Open() {
@@ -147,8 +162,9 @@ bool SerialWorker::WorkOff(std::unique_lock<std::mutex>& hold) {
         m_port.m_status.sent += order.bytes.size();
         m_isSending = true;
         hold.unlock();
+        // It leaves when the system says that there is room. A flush would try at once, and fail on a full line with an
+        // error that cannot be told from a lost port.
         m_serial.write(order.bytes.data(), static_cast<qint64>(order.bytes.size()));
-        m_serial.flush();
         hold.lock();
         return true;
     }
@@ -174,6 +190,10 @@ bool SerialWorker::HasDrained() {
 void SerialWorker::TellTxEmpty() {
     m_isSending = false;
     m_drain.stop();
+    {
+        const std::lock_guard<std::mutex> hold(m_port.m_lock);
+        m_port.m_toldFull = false;
+    }
     m_port.m_news.Happened(SerialEvent::TxEmpty, true);
     Work();
 }
@@ -256,7 +276,7 @@ void SerialWorker::Lose(const QString& why) {
 
 void SerialWorker::SetOpen(bool open, const std::string& problem) {
     const std::lock_guard<std::mutex> hold(m_port.m_lock);
-    m_port.m_status.open = open;
+    m_port.m_status.open = open && !m_port.m_closes; // a close may have been asked for meanwhile
     m_port.m_status.problem = problem;
     if (!open)
         m_port.DropOrdersLocked();

@@ -20,13 +20,15 @@ public:
     SerialWorker(const QString& path, SerialPort& port);
     ~SerialWorker() override;
 
-    void Open();
-    void Close();
+    /// Closes and opens the port as it was asked last.
+    void Settle();
 
     /// Does the orders that can be done now; the others follow by themselves.
     void Work();
 
 private:
+    void Open();
+    void Close();
     bool TryOpen();
     void ApplyAll();
     bool Apply(SerialSetting setting);

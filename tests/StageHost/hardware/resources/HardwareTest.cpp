@@ -181,6 +181,7 @@ TEST_F(AShowsHardware, AMissingPortIsToldByAnEventAndInWords) {
     EXPECT_EQ(port->GetState(), KXP_RESOURCE_CLOSED);
     EXPECT_NE(port->Write(reinterpret_cast<const std::uint8_t*>("x"), 1, 0), KXP_OK);
     EXPECT_EQ(Object("Desk port").Property("Problem"), "there is no such port");
+    EXPECT_EQ(Object("Desk port").Property("Refused"), "1");
     EXPECT_EQ(port->AddHandler(nullptr, 3), KXP_NULL_ARGUMENT);
     port->RemoveHandler(&handler);
 }

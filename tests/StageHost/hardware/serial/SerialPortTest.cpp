@@ -1,6 +1,9 @@
 #include "SerialPort.h"
 
+#include <algorithm>
 #include <future>
+#include <optional>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -22,6 +25,12 @@ protected:
 
     bool Write(const std::string& text) {
         return port->Write(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+    }
+
+    std::size_t Count(const std::string& start) const {
+        const auto all = news.notes.All();
+        return static_cast<std::size_t>(
+            std::count_if(all.begin(), all.end(), [&](const auto& note) { return note.rfind(start, 0) == 0; }));
     }
 
     SerialPair pair;
@@ -146,4 +155,110 @@ TEST_F(ASerialPort, ItIsClosedAndOpenedAgain) {
     port->Open();
     ASSERT_TRUE(news.notes.WaitFor("state", 3));
     EXPECT_TRUE(Write("x"));
+}
+
+TEST_F(ASerialPort, LosesNothingOfManyWritesThatHaveToWait) {
+    Open();
+    SerialPeer peer(pair.Theirs()); // it reads when all has been written, so the line is full meanwhile
+    ASSERT_TRUE(peer.IsOpen());
+    std::string all;
+    for (int block = 0; block < 300; ++block) {
+        const std::string bytes(1024, static_cast<char>('a' + block % 26));
+        ASSERT_TRUE(Write(bytes));
+        all += bytes;
+    }
+    EXPECT_EQ(peer.Read(static_cast<int>(all.size())), QByteArray::fromStdString(all));
+    EXPECT_TRUE(news.notes.WaitFor("event 1 1")); // all has left
+    EXPECT_EQ(Count("lost "), 0u) << testing::PrintToString(news.notes.All());
+    EXPECT_TRUE(port->Status().open);
+}
+
+TEST_F(ASerialPort, LosesNothingOfWritesBetweenBreaksOnAFullLine) {
+    Open();
+    constexpr int kFrames = 60;
+    const std::string half(4096, 'x');
+    const int size = kFrames * 2 * static_cast<int>(half.size());
+    SerialPeer peer(pair.Theirs());
+    auto written = std::async(std::launch::async, [&] {
+        for (int frame = 0; frame < kFrames; ++frame) {
+            if (!Write(half) || !Write(half) || !port->Set(SerialSetting::Break, 1) ||
+                !port->Set(SerialSetting::Break, 0))
+                return false;
+        }
+        return true;
+    });
+    EXPECT_EQ(peer.Read(size).size(), size);
+    EXPECT_TRUE(written.get());
+    EXPECT_EQ(Count("lost "), 0u) << testing::PrintToString(news.notes.All());
+}
+
+TEST_F(ASerialPort, TellsOnceAndCountsWhatGoesBeyondTheMegabyteThatMayWait) {
+    Open();
+    SerialPeer peer(pair.Theirs());
+    ASSERT_TRUE(peer.IsOpen());
+    const std::string big(600000, 'x');
+    for (std::size_t round = 1; round <= 2; ++round) {
+        EXPECT_TRUE(Write(big));
+        EXPECT_FALSE(Write(big));
+        EXPECT_FALSE(Write(big));
+        EXPECT_TRUE(news.notes.WaitFor("refuses 600000 bytes: ", round));
+        EXPECT_EQ(Count("refuses "), round);
+        EXPECT_EQ(port->Status().refused, round * 2 * big.size());
+        EXPECT_EQ(peer.Read(static_cast<int>(round * big.size())).size(), static_cast<int>(round * big.size()));
+        EXPECT_TRUE(news.notes.WaitFor("event 1 1", round)); // all has left, so the next time is told again
+    }
+    EXPECT_TRUE(port->Status().open);
+}
+
+TEST_F(ASerialPort, CountsWhatIsRefusedWhileItIsClosed) {
+    port.emplace(pair.Ours(), news);
+    EXPECT_FALSE(Write("hello"));
+    EXPECT_EQ(port->Status().refused, 5u);
+}
+
+namespace {
+
+/// A port whose thread stands still at its first open until it is let go.
+class ASerialPortThatIsHeldUp : public ASerialPort {
+protected:
+    void OpenAndHold() {
+        news.onState = [this, isFirst = true]() mutable {
+            if (std::exchange(isFirst, false))
+                go.get_future().wait();
+        };
+        Open();
+    }
+
+    /// As many as a script that gets it wrong sends.
+    void OpenAndCloseOften() {
+        for (int count = 0; count < 20000; ++count) {
+            port->Open();
+            port->Close();
+        }
+    }
+
+    std::promise<void> go;
+};
+
+} // namespace
+
+TEST_F(ASerialPortThatIsHeldUp, SkipsEachOpenAndCloseThatALaterOneMakesPointless) {
+    OpenAndHold();
+    OpenAndCloseOften();
+    go.set_value();
+    EXPECT_TRUE(news.notes.WaitFor("state", 2));
+    port.reset();
+    EXPECT_EQ(Count("state"), 2u); // opened, closed
+}
+
+TEST_F(ASerialPortThatIsHeldUp, EndsOpenWhenThatWasAskedForLast) {
+    OpenAndHold();
+    OpenAndCloseOften();
+    port->Open();
+    go.set_value();
+    ASSERT_TRUE(news.notes.WaitFor("state", 3)); // opened, closed, opened
+    EXPECT_TRUE(port->Status().open);
+    EXPECT_TRUE(Write("x"));
+    port.reset();
+    EXPECT_EQ(Count("state"), 3u);
 }
