@@ -74,11 +74,9 @@ void SerialWorker::Close() {
     m_look.stop();
     m_drain.stop();
     m_isSending = false;
-    const bool wasOpen = m_serial.isOpen();
     m_serial.close();
     SetOpen(false, {});
-    if (wasOpen)
-        m_port.m_news.StateChanged();
+    TellState();
 }
 
 bool SerialWorker::TryOpen() {
@@ -103,7 +101,7 @@ bool SerialWorker::TryOpen() {
     if (!m_told.isEmpty())
         m_port.m_news.Told("opens " + m_path.toStdString() + " again");
     m_told.clear();
-    m_port.m_news.StateChanged();
+    TellState();
     return true;
 }
 
@@ -260,6 +258,13 @@ void SerialWorker::LookAtCounters() {
     m_port.m_news.Happened(SerialEvent::Error, true);
 }
 
+/// Tells the state that holds now, unless it was told: a close may have come while the port was being opened.
+void SerialWorker::TellState() {
+    const bool isOpen = m_port.Status().open;
+    if (std::exchange(m_toldOpen, isOpen) != isOpen)
+        m_port.m_news.StateChanged();
+}
+
 /// The port has gone while it was open.
 void SerialWorker::Lose(const QString& why) {
     m_look.stop();
@@ -270,7 +275,7 @@ void SerialWorker::Lose(const QString& why) {
     m_told = why;
     m_port.m_news.Told("lost " + m_path.toStdString() + ": " + why.toStdString());
     m_port.m_news.Happened(SerialEvent::Error, true);
-    m_port.m_news.StateChanged();
+    TellState();
     m_retry.start();
 }
 

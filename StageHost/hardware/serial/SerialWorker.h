@@ -41,6 +41,7 @@ private:
     void LookAtPins();
     void LookAtCounters();
     void TellTxEmpty();
+    void TellState();
     void Lose(const QString& why);
     void SetOpen(bool open, const std::string& problem);
 
@@ -53,6 +54,7 @@ private:
     bool m_wanted = false;
     bool m_hasPins = true; ///< until the port says that it has none
     bool m_isSending = false;
+    bool m_toldOpen = false; ///< the last state that was told
     bool m_pinsKnown = false;
     QSerialPort::PinoutSignals m_pins;
     LineCounters m_counters;
