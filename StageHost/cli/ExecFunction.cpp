@@ -43,7 +43,7 @@ int ExecFunction(const Options& options) {
     if (failure)
         return session.Close(Fail(options.json, failure->exitCode, failure->text));
     if (options.json)
-        PrintJson(ToJson(outcome));
+        PrintJson(session.OutcomeJson(outcome, failure));
     else
         PrintLine(FromBorderText(outcome.result));
     return session.Close(kExitOk);

@@ -24,9 +24,7 @@ MaybeFailure SendTo(Session& session, const Show& show, const QStringList& words
     return failure;
 }
 
-void PrintOutcome(const Options& options, const CommandOutcome& outcome) {
-    if (options.json)
-        return PrintJson(ToJson(outcome));
+void PrintOutcome(const CommandOutcome& outcome) {
     Print(Table({{QStringLiteral("Result:"), FromBorderText(outcome.result)},
                  {QStringLiteral("Status:"), FromBorderText(outcome.status)},
                  {QStringLiteral("Error:"), FromBorderText(outcome.error)}},
@@ -45,7 +43,10 @@ int SendCommand(const Options& options) {
     const auto failure = SendTo(session, show, options.arguments, outcome, sent);
     if (failure && !sent)
         return session.Close(Fail(options.json, failure->exitCode, failure->text));
-    PrintOutcome(options, outcome);
+    if (options.json)
+        PrintJson(session.OutcomeJson(outcome, failure));
+    else
+        PrintOutcome(outcome);
     if (failure)
         PrintProblem(failure->text);
     return session.Close(failure ? failure->exitCode : kExitOk);

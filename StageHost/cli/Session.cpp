@@ -228,6 +228,16 @@ MaybeFailure Session::TellThrown() {
     return Failure{kExitScriptFailed, m_thrown.FirstTold()};
 }
 
+QJsonObject Session::OutcomeJson(const CommandOutcome& outcome, const MaybeFailure& failure) {
+    const MaybeFailure thrown = TellThrown();
+    const MaybeFailure& first = failure ? failure : thrown;
+    QJsonObject json = ToJson(outcome);
+    json.insert(QStringLiteral("ok"), !first);
+    json.insert(QStringLiteral("error"), first ? first->text : QString());
+    json.insert(QStringLiteral("exitCode"), first ? first->exitCode : kExitOk);
+    return json;
+}
+
 /// A driver runs from the start on, so what it throws there is told at once.
 MaybeFailure Session::StartDevice(Device& device) {
     bool started = false;

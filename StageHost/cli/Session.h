@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -87,6 +88,11 @@ public:
     /// Prints what scripts have thrown beside the calls that were made, up to now.
     /// @return the first of it in this run, a failure with 1; nothing when there was none.
     MaybeFailure TellThrown();
+
+    /// A command's end as JSON, with what was thrown beside it up to now: then the run is not "ok", whatever the
+    /// result.
+    /// @param failure the command's own.
+    QJsonObject OutcomeJson(const CommandOutcome& outcome, const MaybeFailure& failure);
 
     /// Stops and releases the devices, ends the module. When something in the module cannot be ended, the process is
     /// left at once, with the exit code given or, when that is 0, with that of "no answer".

@@ -317,11 +317,14 @@ TEST_F(ShowWithADriver, TellsWhatATimerThrowsAsItComesAndEndsWithOne) {
     EXPECT_EQ(host.Json().value(Text("error")).toString(), Text("desk: Uncaught Exception - line:4, message: late"));
 }
 
-TEST_F(ShowWithADriver, ALateAnswerIsGoodWhateverATimerThrowsMeanwhile) {
+TEST_F(ShowWithADriver, ALateAnswerKeepsItsResultWhenATimerThrowsMeanwhile) {
     GivenDriver(kTimers);
     GivenShow();
     Run("send", {Text("desk"), Text("Ask"), Text("--json")});
-    EXPECT_TRUE(host.Json().value(Text("ok")).toBool());
+    EXPECT_FALSE(host.Json().value(Text("ok")).toBool(true));
+    EXPECT_EQ(host.Json().value(Text("exitCode")).toInt(), 1);
+    EXPECT_EQ(host.Json().value(Text("error")).toString(), Text("desk: Uncaught Exception - line:6, message: other"));
+    EXPECT_EQ(host.Json().value(Text("outcome")).toString(), Text("done"));
     EXPECT_EQ(host.Json().value(Text("result")).toString(), Text("good"));
     EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:6, message: other\n"));
     ThenExitCodeIs(1);
