@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
+#include <system_error>
+#include <utility>
 
 namespace logsE {
 
@@ -52,17 +55,26 @@ LogWriter::LogWriter(std::string programName, const LogsERecord& record)
     , m_file(std::fopen(m_path.c_str(), "a"))
     , m_failed(m_file == nullptr) {}
 
+/// Nobody asks a log how it is: that lines are lost is said where people look.
+std::int32_t LogWriter::Judge(bool written) {
+    const int reason = errno;
+    m_failed = !written;
+    if (m_failed && !std::exchange(m_told, true))
+        std::fprintf(stderr, "the log cannot be written: %s: %s\n", m_path.c_str(),
+                     std::error_code(reason, std::generic_category()).message().c_str());
+    return Status();
+}
+
 std::int32_t LogWriter::Write(std::int32_t level, const std::string& source, const std::string& text) {
     if (!m_file)
         return LOGSE_NO_FILE;
     const std::string line = Now() + " [" + std::to_string(level) + "] " + OneLine(source + ": " + text) + "\n";
-    m_failed = std::fwrite(line.data(), 1, line.size(), m_file.get()) != line.size();
-    return m_failed ? LOGSE_NO_FILE : Flush();
+    const bool written = std::fwrite(line.data(), 1, line.size(), m_file.get()) == line.size();
+    return written ? Flush() : Judge(false);
 }
 
 std::int32_t LogWriter::Flush() {
-    m_failed = !m_file || std::fflush(m_file.get()) != 0;
-    return Status();
+    return m_file ? Judge(std::fflush(m_file.get()) == 0) : Status();
 }
 
 std::string LogWriter::StatusText() const {

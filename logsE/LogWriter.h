@@ -13,7 +13,7 @@ class LogWriter {
 public:
     LogWriter(std::string programName, const LogsERecord& record);
 
-    /// Writes one line for a source. @return 0, -2.
+    /// Writes one line for a source. The first that does not reach the file is told on standard error. @return 0, -2.
     std::int32_t Write(std::int32_t level, const std::string& source, const std::string& text);
     std::int32_t Flush();
 
@@ -23,6 +23,8 @@ public:
     std::string StatusText() const;
 
 private:
+    std::int32_t Judge(bool written);
+
     struct Closer {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
@@ -32,6 +34,7 @@ private:
     std::int32_t m_writerId;
     std::unique_ptr<std::FILE, Closer> m_file;
     bool m_failed; ///< the file could not be opened, or the last write did not reach it
+    bool m_told = false;
 };
 
 } // namespace logsE

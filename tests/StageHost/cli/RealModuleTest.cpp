@@ -74,6 +74,18 @@ TEST_F(ScriptAtTheDesk, TellsWhatAFunctionThrows) {
     ThenFails(1, "Script: bad thing");
 }
 
+TEST_F(ScriptAtTheDesk, TellsProgramsWhatATimerThrewBesideAResult) {
+    GivenScript("({ f: function () { var id = QCalverin.PostponeResult();\n"
+                "   QCalverin.SetTimeout(function () { throw new Error('other'); }, 1);\n"
+                "   QCalverin.SetTimeout(function () { QCalverin.SetResult(id, 'good'); }, 600); } })");
+    Exec({Text("f")}, {Text("--json")});
+    EXPECT_EQ(host.ExitCode(), 1);
+    EXPECT_FALSE(host.Json().value(Text("ok")).toBool(true));
+    EXPECT_EQ(host.Json().value(Text("exitCode")).toInt(), 1);
+    EXPECT_EQ(host.Json().value(Text("error")).toString(), Text("script: Uncaught Exception - line:2, message: other"));
+    EXPECT_EQ(host.Json().value(Text("result")).toString(), Text("good"));
+}
+
 TEST_F(ScriptAtTheDesk, TellsAMissingFunction) {
     GivenScript("({ _hidden: function () { return 1; } })");
     Exec({Text("nothing")});
@@ -156,6 +168,22 @@ TEST_F(ScriptAtTheDesk, KeepsTheLogInAFile) {
     Exec({Text("f")}, {Text("--log-file"), log});
     ThenResultIs("1");
     EXPECT_GT(QFileInfo(log).size(), 0);
+}
+
+TEST_F(ScriptAtTheDesk, TellsOnceThatTheLogCannotBeWritten) {
+    GivenScript("({ f: function () { for (var i = 0; i < 9; ++i) QCalverin.TraceMessage('x', 'ERROR'); return 1; } })");
+    for (const char* words : {"--log-file \"$2\" exec", "exec"}) {
+        SCOPED_TRACE(words);
+        QProcess shell; // files grow no more, as on a full disk
+        shell.start(Text("/bin/sh"),
+                    {Text("-c"), Text("trap '' XFSZ; ulimit -f 0; exec \"$0\" ") + Text(words) + Text(" \"$1\" f"),
+                     Text(STAGEHOST_BIN "/stagehost"), script, host.Folder() + Text("/full.log")});
+        ASSERT_TRUE(shell.waitForFinished(60000));
+        EXPECT_EQ(shell.exitCode(), 0);
+        EXPECT_EQ(shell.readAllStandardOutput().toStdString(), "1\n");
+        const QByteArray errors = shell.readAllStandardError();
+        EXPECT_EQ(errors.count("the log cannot be written: "), 1) << errors.toStdString();
+    }
 }
 
 TEST_F(ScriptAtTheDesk, KeepsTheLogInAFileWithAnAccentInItsName) {
