@@ -45,13 +45,26 @@ int BadUse(const Options& options, const QString& problem) {
                         .arg(FindCommand(options.command) == nullptr ? QString() : options.command + QLatin1Char(' ')));
 }
 
+int NoCommand(const Options& options, const QString& name) {
+    return BadUse(options, QStringLiteral("there is no command \"%1\"").arg(name));
+}
+
+/// The help of a command, as "help COMMAND" or "COMMAND --help", or of the program.
+int Help(const Options& options) {
+    const bool isCommand = options.command == QLatin1String("help");
+    const QString name = isCommand ? options.arguments.value(0) : options.command;
+    const Command* command = FindCommand(name);
+    if (command == nullptr && !name.isEmpty() && name != QLatin1String("help"))
+        return NoCommand(options, name);
+    Print(HelpText(command));
+    return kExitOk;
+}
+
 /// What the arguments ask for without any device; nothing when a command has to run.
 std::optional<int> AnswerAtOnce(const Options& options, const QString& problem) {
     const Command* command = FindCommand(options.command);
-    if (options.help || options.command == QLatin1String("help")) {
-        Print(HelpText(options.help ? command : FindCommand(options.arguments.value(0))));
-        return kExitOk;
-    }
+    if (options.help || options.command == QLatin1String("help"))
+        return Help(options);
     if (options.version) {
         PrintLine(QStringLiteral("stagehost " STAGEHOST_VERSION));
         return kExitOk;
@@ -61,8 +74,10 @@ std::optional<int> AnswerAtOnce(const Options& options, const QString& problem) 
     if (options.command.isEmpty())
         return BadUse(options, QStringLiteral("there is no command"));
     if (command == nullptr)
-        return BadUse(options, QStringLiteral("there is no command \"%1\"").arg(options.command));
+        return NoCommand(options, options.command);
     const int count = options.arguments.size();
+    if (command->tooMany != nullptr && count > command->most)
+        return BadUse(options, QLatin1String(command->tooMany));
     if (count < command->fewest || (command->most >= 0 && count > command->most))
         return BadUse(options, QStringLiteral("the form is: stagehost %1 %2")
                                    .arg(QLatin1String(command->name), QLatin1String(command->form)));

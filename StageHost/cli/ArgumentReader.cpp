@@ -74,6 +74,10 @@ QString ArgumentReader::Read(const QStringList& words) {
     m_options.arguments = rest.mid(1);
     if (!understood)
         return parser.errorText();
+    for (const char* name : {"log-file", "module"}) {
+        if (isSet(name) && value(name).isEmpty())
+            return QStringLiteral("--%1 needs the name of a file").arg(QLatin1String(name));
+    }
     const QString problem = isSet("timeout") ? ReadTimeout(value("timeout")) : QString();
     return problem.isEmpty() && isSet("link") ? ReadLink(value("link")) : problem;
 }

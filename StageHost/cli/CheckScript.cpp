@@ -6,15 +6,16 @@
 namespace stagehost {
 
 /// The contract carries neither settings nor descriptions to a host, so the module's own program beside this one looks
-/// into the script and says what is in it, on the same output.
+/// into the script and says what is in it. What it prints is printed here, where it is known what becomes of it.
 int CheckScript(const Options& options) {
     const QString file = options.arguments.first();
     if (auto failure = CheckReadable(file))
         return Fail(options.json, failure->exitCode, failure->text);
     QProcess checker;
-    checker.setProcessChannelMode(QProcess::ForwardedChannels);
+    checker.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     if (auto failure = RunChecker(checker, file, options.json, options.timeout))
         return Fail(options.json, failure->exitCode, failure->text);
+    Print(QString::fromUtf8(checker.readAllStandardOutput()));
     return checker.exitCode();
 }
 

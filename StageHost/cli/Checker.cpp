@@ -1,9 +1,7 @@
 #include "Checker.h"
 
-#include <algorithm>
-#include <limits>
-
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 
 #include "ExitCodes.h"
@@ -16,8 +14,22 @@ namespace {
 /// What the program that looks into the script gets beyond the time that the script has.
 constexpr int kGraceMs = 3000;
 
+constexpr int kLookForInterruptMs = 50; // a signal wakes nobody
+
 QString CheckerPath() {
     return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("calverincheck"));
+}
+
+/// @return whether the process has ended by itself. It is over in any case.
+bool HasEnded(QProcess& process, qint64 limitMs) {
+    const QDeadlineTimer deadline(limitMs);
+    while (!deadline.hasExpired() && !Interrupt::HasCome()) {
+        if (process.waitForFinished(kLookForInterruptMs) || process.state() == QProcess::NotRunning)
+            return true;
+    }
+    process.kill();
+    process.waitForFinished();
+    return false;
 }
 
 } // namespace
@@ -26,17 +38,15 @@ MaybeFailure RunChecker(QProcess& process, const QString& file, bool json, std::
     QStringList words{QStringLiteral("--timeout"), QString::number(limit.count())};
     if (json)
         words.append(QStringLiteral("--json"));
+    const Interrupt interrupt;
     process.start(CheckerPath(), words << QStringLiteral("--") << file);
     if (!process.waitForStarted())
         return Failure{kExitNoModule, CheckerPath() + QStringLiteral(": ") + process.errorString()};
-    const qint64 wait = std::min<qint64>(limit.count() + kGraceMs, std::numeric_limits<int>::max());
-    if (!process.waitForFinished(static_cast<int>(wait))) {
-        process.kill();
-        process.waitForFinished();
-        return Failure{kExitNoAnswer, QStringLiteral("no answer within %1 ms").arg(limit.count())};
-    }
+    const bool ended = HasEnded(process, limit.count() + kGraceMs);
     if (Interrupt::HasCome())
         return Failure{kExitNoAnswer, QStringLiteral("interrupted")};
+    if (!ended)
+        return Failure{kExitNoAnswer, QStringLiteral("no answer within %1 ms").arg(limit.count())};
     if (process.exitStatus() != QProcess::NormalExit)
         return Failure{kExitScriptFailed, QStringLiteral("the script brought the check to an end by force")};
     return std::nullopt;

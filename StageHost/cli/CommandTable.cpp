@@ -19,7 +19,7 @@ constexpr Command kCommands[] = {
     {"exec", "FILE.js FUNCTION [ARG...]", "runs one function of a script with up to 8 arguments and prints its result",
      "stagehost exec lights.js fadeTo 50 2.5\n"
      "stagehost exec --timeout 500 lights.js fadeTo -5   (all words behind FUNCTION reach the function as text)",
-     2, 2 + 8, &ExecFunction},
+     2, 2 + 8, &ExecFunction, "a function takes at most 8 arguments"},
     {"check", "FILE.js",
      "tells what a script publishes (commands with their parameters and limits, variables, settings) and what\n"
      "it says in vain; or, if it does not load, the error and its line",
@@ -47,7 +47,7 @@ constexpr Command kCommands[] = {
      1, kAny, &ShowVariables},
     {"setup", "SHOW.json [DEVICE [SETTING=VALUE...]]",
      "writes the setups of the devices into the show file, with their drivers as they are now",
-     "stagehost setup examples/driver/show.json\n"
+     "stagehost setup show.json\n"
      "stagehost setup show.json desk address=10.0.0.7 port=9000\n"
      "stagehost setup --window show.json desk   (in the device's setup dialog)",
      1, kAny, &KeepSetups},

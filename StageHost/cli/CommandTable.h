@@ -15,6 +15,7 @@ struct Command {
     int fewest;           ///< words behind the name
     int most;             ///< -1 for any number
     int (*run)(const Options& options);
+    const char* tooMany = nullptr; ///< what is said of more words where the form does not say it
 };
 
 /// The command of that name, or null.

@@ -105,6 +105,8 @@ LineOutcome LiveShow::RampLine(const QStringList& words) {
     const auto channel = m_session.TheHost().Model().FindResource(ToBorderText(words.at(0)));
     if (!channel)
         return {kExitBadUse, QStringLiteral("the show has no channel \"%1\"").arg(words.at(0))};
+    if (!channel->CanRamp())
+        return {kExitBadUse, QStringLiteral("\"%1\" is no channel").arg(words.at(0))};
     const auto to = ParseWholeNumber(ToBorderText(words.at(1)));
     const auto time = ParseWholeNumber(ToBorderText(words.at(2)));
     if (!time || *time < 0)

@@ -1,5 +1,6 @@
 #include "Output.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <deque>
 
@@ -18,7 +19,8 @@ constexpr int kLongestCell = 60;
 constexpr int kStandardOutput = 1; // descriptors of every process
 constexpr int kStandardError = 2;
 
-bool resultIsLost = false; // host main alone
+bool outputIsClosed = false; // both of host main alone
+bool resultIsLost = false;
 
 bool Write(std::FILE* stream, const QString& text) {
     const QByteArray bytes = text.toUtf8();
@@ -27,10 +29,11 @@ bool Write(std::FILE* stream, const QString& text) {
 }
 
 void WriteResult(const QString& text) {
-    if (Write(stdout, text) || resultIsLost)
+    if (resultIsLost || text.isEmpty() || (!outputIsClosed && Write(stdout, text)))
         return;
     resultIsLost = true;
-    Write(stderr, QStringLiteral("the output cannot be written: %1\n").arg(qt_error_string()));
+    PrintProblem(QStringLiteral("the output cannot be written: %1")
+                     .arg(outputIsClosed ? qt_error_string(EBADF) : qt_error_string()));
 }
 
 QString RefusalText(KXPCode code, const QString& command) {
@@ -77,7 +80,7 @@ void HoldStandardChannels() {
         if (descriptor > kStandardError)
             held.pop_back();
         if (descriptor == kStandardOutput)
-            resultIsLost = true;
+            outputIsClosed = true;
     }
 }
 

@@ -31,6 +31,9 @@ public:
     /// Sets what can be set. @return 0, 67 nothing can be set, 68 the value is not taken.
     KXPCode SetValue(const std::string& value);
 
+    /// Whether it is a channel, whose value Ramp moves.
+    bool CanRamp() const { return static_cast<bool>(m_behind.ramp); }
+
     /// Moves the value. @return 0, 67 there is nothing to move, 68 the value is not taken.
     KXPCode Ramp(std::int32_t to, std::chrono::milliseconds time);
 

@@ -3,7 +3,7 @@
 namespace stagehost {
 
 /// Notes Ctrl-C, and the system's request to end, instead of
-/// ending the program at once. A second one ends it.   [host main]
+/// ending the program at once, while an object stands. A second one ends it.   [host main]
 class Interrupt {
 public:
     Interrupt();

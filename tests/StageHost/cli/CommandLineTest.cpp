@@ -208,6 +208,31 @@ TEST_F(CommandLine, CheckGivesJson) {
     EXPECT_FALSE(host.Json().value(Text("error")).isNull());
 }
 
+TEST_F(CommandLine, CheckEndsItsOwnProgramWhenItIsInterrupted) {
+    host.Begin(List({"check", "--timeout", "50000"}) +
+               QStringList{host.File(Text("loop.js"), "print('here'); while (true) {}")});
+    ASSERT_TRUE(host.WaitForErrors("here"));
+    const QString child = host.Child();
+    ASSERT_FALSE(child.isEmpty());
+    host.Interrupt();
+    host.Finish();
+    EXPECT_EQ(host.ExitCode(), 3);
+    EXPECT_TRUE(host.Errors().contains(Text("interrupted"))) << host.Errors().toStdString();
+    EXPECT_FALSE(QFile::exists(Text("/proc/") + child));
+}
+
+TEST_F(CommandLine, CheckDoesNotAccuseTheScriptWhenTheReaderOfItsOutputHasGone) {
+    QProcess shell;
+    shell.start(Text("/bin/sh"), {Text("-c"),
+                                  Text("mkfifo \"$2\"\n"
+                                       "( read go <\"$2\"; \"$0\" check \"$1\"; echo \"code $?\" >&2 ) |\n"
+                                       "( exec <&-; echo go >\"$2\" )"),
+                                  Text(STAGEHOST_BIN "/stagehost"), host.File(Text("good.js"), "({})"),
+                                  host.Folder() + Text("/reader-has-gone")});
+    ASSERT_TRUE(shell.waitForFinished(60000));
+    EXPECT_EQ(shell.readAllStandardError().toStdString(), "code 141\n"); // as any program that SIGPIPE ends
+}
+
 TEST_F(CommandLine, CheckSurvivesAScriptThatBringsItsEngineDown) {
     const QString bomb = host.File(Text("bomb.js"), "var s = ''; for (var i = 0; i < 20000; ++i) s += '(';"
                                                     "for (i = 0; i < 20000; ++i) s += ')'; new RegExp(s);");
@@ -247,6 +272,10 @@ TEST_F(CommandLine, BadUseGivesTwo) {
         List({"check", "--link", "all"}) + QStringList{script},
         List({"check", "--unknown"}) + QStringList{script},
         List({"exec", "--log-file", "/nowhere/x.log"}) + QStringList{script, Text("echo")},
+        List({"exec", "--log-file", ""}) + QStringList{script, Text("echo")},
+        List({"exec", "--module", ""}) + QStringList{script, Text("echo")},
+        List({"nonsense", "--help"}),
+        List({"help", "nonsense"}),
     };
     for (const auto& words : uses) {
         SCOPED_TRACE(words.join(QLatin1Char(' ')).toStdString());
@@ -258,6 +287,11 @@ TEST_F(CommandLine, BadUseGivesTwo) {
         EXPECT_EQ(host.ExitCode(), 2);
         EXPECT_EQ(host.Json().value(Text("exitCode")).toInt(), 2) << host.Output().toStdString();
     }
+}
+
+TEST_F(CommandLine, ExecSaysHowManyArgumentsAFunctionTakes) {
+    Exec("echo", List({"1", "2", "3", "4", "5", "6", "7", "8", "9"}));
+    Fails(2, "a function takes at most 8 arguments");
 }
 
 TEST_F(CommandLine, AModuleThatCannotBeUsedGivesFour) {
@@ -320,6 +354,8 @@ TEST_F(CommandLine, SendGivesJsonAlsoWhenThereIsNoAnswer) {
     EXPECT_EQ(host.ExitCode(), 3);
     EXPECT_EQ(host.Json().value(Text("outcome")).toString(), Text("no answer"));
     EXPECT_EQ(host.Json().value(Text("status")).toString(), Text("Executing"));
+    EXPECT_EQ(host.Json().value(Text("exitCode")).toInt(), 3);
+    EXPECT_TRUE(host.Json().value(Text("error")).toString().startsWith(Text("no answer to ")));
 }
 
 TEST_F(CommandLine, DefinitionShowsCommandsAndVariables) {
@@ -487,16 +523,19 @@ TEST_F(CommandLine, RefusesAtOnceWhatIsNoFile) {
     Fails(2, "cannot write the log /dev/full: it is no regular file");
 }
 
-TEST_F(CommandLine, AResultThatCouldNotBeWrittenIsNoSuccess) {
+TEST_F(CommandLine, AResultThatCouldNotBeWrittenIsToldAndNoSuccess) {
+    const QString driver = host.File(Text("driver.js"), "({})");
     for (const char* output : {">/dev/full", ">&-"}) {
-        for (const char* words : {"--help", "exec \"$1\" hello", "--json exec \"$1\" hello"}) {
+        for (const char* words :
+             {"--help", "exec \"$1\" hello", "--json exec \"$1\" hello", "check \"$3\"", "check --json \"$3\""}) {
             SCOPED_TRACE(std::string(words) + output);
             QProcess shell;
             shell.start(Text("/bin/sh"),
                         {Text("-c"), Text("\"$0\" --module \"$2\" ") + Text(words) + Text(output),
-                         Text(STAGEHOST_BIN "/stagehost"), script, Text(STAGEHOST_BIN "/fakemodule.kxp6")});
+                         Text(STAGEHOST_BIN "/stagehost"), script, Text(STAGEHOST_BIN "/fakemodule.kxp6"), driver});
             ASSERT_TRUE(shell.waitForFinished(60000));
             EXPECT_EQ(shell.exitCode(), 2);
+            EXPECT_EQ(shell.readAllStandardError().count("the output cannot be written: "), 1);
         }
     }
 }

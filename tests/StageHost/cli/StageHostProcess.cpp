@@ -60,6 +60,11 @@ bool StageHostProcess::WaitForErrors(const char* text) {
     return more;
 }
 
+QString StageHostProcess::Child() const {
+    QFile children(QStringLiteral("/proc/%1/task/%1/children").arg(m_process->processId()));
+    return children.open(QIODevice::ReadOnly) ? QString::fromLatin1(children.readAll()).trimmed() : QString();
+}
+
 void StageHostProcess::Finish() {
     m_process->closeWriteChannel();
     const bool ended = m_process->state() == QProcess::NotRunning || m_process->waitForFinished(kLongestRun);

@@ -158,6 +158,9 @@ TEST_F(Watching, SetsRampsAndShowsResources) {
     EXPECT_EQ(host.ExitCode(), 2);
     Say("ramp Nothing 1 1\n");
     EXPECT_TRUE(host.Errors().contains(Text("the show has no channel \"Nothing\"")));
+    Say("ramp Console 1 1\n");
+    EXPECT_EQ(host.ExitCode(), 2);
+    EXPECT_TRUE(host.Errors().contains(Text("\"Console\" is no channel"))) << host.Errors().toStdString();
     Say("play\nget House.Door\n");
     EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
     EXPECT_TRUE(Lines().contains(Text("Value: 1")));
