@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs what a page shows: each js block under the file name in its first line, each line of a console block that begins with
-# "$ ./run " or "$ stagehost ", whose output must be the lines below it; "..." stands for any lines to the end. The examples are there.
+# "$ ./run " or "$ stagehost ", whose output must be the lines below it, and each that begins with "$ cp -r "; "..." stands for any
+# lines to the end. The examples are there, and a page leaves them as they are.
 #   readme_snippets.sh PAGE STAGEHOST EXAMPLES
 set -euo pipefail
 page=$(realpath "$1")
@@ -31,9 +32,11 @@ while IFS= read -r line; do
     case $line in
         '$ ./run '*) compare; command=${line#'$ ./run '}; expected= ;;
         '$ stagehost '*) compare; command=${line#'$ stagehost '}; expected= ;;
+        '$ cp -r '*) compare; command=; eval "${line#'$ '}" ;;
         *) expected+=$line$'\n' ;;
     esac
 done <console
 compare
+diff -r "$examples" examples || { echo "$page changes the examples"; exit 1; }
 [ "$ran" -gt 0 ] || { echo "$page shows no commands"; exit 1; }
 echo "$ran commands of $page do what they show"
