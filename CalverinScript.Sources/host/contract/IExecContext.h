@@ -15,7 +15,9 @@ class IExecContext : public IMInterface {
 public:
     /// Stores the request's result code, before End. @return 0.   [any]
     virtual KXPCode SetErrorCode(KXPCode code) = 0;
-    /// The request has been taken on. @return 0.   [any]
+    /// The request has been taken on. A host that will answer 21 calls this before it answers: the module waits for the
+    /// end of a request that was begun, and goes on at once, with the error code as it stands, with one that was not.
+    /// @return 0.   [any]
     virtual KXPCode Begin() = 0;
     /// The request is over: results that were promised are in place. May arrive before the call that carried the
     /// context has returned. @return 0.   [any]

@@ -26,7 +26,8 @@ protected:
 /// A device as the host drives it.
 ///
 /// Order of calls: SetDeviceVariables, SetName, SetSetup when a setup is stored, GetDefinition; then Start,
-/// ExecuteCommand and Stop any number of times; at last Release, before which the host has called Stop.
+/// ExecuteCommand and Stop any number of times; at last Release, before which the host has called Stop. The host makes
+/// the commands and variables of what GetDefinition gives; later changes come through IDeviceVariables::SetDefinition.
 class IKXPDevice : public IMInterface {
 public:
     /// Gives the device its variables, at once after CreateDevice.
@@ -93,12 +94,10 @@ public:
     /// Accepts one command. The work is done later, on the device's command thread, in the order of acceptance.
     /// @param id      the Command ID of the definition.
     /// @param params  borrowed for the call; the values that it hands out must live until the context has ended.
-    /// @param context may be null. For command 3 and user commands
-    /// the device calls Begin now and End when the result is in
-    ///                place, on any thread; for commands 0 to 2 it is not used. Kept alive by the caller until End.
-    /// @return 0 accepted; 1 unknown id, no parameters or too few
-    /// of them, or a track runs; 3 the function does not exist.
-    ///         [any host thread]
+    /// @param context may be null. For command 3 and user commands the device calls Begin now and End, on any thread,
+    ///                when the result is in place; for commands 0 to 2 it is not used. Kept alive until End.
+    /// @return 0 accepted; 1 unknown id, no parameters or too few, or a track runs; 3 the function does not exist,
+    ///         which it does once its script is loaded: "ScriptFunctions" tells when.   [any host thread]
     virtual KXPCode ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) = 0;
 
     /// Frees a text that GetSetup or UpdateCommand gave and clears the pointer. @return 0, or 2 on null.   [host main]
