@@ -64,12 +64,15 @@ void ChannelBank::Flush() {
 }
 
 bool ChannelBank::SetByHand(ChannelType type, std::size_t index, std::int32_t value) {
-    const std::lock_guard<std::mutex> hold(m_lock);
-    Channel& channel = At(type, index);
-    if (!IsWithin(*channel.plan, value))
-        return false;
-    channel.ramp.reset();
-    ChangeLocked(channel, value);
+    {
+        const std::lock_guard<std::mutex> hold(m_lock);
+        Channel& channel = At(type, index);
+        if (!IsWithin(*channel.plan, value))
+            return false;
+        channel.ramp.reset();
+        ChangeLocked(channel, value);
+    }
+    m_thread.Run([] {}); // behind the news of the change
     return true;
 }
 

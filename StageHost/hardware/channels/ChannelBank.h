@@ -43,7 +43,7 @@ public:
     bool SetOutput(ChannelType type, std::size_t index, std::int32_t value);
     void Flush();
 
-    /// What the user sets, at once. @return false beyond the limits.   [any]
+    /// What the user sets, at once; whoever listens has heard of it. @return false beyond the limits.   [any]
     bool SetByHand(ChannelType type, std::size_t index, std::int32_t value);
 
     /// Moves a channel to a value in that time. @return false beyond the limits.   [any]
