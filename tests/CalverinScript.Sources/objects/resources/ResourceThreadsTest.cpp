@@ -59,9 +59,7 @@ protected:
     void WhenTheScriptBegins(const std::string& script) {
         device->PostTask([engine = device->GetEngine(), script] { engine->evaluate(QString::fromStdString(script)); });
     }
-    void WhenNoResourceIsWanted() {
-        device->ResolveResources({});
-    }
+    void WhenNoResourceIsWanted() { device->ResolveResources({}); }
     /// Calls every method of every kind of object.
     void RunEverything() {
         for (const char* call : {"port.Open()",
