@@ -28,6 +28,8 @@ bool TimerPasses::Remove(IThreadTimerHandler* handler) {
     if (static_cast<std::size_t>(found - shared.entries.begin()) < shared.next)
         --shared.next;
     shared.entries.erase(found);
+    removed->removed = true;
+    shared.changed.wait(guard, [&] { return fromPass || !removed->inCall || removed->isLeft; });
     return fromPass || !removed->inCall;
 }
 
@@ -66,6 +68,8 @@ void TimerPasses::LeaveCaller() {
     ++m_shared->caller;
     m_shared->hasCaller = false;
     m_shared->inCall = false;
+    m_shared->current->isLeft = true;
+    m_shared->changed.notify_all();
     m_caller.Detach();
 }
 
@@ -125,12 +129,15 @@ bool TimerPasses::CallAll(Shared& shared, std::uint64_t number, Guard& guard) {
             continue;
         entry->inCall = true;
         shared.inCall = true;
+        shared.current = entry;
         shared.callBegan = Clock::now();
         const std::uint32_t nowMs = shared.nowMs;
         guard.unlock();
         CallOne(*entry->handler, nowMs);
         guard.lock();
-        entry->inCall = false;
+        entry->inCall = entry->isLeft = false;
+        if (entry->removed || shared.caller != number)
+            shared.changed.notify_all();
         if (shared.caller != number)
             return false;
         shared.inCall = false;

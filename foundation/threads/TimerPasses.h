@@ -38,7 +38,8 @@ public:
     /// @return true when it is the only one.
     bool Add(IThreadTimerHandler* handler);
 
-    /// Removes a handler once a running pass is over; at once when a handler of that pass asks.
+    /// Removes a handler once a running pass is over, and waits for a call of it that the next one has begun meanwhile;
+    /// at once when a handler of that pass asks.
     /// @return false when a call of it has been left: it may come back at any time. True when it may be destroyed.
     bool Remove(IThreadTimerHandler* handler);
 
@@ -55,7 +56,9 @@ private:
         explicit Entry(IThreadTimerHandler* called)
             : handler(called) {}
         IThreadTimerHandler* const handler;
-        bool inCall = false; ///< under the shared lock
+        bool inCall = false;  ///< under the shared lock, as are the next two
+        bool isLeft = false;  ///< that call has outlived the patience
+        bool removed = false; ///< somebody may be waiting for that call
     };
 
     /// All under its lock.
@@ -71,6 +74,7 @@ private:
         std::uint32_t nowMs = 0;  ///< of the running pass
         const std::function<bool()>* isStopped = nullptr; ///< of the running pass
         bool inCall = false;                              ///< the caller is in a handler
+        std::shared_ptr<Entry> current;                   ///< that handler
         Clock::time_point callBegan;
     };
     using Guard = std::unique_lock<std::mutex>;

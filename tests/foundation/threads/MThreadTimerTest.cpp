@@ -321,7 +321,7 @@ TEST(MThreadTimer, HandlersComeAndGoWhileItRuns) {
                 if (round % 10 == 0) {
                     EXPECT_TRUE(ticks.HaveReached(1));
                 }
-                timer.RemoveHandler(&ticks);
+                EXPECT_TRUE(timer.RemoveHandler(&ticks)) << "no call has hung, so none is left behind";
             }
         });
     for (auto& user : users)
