@@ -77,6 +77,7 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
         debugger = std::make_unique<ScriptDebugger>(*engine, *agent, entrance);
     else
         StartScriptThread();
+    ModuleShared::Get()->tickTimer.AddHandler(this); // last: from here on the tick looks at all of it
 }
 
 void MCalverinScript_Device::MakeEngine() {
@@ -95,7 +96,7 @@ void MCalverinScript_Device::MakeEngine() {
 }
 
 void MCalverinScript_Device::JoinModule() {
-    ModuleShared::Acquire().tickTimer.AddHandler(this);
+    ModuleShared::Acquire();
     if (module == nullptr)
         return;
     char path[kConfigPathSize] = {};

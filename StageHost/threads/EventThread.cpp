@@ -1,8 +1,34 @@
 #include "EventThread.h"
 
+#include <utility>
+
+#include <QCoreApplication>
+#include <QEvent>
 #include <QEventLoop>
 
 namespace stagehost {
+
+namespace {
+
+/// A loop that is woken by an event that carries nothing: what the threads share stays under the lock of their owner.
+class WakingLoop : public QEventLoop {
+public:
+    explicit WakingLoop(std::function<void()> onWake)
+        : m_onWake(std::move(onWake)) {}
+
+protected:
+    bool event(QEvent* received) override {
+        if (received->type() != QEvent::User)
+            return QEventLoop::event(received);
+        m_onWake();
+        return true;
+    }
+
+private:
+    const std::function<void()> m_onWake;
+};
+
+} // namespace
 
 EventThread::EventThread()
     : m_thread([this] { Serve(); }) {
@@ -22,8 +48,7 @@ void EventThread::Post(std::function<void()> call) {
     const std::lock_guard<std::mutex> hold(m_lock);
     m_calls.push_back(std::move(call));
     if (m_calls.size() == 1 && m_loop != nullptr)
-        QMetaObject::invokeMethod(
-            m_loop, [this] { RunPosted(); }, Qt::QueuedConnection);
+        QCoreApplication::postEvent(m_loop, new QEvent(QEvent::User));
 }
 
 void EventThread::Run(const std::function<void()>& call) {
@@ -43,7 +68,7 @@ void EventThread::Run(const std::function<void()>& call) {
 }
 
 void EventThread::Serve() {
-    QEventLoop loop;
+    WakingLoop loop([this] { RunPosted(); });
     {
         const std::lock_guard<std::mutex> hold(m_lock);
         m_loop = &loop;

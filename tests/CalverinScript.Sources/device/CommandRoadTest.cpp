@@ -26,7 +26,7 @@ class Road : public testing::Test,
 protected:
     Road()
         : MyCommandManager(5000, false, true, [this] { return nowMs; }) {}
-    ~Road() override { road.Stop(); }
+    void TearDown() override { road.Stop(); }
 
     // MyCommandManager, IThreadHandler, ICommandObjectHandler
     using MyCommandManager::ExecuteCommand;

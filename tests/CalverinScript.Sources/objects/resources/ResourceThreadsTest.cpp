@@ -307,19 +307,20 @@ TEST_F(ResourceThreads, AChannelsOpeningThatComesTooLateLeavesNoHandler) {
 }
 
 TEST_F(ResourceThreads, ATickThatIsInsideTheHostIsWaitedForByANewSetup) {
-    GivenPorts();
-    device->Start();
-    GivenHang();
-    Run("get('Serial', 3)");
     std::atomic<bool> isOut{false};
-    std::atomic<bool> first{true};
+    std::atomic<bool> armed{false};
     serial.onGetState = [&] {
-        if (!first.exchange(false))
+        if (!armed.exchange(false))
             return;
         isInside.Give();
         goOn.Wait();
         isOut = true;
     };
+    GivenPorts();
+    device->Start();
+    GivenHang();
+    Run("get('Serial', 3)");
+    armed = true;
     ASSERT_TRUE(isInside.Wait());
     serial.calls.onCall = [&](const std::string& call) {
         if (call == "Close")
