@@ -6,9 +6,9 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 
-#include "Deadline.h"
 #include "HostText.h"
 #include "LimitedRun.h"
+#include "ProcessDeadline.h"
 #include "ScriptReport.h"
 
 namespace {
@@ -93,7 +93,7 @@ int Check(const Request& request) {
     if (bytes.size() > kMostBytes)
         return Fail(request, kBadUse, QStringLiteral("is larger than %1 MB").arg(kMostBytes >> 20));
     const QString text = FromScriptBytes(bytes);
-    Deadline deadline(std::chrono::milliseconds(request.timeoutMs), kNoAnswer, [&request] {
+    ProcessDeadline deadline(std::chrono::milliseconds(request.timeoutMs), kNoAnswer, [&request] {
         Fail(request, kNoAnswer, QStringLiteral("no answer within %1 ms").arg(request.timeoutMs));
     });
     const ScriptReport report = AnalyseScript(text, request.file);

@@ -7,13 +7,13 @@
 #include <thread>
 
 /// Ends the process unless it is met in time. An endless script cannot be talked to, so the process is left at once.
-class Deadline {
+class ProcessDeadline {
 public:
     /// @param onMissed runs on a thread of its own, then the process ends with the exit code.
-    Deadline(std::chrono::milliseconds limit, int exitCode, std::function<void()> onMissed);
-    ~Deadline();
-    Deadline(const Deadline&) = delete;
-    Deadline& operator=(const Deadline&) = delete;
+    ProcessDeadline(std::chrono::milliseconds limit, int exitCode, std::function<void()> onMissed);
+    ~ProcessDeadline();
+    ProcessDeadline(const ProcessDeadline&) = delete;
+    ProcessDeadline& operator=(const ProcessDeadline&) = delete;
 
     /// From here on the deadline counts no more.
     /// @return false when it has been missed: the process is ending, and nothing more is to be done.

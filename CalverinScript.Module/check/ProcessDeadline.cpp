@@ -1,16 +1,16 @@
-#include "Deadline.h"
+#include "ProcessDeadline.h"
 
 #include <cstdlib>
 
-Deadline::Deadline(std::chrono::milliseconds limit, int exitCode, std::function<void()> onMissed)
+ProcessDeadline::ProcessDeadline(std::chrono::milliseconds limit, int exitCode, std::function<void()> onMissed)
     : m_watcher([this, limit, exitCode, missed = std::move(onMissed)] { Watch(limit, exitCode, missed); }) {}
 
-Deadline::~Deadline() {
+ProcessDeadline::~ProcessDeadline() {
     Meet();
     m_watcher.join();
 }
 
-bool Deadline::Meet() {
+bool ProcessDeadline::Meet() {
     const std::lock_guard<std::mutex> guard(m_lock);
     if (m_state == State::Open)
         m_state = State::Met;
@@ -18,7 +18,7 @@ bool Deadline::Meet() {
     return m_state == State::Met;
 }
 
-void Deadline::Watch(std::chrono::milliseconds limit, int exitCode, const std::function<void()>& onMissed) {
+void ProcessDeadline::Watch(std::chrono::milliseconds limit, int exitCode, const std::function<void()>& onMissed) {
     std::unique_lock<std::mutex> guard(m_lock);
     if (m_changed.wait_for(guard, limit, [this] { return m_state != State::Open; }))
         return;
