@@ -4,7 +4,7 @@
 
 namespace stagehost {
 
-FactoryManager::FactoryManager(HostFaces& faces)
+FactoryManager::FactoryManager(FaceTable& faces)
     : HostFace(faces) {
     OfferAs("IObjectFactoryManager");
 }

@@ -12,7 +12,7 @@ namespace stagehost {
 /// The property selectors that the module has made known, by name.
 class FactoryManager final : public HostFace<IObjectFactoryManager> {
 public:
-    explicit FactoryManager(HostFaces& faces);
+    explicit FactoryManager(FaceTable& faces);
 
     /// A name that is known already takes the new factory. @return 0, 2 null argument.
     KXPCode RegisterFactory(const char* name, IObjectFactory* factory) override;

@@ -6,7 +6,7 @@
 
 namespace stagehost {
 
-FolderManager::FolderManager(HostFaces& faces, const HostSettings& settings)
+FolderManager::FolderManager(FaceTable& faces, const HostSettings& settings)
     : HostFace(faces)
     , m_settings(settings) {
     OfferAs("IFolderManager");

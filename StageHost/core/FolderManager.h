@@ -10,7 +10,7 @@ namespace stagehost {
 class FolderManager final : public HostFace<IFolderManager> {
 public:
     /// @param settings must outlive this object and does not change.
-    FolderManager(HostFaces& faces, const HostSettings& settings);
+    FolderManager(FaceTable& faces, const HostSettings& settings);
 
     /// @return valid as long as the host; null for a number that the settings do not have.
     const char* GetFolder(std::uint32_t folderId) override;

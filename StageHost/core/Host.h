@@ -4,10 +4,10 @@
 #include <memory>
 
 #include "CommandWaiter.h"
+#include "FaceTable.h"
 #include "FactoryManager.h"
 #include "FolderManager.h"
 #include "HardwareSpec.h"
-#include "HostFaces.h"
 #include "HostSettings.h"
 #include "LinkManagers.h"
 #include "NameTools.h"
@@ -59,7 +59,7 @@ private:
     const HostSettings m_settings;
     WorkerPool m_pool;
     ChangeFeed m_feed;
-    HostFaces m_faces;
+    FaceTable m_faces;
     FactoryManager m_factories;
     RuntimeInfo m_runtimeInfo;
     FolderManager m_folders;

@@ -2,13 +2,13 @@
 
 namespace stagehost {
 
-OlderLinkManager::OlderLinkManager(HostFaces& faces, RequestDesk& desk)
+OlderLinkManager::OlderLinkManager(FaceTable& faces, RequestDesk& desk)
     : HostFace(faces)
     , m_link(desk) {
     OfferAs("IManagerRemoteManager");
 }
 
-NewerLinkManager::NewerLinkManager(HostFaces& faces, RequestDesk& desk)
+NewerLinkManager::NewerLinkManager(FaceTable& faces, RequestDesk& desk)
     : HostFace(faces)
     , m_desk(desk) {
     OfferAs("IManagerRemoteManager2");

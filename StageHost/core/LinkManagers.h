@@ -14,7 +14,7 @@ namespace stagehost {
 class OlderLinkManager final : public HostFace<IManagerRemoteManager> {
 public:
     /// @param desk must outlive the link.
-    OlderLinkManager(HostFaces& faces, RequestDesk& desk);
+    OlderLinkManager(FaceTable& faces, RequestDesk& desk);
 
     IManagerRemote* GetRemote() override { return &m_link; }
 
@@ -29,7 +29,7 @@ private:
 class NewerLinkManager final : public HostFace<IManagerRemoteManager2> {
 public:
     /// @param desk must outlive the links.
-    NewerLinkManager(HostFaces& faces, RequestDesk& desk);
+    NewerLinkManager(FaceTable& faces, RequestDesk& desk);
 
     KXPCode Reserved1(void* argument) override;
     /// The same link at every call for a device; null for a null device.

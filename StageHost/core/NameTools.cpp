@@ -18,7 +18,7 @@ bool IsNameCharacter(char character) {
 
 } // namespace
 
-NameTools::NameTools(HostFaces& faces)
+NameTools::NameTools(FaceTable& faces)
     : HostFace(faces) {
     OfferAs("IObjectNameTools");
 }

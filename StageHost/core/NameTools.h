@@ -9,7 +9,7 @@ namespace stagehost {
 /// characters that separate names or paths elsewhere: . ; " / \ < > &
 class NameTools final : public HostFace<IObjectNameTools> {
 public:
-    explicit NameTools(HostFaces& faces);
+    explicit NameTools(FaceTable& faces);
 
     KXPCode Reserved1(void* argument) override;
     KXPCode Reserved2(void* argument) override;

@@ -21,7 +21,7 @@ void Store(std::uint32_t* out, std::uint32_t value) {
 
 } // namespace
 
-RuntimeInfo::RuntimeInfo(HostFaces& faces, const HostSettings& settings)
+RuntimeInfo::RuntimeInfo(FaceTable& faces, const HostSettings& settings)
     : HostFace(faces)
     , m_settings(settings) {
     OfferAs("IManagerRuntimeInfo");

@@ -10,7 +10,7 @@ namespace stagehost {
 class RuntimeInfo final : public HostFace<IManagerRuntimeInfo> {
 public:
     /// @param settings must outlive this object and does not change.
-    RuntimeInfo(HostFaces& faces, const HostSettings& settings);
+    RuntimeInfo(FaceTable& faces, const HostSettings& settings);
 
     /// A null place is left out; the host has a log when its settings name a file.
     std::uint32_t GetLogSettings(std::uint32_t* enabled, std::uint32_t* writerId, char* path, std::uint32_t* levelBits,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HostFaces.h"
+#include "FaceTable.h"
 
 namespace stagehost {
 
@@ -9,7 +9,7 @@ namespace stagehost {
 template <typename Interface>
 class HostFace : public Interface {
 public:
-    explicit HostFace(HostFaces& faces)
+    explicit HostFace(FaceTable& faces)
         : m_faces(faces) {}
     virtual ~HostFace() = default;
     HostFace(const HostFace&) = delete;
@@ -23,7 +23,7 @@ protected:
     void OfferAs(const char* name) { m_faces.Offer(name, static_cast<Interface*>(this)); }
 
 private:
-    HostFaces& m_faces;
+    FaceTable& m_faces;
 };
 
 } // namespace stagehost

@@ -5,7 +5,7 @@
 
 namespace stagehost {
 
-VariableManager::VariableManager(HostFaces& faces, ChangeSink* sink)
+VariableManager::VariableManager(FaceTable& faces, ChangeSink* sink)
     : HostFace(faces)
     , m_sink(sink) {
     OfferAs("IVariableManager");

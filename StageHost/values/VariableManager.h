@@ -21,7 +21,7 @@ class VariableManager final : public HostFace<IVariableManager> {
 public:
     /// @param sink hears of every change of every variable as long as it is one of the show's; must outlive the
     /// variables; null for none.
-    explicit VariableManager(HostFaces& faces, ChangeSink* sink = nullptr);
+    explicit VariableManager(FaceTable& faces, ChangeSink* sink = nullptr);
 
     KXPCode Reserved1(void* argument) override;
     IData* FindVariable(const char* name) override;

@@ -2,8 +2,8 @@
 
 #include "DmxListener.h"
 #include "DmxSender.h"
-#include "HandlerList.h"
 #include "IDMXResource.h"
+#include "ModuleHandlers.h"
 #include "ResourceFace.h"
 #include "ResourceObject.h"
 #include "ResourceVoice.h"
@@ -33,7 +33,7 @@ protected:
                               std::int32_t count);
 
     const ResourceVoice m_voice;
-    HandlerList<IDMXResourceHandler> m_handlers;
+    ModuleHandlers<IDMXResourceHandler> m_handlers;
 };
 
 /// A universe that goes out. A closed one takes no levels.

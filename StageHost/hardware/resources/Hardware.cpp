@@ -4,7 +4,7 @@
 
 namespace stagehost {
 
-Hardware::Hardware(const HardwareSpec& spec, HostFaces& faces, ChangeFeed& feed, const ResourceVoice::Say& say)
+Hardware::Hardware(const HardwareSpec& spec, FaceTable& faces, ChangeFeed& feed, const ResourceVoice::Say& say)
     : HostFace(faces) {
     OfferAs("IResourceProvider");
     for (const auto& resource : spec)

@@ -15,7 +15,7 @@ namespace stagehost {
 class Hardware final : public HostFace<IResourceProvider> {
 public:
     /// @param feed must outlive the hardware. @param say hears what is told in words; may be empty.   [host main]
-    Hardware(const HardwareSpec& spec, HostFaces& faces, ChangeFeed& feed, const ResourceVoice::Say& say);
+    Hardware(const HardwareSpec& spec, FaceTable& faces, ChangeFeed& feed, const ResourceVoice::Say& say);
     ~Hardware() override;
 
     IMInterface* GetResource(std::uint32_t kind, std::int32_t resourceId, std::uint32_t subtype) override;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ChannelBank.h"
-#include "HandlerList.h"
 #include "IIOResource.h"
+#include "ModuleHandlers.h"
 #include "ResourceObject.h"
 
 namespace stagehost {
@@ -39,7 +39,7 @@ private:
     const std::size_t m_index;
     IIOResource& m_resource;
     ChannelBank& m_bank;
-    HandlerList<IIOResourceChannelHandler> m_handlers;
+    ModuleHandlers<IIOResourceChannelHandler> m_handlers;
 };
 
 } // namespace stagehost

@@ -3,8 +3,8 @@
 #include <atomic>
 #include <memory>
 
-#include "HandlerList.h"
 #include "IoChannel.h"
+#include "ModuleHandlers.h"
 #include "ResourceFace.h"
 #include "ResourceVoice.h"
 
@@ -32,7 +32,7 @@ private:
     void ValueChanged(ChannelType type, std::size_t index, std::int32_t value) override;
 
     const ResourceVoice m_voice;
-    HandlerList<IResourceHandler> m_handlers;
+    ModuleHandlers<IResourceHandler> m_handlers;
     std::array<std::vector<std::unique_ptr<IoChannel>>, kChannelTypeCount> m_channels; ///< filled once
     ChannelBank m_bank;
 };

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "HandlerList.h"
 #include "HardwareSpec.h"
 #include "ISerialResource.h"
+#include "ModuleHandlers.h"
 #include "ResourceFace.h"
 #include "ResourceObject.h"
 #include "ResourceVoice.h"
@@ -53,7 +53,7 @@ private:
 
     const ResourceVoice m_voice;
     const QString m_path;
-    HandlerList<ISerialResourceHandler> m_handlers;
+    ModuleHandlers<ISerialResourceHandler> m_handlers;
     SerialPort m_port;
 };
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "HostFaces.h"
+#include "FaceTable.h"
 
 using namespace stagehost;
 
@@ -18,7 +18,7 @@ class DeviceVariablesTest : public testing::Test {
 protected:
     std::uint32_t Define(const std::string& variables) { return device.SetDefinition(Xml(variables).c_str()); }
 
-    HostFaces faces;
+    FaceTable faces;
     VariableManager manager{faces};
     DeviceVariables device{"desk", manager};
 };

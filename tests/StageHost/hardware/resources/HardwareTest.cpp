@@ -88,7 +88,7 @@ protected:
     }
 
     QTemporaryDir folder;
-    HostFaces faces;
+    FaceTable faces;
     ChangeFeed feed;
     Notes said;
     AnyHandler handler;

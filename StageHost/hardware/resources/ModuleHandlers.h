@@ -14,7 +14,7 @@ namespace stagehost {
 /// - a handler may remove itself, and add and remove others;
 /// - no lock but the handler's own gate is held while it runs.
 template <typename Handler>
-class HandlerList {
+class ModuleHandlers {
 public:
     /// A handler that is known already keeps its place and gets the new mask.   [any]
     void Add(Handler* handler, std::uint32_t mask = ~0u) {

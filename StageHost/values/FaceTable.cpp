@@ -1,8 +1,8 @@
-#include "HostFaces.h"
+#include "FaceTable.h"
 
 namespace stagehost {
 
-KXPCode HostFaces::Find(const char* name, void** out) const {
+KXPCode FaceTable::Find(const char* name, void** out) const {
     if (name == nullptr || out == nullptr)
         return KXP_BAD_INTERFACE_ARG;
     *out = nullptr;

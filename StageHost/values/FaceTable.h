@@ -10,7 +10,7 @@ namespace stagehost {
 
 /// The names under which the host's root object answers, each with the face behind it. Filled while the host is made
 /// and only read from then on, so it needs no lock.
-class HostFaces {
+class FaceTable {
 public:
     /// Makes a face known; it must outlive the table.   [host main]
     void Offer(const char* name, void* face) { m_faces.emplace_back(name, face); }

@@ -1,4 +1,4 @@
-#include "HandlerList.h"
+#include "ModuleHandlers.h"
 
 #include <future>
 #include <thread>
@@ -17,8 +17,8 @@ struct Handler {
 
 } // namespace
 
-TEST(HandlerList, RemoveWaitsUntilNoOtherThreadIsInside) {
-    HandlerList<Handler> list;
+TEST(ModuleHandlers, RemoveWaitsUntilNoOtherThreadIsInside) {
+    ModuleHandlers<Handler> list;
     Handler handler;
     list.Add(&handler);
     std::promise<void> inside;
@@ -43,8 +43,8 @@ TEST(HandlerList, RemoveWaitsUntilNoOtherThreadIsInside) {
     EXPECT_EQ(handler.calls, 1);
 }
 
-TEST(HandlerList, AHandlerMayRemoveItselfAndOthers) {
-    HandlerList<Handler> list;
+TEST(ModuleHandlers, AHandlerMayRemoveItselfAndOthers) {
+    ModuleHandlers<Handler> list;
     Handler one;
     Handler other;
     list.Add(&one);
@@ -59,8 +59,8 @@ TEST(HandlerList, AHandlerMayRemoveItselfAndOthers) {
     EXPECT_TRUE(list.IsEmpty());
 }
 
-TEST(HandlerList, CallsOnlyThoseWhoWantTheBit) {
-    HandlerList<Handler> list;
+TEST(ModuleHandlers, CallsOnlyThoseWhoWantTheBit) {
+    ModuleHandlers<Handler> list;
     Handler data;
     Handler both;
     list.Add(&data, 1);
