@@ -13,7 +13,7 @@
 #include "MCalverinScript_Device.h"
 #include "Measure.h"
 #include "MScriptMngRemote.h"
-#include "ScriptObject.h"
+#include "ScriptView.h"
 
 namespace {
 
@@ -101,7 +101,7 @@ public:
             auto source = std::make_unique<BenchSource>();
             m_source = source.get();
             m_source->SetListener(QStringLiteral("data"), engine->evaluate(QString::fromLatin1(kListener)));
-            m_device->GetRemote()->GetScriptObjects().Own(std::move(source));
+            m_device->GetRemote()->GetEventSources().Own(std::move(source));
             ready.set_value();
         });
         ready.get_future().wait();

@@ -41,8 +41,8 @@ MScriptMngRemote::MScriptMngRemote(IScriptDevice* scriptDevice, IManagerRemote* 
 /// The script is over and nobody else knows this object any more.
 MScriptMngRemote::~MScriptMngRemote() {
     ResetPostponed();
-    scriptObjects.Release();
-    scriptObjects.DeleteReleased();
+    eventSources.Release();
+    eventSources.DeleteReleased();
     ReleaseAsyncContexts();
     while (HasAnswersUnderWay())
         std::this_thread::yield();
@@ -63,12 +63,12 @@ void MScriptMngRemote::ReleaseScriptObjects() {
     ResetPostponed();
     takenResources.Clear();
     const bool onScriptThread = device == nullptr || QThread::currentThread() == thread();
-    if (!scriptObjects.Release())
+    if (!eventSources.Release())
         return;
     if (onScriptThread)
-        scriptObjects.DeleteReleased();
-    else if (device->PostTask([this] { scriptObjects.DeleteReleased(); }))
-        scriptObjects.WaitUntilDeleted(kReleaseTime);
+        eventSources.DeleteReleased();
+    else if (device->PostTask([this] { eventSources.DeleteReleased(); }))
+        eventSources.WaitUntilDeleted(kReleaseTime);
 }
 
 /// What no task is taken for any more goes with this object.
@@ -77,9 +77,9 @@ void MScriptMngRemote::RetireResources(std::vector<std::unique_ptr<MScriptResour
     if (resources.empty())
         return;
     for (std::unique_ptr<MScriptResource>& resource : resources)
-        scriptObjects.Retire(std::move(resource));
+        eventSources.Retire(std::move(resource));
     if (device != nullptr)
-        device->PostTask([this] { scriptObjects.DeleteReleased(); });
+        device->PostTask([this] { eventSources.DeleteReleased(); });
 }
 
 void MScriptMngRemote::Tick() {
@@ -117,13 +117,13 @@ bool MScriptMngRemote::IsDeviceEnding() const {
     return device != nullptr && device->IsEnding();
 }
 
-bool MScriptMngRemote::IsLiveObject(const MScriptCommonEvent* object) {
-    return scriptObjects.TakeRaised(object);
+bool MScriptMngRemote::TakeRaised(const MScriptCommonEvent* object) {
+    return eventSources.TakeRaised(object);
 }
 
 void MScriptMngRemote::PostScriptEvent(const QString& eventName, const MScriptParamList* params,
                                        MScriptCommonEvent* object) {
-    if (device == nullptr || params == nullptr || object == nullptr || !scriptObjects.CountRaised(object))
+    if (device == nullptr || params == nullptr || object == nullptr || !eventSources.CountRaised(object))
         return;
     MScriptParamList withSource(*params);
     withSource.SetSource(object);
@@ -132,7 +132,7 @@ void MScriptMngRemote::PostScriptEvent(const QString& eventName, const MScriptPa
 
 void MScriptMngRemote::PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
                                         MScriptCommonEvent* object) {
-    if (device == nullptr || object == nullptr || !scriptObjects.CountRaised(object, events.size()))
+    if (device == nullptr || object == nullptr || !eventSources.CountRaised(object, events.size()))
         return;
     for (MScriptParamList& params : events)
         params.SetSource(object);

@@ -7,6 +7,7 @@
 #include <QScriptValue>
 
 #include "ContextRegistry.h"
+#include "EventSources.h"
 #include "IAsyncDeviceExecContextHandler.h"
 #include "IHostServices.h"
 #include "IManagerRemote.h"
@@ -15,7 +16,6 @@
 #include "MIObjectMap.h"
 #include "MyAsyncDeviceExecContext.h"
 #include "MyDeviceExecContext.h"
-#include "ScriptObjects.h"
 #include "ScriptWaits.h"
 #include "TakenResources.h"
 
@@ -174,9 +174,10 @@ public:
 
     // Script objects
     /// The objects that raise events.   [script, but for what it says itself]
-    ScriptObjects& GetScriptObjects() { return scriptObjects; }
-    /// Whether an object that raised an event is still there. Asked once for each event that was posted.   [script]
-    bool IsLiveObject(const MScriptCommonEvent* object);
+    EventSources& GetEventSources() { return eventSources; }
+    /// Takes an event that was posted off the count of its object. @return whether it may be delivered: the object is still there.
+    /// Called once for each.   [script]
+    bool TakeRaised(const MScriptCommonEvent* object);
 
     /// An asynchronous request is over, whoever hears of it: it leaves the list and loses the module's reference. Does nothing for one
     /// that is not in the list, and never touches it.   [any]
@@ -237,7 +238,7 @@ private:
     std::atomic<MyPostponedObject*>
         currentPostponed{}; ///< written by the script thread in a command, read by the command thread
     MIObjectMap postponedMap;
-    ScriptObjects scriptObjects;
+    EventSources eventSources;
     ScriptWaits scriptWaits;
     TakenResources takenResources;
 };

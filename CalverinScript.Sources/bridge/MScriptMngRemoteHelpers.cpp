@@ -101,7 +101,7 @@ QScriptValue MScriptMngRemote::Create() {
         return QScriptValue();
     auto object = std::make_unique<Object>(device != nullptr ? this : nullptr);
     const QScriptValue view = object->ToScript(*engine);
-    scriptObjects.Own(std::move(object));
+    eventSources.Own(std::move(object));
     return view;
 }
 
@@ -118,7 +118,7 @@ QScriptValue MScriptMngRemote::GetResource(const QScriptValue& svSignature) {
         engine != nullptr && device != nullptr ? device->FindResource(svSignature) : nullptr;
     if (resource == nullptr)
         return QScriptValue();
-    if (scriptObjects.Borrow(*resource)) {
+    if (eventSources.Borrow(*resource)) {
         resource->ForgetState();
         takenResources.Add(*resource);
     }

@@ -100,7 +100,7 @@ bool MCalverinScript_Device::SlotExecuteScriptEventCallBack(const QString& name,
     if (ending)
         return false;
     const ScriptEntrance::Entry entry(entrance);
-    if (!remote->IsLiveObject(event))
+    if (!remote->TakeRaised(event))
         return false;
     event->Lock();
     const QScriptValue listener = event->GetListener(name);

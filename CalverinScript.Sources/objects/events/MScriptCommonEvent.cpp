@@ -5,7 +5,7 @@
 
 #include <QObject>
 
-#include "ScriptObject.h"
+#include "ScriptView.h"
 
 MScriptCommonEvent::~MScriptCommonEvent() = default;
 

@@ -12,7 +12,7 @@
 #include "IScriptObjectOwner.h"
 #include "MScriptParamList.h"
 #include "MThreadHTTPClient.h"
-#include "ScriptObject.h"
+#include "ScriptView.h"
 
 namespace {
 

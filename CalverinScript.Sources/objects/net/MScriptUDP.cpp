@@ -12,7 +12,7 @@
 #include "IScriptObjectOwner.h"
 #include "MUDPSocket.h"
 #include "NetCodes.h"
-#include "ScriptObject.h"
+#include "ScriptView.h"
 #include "ScriptWaits.h"
 #include "SocketValues.h"
 

@@ -4,7 +4,7 @@
 
 #include "ByteArrayClass.h"
 #include "Checksum.h"
-#include "ScriptObject.h"
+#include "ScriptView.h"
 #include "XMLDocument.h"
 
 namespace {

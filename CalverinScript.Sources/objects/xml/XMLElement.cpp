@@ -6,7 +6,7 @@
 
 #include "BufferMemory.h"
 #include "GuardedXml.h"
-#include "ScriptObject.h"
+#include "ScriptView.h"
 #include "StoppableLoop.h"
 #include "XmlTree.h"
 

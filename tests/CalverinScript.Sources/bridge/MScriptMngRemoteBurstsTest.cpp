@@ -19,7 +19,7 @@ protected:
     BridgeBursts() {
         auto source = std::make_unique<BurstSource>();
         object = source.get();
-        remote.GetScriptObjects().Own(std::move(source));
+        remote.GetEventSources().Own(std::move(source));
         burst[0].Add(true);
     }
 
@@ -36,15 +36,15 @@ TEST_F(BridgeBursts, GoToTheDeviceInOrderWithTheObjectBehindTheValues) {
 
 TEST_F(BridgeBursts, AreDeliveredInFullWhileTheObjectLives) {
     remote.PostScriptEvents(QStringLiteral("message"), burst, object);
-    EXPECT_TRUE(remote.IsLiveObject(object));
-    EXPECT_TRUE(remote.IsLiveObject(object));
+    EXPECT_TRUE(remote.TakeRaised(object));
+    EXPECT_TRUE(remote.TakeRaised(object));
 }
 
 TEST_F(BridgeBursts, AreDroppedInFullWhenTheObjectIsGone) {
     remote.PostScriptEvents(QStringLiteral("message"), burst, object);
     remote.ReleaseScriptObjects();
-    EXPECT_FALSE(remote.IsLiveObject(object));
-    EXPECT_FALSE(remote.IsLiveObject(object));
+    EXPECT_FALSE(remote.TakeRaised(object));
+    EXPECT_FALSE(remote.TakeRaised(object));
     remote.PostScriptEvents(QStringLiteral("message"), burst, object);
     EXPECT_EQ(device.events.size(), 2U) << "an object that is gone raises nothing";
 }

@@ -30,7 +30,7 @@ protected:
     MScriptCommonEvent* Own() {
         auto object = std::make_unique<Source>(&gone);
         MScriptCommonEvent* const bare = object.get();
-        remote->GetScriptObjects().Own(std::move(object));
+        remote->GetEventSources().Own(std::move(object));
         return bare;
     }
 
@@ -67,16 +67,16 @@ TEST_F(BridgeEvents, OfAnObjectThatIsNotTheScriptsGoNowhere) {
     Source stranger(&other);
     remote->PostScriptEvent(QStringLiteral("data"), &none, &stranger);
     EXPECT_TRUE(device.events.empty());
-    EXPECT_FALSE(remote->IsLiveObject(&stranger));
+    EXPECT_FALSE(remote->TakeRaised(&stranger));
 }
 
 TEST_F(BridgeEvents, EndWithTheRelease) {
     MakeWith(&device);
     MScriptCommonEvent* object = Own();
-    EXPECT_TRUE(remote->IsLiveObject(object));
+    EXPECT_TRUE(remote->TakeRaised(object));
     remote->ReleaseScriptObjects();
     EXPECT_TRUE(gone) << "on its own thread the bridge deletes at once";
-    EXPECT_FALSE(remote->IsLiveObject(object));
+    EXPECT_FALSE(remote->TakeRaised(object));
     EXPECT_TRUE(device.tasks.empty());
 }
 
@@ -85,7 +85,7 @@ TEST_F(BridgeEvents, EndAtOnceWhenAnotherThreadReleasesAndTheScriptThreadDeletes
     MScriptCommonEvent* object = Own();
     std::thread host([this] { remote->ReleaseScriptObjects(); });
     host.join();
-    EXPECT_FALSE(remote->IsLiveObject(object));
+    EXPECT_FALSE(remote->TakeRaised(object));
     ASSERT_EQ(device.tasks.size(), 1u);
     EXPECT_FALSE(gone) << "the wait of the host's thread has an end, and the object waits for its thread";
     device.tasks.front()();

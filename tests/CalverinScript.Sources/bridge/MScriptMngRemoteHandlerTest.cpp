@@ -106,7 +106,7 @@ TEST_F(BridgeHandler, TracesNothingWhileTheLogIsOff) {
 
 TEST_F(BridgeHandler, TakesNoObjectForOneThatIsNotLive) {
     MakeWith(&device, &newer);
-    EXPECT_FALSE(remote->IsLiveObject(nullptr));
+    EXPECT_FALSE(remote->TakeRaised(nullptr));
 }
 
 } // namespace

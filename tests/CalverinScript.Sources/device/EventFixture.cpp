@@ -3,7 +3,7 @@
 #include <QScriptEngine>
 
 #include "MScriptMngRemote.h"
-#include "ScriptObject.h"
+#include "ScriptView.h"
 
 namespace {
 
@@ -42,13 +42,13 @@ QScriptValue EventFixture::Make(QScriptContext* context, QScriptEngine* engine) 
     const auto kind = static_cast<ScriptObjectType>(context->argument(0).toInt32());
     auto source = std::make_unique<EventSource>(remote, kind);
     self->m_source = source.get();
-    remote->GetScriptObjects().Own(std::move(source));
+    remote->GetEventSources().Own(std::move(source));
     return WrapOwnedByHost(*engine, self->m_source);
 }
 
 QScriptValue EventFixture::Take(QScriptContext* /*context*/, QScriptEngine* engine) {
     EventFixture* self = Of(engine);
-    self->device->GetRemote()->GetScriptObjects().Borrow(*self->resource);
+    self->device->GetRemote()->GetEventSources().Borrow(*self->resource);
     return WrapOwnedByHost(*engine, self->resource);
 }
 

@@ -1,4 +1,4 @@
-#include "ScriptObjects.h"
+#include "EventSources.h"
 
 #include <atomic>
 #include <functional>
@@ -38,7 +38,7 @@ protected:
 
     std::string gone;
     LiveSource resource{ScriptObjectType::Serial, "serial", nullptr};
-    ScriptObjects objects;
+    EventSources objects;
 };
 
 TEST_F(LiveObjects, DeliverWhatWasRaised) {
@@ -114,7 +114,7 @@ TEST_F(LiveObjects, LetResourcesLiveWithAnEmptyListenerTable) {
 
 TEST_F(LiveObjects, GoWithTheList) {
     {
-        ScriptObjects own;
+        EventSources own;
         own.Own(std::make_unique<LiveSource>(ScriptObjectType::Udp, "udp", &gone));
     }
     EXPECT_EQ(gone, "udp ");
@@ -135,7 +135,7 @@ TEST_F(LiveObjects, AreWaitedForNoLongerThanTheLimit) {
 /// A destructor waits for a thread that may just be raising an event.
 class Raising : public MScriptCommonEvent {
 public:
-    explicit Raising(ScriptObjects& objects) {
+    explicit Raising(EventSources& objects) {
         m_type = ScriptObjectType::TcpClient;
         m_thread = std::thread([this, &objects] {
             while (!m_stop)
@@ -165,19 +165,19 @@ class FloodedObjects : public LiveObjects {
 protected:
     FloodedObjects() { ends = 0; }
 
-    void Take(ScriptObjects& from, const MScriptCommonEvent* object, std::uint64_t count) {
+    void Take(EventSources& from, const MScriptCommonEvent* object, std::uint64_t count) {
         for (std::uint64_t i = 0; i < count; ++i)
             from.TakeRaised(object);
     }
 
     static inline int ends = 0;
-    ScriptObjects flooded{[] { ++ends; }};
+    EventSources flooded{[] { ++ends; }};
 };
 
 TEST_F(FloodedObjects, TellTheEndOfAFloodOnceWhenItsLastEventIsTaken) {
     flooded.Borrow(resource);
-    ASSERT_TRUE(flooded.CountRaised(&resource, ScriptObjects::kFlood));
-    Take(flooded, &resource, ScriptObjects::kFlood - 1);
+    ASSERT_TRUE(flooded.CountRaised(&resource, EventSources::kFlood));
+    Take(flooded, &resource, EventSources::kFlood - 1);
     EXPECT_EQ(ends, 0);
     EXPECT_TRUE(flooded.TakeRaised(&resource));
     EXPECT_EQ(ends, 1);
@@ -189,8 +189,8 @@ TEST_F(FloodedObjects, TellTheEndOfAFloodOnceWhenItsLastEventIsTaken) {
 TEST_F(FloodedObjects, TellNothingOfManyEventsOfWhichFewWaitAtATime) {
     flooded.Borrow(resource);
     for (std::uint64_t i = 0; i < 3; ++i) {
-        ASSERT_TRUE(flooded.CountRaised(&resource, ScriptObjects::kFlood - 1));
-        Take(flooded, &resource, ScriptObjects::kFlood - 1);
+        ASSERT_TRUE(flooded.CountRaised(&resource, EventSources::kFlood - 1));
+        Take(flooded, &resource, EventSources::kFlood - 1);
     }
     EXPECT_EQ(ends, 0);
 }
@@ -199,11 +199,11 @@ TEST_F(FloodedObjects, TellTheEndOfAFloodOfSeveralObjectsAlsoWhenTheyAreReleased
     LiveSource other(ScriptObjectType::DmxIn, "dmx", nullptr);
     flooded.Borrow(resource);
     flooded.Borrow(other);
-    ASSERT_TRUE(flooded.CountRaised(&resource, ScriptObjects::kFlood - 1));
+    ASSERT_TRUE(flooded.CountRaised(&resource, EventSources::kFlood - 1));
     ASSERT_TRUE(flooded.CountRaised(&other));
     flooded.Release();
     flooded.DeleteReleased();
-    Take(flooded, &resource, ScriptObjects::kFlood - 1);
+    Take(flooded, &resource, EventSources::kFlood - 1);
     EXPECT_EQ(ends, 0);
     EXPECT_FALSE(flooded.TakeRaised(&other));
     EXPECT_EQ(ends, 1);

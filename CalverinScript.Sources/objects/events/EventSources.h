@@ -19,17 +19,17 @@ class MScriptCommonEvent;
 /// - An event of an object that is gone never reaches another object at the same address, nor the same resource taken anew.
 /// - When the last of many events that waited has been taken, what they took goes back to the system.
 /// - Objects go when they are released, in the order TCP clients, UDP objects, resources, HTTP clients, older ones first.
-class ScriptObjects {
+class EventSources {
 public:
     /// How many events have to wait at once for a flood.
     static constexpr std::uint64_t kFlood = 1000;
 
     /// @param afterFlood called on the script thread, under no lock, when nothing of a flood waits any more.
-    explicit ScriptObjects(void (*afterFlood)() = &ReturnFreeMemory);
-    ScriptObjects(const ScriptObjects&) = delete;
-    ScriptObjects& operator=(const ScriptObjects&) = delete;
+    explicit EventSources(void (*afterFlood)() = &ReturnFreeMemory);
+    EventSources(const EventSources&) = delete;
+    EventSources& operator=(const EventSources&) = delete;
     /// Deletes what is left. Nothing may use the script any more.
-    ~ScriptObjects();
+    ~EventSources();
 
     /// Takes an object that the script has made.   [script]
     void Own(std::unique_ptr<MScriptCommonEvent> object);

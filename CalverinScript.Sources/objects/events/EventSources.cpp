@@ -1,4 +1,4 @@
-#include "ScriptObjects.h"
+#include "EventSources.h"
 
 #include <algorithm>
 #include <iterator>
@@ -25,24 +25,24 @@ int ReleaseOrder(ScriptObjectType type) {
 
 } // namespace
 
-ScriptObjects::ScriptObjects(void (*afterFlood)())
+EventSources::EventSources(void (*afterFlood)())
     : m_afterFlood(afterFlood) {}
 
-ScriptObjects::~ScriptObjects() {
+EventSources::~EventSources() {
     Release();
     DeleteReleased();
 }
 
-void ScriptObjects::Own(std::unique_ptr<MScriptCommonEvent> object) {
+void EventSources::Own(std::unique_ptr<MScriptCommonEvent> object) {
     MScriptCommonEvent* const bare = object.get();
     Insert({bare, std::move(object), 0, 0});
 }
 
-bool ScriptObjects::Borrow(MScriptCommonEvent& resource) {
+bool EventSources::Borrow(MScriptCommonEvent& resource) {
     return Insert({&resource, nullptr, 0, 0});
 }
 
-bool ScriptObjects::Insert(Entry entry) {
+bool EventSources::Insert(Entry entry) {
     const std::lock_guard<std::mutex> guard(m_lock);
     if (IsRetired(entry.object))
         return false;
@@ -50,18 +50,18 @@ bool ScriptObjects::Insert(Entry entry) {
     return m_live.try_emplace(entry.object, std::move(entry)).second;
 }
 
-bool ScriptObjects::IsRetired(const MScriptCommonEvent* object) const {
+bool EventSources::IsRetired(const MScriptCommonEvent* object) const {
     const auto isIt = [object](const Entry& entry) { return entry.object == object && entry.owned != nullptr; };
     return std::any_of(m_retired.begin(), m_retired.end(), isIt) ||
            std::any_of(m_released.begin(), m_released.end(), isIt);
 }
 
-void ScriptObjects::NoteStrays(const Entry& entry) {
+void EventSources::NoteStrays(const Entry& entry) {
     if (entry.onTheWay > 0)
         m_strays[entry.object] += entry.onTheWay;
 }
 
-void ScriptObjects::Retire(std::unique_ptr<MScriptCommonEvent> resource) {
+void EventSources::Retire(std::unique_ptr<MScriptCommonEvent> resource) {
     const std::lock_guard<std::mutex> guard(m_lock);
     MScriptCommonEvent* const bare = resource.get();
     const auto isIt = [bare](const Entry& released) { return released.object == bare; };
@@ -77,7 +77,7 @@ void ScriptObjects::Retire(std::unique_ptr<MScriptCommonEvent> resource) {
     m_retired.push_back(std::move(entry));
 }
 
-bool ScriptObjects::CountRaised(const MScriptCommonEvent* object, std::uint64_t count) {
+bool EventSources::CountRaised(const MScriptCommonEvent* object, std::uint64_t count) {
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto found = m_live.find(object);
     if (found == m_live.end())
@@ -88,7 +88,7 @@ bool ScriptObjects::CountRaised(const MScriptCommonEvent* object, std::uint64_t 
     return true;
 }
 
-bool ScriptObjects::TakeRaised(const MScriptCommonEvent* object) {
+bool EventSources::TakeRaised(const MScriptCommonEvent* object) {
     std::unique_lock<std::mutex> guard(m_lock);
     const bool isHere = TakeLocked(object);
     const bool floodIsOver = EndsFlood();
@@ -99,14 +99,14 @@ bool ScriptObjects::TakeRaised(const MScriptCommonEvent* object) {
 }
 
 /// The allocator keeps what a flood took, tens of megabytes in small pieces, for the next one, which may never come.
-bool ScriptObjects::EndsFlood() {
+bool EventSources::EndsFlood() {
     if (m_waiting == 0 || --m_waiting > 0)
         return false;
     return std::exchange(m_mostWaiting, 0) >= kFlood;
 }
 
 /// Events come in the order in which they were counted, so the strays of an address come before those of its next object.
-bool ScriptObjects::TakeLocked(const MScriptCommonEvent* object) {
+bool EventSources::TakeLocked(const MScriptCommonEvent* object) {
     const auto stray = m_strays.find(object);
     if (stray != m_strays.end()) {
         if (--stray->second == 0)
@@ -121,14 +121,14 @@ bool ScriptObjects::TakeLocked(const MScriptCommonEvent* object) {
     return true;
 }
 
-bool ScriptObjects::GoesBefore(const Entry& one, const Entry& other) {
+bool EventSources::GoesBefore(const Entry& one, const Entry& other) {
     const auto rank = [](const Entry& entry) {
         return std::make_tuple(ReleaseOrder(entry.object->GetObjectType()), entry.age);
     };
     return rank(one) < rank(other);
 }
 
-bool ScriptObjects::Release() {
+bool EventSources::Release() {
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto first = static_cast<std::ptrdiff_t>(m_released.size());
     for (auto& live : m_live) {
@@ -139,31 +139,31 @@ bool ScriptObjects::Release() {
     m_live.clear();
     std::move(m_retired.begin(), m_retired.end(), std::back_inserter(m_released));
     m_retired.clear();
-    std::sort(m_released.begin() + first, m_released.end(), &ScriptObjects::GoesBefore);
+    std::sort(m_released.begin() + first, m_released.end(), &EventSources::GoesBefore);
     return !m_released.empty();
 }
 
-void ScriptObjects::Delete(Entry& entry) {
+void EventSources::Delete(Entry& entry) {
     if (entry.owned == nullptr)
         entry.object->ClearListeners();
     entry.owned.reset();
 }
 
 /// Without the lock: an object's destructor waits for its thread, which may be about to raise an event.
-void ScriptObjects::DeleteReleased() {
+void EventSources::DeleteReleased() {
     std::vector<Entry> released;
     {
         const std::lock_guard<std::mutex> guard(m_lock);
         released.swap(m_released);
         m_deleting = true;
     }
-    std::for_each(released.begin(), released.end(), &ScriptObjects::Delete);
+    std::for_each(released.begin(), released.end(), &EventSources::Delete);
     const std::lock_guard<std::mutex> guard(m_lock);
     m_deleting = false;
     m_deleted.notify_all();
 }
 
-bool ScriptObjects::WaitUntilDeleted(std::chrono::milliseconds limit) {
+bool EventSources::WaitUntilDeleted(std::chrono::milliseconds limit) {
     std::unique_lock<std::mutex> guard(m_lock);
     return m_deleted.wait_for(guard, limit, [this] { return m_released.empty() && !m_deleting; });
 }
