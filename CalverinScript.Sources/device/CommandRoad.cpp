@@ -79,6 +79,8 @@ CommandRoad::CommandRoad(MyCommandManager& queue, IThreadHandler& threadBody, IC
 }
 
 void CommandRoad::Start() {
+    if (m_thread.StopRequested() && !m_thread.Wait(kInfinite))
+        m_thread.TakeStopBack();
     m_isMissing = !m_thread.Start(false);
 }
 

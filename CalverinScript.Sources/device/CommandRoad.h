@@ -49,13 +49,17 @@ public:
     CommandRoad(MyCommandManager& queue, IThreadHandler& threadBody, ICommandObjectHandler& contexts,
                 ICommandWork& work, std::size_t stackSize);
 
-    /// Starts the command thread; nothing when it runs.   [any host thread]
+    /// Starts the command thread; nothing when it runs. One that was asked to end, and is still in a handler, is waited
+    /// for; when that thread itself asks, it goes on.   [any host thread, command]
     void Start();
     /// Whether somebody executes what is posted. A thread that the system did not give is asked for again. True while
     /// the road is not started: its commands wait for the start.   [any host thread]
     bool HasThread();
-    /// Ends the command thread behind the command in execution, and drops what waits.   [any host thread, tick]
+    /// Ends the command thread behind the command in execution, and drops what waits. The command thread itself may ask:
+    /// it ends when it is back from what it does.   [any host thread, tick, command]
     void Stop();
+    /// Whether the command thread is out of everything that it was called into.   [any]
+    bool HasEnded() { return m_thread.Wait(0); }
 
     /// Queues a request. @param context of the host, may be null. @return false when no command is taken.   [any]
     bool Post(const ScriptRequest& request, IExecContext* context);

@@ -198,7 +198,7 @@ void MCalverinScript_Device::LetGo() {
 bool MCalverinScript_Device::HasEnded() const {
     const bool threadEnded =
         scriptThread != nullptr ? scriptThread->isFinished() && runState.threadLeft : !entrance.IsInside();
-    return threadEnded && !IsHostInside();
+    return threadEnded && road->HasEnded() && !IsHostInside();
 }
 
 /// The ladder of a script thread's end: requests to the host end, the script is told to abort on its own thread, and what

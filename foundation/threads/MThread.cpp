@@ -76,6 +76,12 @@ bool MThread::Stop(bool /*terminate*/) {
     return true;
 }
 
+void MThread::TakeStopBack() {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    if (m_running && m_thread.IsCurrent())
+        m_stopRequested = false;
+}
+
 bool MThread::Wait(std::uint32_t timeoutMs) {
     SystemThread thread;
     {

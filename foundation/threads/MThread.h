@@ -44,6 +44,9 @@ public:
     /// @return true when there is a thread to ask.
     bool Stop(bool terminate = false);
 
+    /// Takes a request to end back: the body goes on.   [thread: the started one]
+    void TakeStopBack();
+
     /// True from Stop() on, and while no thread runs.
     bool StopRequested() const { return m_stopRequested.load(std::memory_order_acquire); }
 

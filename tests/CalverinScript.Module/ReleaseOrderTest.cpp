@@ -1,4 +1,6 @@
 #include <functional>
+#include <future>
+#include <utility>
 
 #include "Deadline.h"
 #include "MCalverinScript_Device.h"
@@ -120,6 +122,63 @@ TEST_F(ReleaseOrder, AModuleMayBeReleasedFromTheEndOfARequest) {
     ASSERT_EQ(Call("F", &context), KXP_OK);
     ASSERT_TRUE(context.WaitForEnd());
     ExpectRefusals();
+}
+
+TEST_F(ReleaseOrder, ADeviceStaysWhileItsCommandThreadIsInTheEndOfARequest) {
+    Start("({ F: function() { return 1 } })");
+    BusyContext context;
+    std::promise<void> inEnd;
+    std::promise<void> released;
+    context.atEnd = [&] {
+        EXPECT_EQ(module->Release(), KXP_OK);
+        inEnd.set_value();
+        released.get_future().wait();
+    };
+    ASSERT_EQ(Call("F", &context), KXP_OK);
+    inEnd.get_future().wait();
+    EXPECT_EQ(std::exchange(device, nullptr)->Release(), KXP_OK);
+    EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 1u) << "its thread will come back into it";
+    released.set_value();
+    ASSERT_TRUE(context.WaitForEnd());
+}
+
+TEST_F(ReleaseOrder, ADeviceReleasedFromTheEndOfARequestStaysUntilItsCommandThreadIsOut) {
+    Start("({ F: function() { return 1 } })");
+    BusyContext context;
+    context.atEnd = [&] {
+        EXPECT_EQ(std::exchange(device, nullptr)->Release(), KXP_OK);
+        EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 1u);
+    };
+    ASSERT_EQ(Call("F", &context), KXP_OK);
+    ASSERT_TRUE(context.WaitForEnd());
+}
+
+TEST_F(ReleaseOrder, ADeviceStoppedFromTheEndOfARequestStartsAgain) {
+    Start("({ F: function() { return 1 } })");
+    for (int round = 0; round < 20; ++round) {
+        BusyContext context;
+        context.atEnd = [&] { EXPECT_EQ(device->Stop(), KXP_OK); };
+        ASSERT_EQ(Call("F", &context), KXP_OK);
+        ASSERT_TRUE(context.WaitForEnd());
+        ASSERT_EQ(device->Start(), KXP_OK);
+    }
+    BusyContext last;
+    ASSERT_EQ(Call("F", &last), KXP_OK);
+    EXPECT_TRUE(last.WaitForEnd());
+}
+
+TEST_F(ReleaseOrder, ADeviceStoppedAndStartedWithinTheEndOfARequestGoesOn) {
+    Start("({ F: function() { return 1 } })");
+    BusyContext context;
+    context.atEnd = [&] {
+        EXPECT_EQ(device->Stop(), KXP_OK);
+        EXPECT_EQ(device->Start(), KXP_OK);
+    };
+    ASSERT_EQ(Call("F", &context), KXP_OK);
+    ASSERT_TRUE(context.WaitForEnd());
+    BusyContext last;
+    ASSERT_EQ(Call("F", &last), KXP_OK);
+    EXPECT_TRUE(last.WaitForEnd());
 }
 
 TEST_F(ReleaseOrder, AModuleThatIsReleasedTwiceMindsNothing) {

@@ -54,6 +54,20 @@ public:
     std::atomic<bool> result{true};
 };
 
+/// Asks itself to end, takes that back, and says what it saw.
+class ChangingItsMind : public IThreadHandler {
+public:
+    std::uint32_t ThreadRun(MThread* thread) override {
+        thread->Stop();
+        wasAsked = thread->StopRequested();
+        thread->TakeStopBack();
+        goesOn = !thread->StopRequested();
+        return 0;
+    }
+    std::atomic<bool> wasAsked{false};
+    std::atomic<bool> goesOn{false};
+};
+
 void StopAndJoin(MThread& thread, WaitingBody& body) {
     thread.Stop();
     body.wake.Set();
@@ -135,6 +149,25 @@ TEST(MThread, WaitOnTheThreadItselfReturnsWithoutWaiting) {
     ASSERT_TRUE(thread.Start());
     ASSERT_TRUE(thread.Wait(kDeadlineMs));
     EXPECT_FALSE(body.result);
+}
+
+TEST(MThread, AThreadMayTakeItsOwnStopBack) {
+    ChangingItsMind body;
+    MThread thread(&body);
+    ASSERT_TRUE(thread.Start());
+    ASSERT_TRUE(thread.Wait(kDeadlineMs));
+    EXPECT_TRUE(body.wasAsked);
+    EXPECT_TRUE(body.goesOn);
+}
+
+TEST(MThread, NobodyElseTakesAStopBack) {
+    WaitingBody body;
+    MThread thread(&body);
+    ASSERT_TRUE(thread.Start(true, kDeadlineMs));
+    thread.Stop();
+    thread.TakeStopBack();
+    EXPECT_TRUE(thread.StopRequested());
+    StopAndJoin(thread, body);
 }
 
 TEST(MThread, WaitGivesUpAfterItsTimeOut) {
