@@ -22,7 +22,9 @@ inline constexpr std::chrono::milliseconds kLook(50);
 /// ready again is therefore an outcome at once, whatever the context says later.
 ///
 /// Timers, events and other commands write the same variable `Error`. What fails a command is the error that stands as
-/// the device comes back from it; and a command that has written its result has not failed, whatever stands there.
+/// the device comes back from it; and a command that has written its result has not failed, whatever stands there. An
+/// error that a timer writes between the end of the command's function and the device's return is taken for the
+/// command's: a host cannot see where the function ended.
 ///
 /// Made before the command is sent. Device threads feed it, one thread asks it; its state has a lock of its own.
 class CommandWatch {

@@ -271,7 +271,7 @@ TEST_F(ShowWithADriver, RunsADriverThatRemovesTheDefaults) {
 TEST_F(ShowWithADriver, TellsWhatIsThrownThoughTheDriverHasRemovedTheVariableForIt) {
     GivenDriver("({ Info: { Options: { RemoveDefaultCommandsAndVariables: true } }, Device: { Error: 'none' },\n"
                 "   Boom: function () { throw new Error('boom'); }, Fine: function () { return 'fine'; },\n"
-                "   Later: function () { QCalverin.SetTimeout(function () { throw new Error('late'); }, 1); } })");
+                "   Later: function () { QCalverin.SetTimeout(function () { throw new Error('late'); }, 400); } })");
     GivenShow();
     Run("send", {Text("desk"), Text("Boom")});
     ThenExitCodeIs(1);
@@ -287,14 +287,16 @@ TEST_F(ShowWithADriver, TellsWhatIsThrownThoughTheDriverHasRemovedTheVariableFor
     ThenExitCodeIs(1);
 }
 
+// What is thrown before the device is back from a command counts as the command's, so the timers leave it time for
+// that.
 constexpr const char* kTimers =
     "({ Device: { Level: 0 },\n"
     "   Later: function () { var self = this;\n"
-    "       QCalverin.SetTimeout(function () { self.Device.Level = 1; }, 50);\n"
-    "       QCalverin.SetTimeout(function () { throw new Error('late'); }, 1); },\n"
+    "       QCalverin.SetTimeout(function () { self.Device.Level = 1; }, 500);\n"
+    "       QCalverin.SetTimeout(function () { throw new Error('late'); }, 400); },\n"
     "   Ask: function () { var id = QCalverin.PostponeResult(), self = this;\n"
-    "       QCalverin.SetTimeout(function () { self.Device.Level = 2; throw new Error('other'); }, 1);\n"
-    "       QCalverin.SetTimeout(function () { QCalverin.SetResult(id, 'good'); }, 600); },\n"
+    "       QCalverin.SetTimeout(function () { self.Device.Level = 2; throw new Error('other'); }, 400);\n"
+    "       QCalverin.SetTimeout(function () { QCalverin.SetResult(id, 'good'); }, 1200); },\n"
     "   Boom: function () { throw new Error('boom'); },\n"
     "   Try: function () { return 'got <' + QCalverin.Perform('desk2', 'Boom') + '>'; } })";
 

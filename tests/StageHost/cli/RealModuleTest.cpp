@@ -76,8 +76,8 @@ TEST_F(ScriptAtTheDesk, TellsWhatAFunctionThrows) {
 
 TEST_F(ScriptAtTheDesk, TellsProgramsWhatATimerThrewBesideAResult) {
     GivenScript("({ f: function () { var id = QCalverin.PostponeResult();\n"
-                "   QCalverin.SetTimeout(function () { throw new Error('other'); }, 1);\n"
-                "   QCalverin.SetTimeout(function () { QCalverin.SetResult(id, 'good'); }, 600); } })");
+                "   QCalverin.SetTimeout(function () { throw new Error('other'); }, 400);\n"
+                "   QCalverin.SetTimeout(function () { QCalverin.SetResult(id, 'good'); }, 1200); } })");
     Exec({Text("f")}, {Text("--json")});
     EXPECT_EQ(host.ExitCode(), 1);
     EXPECT_FALSE(host.Json().value(Text("ok")).toBool(true));
