@@ -219,7 +219,7 @@ KXPCode MCalverinScript_Module::CreateDevice(void* /*ignored*/, IKXPDevice** out
     }
     *out = device;
     devices.Add(device);
-    device->SetModuleDeviceNumber(static_cast<std::uint32_t>(devices.Count()));
+    device->GetStoredSetup().SetDeviceNumber(static_cast<std::uint32_t>(devices.Count()));
     return KXP_OK;
 }
 
@@ -239,6 +239,6 @@ KXPCode MCalverinScript_Module::CheckCommand(void* /*ignored*/, IKXPDevice* devi
     if (ours == nullptr)
         return KXP_OK;
     if (params != nullptr)
-        params->SetProperty(kDeviceIdProperty, std::to_string(ours->GetModuleDeviceNumber()).c_str(), 0, 0);
+        params->SetProperty(kDeviceIdProperty, std::to_string(ours->GetStoredSetup().GetDeviceNumber()).c_str(), 0, 0);
     return kValidationCodes[ours->ValidateCommand(id, params)];
 }

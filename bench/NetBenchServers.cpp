@@ -96,7 +96,7 @@ int RunDevice(QString script, std::uint16_t port, std::uint64_t total) {
         ready.set_value();
     });
     ready.get_future().wait();
-    device->SetSetupScript(QString(), script);
+    device->GetStoredSetup().SetScript(QString(), script);
     device->Start();
     for (;;)
         pause();

@@ -92,7 +92,7 @@ class DeviceEvents {
 public:
     DeviceEvents()
         : m_device(new MCalverinScript_Device(nullptr, nullptr, "Bench")) {
-        m_device->SetSetupScript(QString(), QStringLiteral("({})"));
+        m_device->GetStoredSetup().SetScript(QString(), QStringLiteral("({})"));
         m_device->Start();
         std::promise<void> ready;
         m_device->PostTask([&] {

@@ -120,7 +120,7 @@ bool WidgetCalverinScriptGUI::IsChangedSinceFile() const {
 
 /// Left by Cancel, the device gets the changes and the file stays as it is.
 void WidgetCalverinScriptGUI::AskWhereChangesGo() {
-    SetupMemory& memory = m_device->GetSetupMemory();
+    SetupMemory& memory = m_device->GetStoredSetup().Memory();
     DialogSaveScriptOptions question(this, memory.saveOption);
     if (question.exec() != QDialog::Accepted)
         return;

@@ -72,7 +72,7 @@ void WidgetCalverinScriptGUI::LoadFromDevice(MCalverinScript_Device* device) {
 void WidgetCalverinScriptGUI::LoadOptions() {
     const DeviceSetup setup = m_device->GetCurrentSetup();
     const SetupScript script = setup.script.value_or(SetupScript());
-    const SetupMemory& memory = m_device->GetSetupMemory();
+    const SetupMemory& memory = m_device->GetStoredSetup().Memory();
     const QSignalBlocker quiet(m_ui->tabWidget);
     m_ui->checkBoxProgrammingMode->setChecked(script.programmingMode);
     SlotChangeOnProgrammingMode();
@@ -87,18 +87,18 @@ void WidgetCalverinScriptGUI::LoadOptions() {
 }
 
 void WidgetCalverinScriptGUI::LoadScript() {
-    m_scriptFileName = m_device->GetSetupScriptFileName();
+    m_scriptFileName = m_device->GetStoredSetup().GetScriptFileName();
     ShowFileName(MScriptDescription::FromFile(m_scriptFileName, &m_engine).get());
     if (!ReadScriptFile(m_scriptFileName))
         ShowFileName(nullptr);
-    m_ui->tab_Script->SetText(m_device->GetSetupScriptText());
+    m_ui->tab_Script->SetText(m_device->GetStoredSetup().GetScriptText());
     UpdateDescription();
 }
 
 void WidgetCalverinScriptGUI::LoadLists() {
-    m_loadedVariables = m_device->GetLiveVariables();
+    m_loadedVariables = m_device->GetStoredSetup().GetVariables();
     m_ui->tab_Variables->SetVariables(m_loadedVariables);
-    m_settings = m_device->GetSetupSettings();
+    m_settings = m_device->GetStoredSetup().GetSettings();
 }
 
 void WidgetCalverinScriptGUI::ShowFileName(MScriptDescription* description) {
@@ -151,13 +151,14 @@ void WidgetCalverinScriptGUI::RefreshForm() {
 void WidgetCalverinScriptGUI::UpdateRemoveDefaults() {
     if (!m_device)
         return;
-    m_ui->tab_Options->ShowRemoveDefaults(m_device->GetRemoveDefaults(), m_device->GetScriptOptionRemoveDefaults());
+    m_ui->tab_Options->ShowRemoveDefaults(m_device->GetStoredSetup().GetChoices().removeDefaults,
+                                          m_device->GetStoredSetup().GetScriptsRemoval());
     SlotUpdateRemoveDefaultCmdVarFromSetupUI();
 }
 
 void WidgetCalverinScriptGUI::SlotUpdateRemoveDefaultCmdVarFromSetupUI() {
     if (m_device)
-        m_device->SetPendingRemoveDefaults(IsRemoveDefaultsChecked());
+        m_device->GetStoredSetup().SetPendingRemoval(IsRemoveDefaultsChecked());
 }
 
 const ScriptVariables& WidgetCalverinScriptGUI::GetUserVariables() const {
@@ -195,10 +196,10 @@ void WidgetCalverinScriptGUI::SlotCurrentTabChanged(int iCurrentTab) {
 void WidgetCalverinScriptGUI::SlotOpenFinder() {
     if (!m_device)
         return;
-    SetupMemory memory = m_device->GetSetupMemory();
+    SetupMemory memory = m_device->GetStoredSetup().Memory();
     m_ui->tab_Script->OpenFinder(memory);
     if (m_device) // it may be gone by now
-        m_device->GetSetupMemory() = memory;
+        m_device->GetStoredSetup().Memory() = memory;
 }
 
 void WidgetCalverinScriptGUI::SlotOpenHelpFile() {
@@ -263,7 +264,7 @@ KXPCode WidgetCalverinScriptGUI::StoreToDevice(MCalverinScript_Device* device) {
     const KXPCode code = device->AcceptSetup(MakeSetup(), m_scriptFileName);
     if (code == KXP_CANCELLED)
         return code;
-    SetupMemory& memory = device->GetSetupMemory();
+    SetupMemory& memory = device->GetStoredSetup().Memory();
     memory.currentTab = m_ui->tabWidget->currentIndex();
     const QRect rectangle = geometry();
     memory.x = rectangle.x();

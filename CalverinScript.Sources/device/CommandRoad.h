@@ -7,6 +7,7 @@
 
 #include "DeviceStatus.h"
 #include "DropCount.h"
+#include "IEndingRoom.h"
 #include "InterlockedCounter.h"
 #include "MThread.h"
 #include "ScriptRequest.h"
@@ -42,7 +43,7 @@ public:
 /// - The context of a function with parameters begins with its post and ends with its command, executed or not.
 /// - A command that fails is held, executed once more after its time, and given up after the second.
 /// - What a full queue drops is let go at once and told in the log, once for a burst.
-class CommandRoad {
+class CommandRoad final : public IEndingRoom {
 public:
     /// All are borrowed for the road's life. @param threadBody calls Serve on the command thread. @param contexts is
     /// told of the life of the host's contexts. @param stackSize of the command thread, in bytes.
@@ -58,8 +59,11 @@ public:
     /// Ends the command thread behind the command in execution, and drops what waits. The command thread itself may ask:
     /// it ends when it is back from what it does.   [any host thread, tick, command]
     void Stop();
+
+    // IEndingRoom
+    void End() override { Stop(); }
     /// Whether the command thread is out of everything that it was called into.   [any]
-    bool HasEnded() { return m_thread.Wait(0); }
+    bool HasEnded() const override { return m_thread.Wait(0); }
 
     /// Queues a request. @param context of the host, may be null. @return false when no command is taken.   [any]
     bool Post(const ScriptRequest& request, IExecContext* context);
@@ -90,7 +94,7 @@ private:
     MyCommandManager& m_queue;
     ICommandObjectHandler& m_contexts;
     ICommandWork& m_work;
-    MThread m_thread;
+    mutable MThread m_thread;             ///< a wait changes nothing that others see
     std::atomic<bool> m_isMissing{false}; ///< started without a thread: written and read by host threads
     InterlockedCounter m_stackCount;
     std::atomic<MCommandObject*> m_executing{nullptr}; ///< set by whoever executes a function, taken by the script

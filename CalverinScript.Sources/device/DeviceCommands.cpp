@@ -1,15 +1,13 @@
 #include "MCalverinScript_Device.h"
 
-#include <algorithm>
 #include <array>
-#include <mutex>
 
 #include "CommandNumbers.h"
 #include "CommandRoad.h"
 #include "DeviceTexts.h"
 #include "HostData.h"
 #include "HostText.h"
-#include "MScriptMngRemote.h"
+#include "ScriptProgram.h"
 #include "ThreadPromise.h"
 
 namespace {
@@ -63,7 +61,7 @@ KXPCode MCalverinScript_Device::PostBuiltIn(std::int32_t id, IObjectParams* para
         road->Post(ScriptRequest::Load(static_cast<BuiltInCommand>(id), text), context);
         return KXP_OK;
     }
-    if (!HasFunction(text))
+    if (!program->HasFunction(text))
         return KXP_SCRIPT_FAILED;
     if (id == kExecuteFunction) {
         road->Post(ScriptRequest::Function(text), context);
@@ -80,15 +78,6 @@ KXPCode MCalverinScript_Device::PostBuiltIn(std::int32_t id, IObjectParams* para
 
 bool MCalverinScript_Device::MayPost() const {
     return !IsTracking() && !ending;
-}
-
-bool MCalverinScript_Device::HasFunction(const char* name) {
-    if (name == nullptr)
-        return false;
-    const QLatin1String wanted(name);
-    const std::lock_guard<MLockedList<MScriptCommand>> guard(live.functions);
-    return std::any_of(live.functions.begin(), live.functions.end(),
-                       [&](const MScriptCommand& function) { return function.name == wanted; });
 }
 
 void MCalverinScript_Device::OnCommandCreated(void* context) {

@@ -6,10 +6,12 @@
 
 #include "FaceAnswer.h"
 #include "HostText.h"
+#include "IManagerRuntimeInfo.h"
+#include "IModuleServices.h"
 #include "ISetupInterface.h"
 #include "ModuleResources.h"
-#include "MScriptMngRemote.h"
 #include "ScriptDebugger.h"
+#include "ScriptWorld.h"
 #include "ThreadPromise.h"
 
 namespace {
@@ -17,11 +19,12 @@ namespace {
 constexpr std::uint32_t kFirstCapability = 1;
 constexpr std::uint32_t kLastCapability = 2;
 constexpr std::uint32_t kControlPanelKind = 1;
+constexpr std::uint32_t kDefaultUserMode = 2;
 
 } // namespace
 
 KXPCode MCalverinScript_Device::QueryInterface(const char* name, void** out) {
-    if (gone)
+    if (door.IsClosed())
         return AnswerFace(name, out, {});
     auto* self = static_cast<IKXPDevice*>(this);
     return AnswerFace(name, out, {{"IMInterface", self}, {"IKXPDevice", self}});
@@ -29,18 +32,18 @@ KXPCode MCalverinScript_Device::QueryInterface(const char* name, void** out) {
 
 void MCalverinScript_Device::SetDeviceVariables(IDeviceVariables* variables) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetDeviceVariables");
-    if (!gone)
+    if (!door.IsClosed())
         values.SetVariables(variables);
 }
 
 KXPCode MCalverinScript_Device::QueryCapability(std::uint32_t capability) {
     ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::QueryCapability");
-    return !gone && capability >= kFirstCapability && capability <= kLastCapability ? KXP_OK : KXP_NO;
+    return !door.IsClosed() && capability >= kFirstCapability && capability <= kLastCapability ? KXP_OK : KXP_NO;
 }
 
 void MCalverinScript_Device::SetName(const char* newName) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetName");
-    if (!gone)
+    if (!door.IsClosed())
         MKXPDeviceBase::SetName(newName);
 }
 
@@ -55,11 +58,12 @@ KXPCode MCalverinScript_Device::ShowSetup(void* /*ignored*/) {
 }
 
 KXPCode MCalverinScript_Device::ShowSetupDialog(const char* scriptName) {
-    return setupInterface != nullptr && !gone ? setupInterface->ShowSetup(*this, scriptName) : KXPCode{KXP_CANCELLED};
+    return setupInterface != nullptr && !door.IsClosed() ? setupInterface->ShowSetup(*this, scriptName)
+                                                         : KXPCode{KXP_CANCELLED};
 }
 
 void MCalverinScript_Device::SlotShowDebugger() {
-    if (debugger)
+    if (ScriptDebugger* debugger = world->Debugger())
         debugger->Show(FromHostText(GetName()));
 }
 
@@ -70,7 +74,7 @@ KXPCode MCalverinScript_Device::IsRunning() {
 
 KXPCode MCalverinScript_Device::OnTimerailEvent(ITimeData* time, std::int32_t action) {
     ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::OnTimerailEvent");
-    if (gone)
+    if (door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
     ChangeTrackState(action, time != nullptr ? time->GetFrameCount() : 0);
     return KXP_OK;
@@ -78,7 +82,7 @@ KXPCode MCalverinScript_Device::OnTimerailEvent(ITimeData* time, std::int32_t ac
 
 KXPBitmap MCalverinScript_Device::GetBitmap() {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetBitmap");
-    if (gone)
+    if (door.IsClosed())
         return nullptr;
     if (bitmap == nullptr) {
         const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
@@ -117,9 +121,21 @@ KXPCode MCalverinScript_Device::CreatePanel(std::uint32_t kind, IKXPDevicePanel*
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::CreatePanel");
     if (out == nullptr)
         return KXP_NULL_ARGUMENT;
-    if (kind != kControlPanelKind || setupInterface == nullptr || gone)
+    if (kind != kControlPanelKind || setupInterface == nullptr || door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
     panel = setupInterface->CreateControlPanel(*this);
     *out = panel;
     return panel != nullptr ? KXP_OK : KXP_NOT_IMPLEMENTED;
+}
+
+void MCalverinScript_Device::TellPanel(bool running) {
+    if (panel == nullptr || setupInterface == nullptr)
+        return;
+    std::uint32_t mode = 0;
+    if (running) {
+        auto* info =
+            QueryFace<IManagerRuntimeInfo>(module != nullptr ? module->GetHost() : nullptr, "IManagerRuntimeInfo");
+        mode = info != nullptr ? info->GetUserMode() : kDefaultUserMode;
+    }
+    setupInterface->PostRunState(panel, running, mode);
 }

@@ -1,7 +1,6 @@
 #include "MCalverinScript_Device.h"
 
 #include <memory>
-#include <new>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -9,57 +8,47 @@
 #include <QScriptEngine>
 
 #include "DeviceMarshalling.h"
+#include "HostText.h"
 #include "MScriptThread.h"
 #include "OwnedArgument.h"
-#include "ScriptGlobals.h"
+#include "ScriptHandlers.h"
+#include "ScriptProgram.h"
 
 void MCalverinScript_Device::OnScriptThreadStarted(MScriptThread* thread) {
-    entrance.SetThread(thread);
+    crossing.OnThreadStarted(thread);
 }
 
 void MCalverinScript_Device::OnScriptThreadEnding() {
-    ClearTimers();
-    entrance.LeaveThread();
-    moveToThread(homeThread);
-    runState.threadLeft = true;
+    handlers->ClearAll();
+    crossing.OnThreadEnding(*this);
 }
 
-void MCalverinScript_Device::ConnectSignals() {
-    qRegisterMetaType<MScriptParamList>("MScriptParamList");
-    connect(this, &MCalverinScript_Device::SignalShowDebugger, this, &MCalverinScript_Device::SlotShowDebugger);
-}
-
-/// A marshalled call on its way: what its slot needs, and the completion that its caller waits for.
+/// A marshalled call on its way, which owns what its slot needs.
 template <typename... Parameters>
-struct MCalverinScript_Device::OpenCall {
+class MCalverinScript_Device::OpenCall final : public ScriptCrossing::Call {
+public:
     using Row = MarshalledCallRow<Parameters...>;
 
-    OpenCall(MCalverinScript_Device& owner, const Row& kind, const Parameters&... parameters)
-        : device(owner)
-        , row(kind)
-        , arguments(parameters...) {}
+    OpenCall(MCalverinScript_Device& device, const Row& row, const Parameters&... parameters)
+        : m_device(device)
+        , m_row(row)
+        , m_arguments(parameters...) {}
 
     void Announce() {
-        if (row.request != nullptr)
-            std::apply([this](auto&... owned) { Q_EMIT(device.*row.request)(owned.Get()...); }, arguments);
+        if (m_row.request != nullptr)
+            std::apply([this](auto&... owned) { Q_EMIT(m_device.*m_row.request)(owned.Get()...); }, m_arguments);
     }
-    void RunSlot() {
-        bool result = false;
-        try {
-            result = std::apply([this](auto&... owned) { return (device.*row.slot)(owned.Get()...); }, arguments);
-        } catch (const std::bad_alloc&) {
-            result = false;
-        }
-        device.gate.Complete(completion, result);
+    bool Run() override {
+        return std::apply([this](auto&... owned) { return (m_device.*m_row.slot)(owned.Get()...); }, m_arguments);
     }
     void GiveBack(const Parameters&... callers) {
-        std::apply([&](auto&... owned) { (owned.GiveBack(callers), ...); }, arguments);
+        std::apply([&](auto&... owned) { (owned.GiveBack(callers), ...); }, m_arguments);
     }
 
-    MCalverinScript_Device& device;
-    const Row& row;
-    CompletionGate::Call completion;
-    std::tuple<OwnedArgument<std::decay_t<Parameters>>...> arguments;
+private:
+    MCalverinScript_Device& m_device;
+    const Row& m_row;
+    std::tuple<OwnedArgument<std::decay_t<Parameters>>...> m_arguments;
 };
 
 /// Runs the slot of a call on the script thread and waits for it; on that thread itself runs it at once. The request lives until
@@ -67,14 +56,12 @@ struct MCalverinScript_Device::OpenCall {
 template <typename... Parameters>
 bool MCalverinScript_Device::Marshal(const MarshalledCallRow<Parameters...>& row,
                                      const std::common_type_t<Parameters>&... parameters) {
-    if (OnScriptThread())
+    if (crossing.Entrance().IsOnScriptThread())
         return (this->*row.slot)(parameters...);
     const auto call = std::make_shared<OpenCall<Parameters...>>(*this, row, parameters...);
     call->Announce();
-    if (!entrance.Post([call] { call->RunSlot(); }))
-        return false;
     bool result = false;
-    if (gate.Wait(call->completion, row.limitMs, result))
+    if (crossing.Run(call, row.limitMs, result))
         call->GiveBack(parameters...);
     return result;
 }
@@ -94,11 +81,7 @@ bool MCalverinScript_Device::EvaluateScriptCommand(const QString& text, bool sto
 bool MCalverinScript_Device::EvaluateScript(const QString& text, QScriptEngine* analysisEngine) {
     if (analysisEngine == nullptr)
         return Marshal(MarshalledCallTable::kEvaluateScript, text, false);
-    SetUpAnalysisGlobals(*analysisEngine);
-    stop.engine = analysisEngine;
-    const bool result = SlotEvaluateScript(text, true);
-    stop.engine = nullptr;
-    return result;
+    return Analyse(text, *analysisEngine);
 }
 
 bool MCalverinScript_Device::ExecuteScriptFunction(const char* name, IData* result, const char** params) {
@@ -110,17 +93,18 @@ bool MCalverinScript_Device::ExecuteCallBack(MyAsyncDeviceExecContext* context) 
 }
 
 bool MCalverinScript_Device::ExecuteStopFunction() {
-    return runState.hasStopFunction && Marshal(MarshalledCallTable::kExecuteStopFunction);
+    return program->HasStopFunction() && Marshal(MarshalledCallTable::kExecuteStopFunction);
 }
 
 void MCalverinScript_Device::ClearScriptState() {
     Marshal(MarshalledCallTable::kClearScriptState);
 }
 
-bool MCalverinScript_Device::ClearStateOnScriptThread() {
-    return RunSlot(MarshalledCallTable::kClearScriptState, [this] {
-        ClearTimers();
-        return true;
+/// What the engine side shows is changed on its own thread, behind whatever runs there.
+void MCalverinScript_Device::ShowScript(const QString& fileName, const QString& text) {
+    PostTask([this, fileName, text] {
+        const ScriptEntrance::Entry entry(crossing.Entrance());
+        program->Show(fileName, text);
     });
 }
 
@@ -135,8 +119,19 @@ void MCalverinScript_Device::PostScriptEvents(const QString& name, std::vector<M
                                               MScriptCommonEvent* event) {
     for (const MScriptParamList& params : events)
         Q_EMIT SignalExecuteScriptEventCallBack(name, params, event);
-    entrance.Post([this, name, events = std::move(events), event] {
+    PostTask([this, name, events = std::move(events), event] {
         for (const MScriptParamList& params : events)
             SlotExecuteScriptEventCallBack(name, params, event);
     });
+}
+
+void MCalverinScript_Device::PostPropertyChange(const char* object, const char* property, const char* value,
+                                                bool objectFollows) {
+    if (object == nullptr || property == nullptr || value == nullptr)
+        return;
+    const QString name = FromHostText(object);
+    const QString propertyName = FromHostText(property);
+    const QString text = FromHostText(value);
+    Q_EMIT SignalOnPropertyChange(name, propertyName, text, objectFollows);
+    PostTask([=] { SlotOnPropertyChange(name, propertyName, text, objectFollows); });
 }

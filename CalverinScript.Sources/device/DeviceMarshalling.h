@@ -11,7 +11,7 @@ template <typename Row, typename Work>
 bool MCalverinScript_Device::RunSlot(const Row& row, Work work) {
     bool result = false;
     if (!ending) {
-        const ScriptEntrance::Entry entry(entrance);
+        const ScriptEntrance::Entry entry(crossing.Entrance());
         result = work();
     }
     if (row.finished != nullptr)

@@ -1,18 +1,15 @@
 #include "MCalverinScript_Device.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include <QFile>
-#include <QFileInfo>
 #include <QScriptEngine>
 
-#include "CommandIds.h"
-#include "DefinitionBuilder.h"
 #include "DeviceTexts.h"
 #include "HostText.h"
+#include "IHostServices.h"
 #include "IModuleServices.h"
-#include "ModuleShared.h"
+#include "ScriptAnalysis.h"
 #include "ThreadPromise.h"
 
 namespace {
@@ -22,29 +19,7 @@ QString WithCondensedBlanks(QString text) {
     return text.replace(QStringLiteral("    "), QStringLiteral(" "));
 }
 
-bool IsSameCommand(const MScriptCommand& left, const MScriptCommand& right) {
-    return left == right && HaveSameParams(left, right);
-}
-
 } // namespace
-
-void MCalverinScript_Device::SetSetupScript(const QString& fileName, const QString& text) {
-    storedSetup.SetScript(fileName, text);
-}
-
-void MCalverinScript_Device::SetSetupSettings(const QList<MScriptSetting>& settings) {
-    ReplaceAll(storedSetup.Settings(), settings);
-}
-
-void MCalverinScript_Device::SetRegisterAllUserGroups(bool enabled) {
-    SetupChoices choices = storedSetup.GetChoices();
-    choices.registerAllUserGroups = enabled;
-    storedSetup.SetChoices(choices);
-}
-
-void MCalverinScript_Device::BindDefaultVariables() {
-    values.BindDefaults(!storedSetup.IsRemovalApplied());
-}
 
 DeviceSetup MCalverinScript_Device::GetCurrentSetup() {
     DeviceSetup setup = storedSetup.Describe();
@@ -58,12 +33,12 @@ KXPCode MCalverinScript_Device::GetSetup(char** out) {
     if (out == nullptr)
         return KXP_NULL_ARGUMENT;
     *out = nullptr;
-    if (gone)
+    if (door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
     DeviceSetup setup = GetCurrentSetup();
     if (IsFirstDevice())
-        setup.moduleCommands = ModuleShared::Acquire().moduleCommands.Snapshot();
-    setup.commands = storedSetup.GetCommands();
+        setup.moduleCommands = UserCommands::OfModule();
+    setup.commands = commands.Get();
     const std::string text = PrintSetup(setup);
     if (!IsStorable(text)) {
         ReportError(QLatin1String(DeviceText::kSetupTooLarge), false);
@@ -75,7 +50,7 @@ KXPCode MCalverinScript_Device::GetSetup(char** out) {
 
 KXPCode MCalverinScript_Device::SetSetup(const char* text) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetSetup");
-    if (gone)
+    if (door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
     DeviceSetup setup;
     const KXPCode code = ReadSetup(text, setup);
@@ -84,25 +59,26 @@ KXPCode MCalverinScript_Device::SetSetup(const char* text) {
     if (code != KXP_OK)
         return code;
     TakeStoredSetup(setup);
-    QScriptEngine analysis;
-    EvaluateScript(storedSetup.GetScriptText(), &analysis);
+    QScriptEngine engine;
+    EvaluateScript(storedSetup.GetScriptText(), &engine);
     storedSetup.ApplyRemoval(storedSetup.DecideRemoval(storedSetup.GetChoices().removeDefaults));
     ResolveResources(storedSetup.GetSettings());
-    AssignIds(false);
+    MLockedList<MScriptCommand>& functions = analysis->GetSet().functions;
+    UserCommands::AssignIds(functions, false);
     std::string definition;
-    const bool built = MakeDefinition(stop.functions.Snapshot(), storedSetup.GetVariables(),
-                                      storedSetup.IsRemovalApplied(), false, definition);
-    const bool taken = built && values.Offer(definition);
-    if (gone) // the host has released the module meanwhile
+    const bool built = MakeDefinition(functions.Snapshot(), storedSetup.GetVariables(), storedSetup.IsRemovalApplied(),
+                                      false, definition);
+    const bool taken = built && Offer(definition);
+    if (door.IsClosed()) // the host has released the module meanwhile
         return KXP_NOT_IMPLEMENTED;
     if (taken) {
         BindLiveVariables();
-        CommitStopFunctions();
+        commands.Commit(functions);
     }
     BindDefaultVariables();
-    if (analysisEnded) // a second look at a script that does not end would take as long again
-        EvaluateScript(storedSetup.GetScriptText(), &analysis);
-    stop.global = QScriptValue();
+    if (analysis->HasEndedByItself()) // a second look at a script that does not end would take as long again
+        EvaluateScript(storedSetup.GetScriptText(), &engine);
+    analysis->ForgetValue();
     storedSetup.SetDefinition(definition);
     storedSetup.SetLoaded();
     return KXP_OK;
@@ -111,9 +87,8 @@ KXPCode MCalverinScript_Device::SetSetup(const char* text) {
 void MCalverinScript_Device::TakeStoredSetup(const DeviceSetup& setup) {
     storedSetup.TakePanelAndLists(setup);
     if (setup.moduleCommands && IsFirstDevice())
-        for (const MScriptCommand& command : *setup.moduleCommands)
-            ModuleShared::Acquire().moduleCommands.AddUnique(command);
-    ReplaceAll(storedSetup.Commands(), setup.commands);
+        UserCommands::AddToModule(*setup.moduleCommands);
+    commands.Set(setup.commands);
     if (setup.script)
         TakeStoredScript(*setup.script);
 }
@@ -138,14 +113,9 @@ void MCalverinScript_Device::TakeStoredScript(const SetupScript& script) {
     storedSetup.SetChoices(script);
 }
 
-/// What the engine side shows is changed on its own thread, behind whatever runs there.
 void MCalverinScript_Device::TakeScript(const QString& fileName, const QString& text) {
-    SetSetupScript(fileName, text);
-    PostTask([this, fileName, text] {
-        const std::lock_guard<std::recursive_mutex> guard(mutex);
-        live.scriptFileName = fileName;
-        live.scriptText = text;
-    });
+    storedSetup.SetScript(fileName, text);
+    ShowScript(fileName, text);
 }
 
 bool MCalverinScript_Device::IsFirstDevice() const {
@@ -154,68 +124,13 @@ bool MCalverinScript_Device::IsFirstDevice() const {
     return devices == nullptr || !devices->Get(0, first) || first == this;
 }
 
-void MCalverinScript_Device::AssignIds(bool keepOld) {
-    ScriptCommands fresh = stop.functions.Snapshot();
-    AssignCommandIds(ModuleShared::Acquire().moduleCommands.Snapshot(), fresh, keepOld);
-    ReplaceAll(stop.functions, fresh);
-}
-
-void MCalverinScript_Device::CommitStopFunctions() {
-    MLockedList<MScriptCommand>& shared = ModuleShared::Acquire().moduleCommands;
-    ScriptCommands fresh = stop.functions.Snapshot();
-    ScriptCommands moduleCommands = shared.Snapshot();
-    ReplaceAll(storedSetup.Commands(), CommitCommands(fresh, moduleCommands));
-    ReplaceAll(stop.functions, fresh);
-    ReplaceAll(shared, moduleCommands);
-}
-
-const char* MCalverinScript_Device::GetDefinition() {
-    ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetDefinition");
-    if (module == nullptr || gone)
-        return nullptr;
-    if (storedSetup.GetDefinition().empty()) {
-        std::string text;
-        if (MakeDefinition(live.functions.Snapshot(), storedSetup.GetVariables(), storedSetup.IsRemovalApplied(), false,
-                           text))
-            storedSetup.SetDefinition(text);
-        else if (const char* definitionTemplate = module->GetDefinitionTemplate())
-            storedSetup.SetDefinition(definitionTemplate);
-        else
-            return nullptr;
-    }
-    return storedSetup.GetDefinition().c_str();
-}
-
-bool MCalverinScript_Device::MakeDefinition(const ScriptCommands& definedCommands, const ScriptVariables& variables,
-                                            bool hideDefaults, bool resetDefaultIds, std::string& text) {
-    DefinitionRequest request;
-    request.definitionTemplate = module != nullptr ? module->GetDefinitionTemplate() : nullptr;
-    request.deviceNumber = storedSetup.GetDeviceNumber();
-    request.deviceVariables = values.GetVariables();
-    request.commands = definedCommands;
-    request.variables = variables;
-    request.hideDefaults = hideDefaults;
-    request.resetDefaultIds = resetDefaultIds;
-    return BuildDefinition(request, text);
-}
-
-/// The host's values of the device's variables, after it has taken their definition.
-void MCalverinScript_Device::BindLiveVariables() {
-    const std::lock_guard<MLockedList<MScriptVariable>> guard(storedSetup.Variables());
-    for (MScriptVariable& variable : storedSetup.Variables()) {
-        variable.data = values.Find(variable.name);
-        variable.instanceId = variable.data != nullptr ? variable.data->GetInstanceID() : 0;
-    }
-}
-
 void MCalverinScript_Device::BeginSetup() {
     MergeLegacy();
     storedSetup.SetPendingRemoval(storedSetup.GetChoices().removeDefaults);
 }
 
 void MCalverinScript_Device::MergeLegacy() {
-    ModuleShared& shared = ModuleShared::Acquire();
-    if (shared.legacyModuleCommands == nullptr || module == nullptr || !module->IsHostAtLeast642())
+    if (!UserCommands::HasLegacy() || module == nullptr || !module->IsHostAtLeast642())
         return;
     ScriptCommands inUse;
     if (auto* devices = module->GetDeviceList()) {
@@ -225,27 +140,23 @@ void MCalverinScript_Device::MergeLegacy() {
             inUse.insert(inUse.end(), used.begin(), used.end());
         }
     }
-    ScriptCommands moduleCommands = shared.moduleCommands.Snapshot();
-    MergeLegacyCommands(inUse, shared.legacyModuleCommands->Snapshot(), moduleCommands);
-    ReplaceAll(shared.moduleCommands, moduleCommands);
-    shared.legacyModuleCommands.reset();
+    UserCommands::MergeLegacy(inUse);
 }
 
 KXPCode MCalverinScript_Device::AcceptSetup(const DeviceSetup& setup, const QString& scriptFile) {
     storedSetup.SetPendingRemoval(std::nullopt);
     const SetupScript script = setup.script.value_or(SetupScript());
     const bool remove = storedSetup.DecideRemoval(script.removeDefaults);
-    AssignIds(true);
-    const ScriptCommands before = storedSetup.GetCommands();
-    const ScriptCommands now = stop.functions.Snapshot();
-    const bool sameCommands = std::equal(before.begin(), before.end(), now.begin(), now.end(), &IsSameCommand);
-    const bool tellsChange = storedSetup.IsLoaded() && (!sameCommands || remove != storedSetup.IsRemovalApplied());
+    UserCommands::AssignIds(analysis->GetSet().functions, true);
+    const ScriptCommands functions = analysis->GetSet().functions.Snapshot();
+    const bool tellsChange =
+        storedSetup.IsLoaded() && (commands.DifferFrom(functions) || remove != storedSetup.IsRemovalApplied());
     std::string definition;
     const bool taken =
         CanBeStored(setup) &&
-        MakeDefinition(now, setup.monitors, remove, storedSetup.IsRemovalApplied() && !remove, definition) &&
-        values.Offer(definition);
-    if (gone)
+        MakeDefinition(functions, setup.monitors, remove, storedSetup.IsRemovalApplied() && !remove, definition) &&
+        Offer(definition);
+    if (door.IsClosed())
         return KXP_CANCELLED;
     if (taken) {
         storedSetup.ApplyRemoval(remove);
@@ -254,7 +165,7 @@ KXPCode MCalverinScript_Device::AcceptSetup(const DeviceSetup& setup, const QStr
         storedSetup.SetLoaded();
     }
     BindDefaultVariables();
-    Analyse();
+    AnalyseStoredScript();
     if (!taken)
         return KXP_CANCELLED;
     return tellsChange ? KXPCode{KXP_COMMANDS_CHANGED} : KXPCode{KXP_OK};
@@ -262,9 +173,9 @@ KXPCode MCalverinScript_Device::AcceptSetup(const DeviceSetup& setup, const QStr
 
 /// What the host could not give back after a restart is refused while the user still has it in the dialog.
 bool MCalverinScript_Device::CanBeStored(DeviceSetup setup) {
-    setup.commands = stop.functions.Snapshot();
+    setup.commands = analysis->GetSet().functions.Snapshot();
     if (IsFirstDevice())
-        setup.moduleCommands = ModuleShared::Acquire().moduleCommands.Snapshot();
+        setup.moduleCommands = UserCommands::OfModule();
     const bool isStorable = IsStorable(PrintSetup(setup));
     if (!isStorable)
         ReportError(QLatin1String(DeviceText::kSetupTooLarge), false);
@@ -280,36 +191,28 @@ void MCalverinScript_Device::TakeAcceptedSetup(const DeviceSetup& setup, const S
     TakeScript(scriptFile, script.text);
     storedSetup.TakePanelAndLists(setup);
     BindLiveVariables();
-    CommitStopFunctions();
+    commands.Commit(analysis->GetSet().functions);
 }
 
 KXPCode MCalverinScript_Device::CancelSetup() {
     storedSetup.SetPendingRemoval(std::nullopt);
     BindDefaultVariables();
-    Analyse();
+    AnalyseStoredScript();
     return KXP_CANCELLED;
 }
 
 /// Looks at the stored script again, so that the lists of the analysis are those of what the device keeps.
-void MCalverinScript_Device::Analyse() {
-    QScriptEngine analysis;
-    EvaluateScript(storedSetup.GetScriptText(), &analysis);
+void MCalverinScript_Device::AnalyseStoredScript() {
+    QScriptEngine engine;
+    EvaluateScript(storedSetup.GetScriptText(), &engine);
     ResolveChangedResources();
-    stop.global = QScriptValue();
+    analysis->ForgetValue();
 }
 
-void MCalverinScript_Device::ResolveResources(const ScriptSettings& settings) {
-    resources->Take(FindResources(settings), services.resources);
-}
-
-/// A running script keeps its ports when a dialog is left with the resources that it had found.
-void MCalverinScript_Device::ResolveChangedResources() {
-    const std::vector<ResourceRequest> wanted = FindResources(storedSetup.GetSettings());
-    if (!(wanted == resources->GetRequests()))
-        resources->Take(wanted, services.resources);
-}
-
-MScriptResource* MCalverinScript_Device::FindResource(const QScriptValue& signature) {
-    const std::optional<ResourceRequest> request = RequestOf(ReadResourceSignature(signature, *engine));
-    return request ? resources->Find(*request) : nullptr;
+void MCalverinScript_Device::RunStoredScript() {
+    const QString fileName = storedSetup.GetScriptFileName();
+    if (!fileName.isEmpty())
+        LoadScriptCommand(ToHostText(fileName).constData(), false);
+    else
+        EvaluateScriptCommand(storedSetup.GetScriptText(), false);
 }

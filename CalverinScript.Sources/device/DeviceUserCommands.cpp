@@ -2,31 +2,17 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <mutex>
 
 #include "CommandNumbers.h"
 #include "CommandRoad.h"
 #include "DeviceTexts.h"
-#include "DriverTables.h"
 #include "HostData.h"
 #include "HostText.h"
-#include "ModuleShared.h"
-#include "StoredCommand.h"
+#include "ScriptProgram.h"
 #include "ThreadPromise.h"
 #include "ValueConversion.h"
 
 namespace {
-
-template <typename Condition>
-bool FindIn(MLockedList<MScriptCommand>& list, Condition condition, MScriptCommand& found) {
-    const std::lock_guard<MLockedList<MScriptCommand>> guard(list);
-    const auto place = std::find_if(list.begin(), list.end(), condition);
-    if (place == list.end())
-        return false;
-    found = *place;
-    return true;
-}
 
 QByteArray ArgumentText(const MScriptCommandParam& param, IData& data) {
     QString text;
@@ -35,20 +21,15 @@ QByteArray ArgumentText(const MScriptCommandParam& param, IData& data) {
 
 } // namespace
 
-template <typename Condition>
-bool MCalverinScript_Device::FindCommand(Condition condition, MScriptCommand& found) {
-    return FindIn(storedSetup.Commands(), condition, found);
-}
-
 /// The first parameter takes the result, at most eight others reach the function as texts.
 KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t id, IObjectParams* params, IExecContext* context) {
     MScriptCommand command;
-    if (!FindCommand([&](const MScriptCommand& candidate) { return candidate.id == id; }, command)) {
+    if (!commands.Find(id, command)) {
         values.SetText(DefaultVariable::Error, QLatin1String(DeviceText::kUnknownCommand));
         return KXP_BAD_COMMAND;
     }
     const QByteArray name = ToHostText(command.name);
-    if (!HasFunction(name.constData()))
+    if (!program->HasFunction(name.constData()))
         return KXP_SCRIPT_FAILED;
     std::array<QByteArray, kArgumentCount> owned;
     std::array<const char*, kArgumentCount> texts{};
@@ -66,38 +47,13 @@ KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t id, IObjectParams* 
     return KXP_OK;
 }
 
-int MCalverinScript_Device::ValidateCommand(std::int32_t id, IObjectParams* params) {
-    if (id < kFirstUserCommand)
-        return 2;
-    MScriptCommand command;
-    if (params == nullptr)
-        return FindCommand([&](const MScriptCommand& candidate) { return candidate.id == id; }, command) ? 1 : 0;
-    const QString name = FromHostText(params->GetProperty(kCommandNameProperty));
-    if (!FindCommand([&](const MScriptCommand& candidate) { return candidate.name == name; }, command))
-        return 0;
-    return MatchesStoredParams(command, *params) ? 2 : 1;
-}
-
 KXPCode MCalverinScript_Device::UpdateCommand(const char* commandXml, char** out) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::UpdateCommand");
-    if (gone)
+    if (door.IsClosed() || out == nullptr)
         return KXP_NOT_IMPLEMENTED;
-    StoredCommand stored;
-    if (out == nullptr || !stored.Parse(commandXml))
+    char* const updated = commands.Update(commandXml, CopyName());
+    if (updated == nullptr)
         return KXP_NOT_IMPLEMENTED;
-    const QString owner = stored.OwnerName();
-    const QString name = stored.FunctionName();
-    if ((!owner.isNull() && owner != FromHostText(CopyName().c_str())) || name.isEmpty())
-        return KXP_NOT_IMPLEMENTED;
-    const auto hasName = [&](const MScriptCommand& candidate) { return candidate.name == name; };
-    MScriptCommand command;
-    if (FindCommand(hasName, command)) {
-        *out = strdup(stored.Rewrite(command).c_str());
-        return KXP_OK;
-    }
-    ModuleShared* shared = ModuleShared::Get();
-    if (shared != nullptr && shared->legacyModuleCommands != nullptr &&
-        FindIn(shared->moduleCommands, hasName, command))
-        shared->legacyModuleCommands->AddUnique(command);
-    return KXP_NOT_IMPLEMENTED;
+    *out = updated;
+    return KXP_OK;
 }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "DefaultVariables.h"
+#include "IEndingRoom.h"
 #include "VariableAccessor.h"
 
 class IData;
@@ -11,7 +12,7 @@ class IDeviceVariables;
 
 /// The host's values of one device's variables: the default ones, which the device writes, and those that members of a running script
 /// stand for. The host drops them all whenever it takes a definition; nothing of ours is inside one meanwhile.
-class HostValues {
+class HostValues final : public IEndingRoom {
 public:
     /// @param closed set once when the host must not be touched any more; must outlive this.
     explicit HostValues(const std::atomic<bool>& closed)
@@ -37,8 +38,9 @@ public:
     /// Texts and status for the default variables.   [any]
     void SetText(DefaultVariable variable, const QString& text) { m_defaults.SetText(variable, text); }
     void SetStatus(DeviceStatus status) { m_defaults.SetStatus(status); }
-    /// The default variables are never written again.   [host main]
-    void ForgetDefaults() { m_defaults.Forget(); }
+    // IEndingRoom
+    /// The default variables are never written again.
+    void End() override { m_defaults.Forget(); }
 
     /// What the script's members stand for.   [script]
     AccessorPool& Accessors() { return m_accessors; }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 template <class T>
 class MLockedList;
 class IMInterface;
@@ -12,7 +14,9 @@ public:
     virtual IMInterface* GetHost() = 0;
     /// The device definition template; null when missing. Valid until the next call.   [host main]
     virtual const char* GetDefinitionTemplate() = 0;
-    /// Path of the configuration file, at most 1024 characters with the NUL.   [host main]
+    /// What a path of the configuration file takes at most, with its NUL.
+    static constexpr std::size_t kConfigPathSize = 1024;
+    /// Path of the configuration file. @param buffer of kConfigPathSize characters.   [host main]
     virtual void GetConfigFilePath(char* buffer) = 0;
     /// The script library's folder; null when there is none. Valid as long as the module.   [host main]
     virtual const char* GetScriptsFolder() { return nullptr; }

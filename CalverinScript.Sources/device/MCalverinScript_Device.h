@@ -1,60 +1,51 @@
 #pragma once
 
+#include <array>
 #include <atomic>
-#include <chrono>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 #include <QObject>
 #include <QScriptValue>
 
-#include "CompletionGate.h"
-#include "EnumHelpers.h"
+#include "HostDoor.h"
 #include "HostServices.h"
 #include "HostValues.h"
 #include "ICommandObjectHandler.h"
-#include "IHostServices.h"
 #include "IKXPDevice.h"
-#include "IManagerRemote.h"
-#include "InterlockedCounter.h"
 #include "IScriptDevice.h"
 #include "IThreadHandler.h"
 #include "IThreadTimerHandler.h"
 #include "MKXPDeviceBase.h"
 #include "MScriptCommonEvent.h"
 #include "MScriptParamList.h"
-#include "MString.h"
 #include "MTimerailManager.h"
 #include "MyAsyncDeviceExecContext.h"
 #include "MyCommandManager.h"
-#include "ResourceRoom.h"
-#include "RunState.h"
-#include "ScriptCallbacks.h"
-#include "ScriptEntrance.h"
+#include "ResourceSignature.h"
+#include "ScriptCrossing.h"
 #include "ScriptSet.h"
-#include "ScriptTimers.h"
 #include "SetupFormat.h"
 #include "StoredSetup.h"
-#include "VariableAccessor.h"
+#include "TickSeat.h"
+#include "UserCommands.h"
 
 class CommandRoad;
-class EventArguments;
-class ICommandWork;
 class IModuleServices;
-class IResourceProvider;
-class IScanHost;
 class ISetupInterface;
-class MScriptEngineAgent;
 class MScriptMngRemote;
 class MScriptThread;
 class QImage;
-struct ScanResult;
+class ScriptAnalysis;
 class ScriptDebugger;
-class QThread;
+class ScriptHandlers;
+class ScriptProgram;
+class ScriptWorld;
 template <typename... Parameters>
 struct MarshalledCallRow;
 
@@ -119,18 +110,13 @@ public:
     KXPCode CreatePanel(std::uint32_t kind, IKXPDevicePanel** out) override;
 
     // The setup, as dialogs and stored texts give it
+    /// What the host keeps of the device. Its script and settings are not changed while the device is started.
+    StoredSetup& GetStoredSetup() { return storedSetup; }
+    const StoredSetup& GetStoredSetup() const { return storedSetup; }
     /// Opens the setup dialog with a script of the library chosen; null chooses none.   [host main]
     KXPCode ShowSetupDialog(const char* scriptName);
-    /// The script that Start runs: the file when there is one, the text otherwise.   [host main, not while started]
-    void SetSetupScript(const QString& fileName, const QString& text);
-    /// The values that the script finds in its `Setup` before _mStart.   [host main, not while started]
-    void SetSetupSettings(const QList<MScriptSetting>& settings);
-    /// Whether the group granted to this device is registered at each load.   [host main]
-    void SetRegisterAllUserGroups(bool enabled);
-    /// How a stored command relates to the user commands of this device.
-    /// @param params with them the command is looked up by the function that they name, without by its id.
-    /// @return 0 gone, 1 other parameters or none to compare, 2 valid.   [host main]
-    int ValidateCommand(std::int32_t id, IObjectParams* params);
+    /// As UserCommands::Validate.   [host main]
+    int ValidateCommand(std::int32_t id, IObjectParams* params) { return commands.Validate(id, params); }
 
     // What a setup dialog needs: BeginSetup, its own analyses by EvaluateScript, then one of the two others
     /// Before the dialog fills its form.   [host main]
@@ -142,16 +128,11 @@ public:
     /// @param setup its commands and module commands are not read. @param scriptFile path of the script's file, may be empty.
     /// @return 0, 771 the commands have changed, 13 the host refused and the device is as it was.   [host main]
     KXPCode AcceptSetup(const DeviceSetup& setup, const QString& scriptFile);
-    /// Lets go of the resources that the device has taken, and takes those that the settings name. A dialog calls it
-    /// when its user has chosen one.   [host main]
+    /// Lets go of the resources that the device has taken, and takes those that the settings name. A dialog calls it when its user
+    /// has chosen one.   [host main]
     void ResolveResources(const ScriptSettings& settings);
-    /// The dialog was left without: the resources are those of the device's own settings again. @return 13.   [host
-    /// main]
+    /// The dialog was left without: the resources are those of the device's own settings again. @return 13.   [host main]
     KXPCode CancelSetup();
-    /// What the open dialog says about the default commands and variables.   [host main]
-    void SetPendingRemoveDefaults(bool remove) { storedSetup.SetPendingRemoval(remove); }
-    std::uint32_t GetModuleDeviceNumber() const { return storedSetup.GetDeviceNumber(); }
-    void SetModuleDeviceNumber(std::uint32_t number) { storedSetup.SetDeviceNumber(number); }
     /// Looks up the device's five default variables at the host: null where it has none of that name.   [any host thread]
     void BindDefaultVariables();
 
@@ -171,7 +152,7 @@ public:
 
     /// Leaves a task for the script thread. It runs outside the script, behind what was left before it.
     /// @return false when the device is ending.   [any]
-    bool PostTask(ScriptInbox::Task task) override { return entrance.Post(std::move(task)); }
+    bool PostTask(ScriptInbox::Task task) override { return GetEntrance().Post(std::move(task)); }
     /// Delivers an event of a script object to its listener, later. Does nothing without both pointers. @return 1.   [any]
     int PostScriptEvent(const QString& name, const MScriptParamList* params, MScriptCommonEvent* event) override;
     /// The same for several events of one name, which share one task.   [any]
@@ -193,10 +174,8 @@ public:
     /// Makes the context and notes the function for an asynchronous request.
     /// @return null when the value is no function.   [script]
     MyAsyncDeviceExecContext* MakeAsyncContext(const QScriptValue& function) override;
-    void ForgetAsyncContext(MyAsyncDeviceExecContext* context) override { callbacks.Forget(context); }
-
-    /// The answer of an asynchronous request will never be delivered: its function goes as soon as the script thread is free, and the
-    /// request at once. Nothing of a request that is gone already is touched.   [any]
+    void ForgetAsyncContext(MyAsyncDeviceExecContext* context) override;
+    /// The answer of an asynchronous request will never be delivered.   [any]
     void DropAsyncResult(MyAsyncDeviceExecContext* context);
 
     // MyCommandManager
@@ -233,34 +212,23 @@ public:
     void OnScriptThreadEnding();
 
     // What dialogs, panels and tests look at
-    MScriptMngRemote* GetRemote() const { return remote.get(); }
-    QScriptEngine* GetEngine() const { return engine.get(); }
-    ScriptEntrance& GetEntrance() { return entrance; }
-    const ScriptSet& GetLiveSet() const { return live; }
-    const ScriptSet& GetStopSet() const { return stop; }
+    MScriptMngRemote* GetRemote() const;
+    QScriptEngine* GetEngine() const;
+    ScriptEntrance& GetEntrance() { return crossing.Entrance(); }
+    const ScriptSet& GetLiveSet() const;
     /// What the last analysis saw, for the dialog whose analyses these are.   [host main]
-    ScriptSet& GetStopSet() { return stop; }
+    ScriptSet& GetStopSet();
     /// The module that made the device; null in a device without one.
     IModuleServices* GetModule() const { return module; }
-    /// How the user left the setup dialog the last time.   [host main]
-    SetupMemory& GetSetupMemory() { return storedSetup.Memory(); }
     /// Null unless the configuration file enables it.
-    ScriptDebugger* GetDebugger() const { return debugger.get(); }
-    MScriptThread* GetScriptThread() const { return scriptThread.get(); }
+    ScriptDebugger* GetDebugger() const;
+    MScriptThread* GetScriptThread() const { return crossing.GetThread(); }
+    /// Commands that are posted and not over.   [any]
     std::int32_t GetStackCount() const;
-    bool HasStopFunction() const { return runState.hasStopFunction; }
-    std::vector<MScriptCommand> GetCommands() const { return storedSetup.GetCommands(); }
-    std::vector<MScriptVariable> GetLiveVariables() const { return storedSetup.GetVariables(); }
-    std::vector<MScriptSetting> GetSetupSettings() const { return storedSetup.GetSettings(); }
-    QString GetSetupScriptText() const { return storedSetup.GetScriptText(); }
-    QString GetSetupScriptFileName() const { return storedSetup.GetScriptFileName(); }
-    bool GetRemoveDefaults() const { return storedSetup.GetChoices().removeDefaults; }
-    /// The script's own word at the last analysis; nothing when it has none.   [host main]
-    std::optional<bool> GetScriptOptionRemoveDefaults() const { return storedSetup.GetScriptsRemoval(); }
-    /// Whether the default commands and variables are gone: the script's word, or else the setup's.
-    bool GetAppliedRemoveDefaults() const { return storedSetup.IsRemovalApplied(); }
+    bool HasStopFunction() const;
+    std::vector<MScriptCommand> GetCommands() const { return commands.Get(); }
     /// The resources of the host that the settings name.   [host main]
-    const std::vector<ResourceRequest>& GetResourceRequests() const { return resources->GetRequests(); }
+    const std::vector<ResourceRequest>& GetResourceRequests() const;
 
     /// Devices that were released while their script would not end. They are looked through at each creation and release,
     /// and those whose script has ended since are deleted.
@@ -316,122 +284,71 @@ protected:
 private:
     friend struct MarshalledCallTable;
 
-    class HostVisit;
+    class Links;
 
     // Construction
-    void MakeEngine();
-    void JoinModule();
+    bool WantsDebugger() const;
     void ConnectSignals();
-    void StartScriptThread();
 
-    // End
-    void EndScriptThread();
-    void LeaveHost();
-    bool IsHostInside() const;
+    // Run
+    void RunStoredScript();
+    void StopCommandThread();
+    void FinishRequestedStop();
+    void TellPanel(bool running);
 
     // Marshalling
     template <typename... Parameters>
-    struct OpenCall;
+    class OpenCall;
     template <typename... Parameters>
     bool Marshal(const MarshalledCallRow<Parameters...>& row, const std::common_type_t<Parameters>&... parameters);
     template <typename Row, typename Work>
     bool RunSlot(const Row& row, Work work);
     bool ClearStateOnScriptThread();
-    bool OnScriptThread() const { return entrance.IsOnScriptThread(); }
-    void FireDeferredTimers();
     void ClearScriptState();
+    bool Analyse(const QString& text, QScriptEngine& engine);
+    void ShowScript(const QString& fileName, const QString& text);
 
     // Commands
-    class RoadWork;
-    void MakeRoad(std::size_t threadStackSize);
     bool MayPost() const;
-    bool HasFunction(const char* name);
-    template <typename Condition>
-    bool FindCommand(Condition condition, MScriptCommand& found);
     KXPCode PostBuiltIn(std::int32_t id, IObjectParams* params, IExecContext* context);
     KXPCode PostUserCommand(std::int32_t id, IObjectParams* params, IExecContext* context);
-    void StopCommandThread();
-    void FinishRequestedStop();
-    void SetStatus(DeviceStatus status) { values.SetStatus(status); }
-
-    // Script work
-    bool LoadScriptFile(ScriptSet& set, const char* fileName);
-    bool RunLoadedScript();
-    struct EvaluationFailure;
-    bool EvaluateLive(const QString& text);
-    bool AnalyseText(const QString& text);
-    std::chrono::milliseconds AnalysisLimit() const;
-    static std::optional<EvaluationFailure> FindFailure(QScriptEngine& engine, const QScriptValue& value);
-    void ReportFailure(const EvaluationFailure& failure, bool stopMode);
-    ScanResult ScanPublished(const ScriptSet& set, IScanHost& host, bool stopMode);
-    static void Publish(ScriptSet& set, const ScanResult& found);
-    EnumHelpers::Target EnumTarget();
-    bool FindMonitoredEnum(const QString& name, MScriptVariable& found);
-    void CleanupBeforeEvaluate();
-    void AfterEvaluate();
-    void GiveSettingsToScript();
-    void PublishFunctionList();
-    QScriptValue CallScript(QScriptValue function, const QScriptValueList& arguments);
-    bool CallNamedFunction(const char* name, IData* result, const char** params);
-    void DeliverResult(const QScriptValue& value, IData* result);
-    void ReportUncaught();
-    void CheckUncaught();
-    void FinishStopRequest();
-    void ClearTimers();
-    int StartTimer(ScriptTimers::Kind kind, const QScriptValue& function, int delayMs);
-    void FireTimer(int id);
 
     // Setup
     void TakeStoredSetup(const DeviceSetup& setup);
     void TakeStoredScript(const SetupScript& script);
     void TakeAcceptedSetup(const DeviceSetup& setup, const SetupScript& script, const QString& scriptFile);
     void TakeScript(const QString& fileName, const QString& text);
-    void Analyse();
+    void AnalyseStoredScript();
     bool CanBeStored(DeviceSetup setup);
-    void ResolveChangedResources();
     bool IsFirstDevice() const;
-    void AssignIds(bool keepOld);
-    void CommitStopFunctions();
-    bool MakeDefinition(const ScriptCommands& definedCommands, const ScriptVariables& variables, bool hideDefaults,
-                        bool resetDefaultIds, std::string& text);
-    void BindLiveVariables();
     void MergeLegacy();
+    void FindDefaultVariables();
+    bool MakeDefinition(const ScriptCommands& functions, const ScriptVariables& variables, bool hideDefaults,
+                        bool resetDefaultIds, std::string& text);
+    bool Offer(const std::string& definition);
+    void BindLiveVariables();
+    void ResolveChangedResources();
 
     IModuleServices* const module;         ///< not owned
     ISetupInterface* const setupInterface; ///< not owned, may be null
-    HostServices services;                 ///< found when the device is made
     std::unique_ptr<QImage> bitmap;        ///< cache of GetBitmap; host main
-    IKXPDevicePanel* panel = nullptr;      ///< the last one created; not owned
-    QThread* homeThread = nullptr;         ///< where the device was made, and goes back to before it ends
-    InterlockedCounter hostCalls;          ///< host calls that are inside the device
+    IKXPDevicePanel* panel = nullptr;      ///< the last one created; not owned; host main
+    std::recursive_mutex mutex;            ///< guards the engine's state: every entry into the script takes it
+    std::atomic<bool> ending{false};       ///< set once by LetGo: nothing enters the script any more
 
-    // The rooms
-    std::atomic<bool> gone{false};   ///< set once by LetGo: the host's operations are refused
-    bool analysisEnded = true;       ///< the last analysis came to its end by itself; host main
-    std::atomic<bool> ending{false}; ///< set once by Release: nothing enters the script any more
-    HostValues values{ending};       ///< the host's values of the device's variables
-    StoredSetup storedSetup;         ///< what the host keeps of the device
-    std::recursive_mutex mutex;      ///< guards the engine's state: every entry into the script takes it
-    CompletionGate gate;
-    ScriptEntrance entrance{mutex, ending, [this] { FireDeferredTimers(); }, this}; ///< with the engine's thread
-    EnumHelpers enumHelpers{EnumTarget()};
-
-    std::unique_ptr<ICommandWork> roadWork; ///< what the road needs of this device
-    std::unique_ptr<CommandRoad> road;      ///< made before all that posts
-
-    RunState runState; ///< where start and stop are
-    bool debuggerEnabled = false;
-
-    // The script's world. The engine, what it shows and what hangs on it go in the reverse of this order.
-    std::unique_ptr<MScriptThread> scriptThread; ///< null while the debugger is enabled
-    std::unique_ptr<QScriptEngine> engine;
-    MScriptEngineAgent* agent = nullptr; ///< owned by the engine, installed with the debugger only
-    std::unique_ptr<MScriptMngRemote> remote;
-    std::unique_ptr<ScriptDebugger> debugger;       ///< null unless it is enabled
-    ScriptSet live;                                 ///< what the engine runs
-    ScriptSet stop;                                 ///< what an analysis sees
-    std::unique_ptr<EventArguments> eventArguments; ///< for the engine, with which it is made; script
-    std::unique_ptr<ResourceRoom> resources;        ///< made with the bridge, which outlives it
-    ScriptTimers timers{*this};
-    ScriptCallbacks callbacks;
+    // The rooms. Each says itself which threads come to it; what stands below uses what stands above, and goes before it.
+    const HostServices services; ///< what the host offers
+    HostDoor door;               ///< the host's threads inside the device
+    HostValues values;           ///< the host's values of the device's variables
+    StoredSetup storedSetup;     ///< what the host keeps of the device
+    UserCommands commands;       ///< the commands that the script adds
+    const std::unique_ptr<Links> links;
+    ScriptCrossing crossing;                        ///< the script thread and the way there
+    const std::unique_ptr<ScriptWorld> world;       ///< the engine and all that stands in it
+    const std::unique_ptr<ScriptHandlers> handlers; ///< functions of the script that are called back
+    const std::unique_ptr<ScriptAnalysis> analysis; ///< what a script would publish
+    const std::unique_ptr<ScriptProgram> program;   ///< the script that runs
+    const std::unique_ptr<CommandRoad> road;        ///< the command thread and its queue
+    TickSeat seat{*this};                           ///< the watchdog's tick
+    const std::array<IEndingRoom*, 6> endings;      ///< the rooms that end with the device, in their order
 };

@@ -30,6 +30,15 @@ SetupChoices StoredSetup::GetChoices() const {
     return m_choices;
 }
 
+void StoredSetup::SetRegisterAllUserGroups(bool enabled) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_choices.registerAllUserGroups = enabled;
+}
+
+void StoredSetup::SetSettings(const ScriptSettings& settings) {
+    ReplaceAll(m_settings, settings);
+}
+
 void StoredSetup::TakePanelAndLists(const DeviceSetup& setup) {
     m_userModeVisible = setup.userModeVisible.value_or(m_userModeVisible);
     m_runModeVisible = setup.runModeVisible.value_or(m_runModeVisible);

@@ -30,6 +30,10 @@ public:
 
     /// [host main]
     void SetChoices(const SetupChoices& choices);
+    /// Whether the group granted to this device is registered at each load.   [host main]
+    void SetRegisterAllUserGroups(bool enabled);
+    /// The values that the script finds in its `Setup` before _mStart.   [host main]
+    void SetSettings(const ScriptSettings& settings);
     SetupChoices GetChoices() const;
 
     /// Panel, settings and variables of another setup.   [host main]
@@ -40,10 +44,8 @@ public:
     // Lists with locks of their own
     MLockedList<MScriptSetting>& Settings() { return m_settings; }
     MLockedList<MScriptVariable>& Variables() { return m_variables; }
-    MLockedList<MScriptCommand>& Commands() { return m_commands; }
     std::vector<MScriptSetting> GetSettings() const { return m_settings.Snapshot(); }
     std::vector<MScriptVariable> GetVariables() const { return m_variables.Snapshot(); }
-    std::vector<MScriptCommand> GetCommands() const { return m_commands.Snapshot(); }
 
     // Whether the default commands and variables go
     /// The dialog's choice while it is open; nothing when it is closed.   [host main]
@@ -81,7 +83,6 @@ private:
 
     MLockedList<MScriptSetting> m_settings;
     MLockedList<MScriptVariable> m_variables; ///< as known to the host
-    MLockedList<MScriptCommand> m_commands;   ///< the user commands with their ids
     std::atomic<bool> m_appliedRemoval{false};
 
     bool m_userModeVisible = true; ///< host main, as is all that follows

@@ -19,7 +19,7 @@ protected:
         Initialize();
     }
     static std::uint32_t NumberOf(IKXPDevice* device) {
-        return dynamic_cast<MCalverinScript_Device&>(*device).GetModuleDeviceNumber();
+        return dynamic_cast<MCalverinScript_Device&>(*device).GetStoredSetup().GetDeviceNumber();
     }
 };
 
@@ -105,7 +105,7 @@ TEST_F(ModuleDevices, MayBeWalkedOnAnotherThreadWhileTheyComeAndGo) {
         while (!over) {
             module->LockDevices(2);
             for (MCalverinScript_Device* device : module->GetDevices())
-                EXPECT_NE(device->GetModuleDeviceNumber(), 99u);
+                EXPECT_NE(device->GetStoredSetup().GetDeviceNumber(), 99u);
             module->UnlockDevices(2);
         }
     });

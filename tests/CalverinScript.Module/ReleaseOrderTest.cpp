@@ -46,7 +46,7 @@ protected:
         EXPECT_TRUE(Eventually([] { return MCalverinScript_Device::SweepAbandoned() == 0; }));
     }
     void Start(const char* script) {
-        dynamic_cast<MCalverinScript_Device&>(*device).SetSetupScript(QString(), QLatin1String(script));
+        dynamic_cast<MCalverinScript_Device&>(*device).GetStoredSetup().SetScript(QString(), QLatin1String(script));
         ASSERT_EQ(device->Start(), KXP_OK);
     }
     KXPCode Call(const char* function, IExecContext* context) {

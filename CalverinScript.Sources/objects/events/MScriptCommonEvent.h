@@ -49,6 +49,8 @@ public:
 
     void Lock() { m_lock.Enter(); }
     void Unlock() { m_lock.Leave(); }
+    void lock() { Lock(); } ///< with the next, for std::lock_guard
+    void unlock() { Unlock(); }
     /// Forgets all listeners.   [script]
     void ClearListeners();
     /// The script's view of this object, which is a QObject too; made when it is first asked for.   [script]

@@ -72,7 +72,7 @@ protected:
         return [](QWidget& dialog) { Click(dialog, "pushButtonOk"); };
     }
     std::string StoredValue(const char* setting) const {
-        for (const MScriptSetting& stored : device->GetSetupSettings())
+        for (const MScriptSetting& stored : device->GetStoredSetup().GetSettings())
             if (stored.name == QLatin1String(setting))
                 return stored.value.toStdString();
         return "(none)";
@@ -99,7 +99,7 @@ TEST_F(TheSetupDialog, ShowsWhatTheScriptSaysOfItselfAndItsForm) {
 
 TEST_F(TheSetupDialog, WithoutProgrammingModeHasOneTabAndNoSaveButtons) {
     GivenScript(kDriver, false);
-    device->GetSetupMemory().currentTab = 2;
+    device->GetStoredSetup().Memory().currentTab = 2;
     Show([&](QWidget& dialog) {
         EXPECT_EQ(Tabs(dialog).count(), 1);
         EXPECT_EQ(Tabs(dialog).currentIndex(), 0);
@@ -129,7 +129,7 @@ TEST_F(TheSetupDialog, GivesTheDeviceWhatTheUserEntered) {
               KXP_OK);
     EXPECT_EQ(StoredValue("Address"), "10.0.0.9");
     EXPECT_EQ(StoredValue("Channel"), "3");
-    EXPECT_EQ(device->GetSetupScriptText().toStdString(), kDriver);
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText().toStdString(), kDriver);
 }
 
 TEST_F(TheSetupDialog, LeavesTheDeviceAsItWasWhenCancelledOrClosed) {
@@ -154,7 +154,7 @@ TEST_F(TheSetupDialog, LeavesTheDeviceAsItWasWhenCancelledOrClosed) {
               }),
               13u);
     EXPECT_EQ(StoredValue("Address"), "(none)");
-    EXPECT_EQ(device->GetSetupScriptText().toStdString(), kDriver);
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText().toStdString(), kDriver);
     EXPECT_EQ(device->GetStopSet().settings.Count(), 2u) << "the analysis is that of the stored script again";
 }
 
@@ -174,7 +174,7 @@ TEST_F(TheSetupDialog, AFirstSetupIsNoChange) {
                   Click(dialog, "pushButtonOk");
               }),
               KXP_OK);
-    EXPECT_EQ(device->GetSetupScriptText(), QStringLiteral("({ Play: function(a) {} })"));
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText(), QStringLiteral("({ Play: function(a) {} })"));
 }
 
 TEST_F(TheSetupDialog, IsRefusedWhereTheHostTakesNoDefinition) {
@@ -185,8 +185,8 @@ TEST_F(TheSetupDialog, IsRefusedWhereTheHostTakesNoDefinition) {
                   Click(dialog, "pushButtonOk");
               }),
               13u);
-    EXPECT_EQ(device->GetSetupScriptText(), QStringLiteral("({})"));
-    EXPECT_EQ(device->GetSetupMemory().width, 0);
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText(), QStringLiteral("({})"));
+    EXPECT_EQ(device->GetStoredSetup().Memory().width, 0);
 }
 
 TEST_F(TheSetupDialog, EvaluatesAndPutsTheCaretOnTheLineOfTheError) {
@@ -235,7 +235,7 @@ TEST_F(TheSetupDialog, AScriptInErrorIsAcceptedOnlyWithTheUsersConsentAndKeepsWh
                   Click(dialog, "pushButtonOk");
               }),
               13u);
-    EXPECT_EQ(device->GetSetupScriptText(), QLatin1String(broken));
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText(), QLatin1String(broken));
     EXPECT_EQ(StoredValue("Address"), "10.0.0.15");
 }
 
@@ -268,7 +268,7 @@ TEST_F(TheSetupDialog, KeepsTheOptionsThatAreTicked) {
     EXPECT_FALSE(stored.script->autoCompletion);
     EXPECT_FALSE(*stored.userModeVisible);
     EXPECT_FALSE(*stored.runModeVisible);
-    EXPECT_TRUE(device->GetAppliedRemoveDefaults());
+    EXPECT_TRUE(device->GetStoredSetup().IsRemovalApplied());
 }
 
 TEST_F(TheSetupDialog, AScriptsOwnWordAboutTheDefaultsCannotBeChanged) {
@@ -346,7 +346,7 @@ TEST_F(TheSetupDialog, ADoubleClickOpensTheEditDialogWithNameAndTypeGrey) {
         ClickTab(dialog, 0);
         Click(dialog, "pushButtonOk");
     });
-    const auto stored = device->GetLiveVariables();
+    const auto stored = device->GetStoredSetup().GetVariables();
     ASSERT_EQ(stored.size(), 3u);
     EXPECT_EQ(stored[0].value, QStringLiteral("42"));
     EXPECT_FALSE(stored[0].useDefaultScriptValue);
@@ -397,7 +397,7 @@ TEST_F(TheSetupDialog, TheMarkOfARowChangesOnlyThatVariable) {
         EXPECT_EQ(Cell(dialog, 1, 2), "0.5");
         Click(dialog, "pushButtonOk");
     });
-    const auto stored = device->GetLiveVariables();
+    const auto stored = device->GetStoredSetup().GetVariables();
     EXPECT_TRUE(stored[0].useDefaultScriptValue);
     EXPECT_FALSE(stored[1].useDefaultScriptValue);
 }
@@ -411,7 +411,7 @@ TEST_F(TheSetupDialog, TheMarkOfARowCanBeSetByTheKeyboard) {
         QTest::keyClick(&Table(dialog), Qt::Key_Space);
         Click(dialog, "pushButtonOk");
     });
-    EXPECT_FALSE(device->GetLiveVariables().at(0).useDefaultScriptValue);
+    EXPECT_FALSE(device->GetStoredSetup().GetVariables().at(0).useDefaultScriptValue);
 }
 
 TEST_F(TheSetupDialog, FindsDownwardsFromTheCaretWithoutWrapping) {
@@ -442,8 +442,8 @@ TEST_F(TheSetupDialog, FindsDownwardsFromTheCaretWithoutWrapping) {
             Click(finder, "pushButtonClose");
         });
         QTest::keyClick(&Editor(dialog), Qt::Key_F, Qt::ControlModifier);
-        EXPECT_FALSE(device->GetSetupMemory().findsDown);
-        EXPECT_TRUE(device->GetSetupMemory().findMatchesCase);
+        EXPECT_FALSE(device->GetStoredSetup().Memory().findsDown);
+        EXPECT_TRUE(device->GetStoredSetup().Memory().findMatchesCase);
         Click(dialog, "pushButtonCancel");
     });
 }
@@ -469,7 +469,7 @@ TEST_F(TheSetupDialog, KeepsCharactersThatOnlyLookLikeBlanks) {
     const std::string text = "({ unit: '5\xc2\xa0V' })";
     GivenScript(text);
     Show([&](QWidget& dialog) { Click(dialog, "pushButtonOk"); });
-    EXPECT_EQ(device->GetSetupScriptText().toStdString(), text);
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText().toStdString(), text);
 }
 
 TEST_F(TheSetupDialog, TellsWhenThereIsNoHelpFile) {
@@ -567,7 +567,7 @@ TEST_F(TheSetupDialog, IsRejectedWhenTheHostsWindowGoesAway) {
                   EXPECT_FALSE(dialog.isVisible());
               }),
               13u);
-    EXPECT_EQ(device->GetSetupScriptText().toStdString(), kDriver);
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText().toStdString(), kDriver);
 }
 
 TEST_F(TheSetupDialog, IsRejectedWhenTheDeviceGoesAway) {

@@ -47,7 +47,7 @@ protected:
             Click(choice, "pushButtonOk");
         });
     }
-    std::string ScriptFile() const { return device->GetSetupScriptFileName().toStdString(); }
+    std::string ScriptFile() const { return device->GetStoredSetup().GetScriptFileName().toStdString(); }
 };
 
 TEST_F(ScriptFilesOfTheSetup, LoadCopiesTheScriptIntoTheProjectAndShowsIt) {
@@ -239,7 +239,7 @@ TEST_F(ScriptFilesOfTheSetup, LineEndsOfOtherSystemsAreNoChangeAndStay) {
     const std::string text = "({\r\n  Info: {}\r\n})\r\n";
     GivenScriptFile("lamp.js", text);
     Show([&](QWidget& dialog) { Click(dialog, "pushButtonOk"); });
-    EXPECT_EQ(device->GetSetupScriptText().toStdString(), text) << "else the device would lose its file";
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText().toStdString(), text) << "else the device would lose its file";
     Show([&](QWidget& dialog) {
         Edit(dialog, "({\n})\n");
         Click(dialog, "pushButtonSave");
@@ -268,9 +268,9 @@ TEST_F(ScriptFilesOfTheSetup, ChangesOfAScriptWithAFileGoWhereTheUserSays) {
         });
         EXPECT_EQ(Read(Library(), "lamp.js"), choice.inLibrary);
         EXPECT_EQ(ScriptFile(), *choice.file != '\0' ? Project() + choice.file : "");
-        EXPECT_EQ(device->GetSetupScriptText(), QLatin1String(kEdited));
+        EXPECT_EQ(device->GetStoredSetup().GetScriptText(), QLatin1String(kEdited));
     }
-    EXPECT_EQ(device->GetSetupMemory().saveOption, 1);
+    EXPECT_EQ(device->GetStoredSetup().Memory().saveOption, 1);
 }
 
 TEST_F(ScriptFilesOfTheSetup, ChangesMayGoIntoANewScript) {
@@ -300,7 +300,7 @@ TEST_F(ScriptFilesOfTheSetup, CancelOfTheQuestionStillAcceptsTheSetupAsMeant) {
               13u);
     EXPECT_EQ(Read(Library(), "lamp.js"), kLamp);
     EXPECT_EQ(Read(Project(), "lamp.js"), kLamp);
-    EXPECT_EQ(device->GetSetupScriptText(), QLatin1String(kEdited));
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText(), QLatin1String(kEdited));
 }
 
 TEST_F(ScriptFilesOfTheSetup, SaveAsChosenAndCancelledStillAcceptsAsMeant) {
@@ -315,7 +315,7 @@ TEST_F(ScriptFilesOfTheSetup, SaveAsChosenAndCancelledStillAcceptsAsMeant) {
         Click(dialog, "pushButtonOk");
     });
     EXPECT_EQ(Read(Library(), "lamp.js"), kLamp);
-    EXPECT_EQ(device->GetSetupScriptText(), QLatin1String(kEdited));
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText(), QLatin1String(kEdited));
 }
 
 TEST_F(ScriptFilesOfTheSetup, AFileThatVanishedOrWasReplacedOpensTheQuestion) {

@@ -170,7 +170,7 @@ void SetupFixture::GivenScriptFile(const std::string& name, const std::string& t
     WriteLibrary(name, text);
     Write(Project() + "/" + name, text);
     GivenScript(text);
-    device->SetSetupScript(QString::fromStdString(Project() + "/" + name), QString::fromStdString(text));
+    device->GetStoredSetup().SetScript(QString::fromStdString(Project() + "/" + name), QString::fromStdString(text));
 }
 
 std::string SetupFixture::WriteLibrary(const std::string& name, const std::string& content) {

@@ -56,7 +56,7 @@ TEST_F(AnalysisLimit, LetsAProjectOpenWhoseScriptNeverComesBack) {
     setup.script = script;
     EXPECT_EQ(device->SetSetup(PrintSetup(setup).c_str()), KXP_OK);
     EXPECT_EQ(told, kEnded);
-    EXPECT_EQ(device->GetSetupScriptText(), script.text);
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText(), script.text);
 }
 
 } // namespace

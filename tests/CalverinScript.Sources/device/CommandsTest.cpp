@@ -205,7 +205,7 @@ TEST_F(Commands, RunInTheOrderOfTheirAcceptance) {
 }
 
 TEST_F(Commands, OfMoreThanAThousandQueuedOnesTheOldestIsDroppedAndItsRequestEnded) {
-    device->SetSetupScript(QString(), QStringLiteral("({ F: function() { return 1 } })"));
+    device->GetStoredSetup().SetScript(QString(), QStringLiteral("({ F: function() { return 1 } })"));
     device->Start();
     device->SetMaxQueued(10);
     // A command that is held by the watchdog keeps all others waiting.

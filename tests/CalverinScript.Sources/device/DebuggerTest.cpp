@@ -59,7 +59,7 @@ TEST_F(Debugger, LetsStopAbortAScriptThatNeverReturns) {
     MakeDevice();
     plain::Value inside("inside");
     TellWhenInside(inside);
-    device->SetSetupScript(QString(), QStringLiteral("inside(); while (true) {}"));
+    device->GetStoredSetup().SetScript(QString(), QStringLiteral("inside(); while (true) {}"));
     std::thread stopper([&] {
         EXPECT_TRUE(inside.WaitFor("yes"));
         device->Stop();

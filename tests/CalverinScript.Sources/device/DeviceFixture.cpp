@@ -37,7 +37,7 @@ void DeviceFixture::TearDown() {
 }
 
 void DeviceFixture::GivenScript(const std::string& text) {
-    device->SetSetupScript(QString(), QString::fromStdString(text));
+    device->GetStoredSetup().SetScript(QString(), QString::fromStdString(text));
     device->Start();
 }
 

@@ -52,7 +52,7 @@ TEST_F(EndOfDevice, AScriptThatCatchesEverythingInItsLoopIsEndedToo) {
 
 TEST_F(EndOfDevice, ALoopAtTheTopLevelLetsStartReturn) {
     TellWhenInside(inside);
-    device->SetSetupScript(QString(), QStringLiteral("inside(); while (true) {}"));
+    device->GetStoredSetup().SetScript(QString(), QStringLiteral("inside(); while (true) {}"));
     std::thread starter([this] { device->Start(); });
     ASSERT_TRUE(inside.WaitFor("yes"));
     device->Release();

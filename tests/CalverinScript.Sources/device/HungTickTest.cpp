@@ -49,8 +49,8 @@ protected:
 
 TEST_F(HungTick, AScriptThatHangsOnItHarmsNobodyElse) {
     Neighbour before(module);
-    before.device->SetSetupScript(QString(),
-                                  QStringLiteral("({ Gone: function() {}, Hide: function() { delete this.Gone; } })"));
+    before.device->GetStoredSetup().SetScript(
+        QString(), QStringLiteral("({ Gone: function() {}, Hide: function() { delete this.Gone; } })"));
     before.device->Start();
     WhenTheTickHangs();
 

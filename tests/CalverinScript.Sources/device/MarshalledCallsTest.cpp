@@ -77,7 +77,7 @@ TEST_F(MarshalledCalls, TwoLoadsAtOnceReadTheirOwnFilesAndGiveTheirOwnResults) {
 TEST_F(MarshalledCalls, ACommandThatLoadsAFileWhileStartLoadsOneReadsItsOwn) {
     const std::string first = WriteFile("first.js", "({ First: function() {} })");
     const std::string second = WriteFile("second.js", "({ Second: function() {} })");
-    device->SetSetupScript(QString::fromStdString(first), QString());
+    device->GetStoredSetup().SetScript(QString::fromStdString(first), QString());
     for (int round = 0; round < kRounds; ++round) {
         std::thread sender([&] {
             plain::Params params({second});

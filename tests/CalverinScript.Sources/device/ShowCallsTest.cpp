@@ -57,7 +57,7 @@ TEST_F(ShowCalls, EachLoadRegistersTheGrantedGroupAnewWhenTheSetupSaysSo) {
     WhenTextIsLoaded("({ F: function() {} })");
     EXPECT_EQ(remote.calls, anew);
     remote.calls.clear();
-    device->SetRegisterAllUserGroups(false);
+    device->GetStoredSetup().SetRegisterAllUserGroups(false);
     WhenTextIsLoaded("({})");
     EXPECT_EQ(remote.calls, std::vector<std::string>{"UnregisterGroup|-"});
 }

@@ -22,7 +22,8 @@ TEST_F(StartStop, RunsTheSetupsScriptAndTellsThatItIsAStart) {
 
 TEST_F(StartStop, PrefersTheSetupsFileToItsText) {
     const std::string path = WriteFile("file.js", "({ Which: function() { return 'file' } })");
-    device->SetSetupScript(QString::fromStdString(path), QStringLiteral("({ Which: function() { return 'text' } })"));
+    device->GetStoredSetup().SetScript(QString::fromStdString(path),
+                                       QStringLiteral("({ Which: function() { return 'text' } })"));
     device->Start();
     EXPECT_EQ(Call("Which"), "file");
 }
@@ -103,11 +104,11 @@ TEST_F(StartStop, SettingsReachTheScriptBefore_mStartByTheirTypes) {
         s.value = QString::fromLatin1(value);
         return s;
     };
-    device->SetSetupSettings({setting("i", "IntegerData", "42"), setting("e", "EnumData", "2"),
-                              setting("r", "RealData", "1.5"), setting("s", "StringData", "text"),
-                              setting("d", "DateData", "31/12/2020"), setting("t", "TimeData", "00:00:01/00"),
-                              setting("p", "PrivateData", "secret"), setting("gone", "StringData", "no member"),
-                              setting("bad", "IntegerData", "12abc")});
+    device->GetStoredSetup().SetSettings(
+        {setting("i", "IntegerData", "42"), setting("e", "EnumData", "2"), setting("r", "RealData", "1.5"),
+         setting("s", "StringData", "text"), setting("d", "DateData", "31/12/2020"),
+         setting("t", "TimeData", "00:00:01/00"), setting("p", "PrivateData", "secret"),
+         setting("gone", "StringData", "no member"), setting("bad", "IntegerData", "12abc")});
     GivenScript("({ Setup: { i: 0, e: 0, r: 0, s: '', d: 0, t: 0, p: 'own', bad: 7 }, seen: '',"
                 "   _mStart: function() { var s = this.Setup; var out = [];"
                 "     for (var k in s) out.push(k + '=' + typeof s[k] + ' ' + s[k]); this.seen = out.join(';') },"
@@ -130,7 +131,7 @@ TEST_F(StartStop, AQueuedCommandsRequestIsEndedByStop) {
 }
 
 TEST_F(StartStop, CommandsGivenWhileStoppedWaitForTheStart) {
-    device->SetSetupScript(QString(), QStringLiteral("({ F: function() { return 1 } })"));
+    device->GetStoredSetup().SetScript(QString(), QStringLiteral("({ F: function() { return 1 } })"));
     device->Start();
     device->Stop();
     auto params = plain::Params::ForFunction("F", {});

@@ -66,7 +66,7 @@ TEST_F(StoredSetup, OfAScriptInAFileIsReadBackWithTheSameResult) {
     WriteScript("a.js", "({ f: function() { return '\xC3\xA9' } })");
     const std::string text = Linked("a.js", "({ f: function() { return '\xE9' } })");
     ASSERT_EQ(driver.device->SetSetup(text.c_str()), KXP_OK);
-    EXPECT_EQ(driver.device->GetSetupScriptFileName(), folder.filePath(QStringLiteral("a.js")));
+    EXPECT_EQ(driver.device->GetStoredSetup().GetScriptFileName(), folder.filePath(QStringLiteral("a.js")));
     const std::string written = Setup(driver);
     EXPECT_NE(written.find("ScriptFileName=\"$CURRENTPRJ_USERDATA\\a.js\""), std::string::npos) << written;
     ASSERT_EQ(driver.device->SetSetup(written.c_str()), KXP_OK);
@@ -77,7 +77,7 @@ TEST_F(StoredSetup, RunsTheStoredTextWhenTheFileHasBeenEditedAndLosesTheFileName
     DriverDevice& driver = MakeDevice();
     WriteScript("a.js", "({ f: function() { return 'edited' } })");
     ASSERT_EQ(driver.device->SetSetup(Linked("a.js", "({ f: function() { return 'stored' } })").c_str()), KXP_OK);
-    EXPECT_EQ(driver.device->GetSetupScriptFileName(), QString());
+    EXPECT_EQ(driver.device->GetStoredSetup().GetScriptFileName(), QString());
     EXPECT_EQ(Setup(driver).find("ScriptFileName"), std::string::npos);
     driver.device->Start();
     EXPECT_EQ(Send(driver, IdOf(driver, "f"), {}), "stored");
@@ -90,19 +90,19 @@ TEST_F(StoredSetup, GivesTheIndentationBackThatAnOlderSetupLost) {
     for (std::size_t at = condensed.find("    "); at != std::string::npos; at = condensed.find("    "))
         condensed.replace(at, 4, " ");
     ASSERT_EQ(driver.device->SetSetup(Linked("a.js", condensed).c_str()), KXP_OK);
-    EXPECT_EQ(driver.device->GetSetupScriptText().toStdString(), content);
-    EXPECT_FALSE(driver.device->GetSetupScriptFileName().isEmpty());
+    EXPECT_EQ(driver.device->GetStoredSetup().GetScriptText().toStdString(), content);
+    EXPECT_FALSE(driver.device->GetStoredSetup().GetScriptFileName().isEmpty());
 }
 
 TEST_F(StoredSetup, StaysEmbeddedWithoutTheFileOrTheFolder) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(driver.device->SetSetup(Linked("gone.js", "({})").c_str()), KXP_OK);
-    EXPECT_EQ(driver.device->GetSetupScriptFileName(), QString());
+    EXPECT_EQ(driver.device->GetStoredSetup().GetScriptFileName(), QString());
     host.folders.clear();
     WriteScript("a.js", "({})");
     ASSERT_EQ(driver.device->SetSetup(Linked("a.js", "({})").c_str()), KXP_OK);
-    EXPECT_EQ(driver.device->GetSetupScriptFileName(), QString());
-    EXPECT_EQ(driver.device->GetSetupScriptText(), QStringLiteral("({})"));
+    EXPECT_EQ(driver.device->GetStoredSetup().GetScriptFileName(), QString());
+    EXPECT_EQ(driver.device->GetStoredSetup().GetScriptText(), QStringLiteral("({})"));
 }
 
 TEST_F(StoredSetup, WritesTheModulesCommandsForTheFirstDeviceAlone) {
@@ -162,12 +162,12 @@ QString LargeScript(int millions) {
 
 TEST_F(StoredSetup, IsNeverGivenOutLargerThanItIsReadBack) {
     DriverDevice& driver = MakeDevice();
-    driver.device->SetSetupScript(QString(), LargeScript(48));
+    driver.device->GetStoredSetup().SetScript(QString(), LargeScript(48));
     const std::string large = Setup(driver);
     EXPECT_EQ(driver.device->SetSetup(large.c_str()), KXP_OK);
-    EXPECT_EQ(driver.device->GetSetupScriptText().size(), 48000000);
+    EXPECT_EQ(driver.device->GetStoredSetup().GetScriptText().size(), 48000000);
     EXPECT_EQ(driver.variables.error.Text(), "");
-    driver.device->SetSetupScript(QString(), LargeScript(51));
+    driver.device->GetStoredSetup().SetScript(QString(), LargeScript(51));
     char* text = nullptr;
     EXPECT_EQ(driver.device->GetSetup(&text), KXP_NOT_IMPLEMENTED);
     EXPECT_EQ(text, nullptr);
@@ -223,7 +223,7 @@ TEST_F(StoredSetup, WithoutAScriptLeavesItsValuesAsTheyWere) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, "({ f: function() {} })"), KXP_OK);
     ASSERT_EQ(driver.device->SetSetup("<DeviceData Version='1' Name='D'><Setup/></DeviceData>"), KXP_OK);
-    EXPECT_EQ(driver.device->GetSetupScriptText(), QStringLiteral("({ f: function() {} })"));
+    EXPECT_EQ(driver.device->GetStoredSetup().GetScriptText(), QStringLiteral("({ f: function() {} })"));
     EXPECT_NE(Setup(driver).find("RegisterAllUserGroups=\"1\""), std::string::npos);
     EXPECT_EQ(Commands(driver), "f:4");
 }
@@ -277,17 +277,17 @@ TEST_F(StoredSetup, RemovesTheDefaultsWhenTheSetupOrTheScriptSaysSo) {
                flag + "'>" + script + "</Script></Setup></DeviceData>";
     };
     ASSERT_EQ(driver.device->SetSetup(setup("1", "({})").c_str()), KXP_OK);
-    EXPECT_TRUE(driver.device->GetAppliedRemoveDefaults());
+    EXPECT_TRUE(driver.device->GetStoredSetup().IsRemovalApplied());
     EXPECT_NE(driver.variables.definition.find("Status=\"Hidden\""), std::string::npos);
     EXPECT_EQ(driver.variables.definition.find("Name=\"Error\""), std::string::npos);
     const char* keeps = "({ Info: { Options: { RemoveDefaultCommandsAndVariables: false } } })";
     ASSERT_EQ(driver.device->SetSetup(setup("1", keeps).c_str()), KXP_OK);
-    EXPECT_FALSE(driver.device->GetAppliedRemoveDefaults());
-    EXPECT_TRUE(driver.device->GetRemoveDefaults());
+    EXPECT_FALSE(driver.device->GetStoredSetup().IsRemovalApplied());
+    EXPECT_TRUE(driver.device->GetStoredSetup().GetChoices().removeDefaults);
     const char* removes =
         "({ Info: { Options: { RemoveDefaultCommandsAndVariables: true } }, f: function() { throw 1 } })";
     ASSERT_EQ(driver.device->SetSetup(setup("0", removes).c_str()), KXP_OK);
-    EXPECT_TRUE(driver.device->GetAppliedRemoveDefaults());
+    EXPECT_TRUE(driver.device->GetStoredSetup().IsRemovalApplied());
     driver.device->Start();
     EXPECT_EQ(Send(driver, IdOf(driver, "f"), {}), "");
     EXPECT_EQ(driver.variables.error.History(), std::vector<std::string>()) << "the device has let go of Error";
@@ -344,7 +344,7 @@ TEST_F(StoredSetup, OfFiveHundredCommandsAndVariablesWorks) {
     ASSERT_EQ(driver.device->SetSetup(text.c_str()), KXP_OK);
     EXPECT_EQ(driver.device->GetCommands().size(), 500u);
     EXPECT_EQ(driver.device->GetCommands().at(499).params.size(), 9);
-    EXPECT_EQ(driver.device->GetLiveVariables().size(), 501u);
+    EXPECT_EQ(driver.device->GetStoredSetup().GetVariables().size(), 501u);
     driver.device->Start();
     TypedValue a("a", KXP_INTEGER_DATA, "7");
     EXPECT_EQ(Send(driver, IdOf(driver, "c499"), {&a}), "7");

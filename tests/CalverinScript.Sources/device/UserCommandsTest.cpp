@@ -174,7 +174,7 @@ TEST_F(UserCommands, StayAsTheyWereWhenTheHostRefusesTheDefinitionOrTheDialogIsL
     driver.variables.refuses = true;
     EXPECT_EQ(Accept(driver, "({ g: function() {} })"), KXP_CANCELLED);
     driver.device->BeginSetup();
-    driver.device->SetPendingRemoveDefaults(true);
+    driver.device->GetStoredSetup().SetPendingRemoval(true);
     EXPECT_EQ(driver.device->CancelSetup(), KXP_CANCELLED);
     EXPECT_EQ(Setup(driver), before);
     EXPECT_EQ(Commands(driver), "f:4");

@@ -84,7 +84,7 @@ TEST_F(ResourceLife, ARestartKeepsTheObjectAndEmptiesItsListeners) {
     serial.calls.Take();
     device->Stop();
     EXPECT_EQ(serial.calls.Take(), "") << "the port stays as it is";
-    device->SetSetupScript(QString(), QStringLiteral("port = get('Serial', 3); ({})"));
+    device->GetStoredSetup().SetScript(QString(), QStringLiteral("port = get('Serial', 3); ({})"));
     device->Start();
     EXPECT_EQ(ObjectOf("port"), object);
     ForgetHeard();
@@ -96,7 +96,7 @@ TEST_F(ResourceLife, APortThatTheNewRunDoesNotTakeIsNotHeard) {
     GivenRunning(kListening);
     Run("port.On('data', hearing('data'))");
     device->Stop();
-    device->SetSetupScript(QString(), QStringLiteral("({})"));
+    device->GetStoredSetup().SetScript(QString(), QStringLiteral("({})"));
     device->Start();
     ForgetHeard();
     serial.Receive("x");

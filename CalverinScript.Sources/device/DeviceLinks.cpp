@@ -1,0 +1,66 @@
+#include "MCalverinScript_Device.h"
+
+#include <QScriptEngine>
+
+#include "DeviceLinks.h"
+#include "DeviceTexts.h"
+#include "HostText.h"
+#include "Log.h"
+#include "MScriptMngRemote.h"
+#include "ScriptWorld.h"
+
+namespace {
+
+constexpr int kExceptionLevel = 5;
+
+} // namespace
+
+bool MCalverinScript_Device::Links::Run(const ScriptRequest& request) {
+    ScriptRequest own = request;
+    switch (request.id) {
+    case kLoadFromFile:
+        return m_device.LoadScriptCommand(request.text, false);
+    case kLoadFromText:
+        return m_device.EvaluateScriptCommand(FromHostText(request.text), false);
+    case kExecuteFunction:
+        return m_device.ExecuteScriptFunction(request.text, nullptr, nullptr);
+    case kExecuteFunctionWithParams:
+        return m_device.ExecuteScriptFunction(request.text, request.result, own.params.data());
+    case kScriptCallback:
+        return m_device.ExecuteCallBack(request.answer);
+    default:
+        return false;
+    }
+}
+
+void MCalverinScript_Device::Links::ShowStatus(DeviceStatus status) {
+    m_device.values.SetStatus(status);
+}
+
+void MCalverinScript_Device::Links::ShowError(const char* text) {
+    m_device.ReportError(FromHostText(text), false);
+}
+
+void MCalverinScript_Device::Links::OnCommandOver() {
+    m_device.world->Remote().SetPostponeAllowed(false);
+}
+
+void MCalverinScript_Device::SlotHandlerException(const QScriptValue& exception) {
+    const bool isError = exception.isError();
+    const QString message = isError ? MessageOf(exception) : exception.toString();
+    const QString line = isError ? exception.property(QStringLiteral("lineNumber")).toString()
+                                 : QString::number(world->Engine().uncaughtExceptionLineNumber());
+    ReportError(ScriptFailure(message), false);
+    if (!IsLogOn(false))
+        return;
+    const QString text = UncaughtForLog(line, message);
+    WriteLog(LogHandle(), kExceptionLevel, "CalverinScript_ [%s] %s", CopyName().c_str(), ToHostText(text).constData());
+}
+
+void MCalverinScript_Device::ReportError(const QString& text, bool stopMode) {
+    if (text.isNull())
+        return;
+    if (!stopMode)
+        values.SetText(DefaultVariable::Error, text);
+    Q_EMIT SignalNotifyErrorChange(text);
+}

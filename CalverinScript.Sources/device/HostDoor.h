@@ -1,0 +1,37 @@
+#pragma once
+
+#include <atomic>
+
+#include "IEndingRoom.h"
+#include "InterlockedCounter.h"
+
+/// The door through which the host's threads and the tick come into a device. Once it is closed the device refuses every operation but
+/// its release; those who are inside then may still be waiting there, and the device has to outlive them.
+class HostDoor final : public IEndingRoom {
+public:
+    /// One call that may block inside the device.   [any host thread, tick]
+    class Visit {
+    public:
+        explicit Visit(HostDoor& door)
+            : m_inside(door.m_inside) {
+            m_inside.Increment();
+        }
+        ~Visit() { m_inside.Decrement(); }
+        Visit(const Visit&) = delete;
+        Visit& operator=(const Visit&) = delete;
+
+    private:
+        InterlockedCounter& m_inside;
+    };
+
+    /// @return false when it was closed already.   [host main]
+    bool Close() { return !m_closed.exchange(true); }
+    bool IsClosed() const { return m_closed; }
+
+    // IEndingRoom
+    bool HasEnded() const override { return m_inside.Read() == 0; }
+
+private:
+    std::atomic<bool> m_closed{false}; ///< written by the host's main thread, read by all
+    InterlockedCounter m_inside;
+};

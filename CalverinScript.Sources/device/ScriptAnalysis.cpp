@@ -1,0 +1,77 @@
+#include "ScriptAnalysis.h"
+
+#include "ConfigFile.h"
+#include "DeviceTexts.h"
+#include "HostValues.h"
+#include "IModuleServices.h"
+#include "IProgramOwner.h"
+#include "LimitedRun.h"
+#include "ScriptEvaluation.h"
+#include "ScriptGlobals.h"
+#include "StoredSetup.h"
+#include "VariableLookup.h"
+
+ScriptAnalysis::ScriptAnalysis(IModuleServices* module, const HostServices& services, HostValues& values,
+                               StoredSetup& setup, IScriptReports& reports)
+    : m_module(module)
+    , m_services(services)
+    , m_values(values)
+    , m_setup(setup)
+    , m_reports(reports) {}
+
+void ScriptAnalysis::SetEngine(QScriptEngine* engine) {
+    if (engine != nullptr)
+        SetUpAnalysisGlobals(*engine);
+    m_set.engine = engine;
+}
+
+bool ScriptAnalysis::LoadFile(const char* fileName) {
+    return ReadScriptFile(m_set, fileName, m_reports);
+}
+
+bool ScriptAnalysis::LoadText(const QString& text) {
+    m_set.scriptFileName = QStringLiteral("");
+    m_set.scriptText = text;
+    m_reports.ReportScriptFile(m_set.scriptFileName);
+    m_reports.ReportScriptText(m_set.scriptText);
+    return true;
+}
+
+bool ScriptAnalysis::Run(const QString& text) {
+    const std::chrono::milliseconds limit = Limit();
+    LimitedRun run(*m_set.engine, limit);
+    VariableLookup lookup(m_services, m_values.GetVariables(), m_setup.Variables());
+    LookupOnCallersThread host(run, lookup);
+    ScanRequest request;
+    request.removeDefaults = m_setup.GetRemovalForAnalysis();
+    request.host = &host;
+    request.accessors = &m_values.Accessors();
+    std::optional<EvaluationFailure> failure;
+    ScanResult found;
+    const LimitedRun::Outcome outcome = run.Run([&] {
+        m_set.global = EvaluateText(*m_set.engine, text);
+        failure = TakeFailure(*m_set.engine, m_set.global);
+        if (!failure)
+            found = ScanPublished(m_set, request);
+    });
+    m_endedByItself = outcome == LimitedRun::Outcome::InTime;
+    if (!m_endedByItself)
+        failure = EvaluationFailure{ScriptFailure(AnalysisFailure(outcome, limit)), std::nullopt};
+    if (failure) {
+        Report(*failure, true, m_reports);
+        return false;
+    }
+    m_setup.SetScriptsRemoval(found.removeDefaults);
+    Publish(m_set, found);
+    m_reports.ReportError(QLatin1String(DeviceText::kAnalysed), true);
+    return true;
+}
+
+/// The configuration file says it in seconds.
+std::chrono::milliseconds ScriptAnalysis::Limit() const {
+    char path[IModuleServices::kConfigPathSize] = {};
+    if (m_module != nullptr)
+        m_module->GetConfigFilePath(path);
+    const int seconds = ReadConfigInt(path, "ANALYSIS", "limit", 0);
+    return seconds > 0 ? std::chrono::milliseconds(std::chrono::seconds(seconds)) : kAnalysisLimit;
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <chrono>
+
+#include <QString>
+
+#include "ScriptSet.h"
+
+class HostValues;
+class IModuleServices;
+class IScriptReports;
+class StoredSetup;
+struct HostServices;
+
+/// A look at a script on an engine of the caller's: what it would publish, without anything that it does reaching the show.
+///
+/// It touches nothing of the script that runs and does not wait for it. A script that never comes back is ended after a limit, since the
+/// host's main thread waits here.   [all: host main]
+class ScriptAnalysis {
+public:
+    /// All are borrowed for this object's life. @param module may be null; its configuration file says the limit.
+    ScriptAnalysis(IModuleServices* module, const HostServices& services, HostValues& values, StoredSetup& setup,
+                   IScriptReports& reports);
+    ScriptAnalysis(const ScriptAnalysis&) = delete;
+    ScriptAnalysis& operator=(const ScriptAnalysis&) = delete;
+
+    /// The engine of the analyses that follow, which gets the globals of a device's; null for none.
+    void SetEngine(QScriptEngine* engine);
+
+    /// Reads a file and shows it, without looking at what it publishes. @return whether it could be read.
+    bool LoadFile(const char* fileName);
+    /// Shows a text in the same way. @return true.
+    bool LoadText(const QString& text);
+    /// Evaluates a text on the engine and scans its value. What it publishes takes the place of what was found before; after a failure
+    /// that stays. @return whether it could be evaluated.
+    bool Run(const QString& text);
+
+    /// Whether the last run came to its end by itself.
+    bool HasEndedByItself() const { return m_endedByItself; }
+    /// Lets go of the value of the last run, whose engine is about to go.
+    void ForgetValue() { m_set.global = QScriptValue(); }
+
+    /// What the last good run has found.
+    ScriptSet& GetSet() { return m_set; }
+    const ScriptSet& GetSet() const { return m_set; }
+
+private:
+    std::chrono::milliseconds Limit() const;
+
+    IModuleServices* const m_module;
+    const HostServices& m_services;
+    HostValues& m_values;
+    StoredSetup& m_setup;
+    IScriptReports& m_reports;
+    ScriptSet m_set;
+    bool m_endedByItself = true;
+};
