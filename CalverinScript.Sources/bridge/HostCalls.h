@@ -12,10 +12,10 @@
 /// @return the final code; on 0 the result text goes to text, which may be null.   [script]
 template <typename Operation>
 KXPCode MScriptMngRemote::CallAndWait(Operation operation, MString* text) {
-    auto* context = new MyDeviceExecContext(syncContexts);
+    auto* context = new MyDeviceExecContext(m_syncContexts);
     KXPCode code = operation(context);
     if (code == KXP_PENDING) {
-        const ScriptWait wait(&scriptWaits, [context] { context->GiveUp(); });
+        const ScriptWait wait(&m_scriptWaits, [context] { context->GiveUp(); });
         if (wait.IsAllowed())
             context->Wait();
         code = context->GetErrorCode();
@@ -33,9 +33,9 @@ template <typename Newer, typename Older, typename... Arguments>
 KXPCode MScriptMngRemote::Forward(Newer newer, Older older, const Arguments&... arguments) {
     if (IsDeviceEnding())
         return KXP_NOT_IMPLEMENTED;
-    if (remote2 != nullptr)
-        return CallAndWait([&](IExecContext* context) { return (remote2->*newer)(arguments..., context, nullptr); });
-    return remote != nullptr ? (remote->*older)(arguments...) : KXPCode{KXP_NOT_IMPLEMENTED};
+    if (m_remote2 != nullptr)
+        return CallAndWait([&](IExecContext* context) { return (m_remote2->*newer)(arguments..., context, nullptr); });
+    return m_remote != nullptr ? (m_remote->*older)(arguments...) : KXPCode{KXP_NOT_IMPLEMENTED};
 }
 
 /// The same for operations that give a text. @return the text; "" on failure and without a link.   [script]
@@ -43,15 +43,15 @@ template <typename Newer, typename Older, typename... Arguments>
 QString MScriptMngRemote::ForwardForText(Newer newer, Older older, const Arguments&... arguments) {
     if (IsDeviceEnding())
         return QStringLiteral("");
-    if (remote2 != nullptr) {
+    if (m_remote2 != nullptr) {
         MString text;
-        CallAndWait([&](IExecContext* context) { return (remote2->*newer)(arguments..., context, nullptr); }, &text);
+        CallAndWait([&](IExecContext* context) { return (m_remote2->*newer)(arguments..., context, nullptr); }, &text);
         return FromHostText(text.c_str());
     }
     char* text = nullptr;
-    if (remote == nullptr || (remote->*older)(arguments..., &text) != KXP_OK || text == nullptr)
+    if (m_remote == nullptr || (m_remote->*older)(arguments..., &text) != KXP_OK || text == nullptr)
         return QStringLiteral("");
     QString result = FromHostText(text);
-    remote->FreeText(&text);
+    m_remote->FreeText(&text);
     return result;
 }

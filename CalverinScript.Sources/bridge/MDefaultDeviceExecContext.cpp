@@ -3,7 +3,7 @@
 #include "FaceAnswer.h"
 
 MDefaultDeviceExecContext::MDefaultDeviceExecContext(IExecContextEndHandler* endHandler)
-    : handler(endHandler) {}
+    : m_handler(endHandler) {}
 
 MDefaultDeviceExecContext::~MDefaultDeviceExecContext() = default;
 
@@ -13,25 +13,25 @@ KXPCode MDefaultDeviceExecContext::QueryInterface(const char* name, void** out) 
 }
 
 KXPCode MDefaultDeviceExecContext::Release() {
-    if (refCount.Decrement() == 0)
+    if (m_refCount.Decrement() == 0)
         delete this;
     return KXP_OK;
 }
 
 KXPCode MDefaultDeviceExecContext::SetErrorCode(KXPCode code) {
-    errorCode = code;
+    m_errorCode = code;
     return KXP_OK;
 }
 
 KXPCode MDefaultDeviceExecContext::Begin() {
-    state = kBegun;
+    m_state = kBegun;
     return KXP_OK;
 }
 
 KXPCode MDefaultDeviceExecContext::End() {
-    if (handler != nullptr)
-        handler->OnContextEnd(this);
-    state = kEnded;
+    if (m_handler != nullptr)
+        m_handler->OnContextEnd(this);
+    m_state = kEnded;
     return KXP_OK;
 }
 
@@ -44,7 +44,7 @@ KXPCode MDefaultDeviceExecContext::Reserved5(void* /*argument*/) {
 }
 
 KXPCode MDefaultDeviceExecContext::AddRef() {
-    refCount.Increment();
+    m_refCount.Increment();
     return KXP_OK;
 }
 
@@ -57,16 +57,16 @@ KXPCode MDefaultDeviceExecContext::Reserved8(void* /*argument1*/, void* /*argume
 }
 
 KXPCode MDefaultDeviceExecContext::SetResultText(const char* text) {
-    const std::lock_guard<std::mutex> guard(resultLock);
-    result = text;
+    const std::lock_guard<std::mutex> guard(m_resultLock);
+    m_result = text;
     return KXP_OK;
 }
 
 std::uint32_t MDefaultDeviceExecContext::GetState() {
-    return state;
+    return m_state;
 }
 
 MString MDefaultDeviceExecContext::GetResult() const {
-    const std::lock_guard<std::mutex> guard(resultLock);
-    return result;
+    const std::lock_guard<std::mutex> guard(m_resultLock);
+    return m_result;
 }

@@ -46,17 +46,17 @@ public:
 
     /// Adds a reference, unless the last one has gone and the context
     /// is on its way out. @return whether it was added.   [any]
-    bool TryAddRef() { return refCount.IncrementUnlessZero(); }
+    bool TryAddRef() { return m_refCount.IncrementUnlessZero(); }
     /// A copy of the result text; a string without buffer when none was set.   [any]
     MString GetResult() const;
     /// The code that the host stored, 0 at first.   [any]
-    KXPCode GetErrorCode() const { return errorCode; }
+    KXPCode GetErrorCode() const { return m_errorCode; }
 
 private:
-    IExecContextEndHandler* const handler;
-    std::atomic<KXPCode> errorCode{KXP_OK};
-    mutable std::mutex resultLock;
-    MString result; ///< under resultLock
-    std::atomic<std::uint32_t> state{kCreated};
-    InterlockedCounter refCount{1};
+    IExecContextEndHandler* const m_handler;
+    std::atomic<KXPCode> m_errorCode{KXP_OK};
+    mutable std::mutex m_resultLock;
+    MString m_result; ///< under m_resultLock
+    std::atomic<std::uint32_t> m_state{kCreated};
+    InterlockedCounter m_refCount{1};
 };

@@ -29,57 +29,57 @@ void GiveUpAll(ContextRegistry<Context>& contexts) {
 
 MScriptMngRemote::MScriptMngRemote(IScriptDevice* scriptDevice, IManagerRemote* olderLink, IManagerRemote2* newerLink,
                                    IVariableManager* variables, QScriptEngine* scriptEngine)
-    : device(scriptDevice)
-    , remote(olderLink)
-    , remote2(newerLink)
-    , variableManager(variables)
-    , engine(scriptEngine)
-    , syncContexts(std::make_shared<ContextRegistry<MyDeviceExecContext>>())
-    , asyncContexts(std::make_shared<ContextRegistry<MyAsyncDeviceExecContext>>())
-    , postponedMap(kPostponedHashBits, true) {}
+    : m_device(scriptDevice)
+    , m_remote(olderLink)
+    , m_remote2(newerLink)
+    , m_variableManager(variables)
+    , m_engine(scriptEngine)
+    , m_syncContexts(std::make_shared<ContextRegistry<MyDeviceExecContext>>())
+    , m_asyncContexts(std::make_shared<ContextRegistry<MyAsyncDeviceExecContext>>())
+    , m_postponedMap(kPostponedHashBits, true) {}
 
 /// The script is over and nobody else knows this object any more.
 MScriptMngRemote::~MScriptMngRemote() {
     ResetPostponed();
-    eventSources.Release();
-    eventSources.DeleteReleased();
+    m_eventSources.Release();
+    m_eventSources.DeleteReleased();
     ReleaseAsyncContexts();
     while (HasAnswersUnderWay())
         std::this_thread::yield();
 }
 
 void MScriptMngRemote::OnDeviceStart() {
-    scriptWaits.Reopen();
+    m_scriptWaits.Reopen();
     ReleaseAsyncContexts();
 }
 
 void MScriptMngRemote::EndContexts() {
-    scriptWaits.EndRun();
-    GiveUpAll(*syncContexts);
-    GiveUpAll(*asyncContexts);
+    m_scriptWaits.EndRun();
+    GiveUpAll(*m_syncContexts);
+    GiveUpAll(*m_asyncContexts);
 }
 
 void MScriptMngRemote::ReleaseScriptObjects() {
     ResetPostponed();
-    takenResources.Clear();
-    const bool onScriptThread = device == nullptr || QThread::currentThread() == thread();
-    if (!eventSources.Release())
+    m_takenResources.Clear();
+    const bool onScriptThread = m_device == nullptr || QThread::currentThread() == thread();
+    if (!m_eventSources.Release())
         return;
     if (onScriptThread)
-        eventSources.DeleteReleased();
-    else if (device->PostTask([this] { eventSources.DeleteReleased(); }))
-        eventSources.WaitUntilDeleted(kReleaseTime);
+        m_eventSources.DeleteReleased();
+    else if (m_device->PostTask([this] { m_eventSources.DeleteReleased(); }))
+        m_eventSources.WaitUntilDeleted(kReleaseTime);
 }
 
 /// What no task is taken for any more goes with this object.
 void MScriptMngRemote::RetireResources(std::vector<std::unique_ptr<MScriptResource>> resources) {
-    takenResources.Clear();
+    m_takenResources.Clear();
     if (resources.empty())
         return;
     for (std::unique_ptr<MScriptResource>& resource : resources)
-        eventSources.Retire(std::move(resource));
-    if (device != nullptr)
-        device->PostTask([this] { eventSources.DeleteReleased(); });
+        m_eventSources.Retire(std::move(resource));
+    if (m_device != nullptr)
+        m_device->PostTask([this] { m_eventSources.DeleteReleased(); });
 }
 
 void MScriptMngRemote::Tick() {
@@ -87,15 +87,15 @@ void MScriptMngRemote::Tick() {
 }
 
 void MScriptMngRemote::ServiceResources() {
-    takenResources.Service();
+    m_takenResources.Service();
 }
 
 void MScriptMngRemote::FlushChannels() {
-    takenResources.Flush();
+    m_takenResources.Flush();
 }
 
 void MScriptMngRemote::ReleaseAsyncContexts() {
-    for (MyAsyncDeviceExecContext* context : asyncContexts->HoldAll()) {
+    for (MyAsyncDeviceExecContext* context : m_asyncContexts->HoldAll()) {
         SettleAsyncContext(context);
         context->Release();
     }
@@ -103,42 +103,42 @@ void MScriptMngRemote::ReleaseAsyncContexts() {
 
 /// Leaving the registry decides who drops the module's reference, since a start may be about to drop them all.
 void MScriptMngRemote::SettleAsyncContext(MyAsyncDeviceExecContext* context) {
-    if (asyncContexts->Remove(context))
+    if (m_asyncContexts->Remove(context))
         context->Settle();
 }
 
 std::shared_ptr<MyAsyncDeviceExecContext> MScriptMngRemote::HoldAsyncContext(MyAsyncDeviceExecContext* context) {
-    if (!asyncContexts->Hold(context))
+    if (!m_asyncContexts->Hold(context))
         return nullptr;
     return {context, [](MyAsyncDeviceExecContext* held) { held->Release(); }};
 }
 
 bool MScriptMngRemote::IsDeviceEnding() const {
-    return device != nullptr && device->IsEnding();
+    return m_device != nullptr && m_device->IsEnding();
 }
 
 bool MScriptMngRemote::TakeRaised(const MScriptCommonEvent* object) {
-    return eventSources.TakeRaised(object);
+    return m_eventSources.TakeRaised(object);
 }
 
 void MScriptMngRemote::PostScriptEvent(const QString& eventName, const MScriptParamList* params,
                                        MScriptCommonEvent* object) {
-    if (device == nullptr || params == nullptr || object == nullptr || !eventSources.CountRaised(object))
+    if (m_device == nullptr || params == nullptr || object == nullptr || !m_eventSources.CountRaised(object))
         return;
     MScriptParamList withSource(*params);
     withSource.SetSource(object);
-    device->PostScriptEvent(eventName, &withSource, object);
+    m_device->PostScriptEvent(eventName, &withSource, object);
 }
 
 void MScriptMngRemote::PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
                                         MScriptCommonEvent* object) {
-    if (device == nullptr || object == nullptr || !eventSources.CountRaised(object, events.size()))
+    if (m_device == nullptr || object == nullptr || !m_eventSources.CountRaised(object, events.size()))
         return;
     for (MScriptParamList& params : events)
         params.SetSource(object);
-    device->PostScriptEvents(eventName, std::move(events), object);
+    m_device->PostScriptEvents(eventName, std::move(events), object);
 }
 
 std::string MScriptMngRemote::GetDeviceName() const {
-    return device != nullptr ? device->GetScriptDeviceName() : std::string();
+    return m_device != nullptr ? m_device->GetScriptDeviceName() : std::string();
 }

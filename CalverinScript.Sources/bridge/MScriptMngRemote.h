@@ -50,13 +50,13 @@ public:
     /// the same run of the script would wait for after that is not waited for.   [any but script]
     void EndContexts();
     /// The script is called anew behind EndContexts, for its stop function: it may wait, unless RefuseWaits has come.   [script]
-    void AllowWaitsOfStop() { scriptWaits.BeginStopFunction(); }
+    void AllowWaitsOfStop() { m_scriptWaits.BeginStopFunction(); }
     /// Ends the wait of a script; none begins until AllowWaits.   [any but script]
-    void RefuseWaits() { scriptWaits.Refuse(); }
+    void RefuseWaits() { m_scriptWaits.Refuse(); }
     /// A script is about to be loaded, which may wait. Does nothing from EndContexts to OnDeviceStart.   [script]
-    void AllowWaits() { scriptWaits.Allow(); }
+    void AllowWaits() { m_scriptWaits.Allow(); }
     /// Whether an answer of the host is inside this object, which has to outlive it.   [any]
-    bool HasAnswersUnderWay() const { return asyncContexts->HasVisits(); }
+    bool HasAnswersUnderWay() const { return m_asyncContexts->HasVisits(); }
     /// Drops what the script made: pending results and objects. No event of theirs is delivered any more. The objects are deleted on
     /// the script thread; a host thread waits for that, but for a moment only when a script is still running.
     /// [any host thread, script]
@@ -168,13 +168,13 @@ public:
     /// [script, command]
     void SetPostponeAllowed(bool allowed);
     /// Whether the user command in execution has postponed its result.   [script, command]
-    bool HasPostponed() const { return currentPostponed != nullptr; }
+    bool HasPostponed() const { return m_currentPostponed != nullptr; }
     /// Ends every postponed user command without an answer.   [any host thread, script]
     void ResetPostponed();
 
     // Script objects
     /// The objects that raise events.   [script, but for what it says itself]
-    EventSources& GetEventSources() { return eventSources; }
+    EventSources& GetEventSources() { return m_eventSources; }
     /// Takes an event that was posted off the count of its object. @return whether it may be delivered: the object is still there.
     /// Called once for each.   [script]
     bool TakeRaised(const MScriptCommonEvent* object);
@@ -185,7 +185,7 @@ public:
     /// Keeps a request of the list alive while the result is held; null when it is not in the list.   [any]
     std::shared_ptr<MyAsyncDeviceExecContext> HoldAsyncContext(MyAsyncDeviceExecContext* context);
     /// The list that asynchronous contexts join. It holds the module's reference to each.   [any]
-    const SharedContextRegistry<MyAsyncDeviceExecContext>& GetAsyncContexts() const { return asyncContexts; }
+    const SharedContextRegistry<MyAsyncDeviceExecContext>& GetAsyncContexts() const { return m_asyncContexts; }
 
     // IManagerRemoteHandler
     KXPCode QueryInterface(const char* name, void** out) override;
@@ -198,7 +198,7 @@ public:
     void PostScriptEvent(const QString& eventName, const MScriptParamList* params, MScriptCommonEvent* object) override;
     void PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
                           MScriptCommonEvent* object) override;
-    ScriptWaits* GetWaits() override { return &scriptWaits; }
+    ScriptWaits* GetWaits() override { return &m_scriptWaits; }
     void FlushChannels() override;
     std::string GetDeviceName() const override;
 
@@ -224,21 +224,21 @@ private:
     void ReleaseAsyncContexts();
     void DropRefused(MyAsyncDeviceExecContext* context);
 
-    IScriptDevice* const device;
-    IManagerRemote* const remote;
-    IManagerRemote2* const remote2;
-    IVariableManager* const variableManager;
-    QScriptEngine* const engine;
+    IScriptDevice* const m_device;
+    IManagerRemote* const m_remote;
+    IManagerRemote2* const m_remote2;
+    IVariableManager* const m_variableManager;
+    QScriptEngine* const m_engine;
 
-    const SharedContextRegistry<MyDeviceExecContext> syncContexts;
-    const SharedContextRegistry<MyAsyncDeviceExecContext> asyncContexts;
+    const SharedContextRegistry<MyDeviceExecContext> m_syncContexts;
+    const SharedContextRegistry<MyAsyncDeviceExecContext> m_asyncContexts;
 
-    QString lastValueText;                    ///< result of the last GetValueAsString: script
-    std::atomic<bool> postponeAllowed{false}; ///< written by the command thread and, at a load, by the script thread
+    QString m_lastValueText;                    ///< result of the last GetValueAsString: script
+    std::atomic<bool> m_postponeAllowed{false}; ///< written by the command thread and, at a load, by the script thread
     std::atomic<MyPostponedObject*>
-        currentPostponed{}; ///< written by the script thread in a command, read by the command thread
-    MIObjectMap postponedMap;
-    EventSources eventSources;
-    ScriptWaits scriptWaits;
-    TakenResources takenResources;
+        m_currentPostponed{}; ///< written by the script thread in a command, read by the command thread
+    MIObjectMap m_postponedMap;
+    EventSources m_eventSources;
+    ScriptWaits m_scriptWaits;
+    TakenResources m_takenResources;
 };

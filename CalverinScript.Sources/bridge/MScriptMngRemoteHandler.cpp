@@ -32,8 +32,8 @@ KXPCode MScriptMngRemote::Release() {
 
 KXPCode MScriptMngRemote::OnPropertyChange(const char* object, const char* property, const char* value,
                                            std::uint32_t flag, std::uint32_t /*reserved*/) {
-    if (device != nullptr && remote2 != nullptr)
-        device->PostPropertyChange(object, property, value, flag != 0);
+    if (m_device != nullptr && m_remote2 != nullptr)
+        m_device->PostPropertyChange(object, property, value, flag != 0);
     return KXP_OK;
 }
 
@@ -42,8 +42,8 @@ KXPCode MScriptMngRemote::Reserved2(void* /*argument1*/, void* /*argument2*/, vo
 }
 
 void MScriptMngRemote::OnAsyncContextDone(MyAsyncDeviceExecContext* context) {
-    if (device != nullptr)
-        device->PostAsyncResult(context);
+    if (m_device != nullptr)
+        m_device->PostAsyncResult(context);
     else
         SettleAsyncContext(context);
 }
@@ -51,7 +51,7 @@ void MScriptMngRemote::OnAsyncContextDone(MyAsyncDeviceExecContext* context) {
 void MScriptMngRemote::TraceMessage(const QString& message, const QString& messageType) {
     if (!IsLogOn(false))
         return;
-    const std::string name = device != nullptr ? device->GetScriptDeviceName() : "Unknown";
+    const std::string name = m_device != nullptr ? m_device->GetScriptDeviceName() : "Unknown";
     WriteLog(LogHandle(), LevelOf(messageType), "kxpCalverinScript [%s] %s", name.c_str(),
              ToHostText(message).constData());
 }

@@ -33,21 +33,21 @@ MTime TimeOf(const QString& text, int type) {
 } // namespace
 
 int MScriptMngRemote::SetInterval(const QScriptValue& expression, int delay) {
-    return device != nullptr ? device->SetInterval(expression, delay) : -1;
+    return m_device != nullptr ? m_device->SetInterval(expression, delay) : -1;
 }
 
 void MScriptMngRemote::ClearInterval(int timerId) {
-    if (device != nullptr)
-        device->ClearInterval(timerId);
+    if (m_device != nullptr)
+        m_device->ClearInterval(timerId);
 }
 
 int MScriptMngRemote::SetTimeout(const QScriptValue& expression, int delay) {
-    return device != nullptr ? device->SetTimeout(expression, delay) : -1;
+    return m_device != nullptr ? m_device->SetTimeout(expression, delay) : -1;
 }
 
 void MScriptMngRemote::ClearTimeout(int timerId) {
-    if (device != nullptr)
-        device->ClearTimeout(timerId);
+    if (m_device != nullptr)
+        m_device->ClearTimeout(timerId);
 }
 
 int MScriptMngRemote::EnumStringToIndex(const QScriptValue& Items, const QString& sItem) {
@@ -97,11 +97,11 @@ int MScriptMngRemote::TimeStringToFrames(const QString& sTime, int iTimeCodeType
 /// Without a device a script is only looked at: its objects are there and stay idle.
 template <typename Object>
 QScriptValue MScriptMngRemote::Create() {
-    if (engine == nullptr)
+    if (m_engine == nullptr)
         return QScriptValue();
-    auto object = std::make_unique<Object>(device != nullptr ? this : nullptr);
-    const QScriptValue view = object->ToScript(*engine);
-    eventSources.Own(std::move(object));
+    auto object = std::make_unique<Object>(m_device != nullptr ? this : nullptr);
+    const QScriptValue view = object->ToScript(*m_engine);
+    m_eventSources.Own(std::move(object));
     return view;
 }
 
@@ -115,12 +115,12 @@ QScriptValue MScriptMngRemote::CreateHTTPClient() {
 
 QScriptValue MScriptMngRemote::GetResource(const QScriptValue& svSignature) {
     MScriptResource* const resource =
-        engine != nullptr && device != nullptr ? device->FindResource(svSignature) : nullptr;
+        m_engine != nullptr && m_device != nullptr ? m_device->FindResource(svSignature) : nullptr;
     if (resource == nullptr)
         return QScriptValue();
-    if (eventSources.Borrow(*resource)) {
+    if (m_eventSources.Borrow(*resource)) {
         resource->ForgetState();
-        takenResources.Add(*resource);
+        m_takenResources.Add(*resource);
     }
-    return resource->GetView(*engine);
+    return resource->GetView(*m_engine);
 }

@@ -44,12 +44,12 @@ QString MScriptMngRemote::GetProperty(const QString& sObject, const QString& sPr
 
 /// The newer link gives the number as text.
 int MScriptMngRemote::GetPropertyAsInt(const QString& sObject, const QString& sProperty) {
-    if (remote2 != nullptr)
+    if (m_remote2 != nullptr)
         return GetProperty(sObject, sProperty).toInt();
     std::int32_t value = 0;
-    const bool known =
-        remote != nullptr && !IsDeviceEnding() &&
-        remote->GetPropertyAsInt(ToHostText(sObject).constData(), ToHostText(sProperty).constData(), &value) == KXP_OK;
+    const bool known = m_remote != nullptr && !IsDeviceEnding() &&
+                       m_remote->GetPropertyAsInt(ToHostText(sObject).constData(), ToHostText(sProperty).constData(),
+                                                  &value) == KXP_OK;
     return known ? value : 0;
 }
 
@@ -72,19 +72,20 @@ KXPCode MScriptMngRemote::UnregisterRootGroup() {
 KXPCode MScriptMngRemote::RegisterNamedGroup(const char* group, const char* options) {
     if (IsDeviceEnding())
         return KXP_NOT_IMPLEMENTED;
-    if (remote2 == nullptr)
-        return remote != nullptr ? remote->RegisterGroup(this, group) : KXPCode{KXP_NOT_IMPLEMENTED};
-    remote2->SetHandler(this);
-    return CallAndWait([&](IExecContext* context) { return remote2->RegisterGroup(group, options, context, nullptr); });
+    if (m_remote2 == nullptr)
+        return m_remote != nullptr ? m_remote->RegisterGroup(this, group) : KXPCode{KXP_NOT_IMPLEMENTED};
+    m_remote2->SetHandler(this);
+    return CallAndWait(
+        [&](IExecContext* context) { return m_remote2->RegisterGroup(group, options, context, nullptr); });
 }
 
 KXPCode MScriptMngRemote::UnregisterNamedGroup(const char* group) {
     if (IsDeviceEnding())
         return KXP_NOT_IMPLEMENTED;
-    if (remote2 != nullptr)
-        return CallAndWait([&](IExecContext* context) { return remote2->UnregisterGroup(group, context, nullptr); });
-    if (remote == nullptr)
+    if (m_remote2 != nullptr)
+        return CallAndWait([&](IExecContext* context) { return m_remote2->UnregisterGroup(group, context, nullptr); });
+    if (m_remote == nullptr)
         return KXP_NOT_IMPLEMENTED;
-    remote->UnregisterGroup();
+    m_remote->UnregisterGroup();
     return KXP_OK;
 }

@@ -4,32 +4,32 @@
 #include "MyPostponedObject.h"
 
 void MScriptMngRemote::SetPostponeAllowed(bool allowed) {
-    if (MyPostponedObject* postponed = currentPostponed.exchange(nullptr))
+    if (MyPostponedObject* postponed = m_currentPostponed.exchange(nullptr))
         postponed->Release();
-    postponeAllowed = allowed;
+    m_postponeAllowed = allowed;
 }
 
 int MScriptMngRemote::PostponeResult() {
-    if (!postponeAllowed || device == nullptr || currentPostponed != nullptr)
+    if (!m_postponeAllowed || m_device == nullptr || m_currentPostponed != nullptr)
         return 0;
-    auto* postponed = new MyPostponedObject(device->TakeExecutingCommand());
+    auto* postponed = new MyPostponedObject(m_device->TakeExecutingCommand());
     postponed->AddRef();
-    currentPostponed = postponed;
-    postponedMap.Add(postponed);
+    m_currentPostponed = postponed;
+    m_postponedMap.Add(postponed);
     return static_cast<int>(postponed->GetId());
 }
 
 void MScriptMngRemote::SetResult(int id, const QString& text) {
-    if (id == 0 || device == nullptr)
+    if (id == 0 || m_device == nullptr)
         return;
-    auto* postponed = static_cast<MyPostponedObject*>(postponedMap.Remove(static_cast<std::uint32_t>(id)));
+    auto* postponed = static_cast<MyPostponedObject*>(m_postponedMap.Remove(static_cast<std::uint32_t>(id)));
     if (postponed == nullptr)
         return;
-    device->WriteCommandResult(postponed->GetCommand(), text);
+    m_device->WriteCommandResult(postponed->GetCommand(), text);
     postponed->Release();
 }
 
 void MScriptMngRemote::ResetPostponed() {
     SetPostponeAllowed(false);
-    postponedMap.DeleteAll();
+    m_postponedMap.DeleteAll();
 }

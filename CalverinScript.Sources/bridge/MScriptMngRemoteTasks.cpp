@@ -25,11 +25,12 @@ unsigned int MScriptMngRemote::GotoPage(const QString& sUSName, int iPageNumber)
     const QByteArray name = ToHostText(sUSName);
     if (IsDeviceEnding())
         return KXP_NOT_IMPLEMENTED;
-    if (remote2 == nullptr)
-        return remote != nullptr ? remote->GotoPage(name.constData(), iPageNumber) : KXPCode{KXP_NOT_IMPLEMENTED};
+    if (m_remote2 == nullptr)
+        return m_remote != nullptr ? m_remote->GotoPage(name.constData(), iPageNumber) : KXPCode{KXP_NOT_IMPLEMENTED};
     const QByteArray page = QByteArray::number(iPageNumber);
-    return CallAndWait(
-        [&](IExecContext* context) { return remote2->GotoPage(name.constData(), page.constData(), context, nullptr); });
+    return CallAndWait([&](IExecContext* context) {
+        return m_remote2->GotoPage(name.constData(), page.constData(), context, nullptr);
+    });
 }
 
 unsigned int MScriptMngRemote::StartTask(const QString& sTaskName) {

@@ -4,15 +4,15 @@
 // The host's variables.
 
 IData* MScriptMngRemote::FindVariable(const QString& name) const {
-    const bool reachable = variableManager != nullptr && !IsDeviceEnding();
-    return reachable ? variableManager->FindVariable(ToHostText(name).constData()) : nullptr;
+    const bool reachable = m_variableManager != nullptr && !IsDeviceEnding();
+    return reachable ? m_variableManager->FindVariable(ToHostText(name).constData()) : nullptr;
 }
 
 /// Does something with a variable of the host that may be the device's own, which the host may be about to replace.
 /// @return false when it is not there.
 template <typename Use>
 bool MScriptMngRemote::UseVariable(const QString& name, Use use) {
-    const VisitGate::Visit visit(device != nullptr ? device->GetValueGate() : nullptr);
+    const VisitGate::Visit visit(m_device != nullptr ? m_device->GetValueGate() : nullptr);
     IData* variable = visit.IsAllowed() ? FindVariable(name) : nullptr;
     if (variable != nullptr)
         use(*variable);
@@ -20,7 +20,7 @@ bool MScriptMngRemote::UseVariable(const QString& name, Use use) {
 }
 
 unsigned int MScriptMngRemote::SetValue(const QString& sVariable, const QString& sValue) {
-    if (variableManager == nullptr)
+    if (m_variableManager == nullptr)
         return KXP_NOT_IMPLEMENTED;
     const QByteArray text = ToHostText(sValue);
     const auto set = [&](IData& variable) { variable.SetValueFromString(text.constData(), 0, 0); };
@@ -28,7 +28,7 @@ unsigned int MScriptMngRemote::SetValue(const QString& sVariable, const QString&
 }
 
 unsigned int MScriptMngRemote::SetValueAsInteger(const QString& sVariable, const QString& sValue) {
-    if (variableManager == nullptr)
+    if (m_variableManager == nullptr)
         return KXP_NOT_IMPLEMENTED;
     const auto set = [&](IData& variable) { variable.SetIntValue(sValue.toInt(), 0, 0); };
     return UseVariable(sVariable, set) ? KXP_OK : KXP_VARIABLE_NOT_FOUND;
@@ -47,19 +47,19 @@ double MScriptMngRemote::GetValueAsReal(const QString& sVariable) {
 }
 
 QString MScriptMngRemote::GetValueAsString(const QString& sVariable) {
-    lastValueText = QStringLiteral("");
+    m_lastValueText = QStringLiteral("");
     UseVariable(sVariable, [&](IData& variable) {
         char* text = variable.GetValueAsString();
         if (text == nullptr)
             return;
-        lastValueText = FromHostText(text);
+        m_lastValueText = FromHostText(text);
         variable.ReleaseString(&text);
     });
-    return lastValueText;
+    return m_lastValueText;
 }
 
 unsigned int MScriptMngRemote::OnVariableChange(const QScriptValue& expression) {
-    if (device == nullptr || remote2 == nullptr)
+    if (m_device == nullptr || m_remote2 == nullptr)
         return KXP_NOT_IMPLEMENTED;
-    return device->SetPropertyChangeCallback(expression);
+    return m_device->SetPropertyChangeCallback(expression);
 }

@@ -6,30 +6,30 @@
 
 MyAsyncDeviceExecContext::MyAsyncDeviceExecContext(IAsyncDeviceExecContextHandler* doneHandler,
                                                    SharedContextRegistry<MyAsyncDeviceExecContext> liveContexts)
-    : handler(doneHandler)
-    , phase(doneHandler != nullptr ? Phase::Waiting : Phase::Refused)
-    , registry(std::move(liveContexts)) {
-    registry->Add(this);
+    : m_handler(doneHandler)
+    , m_phase(doneHandler != nullptr ? Phase::Waiting : Phase::Refused)
+    , m_registry(std::move(liveContexts)) {
+    m_registry->Add(this);
 }
 
 MyAsyncDeviceExecContext::~MyAsyncDeviceExecContext() {
-    registry->Remove(this);
+    m_registry->Remove(this);
     GivenReferences::Instance().Leave(this);
 }
 
 /// Leaves the phase in which it waits. @param found the phase before. @return whether it was that one.
 bool MyAsyncDeviceExecContext::Enter(Phase next, Phase& found) {
     found = Phase::Waiting;
-    return phase.compare_exchange_strong(found, next);
+    return m_phase.compare_exchange_strong(found, next);
 }
 
 KXPCode MyAsyncDeviceExecContext::End() {
-    const ContextRegistry<MyAsyncDeviceExecContext>::Visit visit(registry);
+    const ContextRegistry<MyAsyncDeviceExecContext>::Visit visit(m_registry);
     Phase found;
     if (Enter(Phase::Answered, found)) {
-        handler->OnAsyncContextDone(this);
+        m_handler->OnAsyncContextDone(this);
     } else if (found == Phase::GivenUp) {
-        if (phase.compare_exchange_strong(found, Phase::Late))
+        if (m_phase.compare_exchange_strong(found, Phase::Late))
             GivenReferences::Instance().Keep(this);
     } else if (found != Phase::Late) {
         GivenReferences::Instance().Leave(this);
@@ -42,7 +42,7 @@ bool MyAsyncDeviceExecContext::GiveUp() {
     Phase found;
     if (!Enter(Phase::GivenUp, found))
         return false;
-    handler->OnAsyncContextDone(this);
+    m_handler->OnAsyncContextDone(this);
     return true;
 }
 

@@ -42,7 +42,7 @@ public:
     void Settle();
 
     /// Whether it was ended, by the host or by the maker.   [any]
-    bool IsOver() const { return phase != Phase::Waiting; }
+    bool IsOver() const { return m_phase != Phase::Waiting; }
 
 private:
     enum class Phase {
@@ -55,7 +55,7 @@ private:
 
     bool Enter(Phase next, Phase& found);
 
-    IAsyncDeviceExecContextHandler* const handler;
-    std::atomic<Phase> phase;
-    const SharedContextRegistry<MyAsyncDeviceExecContext> registry;
+    IAsyncDeviceExecContextHandler* const m_handler;
+    std::atomic<Phase> m_phase;
+    const SharedContextRegistry<MyAsyncDeviceExecContext> m_registry;
 };

@@ -3,32 +3,32 @@
 #include <utility>
 
 MyDeviceExecContext::MyDeviceExecContext(SharedContextRegistry<MyDeviceExecContext> liveContexts)
-    : doneEvent(true)
-    , registry(std::move(liveContexts)) {
-    registry->Add(this);
+    : m_doneEvent(true)
+    , m_registry(std::move(liveContexts)) {
+    m_registry->Add(this);
 }
 
 MyDeviceExecContext::~MyDeviceExecContext() {
-    registry->Remove(this);
+    m_registry->Remove(this);
 }
 
 KXPCode MyDeviceExecContext::Begin() {
-    doneEvent.Reset();
-    if (givenUp)
-        doneEvent.Set();
+    m_doneEvent.Reset();
+    if (m_givenUp)
+        m_doneEvent.Set();
     return KXP_OK;
 }
 
 KXPCode MyDeviceExecContext::End() {
-    doneEvent.Set();
+    m_doneEvent.Set();
     return KXP_OK;
 }
 
 void MyDeviceExecContext::GiveUp() {
-    givenUp = true;
-    doneEvent.Set();
+    m_givenUp = true;
+    m_doneEvent.Set();
 }
 
 void MyDeviceExecContext::Wait() {
-    doneEvent.Wait(kInfinite);
+    m_doneEvent.Wait(kInfinite);
 }

@@ -25,7 +25,7 @@ public:
     void Wait();
 
 private:
-    MEvent doneEvent;
-    std::atomic<bool> givenUp{false};
-    const SharedContextRegistry<MyDeviceExecContext> registry;
+    MEvent m_doneEvent;
+    std::atomic<bool> m_givenUp{false};
+    const SharedContextRegistry<MyDeviceExecContext> m_registry;
 };

@@ -10,15 +10,15 @@ int ByteArrayClassPropertyIterator::Size() const {
 }
 
 void ByteArrayClassPropertyIterator::toFront() {
-    index = 0;
-    last = -1;
+    m_index = 0;
+    m_last = -1;
 }
 
 void ByteArrayClassPropertyIterator::toBack() {
-    index = Size();
-    last = -1;
+    m_index = Size();
+    m_last = -1;
 }
 
 QScriptString ByteArrayClassPropertyIterator::name() const {
-    return object().engine()->toStringHandle(QString::number(last));
+    return object().engine()->toStringHandle(QString::number(m_last));
 }

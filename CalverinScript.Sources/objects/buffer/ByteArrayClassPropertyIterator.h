@@ -9,19 +9,19 @@ public:
     explicit ByteArrayClassPropertyIterator(const QScriptValue& object)
         : QScriptClassPropertyIterator(object) {}
 
-    bool hasNext() const override { return index < Size(); }
-    void next() override { last = index++; }
-    bool hasPrevious() const override { return index > 0; }
-    void previous() override { last = --index; }
+    bool hasNext() const override { return m_index < Size(); }
+    void next() override { m_last = m_index++; }
+    bool hasPrevious() const override { return m_index > 0; }
+    void previous() override { m_last = --m_index; }
     void toFront() override;
     void toBack() override;
     /// The index that was passed last, as a decimal text.
     QScriptString name() const override;
-    uint id() const override { return static_cast<uint>(last); }
+    uint id() const override { return static_cast<uint>(m_last); }
 
 private:
     int Size() const;
 
-    int index = 0; ///< the next position
-    int last = -1; ///< the position passed last, -1 for none
+    int m_index = 0; ///< the next position
+    int m_last = -1; ///< the position passed last, -1 for none
 };

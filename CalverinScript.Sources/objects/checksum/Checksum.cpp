@@ -45,8 +45,8 @@ QByteArray UpToZero(const QByteArray& bytes) {
 } // namespace
 
 Checksum::Checksum()
-    : crc16Table(kDefaultCrc16)
-    , crc8Table(kDefaultCrc8) {}
+    : m_crc16Table(kDefaultCrc16)
+    , m_crc8Table(kDefaultCrc8) {}
 
 void Checksum::Init(const QString& _sChecksumType, int _iCountOfBytes, bool _bTwosComp, bool _bASCIIcoded) {
     SetChecksumType(_sChecksumType);
@@ -61,33 +61,33 @@ void Checksum::SetChecksumType(const QString& _sChecksumType) {
                                    [&](const TypeRow& r) { return _sChecksumType == QLatin1String(r.name); });
     if (row == std::end(kTypes))
         return;
-    type = row->type;
-    countOfBytes = row->countOfBytes;
+    m_type = row->type;
+    m_countOfBytes = row->countOfBytes;
 }
 
 void Checksum::SetCRC16InitialValue(int _iCRC16Initial) {
-    crc16Initial = static_cast<std::uint16_t>(_iCRC16Initial);
-    crc16 = crc16Initial;
+    m_crc16Initial = static_cast<std::uint16_t>(_iCRC16Initial);
+    m_crc16 = m_crc16Initial;
 }
 
 void Checksum::SetCRC16Mask(int _iCRC16Mask) {
-    crc16Table = ReflectedCrc<std::uint16_t>(static_cast<std::uint16_t>(_iCRC16Mask));
+    m_crc16Table = ReflectedCrc<std::uint16_t>(static_cast<std::uint16_t>(_iCRC16Mask));
 }
 
 void Checksum::SetCRC8InitialValue(int _iCRC8Initial) {
-    crc8Initial = static_cast<std::uint8_t>(_iCRC8Initial);
-    crc8 = crc8Initial;
+    m_crc8Initial = static_cast<std::uint8_t>(_iCRC8Initial);
+    m_crc8 = m_crc8Initial;
 }
 
 void Checksum::SetCRC8Mask(int _iCRC8Mask) {
-    crc8Table = ReflectedCrc<std::uint8_t>(static_cast<std::uint8_t>(_iCRC8Mask));
+    m_crc8Table = ReflectedCrc<std::uint8_t>(static_cast<std::uint8_t>(_iCRC8Mask));
 }
 
 void Checksum::ResetChecksumToCompute() {
-    register8 = 0;
-    register16 = 0;
-    crc16 = crc16Initial;
-    crc8 = crc8Initial;
+    m_register8 = 0;
+    m_register16 = 0;
+    m_crc16 = m_crc16Initial;
+    m_crc8 = m_crc8Initial;
 }
 
 void Checksum::UpdateChecksumToCompute(const QScriptValue& svData) {
@@ -110,24 +110,24 @@ void Checksum::AddPart(const QByteArray& bytes) {
         });
     };
     const auto size = static_cast<std::size_t>(bytes.size());
-    switch (type) {
+    switch (m_type) {
     case Type::Xor:
-        register8 = fold(register8, std::bit_xor<>());
+        m_register8 = fold(m_register8, std::bit_xor<>());
         break;
     case Type::Or:
-        register8 = fold(register8, std::bit_or<>());
+        m_register8 = fold(m_register8, std::bit_or<>());
         break;
     case Type::Sum:
-        if (countOfBytes == 1)
-            register8 = fold(register8, std::plus<>());
+        if (m_countOfBytes == 1)
+            m_register8 = fold(m_register8, std::plus<>());
         else
-            register16 = fold(register16, std::plus<>());
+            m_register16 = fold(m_register16, std::plus<>());
         break;
     case Type::Crc16:
-        register16 = crc16 = crc16Table.Run(crc16, bytes.constData(), size);
+        m_register16 = m_crc16 = m_crc16Table.Run(m_crc16, bytes.constData(), size);
         break;
     case Type::Crc8:
-        register8 = crc8 = crc8Table.Run(crc8, bytes.constData(), size);
+        m_register8 = m_crc8 = m_crc8Table.Run(m_crc8, bytes.constData(), size);
         break;
     }
 }
@@ -137,14 +137,14 @@ QScriptValue Checksum::GetComputedChecksum() {
 }
 
 QByteArray Checksum::TakeResult() {
-    if (countOfBytes == 1) {
-        if (twosComplement)
-            register8 = static_cast<std::uint8_t>(-register8);
-        return Encoded(register8, 1);
+    if (m_countOfBytes == 1) {
+        if (m_twosComplement)
+            m_register8 = static_cast<std::uint8_t>(-m_register8);
+        return Encoded(m_register8, 1);
     }
-    if (twosComplement)
-        register16 = static_cast<std::uint16_t>(-register16);
-    return Encoded(register16, 2);
+    if (m_twosComplement)
+        m_register16 = static_cast<std::uint16_t>(-m_register16);
+    return Encoded(m_register16, 2);
 }
 
 /// The low byte first means the whole text backwards when the result is text.
@@ -152,9 +152,9 @@ QByteArray Checksum::Encoded(unsigned value, int bytes) const {
     QByteArray result;
     for (int i = bytes - 1; i >= 0; --i)
         result.append(static_cast<char>(value >> static_cast<unsigned>(i * CHAR_BIT)));
-    if (asciiCoded)
+    if (m_asciiCoded)
         result = result.toHex().toUpper();
-    if (!highByteFirst)
+    if (!m_highByteFirst)
         std::reverse(result.begin(), result.end());
     return UpToZero(result);
 }

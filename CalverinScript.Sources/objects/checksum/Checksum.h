@@ -26,10 +26,10 @@ public:
     /// "Sum", "Xor", "Or", "Crc16" or "Crc8", exactly. Sets the type's own count of bytes too.
     Q_INVOKABLE void SetChecksumType(const QString& _sChecksumType = QStringLiteral("Sum"));
     /// 1 gives the 8-bit register, anything else the 16-bit one, whichever of them the type writes.
-    Q_INVOKABLE void SetCountOfBytes(int _iCountOfBytes) { countOfBytes = _iCountOfBytes; }
-    Q_INVOKABLE void SetTwoComplement(bool _bTwosComp) { twosComplement = _bTwosComp; }
-    Q_INVOKABLE void SetAsciiCoded(bool _bASCIIcoded) { asciiCoded = _bASCIIcoded; }
-    Q_INVOKABLE void SetHighByteFirst(bool _bHighByte) { highByteFirst = _bHighByte; }
+    Q_INVOKABLE void SetCountOfBytes(int _iCountOfBytes) { m_countOfBytes = _iCountOfBytes; }
+    Q_INVOKABLE void SetTwoComplement(bool _bTwosComp) { m_twosComplement = _bTwosComp; }
+    Q_INVOKABLE void SetAsciiCoded(bool _bASCIIcoded) { m_asciiCoded = _bASCIIcoded; }
+    Q_INVOKABLE void SetHighByteFirst(bool _bHighByte) { m_highByteFirst = _bHighByte; }
     Q_INVOKABLE void SetCRC16InitialValue(int _iCRC16Initial = 0);
     /// The polynomial as a right-shifting register uses it: 0xA001 stands for 0x8005.
     Q_INVOKABLE void SetCRC16Mask(int _iCRC16Mask = 0xA001);
@@ -55,17 +55,17 @@ private:
     QByteArray TakeResult();
     QByteArray Encoded(unsigned value, int bytes) const;
 
-    Type type = Type::Sum;
-    int countOfBytes = 1;
-    bool twosComplement = false;
-    bool asciiCoded = false;
-    bool highByteFirst = true;
-    std::uint8_t register8 = 0;
-    std::uint16_t register16 = 0;
-    std::uint16_t crc16Initial = 0;
-    std::uint16_t crc16 = 0;
-    ReflectedCrc<std::uint16_t> crc16Table;
-    std::uint8_t crc8Initial = 255;
-    std::uint8_t crc8 = 255;
-    ReflectedCrc<std::uint8_t> crc8Table;
+    Type m_type = Type::Sum;
+    int m_countOfBytes = 1;
+    bool m_twosComplement = false;
+    bool m_asciiCoded = false;
+    bool m_highByteFirst = true;
+    std::uint8_t m_register8 = 0;
+    std::uint16_t m_register16 = 0;
+    std::uint16_t m_crc16Initial = 0;
+    std::uint16_t m_crc16 = 0;
+    ReflectedCrc<std::uint16_t> m_crc16Table;
+    std::uint8_t m_crc8Initial = 255;
+    std::uint8_t m_crc8 = 255;
+    ReflectedCrc<std::uint8_t> m_crc8Table;
 };

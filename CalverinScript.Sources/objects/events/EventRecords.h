@@ -11,9 +11,9 @@ class IPInfo {
 public:
     IPInfo() = default;
     IPInfo(int port, const QString& address)
-        : data(new Data(port, address)) {}
-    int GetPort() const { return data ? data->port : 0; }
-    QString GetAddress() const { return data ? data->address : QString(); }
+        : m_data(new Data(port, address)) {}
+    int GetPort() const { return m_data ? m_data->port : 0; }
+    QString GetAddress() const { return m_data ? m_data->address : QString(); }
 
 private:
     struct Data : QSharedData {
@@ -23,7 +23,7 @@ private:
         const int port;
         const QString address;
     };
-    QExplicitlySharedDataPointer<Data> data; ///< null without a sender
+    QExplicitlySharedDataPointer<Data> m_data; ///< null without a sender
 };
 Q_DECLARE_TYPEINFO(IPInfo, Q_MOVABLE_TYPE);
 Q_DECLARE_METATYPE(IPInfo)
@@ -33,14 +33,14 @@ class SocketErrorInfo {
 public:
     SocketErrorInfo() = default;
     SocketErrorInfo(int code, const QString& text)
-        : errorCode(code)
-        , errorText(text) {}
-    int GetErrorCode() const { return errorCode; }
-    const QString& GetErrorText() const { return errorText; }
+        : m_errorCode(code)
+        , m_errorText(text) {}
+    int GetErrorCode() const { return m_errorCode; }
+    const QString& GetErrorText() const { return m_errorText; }
 
 private:
-    int errorCode = 0;
-    QString errorText;
+    int m_errorCode = 0;
+    QString m_errorText;
 };
 Q_DECLARE_METATYPE(SocketErrorInfo)
 
@@ -49,16 +49,16 @@ class HTTPResponse {
 public:
     HTTPResponse() = default;
     HTTPResponse(const QByteArray& theData, int theStatusCode, const QString& theHeaders)
-        : data(theData)
-        , statusCode(theStatusCode)
-        , headers(theHeaders) {}
-    const QByteArray& GetData() const { return data; }
-    int GetStatusCode() const { return statusCode; }
-    const QString& GetHeaders() const { return headers; }
+        : m_data(theData)
+        , m_statusCode(theStatusCode)
+        , m_headers(theHeaders) {}
+    const QByteArray& GetData() const { return m_data; }
+    int GetStatusCode() const { return m_statusCode; }
+    const QString& GetHeaders() const { return m_headers; }
 
 private:
-    QByteArray data;
-    int statusCode = 0;
-    QString headers;
+    QByteArray m_data;
+    int m_statusCode = 0;
+    QString m_headers;
 };
 Q_DECLARE_METATYPE(HTTPResponse)

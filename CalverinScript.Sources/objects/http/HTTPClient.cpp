@@ -27,43 +27,44 @@ QString Plain(const QString& text) {
 } // namespace
 
 HTTPClient::HTTPClient(IScriptObjectOwner* objectOwner)
-    : owner(objectOwner)
-    , lpThread(new MThreadHTTPClient)
-    , drops(objectOwner, [] { return QStringLiteral("HTTP progress events"); })
-    , backlog([this](bool full) {
+    : m_owner(objectOwner)
+    , m_lpThread(new MThreadHTTPClient)
+    , m_drops(objectOwner, [] { return QStringLiteral("HTTP progress events"); })
+    , m_backlog([this](bool full) {
         if (!full)
-            drops.TellRest();
+            m_drops.TellRest();
     }) {
     m_type = ScriptObjectType::HttpClient;
     qRegisterMetaType<QNetworkRequest>("QNetworkRequest");
     ConnectThread();
-    if (owner != nullptr && CanOpenDescriptors(kDescriptorsOfClient))
+    if (m_owner != nullptr && CanOpenDescriptors(kDescriptorsOfClient))
         StartThread();
 }
 
 HTTPClient::~HTTPClient() {
-    MThreadHTTPClient::Retire(lpThread);
-    drops.TellRest();
+    MThreadHTTPClient::Retire(m_lpThread);
+    m_drops.TellRest();
 }
 
 void HTTPClient::ConnectThread() {
-    connect(lpThread, &MThreadHTTPClient::SignalResponseReceived, this, &HTTPClient::SlotResponseReceived,
+    connect(m_lpThread, &MThreadHTTPClient::SignalResponseReceived, this, &HTTPClient::SlotResponseReceived,
             Qt::DirectConnection);
-    connect(lpThread, &MThreadHTTPClient::SignalDownloadProgressReceived, this,
+    connect(m_lpThread, &MThreadHTTPClient::SignalDownloadProgressReceived, this,
             &HTTPClient::SlotDownloadProgressReceived, Qt::DirectConnection);
-    connect(lpThread, &MThreadHTTPClient::SignalUploadProgressReceived, this, &HTTPClient::SlotUploadProgressReceived,
+    connect(m_lpThread, &MThreadHTTPClient::SignalUploadProgressReceived, this, &HTTPClient::SlotUploadProgressReceived,
             Qt::DirectConnection);
-    connect(lpThread, &MThreadHTTPClient::SignalWarning, this, &HTTPClient::SlotWarning, Qt::DirectConnection);
+    connect(m_lpThread, &MThreadHTTPClient::SignalWarning, this, &HTTPClient::SlotWarning, Qt::DirectConnection);
 }
 
 void HTTPClient::StartThread() {
-    connect(lpThread, &MThreadHTTPClient::SignalInitialized, this, &HTTPClient::SlotThreadReady, Qt::DirectConnection);
-    lpThread->start(QThread::InheritPriority);
-    if (lpThread->isRunning() || lpThread->isFinished()) { // otherwise the system has no thread left
-        std::unique_lock<std::mutex> guard(mutex);
-        wakeUp.wait_for(guard, kThreadReadyTime, [this] { return ready; });
+    connect(m_lpThread, &MThreadHTTPClient::SignalInitialized, this, &HTTPClient::SlotThreadReady,
+            Qt::DirectConnection);
+    m_lpThread->start(QThread::InheritPriority);
+    if (m_lpThread->isRunning() || m_lpThread->isFinished()) { // otherwise the system has no thread left
+        std::unique_lock<std::mutex> guard(m_mutex);
+        m_wakeUp.wait_for(guard, kThreadReadyTime, [this] { return m_ready; });
     }
-    disconnect(lpThread, &MThreadHTTPClient::SignalInitialized, this, &HTTPClient::SlotThreadReady);
+    disconnect(m_lpThread, &MThreadHTTPClient::SignalInitialized, this, &HTTPClient::SlotThreadReady);
 }
 
 QScriptValue HTTPClient::ToScript(QScriptEngine& engine) {
@@ -100,7 +101,7 @@ void HTTPClient::get(const QString& sRequest, const QString& sRequestHeaders, co
         return;
     const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
     SetAuthentication(sUser, sPassword);
-    lpThread->SlotGet(request);
+    m_lpThread->SlotGet(request);
 }
 
 void HTTPClient::post(const QString& sRequest, const QString& sRequestHeaders, const QScriptValue& params,
@@ -129,7 +130,7 @@ void HTTPClient::downloadFile(const QString& sRequest, const QString& sRequestHe
         return;
     const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
     SetAuthentication(sUser, sPassword);
-    lpThread->SlotDownloadFile(request, Plain(sPath));
+    m_lpThread->SlotDownloadFile(request, Plain(sPath));
 }
 
 void HTTPClient::deleteResource(const QString& sRequest, const QString& sRequestHeaders, const QString& sRequestItems,
@@ -138,26 +139,26 @@ void HTTPClient::deleteResource(const QString& sRequest, const QString& sRequest
         return;
     const QNetworkRequest request = MakeHttpRequest(sRequest, sRequestHeaders, sRequestItems, iItemsEncoding);
     SetAuthentication(sUser, sPassword);
-    lpThread->SlotDelete(request);
+    m_lpThread->SlotDelete(request);
 }
 
 /// A request for which the system has no thread or no descriptor is answered at once.
 bool HTTPClient::HasWorker() {
-    const bool hasWorker = lpThread->IsReady();
-    if (!hasWorker && owner != nullptr)
+    const bool hasWorker = m_lpThread->IsReady();
+    if (!hasWorker && m_owner != nullptr)
         SlotResponseReceived(QByteArray(), QByteArray(), 0, kHttpUnknownNetworkError);
     return hasWorker;
 }
 
 void HTTPClient::SetAuthentication(const QString& user, const QString& password) {
-    lpThread->SlotSetAuthentication(Plain(user), Plain(password));
+    m_lpThread->SlotSetAuthentication(Plain(user), Plain(password));
 }
 
 void HTTPClient::Send(SendBody verb, const QNetworkRequest& request, const QScriptValue& body) {
     if (IsBuffer(body))
-        (lpThread->*verb)(request, BytesFromBuffer(body));
+        (m_lpThread->*verb)(request, BytesFromBuffer(body));
     else if (body.isString())
-        (lpThread->*verb)(request, ToHostText(body.toString()));
+        (m_lpThread->*verb)(request, ToHostText(body.toString()));
 }
 
 void HTTPClient::SlotResponseReceived(const QByteArray& bysResponse, const QByteArray& bysResponseHeaders,
@@ -167,8 +168,8 @@ void HTTPClient::SlotResponseReceived(const QByteArray& bysResponse, const QByte
     MScriptParamList values;
     values.Add(QVariant::fromValue(response));
     values.Add(QVariant::fromValue(error));
-    values.Carry(backlog.Add({1, static_cast<std::uint64_t>(bysResponse.size())}));
-    owner->PostScriptEvent(QStringLiteral("response"), &values, this);
+    values.Carry(m_backlog.Add({1, static_cast<std::uint64_t>(bysResponse.size())}));
+    m_owner->PostScriptEvent(QStringLiteral("response"), &values, this);
 }
 
 void HTTPClient::SlotDownloadProgressReceived(int iProgress) {
@@ -180,22 +181,22 @@ void HTTPClient::SlotUploadProgressReceived(int iProgress) {
 }
 
 void HTTPClient::RaiseProgress(const QString& event, int percent) {
-    if (backlog.GetRoom().events == 0) {
-        drops.Note(1);
+    if (m_backlog.GetRoom().events == 0) {
+        m_drops.Note(1);
         return;
     }
     MScriptParamList values;
     values.Add(percent);
-    values.Carry(backlog.Add({1, 0}));
-    owner->PostScriptEvent(event, &values, this);
+    values.Carry(m_backlog.Add({1, 0}));
+    m_owner->PostScriptEvent(event, &values, this);
 }
 
 void HTTPClient::SlotWarning(const QString& text) {
-    owner->TraceMessage(text, QStringLiteral("ALARM"));
+    m_owner->TraceMessage(text, QStringLiteral("ALARM"));
 }
 
 void HTTPClient::SlotThreadReady() {
-    const std::lock_guard<std::mutex> guard(mutex);
-    ready = true;
-    wakeUp.notify_all();
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    m_ready = true;
+    m_wakeUp.notify_all();
 }

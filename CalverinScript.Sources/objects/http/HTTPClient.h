@@ -101,11 +101,11 @@ private:
     void Send(SendBody verb, const QNetworkRequest& request, const QScriptValue& body);
     void RaiseProgress(const QString& event, int percent);
 
-    IScriptObjectOwner* const owner;
-    MThreadHTTPClient* const lpThread; ///< owned; goes by MThreadHTTPClient::Retire
-    bool ready = false;                ///< under mutex: the worker is there
-    std::condition_variable wakeUp;    ///< ready was set
-    std::mutex mutex;
-    DropLog drops;
-    ScriptBacklog backlog; ///< gone before all that it tells
+    IScriptObjectOwner* const m_owner;
+    MThreadHTTPClient* const m_lpThread; ///< owned; goes by MThreadHTTPClient::Retire
+    bool m_ready = false;                ///< under m_mutex: the worker is there
+    std::condition_variable m_wakeUp;    ///< m_ready was set
+    std::mutex m_mutex;
+    DropLog m_drops;
+    ScriptBacklog m_backlog; ///< gone before all that it tells
 };

@@ -18,32 +18,32 @@ QByteArray User() {
 } // namespace
 
 HttpGate::HttpGate()
-    : password(QUuid::createUuid().toByteArray(QUuid::Id128)) {
-    listener.setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
-    connect(&listener, &QTcpServer::newConnection, this, &HttpGate::SlotNewConnection);
-    connect(&listener, &QTcpServer::acceptError, this, &HttpGate::SlotAcceptFailed);
+    : m_password(QUuid::createUuid().toByteArray(QUuid::Id128)) {
+    m_listener.setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
+    connect(&m_listener, &QTcpServer::newConnection, this, &HttpGate::SlotNewConnection);
+    connect(&m_listener, &QTcpServer::acceptError, this, &HttpGate::SlotAcceptFailed);
 }
 
 /// Names stay the business of the network library, which tells more about those that it does not find.
 QNetworkProxy HttpGate::GetProxy() {
-    if (!listener.isListening() && !listener.listen(QHostAddress::LocalHost))
+    if (!m_listener.isListening() && !m_listener.listen(QHostAddress::LocalHost))
         return QNetworkProxy(QNetworkProxy::NoProxy);
-    QNetworkProxy proxy(QNetworkProxy::Socks5Proxy, QStringLiteral("127.0.0.1"), listener.serverPort(),
-                        QString::fromLatin1(User()), QString::fromLatin1(password));
+    QNetworkProxy proxy(QNetworkProxy::Socks5Proxy, QStringLiteral("127.0.0.1"), m_listener.serverPort(),
+                        QString::fromLatin1(User()), QString::fromLatin1(m_password));
     proxy.setCapabilities(QNetworkProxy::TunnelingCapability);
     return proxy;
 }
 
 void HttpGate::SlotNewConnection() {
-    while (QTcpSocket* const client = listener.nextPendingConnection()) {
-        const auto* const passage = new HttpPassage(client, User(), password, this);
+    while (QTcpSocket* const client = m_listener.nextPendingConnection()) {
+        const auto* const passage = new HttpPassage(client, User(), m_password, this);
         connect(passage, &HttpPassage::SignalServerSpoke, this, &HttpGate::SignalServerSpoke);
     }
 }
 
 /// Without a free descriptor the listener pauses. There will be one again.
 void HttpGate::SlotAcceptFailed() {
-    QTimer::singleShot(kAcceptPause, &listener, &QTcpServer::resumeAccepting);
+    QTimer::singleShot(kAcceptPause, &m_listener, &QTcpServer::resumeAccepting);
 }
 
 HttpGateRoute::HttpGateRoute(HttpGate& gate)

@@ -32,8 +32,8 @@ private Q_SLOTS:
     void SlotAcceptFailed();
 
 private:
-    QTcpServer listener;
-    const QByteArray password;
+    QTcpServer m_listener;
+    const QByteArray m_password;
 };
 
 /// Leads requests through the gate, unless the host process has a proxy for them. What the computer's environment names

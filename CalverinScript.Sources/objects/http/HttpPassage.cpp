@@ -52,22 +52,22 @@ void ForwardTheRest(QTcpSocket& from, QTcpSocket& to) {
 
 HttpPassage::HttpPassage(QTcpSocket* clientSocket, const QByteArray& user, const QByteArray& password, QObject* parent)
     : QObject(parent)
-    , client(clientSocket)
-    , credentials(kPasswordVersion + Counted(user) + Counted(password)) {
-    client->setParent(this);
-    client->setReadBufferSize(kAhead);
-    client->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, kAhead);
-    client->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    server.setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
-    server.setReadBufferSize(kAhead);
-    connect(client, &QTcpSocket::readyRead, this, &HttpPassage::SlotClientSpoke);
-    connect(client, &QTcpSocket::bytesWritten, this, &HttpPassage::SlotServerSpoke);
-    connect(client, &QTcpSocket::disconnected, this, &HttpPassage::SlotClientGone);
-    connect(&server, &QTcpSocket::connected, this, &HttpPassage::SlotServerThere);
-    connect(&server, &QTcpSocket::readyRead, this, &HttpPassage::SlotServerSpoke);
-    connect(&server, &QTcpSocket::bytesWritten, this, &HttpPassage::SlotClientSpoke);
-    connect(&server, &QTcpSocket::disconnected, this, &HttpPassage::SlotServerGone);
-    connect(&server, &QTcpSocket::errorOccurred, this, &HttpPassage::SlotServerFailed);
+    , m_client(clientSocket)
+    , m_credentials(kPasswordVersion + Counted(user) + Counted(password)) {
+    m_client->setParent(this);
+    m_client->setReadBufferSize(kAhead);
+    m_client->setSocketOption(QAbstractSocket::SendBufferSizeSocketOption, kAhead);
+    m_client->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    m_server.setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
+    m_server.setReadBufferSize(kAhead);
+    connect(m_client, &QTcpSocket::readyRead, this, &HttpPassage::SlotClientSpoke);
+    connect(m_client, &QTcpSocket::bytesWritten, this, &HttpPassage::SlotServerSpoke);
+    connect(m_client, &QTcpSocket::disconnected, this, &HttpPassage::SlotClientGone);
+    connect(&m_server, &QTcpSocket::connected, this, &HttpPassage::SlotServerThere);
+    connect(&m_server, &QTcpSocket::readyRead, this, &HttpPassage::SlotServerSpoke);
+    connect(&m_server, &QTcpSocket::bytesWritten, this, &HttpPassage::SlotClientSpoke);
+    connect(&m_server, &QTcpSocket::disconnected, this, &HttpPassage::SlotServerGone);
+    connect(&m_server, &QTcpSocket::errorOccurred, this, &HttpPassage::SlotServerFailed);
     SlotClientSpoke();
 }
 
@@ -77,51 +77,51 @@ HttpPassage::~HttpPassage() {
 
 void HttpPassage::Cut() {
     StopListening();
-    client->abort();
-    server.abort();
+    m_client->abort();
+    m_server.abort();
     deleteLater();
 }
 
 /// Sockets that are closed here tell of it, which nobody may hear any more.
 void HttpPassage::StopListening() {
-    client->disconnect(this);
-    server.disconnect(this);
+    m_client->disconnect(this);
+    m_server.disconnect(this);
 }
 
 void HttpPassage::SlotClientSpoke() {
-    if (state == State::Greeting && !ReadGreeting())
+    if (m_state == State::Greeting && !ReadGreeting())
         return;
-    if (state == State::Password && !ReadPassword())
+    if (m_state == State::Password && !ReadPassword())
         return;
-    if (state == State::Address && !ReadAddress())
+    if (m_state == State::Address && !ReadAddress())
         return;
-    if (state == State::Open && client->bytesAvailable() > 0)
+    if (m_state == State::Open && m_client->bytesAvailable() > 0)
         ForwardRequest();
 }
 
 /// What a server that has gone can hear no more is dropped here:
 /// a connection that is closed over unread bytes is reset.
 void HttpPassage::ForwardRequest() {
-    clientHasSpoken = true;
-    if (Forward(*client, server) > 0)
-        unanswered = 0;
-    if (server.state() != QAbstractSocket::UnconnectedState)
+    m_clientHasSpoken = true;
+    if (Forward(*m_client, m_server) > 0)
+        m_unanswered = 0;
+    if (m_server.state() != QAbstractSocket::UnconnectedState)
         return;
-    client->readAll();
+    m_client->readAll();
     SlotServerGone();
 }
 
 void HttpPassage::SlotServerSpoke() {
-    if (state != State::Open)
+    if (m_state != State::Open)
         return;
-    const qint64 moved = Forward(server, *client);
-    unanswered += moved;
+    const qint64 moved = Forward(m_server, *m_client);
+    m_unanswered += moved;
     if (moved > 0)
-        Q_EMIT SignalServerSpoke(this, unanswered);
+        Q_EMIT SignalServerSpoke(this, m_unanswered);
 }
 
 bool HttpPassage::Peek(int size, QByteArray& bytes) {
-    bytes = client->peek(size);
+    bytes = m_client->peek(size);
     return bytes.size() == size;
 }
 
@@ -137,23 +137,23 @@ bool HttpPassage::ReadGreeting() {
         Cut();
         return false;
     }
-    client->skip(greeting.size());
-    client->write(QByteArray(1, kVersion) + kByPassword);
-    state = State::Password;
+    m_client->skip(greeting.size());
+    m_client->write(QByteArray(1, kVersion) + kByPassword);
+    m_state = State::Password;
     return true;
 }
 
 bool HttpPassage::ReadPassword() {
     QByteArray shown;
-    if (!Peek(credentials.size(), shown))
+    if (!Peek(m_credentials.size(), shown))
         return false;
-    if (shown != credentials) {
+    if (shown != m_credentials) {
         Cut();
         return false;
     }
-    client->skip(shown.size());
-    client->write(QByteArray(1, kPasswordVersion) + kSucceeded);
-    state = State::Address;
+    m_client->skip(shown.size());
+    m_client->write(QByteArray(1, kPasswordVersion) + kSucceeded);
+    m_state = State::Address;
     return true;
 }
 
@@ -170,53 +170,53 @@ bool HttpPassage::ReadAddress() {
     }
     if (!Peek(kAddressAt + size + kPortSize, request))
         return false;
-    client->skip(request.size());
+    m_client->skip(request.size());
     const char* const bytes = request.constData() + kAddressAt;
     const QHostAddress address = size == kAddress6Size ? QHostAddress(reinterpret_cast<const quint8*>(bytes))
                                                        : QHostAddress(qFromBigEndian<quint32>(bytes));
-    state = State::Connecting;
-    server.connectToHost(address, qFromBigEndian<quint16>(bytes + size));
+    m_state = State::Connecting;
+    m_server.connectToHost(address, qFromBigEndian<quint16>(bytes + size));
     return true;
 }
 
 /// The address from which we have connected does not matter to the client.
 void HttpPassage::Answer(char result) {
-    client->write(QByteArray(1, kVersion) + result + '\0' + kAddress4 + QByteArray(kAddress4Size + kPortSize, '\0'));
+    m_client->write(QByteArray(1, kVersion) + result + '\0' + kAddress4 + QByteArray(kAddress4Size + kPortSize, '\0'));
 }
 
 void HttpPassage::SlotServerThere() {
-    server.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    server.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+    m_server.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    m_server.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     Answer(kSucceeded);
-    state = State::Open;
+    m_state = State::Open;
     SlotClientSpoke();
 }
 
 /// The client has a clock of its own for a server that does not answer, and tells of it by itself.
 void HttpPassage::SlotServerFailed(QAbstractSocket::SocketError error) {
-    if (state != State::Connecting || error == QAbstractSocket::SocketTimeoutError)
+    if (m_state != State::Connecting || error == QAbstractSocket::SocketTimeoutError)
         return;
     const char elsewhere = error == QAbstractSocket::SocketAccessError ? kNotAllowed : kUnreachable;
     Answer(error == QAbstractSocket::ConnectionRefusedError ? kRefused : elsewhere);
-    client->disconnectFromHost();
+    m_client->disconnectFromHost();
 }
 
 void HttpPassage::SlotClientGone() {
-    if (server.state() == QAbstractSocket::ConnectedState)
-        ForwardTheRest(*client, server);
+    if (m_server.state() == QAbstractSocket::ConnectedState)
+        ForwardTheRest(*m_client, m_server);
     else
-        server.abort();
+        m_server.abort();
     EndWhenBothAreGone();
 }
 
 void HttpPassage::SlotServerGone() {
-    if (state == State::Open && !clientHasSpoken && client->state() == QAbstractSocket::ConnectedState)
+    if (m_state == State::Open && !m_clientHasSpoken && m_client->state() == QAbstractSocket::ConnectedState)
         return;
-    ForwardTheRest(server, *client);
+    ForwardTheRest(m_server, *m_client);
     EndWhenBothAreGone();
 }
 
 void HttpPassage::EndWhenBothAreGone() {
-    if (client->state() == QAbstractSocket::UnconnectedState && server.state() == QAbstractSocket::UnconnectedState)
+    if (m_client->state() == QAbstractSocket::UnconnectedState && m_server.state() == QAbstractSocket::UnconnectedState)
         deleteLater();
 }

@@ -47,10 +47,10 @@ private:
     void StopListening();
     void EndWhenBothAreGone();
 
-    QTcpSocket* const client; ///< child
-    QTcpSocket server;
-    const QByteArray credentials; ///< what the client has to show, as it travels
-    State state = State::Greeting;
-    bool clientHasSpoken = false; ///< to the server
-    qint64 unanswered = 0;
+    QTcpSocket* const m_client; ///< child
+    QTcpSocket m_server;
+    const QByteArray m_credentials; ///< what the client has to show, as it travels
+    State m_state = State::Greeting;
+    bool m_clientHasSpoken = false; ///< to the server
+    qint64 m_unanswered = 0;
 };

@@ -30,11 +30,11 @@ QByteArray HeaderListOf(const QNetworkReply& reply) {
 } // namespace
 
 MHTTPClient::MHTTPClient(qint64 maxAnswerBytes)
-    : maxBytes(maxAnswerBytes) {
-    setProxyFactory(new HttpGateRoute(gate)); // which the manager owns
+    : m_maxBytes(maxAnswerBytes) {
+    setProxyFactory(new HttpGateRoute(m_gate)); // which the manager owns
     setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
     connect(this, &QNetworkAccessManager::finished, this, &MHTTPClient::SlotDestroyNAMReply);
-    connect(&gate, &HttpGate::SignalServerSpoke, this, &MHTTPClient::SlotServerSpoke);
+    connect(&m_gate, &HttpGate::SignalServerSpoke, this, &MHTTPClient::SlotServerSpoke);
 }
 
 MHTTPClient::~MHTTPClient() {
@@ -61,23 +61,23 @@ bool MHTTPClient::MayBegin(const QNetworkRequest& request) {
 
 template <typename Verb>
 void MHTTPClient::Begin(const QNetworkRequest& request, Verb verb) {
-    lpReply = nullptr;
+    m_lpReply = nullptr;
     if (!MayBegin(request))
         return;
     connect(this, &QNetworkAccessManager::authenticationRequired, this, &MHTTPClient::SlotAuthRequired,
             Qt::UniqueConnection);
     connect(this, &QNetworkAccessManager::proxyAuthenticationRequired, this, &MHTTPClient::SlotProxyAuthRequired,
             Qt::UniqueConnection);
-    ++proxyAnswersLeft;
-    lpReply = verb();
-    connect(lpReply, &QNetworkReply::finished, this, &MHTTPClient::SlotReadyRead);
-    connect(lpReply, &QNetworkReply::errorOccurred, this, &MHTTPClient::SlotError);
-    connect(lpReply, &QNetworkReply::downloadProgress, this, &MHTTPClient::SlotDownloadProgress);
-    connect(lpReply, &QNetworkReply::uploadProgress, this, &MHTTPClient::SlotUploadProgress);
-    connect(lpReply, &QNetworkReply::readyRead, this, &MHTTPClient::SlotBodyGrows);
-    if (lpDownload != nullptr) {
-        lpDownload->Restart(); // the body of the last request it is, and of no other
-        lpReply->setReadBufferSize(kDownloadAhead);
+    ++m_proxyAnswersLeft;
+    m_lpReply = verb();
+    connect(m_lpReply, &QNetworkReply::finished, this, &MHTTPClient::SlotReadyRead);
+    connect(m_lpReply, &QNetworkReply::errorOccurred, this, &MHTTPClient::SlotError);
+    connect(m_lpReply, &QNetworkReply::downloadProgress, this, &MHTTPClient::SlotDownloadProgress);
+    connect(m_lpReply, &QNetworkReply::uploadProgress, this, &MHTTPClient::SlotUploadProgress);
+    connect(m_lpReply, &QNetworkReply::readyRead, this, &MHTTPClient::SlotBodyGrows);
+    if (m_lpDownload != nullptr) {
+        m_lpDownload->Restart(); // the body of the last request it is, and of no other
+        m_lpReply->setReadBufferSize(kDownloadAhead);
     }
 }
 
@@ -98,13 +98,13 @@ void MHTTPClient::SlotDelete(const QNetworkRequest& request) {
 }
 
 void MHTTPClient::SlotDownloadFile(const QNetworkRequest& request, const QString& path) {
-    lpDownload.reset();
+    m_lpDownload.reset();
     const QString target = DownloadTarget(path, request.url());
     if (target.isEmpty()) {
         Q_EMIT SignalResponseReceived(QByteArray(), QByteArray(), 0, kHttpWrongPath);
         return;
     }
-    lpDownload = std::make_unique<DownloadFile>(target);
+    m_lpDownload = std::make_unique<DownloadFile>(target);
     SlotGet(request);
 }
 
@@ -119,47 +119,47 @@ void MHTTPClient::SlotUploadProgress(qint64 bytesSent, qint64 bytesTotal) {
 }
 
 void MHTTPClient::SlotCancelPreviousRequest() {
-    if (lpReply != nullptr)
-        Silence(lpReply);
-    lpReply = nullptr;
+    if (m_lpReply != nullptr)
+        Silence(m_lpReply);
+    m_lpReply = nullptr;
 }
 
 void MHTTPClient::SlotSetAuthentication(const QString& _sUser, const QString& _sPassword) {
-    sUser = _sUser;
-    sPassword = _sPassword;
+    m_sUser = _sUser;
+    m_sPassword = _sPassword;
 }
 
 void MHTTPClient::SlotAuthRequired(QNetworkReply* _lpNR, QAuthenticator* _lpAuth) {
     if (_lpNR == nullptr || _lpNR->isFinished() || _lpAuth == nullptr || _lpNR->property(kAnswered).toBool())
         return;
     _lpNR->setProperty(kAnswered, true);
-    _lpAuth->setUser(sUser);
-    _lpAuth->setPassword(sPassword);
+    _lpAuth->setUser(m_sUser);
+    _lpAuth->setPassword(m_sPassword);
 }
 
 void MHTTPClient::SlotProxyAuthRequired(const QNetworkProxy& /*Proxy*/, QAuthenticator* _lpAuth) {
-    if (_lpAuth == nullptr || proxyAnswersLeft == 0)
+    if (_lpAuth == nullptr || m_proxyAnswersLeft == 0)
         return;
-    --proxyAnswersLeft;
-    _lpAuth->setUser(sUser);
-    _lpAuth->setPassword(sPassword);
+    --m_proxyAnswersLeft;
+    _lpAuth->setUser(m_sUser);
+    _lpAuth->setPassword(m_sPassword);
 }
 
 /// The end of the current request or of an earlier one; either way what the current one has got is what is reported.
 void MHTTPClient::SlotReadyRead() {
-    if (lpReply == nullptr)
+    if (m_lpReply == nullptr)
         return;
-    QByteArray body = lpReply->readAll();
-    const int status = lpReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (lpDownload != nullptr) {
-        if (!lpDownload->Write(body) || !FinishDownload()) {
+    QByteArray body = m_lpReply->readAll();
+    const int status = m_lpReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (m_lpDownload != nullptr) {
+        if (!m_lpDownload->Write(body) || !FinishDownload()) {
             Fail(kHttpFileRefused, status);
             return;
         }
         body.clear();
-        lpDownload.reset();
+        m_lpDownload.reset();
     }
-    const QByteArray headers = HeaderListOf(*lpReply);
+    const QByteArray headers = HeaderListOf(*m_lpReply);
     ReleaseReply();
     Q_EMIT SignalResponseReceived(body, headers, status, kHttpNoError);
 }
@@ -176,17 +176,17 @@ void MHTTPClient::SlotBodyGrows() {
     auto* growing = qobject_cast<QNetworkReply*>(sender());
     if (growing == nullptr)
         return;
-    if (growing == lpReply && lpDownload != nullptr) {
+    if (growing == m_lpReply && m_lpDownload != nullptr) {
         const int status = growing->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-        if (!lpDownload->Write(growing->readAll()))
+        if (!m_lpDownload->Write(growing->readAll()))
             RefuseBody(growing, kHttpFileRefused, status);
-    } else if (growing->bytesAvailable() > maxBytes) {
+    } else if (growing->bytesAvailable() > m_maxBytes) {
         RefuseBody(growing, kHttpUnknownContentError, 0);
     }
 }
 
 void MHTTPClient::RefuseBody(QNetworkReply* reply, int error, int status) {
-    if (reply == lpReply)
+    if (reply == m_lpReply)
         Fail(error, status);
     Silence(reply);
     reply->abort();
@@ -194,10 +194,10 @@ void MHTTPClient::RefuseBody(QNetworkReply* reply, int error, int status) {
 
 /// By the letter a file that is there counts, new or not; the log tells which.
 bool MHTTPClient::FinishDownload() {
-    const DownloadFile::End end = lpDownload->Finish();
+    const DownloadFile::End end = m_lpDownload->Finish();
     if (end == DownloadFile::End::KeptOld)
         Q_EMIT SignalWarning(
-            QStringLiteral("download: %1 cannot be written to and stays as it was").arg(lpDownload->GetTarget()));
+            QStringLiteral("download: %1 cannot be written to and stays as it was").arg(m_lpDownload->GetTarget()));
     return end != DownloadFile::End::Refused;
 }
 
@@ -206,7 +206,7 @@ bool MHTTPClient::FinishDownload() {
 void MHTTPClient::SlotServerSpoke(HttpPassage* passage, qint64 unanswered) {
     if (unanswered <= kMaxHttpHeaderBytes || AnyBodyIsComing())
         return;
-    if (lpReply != nullptr)
+    if (m_lpReply != nullptr)
         Fail(kHttpUnknownContentError);
     passage->Cut();
 }
@@ -220,15 +220,15 @@ bool MHTTPClient::AnyBodyIsComing() const {
 
 /// Forgets the download and the current request, then answers.
 void MHTTPClient::Fail(int error, int status, const QByteArray& body) {
-    lpDownload.reset();
+    m_lpDownload.reset();
     ReleaseReply();
     Q_EMIT SignalResponseReceived(body, QByteArray(), status, error);
 }
 
 void MHTTPClient::ReleaseReply() {
-    if (lpReply != nullptr)
-        SlotNAMReplyFinished(lpReply);
-    lpReply = nullptr;
+    if (m_lpReply != nullptr)
+        SlotNAMReplyFinished(m_lpReply);
+    m_lpReply = nullptr;
 }
 
 void MHTTPClient::SlotNAMReplyFinished(QNetworkReply* reply) {
@@ -238,7 +238,7 @@ void MHTTPClient::SlotNAMReplyFinished(QNetworkReply* reply) {
 
 /// Earlier requests, which nobody reads any more, go when they end.
 void MHTTPClient::SlotDestroyNAMReply(QNetworkReply* reply) {
-    if (reply != lpReply)
+    if (reply != m_lpReply)
         reply->deleteLater();
 }
 

@@ -89,11 +89,11 @@ private:
     void ReleaseReply();
     void Fail(int error, int status = 0, const QByteArray& body = QByteArray());
 
-    const qint64 maxBytes;
-    HttpGate gate;
-    QNetworkReply* lpReply = nullptr;         ///< the last request, child of the manager
-    std::unique_ptr<DownloadFile> lpDownload; ///< where its body goes; null when it goes to the script
-    QString sUser;
-    QString sPassword;
-    int proxyAnswersLeft = 0;
+    const qint64 m_maxBytes;
+    HttpGate m_gate;
+    QNetworkReply* m_lpReply = nullptr;         ///< the last request, child of the manager
+    std::unique_ptr<DownloadFile> m_lpDownload; ///< where its body goes; null when it goes to the script
+    QString m_sUser;
+    QString m_sPassword;
+    int m_proxyAnswersLeft = 0;
 };

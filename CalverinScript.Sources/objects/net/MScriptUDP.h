@@ -75,18 +75,18 @@ private:
     /// Whether one more message may wait; counts it if not.   [socket]
     bool TakeRoom(std::int32_t length);
 
-    const std::unique_ptr<MUDPSocket> socket;
-    IScriptObjectOwner* const owner;
+    const std::unique_ptr<MUDPSocket> m_socket;
+    IScriptObjectOwner* const m_owner;
 
     // The socket's thread.
-    std::vector<MScriptParamList> burst; ///< messages that were not handed over yet
-    BacklogLoad burstLoad;               ///< what they weigh
-    BacklogLoad room;                    ///< for the rest of the burst
-    std::uint64_t dropped = 0;           ///< of the burst
-    bool dropsNext = false;              ///< the message that belongs to an error which found no room
-    std::string senderText;              ///< the address of the last message's sender
-    IPInfo sender;                       ///< the same with its port
+    std::vector<MScriptParamList> m_burst; ///< messages that were not handed over yet
+    BacklogLoad m_burstLoad;               ///< what they weigh
+    BacklogLoad m_room;                    ///< for the rest of the burst
+    std::uint64_t m_dropped = 0;           ///< of the burst
+    bool m_dropsNext = false;              ///< the message that belongs to an error which found no room
+    std::string m_senderText;              ///< the address of the last message's sender
+    IPInfo m_sender;                       ///< the same with its port
 
-    DropLog drops;
-    ScriptBacklog backlog; ///< of messages and errors; gone before all that it tells
+    DropLog m_drops;
+    ScriptBacklog m_backlog; ///< of messages and errors; gone before all that it tells
 };

@@ -22,20 +22,20 @@ constexpr int kPortMask = 0xFFFF;
 } // namespace
 
 TCPClient::TCPClient(IScriptObjectOwner* objectOwner)
-    : socket(std::make_unique<MTCPClientSocket>())
-    , owner(objectOwner)
-    , backlog([this](bool full) { socket->SetReading(!full); }) {
+    : m_socket(std::make_unique<MTCPClientSocket>())
+    , m_owner(objectOwner)
+    , m_backlog([this](bool full) { m_socket->SetReading(!full); }) {
     m_type = ScriptObjectType::TcpClient;
-    socket->SetStackSize(kRequestedStackSize);
-    socket->SetNoDelay(true);
-    socket->SetPort(kFirstPort);
-    socket->SetAddress("127.0.0.1");
-    socket->AddHandler(this);
+    m_socket->SetStackSize(kRequestedStackSize);
+    m_socket->SetNoDelay(true);
+    m_socket->SetPort(kFirstPort);
+    m_socket->SetAddress("127.0.0.1");
+    m_socket->AddHandler(this);
 }
 
 TCPClient::~TCPClient() {
-    socket->RemoveHandler(this);
-    socket->Disconnect();
+    m_socket->RemoveHandler(this);
+    m_socket->Disconnect();
 }
 
 QScriptValue TCPClient::ToScript(QScriptEngine& engine) {
@@ -58,55 +58,56 @@ QScriptValue TCPClient::WriteQuickly(QScriptContext* context, QScriptEngine* /*e
 
 /// A thread that runs, or is still winding down, makes no new attempt, however soon it ends: that is for the next call.
 void TCPClient::connect(int iPort, const QString& sHost, const QScriptValue& svConnectListener) {
-    const bool running = socket->IsStarted();
-    socket->RequestStop();
+    const bool running = m_socket->IsStarted();
+    m_socket->RequestStop();
     {
-        const ScriptWait wait(owner != nullptr ? owner->GetWaits() : nullptr, [this] { socket->Disconnect(); });
+        const ScriptWait wait(m_owner != nullptr ? m_owner->GetWaits() : nullptr, [this] { m_socket->Disconnect(); });
         if (!wait.IsAllowed())
             return;
         SetPeer(iPort & kPortMask, ToHostText(sHost));
     }
     SetListener(QStringLiteral("connect"), svConnectListener);
-    if (owner != nullptr && !running && socket->ConnectAsync() == NetSuccess)
+    if (m_owner != nullptr && !running && m_socket->ConnectAsync() == NetSuccess)
         StartThread();
 }
 
 /// A connection that stands moves to another port or host, and goes on being read.
 void TCPClient::SetPeer(int port, const QByteArray& host) {
-    const bool moves = socket->IsConnected() && (socket->GetPort() != port || socket->GetAddress() != host.constData());
-    socket->SetPort(port);
-    socket->SetAddress(host.constData());
+    const bool moves =
+        m_socket->IsConnected() && (m_socket->GetPort() != port || m_socket->GetAddress() != host.constData());
+    m_socket->SetPort(port);
+    m_socket->SetAddress(host.constData());
     if (!moves)
         return;
-    socket->Wait();
+    m_socket->Wait();
     StartThread();
 }
 
 void TCPClient::StartThread() {
-    if (!socket->StartThread())
-        OnError(NetStartup, socket.get()); // the system has no thread or no descriptor left
+    if (!m_socket->StartThread())
+        OnError(NetStartup, m_socket.get()); // the system has no thread or no descriptor left
 }
 
 QScriptValue TCPClient::address() {
-    return SocketAddressValue(engine(), socket->GetPort(), socket->GetAddress());
+    return SocketAddressValue(engine(), m_socket->GetPort(), m_socket->GetAddress());
 }
 
 void TCPClient::setNoDelay(bool bNoDelay) {
-    socket->SetNoDelay(bNoDelay);
+    m_socket->SetNoDelay(bNoDelay);
 }
 
 void TCPClient::write(const QScriptValue& svData) {
     if (!svData.isString() && !IsBuffer(svData))
         return;
     const QByteArray bytes = svData.isString() ? ToHostText(svData.toString()) : BytesFromBuffer(svData);
-    const ScriptWait wait(owner != nullptr ? owner->GetWaits() : nullptr, [this] { socket->Disconnect(); });
+    const ScriptWait wait(m_owner != nullptr ? m_owner->GetWaits() : nullptr, [this] { m_socket->Disconnect(); });
     if (wait.IsAllowed())
-        socket->Send(bytes.constData(), bytes.size());
+        m_socket->Send(bytes.constData(), bytes.size());
 }
 
 void TCPClient::end() {
-    socket->Disconnect();
-    OnClose(socket.get());
+    m_socket->Disconnect();
+    OnClose(m_socket.get());
 }
 
 void TCPClient::on(const QString& sEvent, const QScriptValue& svListener) {
@@ -119,29 +120,29 @@ bool TCPClient::OnQueryConnect(MTCPClientSocket* /*socket*/) {
 
 void TCPClient::OnConnect(MTCPClientSocket* /*socket*/) {
     const MScriptParamList none;
-    if (owner != nullptr)
-        owner->PostScriptEvent(QStringLiteral("connect"), &none, this);
+    if (m_owner != nullptr)
+        m_owner->PostScriptEvent(QStringLiteral("connect"), &none, this);
 }
 
 void TCPClient::OnClose(MTCPClientSocket* /*socket*/) {
     MScriptParamList values;
     values.Add(false);
-    if (owner != nullptr)
-        owner->PostScriptEvent(QStringLiteral("close"), &values, this);
+    if (m_owner != nullptr)
+        m_owner->PostScriptEvent(QStringLiteral("close"), &values, this);
 }
 
 void TCPClient::OnData(const char* data, std::int32_t length, MTCPClientSocket* /*socket*/) {
-    if (owner == nullptr || data == nullptr || length <= 0)
+    if (m_owner == nullptr || data == nullptr || length <= 0)
         return;
     std::vector<MScriptParamList> block(1);
     block.front().Add(QByteArray(data, length));
-    block.front().Carry(backlog.Add({1, static_cast<std::uint64_t>(length)}));
-    owner->PostScriptEvents(QStringLiteral("data"), std::move(block), this);
+    block.front().Carry(m_backlog.Add({1, static_cast<std::uint64_t>(length)}));
+    m_owner->PostScriptEvents(QStringLiteral("data"), std::move(block), this);
 }
 
 void TCPClient::OnError(std::int32_t code, MTCPClientSocket* source) {
-    if (owner == nullptr)
+    if (m_owner == nullptr)
         return;
     const MScriptParamList values = SocketErrorValues(*source, code);
-    owner->PostScriptEvent(QStringLiteral("error"), &values, this);
+    m_owner->PostScriptEvent(QStringLiteral("error"), &values, this);
 }

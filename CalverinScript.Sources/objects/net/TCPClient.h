@@ -76,7 +76,7 @@ private:
     void StartThread();
     void SetPeer(int port, const QByteArray& host);
 
-    const std::unique_ptr<MTCPClientSocket> socket;
-    IScriptObjectOwner* const owner;
-    ScriptBacklog backlog; ///< of data; gone before the socket that it pauses
+    const std::unique_ptr<MTCPClientSocket> m_socket;
+    IScriptObjectOwner* const m_owner;
+    ScriptBacklog m_backlog; ///< of data; gone before the socket that it pauses
 };
