@@ -19,10 +19,10 @@ bool EndsWord(const QString& typed) {
 } // namespace
 
 void CodeEditor::setCompleter(QCompleter* completer) {
-    if (m_completer)
+    if (m_completer != nullptr)
         m_completer->disconnect(this);
     m_completer = completer;
-    if (!completer)
+    if (completer == nullptr)
         return;
     completer->setWidget(this);
     completer->setCompletionMode(QCompleter::PopupCompletion);
@@ -35,7 +35,7 @@ QCompleter* CodeEditor::completer() const {
 }
 
 void CodeEditor::SlotInsertText(const QString& text) {
-    if (!m_completer || m_completer->widget() != this)
+    if (m_completer == nullptr || m_completer->widget() != this)
         return;
     QTextCursor cursor = textCursor();
     cursor.insertText(text);
@@ -43,13 +43,13 @@ void CodeEditor::SlotInsertText(const QString& text) {
 }
 
 void CodeEditor::focusInEvent(QFocusEvent* event) {
-    if (m_completer)
+    if (m_completer != nullptr)
         m_completer->setWidget(this);
     QPlainTextEdit::focusInEvent(event);
 }
 
 bool CodeEditor::PopupTakes(int key) const {
-    if (!m_completer || !m_completer->popup()->isVisible())
+    if (m_completer == nullptr || !m_completer->popup()->isVisible())
         return false;
     switch (key) {
     case Qt::Key_Escape:
@@ -64,9 +64,9 @@ bool CodeEditor::PopupTakes(int key) const {
 }
 
 void CodeEditor::Complete(const QKeyEvent& event, bool isShortcut) {
-    const bool ctrlOrShift = event.modifiers() & (Qt::ControlModifier | Qt::ShiftModifier);
+    const bool ctrlOrShift = (event.modifiers() & (Qt::ControlModifier | Qt::ShiftModifier)) != 0;
     const QString typed = event.text();
-    if (!m_completer || (ctrlOrShift && typed.isEmpty()))
+    if (m_completer == nullptr || (ctrlOrShift && typed.isEmpty()))
         return;
     const bool hasModifier = event.modifiers() != Qt::NoModifier && !ctrlOrShift;
     const QString prefix = textUnderCursor();
@@ -91,7 +91,7 @@ void CodeEditor::ShowCompletions(const QString& prefix) {
 // The prefix is looked for at the end of the word that holds the character left of the caret: at the beginning of a
 // line that is the end of the line above.
 void CodeEditor::insertCompletion(QModelIndex completion) {
-    if (!m_completer || m_completer->widget() != this)
+    if (m_completer == nullptr || m_completer->widget() != this)
         return;
     const QString text = CompletionText(completion);
     QTextCursor cursor = textCursor();

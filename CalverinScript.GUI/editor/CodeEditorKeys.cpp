@@ -40,7 +40,7 @@ void CodeEditor::keyPressEvent(QKeyEvent* event) {
         return QPlainTextEdit::keyPressEvent(event);
 
     const QString indentation = IsReturn(key) ? LeadingSpace(textCursor().block().text()) : QString();
-    const bool isShortcut = m_completer && IsCompletionShortcut(*event);
+    const bool isShortcut = m_completer != nullptr && IsCompletionShortcut(*event);
     if (!isShortcut)
         QPlainTextEdit::keyPressEvent(event);
     CarryOver(indentation);
@@ -66,7 +66,7 @@ bool CodeEditor::HandleZoomKey(const QKeyEvent& event) {
 
 // Exactly Control: with one modifier more the base class scrolls. The axis that turned further counts.
 void CodeEditor::wheelEvent(QWheelEvent* event) {
-    if (!event)
+    if (event == nullptr)
         return;
     if (event->modifiers() != Qt::ControlModifier)
         return QPlainTextEdit::wheelEvent(event);

@@ -80,7 +80,7 @@ void Highlighter::StoreBrackets(const QList<int>& positions) {
     if (positions.isEmpty())
         return;
     auto* data = static_cast<JSBlockData*>(currentBlockUserData());
-    if (!data) {
+    if (data == nullptr) {
         data = new JSBlockData;
         setCurrentBlockUserData(data);
     }

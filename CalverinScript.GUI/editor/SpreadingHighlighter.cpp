@@ -21,7 +21,7 @@ SpreadingHighlighter::SpreadingHighlighter(QTextDocument* document)
 }
 
 SpreadingHighlighter::~SpreadingHighlighter() {
-    if (document())
+    if (document() != nullptr)
         document()->disconnect(this);
 }
 
@@ -59,7 +59,7 @@ void SpreadingHighlighter::EndPass() {
 }
 
 void SpreadingHighlighter::RunPass() {
-    if (!document())
+    if (document() == nullptr)
         m_waiting.clear();
     m_costLeft = kPassCost;
     const QSignalBlocker silence(document()); // no letter changes: who follows the text has heard of the edit
