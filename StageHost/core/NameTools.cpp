@@ -44,9 +44,21 @@ std::uint32_t NameTools::IsValidName(const char* name) {
 }
 
 bool IsObjectName(const char* name) {
-    const std::string_view text = name == nullptr ? "" : name;
-    return !text.empty() && text.size() <= kLongestName && text.front() != ' ' && text.back() != ' ' &&
-           std::all_of(text.begin(), text.end(), &IsNameCharacter);
+    return name != nullptr && WhyNoObjectName(name).empty();
+}
+
+std::string WhyNoObjectName(const std::string& name) {
+    if (name.empty())
+        return "is empty";
+    if (name.size() > kLongestName)
+        return "has " + std::to_string(name.size()) + " characters, " + std::to_string(kLongestName) + " at most";
+    if (name.front() == ' ' || name.back() == ' ')
+        return "has a blank at an end";
+    const auto bad = std::find_if_not(name.begin(), name.end(), &IsNameCharacter);
+    if (bad == name.end())
+        return {};
+    return kSeparators.find(*bad) == std::string_view::npos ? "has a control character"
+                                                            : std::string("has the character ") + *bad;
 }
 
 } // namespace stagehost

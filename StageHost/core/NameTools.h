@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "HostFace.h"
 #include "IHostServices.h"
 
@@ -20,5 +22,9 @@ public:
 
 /// The rule itself.   [any]
 bool IsObjectName(const char* name);
+
+/// Why a text is no name, in words that follow "a name": "has 200 characters, 128 at most".   [any]
+/// @return empty when it is one.
+std::string WhyNoObjectName(const std::string& name);
 
 } // namespace stagehost

@@ -4,8 +4,11 @@
 #include <iterator>
 #include <limits>
 
+#include <QFileInfo>
+
 #include "ArtNetPacket.h"
-#include "NameTools.h"
+#include "BorderText.h"
+#include "NameCheck.h"
 #include "UniverseOut.h"
 
 namespace stagehost {
@@ -128,8 +131,7 @@ ChannelPlan ReadChannel(const JsonNode& node, ChannelType type) {
     if (!isName && !node.ExpectObject({"name", "value", "min", "max"}))
         return plan;
     plan.name = name.BorderText();
-    if (!IsObjectName(plan.name.c_str()))
-        name.Complain(QStringLiteral("expected a name of a channel"));
+    CheckName(name, plan.name, "a channel");
     if (isName)
         return plan;
     constexpr int kLowest = std::numeric_limits<int>::min();
@@ -159,18 +161,48 @@ ChannelsPlan ReadChannels(const JsonNode& node) {
     return plan;
 }
 
+using Plan = decltype(ResourceSpec::plan);
+
 /// What a resource can be, by its key.
 struct PlanReader {
     const char* key;
-    decltype(ResourceSpec::plan) (*read)(const JsonNode& node);
+    Plan (*read)(const JsonNode& node);
 };
 
 constexpr PlanReader kPlanReaders[] = {
-    {"serial", [](const JsonNode& node) -> decltype(ResourceSpec::plan) { return ReadSerial(node); }},
-    {"dmxOut", [](const JsonNode& node) -> decltype(ResourceSpec::plan) { return ReadDmxOut(node); }},
-    {"dmxIn", [](const JsonNode& node) -> decltype(ResourceSpec::plan) { return ReadDmxIn(node); }},
-    {"channels", [](const JsonNode& node) -> decltype(ResourceSpec::plan) { return ReadChannels(node); }},
+    {"serial", [](const JsonNode& node) -> Plan { return ReadSerial(node); }},
+    {"dmxOut", [](const JsonNode& node) -> Plan { return ReadDmxOut(node); }},
+    {"dmxIn", [](const JsonNode& node) -> Plan { return ReadDmxIn(node); }},
+    {"channels", [](const JsonNode& node) -> Plan { return ReadChannels(node); }},
 };
+
+/// The port itself, whichever of its names a show gives; empty for none.
+QString PortOf(const SerialPlan& plan) {
+    const QString own = QFileInfo(plan.port).canonicalFilePath();
+    return own.isEmpty() ? plan.port : own;
+}
+
+bool IsSameUniverse(const DmxPlan& one, const DmxPlan& other) {
+    return one.protocol == other.protocol && one.universe == other.universe && one.Port() == other.Port() &&
+           one.multicast == other.multicast && one.networkInterface == other.networkInterface;
+}
+
+template <typename Universe>
+bool AreSameUniverse(const Plan& one, const Plan& other) {
+    const auto* first = std::get_if<Universe>(&one);
+    const auto* second = std::get_if<Universe>(&other);
+    return first != nullptr && second != nullptr && IsSameUniverse(*first, *second) &&
+           first->address == second->address;
+}
+
+/// Whether two resources are one port of the system, or one universe to or from one place.
+bool IsSameEnd(const Plan& one, const Plan& other) {
+    const auto* first = std::get_if<SerialPlan>(&one);
+    const auto* second = std::get_if<SerialPlan>(&other);
+    if (first != nullptr && second != nullptr)
+        return !first->port.isEmpty() && PortOf(*first) == PortOf(*second);
+    return AreSameUniverse<DmxOutPlan>(one, other) || AreSameUniverse<DmxInPlan>(one, other);
+}
 
 } // namespace
 
@@ -190,10 +222,20 @@ void HardwareReader::ReadResource(const JsonNode& node) {
             continue;
         ++given;
         resource.plan = reader.read(Of(node, reader.key));
+        CheckAlone(Of(node, reader.key), resource);
     }
     if (given != 1)
         node.Complain(QStringLiteral("expected one of \"serial\", \"dmxOut\", \"dmxIn\" and \"channels\""));
     m_spec.push_back(std::move(resource));
+}
+
+/// Two resources that open one port would take its bytes from each other, and two that send one universe to one place
+/// its levels.
+void HardwareReader::CheckAlone(const JsonNode& node, const ResourceSpec& resource) const {
+    const auto twin = std::find_if(m_spec.begin(), m_spec.end(),
+                                   [&](const auto& other) { return IsSameEnd(other.plan, resource.plan); });
+    if (twin != m_spec.end())
+        node.Complain(QStringLiteral("is what %1 has already").arg(Quoted(FromBorderText(twin->name))));
 }
 
 std::int32_t HardwareReader::ReadId(const JsonNode& node) const {
@@ -208,8 +250,7 @@ std::int32_t HardwareReader::ReadId(const JsonNode& node) const {
 
 std::string HardwareReader::ReadResourceName(const JsonNode& node) const {
     std::string name = node.BorderText();
-    if (!IsObjectName(name.c_str()))
-        node.Complain(QStringLiteral("expected a name of a resource"));
+    CheckName(node, name, "a resource");
     const bool taken = std::any_of(m_spec.begin(), m_spec.end(), [&](const auto& other) { return name == other.name; });
     if (taken)
         node.Complain(QStringLiteral("another resource has this name"));

@@ -21,6 +21,7 @@ private:
     void ReadResource(const JsonNode& node);
     std::int32_t ReadId(const JsonNode& node) const;
     std::string ReadResourceName(const JsonNode& node) const;
+    void CheckAlone(const JsonNode& node, const ResourceSpec& resource) const;
 
     HardwareSpec& m_spec;
 };

@@ -22,7 +22,13 @@ JsonNode::JsonNode(QJsonValue value, QString path, QStringList& complaints)
 
 QString JsonNode::Text() const {
     Expect(IsMissing() || m_value.isString(), QStringLiteral("expected text"));
-    return m_value.toString();
+    return TextWithoutNul();
+}
+
+QString JsonNode::TextWithoutNul() const {
+    QString text = m_value.toString();
+    Expect(!text.contains(QChar(QChar::Null)), QStringLiteral("has a NUL, which ends every text"));
+    return text.remove(QChar(QChar::Null));
 }
 
 QString JsonNode::TextOr(const QString& missing) const {
@@ -51,7 +57,7 @@ QString JsonNode::Scalar() const {
     if (m_value.isBool())
         return m_value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
     Expect(IsMissing() || m_value.isString(), QStringLiteral("expected text or a number"));
-    return m_value.toString();
+    return TextWithoutNul();
 }
 
 JsonNode JsonNode::Member(const QString& name) const {
@@ -104,6 +110,11 @@ bool JsonNode::ExpectObject(std::initializer_list<const char*> names) const {
 
 void JsonNode::Complain(const QString& what) const {
     m_complaints += m_path.isEmpty() ? what : m_path + QStringLiteral(": ") + what;
+}
+
+void JsonNode::ComplainUnlessEmpty(const QString& what) const {
+    if (!what.isEmpty())
+        Complain(what);
 }
 
 bool JsonNode::Expect(bool right, const QString& what) const {

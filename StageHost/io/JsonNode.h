@@ -30,6 +30,7 @@ public:
     bool IsObject() const { return m_value.isObject(); }
     bool IsText() const { return m_value.isString(); }
 
+    /// No text of a show has a NUL, where everything outside would end it.
     QString Text() const;
     QString TextOr(const QString& missing) const;
     std::optional<double> Number() const;
@@ -63,8 +64,10 @@ public:
     bool ExpectObjectOfAny() const;
 
     void Complain(const QString& what) const;
+    void ComplainUnlessEmpty(const QString& what) const;
 
 private:
+    QString TextWithoutNul() const;
     bool Expect(bool right, const QString& what) const;
 
     QJsonValue m_value;

@@ -6,7 +6,7 @@
 
 #include "BorderText.h"
 #include "HardwareReader.h"
-#include "NameTools.h"
+#include "NameCheck.h"
 #include "UserGroup.h"
 
 namespace stagehost {
@@ -48,7 +48,8 @@ void CheckKnown(const JsonNode& node, const QSet<QString>& known, const QString&
 } // namespace
 
 ObjectsReader::ObjectsReader(Show& show)
-    : m_show(show) {
+    : m_show(show)
+    , m_values(show) {
     for (const auto& variable : show.variables)
         m_variables += FromBorderText(variable.name);
     for (const auto& name : NamesOf(show.resources))
@@ -206,8 +207,10 @@ ActionSpec ObjectsReader::ReadAction(const JsonNode& node) {
 void ObjectsReader::ReadSets(const JsonNode& node, ActionSpec& action) {
     node.ExpectObjectOfAny();
     for (const QString& name : node.MemberNames()) {
-        CheckVariable(node.Member(name), name);
-        action.sets.emplace_back(node.Border(name), node.Member(name).BorderScalar());
+        const JsonNode value = node.Member(name);
+        CheckVariable(value, name);
+        action.sets.emplace_back(node.Border(name), value.BorderScalar());
+        value.ComplainUnlessEmpty(m_values.WhyNotSet(name, action.sets.back().second));
     }
 }
 
@@ -215,13 +218,15 @@ void ObjectsReader::ReadRamps(const JsonNode& node, ActionSpec& action) {
     node.ExpectObjectOfAny();
     for (const QString& name : node.MemberNames()) {
         const JsonNode ramp = node.Member(name);
-        if (!m_resources.contains(name))
+        if (!m_values.IsChannel(name))
             ramp.Complain(QStringLiteral("there is no channel ") + Quoted(name));
         if (!ramp.ExpectObject({"to", "time"}))
             continue;
         const auto to = MemberOf(ramp, "to").Whole(std::numeric_limits<int>::min());
         if (MemberOf(ramp, "to").IsMissing())
             MemberOf(ramp, "to").Complain(QStringLiteral("expected a whole number"));
+        else if (to)
+            MemberOf(ramp, "to").ComplainUnlessEmpty(m_values.WhyNotRamped(name, *to));
         action.ramps.push_back({ramp.Border(name), to.value_or(0), MemberOf(ramp, "time").Whole(0).value_or(0)});
     }
 }
@@ -289,8 +294,7 @@ void ObjectsReader::CheckVariable(const JsonNode& node, const QString& name) con
 
 std::string ObjectsReader::ReadName(const JsonNode& node, const QString& holder, QSet<QString>& taken) {
     std::string name = node.BorderText();
-    if (!IsObjectName(name.c_str()))
-        node.Complain(QStringLiteral("expected a name"));
+    CheckName(node, name, "an object");
     const QString full = holder + FromBorderText(name);
     if (taken.contains(full))
         node.Complain(QStringLiteral("another one has this name"));

@@ -6,6 +6,7 @@
 
 #include "JsonNode.h"
 #include "Show.h"
+#include "ValueCheck.h"
 
 namespace stagehost {
 
@@ -28,6 +29,7 @@ public:
     void ReadCueName(const JsonNode& node, ActionSpec& action);
     void CheckStored(const JsonNode& node) const;
     void CheckVariable(const JsonNode& node, const QString& name) const;
+    const ValueCheck& Values() const { return m_values; }
 
 private:
     void CollectNames(const JsonNode& root);
@@ -46,6 +48,7 @@ private:
     bool IsKnownObject(const QString& name) const;
 
     Show& m_show;
+    const ValueCheck m_values;
     QSet<QString> m_variables;
     QSet<QString> m_resources; ///< with their channels
     QSet<QString> m_devices;

@@ -10,7 +10,7 @@
 #include "BorderText.h"
 #include "DataTypes.h"
 #include "HardwareReader.h"
-#include "NameTools.h"
+#include "NameCheck.h"
 #include "StoredCommandXml.h"
 #include "ValueFactory.h"
 
@@ -95,8 +95,7 @@ void ShowReader::ReadVariable(const JsonNode& node) {
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ValueSpec variable;
     variable.name = member("name").BorderText();
-    if (!IsObjectName(variable.name.c_str()))
-        member("name").Complain(QStringLiteral("expected a name of a variable"));
+    CheckName(member("name"), variable.name, "a variable");
     const bool taken = std::any_of(m_show.variables.begin(), m_show.variables.end(),
                                    [&](const auto& other) { return other.name == variable.name; });
     if (taken)
@@ -110,7 +109,7 @@ void ShowReader::ReadVariable(const JsonNode& node) {
     variable.maximum = member("max").Number();
     if (variable.minimum && variable.maximum && *variable.minimum > *variable.maximum)
         member("min").Complain(QStringLiteral("above \"max\""));
-    variable.maxLength = member("maxLength").Whole(-1).value_or(variable.maxLength);
+    variable.maxLength = member("maxLength").Whole(0).value_or(variable.maxLength);
     variable.precision = member("precision").Whole(0, 15).value_or(variable.precision);
     variable.timeCodeType = member("timeCodeType").Whole(0, 5).value_or(variable.timeCodeType);
     member("items").ForEach([&](const JsonNode& item) { variable.items.push_back(item.BorderText()); });
@@ -126,8 +125,7 @@ void ShowReader::ReadDevice(const JsonNode& node) {
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ShowDevice device{member("name").Text(),  member("script").Text(), member("scriptText").Text(),
                       member("setup").Text(), ReadConduct(node),       member("driver").Text()};
-    if (!IsObjectName(member("name").Border(device.name).c_str()))
-        member("name").Complain(QStringLiteral("expected a name of a device"));
+    CheckName(member("name"), member("name").Border(device.name), "a device");
     if (m_show.FindDevice(device.name) != nullptr)
         member("name").Complain(QStringLiteral("another device has this name"));
     if (!member("script").IsMissing() && !member("scriptText").IsMissing())
@@ -148,8 +146,7 @@ void ShowReader::ReadStoredCommand(const JsonNode& node) {
         return;
     const JsonNode name = node.Member(QStringLiteral("name"));
     const JsonNode xml = node.Member(QStringLiteral("xml"));
-    if (!IsObjectName(name.BorderText().c_str()))
-        name.Complain(QStringLiteral("expected a name of a stored command"));
+    CheckName(name, name.BorderText(), "a stored command");
     const bool taken = std::any_of(m_show.commands.begin(), m_show.commands.end(),
                                    [&](const auto& other) { return other.name == name.PlainText(); });
     if (taken)
@@ -206,8 +203,9 @@ void ShowReader::ReadOtherStep(const JsonNode& node, ObjectsReader& objects, Sho
         return;
     const JsonNode variable = wait.Member(QStringLiteral("variable"));
     objects.CheckVariable(variable, variable.Text());
-    step.wait = ShowWait{variable.PlainText(), wait.Member(QStringLiteral("value")).Scalar(),
-                         wait.Member(QStringLiteral("within")).Whole(1)};
+    const JsonNode value = wait.Member(QStringLiteral("value"));
+    step.wait = ShowWait{variable.PlainText(), value.Scalar(), wait.Member(QStringLiteral("within")).Whole(1)};
+    value.ComplainUnlessEmpty(objects.Values().WhyNeverIs(variable.PlainText(), ToBorderText(step.wait->value)));
 }
 
 void ShowReader::ReadCommandStep(const JsonNode& node, ShowStep& step) {
