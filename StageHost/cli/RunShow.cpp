@@ -2,6 +2,7 @@
 #include <QJsonArray>
 
 #include "BorderText.h"
+#include "CommandCheck.h"
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "Output.h"
@@ -134,6 +135,8 @@ private:
 
 MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
     if (auto failure = session.Open(show))
+        return failure;
+    if (auto failure = CheckCommands(session, show))
         return failure;
     report.Begin();
     for (const auto& device : session.Devices()) {

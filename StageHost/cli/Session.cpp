@@ -9,9 +9,11 @@
 #include "DriverSetup.h"
 #include "ExitCodes.h"
 #include "ExitGuard.h"
+#include "JsonNode.h"
 #include "MainWait.h"
 #include "Output.h"
 #include "TextFile.h"
+#include "ValueCheck.h"
 #include "ValueFactory.h"
 
 namespace stagehost {
@@ -42,6 +44,14 @@ QString NoCommandText(Device& device, const DeviceDefinition& definition, const 
     return text + QStringLiteral("; it is a function of the script: \"Execute Function With Params\" with \"Script "
                                  "Function Name=%1\" runs it")
                       .arg(name);
+}
+
+/// Why the device, as it is defined, does not take such a command; empty when it does.
+QString Complaint(Device& device, const DeviceDefinition& definition, const QString& command,
+                  const std::vector<ParameterInput>& inputs) {
+    const CommandDefinition* found = definition.FindCommand(ToBorderText(command));
+    const QString problem = found == nullptr ? NoCommandText(device, definition, command) : CheckInputs(*found, inputs);
+    return problem.isEmpty() ? QString() : DeviceText(device, problem);
 }
 
 } // namespace
@@ -278,12 +288,10 @@ MaybeFailure Session::LoadFile(Device& device, const QString& path) {
 MaybeFailure Session::Send(Device& device, const QString& command, const std::vector<ParameterInput>& inputs,
                            CommandOutcome* outcome) {
     const auto definition = device.Variables().Definition();
-    const CommandDefinition* found = definition->FindCommand(ToBorderText(command));
-    if (found == nullptr)
-        return Failure{kExitBadUse, DeviceText(device, NoCommandText(device, *definition, command))};
-    const QString problem = CheckInputs(*found, inputs);
+    const QString problem = Complaint(device, *definition, command, inputs);
     if (!problem.isEmpty())
-        return Failure{kExitBadUse, DeviceText(device, problem)};
+        return Failure{kExitBadUse, problem};
+    const CommandDefinition* found = definition->FindCommand(ToBorderText(command));
     if (device.MayHold())
         PrintProblem(DeviceText(device, QStringLiteral("waiting until the device gives up the command that failed")));
     const QStringList thrown = HearThrown(device, [&] { *outcome = device.Send(*found, inputs, m_options.timeout); });
@@ -292,6 +300,11 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
     if (exitCode == kExitOk)
         return std::nullopt;
     return Failure{exitCode, FailureText(*outcome, command, m_options.timeout)};
+}
+
+QString Session::WhyNotSent(Device& device, const QString& command, const std::vector<ParameterInput>& inputs) {
+    const auto definition = device.Variables().Definition();
+    return Complaint(device, *definition, command, inputs);
 }
 
 MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
@@ -315,6 +328,9 @@ MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
 
 MaybeFailure Session::WaitFor(const ShowWait& wait) {
     const std::string name = ToBorderText(wait.variable);
+    const QString never = ValueCheck(m_show).WhyNeverIs(wait.variable, ToBorderText(wait.value));
+    if (!never.isEmpty())
+        return Failure{kExitBadUse, Quoted(wait.variable) + QLatin1Char(' ') + never};
     if (const auto variable = m_host->Variables().Find(name)) {
         const Observation observation = variable->Observe([] { MainWait::Wake(); });
         return WaitUntil(wait, [&] { return variable->Text(); });

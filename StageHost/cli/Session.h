@@ -61,6 +61,9 @@ public:
     MaybeFailure Send(Device& device, const QString& command, const std::vector<ParameterInput>& inputs,
                       CommandOutcome* outcome);
 
+    /// Why the device does not take such a command; empty when it does.
+    static QString WhyNotSent(Device& device, const QString& command, const std::vector<ParameterInput>& inputs);
+
     /// Sends a stored command of the show, as the driver of now has it.
     MaybeFailure SendStored(const QString& name, CommandOutcome* outcome);
 

@@ -1,5 +1,6 @@
 #include "BorderText.h"
 #include "ChangePrinter.h"
+#include "CommandCheck.h"
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "InputLines.h"
@@ -38,6 +39,8 @@ MaybeFailure CheckNames(Session& session, const QStringList& names) {
 
 MaybeFailure Open(Session& session, const Show& show, const QStringList& names) {
     if (auto failure = session.Open(show))
+        return failure;
+    if (auto failure = CheckCommands(session, show))
         return failure;
     if (auto failure = session.Start())
         return failure;

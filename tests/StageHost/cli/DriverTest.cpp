@@ -91,6 +91,42 @@ TEST_F(ShowWithADriver, SendsUserCommandsByTheirNamesAndChecksWhatTheyAreGiven) 
               Text("desk: has no command \"Fade\"; the function of that name is its command \"Fade to\"\n"));
 }
 
+TEST_F(ShowWithADriver, IsRefusedBeforeItBeginsWhereTheDriverDoesNotTakeACommand) {
+    GivenDriver(kOlder);
+    const std::pair<const char*, const char*> mistakes[] = {
+        {R"("steps": [{ "set": { "Go": "1" } },
+                      { "device": "desk", "command": "Fade to", "params": { "speed": 1 } }])",
+         "show.json: steps[1]: desk: the command \"Fade to\" has no parameter \"speed\""},
+        {R"("steps": [{ "device": "desk", "command": "Fade to", "params": { "level": 101 } }])",
+         "show.json: steps[0]: desk: the parameter \"level\" takes 0 to 100, not 101"},
+        {R"("tasks": [{ "name": "t", "lines": [{}, { "device": "desk", "command": "Fly" }] }])",
+         "show.json: tasks[0].lines[1]: desk: has no command \"Fly\""},
+        {R"("cues": [{ "name": "c", "device": "desk", "command": "Out", "params": { "now": { "variable": "Go" } } }])",
+         "show.json: cues[0]: desk: the command \"Out\" has no parameter \"now\""},
+        {R"("shows": [{ "name": "s", "device": "desk", "command": "Fade" }])",
+         "show.json: shows[0]: desk: has no command \"Fade\""},
+    };
+    for (const auto& [mistake, told] : mistakes) {
+        GivenShow(QByteArray(R"(, "variables": [{ "name": "Go" }], )") + mistake);
+        for (const char* command : {"run", "watch"}) {
+            Run(command);
+            ThenExitCodeIs(2);
+            ThenErrorsHave(told);
+            EXPECT_EQ(host.Output(), QString()) << command;
+        }
+    }
+}
+
+TEST_F(ShowWithADriver, GivesParametersThatAreKnownOnlyWhenTheyAreSent) {
+    GivenDriver(kOlder);
+    host.File(Text("level.txt"), "40");
+    GivenShow(R"(, "variables": [{ "name": "Pace", "value": "2" }],
+        "steps": [{ "device": "desk", "command": "Fade to", "expect": { "result": "1/40/2" },
+                    "params": { "level": { "file": "level.txt" }, "seconds": { "variable": "Pace" } } }])");
+    Run("run");
+    ThenExitCodeIs(0);
+}
+
 TEST_F(ShowWithADriver, MayBeADriverAlone) {
     GivenDriver(kOlder);
     host.Run({Text("send"), host.Folder() + Text("/dimmer.js"), Text("script"), Text("Fade to"), Text("level=40")});

@@ -50,6 +50,32 @@ protected:
 
 } // namespace
 
+TEST_F(Watching, DoesNotWaitForWhatCanNeverBe) {
+    show = host.File(Text("show.json"), R"({
+        "variables": [{"name":"Level","type":"Integer","max":100},{"name":"House"}],
+        "resources": [{"id":1,"name":"House","channels":{"digitalIn":["Door"]}},{"id":2,"name":"Console","dmxIn":{}}]})");
+    const std::pair<const char*, const char*> lines[] = {
+        {"wait Console Bogus", "\"Console\" is \"Open\" or \"Closed\", never \"Bogus\""},
+        {"wait House.Door 2", "\"House.Door\" takes 0 to 1, not 2"},
+        {"wait Level loud", "\"Level\" never is \"loud\""},
+        {"wait Level 101", "\"Level\" never is \"101\", but \"100\""},
+    };
+    for (const auto& [line, told] : lines) {
+        Say(QByteArray(line) + "\n");
+        EXPECT_EQ(host.ExitCode(), 2) << line;
+        EXPECT_TRUE(host.Errors().contains(Text(told))) << host.Errors().toStdString();
+    }
+}
+
+TEST_F(Watching, MeansTheVariableWhereAResourceHasTheSameName) {
+    show = host.File(Text("show.json"), R"({
+        "variables": [{"name":"House","value":"dark"}],
+        "resources": [{"id":1,"name":"House","channels":{"digitalIn":["Door"]}}]})");
+    Say("wait House dark\nset House bright\nget House\n");
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    EXPECT_EQ(Lines(), (QStringList{Text("House = bright"), Text("bright")}));
+}
+
 TEST_F(Watching, PrintsWhatChangesAndDoesWhatItIsTold) {
     Say("set Level 50\nset \"A name\" \"two words\"\ntask Overture start\nwait Mood first\ntask Overture stop\ncue "
         "Thunder\n");
