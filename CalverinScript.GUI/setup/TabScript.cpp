@@ -7,11 +7,11 @@
 #include <QMessageBox>
 #include <QTextBlock>
 
+#include "AnalysisOutcome.h"
 #include "CodeEditor.h"
 #include "DialogFinder.h"
 #include "Highlighter.h"
 #include "Pictures.h"
-#include "ScriptAnalysis.h"
 #include "SetupMemory.h"
 #include "ui_TabScript.h"
 
@@ -111,7 +111,7 @@ void TabScript::SetDebugInfo(const QString& text) {
         m_ui->lineEditDebugInfo->setText(text);
 }
 
-void TabScript::ShowAnalysis(const ScriptAnalysis& analysis) {
+void TabScript::ShowAnalysis(const AnalysisOutcome& analysis) {
     SetDebugInfo(QLatin1String("") + analysis.text);
     m_ui->lineEditDebugInfo->setToolTip(analysis.text);
     m_ui->lineEditDebugInfo->setCursorPosition(0);
@@ -139,13 +139,13 @@ void TabScript::SlotShowContextMenu(QPoint pt) {
 }
 
 void TabScript::OpenFinder(SetupMemory& memory) {
-    if (m_finder)
+    if (m_finder != nullptr)
         return;
     m_finder = new DialogFinder(this, memory.findMatchesCase, memory.findsDown);
     connect(m_finder.data(), &DialogFinder::SignalFind, this, &TabScript::SlotFind);
     m_finder->show();
     m_finder->exec();
-    if (!m_finder)
+    if (m_finder == nullptr)
         return;
     memory.findMatchesCase = m_finder->MatchesCase();
     memory.findsDown = m_finder->FindsDown();
@@ -153,12 +153,12 @@ void TabScript::OpenFinder(SetupMemory& memory) {
 }
 
 void TabScript::CloseFinder() {
-    if (m_finder)
+    if (m_finder != nullptr)
         m_finder->close();
 }
 
 void TabScript::SlotFind(const QString& sSearch, bool bMatchCase, bool bDirDown) {
-    QWidget* asker = m_finder ? static_cast<QWidget*>(m_finder) : this;
+    QWidget* asker = m_finder != nullptr ? static_cast<QWidget*>(m_finder) : this;
     if (sSearch.isEmpty()) {
         QMessageBox::information(asker, QStringLiteral("Empty Search Field"),
                                  QStringLiteral("The search field is empty. Please enter a word and click Find."),

@@ -11,7 +11,7 @@ class CodeEditor;
 class DialogFinder;
 class QAction;
 class QCompleter;
-struct ScriptAnalysis;
+struct AnalysisOutcome;
 struct SetupMemory;
 
 namespace Ui {
@@ -36,7 +36,7 @@ public:
     /// A null text does nothing.
     void SetDebugInfo(const QString& text);
     /// Shows what an analysis came to, and puts the caret on the line of an error.
-    void ShowAnalysis(const ScriptAnalysis& analysis);
+    void ShowAnalysis(const AnalysisOutcome& analysis);
 
     /// What the editor's menu offers beside the usual, in its order. Whoever owns the window adds them, so that their shortcuts
     /// work in all of it.

@@ -2,12 +2,12 @@
 
 #include <QFileInfo>
 
+#include "AnalysisOutcome.h"
 #include "DialogMessage.h"
 #include "DialogSaveScript.h"
 #include "DialogSaveScriptOptions.h"
 #include "DialogSelectScript.h"
 #include "IModuleServices.h"
-#include "ScriptAnalysis.h"
 #include "ScriptFiles.h"
 #include "ScriptPlaces.h"
 #include "ui_WidgetCalverinScriptGUI.h"
@@ -32,13 +32,13 @@ void WidgetCalverinScriptGUI::OpenFile(const QString& path) {
         return;
     MScriptDescription* description = choice.GetDescription();
     QString copy;
-    if (m_device && description != nullptr && CopyScriptToProject(m_device, choice.GetPath(), &copy, this))
+    if (m_device != nullptr && description != nullptr && CopyScriptToProject(m_device, choice.GetPath(), &copy, this))
         TakeOpened(copy, *description);
 }
 
 void WidgetCalverinScriptGUI::TakeOpened(const QString& path, MScriptDescription& description) {
     m_ui->tab_Script->SetDebugInfo(QStringLiteral(""));
-    const ScriptAnalysis loaded = LoadForAnalysis(*m_device, path);
+    const AnalysisOutcome loaded = LoadForAnalysis(*m_device, path);
     ShowFileName(&description);
     m_scriptFileName = path;
     m_ui->tab_Script->ReplaceText(m_device->GetStopSet().scriptText);
@@ -104,7 +104,7 @@ void WidgetCalverinScriptGUI::TakeSaved() {
     ShowFileName(description.get());
     if (description == nullptr)
         m_scriptFileName.clear();
-    if (!m_device)
+    if (m_device == nullptr)
         return;
     ScriptSet& analysed = m_device->GetStopSet();
     analysed.scriptFileName = m_scriptFileName;

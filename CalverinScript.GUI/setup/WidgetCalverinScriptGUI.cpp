@@ -6,10 +6,10 @@
 #include <QShortcut>
 #include <QUrl>
 
+#include "AnalysisOutcome.h"
 #include "DialogMessage.h"
 #include "MScriptDescription.h"
 #include "Pictures.h"
-#include "ScriptAnalysis.h"
 #include "ScriptFiles.h"
 #include "ScriptGlobals.h"
 #include "ScriptPlaces.h"
@@ -116,9 +116,9 @@ bool WidgetCalverinScriptGUI::SlotCallEvaluateScript() {
 }
 
 bool WidgetCalverinScriptGUI::Evaluate() {
-    if (!m_device)
+    if (m_device == nullptr)
         return false;
-    const ScriptAnalysis analysis = AnalyseScript(*m_device, m_ui->tab_Script->GetText(), m_engine);
+    const AnalysisOutcome analysis = AnalyseScript(*m_device, m_ui->tab_Script->GetText(), m_engine);
     m_ui->tab_Script->ShowAnalysis(analysis);
     return analysis.succeeded;
 }
@@ -149,7 +149,7 @@ void WidgetCalverinScriptGUI::RefreshForm() {
 
 /// The script's own word about the defaults outranks the user's.
 void WidgetCalverinScriptGUI::UpdateRemoveDefaults() {
-    if (!m_device)
+    if (m_device == nullptr)
         return;
     m_ui->tab_Options->ShowRemoveDefaults(m_device->GetStoredSetup().GetChoices().removeDefaults,
                                           m_device->GetStoredSetup().GetScriptsRemoval());
@@ -157,7 +157,7 @@ void WidgetCalverinScriptGUI::UpdateRemoveDefaults() {
 }
 
 void WidgetCalverinScriptGUI::SlotUpdateRemoveDefaultCmdVarFromSetupUI() {
-    if (m_device)
+    if (m_device != nullptr)
         m_device->GetStoredSetup().SetPendingRemoval(IsRemoveDefaultsChecked());
 }
 
@@ -194,11 +194,11 @@ void WidgetCalverinScriptGUI::SlotCurrentTabChanged(int iCurrentTab) {
 }
 
 void WidgetCalverinScriptGUI::SlotOpenFinder() {
-    if (!m_device)
+    if (m_device == nullptr)
         return;
     SetupMemory memory = m_device->GetStoredSetup().Memory();
     m_ui->tab_Script->OpenFinder(memory);
-    if (m_device) // it may be gone by now
+    if (m_device != nullptr) // it may be gone by now
         m_device->GetStoredSetup().Memory() = memory;
 }
 
@@ -219,7 +219,7 @@ void WidgetCalverinScriptGUI::accept() {
         !DialogMessage::Ask(
             this, QStringLiteral("An error has been detected into the script.\nDo you want to continue anyway?")))
         return;
-    if (!m_device)
+    if (m_device == nullptr)
         return;
     if (isSound)
         Extract();

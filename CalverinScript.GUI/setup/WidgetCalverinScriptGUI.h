@@ -11,7 +11,7 @@
 #include "ScriptRecords.h"
 
 struct MScriptDescription;
-struct ScriptAnalysis;
+struct AnalysisOutcome;
 
 namespace Ui {
 class WidgetCalverinScriptGUI;

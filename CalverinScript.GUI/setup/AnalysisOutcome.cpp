@@ -1,4 +1,4 @@
-#include "ScriptAnalysis.h"
+#include "AnalysisOutcome.h"
 
 #include <functional>
 
@@ -11,8 +11,8 @@ namespace {
 
 /// Hears what the device says while something is done on this thread. The device's running script speaks on a thread of its own,
 /// and is not what is meant.
-ScriptAnalysis Hear(MCalverinScript_Device& device, const std::function<bool()>& work) {
-    ScriptAnalysis heard;
+AnalysisOutcome Hear(MCalverinScript_Device& device, const std::function<bool()>& work) {
+    AnalysisOutcome heard;
     const QThread* here = QThread::currentThread();
     QObject listener;
     QObject::connect(
@@ -35,10 +35,10 @@ ScriptAnalysis Hear(MCalverinScript_Device& device, const std::function<bool()>&
 
 } // namespace
 
-ScriptAnalysis AnalyseScript(MCalverinScript_Device& device, const QString& text, QScriptEngine& engine) {
+AnalysisOutcome AnalyseScript(MCalverinScript_Device& device, const QString& text, QScriptEngine& engine) {
     return Hear(device, [&] { return device.EvaluateScript(text, &engine); });
 }
 
-ScriptAnalysis LoadForAnalysis(MCalverinScript_Device& device, const QString& path) {
+AnalysisOutcome LoadForAnalysis(MCalverinScript_Device& device, const QString& path) {
     return Hear(device, [&] { return device.LoadScriptCommand(ToHostText(path).constData(), true); });
 }

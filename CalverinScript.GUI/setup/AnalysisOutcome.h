@@ -6,7 +6,7 @@ class MCalverinScript_Device;
 class QScriptEngine;
 
 /// What the analysis of a script came to.
-struct ScriptAnalysis {
+struct AnalysisOutcome {
     bool succeeded = false;
     QString text; ///< what the device said last: "Evaluation Ok" or what is wrong
     int line = 0; ///< of the error, from 1; 0 when there is none
@@ -14,7 +14,7 @@ struct ScriptAnalysis {
 
 /// Analyses a script for a device, at once and on the calling thread. The lists of the device's analysis are those of this script
 /// from then on.   [host main]
-ScriptAnalysis AnalyseScript(MCalverinScript_Device& device, const QString& text, QScriptEngine& engine);
+AnalysisOutcome AnalyseScript(MCalverinScript_Device& device, const QString& text, QScriptEngine& engine);
 
 /// Loads a file for an analysis and tells what the device said of it; `succeeded` is whether it could be read.   [host main]
-ScriptAnalysis LoadForAnalysis(MCalverinScript_Device& device, const QString& path);
+AnalysisOutcome LoadForAnalysis(MCalverinScript_Device& device, const QString& path);
