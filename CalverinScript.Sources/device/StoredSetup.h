@@ -69,8 +69,9 @@ public:
     /// The definition that the host has, or will ask for; empty means that it has to be built.
     void SetDefinition(const std::string& definition) { m_definition = definition; }
     const std::string& GetDefinition() const { return m_definition; }
-    /// The device's number in its module, for the definition.
+    /// The device's number in its module, for the definition; 0 until the module has given it one.
     void SetDeviceNumber(std::uint32_t number) { m_deviceNumber = number; }
+    /// [any]: devices may be walked while one is made.
     std::uint32_t GetDeviceNumber() const { return m_deviceNumber; }
     /// How the user left the dialog.
     SetupMemory& Memory() { return m_memory; }
@@ -84,6 +85,7 @@ private:
     MLockedList<MScriptSetting> m_settings;
     MLockedList<MScriptVariable> m_variables; ///< as known to the host
     std::atomic<bool> m_appliedRemoval{false};
+    std::atomic<std::uint32_t> m_deviceNumber{0};
 
     bool m_userModeVisible = true; ///< host main, as is all that follows
     bool m_runModeVisible = true;
@@ -91,6 +93,5 @@ private:
     std::optional<bool> m_scriptsRemoval;
     std::optional<bool> m_pendingRemoval;
     std::string m_definition;
-    std::uint32_t m_deviceNumber = 0;
     SetupMemory m_memory;
 };

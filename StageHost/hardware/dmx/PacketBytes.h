@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -44,7 +45,7 @@ inline void PutText(std::uint8_t* at, std::size_t fieldSize, const std::string& 
     std::size_t length = text.size() < fieldSize ? text.size() : fieldSize - 1;
     while (length < text.size() && length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
         --length;
-    std::memcpy(at, text.data(), length);
+    std::copy_n(text.data(), length, at);
 }
 
 } // namespace stagehost

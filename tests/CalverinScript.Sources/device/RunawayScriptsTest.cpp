@@ -31,7 +31,10 @@ constexpr RunawayKind kRunawayKinds[] = {
     {"ADoublingText", "var s = 'x';", "for (;;) { s += s; if (s.length > 1e6) s = 'x'; s.toUpperCase(); }", true},
     {"RegularExpressions", "var text = new Array(31).join('a');", "for (;;) /(a+)+b/.test(text);", true},
     {"Allocation", "", "for (;;) new Array(1000).join('ab').split('b');", true},
-    {"AStormOfTimers", "for (var i = 0; i < 20000; ++i) QCalverin.SetInterval(function() {}, 0);", "", true},
+    {"AStormOfTimers",
+     SANITIZED ? "for (var i = 0; i < 2000; ++i) QCalverin.SetInterval(function() {}, 0);"
+               : "for (var i = 0; i < 20000; ++i) QCalverin.SetInterval(function() {}, 0);",
+     "", true},
     {"ASortWithAComparator", "var big = []; for (var i = 0; i < 1000; ++i) big.push(i);",
      "for (;;) big.sort(function(x, y) { return y - x; });", true},
     {"ALoopOverABuffer", "var buffer = new Buffer(1000);", "for (;;) for (var i = 0; i < 1000; ++i) buffer[i] = i;",
@@ -63,6 +66,7 @@ protected:
     }
 
     plain::Value inside{"inside"};
+    plain::Context context;
 };
 
 TEST_P(RunawayScripts, EndWithTheirDevice) {
@@ -70,9 +74,8 @@ TEST_P(RunawayScripts, EndWithTheirDevice) {
     TellWhenInside(inside);
     GivenScript("({ Run: function() { " + std::string(kind.setUp) + " inside(); " + kind.loop + " } })");
     auto params = plain::Params::ForFunction("Run", {});
-    plain::Context context;
     ASSERT_EQ(Send(3, *params, &context), KXP_OK);
-    ASSERT_TRUE(inside.WaitFor("yes"));
+    ASSERT_TRUE(inside.WaitFor("yes", 6 * kDeadlineMs));
     std::this_thread::sleep_for(std::chrono::milliseconds(300)); // the engine has found its pace by then
     const double before = CpuMs();
     const auto clock = std::chrono::steady_clock::now();
