@@ -91,7 +91,7 @@ KXPCode MCalverinScript_Module::Release() {
         return KXP_OK;
     instance = nullptr;
     bool allEnded = true;
-    for (MCalverinScript_Device* device : devices.Snapshot()) {
+    for (MCalverinScript_Device* device : m_devices.Snapshot()) {
         device->LetGo();
         allEnded = allEnded && device->HasEnded();
     }
@@ -104,31 +104,31 @@ KXPCode MCalverinScript_Module::Release() {
 }
 
 void MCalverinScript_Module::Empty() {
-    devices.Clear();
-    host = nullptr;
-    deviceHost = nullptr;
-    bitmap.reset();
-    driverList.clear();
+    m_devices.Clear();
+    m_host = nullptr;
+    m_deviceHost = nullptr;
+    m_bitmap.reset();
+    m_driverList.clear();
     for (MSelectorWizard* selector :
-         std::initializer_list<MSelectorWizard*>{&scriptSelector, &scriptTextSelector, &functionSelector})
+         std::initializer_list<MSelectorWizard*>{&m_scriptSelector, &m_scriptTextSelector, &m_functionSelector})
         selector->SetHost(nullptr);
 }
 
 KXPCode MCalverinScript_Module::Initialize(IMInterface* hostRoot, void* /*ignored1*/, void* /*ignored2*/) {
     ExpectThread(ThreadWord::HostMain, "IKXPModule::Initialize");
-    host = hostRoot;
+    m_host = hostRoot;
     RegisterSelectors();
-    OpenLog(ModuleHandle(), kProgramName, host);
+    OpenLog(ModuleHandle(), kProgramName, m_host);
     TakeDateFormat();
     LearnHost();
     return KXP_OK;
 }
 
 void MCalverinScript_Module::RegisterSelectors() {
-    auto* factories = QueryFace<IObjectFactoryManager>(host, "IObjectFactoryManager");
+    auto* factories = QueryFace<IObjectFactoryManager>(m_host, "IObjectFactoryManager");
     for (MSelectorWizard* selector :
-         std::initializer_list<MSelectorWizard*>{&scriptSelector, &scriptTextSelector, &functionSelector}) {
-        selector->SetHost(host);
+         std::initializer_list<MSelectorWizard*>{&m_scriptSelector, &m_scriptTextSelector, &m_functionSelector}) {
+        selector->SetHost(m_host);
         if (factories != nullptr)
             factories->RegisterFactory(selector->GetRegisteredName(), selector);
     }
@@ -141,19 +141,19 @@ void MCalverinScript_Module::TakeDateFormat() {
 }
 
 void MCalverinScript_Module::LearnHost() {
-    auto* info = QueryFace<IManagerRuntimeInfo>(host, "IManagerRuntimeInfo");
+    auto* info = QueryFace<IManagerRuntimeInfo>(m_host, "IManagerRuntimeInfo");
     KXPRuntimeInfo record = {};
     record.size = sizeof(record);
     if (info == nullptr || info->GetRuntimeInfo(&record) == 0)
         return;
     TakeVersion(std::string(record.version, strnlen(record.version, sizeof(record.version))));
     if (std::strncmp(record.appName, kRunTimeHostPrefix, std::strlen(kRunTimeHostPrefix)) == 0)
-        debuggerAllowed = false;
+        m_debuggerAllowed = false;
 }
 
 void MCalverinScript_Module::TakeVersion(const std::string& version) {
     std::size_t start = 0;
-    for (std::int32_t* number : {&hostMajor, &hostMinor, &hostBuild}) {
+    for (std::int32_t* number : {&m_hostMajor, &m_hostMinor, &m_hostBuild}) {
         if (start > version.size())
             return;
         const std::size_t end = std::min(version.find('.', start), version.size());
@@ -165,10 +165,10 @@ void MCalverinScript_Module::TakeVersion(const std::string& version) {
 
 KXPCode MCalverinScript_Module::Terminate(void* /*ignored*/) {
     ExpectThread(ThreadWord::HostMain, "IKXPModule::Terminate");
-    if (auto* factories = QueryFace<IObjectFactoryManager>(host, "IObjectFactoryManager")) {
+    if (auto* factories = QueryFace<IObjectFactoryManager>(m_host, "IObjectFactoryManager")) {
         // The text selector stays registered: hosts have come to count on finding it there.
-        factories->UnregisterFactory(scriptSelector.GetRegisteredName());
-        factories->UnregisterFactory(functionSelector.GetRegisteredName());
+        factories->UnregisterFactory(m_scriptSelector.GetRegisteredName());
+        factories->UnregisterFactory(m_functionSelector.GetRegisteredName());
     }
     CloseLog();
     return KXP_OK;
@@ -176,14 +176,14 @@ KXPCode MCalverinScript_Module::Terminate(void* /*ignored*/) {
 
 KXPCode MCalverinScript_Module::SetDeviceHost(void* newDeviceHost) {
     ExpectThread(ThreadWord::HostMain, "IKXPModule::SetDeviceHost");
-    deviceHost = newDeviceHost;
+    m_deviceHost = newDeviceHost;
     return KXP_OK;
 }
 
 const char* MCalverinScript_Module::GetDefinition() {
     ExpectThread(ThreadWord::HostMain, "IKXPModule::GetDefinition");
-    definition.LoadFromResource(ModuleHandle(), kDefinitionId);
-    return definition.GetText();
+    m_definition.LoadFromResource(ModuleHandle(), kDefinitionId);
+    return m_definition.GetText();
 }
 
 KXPCode MCalverinScript_Module::GetModuleVersion(std::uint32_t* out) {
@@ -196,7 +196,7 @@ KXPCode MCalverinScript_Module::GetModuleVersion(std::uint32_t* out) {
 KXPCode MCalverinScript_Module::GetDeviceCount(std::uint32_t* out) {
     ExpectThread(ThreadWord::HostMain, "IKXPModule::GetDeviceCount");
     if (out != nullptr)
-        *out = static_cast<std::uint32_t>(devices.Count());
+        *out = static_cast<std::uint32_t>(m_devices.Count());
     return KXP_OK;
 }
 
@@ -204,13 +204,13 @@ KXPCode MCalverinScript_Module::CreateDevice(void* /*ignored*/, IKXPDevice** out
     ExpectThread(ThreadWord::HostMain, "IKXPModule::CreateDevice");
     if (out == nullptr || *out != nullptr)
         return KXP_NULL_ARGUMENT;
-    if (deviceHost == nullptr)
+    if (m_deviceHost == nullptr)
         return KXP_NO_DEVICE_HOST;
     if (instance != this)
         return KXP_NO_DEVICE_MADE;
     if (!CanOpenDescriptors(kDescriptorsOfDevice) || !HasSpaceForDevice())
         return KXP_NO_DEVICE_MADE;
-    auto* device = new (std::nothrow) MCalverinScript_Device(this, setupInterface.get(), nullptr);
+    auto* device = new (std::nothrow) MCalverinScript_Device(this, m_setupInterface.get(), nullptr);
     if (device == nullptr)
         return KXP_NO_DEVICE_MADE;
     if (!device->IsUsable()) {
@@ -218,8 +218,8 @@ KXPCode MCalverinScript_Module::CreateDevice(void* /*ignored*/, IKXPDevice** out
         return KXP_NO_DEVICE_MADE;
     }
     *out = device;
-    devices.Add(device);
-    device->GetStoredSetup().SetDeviceNumber(static_cast<std::uint32_t>(devices.Count()));
+    m_devices.Add(device);
+    device->GetStoredSetup().SetDeviceNumber(static_cast<std::uint32_t>(m_devices.Count()));
     return KXP_OK;
 }
 
@@ -229,7 +229,7 @@ IKXPDevice* MCalverinScript_Module::GetDevice(std::uint32_t index) {
 }
 
 void MCalverinScript_Module::RemoveDevice(MCalverinScript_Device* device) {
-    devices.Remove(device);
+    m_devices.Remove(device);
 }
 
 KXPCode MCalverinScript_Module::CheckCommand(void* /*ignored*/, IKXPDevice* device, std::int32_t id,

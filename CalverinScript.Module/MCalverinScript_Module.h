@@ -53,24 +53,24 @@ public:
     KXPBitmap GetDriverBitmap() override;
 
     // IModuleServices
-    IMInterface* GetHost() override { return host; }
+    IMInterface* GetHost() override { return m_host; }
     const char* GetDefinitionTemplate() override { return GetDefinition(); }
     void GetConfigFilePath(char* buffer) override;
     /// Found, and older folders moved there, at the first call.
     const char* GetScriptsFolder() override;
-    bool IsDebuggerAllowed() const override { return debuggerAllowed; }
+    bool IsDebuggerAllowed() const override { return m_debuggerAllowed; }
     bool IsHostAtLeast642() const override;
     bool IsHostAtLeast643() const override;
-    MLockedList<MCalverinScript_Device*>* GetDeviceList() override { return &devices; }
+    MLockedList<MCalverinScript_Device*>* GetDeviceList() override { return &m_devices; }
     void RemoveDevice(MCalverinScript_Device* device) override;
 
     /// The host's version numbers, -1 where it told none. @return false on a null argument.   [any]
     bool GetHostVersion(std::int32_t* major, std::int32_t* minor, std::int32_t* build) const;
     /// Keeps the list of devices still; calls nest, and count may stand for several.   [any]
-    void LockDevices(int count = 1) { devices.Lock(count); }
-    void UnlockDevices(int count = 1) { devices.Unlock(count); }
+    void LockDevices(int count = 1) { m_devices.Lock(count); }
+    void UnlockDevices(int count = 1) { m_devices.Unlock(count); }
     /// The devices in order of creation. Hold the lock for a walk.   [any]
-    MLockedList<MCalverinScript_Device*>& GetDevices() { return devices; }
+    MLockedList<MCalverinScript_Device*>& GetDevices() { return m_devices; }
 
 private:
     MCalverinScript_Module();
@@ -87,19 +87,19 @@ private:
     static MCalverinScript_Module* instance; ///< host main, as is the next
     static MCalverinScript_Module* released; ///< the last one that was released; owned
 
-    MKXPXmlDefinition definition; ///< remade by each GetDefinition
-    void* deviceHost = nullptr;   ///< not used, but required before a device is made
-    std::unique_ptr<QImage> bitmap;
-    MScriptSelectorWizard scriptSelector;
-    MScriptTextSelectorWizard scriptTextSelector;
-    MFunctionSelectorWizard functionSelector;
-    std::unique_ptr<SetupInterface> setupInterface;
-    MLockedList<MCalverinScript_Device*> devices; ///< not owned
-    std::int32_t hostMajor = -1;
-    std::int32_t hostMinor = -1;
-    std::int32_t hostBuild = -1;
-    bool debuggerAllowed = true; ///< false on the run-time host, which has no editing interface
-    QByteArray driverList;       ///< last result of GetDriverList
-    std::string scriptsFolder;   ///< found at the first question
-    IMInterface* host = nullptr; ///< not owned
+    MKXPXmlDefinition m_definition; ///< remade by each GetDefinition
+    void* m_deviceHost = nullptr;   ///< not used, but required before a device is made
+    std::unique_ptr<QImage> m_bitmap;
+    MScriptSelectorWizard m_scriptSelector;
+    MScriptTextSelectorWizard m_scriptTextSelector;
+    MFunctionSelectorWizard m_functionSelector;
+    std::unique_ptr<SetupInterface> m_setupInterface;
+    MLockedList<MCalverinScript_Device*> m_devices; ///< not owned
+    std::int32_t m_hostMajor = -1;
+    std::int32_t m_hostMinor = -1;
+    std::int32_t m_hostBuild = -1;
+    bool m_debuggerAllowed = true; ///< false on the run-time host, which has no editing interface
+    QByteArray m_driverList;       ///< last result of GetDriverList
+    std::string m_scriptsFolder;   ///< found at the first question
+    IMInterface* m_host = nullptr; ///< not owned
 };

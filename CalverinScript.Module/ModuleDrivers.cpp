@@ -27,14 +27,14 @@ void CopyText(char* buffer, const std::string& text) {
 } // namespace
 
 MCalverinScript_Module::MCalverinScript_Module()
-    : setupInterface(std::make_unique<SetupInterface>()) {}
+    : m_setupInterface(std::make_unique<SetupInterface>()) {}
 
 const char* MCalverinScript_Module::GetScriptsFolder() {
-    if (scriptsFolder.empty()) {
-        auto* folders = QueryFace<IFolderManager>(host, "IFolderManager");
-        scriptsFolder = FindScriptsFolder(folders, FallbackScriptsFolder()).substr(0, kPathSize - 1);
+    if (m_scriptsFolder.empty()) {
+        auto* folders = QueryFace<IFolderManager>(m_host, "IFolderManager");
+        m_scriptsFolder = FindScriptsFolder(folders, FallbackScriptsFolder()).substr(0, kPathSize - 1);
     }
-    return scriptsFolder.c_str();
+    return m_scriptsFolder.c_str();
 }
 
 void MCalverinScript_Module::GetConfigFilePath(char* buffer) {
@@ -46,15 +46,15 @@ void MCalverinScript_Module::GetConfigFilePath(char* buffer) {
 bool MCalverinScript_Module::GetHostVersion(std::int32_t* major, std::int32_t* minor, std::int32_t* build) const {
     if (major == nullptr || minor == nullptr || build == nullptr)
         return false;
-    *major = hostMajor;
-    *minor = hostMinor;
-    *build = hostBuild;
+    *major = m_hostMajor;
+    *minor = m_hostMinor;
+    *build = m_hostBuild;
     return true;
 }
 
 /// Each number is tested by itself, so 7.0.0 does not pass for 6.4.2.
 bool MCalverinScript_Module::IsHostAtLeast(std::int32_t major, std::int32_t minor, std::int32_t build) const {
-    return hostMajor >= major && hostMinor >= minor && hostBuild >= build;
+    return m_hostMajor >= major && m_hostMinor >= minor && m_hostBuild >= build;
 }
 
 bool MCalverinScript_Module::IsHostAtLeast642() const {
@@ -70,9 +70,9 @@ KXPCode MCalverinScript_Module::GetDriverList(char** out, std::uint32_t* outSize
     if (out == nullptr || outSize == nullptr)
         return KXP_OK;
     const QDir folder(QFile::decodeName(GetScriptsFolder()));
-    driverList = ToHostText(folder.entryList({QStringLiteral("*.js")}).join(QLatin1Char(';')));
-    *out = driverList.data();
-    *outSize = static_cast<std::uint32_t>(driverList.size());
+    m_driverList = ToHostText(folder.entryList({QStringLiteral("*.js")}).join(QLatin1Char(';')));
+    *out = m_driverList.data();
+    *outSize = static_cast<std::uint32_t>(m_driverList.size());
     return KXP_OK;
 }
 
@@ -86,10 +86,10 @@ KXPCode MCalverinScript_Module::ShowDriverSetup(const char* driver, IKXPDevice* 
 
 KXPBitmap MCalverinScript_Module::GetDriverBitmap() {
     ExpectThread(ThreadWord::HostMain, "IKXPModuleDriverManager::GetDriverBitmap");
-    if (bitmap == nullptr) {
+    if (m_bitmap == nullptr) {
         const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
         if (!image.isNull())
-            bitmap = std::make_unique<QImage>(image);
+            m_bitmap = std::make_unique<QImage>(image);
     }
-    return bitmap.get();
+    return m_bitmap.get();
 }

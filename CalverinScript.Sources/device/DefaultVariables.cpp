@@ -31,7 +31,7 @@ void DefaultVariables::SetStatus(DeviceStatus status) {
     });
 }
 
-void DefaultVariables::Do(DefaultVariable variable, Write write) {
+void DefaultVariables::Do(DefaultVariable variable, const Write& write) {
     Target target;
     if (!Enter(variable, write, target))
         return;
@@ -40,15 +40,15 @@ void DefaultVariables::Do(DefaultVariable variable, Write write) {
 }
 
 /// @return whether the write is to be made now.
-bool DefaultVariables::Enter(DefaultVariable variable, Write& write, Target& target) {
+bool DefaultVariables::Enter(DefaultVariable variable, const Write& write, Target& target) {
     const std::lock_guard<std::mutex> guard(m_lock);
-    if (m_state == State::Unbound)
-        m_kept[variable] = std::move(write);
     target = m_targets[IndexOf(variable)];
-    if (m_state != State::Bound || target.data == nullptr)
-        return false;
-    ++m_inside;
-    return true;
+    const bool isNow = m_state == State::Bound && target.data != nullptr;
+    if (isNow)
+        ++m_inside;
+    else if (m_state == State::Unbound)
+        m_kept[variable] = write;
+    return isNow;
 }
 
 void DefaultVariables::Leave() {

@@ -51,8 +51,8 @@ private:
     };
     using Write = std::function<void(const Target&)>;
 
-    void Do(DefaultVariable variable, Write write);
-    bool Enter(DefaultVariable variable, Write& write, Target& target);
+    void Do(DefaultVariable variable, const Write& write);
+    bool Enter(DefaultVariable variable, const Write& write, Target& target);
     void Leave();
     void WaitForWriters(std::unique_lock<std::mutex>& guard);
     bool Take(const Find& find, const unsigned* seenUnbinds);

@@ -27,18 +27,18 @@ const EventArguments::Kind EventArguments::kKinds[] = {
 };
 
 EventArguments::EventArguments(QScriptEngine& scriptEngine)
-    : engine(scriptEngine)
-    , global(engine.globalObject())
-    , bufferName(engine.toStringHandle(QStringLiteral("Buffer")))
-    , port(engine.toStringHandle(QStringLiteral("port")))
-    , address(engine.toStringHandle(QStringLiteral("address")))
-    , errorCode(engine.toStringHandle(QStringLiteral("errorCode")))
-    , errorText(engine.toStringHandle(QStringLiteral("errorText")))
-    , data(engine.toStringHandle(QStringLiteral("data")))
-    , statusCode(engine.toStringHandle(QStringLiteral("statusCode")))
-    , headers(engine.toStringHandle(QStringLiteral("headers")))
-    , ownBuffer(global.property(bufferName))
-    , buffers(qscriptvalue_cast<ByteArrayClass*>(ownBuffer.data())) {}
+    : m_engine(scriptEngine)
+    , m_global(m_engine.globalObject())
+    , m_bufferName(m_engine.toStringHandle(QStringLiteral("Buffer")))
+    , m_port(m_engine.toStringHandle(QStringLiteral("port")))
+    , m_address(m_engine.toStringHandle(QStringLiteral("address")))
+    , m_errorCode(m_engine.toStringHandle(QStringLiteral("errorCode")))
+    , m_errorText(m_engine.toStringHandle(QStringLiteral("errorText")))
+    , m_data(m_engine.toStringHandle(QStringLiteral("data")))
+    , m_statusCode(m_engine.toStringHandle(QStringLiteral("statusCode")))
+    , m_headers(m_engine.toStringHandle(QStringLiteral("headers")))
+    , m_ownBuffer(m_global.property(m_bufferName))
+    , m_buffers(qscriptvalue_cast<ByteArrayClass*>(m_ownBuffer.data())) {}
 
 const EventArguments::Kind* EventArguments::KindOf(const QVariant& value) {
     const int type = value.userType();
@@ -56,12 +56,12 @@ QScriptValueList EventArguments::Of(const MScriptParamList& params) {
             arguments.append((this->*kind->toScript)(value));
     }
     if (MScriptCommonEvent* source = params.GetSource())
-        arguments.append(source->GetView(engine));
+        arguments.append(source->GetView(m_engine));
     return arguments;
 }
 
 QScriptValue EventArguments::Record(std::initializer_list<Member> members) {
-    QScriptValue object = engine.newObject();
+    QScriptValue object = m_engine.newObject();
     for (const Member& member : members)
         object.setProperty(member.name, member.value, QScriptValue::KeepExistingFlags);
     return object;
@@ -69,17 +69,17 @@ QScriptValue EventArguments::Record(std::initializer_list<Member> members) {
 
 /// A script may have put something else in the place of `Buffer`; then the engine's conversion decides.
 QScriptValue EventArguments::Buffer(const QByteArray& bytes) {
-    if (buffers != nullptr && global.property(bufferName).strictlyEquals(ownBuffer))
-        return buffers->NewInstance(bytes);
-    return engine.toScriptValue(bytes);
+    if (m_buffers != nullptr && m_global.property(m_bufferName).strictlyEquals(m_ownBuffer))
+        return m_buffers->NewInstance(bytes);
+    return m_engine.toScriptValue(bytes);
 }
 
 QScriptValue EventArguments::AddressText(const QString& text) {
-    if (!lastAddressText.isValid() || lastAddress != text) {
-        lastAddress = text;
-        lastAddressText = QScriptValue(&engine, text);
+    if (!m_lastAddressText.isValid() || m_lastAddress != text) {
+        m_lastAddress = text;
+        m_lastAddressText = QScriptValue(&m_engine, text);
     }
-    return lastAddressText;
+    return m_lastAddressText;
 }
 
 QScriptValue EventArguments::FromBytes(const QVariant& value) {
@@ -97,16 +97,17 @@ QScriptValue EventArguments::FromInt(const QVariant& value) {
 
 QScriptValue EventArguments::FromAddress(const QVariant& value) {
     const auto info = value.value<IPInfo>();
-    return Record({{port, info.GetPort()}, {address, AddressText(info.GetAddress())}});
+    return Record({{m_port, info.GetPort()}, {m_address, AddressText(info.GetAddress())}});
 }
 
 QScriptValue EventArguments::FromSocketError(const QVariant& value) {
     const auto info = value.value<SocketErrorInfo>();
-    return Record({{errorCode, info.GetErrorCode()}, {errorText, info.GetErrorText()}});
+    return Record({{m_errorCode, info.GetErrorCode()}, {m_errorText, info.GetErrorText()}});
 }
 
 QScriptValue EventArguments::FromResponse(const QVariant& value) {
     const auto response = value.value<HTTPResponse>();
-    return Record(
-        {{data, Buffer(response.GetData())}, {statusCode, response.GetStatusCode()}, {headers, response.GetHeaders()}});
+    return Record({{m_data, Buffer(response.GetData())},
+                   {m_statusCode, response.GetStatusCode()},
+                   {m_headers, response.GetHeaders()}});
 }

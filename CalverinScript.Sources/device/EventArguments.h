@@ -43,12 +43,12 @@ private:
     QScriptValue FromSocketError(const QVariant& value);
     QScriptValue FromResponse(const QVariant& value);
 
-    QScriptEngine& engine;
-    const QScriptValue global;
-    const QScriptString bufferName, port, address, errorCode, errorText, data, statusCode, headers;
+    QScriptEngine& m_engine;
+    const QScriptValue m_global;
+    const QScriptString m_bufferName, m_port, m_address, m_errorCode, m_errorText, m_data, m_statusCode, m_headers;
 
-    const QScriptValue ownBuffer;  ///< the function `Buffer` as it was installed
-    ByteArrayClass* const buffers; ///< its class, owned by the engine
-    QString lastAddress;           ///< the text of the next
-    QScriptValue lastAddressText;  ///< invalid at first
+    const QScriptValue m_ownBuffer;  ///< the function `Buffer` as it was installed
+    ByteArrayClass* const m_buffers; ///< its class, owned by the engine
+    QString m_lastAddress;           ///< the text of the next
+    QScriptValue m_lastAddressText;  ///< invalid at first
 };

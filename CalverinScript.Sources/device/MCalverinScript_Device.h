@@ -329,6 +329,7 @@ private:
     void BindLiveVariables();
     void ResolveChangedResources();
 
+    // NOLINTBEGIN(readability-identifier-naming): the fields of a device have agreed names
     IModuleServices* const module;         ///< not owned
     ISetupInterface* const setupInterface; ///< not owned, may be null
     std::unique_ptr<QImage> bitmap;        ///< cache of GetBitmap; host main
@@ -351,4 +352,5 @@ private:
     const std::unique_ptr<CommandRoad> road;        ///< the command thread and its queue
     TickSeat seat{*this};                           ///< the watchdog's tick
     const std::array<IEndingRoom*, 6> endings;      ///< the rooms that end with the device, in their order
+    // NOLINTEND(readability-identifier-naming)
 };

@@ -4,9 +4,9 @@
 
 MScriptEngineAgent::MScriptEngineAgent(QScriptEngine* engine, MCalverinScript_Device* scriptDevice)
     : QScriptEngineAgent(engine)
-    , device(scriptDevice) {}
+    , m_device(scriptDevice) {}
 
 void MScriptEngineAgent::exceptionThrow(qint64 /*scriptId*/, const QScriptValue& exception, bool hasHandler) {
     if (!hasHandler)
-        device->SlotHandlerException(exception);
+        m_device->SlotHandlerException(exception);
 }

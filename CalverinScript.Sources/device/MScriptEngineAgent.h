@@ -13,5 +13,5 @@ public:
     void exceptionThrow(qint64 scriptId, const QScriptValue& exception, bool hasHandler) override;
 
 private:
-    MCalverinScript_Device* const device;
+    MCalverinScript_Device* const m_device;
 };

@@ -3,10 +3,10 @@
 #include "MCalverinScript_Device.h"
 
 void MScriptThread::run() {
-    if (device != nullptr)
-        device->OnScriptThreadStarted(this);
+    if (m_device != nullptr)
+        m_device->OnScriptThreadStarted(this);
     exec();
-    if (device != nullptr)
-        device->OnScriptThreadEnding();
+    if (m_device != nullptr)
+        m_device->OnScriptThreadEnding();
     Q_EMIT terminated();
 }

@@ -12,12 +12,12 @@ class MScriptThread : public QThread {
 
 public:
     /// The device that lives on this thread, set before start. Not owned.   [host main]
-    void SetDevice(MCalverinScript_Device* scriptDevice) { device = scriptDevice; }
+    void SetDevice(MCalverinScript_Device* scriptDevice) { m_device = scriptDevice; }
 
     /// The stack in bytes that was asked for. The system thread gets the platform's default, which is larger: a script engine
     /// does not fit into less.   [host main]
-    void SetRequestedStackSize(std::size_t bytes) { requestedStackSize = bytes; }
-    std::size_t GetRequestedStackSize() const { return requestedStackSize; }
+    void SetRequestedStackSize(std::size_t bytes) { m_requestedStackSize = bytes; }
+    std::size_t GetRequestedStackSize() const { return m_requestedStackSize; }
 
 Q_SIGNALS:
     /// The event loop has ended.   [script]
@@ -27,6 +27,6 @@ protected:
     void run() override;
 
 private:
-    MCalverinScript_Device* device = nullptr;
-    std::size_t requestedStackSize = 0;
+    MCalverinScript_Device* m_device = nullptr;
+    std::size_t m_requestedStackSize = 0;
 };
