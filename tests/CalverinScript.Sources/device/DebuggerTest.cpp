@@ -9,7 +9,8 @@
 
 namespace {
 
-/// With the debugger there is no script thread: everything runs on the thread that made the device, which serves its events.
+/// With the debugger there is no script thread: everything runs on the thread that made the device,
+/// which serves its events.
 class Debugger : public DeviceFixture {
 protected:
     void SetUp() override { module.configPath = WriteFile("module.cfg", "[DEBUGGER]\nenable=1\n"); }

@@ -9,8 +9,8 @@
 #include "DeviceFixture.h"
 #include "EventSource.h"
 
-/// A device whose script has a few more functions: `source(kind)` makes an event source, `take()` takes the test's resource,
-/// `hear(text)` tells the test, and `gc()` collects what the script has dropped.
+/// A device whose script has a few more functions: `source(kind)` makes an event source, `take()` takes the test's
+/// resource, `hear(text)` tells the test, and `gc()` collects what the script has dropped.
 class EventFixture : public DeviceFixture {
 protected:
     void SetUp() override;

@@ -21,7 +21,8 @@ public:
     ~EventSource() override;
 
     void Raise(const char* event, const QVariantList& values = {});
-    /// Raises "data" on its own thread, with a running number as text in bytes, until it goes or has raised a few thousand.
+    /// Raises "data" on its own thread, with a running number as text in bytes, until it goes or has
+    /// raised a few thousand.
     void RaiseOnItsThread();
     /// How many have been raised in this way.
     int Raised() const { return m_raised; }

@@ -145,8 +145,9 @@ TEST_F(ExceptionRoads, DifferInTheLineOfAThrownValueThatIsNoError) {
     }
 }
 
-/// The engine looks for a handler only up to the next native function, so an agent hears of the same exception again behind each of
-/// them, and of one that script beyond it will catch. Without an agent only what leaves the script is reported.
+/// The engine looks for a handler only up to the next native function, so an agent hears of the same exception
+/// again behind each of them, and of one that script beyond it will catch. Without an agent only what leaves
+/// the script is reported.
 TEST_F(ExceptionRoads, DifferByWhatAnAgentHearsInsideNativeFunctions) {
     for (const ThrowingScript& row : kThroughNativeCode) {
         const Report plain = Run(row.script, false);

@@ -23,7 +23,8 @@ struct Neighbour {
     MCalverinScript_Device* const device;
 };
 
-/// A command is held when its function is gone by the time it runs; it is executed once more on the tick thread after 5 s.
+/// A command is held when its function is gone by the time it runs; it is executed once more on the tick
+/// thread after 5 s.
 class HungTick : public DeviceFixture {
 protected:
     void SetUp() override {

@@ -145,7 +145,8 @@ TEST(ScriptInbox, WakesUnderNoLock) {
 
 class Gate : public testing::Test {
 protected:
-    /// Waits for a call on a thread of its own. @return "yes" or "no" as the call gave, "left" when the wait ended without it.
+    /// Waits for a call on a thread of its own. @return "yes" or "no" as the call gave, "left" when the
+    /// wait ended without it.
     std::future<std::string> Waiting(CompletionGate::Call& open, std::uint32_t limitMs = CompletionGate::kNoLimit) {
         return std::async(std::launch::async, [this, &open, limitMs] { return WaitHere(open, limitMs); });
     }

@@ -61,7 +61,8 @@ TEST_F(Timers, AnExceptionInATimerIsReportedAndSignalled) {
     EXPECT_EQ(signalled, 1);
 }
 
-/// A task that posts itself anew until `flood` is taken away. It may be posted once more after that, so it owns what it reads.
+/// A task that posts itself anew until `flood` is taken away. It may be posted once more after that, so it
+/// owns what it reads.
 void PostWhile(MCalverinScript_Device& device, const std::shared_ptr<const std::atomic<bool>>& flood) {
     if (*flood)
         device.PostTask([&device, flood] { PostWhile(device, flood); });
