@@ -86,7 +86,7 @@ KXPCode MCalverinScript_Module::ShowDriverSetup(const char* driver, IKXPDevice* 
 
 KXPBitmap MCalverinScript_Module::GetDriverBitmap() {
     ExpectThread(ThreadWord::HostMain, "IKXPModuleDriverManager::GetDriverBitmap");
-    if (m_bitmap == nullptr) {
+    if (!m_bitmap) {
         const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
         if (!image.isNull())
             m_bitmap = std::make_unique<QImage>(image);

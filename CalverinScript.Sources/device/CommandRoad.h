@@ -56,8 +56,8 @@ public:
     /// Whether somebody executes what is posted. A thread that the system did not give is asked for again. True while
     /// the road is not started: its commands wait for the start.   [any host thread]
     bool HasThread();
-    /// Ends the command thread behind the command in execution, and drops what waits. The command thread itself may ask:
-    /// it ends when it is back from what it does.   [any host thread, tick, command]
+    /// Ends the command thread behind the command in execution, and drops what waits. The command thread itself may
+    /// ask: it ends when it is back from what it does.   [any host thread, tick, command]
     void Stop();
 
     // IEndingRoom
@@ -67,7 +67,8 @@ public:
 
     /// Queues a request. @param context of the host, may be null. @return false when no command is taken.   [any]
     bool Post(const ScriptRequest& request, IExecContext* context);
-    /// Does what a request asks for, with log lines and status around it. @return whether it was done.   [command, tick]
+    /// Does what a request asks for, with log lines and status around it. @return whether it
+    /// was done.   [command, tick]
     bool Execute(const ScriptRequest& request);
     /// Executes a command of the queue and finishes or holds it. @return whether it is over.   [command, tick]
     bool ExecuteCommand(MCommandObject& command);

@@ -88,7 +88,8 @@ void DefaultVariables::BindUnlessBound(const Find& find) {
         WriteKept();
 }
 
-/// Asks the host without the lock. @param seenUnbinds when given, what was found counts only if nothing was let go since.
+/// Asks the host without the lock. @param seenUnbinds when given, what was found counts only if nothing
+/// was let go since.
 /// @return whether the values are new.
 bool DefaultVariables::Take(const Find& find, const unsigned* seenUnbinds) {
     std::array<Target, kDefaultVariableCount> found{};

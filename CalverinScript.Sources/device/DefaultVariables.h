@@ -17,9 +17,9 @@ class IEnumData;
 /// The host's values of the variables that every device has.
 ///
 /// - Any thread writes; the host is called without a lock.
-/// - Once Unbind has returned nobody is inside a value of the host. What is written then is kept, the last of each variable, and
-///   written to the new values by Bind. A write of the host's that does not come back is waited for a moment only, since the host may be
-///   waiting for us.
+/// - Once Unbind has returned nobody is inside a value of the host. What is written then is kept, the last of each
+///   variable, and written to the new values by Bind. A write of the host's that does not come back is waited for a
+///   moment only, since the host may be waiting for us.
 /// - After Forget nothing is written any more.   [thread: any]
 class DefaultVariables {
 public:

@@ -84,7 +84,7 @@ KXPBitmap MCalverinScript_Device::GetBitmap() {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetBitmap");
     if (door.IsClosed())
         return nullptr;
-    if (bitmap == nullptr) {
+    if (!bitmap) {
         const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
         if (!image.isNull())
             bitmap = std::make_unique<QImage>(image);

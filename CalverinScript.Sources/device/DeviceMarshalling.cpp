@@ -51,8 +51,8 @@ private:
     std::tuple<OwnedArgument<std::decay_t<Parameters>>...> m_arguments;
 };
 
-/// Runs the slot of a call on the script thread and waits for it; on that thread itself runs it at once. The request lives until
-/// the slot has run, also when the wait for it has ended earlier.
+/// Runs the slot of a call on the script thread and waits for it; on that thread itself runs it at once. The request
+/// lives until the slot has run, also when the wait for it has ended earlier.
 template <typename... Parameters>
 bool MCalverinScript_Device::Marshal(const MarshalledCallRow<Parameters...>& row,
                                      const std::common_type_t<Parameters>&... parameters) {

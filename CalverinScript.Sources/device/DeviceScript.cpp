@@ -19,8 +19,8 @@ bool MCalverinScript_Device::SlotEvaluateScriptCommand(const QString& text, bool
                    [&] { return stopMode ? analysis->LoadText(text) : program->LoadText(text); });
 }
 
-/// An analysis touches nothing of the running script, so it does not wait for it, and it completes no call that somebody else
-/// waits for.
+/// An analysis touches nothing of the running script, so it does not wait for it, and it completes no call that
+/// somebody else waits for.
 bool MCalverinScript_Device::SlotEvaluateScript(const QString& text, bool stopMode) {
     if (stopMode)
         return analysis->Run(text);

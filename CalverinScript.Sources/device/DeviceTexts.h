@@ -5,8 +5,8 @@
 class QScriptValue;
 
 /// @file
-/// What a device tells its user, through the variable "Error" and the dialogs. No such text stands anywhere else. Pure functions,
-/// callable on any thread but where a script's value is an argument.
+/// What a device tells its user, through the variable "Error" and the dialogs. No such text stands anywhere
+/// else. Pure functions, callable on any thread but where a script's value is an argument.
 
 /// The texts that are whole.
 namespace DeviceText {

@@ -11,15 +11,15 @@ class MScriptParamList;
 class QScriptEngine;
 class QVariant;
 
-/// Makes the values of events into the arguments of their listeners, for one engine. Names of properties and what is mostly the same
-/// from one event to the next are kept, since floods of events come this way.   [all: script]
+/// Makes the values of events into the arguments of their listeners, for one engine. Names of properties and what is
+/// mostly the same from one event to the next are kept, since floods of events come this way.   [all: script]
 class EventArguments {
 public:
     /// @param scriptEngine borrowed; its classes are installed already.
     explicit EventArguments(QScriptEngine& scriptEngine);
 
-    /// Bytes become a Buffer, records plain objects, the object that raised the event what its factory gave. Values of kinds that are
-    /// not in the table add nothing, so later ones move up.
+    /// Bytes become a Buffer, records plain objects, the object that raised the event what its factory gave. Values
+    /// of kinds that are not in the table add nothing, so later ones move up.
     QScriptValueList Of(const MScriptParamList& params);
 
 private:

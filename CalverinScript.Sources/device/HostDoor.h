@@ -5,8 +5,9 @@
 #include "IEndingRoom.h"
 #include "InterlockedCounter.h"
 
-/// The door through which the host's threads and the tick come into a device. Once it is closed the device refuses every operation but
-/// its release; those who are inside then may still be waiting there, and the device has to outlive them.
+/// The door through which the host's threads and the tick come into a device. Once it is closed the device
+/// refuses every operation but its release; those who are inside then may still be waiting there, and the device
+/// has to outlive them.
 class HostDoor final : public IEndingRoom {
 public:
     /// One call that may block inside the device.   [any host thread, tick]

@@ -9,8 +9,8 @@ class IObjectNameTools;
 class IResourceProvider;
 class IVariableManager;
 
-/// What a device uses of its host: found once, when the device is made, and never changed. Each may be missing; all are the host's and
-/// live as long as the device.   [any]
+/// What a device uses of its host: found once, when the device is made, and never changed. Each may be missing; all
+/// are the host's and live as long as the device.   [any]
 struct HostServices {
     /// Asks the host, which may be null. @param device the face that the newer link gets.   [host main]
     static HostServices Find(IMInterface* host, IKXPDevice* device);

@@ -10,8 +10,9 @@
 class IData;
 class IDeviceVariables;
 
-/// The host's values of one device's variables: the default ones, which the device writes, and those that members of a running script
-/// stand for. The host drops them all whenever it takes a definition; nothing of ours is inside one meanwhile.
+/// The host's values of one device's variables: the default ones, which the device writes, and those that
+/// members of a running script stand for. The host drops them all whenever it takes a definition; nothing of
+/// ours is inside one meanwhile.
 class HostValues final : public IEndingRoom {
 public:
     /// @param closed set once when the host must not be touched any more; must outlive this.
@@ -26,8 +27,8 @@ public:
     /// The host's value of a variable of the device; null when there is none.   [any, inside the gate]
     IData* Find(const QString& name) const;
 
-    /// Offers a definition to the host. Members of a running script stand for the new values afterwards. The default variables stay
-    /// unbound, and what is written to them is kept, until BindDefaults.
+    /// Offers a definition to the host. Members of a running script stand for the new values afterwards. The default
+    /// variables stay unbound, and what is written to them is kept, until BindDefaults.
     /// @return whether the host has taken it.   [host main]
     bool Offer(const std::string& definition);
     /// Looks the default variables up, or lets go of them.   [host main]

@@ -26,7 +26,8 @@ public:
     virtual bool IsHostAtLeast642() const = 0;
     /// The same with 6.4.3.   [any]
     virtual bool IsHostAtLeast643() const = 0;
-    /// The module's devices in order of creation; null when there is no such list. Hold its lock for a walk.   [host main]
+    /// The module's devices in order of creation; null when there is no such list. Hold its lock for
+    /// a walk.   [host main]
     virtual MLockedList<MCalverinScript_Device*>* GetDeviceList() { return nullptr; }
     /// Takes a device out of the module's list.   [host main]
     virtual void RemoveDevice(MCalverinScript_Device* device) = 0;

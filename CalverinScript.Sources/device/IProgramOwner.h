@@ -6,7 +6,8 @@ class QString;
 /// What the rooms of a device tell of its script. The device passes it on to its user and to the dialogs.
 class IScriptReports {
 public:
-    /// A failure; an empty text clears the one before, a null one does nothing. In stop mode only the dialogs hear of it.   [any]
+    /// A failure; an empty text clears the one before, a null one does nothing. In stop mode only the dialogs
+    /// hear of it.   [any]
     virtual void ReportError(const QString& text, bool stopMode) = 0;
     /// The line of the failure that was reported before it.   [any]
     virtual void ReportLine(int line) = 0;

@@ -51,12 +51,14 @@ struct MarshalledCallRow;
 
 /// A device whose behaviour is a script.
 ///
-/// It turns the host's calls into queued commands and commands into script calls. Three threads work for it: its command
-/// thread takes one command after the other, the module's tick thread watches over them, and its script thread runs nothing
-/// but Qt's event loop and, on it, the engine, all that the script calls and every slot here. All other threads reach the
-/// script through a marshalled call and wait for its completion, or leave a task in the inbox.
+/// It turns the host's calls into queued commands and commands into script calls. Three threads work for it: its
+/// command thread takes one command after the other, the module's tick thread watches over them, and its script
+/// thread runs nothing but Qt's event loop and, on it, the engine, all that the script calls and every slot
+/// here. All other threads reach the script through a marshalled call and wait for its completion, or leave a
+/// task in the inbox.
 ///
-/// `mutex` is held for each entry into the script. Lock order: the command manager's lock, `mutex`, a script object's lock.
+/// `mutex` is held for each entry into the script. Lock order: the command manager's lock, `mutex`,
+/// a script object's lock.
 class MCalverinScript_Device : public QObject,
                                public MKXPDeviceBase,
                                public MTimerailManager,
@@ -69,16 +71,17 @@ class MCalverinScript_Device : public QObject,
     Q_OBJECT
 
 public:
-    /// @param moduleServices borrowed for the device's life. @param setup may be null. @param name copied, may be null.
-    /// [host main]
+    /// @param moduleServices borrowed for the device's life. @param setup may be null. @param name copied, may
+    /// be null. [host main]
     MCalverinScript_Device(IModuleServices* moduleServices, ISetupInterface* setup, const char* name);
 
-    /// Whether the script thread runs, or the debugger makes one needless. A device without one is of no use and is released
-    /// at once.   [host main]
+    /// Whether the script thread runs, or the debugger makes one needless. A device without one is of no use and is
+    /// released at once.   [host main]
     bool IsUsable() const;
 
-    /// Ends the device as its release does, but for its memory: it leaves the host and the module, and refuses every operation
-    /// from then on but Release. For a module that goes before its devices. Does nothing when it has been done.   [host main]
+    /// Ends the device as its release does, but for its memory: it leaves the host and the module, and refuses
+    /// every operation from then on but Release. For a module that goes before its devices. Does nothing when it
+    /// has been done.   [host main]
     void LetGo();
     /// Whether nothing runs any more in a device that has been let go, so that it may be deleted.   [host main]
     bool HasEnded() const;
@@ -123,20 +126,24 @@ public:
     void BeginSetup();
     /// The setup as the device has it now, all but the commands.   [host main]
     DeviceSetup GetCurrentSetup();
-    /// Takes over what the dialog holds, once the host has taken the definition that follows from it. The script has to have been
-    /// analysed before.
-    /// @param setup its commands and module commands are not read. @param scriptFile path of the script's file, may be empty.
+    /// Takes over what the dialog holds, once the host has taken the definition that follows from it. The script has
+    /// to have been analysed before.
+    /// @param setup its commands and module commands are not read. @param scriptFile path of the script's
+    /// file, may be empty.
     /// @return 0, 771 the commands have changed, 13 the host refused and the device is as it was.   [host main]
     KXPCode AcceptSetup(const DeviceSetup& setup, const QString& scriptFile);
-    /// Lets go of the resources that the device has taken, and takes those that the settings name. A dialog calls it when its user
-    /// has chosen one.   [host main]
+    /// Lets go of the resources that the device has taken, and takes those that the settings name. A dialog calls it
+    /// when its user has chosen one.   [host main]
     void ResolveResources(const ScriptSettings& settings);
-    /// The dialog was left without: the resources are those of the device's own settings again. @return 13.   [host main]
+    /// The dialog was left without: the resources are those of the device's own settings again.
+    /// @return 13.   [host main]
     KXPCode CancelSetup();
-    /// Looks up the device's five default variables at the host: null where it has none of that name.   [any host thread]
+    /// Looks up the device's five default variables at the host: null where it has none of that
+    /// name.   [any host thread]
     void BindDefaultVariables();
 
-    // Calls that cross to the script thread. Each waits for its completion; on the script thread itself it runs at once.
+    // Calls that cross to the script thread. Each waits for its completion; on the script thread itself
+    // it runs at once.
     /// Loads a file and evaluates it. @return whether it could be read and evaluated.   [any]
     bool LoadScriptCommand(const char* fileName, bool stopMode);
     /// Evaluates a text. @return whether it could be evaluated.   [any]
@@ -153,13 +160,15 @@ public:
     /// Leaves a task for the script thread. It runs outside the script, behind what was left before it.
     /// @return false when the device is ending.   [any]
     bool PostTask(ScriptInbox::Task task) override { return GetEntrance().Post(std::move(task)); }
-    /// Delivers an event of a script object to its listener, later. Does nothing without both pointers. @return 1.   [any]
+    /// Delivers an event of a script object to its listener, later. Does nothing without both
+    /// pointers. @return 1.   [any]
     int PostScriptEvent(const QString& name, const MScriptParamList* params, MScriptCommonEvent* event) override;
     /// The same for several events of one name, which share one task.   [any]
     void PostScriptEvents(const QString& name, std::vector<MScriptParamList> events,
                           MScriptCommonEvent* event) override;
 
-    // The five operations of the command road. With execute false each posts a command, with execute true it does the work at once.
+    // The five operations of the command road. With execute false each posts a command, with execute true it does
+    // the work at once.
     bool LoadScriptFromFile(IExecContext* context, const char* fileName, bool execute);
     bool LoadScriptFromText(IExecContext* context, const char* text, bool execute);
     bool ExecuteScriptFunction(IExecContext* context, const char* name, bool execute);
@@ -167,8 +176,8 @@ public:
                                          bool execute);
     bool ExecuteCallBack(IExecContext* context, MyAsyncDeviceExecContext* asyncContext, bool execute);
 
-    /// The single way in which failures reach the user: the variable "Error" and the dialogs. A null text does nothing, an
-    /// empty one clears. In stop mode only the dialogs hear of it.   [any]
+    /// The single way in which failures reach the user: the variable "Error" and the dialogs. A null text does
+    /// nothing, an empty one clears. In stop mode only the dialogs hear of it.   [any]
     void ReportError(const QString& text, bool stopMode);
 
     /// Makes the context and notes the function for an asynchronous request.
@@ -230,8 +239,8 @@ public:
     /// The resources of the host that the settings name.   [host main]
     const std::vector<ResourceRequest>& GetResourceRequests() const;
 
-    /// Devices that were released while their script would not end. They are looked through at each creation and release,
-    /// and those whose script has ended since are deleted.
+    /// Devices that were released while their script would not end. They are looked through at each creation and
+    /// release, and those whose script has ended since are deleted.
     /// @return how many are left.   [host main]
     static std::size_t SweepAbandoned();
 
@@ -337,7 +346,8 @@ private:
     std::recursive_mutex mutex;            ///< guards the engine's state: every entry into the script takes it
     std::atomic<bool> ending{false};       ///< set once by LetGo: nothing enters the script any more
 
-    // The rooms. Each says itself which threads come to it; what stands below uses what stands above, and goes before it.
+    // The rooms. Each says itself which threads come to it; what stands below uses what stands above,
+    // and goes before it.
     const HostServices services; ///< what the host offers
     HostDoor door;               ///< the host's threads inside the device
     HostValues values;           ///< the host's values of the device's variables

@@ -4,8 +4,8 @@
 
 class MCalverinScript_Device;
 
-/// Tells the device of an exception that no script code will catch, at the moment it is thrown. Installed while the debugger is
-/// enabled only: any agent makes an engine leave its compiled mode. Owned by its engine.
+/// Tells the device of an exception that no script code will catch, at the moment it is thrown. Installed while the
+/// debugger is enabled only: any agent makes an engine leave its compiled mode. Owned by its engine.
 class MScriptEngineAgent : public QScriptEngineAgent {
 public:
     MScriptEngineAgent(QScriptEngine* engine, MCalverinScript_Device* scriptDevice);

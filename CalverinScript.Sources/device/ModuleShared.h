@@ -8,8 +8,8 @@
 
 class QStandardItemModel;
 
-/// What all devices of the module share. Made for the first device and gone with the last; its pointers are changed on the
-/// host's main thread alone.
+/// What all devices of the module share. Made for the first device and gone with the last; its pointers are changed
+/// on the host's main thread alone.
 struct ModuleShared {
     MLockedList<MScriptCommand> moduleCommands;                        ///< ids that mean the same for all devices
     std::unique_ptr<MLockedList<MScriptCommand>> legacyModuleCommands; ///< of older setups; null once merged

@@ -82,7 +82,7 @@ void ResourceRoom::TakeOne(const ResourceRequest& request, IResourceProvider* pr
                                                     static_cast<std::uint32_t>(request.subtype))
                             : nullptr;
     std::unique_ptr<MScriptResource> object = Make(request, found, m_remote);
-    if (object == nullptr) {
+    if (!object) {
         m_remote.TraceMessage(QStringLiteral("%1: the host has no such resource").arg(NameOf(request)),
                               QStringLiteral("ERROR"));
         return;

@@ -22,8 +22,8 @@ public:
     ResourceRoom& operator=(const ResourceRoom&) = delete;
     ~ResourceRoom();
 
-    /// Lets go of what it has and takes what is wanted, each resource once. What the host does not have is told in the
-    /// log.
+    /// Lets go of what it has and takes what is wanted, each resource once. What the host does not have is
+    /// told in the log.
     /// @param provider null has nothing.   [host main]
     void Take(const std::vector<ResourceRequest>& wanted, IResourceProvider* provider);
     /// Lets go of everything. From then on no call to a resource begins.   [host main]
@@ -31,8 +31,8 @@ public:
     /// What was wanted last.   [host main]
     const std::vector<ResourceRequest>& GetRequests() const { return m_requests; }
 
-    /// The object of a resource; null when it was not taken. Deleted by a later task of the script thread at the
-    /// earliest. [script]
+    /// The object of a resource; null when it was not taken. Deleted by a later task of the script thread
+    /// at the earliest. [script]
     MScriptResource* Find(const ResourceRequest& request);
 
 private:

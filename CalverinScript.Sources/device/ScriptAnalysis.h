@@ -12,10 +12,11 @@ class IScriptReports;
 class StoredSetup;
 struct HostServices;
 
-/// A look at a script on an engine of the caller's: what it would publish, without anything that it does reaching the show.
+/// A look at a script on an engine of the caller's: what it would publish, without anything that it
+/// does reaching the show.
 ///
-/// It touches nothing of the script that runs and does not wait for it. A script that never comes back is ended after a limit, since the
-/// host's main thread waits here.   [all: host main]
+/// It touches nothing of the script that runs and does not wait for it. A script that never comes back is ended after
+/// a limit, since the host's main thread waits here.   [all: host main]
 class ScriptAnalysis {
 public:
     /// All are borrowed for this object's life. @param module may be null; its configuration file says the limit.
@@ -31,8 +32,8 @@ public:
     bool LoadFile(const char* fileName);
     /// Shows a text in the same way. @return true.
     bool LoadText(const QString& text);
-    /// Evaluates a text on the engine and scans its value. What it publishes takes the place of what was found before; after a failure
-    /// that stays. @return whether it could be evaluated.
+    /// Evaluates a text on the engine and scans its value. What it publishes takes the place of what was found
+    /// before; after a failure that stays. @return whether it could be evaluated.
     bool Run(const QString& text);
 
     /// Whether the last run came to its end by itself.

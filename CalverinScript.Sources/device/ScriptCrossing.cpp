@@ -33,7 +33,7 @@ void ScriptCrossing::StartThread(MCalverinScript_Device& device) {
 }
 
 bool ScriptCrossing::IsUsable() const {
-    return m_thread == nullptr || m_thread->isRunning();
+    return !m_thread || m_thread->isRunning();
 }
 
 void ScriptCrossing::OnThreadEnding(QObject& device) {
@@ -64,7 +64,7 @@ void ScriptCrossing::End() {
 
 /// @return whether it has ended in its time.
 bool ScriptCrossing::EndThread() {
-    if (m_thread == nullptr)
+    if (!m_thread)
         return true;
     m_entrance.WakeUp();
     m_thread->quit();
@@ -72,5 +72,5 @@ bool ScriptCrossing::EndThread() {
 }
 
 bool ScriptCrossing::HasEnded() const {
-    return m_thread != nullptr ? m_thread->isFinished() && m_threadLeft : !m_entrance.IsInside();
+    return m_thread ? m_thread->isFinished() && m_threadLeft : !m_entrance.IsInside();
 }

@@ -15,8 +15,8 @@ class MScriptThread;
 class QObject;
 class QThread;
 
-/// The script thread of one device and the way across to it. While the debugger is enabled there is no such thread: the device stays
-/// where it was made, and whoever crosses from there is across already.
+/// The script thread of one device and the way across to it. While the debugger is enabled there is no such thread:
+/// the device stays where it was made, and whoever crosses from there is across already.
 ///
 /// - Calls of one thread run in the order in which they were made, outside the script, one after the other.
 /// - A caller waits for the end of its own call. A call whose caller has gone on runs all the same.
@@ -38,8 +38,8 @@ public:
         CompletionGate::Call m_completion;
     };
 
-    /// @param lock, ending, runDeferred, home as ScriptEntrance has them. @param onHung is called by End when the script does not end in
-    /// its time, before those who wait for it are let go.   [host main]
+    /// @param lock, ending, runDeferred, home as ScriptEntrance has them. @param onHung is called by End when the
+    /// script does not end in its time, before those who wait for it are let go.   [host main]
     ScriptCrossing(std::recursive_mutex& lock, const std::atomic<bool>& ending, std::function<void()> runDeferred,
                    std::function<void()> onHung, QObject* home);
     ScriptCrossing(const ScriptCrossing&) = delete;
@@ -59,7 +59,8 @@ public:
     /// The thread serves no events any more and gives the device back.   [script]
     void OnThreadEnding(QObject& device);
 
-    /// Runs a call on the script thread and waits until it is over, for limitMs at most; CompletionGate::kNoLimit has no end.
+    /// Runs a call on the script thread and waits until it is over, for limitMs at most;
+    /// CompletionGate::kNoLimit has no end.
     /// @param result what the call gave. @return whether it is over.   [any but script]
     bool Run(const std::shared_ptr<Call>& call, std::uint32_t limitMs, bool& result);
 

@@ -11,12 +11,12 @@ class QScriptEngineAgent;
 class QScriptEngineDebugger;
 class ScriptEntrance;
 
-/// The debugger of one device. It shows windows, so with it the engine stays on the host's main thread, and there is no script
-/// thread.
+/// The debugger of one device. It shows windows, so with it the engine stays on the host's main thread, and there
+/// is no script thread.
 ///
-/// The tick lets an evaluation go on past the debugger's automatic first stop, so that breakpoints alone decide where it halts,
-/// and aborts what still runs when the device is stopped. Both only ask; the debugger hears of it on the engine's thread, which
-/// serves its events also while the script is halted.
+/// The tick lets an evaluation go on past the debugger's automatic first stop, so that breakpoints alone decide where
+/// it halts, and aborts what still runs when the device is stopped. Both only ask; the debugger hears of it on the
+/// engine's thread, which serves its events also while the script is halted.
 class ScriptDebugger {
 public:
     /// Attaches a debugger to the engine, with the agent that reports exceptions beside it.

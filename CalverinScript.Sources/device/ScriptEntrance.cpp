@@ -44,9 +44,9 @@ ScriptEntrance::Entry::~Entry() {
     m_entrance.m_lock.unlock();
 }
 
-/// The engine takes an abort only while one of its contexts is open, which a function that was called from here is not. A context that
-/// stays open makes it one always, and costs nothing; one that is opened for the abort needs room on a stack that the script may
-/// have filled.
+/// The engine takes an abort only while one of its contexts is open, which a function that was called from here is
+/// not. A context that stays open makes it one always, and costs nothing; one that is opened for the abort needs room
+/// on a stack that the script may have filled.
 void ScriptEntrance::SetEngine(QScriptEngine& engine) {
     m_engine = &engine;
     engine.pushContext();
@@ -76,8 +76,8 @@ void ScriptEntrance::RunTask(const ScriptInbox::Task& task) {
     }
 }
 
-/// Runs inside a script too, since a running engine lets its thread process events now and then. Then nothing is taken; the
-/// only thing that is served there is the end of the device.
+/// Runs inside a script too, since a running engine lets its thread process events now and then. Then nothing is
+/// taken; the only thing that is served there is the end of the device.
 void ScriptEntrance::TakeTurn() {
     if (IsInside()) {
         m_deferred = true;

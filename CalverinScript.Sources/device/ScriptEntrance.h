@@ -14,14 +14,15 @@ class QThread;
 
 /// The way into the script of one device, and the way out of one that will not end.
 ///
-/// It lives on the script thread, as the engine does. Whoever enters the script holds an Entry; what comes meanwhile for the script
-/// thread waits for the outermost one to end, although a running engine lets its thread process events now and then. Other threads
-/// leave tasks, which run one after the other outside the script.
+/// It lives on the script thread, as the engine does. Whoever enters the script holds an Entry; what comes meanwhile
+/// for the script thread waits for the outermost one to end, although a running engine lets its thread process events
+/// now and then. Other threads leave tasks, which run one after the other outside the script.
 ///
 /// - No task and no deferred work runs inside the script.
 /// - What was deferred or left while the script ran is taken up when it has been left.
 /// - A turn of tasks has an end even when they come faster than they run: the thread's timers have theirs in between.
-/// - Once the device is ending, a script that is running is aborted on its own thread as soon as the engine looks at events.
+/// - Once the device is ending, a script that is running is aborted on its own thread as soon as the
+///   engine looks at events.
 class ScriptEntrance final : public QObject {
 public:
     /// @param lock      held for each entry, before any lock of a script object; borrowed.
@@ -31,7 +32,8 @@ public:
     ScriptEntrance(std::recursive_mutex& lock, const std::atomic<bool>& ending, std::function<void()> runDeferred,
                    QObject* parent);
 
-    /// One entry into the script, from any thread: the lock is held, and on the script thread nothing else that waits there starts.
+    /// One entry into the script, from any thread: the lock is held, and on the script thread nothing else
+    /// that waits there starts.
     class Entry {
     public:
         explicit Entry(ScriptEntrance& entrance);
@@ -57,12 +59,14 @@ public:
     bool Post(ScriptInbox::Task task) { return m_inbox.Post(std::move(task)); }
     /// Refuses tasks from now on.   [any]
     void Close() { m_inbox.Close(); }
-    /// Makes the script thread look at what waits for it; one that is inside the script of an ending device aborts it.   [any]
+    /// Makes the script thread look at what waits for it; one that is inside the script of an ending
+    /// device aborts it.   [any]
     void WakeUp();
     /// Says that deferred work waits for the script to be left.   [script]
     void Defer() { m_deferred = true; }
-    /// Ends the script that runs on this thread, from an event that the engine lets through; a script cannot catch it. Tried
-    /// again until the thread has left the script, since between two calls into it there is nothing to abort.   [script]
+    /// Ends the script that runs on this thread, from an event that the engine lets through; a script cannot
+    /// catch it. Tried again until the thread has left the script, since between two calls into it there is
+    /// nothing to abort.   [script]
     void Abort();
     /// The thread is about to end and serves no events any more.   [script]
     void LeaveThread();

@@ -10,7 +10,8 @@
 class IScriptReports;
 
 /// @file
-/// What a device's engine and an analysis do alike: read a script, evaluate it, see whether that failed, and look at what it publishes.
+/// What a device's engine and an analysis do alike: read a script, evaluate it, see whether that failed, and
+/// look at what it publishes.
 
 /// Why an evaluation gave no script.
 struct EvaluationFailure {
@@ -18,14 +19,16 @@ struct EvaluationFailure {
     std::optional<int> line; ///< of an uncaught exception
 };
 
-/// Reads a script's file into a set and shows both; a file that cannot be read shows an empty text and is told as an error.
+/// Reads a script's file into a set and shows both; a file that cannot be read shows an empty text and is
+/// told as an error.
 /// @param fileName in the host's text; null cannot be read. @return whether it could be read.   [the set's thread]
 bool ReadScriptFile(ScriptSet& set, const char* fileName, IScriptReports& reports);
 
 /// Evaluates a text in a context of its own. @return its completion value.   [the engine's thread]
 QScriptValue EvaluateText(QScriptEngine& engine, const QString& text);
 
-/// Forgets the exception of a failed evaluation, whose text may run script. @return nothing when it did not fail.   [the engine's thread]
+/// Forgets the exception of a failed evaluation, whose text may run script. @return nothing when it did not
+/// fail.   [the engine's thread]
 std::optional<EvaluationFailure> TakeFailure(QScriptEngine& engine, const QScriptValue& value);
 void Report(const EvaluationFailure& failure, bool stopMode, IScriptReports& reports);
 

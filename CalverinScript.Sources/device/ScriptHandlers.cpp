@@ -56,7 +56,7 @@ MyAsyncDeviceExecContext* ScriptHandlers::MakeRequest(const QScriptValue& functi
 void ScriptHandlers::OnAnswer(MyAsyncDeviceExecContext* request) {
     MScriptMngRemote& remote = m_world.Remote();
     const std::shared_ptr<MyAsyncDeviceExecContext> held = remote.HoldAsyncContext(request);
-    if (held == nullptr)
+    if (!held)
         return;
     if (const auto call = m_callbacks.Take(*held)) {
         m_world.Call(call->function, call->arguments);
@@ -69,7 +69,7 @@ void ScriptHandlers::OnAnswer(MyAsyncDeviceExecContext* request) {
 void ScriptHandlers::DropAnswer(MyAsyncDeviceExecContext* request) {
     MScriptMngRemote& remote = m_world.Remote();
     const std::shared_ptr<MyAsyncDeviceExecContext> held = remote.HoldAsyncContext(request);
-    if (held == nullptr)
+    if (!held)
         return;
     remote.SettleAsyncContext(request);
     m_entrance.Post([this, held] {

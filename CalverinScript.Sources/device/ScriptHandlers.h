@@ -13,11 +13,12 @@ class QString;
 class ScriptEntrance;
 class ScriptWorld;
 
-/// The functions that a script has left to be called later: by its timers, by answers of the host, by events of its objects and by
-/// changes. Each call enters the script.   [script, where nothing else is said]
+/// The functions that a script has left to be called later: by its timers, by answers of the host, by events of its
+/// objects and by changes. Each call enters the script.   [script, where nothing else is said]
 class ScriptHandlers {
 public:
-    /// All are borrowed for this object's life. @param timerOwner gets the timers' events and passes them to OnTimer.   [host main]
+    /// All are borrowed for this object's life. @param timerOwner gets the timers' events and passes them
+    /// to OnTimer.   [host main]
     ScriptHandlers(QObject& timerOwner, ScriptWorld& world, ScriptEntrance& entrance);
     ScriptHandlers(const ScriptHandlers&) = delete;
     ScriptHandlers& operator=(const ScriptHandlers&) = delete;
@@ -36,8 +37,8 @@ public:
     void ForgetRequest(MyAsyncDeviceExecContext* request) { m_callbacks.Forget(request); }
     /// Calls the function of an answer. Does nothing for a request that is gone.
     void OnAnswer(MyAsyncDeviceExecContext* request);
-    /// The answer of a request will never be delivered: the request goes at once, its function as soon as the script thread is free.
-    /// Nothing of a request that is gone already is touched.   [any]
+    /// The answer of a request will never be delivered: the request goes at once, its function as soon as the script
+    /// thread is free. Nothing of a request that is gone already is touched.   [any]
     void DropAnswer(MyAsyncDeviceExecContext* request);
 
     /// Calls the listener of an event. Does nothing when its object is gone.

@@ -14,10 +14,11 @@ class StoredSetup;
 struct HostServices;
 struct ScriptSet;
 
-/// The script that a device runs, from its load to its stop: it is read, evaluated, scanned for what it publishes, started, called by
-/// the names of its functions, and stopped.
+/// The script that a device runs, from its load to its stop: it is read, evaluated, scanned for what it publishes,
+/// started, called by the names of its functions, and stopped.
 ///
-/// Start and stop begin on a host thread and end where the script runs; what the two sides tell one another on the way is kept here.
+/// Start and stop begin on a host thread and end where the script runs; what the two sides tell one another on the
+/// way is kept here.
 class ScriptProgram {
 public:
     /// What it works with, all borrowed for its life.
@@ -40,7 +41,8 @@ public:
     bool LoadFile(const char* fileName);
     /// Shows a text and evaluates it. @return whether it could be evaluated.
     bool LoadText(const QString& text);
-    /// Ends the script that has run so far and evaluates another, with its start function. @return whether it could be evaluated.
+    /// Ends the script that has run so far and evaluates another, with its start function. @return whether
+    /// it could be evaluated.
     bool Evaluate(const QString& text);
     /// Calls a function by its name. @param params null, or texts of which the first null ends the list.
     /// @param result takes what the function gives; may be null. @return false when there is nothing to call.
@@ -58,7 +60,8 @@ public:
     /// Ends every request that is on its way to the host, so that a script which waits for one comes back.
     void EndRequests();
     /// The stop function has been called, or its time is over: nothing in the script waits any more.
-    /// @return whether the stop may go on. Otherwise the debugger holds a script that has to end first, and the tick completes it.
+    /// @return whether the stop may go on. Otherwise the debugger holds a script that has to end first, and
+    /// the tick completes it.
     bool EndStop();
     /// Drops what the script has made.
     void ReleaseObjects();

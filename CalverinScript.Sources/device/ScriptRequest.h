@@ -9,8 +9,8 @@ class IData;
 class MCommandObject;
 class MyAsyncDeviceExecContext;
 
-/// What a command of the road asks of the script. All pointers are borrowed, for a call or from the command that
-/// carries them.
+/// What a command of the road asks of the script. All pointers are borrowed, for a call or from the
+/// command that carries them.
 struct ScriptRequest {
     std::int32_t id = kLoadFromFile;                  ///< a BuiltInCommand
     const char* text = nullptr;                       ///< the file, the script or the function

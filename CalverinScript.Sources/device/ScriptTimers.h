@@ -8,9 +8,9 @@
 
 class QObject;
 
-/// The timers of one script, with those that came due while it was running. The timers are Qt's and come to the owner's `timerEvent`;
-/// a number that Qt gives again to a new timer never stands for the old one.
-/// [all: script, under the device's mutex; ClearAll also where the script thread has ended]
+/// The timers of one script, with those that came due while it was running. The timers are Qt's and come to the
+/// owner's `timerEvent`; a number that Qt gives again to a new timer never stands for the old one. [all: script,
+/// under the device's mutex; ClearAll also where the script thread has ended]
 class ScriptTimers {
 public:
     enum class Kind { Interval, TimeOut };

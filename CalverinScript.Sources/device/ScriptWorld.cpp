@@ -90,8 +90,8 @@ bool ScriptWorld::HasEnded() const {
     return !m_remote->HasAnswersUnderWay();
 }
 
-/// The functions on `Device` know a variable of the device by its name without the device's. The host may have made it anew since
-/// the script was scanned, so it is asked each time.
+/// The functions on `Device` know a variable of the device by its name without the device's. The host may have made
+/// it anew since the script was scanned, so it is asked each time.
 EnumHelpers::Target ScriptWorld::EnumTarget() {
     return {[this] { return m_set.global; }, [this](const QString& name) { return FindEnum(name); },
             &m_place.values.Gate()};

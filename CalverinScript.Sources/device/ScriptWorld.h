@@ -25,11 +25,11 @@ class ScriptEntrance;
 struct HostServices;
 struct MScriptVariable;
 
-/// The engine of one device, with all that its script finds there: the bridge behind `QCalverin`, the classes, the resources that
-/// settings name, the debugger, and what the script itself has published.
+/// The engine of one device, with all that its script finds there: the bridge behind `QCalverin`, the classes, the
+/// resources that settings name, the debugger, and what the script itself has published.
 ///
-/// All of it belongs to the script thread once that runs, and is entered under the device's lock. It is made on the host's main thread,
-/// and goes there when the script thread has ended.
+/// All of it belongs to the script thread once that runs, and is entered under the device's lock. It is made on the
+/// host's main thread, and goes there when the script thread has ended.
 class ScriptWorld final : public IEndingRoom {
 public:
     /// What it is made in, all borrowed for its life.
@@ -67,8 +67,8 @@ public:
     bool IsInside() const;
     /// Evaluates a text as the script that runs from now on.   [script]
     void Evaluate(const QString& text);
-    /// Calls a function of the script, with what the script has published as its `this`. An exception that the script does not catch is
-    /// reported, and stays with the engine until the caller has looked at it.
+    /// Calls a function of the script, with what the script has published as its `this`. An exception that the script
+    /// does not catch is reported, and stays with the engine until the caller has looked at it.
     /// @return invalid when the device is ending.   [script]
     QScriptValue Call(QScriptValue function, const QScriptValueList& arguments);
     /// The arguments of a listener.   [script]

@@ -12,11 +12,11 @@
 #include "SetupFormat.h"
 #include "SetupMemory.h"
 
-/// The setup of a device as its host keeps it: the script that Start runs, the user's choices, and the lists. What it says is changed
-/// on the host's main thread alone; any thread may read it.
+/// The setup of a device as its host keeps it: the script that Start runs, the user's choices, and the lists. What it
+/// says is changed on the host's main thread alone; any thread may read it.
 ///
-/// Whether the default commands and variables are removed has four voices: the setup, the script of the last analysis, which outranks
-/// it, the open dialog in place of the setup, and the decision that is in force.
+/// Whether the default commands and variables are removed has four voices: the setup, the script of the last
+/// analysis, which outranks it, the open dialog in place of the setup, and the decision that is in force.
 class StoredSetup {
 public:
     StoredSetup() = default;

@@ -91,8 +91,7 @@ char* UserCommands::Update(const char* commandXml, const std::string& deviceName
     if (FindNamed(name, command))
         return strdup(stored.Rewrite(command).c_str());
     ModuleShared* shared = ModuleShared::Get();
-    if (shared != nullptr && shared->legacyModuleCommands != nullptr &&
-        FindIn(shared->moduleCommands, HasName(name), command))
+    if (shared != nullptr && shared->legacyModuleCommands && FindIn(shared->moduleCommands, HasName(name), command))
         shared->legacyModuleCommands->AddUnique(command);
     return nullptr;
 }
@@ -107,7 +106,7 @@ void UserCommands::AddToModule(const ScriptCommands& commands) {
 }
 
 bool UserCommands::HasLegacy() {
-    return ModuleShared::Acquire().legacyModuleCommands != nullptr;
+    return static_cast<bool>(ModuleShared::Acquire().legacyModuleCommands);
 }
 
 void UserCommands::MergeLegacy(const ScriptCommands& inUse) {

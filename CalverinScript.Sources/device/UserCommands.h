@@ -10,8 +10,8 @@
 
 class IObjectParams;
 
-/// The commands that the script of one device adds, with the numbers under which the host keeps them. Names that several devices use
-/// share their numbers through the module.   [host main, where nothing else is said]
+/// The commands that the script of one device adds, with the numbers under which the host keeps them. Names that
+/// several devices use share their numbers through the module.   [host main, where nothing else is said]
 class UserCommands {
 public:
     UserCommands() = default;
@@ -30,11 +30,11 @@ public:
     /// Whether these functions are other commands than the device has.
     bool DifferFrom(const ScriptCommands& functions) const;
 
-    /// How a stored command relates to these. @param params with them the command is looked up by the function that they name,
-    /// without by its number. @return 0 gone, 1 other parameters or none to compare, 2 valid.
+    /// How a stored command relates to these. @param params with them the command is looked up by the function that
+    /// they name, without by its number. @return 0 gone, 1 other parameters or none to compare, 2 valid.
     int Validate(std::int32_t id, IObjectParams* params);
-    /// A stored command of another version as this device would store it. One that the device does not have is noted as one of an
-    /// older setup when the module knows it.
+    /// A stored command of another version as this device would store it. One that the device does not have is noted
+    /// as one of an older setup when the module knows it.
     /// @param deviceName the command of another device is left alone. @return null when there is nothing to change.
     char* Update(const char* commandXml, const std::string& deviceName);
 
