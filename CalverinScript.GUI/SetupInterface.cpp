@@ -7,6 +7,7 @@
 #include "IManagerRuntimeInfo.h"
 #include "IModuleServices.h"
 #include "MCalverinScript_Device.h"
+#include "QMfcApp.h"
 #include "QWinWidget.h"
 #include "ThemeStyleSheet.h"
 #include "WidgetCalverinScriptGUI.h"
@@ -33,6 +34,7 @@ KXPWindow MainWindowOf(IMInterface* host) {
 KXPCode RunDialog(MCalverinScript_Device& device, const char* scriptName) {
     IMInterface* host = device.GetModule() != nullptr ? device.GetModule()->GetHost() : nullptr;
     const QPointer<MCalverinScript_Device> kept(&device);
+    const ModalLoop loop;
     QWinWidget parent(MainWindowOf(host));
     WidgetCalverinScriptGUI dialog(&parent);
     QObject::connect(&parent, &QWinWidget::SignalParentGone, &dialog, &QDialog::reject);

@@ -18,8 +18,8 @@
 #include "IObjectFactoryManager.h"
 #include "Log.h"
 #include "MCalverinScript_Device.h"
-#include "ModuleApplication.h"
 #include "ModuleResources.h"
+#include "QMfcApp.h"
 #include "SetupInterface.h"
 #include "ThreadPromise.h"
 
@@ -66,7 +66,7 @@ KXPCode MCalverinScript_Module::GetEntryPoint(IKXPModule** out) {
         return KXP_NULL_ARGUMENT;
     NoteHostMainThread();
     if (instance == nullptr) {
-        ModuleApplication::Ensure();
+        QMfcApp::pluginInstance();
         instance = new (std::nothrow) MCalverinScript_Module;
     }
     if (instance == nullptr)
@@ -99,7 +99,7 @@ KXPCode MCalverinScript_Module::Release() {
     delete std::exchange(released, this);
     // A script that still runs hears of its end through an event, which takes an application.
     if (MCalverinScript_Device::SweepAbandoned() == 0 && allEnded)
-        ModuleApplication::End();
+        QMfcApp::EndPluginInstance();
     return KXP_OK;
 }
 

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include <QEvent>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QScreen>
 #include <QSocketNotifier>
 #include <QWindow>
@@ -23,6 +25,11 @@ QWindow* FindOwnWindow(KXPWindow id) {
 /// Other toolkits' windows are known to the window system alone.
 bool HasNativeWindows() {
     return QGuiApplication::platformName() == QLatin1String("xcb");
+}
+
+/// From device pixels to those of the dialogs.
+QRect ToRect(const NativeRect& rect, qreal scale) {
+    return QRectF(rect.x / scale, rect.y / scale, rect.width / scale, rect.height / scale).toRect();
 }
 
 } // namespace
@@ -67,14 +74,86 @@ void QWinWidget::Leave() {
     Q_EMIT SignalParentGone();
 }
 
-QRect QWinWidget::ParentFrame() const {
-    if (m_hostWindow && !m_foreign)
+/// @param margins receives how wide the frame is: that of a dialog will be the same.
+QRect QWinWidget::ParentFrame(QMargins& margins) const {
+    if (m_hostWindow && !m_foreign) {
+        margins = m_hostWindow->frameMargins();
         return m_hostWindow->frameGeometry();
-    NativeRect frame;
-    if (!m_foreign || !GetNativeFrame(m_parentId, frame))
+    }
+    NativeRect native;
+    NativeRect nativeFrame;
+    if (!m_foreign || !GetNativeFrame(m_parentId, native, nativeFrame))
         return {};
-    const qreal scale = devicePixelRatioF();
-    return QRectF(frame.x / scale, frame.y / scale, frame.width / scale, frame.height / scale).toRect();
+    const QRect inside = ToRect(native, devicePixelRatioF());
+    const QRect frame = ToRect(nativeFrame, devicePixelRatioF());
+    margins = QMargins(inside.left() - frame.left(), inside.top() - frame.top(), frame.right() - inside.right(),
+                       frame.bottom() - inside.bottom());
+    return frame;
+}
+
+void QWinWidget::show() {
+    if (m_hostWindow) {
+        winId();
+        windowHandle()->setParent(m_hostWindow);
+    }
+    QWidget::show();
+}
+
+void QWinWidget::FocusParent() {
+    if (m_foreign)
+        FocusNativeWindow(m_parentId);
+    else if (m_hostWindow)
+        m_hostWindow->requestActivate();
+}
+
+bool QWinWidget::eventFilter(QObject* watched, QEvent* event) {
+    const auto* dialog = qobject_cast<QWidget*>(watched);
+    if (event->type() == QEvent::Hide && dialog != nullptr && dialog->windowHandle() == QGuiApplication::focusWindow())
+        FocusParent();
+    return QWidget::eventFilter(watched, event);
+}
+
+void QWinWidget::hideEvent(QHideEvent* event) {
+    if (windowHandle() != nullptr && windowHandle() == QGuiApplication::focusWindow())
+        FocusParent();
+    QWidget::hideEvent(event);
+}
+
+/// The widgets that Tab visits, in their order.
+QWidgetList QWinWidget::FocusChain() {
+    QWidgetList chain;
+    for (QWidget* widget = nextInFocusChain(); widget != this; widget = widget->nextInFocusChain())
+        if (isAncestorOf(widget) && (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisibleTo(this) &&
+            widget->isEnabled() && widget->focusProxy() == nullptr)
+            chain.append(widget);
+    return chain;
+}
+
+bool QWinWidget::focusNextPrevChild(bool next) {
+    const QWidgetList chain = FocusChain();
+    QWidget* end = chain.isEmpty() ? nullptr : next ? chain.last() : chain.first();
+    if (!m_hostWindow || (end != nullptr && focusWidget() != end))
+        return QWidget::focusNextPrevChild(next);
+    if (end != nullptr)
+        end->clearFocus(); // so that the chain begins anew when the keyboard comes back
+    FocusParent();
+    return true;
+}
+
+void QWinWidget::keyPressEvent(QKeyEvent* event) {
+    PassKey(*event, true);
+    QWidget::keyPressEvent(event);
+}
+
+void QWinWidget::keyReleaseEvent(QKeyEvent* event) {
+    PassKey(*event, false);
+    QWidget::keyReleaseEvent(event);
+}
+
+void QWinWidget::PassKey(const QKeyEvent& event, bool isPressed) {
+    const bool isMenus = event.key() == Qt::Key_Alt || event.modifiers().testFlag(Qt::AltModifier);
+    if (m_foreign && isMenus)
+        SendNativeKey(FindTopWindow(m_parentId), {event.nativeScanCode(), event.nativeModifiers(), isPressed});
 }
 
 void QWinWidget::Adopt(QWidget& dialog) {
@@ -82,10 +161,13 @@ void QWinWidget::Adopt(QWidget& dialog) {
         return;
     dialog.winId();
     dialog.windowHandle()->setTransientParent(m_hostWindow);
-    const QRect parent = ParentFrame();
+    dialog.installEventFilter(this);
+    QMargins margins;
+    const QRect parent = ParentFrame(margins);
     if (parent.isEmpty())
         return;
-    QRect frame = dialog.frameGeometry();
+    QRect frame = dialog.geometry().marginsAdded(margins);
     frame.moveCenter(parent.center());
-    dialog.move(frame.x(), std::max(frame.y(), 0));
+    frame.moveTop(std::max(frame.top(), 0));
+    dialog.setGeometry(frame.marginsRemoved(margins)); // a window that is not shown yet does not know its frame
 }

@@ -12,8 +12,13 @@ class NativeWindowWatch;
 class QSocketNotifier;
 class QWindow;
 
-/// Stands for a window of the host, which may be one of this program's own Qt or of another toolkit, and is the parent of the
-/// dialogs that belong to it.   [host main]
+/// Stands for a window of the host, which may be one of this program's own Qt or of another toolkit. It is the parent of the dialogs
+/// that belong to that window, and when it is shown, it stands inside of it with the widgets that it holds.
+///
+/// The keyboard goes both ways. Behind the last widget and before the first one Tab gives it to the host's window. When the host gives
+/// it to this one's (winId), the widget that had it last takes it, or the first one. A dialog that ends, and a window that is hidden,
+/// give back to the host what they have. Keys with Alt that no widget wants are told to the host's window: they may be of its menu.
+/// [host main]
 class Q_DECL_EXPORT QWinWidget : public QWidget {
     Q_OBJECT
 
@@ -25,19 +30,34 @@ public:
     /// The host's window, as it was given.
     KXPWindow parentWindow() const { return m_parentId; }
 
+    /// Puts this widget into the host's window, where its geometry says. Without a host's window it stands by itself.
+    void show();
+
     /// Makes a dialog one of the host's window: the window manager keeps it above, and it stands in the middle, frame on frame. Its
     /// top edge is never above the screen's.
     void Adopt(QWidget& dialog);
+
+    /// Gives the keyboard to the host's window.
+    void FocusParent();
 
 Q_SIGNALS:
     /// The host's window is gone.
     void SignalParentGone();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
 private:
+    QWidgetList FocusChain();
+    void PassKey(const QKeyEvent& event, bool isPressed);
     void FindHostWindow();
     void WatchForeignWindow();
     void Leave();
-    QRect ParentFrame() const;
+    QRect ParentFrame(QMargins& margins) const;
 
     const KXPWindow m_parentId;
     QPointer<QWindow> m_hostWindow;     ///< the host's own, or ours for a foreign one

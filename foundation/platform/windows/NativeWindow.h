@@ -15,12 +15,25 @@ struct NativeRect {
     int height = 0;
 };
 
-/// The rectangle of a window with the frame that a window manager drew around it. @return false when there is no such
-/// window.
-bool GetNativeFrame(std::uintptr_t window, NativeRect& frame);
+/// The rectangle of a window, and the same with the frame that a window manager drew around it. @return false when
+/// there is no such window.
+bool GetNativeFrame(std::uintptr_t window, NativeRect& inside, NativeRect& frame);
 
 /// Gives a window the keyboard. @return false when it cannot have it.
 bool FocusNativeWindow(std::uintptr_t window);
+
+/// The window of a program that stands on the screen itself, above any of its parts.
+std::uintptr_t FindTopWindow(std::uintptr_t window);
+
+/// A key, in the window system's own numbers.
+struct NativeKey {
+    std::uint32_t code = 0;      ///< which key of the keyboard
+    std::uint32_t modifiers = 0; ///< that were held before
+    bool isPressed = true;
+};
+
+/// Tells a window of a key as if it had the keyboard. One that hears no keys hears nothing.
+void SendNativeKey(std::uintptr_t window, const NativeKey& key);
 
 /// Tells when a window is gone.
 class NativeWindowWatch {

@@ -1,14 +1,13 @@
-#include "ModuleApplication.h"
+#include "QMfcApp.h"
 
 #include <clocale>
 #include <string>
 
-#include <QApplication>
 #include <QThread>
 
 namespace {
 
-QApplication* ownApplication = nullptr;
+QMfcApp* ownApplication = nullptr;
 int argumentCount = 0;
 char* noArguments[] = {nullptr};
 
@@ -18,23 +17,38 @@ bool HasDisplay() {
 
 } // namespace
 
-void ModuleApplication::Ensure() {
+int QMfcApp::modalLoopCount = 0;
+
+QMfcApp::QMfcApp()
+    : QApplication(argumentCount, noArguments) {}
+
+bool QMfcApp::pluginInstance() {
     if (QCoreApplication::instance() != nullptr)
-        return;
+        return false;
     const std::string locale = std::setlocale(LC_ALL, nullptr);
     const bool withoutWindows = !HasDisplay() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
     if (withoutWindows)
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    ownApplication = new QApplication(argumentCount, noArguments);
+    ownApplication = new QMfcApp;
     if (withoutWindows)
         qunsetenv("QT_QPA_PLATFORM");
     std::setlocale(LC_ALL, locale.c_str());
+    return true;
 }
 
-void ModuleApplication::End() {
-    if (ownApplication == nullptr || ownApplication->thread() != QThread::currentThread())
+void QMfcApp::EndPluginInstance() {
+    if (ownApplication == nullptr || ownApplication->thread() != QThread::currentThread() || modalLoopCount > 0)
         return;
     QCoreApplication::quit();
     delete ownApplication;
     ownApplication = nullptr;
+}
+
+void QMfcApp::EnterModalLoop() {
+    ++modalLoopCount;
+}
+
+void QMfcApp::LeaveModalLoop() {
+    --modalLoopCount;
+    Q_ASSERT(modalLoopCount >= 0);
 }
