@@ -1,6 +1,7 @@
 #include "QWinHost.h"
 
 #include <QEvent>
+#include <QGuiApplication>
 #include <QSocketNotifier>
 
 #include "NativeChild.h"
@@ -36,9 +37,13 @@ bool QWinHost::event(QEvent* event) {
     return QWidget::event(event);
 }
 
+/// Who makes the window may speak to the window system over a connection of its own, which has to know this one already.
 void QWinHost::Polish() {
-    if (m_childId == 0)
-        setChildWindow(createWindow(winId()));
+    if (m_childId != 0)
+        return;
+    const WId own = winId();
+    QGuiApplication::sync();
+    setChildWindow(createWindow(own));
 }
 
 /// Only what stands in this widget's own window is watched: any other is somebody else's business.

@@ -43,7 +43,12 @@ QWinWidget::QWinWidget(KXPWindow parent, QObject* object, Qt::WindowFlags flags)
         FindHostWindow();
 }
 
-QWinWidget::~QWinWidget() = default;
+/// A window ends those that stand in it: ours has to leave the host's first.
+QWinWidget::~QWinWidget() {
+    hide();
+    if (windowHandle() != nullptr)
+        windowHandle()->setParent(nullptr);
+}
 
 void QWinWidget::FindHostWindow() {
     m_hostWindow = FindOwnWindow(m_parentId);
@@ -134,10 +139,19 @@ bool QWinWidget::focusNextPrevChild(bool next) {
     QWidget* end = chain.isEmpty() ? nullptr : next ? chain.last() : chain.first();
     if (!m_hostWindow || (end != nullptr && focusWidget() != end))
         return QWidget::focusNextPrevChild(next);
-    if (end != nullptr)
-        end->clearFocus(); // so that the chain begins anew when the keyboard comes back
+    m_beginsAnew = true;
     FocusParent();
     return true;
+}
+
+bool QWinWidget::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate && m_beginsAnew) {
+        m_beginsAnew = false;
+        const QWidgetList chain = FocusChain();
+        if (!chain.isEmpty())
+            chain.first()->setFocus(Qt::TabFocusReason);
+    }
+    return QWidget::event(event);
 }
 
 void QWinWidget::keyPressEvent(QKeyEvent* event) {

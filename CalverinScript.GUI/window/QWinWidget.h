@@ -45,6 +45,7 @@ Q_SIGNALS:
     void SignalParentGone();
 
 protected:
+    bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -64,4 +65,5 @@ private:
     std::unique_ptr<QWindow> m_foreign; ///< stands for a window of another toolkit
     std::unique_ptr<NativeWindowWatch> m_watch;
     std::unique_ptr<QSocketNotifier> m_news;
+    bool m_beginsAnew = false; ///< whether Tab has left the last widget, so that the first is the next
 };
