@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "Deadline.h"
+#include "NativeWindow.h"
 #include "QMfcApp.h"
 #include "QWinHost.h"
 #include "QWinWidget.h"
@@ -31,7 +32,8 @@ bool Comes(const Condition& condition) {
 class InAHostsWindow : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(Comes([&] { return host.FocusedWindow() == host.Id(); }));
+        ASSERT_TRUE(Comes([&] { return host.FocusedWindow() == host.Id() && FindTopWindow(host.Id()) == host.Id(); }))
+            << "the window manager has it";
         widget = std::make_unique<QWinWidget>(host.Id());
         auto* row = new QHBoxLayout(widget.get());
         row->addWidget(first);
@@ -42,7 +44,8 @@ protected:
     }
     void GiveKeyboard() {
         host.Focus(widget->winId());
-        ASSERT_TRUE(Comes([&] { return first->hasFocus() || second->hasFocus(); }));
+        ASSERT_TRUE(Comes(
+            [&] { return host.FocusedWindow() == widget->winId() && (first->hasFocus() || second->hasFocus()); }));
     }
     bool HostHasKeyboard() const {
         return Comes([&] { return host.FocusedWindow() == host.Id() && !widget->isActiveWindow(); });
