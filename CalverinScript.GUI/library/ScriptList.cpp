@@ -12,12 +12,13 @@
 ScriptList::ScriptList(QListWidget& list)
     : m_list(list) {}
 
-void ScriptList::Load(const QString& folder, const QString& fileToSelect, QScriptEngine* engine) {
+void ScriptList::Load(const QString& folder, const QString& fileToSelect, QScriptEngine* engine,
+                      std::chrono::milliseconds limit) {
     const QStringList names = folder.isEmpty()
                                   ? QStringList()
                                   : QDir(folder).entryList({QStringLiteral("*.js")}, QDir::NoFilter, QDir::NoSort);
     for (const QString& name : names)
-        if (auto description = MScriptDescription::FromFile(PathBelow(folder, name), engine))
+        if (auto description = MScriptDescription::FromFile(PathBelow(folder, name), engine, limit))
             Put(std::move(description));
     // A list that gets the focus takes its first item by itself, unless it was told what is current.
     m_list.setCurrentIndex(QModelIndex());

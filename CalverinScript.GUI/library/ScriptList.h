@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -19,7 +20,9 @@ public:
     explicit ScriptList(QListWidget& list);
 
     /// Fills the list with the scripts of a folder and chooses the one that has the same file name as fileToSelect, none without it.
-    void Load(const QString& folder, const QString& fileToSelect, QScriptEngine* engine);
+    /// @param limit how long one of them may take to say what it is.
+    void Load(const QString& folder, const QString& fileToSelect, QScriptEngine* engine,
+              std::chrono::milliseconds limit);
     /// Adds a script, or puts it in the place of the one of its file name. @return its item.
     QListWidgetItem* Put(std::unique_ptr<MScriptDescription> description);
     /// The description of an item; null for a null item.

@@ -8,6 +8,7 @@
 #include "HostText.h"
 #include "IHostServices.h"
 #include "IModuleServices.h"
+#include "LimitedRun.h"
 #include "MCalverinScript_Device.h"
 #include "ScriptFiles.h"
 
@@ -32,6 +33,10 @@ QString ProjectFolderOf(const MCalverinScript_Device* device) {
 
 QString HelpFolderOf(const MCalverinScript_Device* device) {
     return FolderOf(device, KXP_FOLDER_4);
+}
+
+std::chrono::milliseconds AnalysisLimitOf(const MCalverinScript_Device* device) {
+    return device != nullptr ? device->AnalysisLimit() : kAnalysisLimit;
 }
 
 QString CopyFailureText() {

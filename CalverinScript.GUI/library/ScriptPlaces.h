@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+
 #include <QString>
 
 class MCalverinScript_Device;
@@ -17,6 +19,9 @@ QString ProjectFolderOf(const MCalverinScript_Device* device);
 
 /// Where the help file lies; empty when the host tells no folder, or there is no device.
 QString HelpFolderOf(const MCalverinScript_Device* device);
+
+/// How long a script may take to say what it is.
+std::chrono::milliseconds AnalysisLimitOf(const MCalverinScript_Device* device);
 
 /// What the user is told when a script of the library does not reach the project.
 QString CopyFailureText();

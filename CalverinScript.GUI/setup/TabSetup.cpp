@@ -7,6 +7,8 @@ TabSetup::TabSetup(QWidget* parent)
     : QWidget(parent)
     , m_ui(std::make_unique<Ui::TabSetup>()) {
     m_ui->setupUi(this);
+    m_ui->scrollAreaSetup->viewport()->setAutoFillBackground(false); // the form stands on the tab's own ground
+    m_ui->widgetSetup->setAutoFillBackground(false);
 }
 
 TabSetup::~TabSetup() = default;

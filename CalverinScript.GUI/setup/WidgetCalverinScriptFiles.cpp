@@ -100,7 +100,7 @@ bool WidgetCalverinScriptGUI::SaveTo(const QString& libraryPath, const QString& 
 }
 
 void WidgetCalverinScriptGUI::TakeSaved() {
-    const auto description = MScriptDescription::FromFile(m_scriptFileName, &m_engine);
+    const auto description = MScriptDescription::FromFile(m_scriptFileName, &m_engine, AnalysisLimitOf(m_device));
     ShowFileName(description.get());
     if (description == nullptr)
         m_scriptFileName.clear();

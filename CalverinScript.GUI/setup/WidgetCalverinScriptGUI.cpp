@@ -88,7 +88,7 @@ void WidgetCalverinScriptGUI::LoadOptions() {
 
 void WidgetCalverinScriptGUI::LoadScript() {
     m_scriptFileName = m_device->GetStoredSetup().GetScriptFileName();
-    ShowFileName(MScriptDescription::FromFile(m_scriptFileName, &m_engine).get());
+    ShowFileName(MScriptDescription::FromFile(m_scriptFileName, &m_engine, AnalysisLimitOf(m_device)).get());
     if (!ReadScriptFile(m_scriptFileName))
         ShowFileName(nullptr);
     m_ui->tab_Script->SetText(m_device->GetStoredSetup().GetScriptText());
@@ -107,7 +107,8 @@ void WidgetCalverinScriptGUI::ShowFileName(MScriptDescription* description) {
 }
 
 void WidgetCalverinScriptGUI::UpdateDescription() {
-    if (const auto description = MScriptDescription::FromText(m_ui->tab_Script->GetText(), &m_engine))
+    if (const auto description =
+            MScriptDescription::FromText(m_ui->tab_Script->GetText(), &m_engine, AnalysisLimitOf(m_device)))
         m_ui->tab_Setup->ShowDescription(*description);
 }
 

@@ -84,6 +84,10 @@ const ScriptSet& MCalverinScript_Device::GetLiveSet() const {
     return world->GetSet();
 }
 
+std::chrono::milliseconds MCalverinScript_Device::AnalysisLimit() const {
+    return analysis->Limit();
+}
+
 ScriptSet& MCalverinScript_Device::GetStopSet() {
     return analysis->GetSet();
 }

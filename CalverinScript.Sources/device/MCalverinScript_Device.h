@@ -2,6 +2,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -227,6 +228,8 @@ public:
     const ScriptSet& GetLiveSet() const;
     /// What the last analysis saw, for the dialog whose analyses these are.   [host main]
     ScriptSet& GetStopSet();
+    /// How long an analysis may take.   [host main]
+    std::chrono::milliseconds AnalysisLimit() const;
     /// The module that made the device; null in a device without one.
     IModuleServices* GetModule() const { return module; }
     /// Null unless the configuration file enables it.

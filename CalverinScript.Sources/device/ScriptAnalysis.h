@@ -45,8 +45,10 @@ public:
     ScriptSet& GetSet() { return m_set; }
     const ScriptSet& GetSet() const { return m_set; }
 
-private:
+    /// How long a run may take.
     std::chrono::milliseconds Limit() const;
+
+private:
 
     IModuleServices* const m_module;
     const HostServices& m_services;

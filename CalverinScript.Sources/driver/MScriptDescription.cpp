@@ -8,7 +8,8 @@
 #include "ScriptInfo.h"
 #include "ScriptMembers.h"
 
-std::unique_ptr<MScriptDescription> MScriptDescription::FromFile(const QString& path, QScriptEngine* engine) {
+std::unique_ptr<MScriptDescription> MScriptDescription::FromFile(const QString& path, QScriptEngine* engine,
+                                                                 std::chrono::milliseconds limit) {
     const QFileInfo info(path);
     if (!info.exists() || engine == nullptr)
         return nullptr;
@@ -17,15 +18,16 @@ std::unique_ptr<MScriptDescription> MScriptDescription::FromFile(const QString& 
     record->title = info.baseName();
     QFile file(path);
     if (file.open(QIODevice::ReadOnly))
-        Parse(FromScriptBytes(file.readAll()), *engine, *record);
+        Parse(FromScriptBytes(file.readAll()), *engine, *record, limit);
     return record;
 }
 
-std::unique_ptr<MScriptDescription> MScriptDescription::FromText(const QString& text, QScriptEngine* engine) {
+std::unique_ptr<MScriptDescription> MScriptDescription::FromText(const QString& text, QScriptEngine* engine,
+                                                                 std::chrono::milliseconds limit) {
     if (engine == nullptr)
         return nullptr;
     auto record = std::make_unique<MScriptDescription>();
-    Parse(text, *engine, *record);
+    Parse(text, *engine, *record, limit);
     return record;
 }
 

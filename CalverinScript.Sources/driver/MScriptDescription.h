@@ -21,9 +21,11 @@ struct MScriptDescription {
     QString displayText; ///< filled by GetDisplayText
 
     /// Reads and evaluates a script file. @return null unless the file exists and there is an engine.
-    static std::unique_ptr<MScriptDescription> FromFile(const QString& path, QScriptEngine* engine);
+    static std::unique_ptr<MScriptDescription> FromFile(const QString& path, QScriptEngine* engine,
+                                                        std::chrono::milliseconds limit = kAnalysisLimit);
     /// Evaluates a script. @return null without an engine.
-    static std::unique_ptr<MScriptDescription> FromText(const QString& text, QScriptEngine* engine);
+    static std::unique_ptr<MScriptDescription> FromText(const QString& text, QScriptEngine* engine,
+                                                        std::chrono::milliseconds limit = kAnalysisLimit);
     /// Evaluates a script; a record stays as it was when that fails or takes longer than the limit.
     static void Parse(const QString& text, QScriptEngine& engine, MScriptDescription& record,
                       std::chrono::milliseconds limit = kAnalysisLimit);

@@ -1,5 +1,6 @@
 #include "SetupFixture.h"
 
+#include <cstdio>
 #include <fstream>
 #include <iterator>
 
@@ -17,6 +18,10 @@
 
 LibraryModule::LibraryModule()
     : m_definition(FindModuleResource(ModuleResource::RawData, kDefinitionId).toStdString()) {}
+
+void LibraryModule::GetConfigFilePath(char* buffer) {
+    std::snprintf(buffer, kConfigPathSize, "%s", config.c_str());
+}
 
 KXPCode WindowHost::QueryInterface(const char* name, void** out) {
     if (!colors.empty() && AnswerFace(name, out, {{"IThemeManager", static_cast<IThemeManager*>(this)}}) == KXP_OK)

@@ -24,7 +24,7 @@ public:
     virtual ~LibraryModule() = default;
     IMInterface* GetHost() override { return host; }
     const char* GetDefinitionTemplate() override { return m_definition.c_str(); }
-    void GetConfigFilePath(char* buffer) override { buffer[0] = '\0'; }
+    void GetConfigFilePath(char* buffer) override;
     const char* GetScriptsFolder() override { return library.empty() ? nullptr : library.c_str(); }
     bool IsDebuggerAllowed() const override { return false; }
     bool IsHostAtLeast642() const override { return true; }
@@ -33,6 +33,7 @@ public:
 
     IMInterface* host = nullptr;
     std::string library;
+    std::string config; ///< the path of the configuration file
 
 private:
     const std::string m_definition;

@@ -1,12 +1,28 @@
 #include <QApplication>
 #include <QListWidget>
-#include <QStyleFactory>
+#include <QPlainTextEdit>
+#include <QStyle>
 #include <QTableWidget>
 #include <QTabWidget>
 
 #include "SetupFixture.h"
 
 namespace {
+
+/// One way to colour the dialogs.
+struct Look {
+    const char* name;
+    bool hasDarkPalette;
+    std::map<std::uint32_t, std::uint32_t> theme; ///< the host's, 0x00BBGGRR; empty for none
+};
+
+const Look kLooks[] = {
+    {"light", false, {}},
+    {"dark", true, {}},
+    {"theme", false, {{0, 0x00303030}, {1, 0x00F0F0F0}, {6, 0x00804010}, {7, 0x00FFFFFF}, {8, 0x00484848}}},
+    {"theme_dark", true, {{0, 0x00303030}, {1, 0x00F0F0F0}, {6, 0x00804010}, {7, 0x00FFFFFF}, {8, 0x00484848}}},
+    {"theme_light", false, {{0, 0x00F4F4F4}, {1, 0x00202020}, {6, 0x00804010}, {7, 0x00FFFFFF}, {8, 0x00FFFFFF}}},
+};
 
 /// Draws every dialog and tab into the folder CALVERIN_PICTURES, for people to look at. QT_SCALE_FACTOR scales them.
 class Pictures : public SetupFixture {
@@ -26,8 +42,36 @@ protected:
         dark.setColor(QPalette::Disabled, QPalette::Text, QColor(0x90, 0x90, 0x90));
         QApplication::setPalette(dark);
     }
-    void GivenTheme() {
-        host.colors = {{0, 0x00303030}, {1, 0x00F0F0F0}, {6, 0x00A06020}, {7, 0x00FFFFFF}, {8, 0x00484848}};
+    void Wear(const Look& look) {
+        m_prefix = QLatin1String(look.name) + QLatin1Char('_');
+        QApplication::setPalette(QApplication::style()->standardPalette());
+        if (look.hasDarkPalette)
+            GivenDarkPalette();
+        host.colors = look.theme;
+    }
+    void DrawTabs() {
+        GivenScript(FortySettings());
+        Show([&](QWidget& dialog) {
+            for (int tab = 0; tab < 4; ++tab) {
+                Find<QTabWidget>(dialog, "tabWidget").setCurrentIndex(tab);
+                Draw(dialog, qPrintable(QStringLiteral("tab%1").arg(tab)));
+            }
+            dialog.close();
+        });
+    }
+    /// Draws the dialog that a step in the setup dialog opens.
+    void DrawOpenedBy(const char* name, const std::function<void(QWidget&)>& step) {
+        GivenScriptFile("kurz.js", FortySettings());
+        Show([&](QWidget& dialog) {
+            dialogs.Expect([&](QWidget& opened) {
+                if (auto* list = opened.findChild<QListWidget*>())
+                    list->setCurrentRow(0);
+                Draw(opened, name);
+                opened.close();
+            });
+            step(dialog);
+            dialog.close();
+        });
     }
     void Draw(QWidget& dialog, const char* name) const {
         QApplication::processEvents();
@@ -80,60 +124,26 @@ protected:
 TEST_F(Pictures, OfEveryDialogAndTab) {
     WriteLibrary("hinterbuehne.js", FortySettings());
     WriteLibrary("kurz.js", "({})");
-    for (const char* look : {"light", "dark", "theme", "theme_dark"}) {
-        m_prefix = QLatin1String(look) + QLatin1Char('_');
-        const bool isDark = QString::fromLatin1(look).endsWith(QLatin1String("dark"));
-        QApplication::setPalette(QApplication::style()->standardPalette());
-        if (isDark)
-            GivenDarkPalette();
-        host.colors.clear();
-        if (m_prefix.startsWith(QLatin1String("theme")))
-            GivenTheme();
-        GivenScript(FortySettings());
-        Show([&](QWidget& dialog) {
-            auto& tabs = Find<QTabWidget>(dialog, "tabWidget");
-            for (int tab = 0; tab < 4; ++tab) {
-                tabs.setCurrentIndex(tab);
-                Draw(dialog, qPrintable(QStringLiteral("tab%1").arg(tab)));
-            }
-            tabs.setCurrentIndex(2);
+    for (const Look& look : kLooks) {
+        Wear(look);
+        DrawTabs();
+        DrawOpenedBy("edit", [](QWidget& dialog) {
+            Find<QTabWidget>(dialog, "tabWidget").setCurrentIndex(2);
             Find<QTableWidget>(dialog, "tableWidgetVar").setCurrentCell(0, 0);
-            dialogs.Expect([&](QWidget& edit) {
-                Draw(edit, "edit");
-                edit.close();
-            });
             Click(dialog, "pushButtonEditVar");
-            tabs.setCurrentIndex(1);
-            dialogs.Expect([&](QWidget& finder) {
-                Draw(finder, "find");
-                finder.close();
-            });
-            QTest::keyClick(&dialog, Qt::Key_F, Qt::ControlModifier);
-            dialogs.Expect([&](QWidget& load) {
-                Find<QListWidget>(load, "listWidgetScripts").setCurrentRow(0);
-                Draw(load, "load");
-                load.close();
-            });
-            Click(dialog, "pushButtonLoad");
-            dialogs.Expect([&](QWidget& save) {
-                Type(save, "lineEditFileName", "kurz.js");
-                Draw(save, "save");
-                dialogs.Expect([&](QWidget& question) {
-                    Draw(question, "message");
-                    question.close();
-                });
-                Click(save, "pushButtonOk");
-            });
-            Click(dialog, "pushButtonSaveAs");
-            Click(dialog, "pushButtonCancel");
         });
-        GivenScriptFile("kurz.js", "({})");
-        Show([&](QWidget& dialog) {
+        DrawOpenedBy("find", [](QWidget& dialog) {
+            Find<QTabWidget>(dialog, "tabWidget").setCurrentIndex(1);
+            QTest::keyClick(&dialog, Qt::Key_F, Qt::ControlModifier);
+        });
+        DrawOpenedBy("load", [](QWidget& dialog) { Click(dialog, "pushButtonLoad"); });
+        DrawOpenedBy("save", [](QWidget& dialog) { Click(dialog, "pushButtonSaveAs"); });
+        DrawOpenedBy("message", [](QWidget& dialog) {
+            Find<QPlainTextEdit>(dialog, "plainTextEditScript").setPlainText(QStringLiteral("({"));
+            Click(dialog, "pushButtonOk");
+        });
+        DrawOpenedBy("options", [this](QWidget& dialog) {
             Write(Project() + "/kurz.js", "({ other: 1 })");
-            dialogs.Expect([&](QWidget& options) {
-                Draw(options, "options");
-                options.close();
-            });
             Click(dialog, "pushButtonOk");
         });
     }

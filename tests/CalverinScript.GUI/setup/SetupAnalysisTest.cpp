@@ -1,0 +1,121 @@
+#include <algorithm>
+#include <cstdio>
+
+#include <QDialog>
+#include <QElapsedTimer>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QVBoxLayout>
+
+#include "Deadline.h"
+#include "SetupDialogFixture.h"
+
+namespace {
+
+constexpr const char* kEndless = "while (true) {}";
+
+/// What the dialog does with scripts that take long.
+class AnAnalysis : public TheSetupDialog {
+protected:
+    void SetUp() override {
+        TheSetupDialog::SetUp();
+        module.config = m_folder.path().toStdString() + "/test.cfg";
+        Write(module.config, "[ANALYSIS]\nlimit=1\n");
+    }
+};
+
+TEST_F(AnAnalysis, ThatDoesNotEndIsEndedAndTheDialogGoesOn) {
+    GivenScript(kDriver);
+    Show([&](QWidget& dialog) {
+        TypeScript(dialog, kEndless);
+        Click(dialog, "pushButtonEvaluate");
+        EXPECT_NE(TextOf(dialog, "lineEditDebugInfo").find("The analysis was ended after 1 s"), std::string::npos)
+            << TextOf(dialog, "lineEditDebugInfo");
+        ClickTab(dialog, 2);
+        EXPECT_EQ(Table(dialog).rowCount(), 3) << "the table stays";
+        TypeScript(dialog, "({ Device: { A: 1 } })");
+        ClickTab(dialog, 2);
+        EXPECT_EQ(Table(dialog).rowCount(), 1);
+        EXPECT_EQ(TextOf(dialog, "lineEditDebugInfo"), "Evaluation Ok");
+        Click(dialog, "pushButtonCancel");
+    });
+}
+
+TEST_F(AnAnalysis, OfAnEndlessScriptThatIsStoredLetsTheDialogOpen) {
+    GivenScript(kEndless);
+    EXPECT_EQ(Show([&](QWidget& dialog) {
+                  EXPECT_EQ(TextOf(dialog, "lineEditTitle"), "");
+                  Click(dialog, "pushButtonCancel");
+              }),
+              13u);
+}
+
+TEST_F(AnAnalysis, OfAnEndlessScriptInTheLibraryLetsTheListsOpen) {
+    GivenScript(kDriver);
+    WriteLibrary("endless.js", kEndless);
+    WriteLibrary("lamp.js", kDriver);
+    Show([&](QWidget& dialog) {
+        for (const char* button : {"pushButtonLoad", "pushButtonSaveAs"}) {
+            dialogs.Expect([](QWidget& choice) {
+                QStringList names;
+                for (QListWidgetItem* item :
+                     Find<QListWidget>(choice, "listWidgetScripts").findItems(QString(), Qt::MatchContains))
+                    names.append(item->text());
+                names.sort();
+                EXPECT_EQ(names,
+                          QStringList({QStringLiteral("Lamp (lamp.js)"), QStringLiteral("endless (endless.js)")}));
+                choice.close();
+            });
+            Click(dialog, button);
+        }
+        Click(dialog, "pushButtonCancel");
+    });
+}
+
+/// How long a window takes until it is drawn.
+template <typename Work>
+qint64 Measure(const Work& work) {
+    constexpr int kRounds = 5;
+    qint64 best = std::numeric_limits<qint64>::max();
+    for (int round = 0; round < kRounds; ++round) {
+        QElapsedTimer watch;
+        watch.start();
+        work(watch);
+        best = std::min(best, watch.nsecsElapsed());
+    }
+    return best;
+}
+
+TEST_F(AnAnalysis, OfTwoThousandLinesDoesNotKeepTheUserWaiting) {
+    std::string text = "({\n";
+    for (int line = 0; line < 1998; ++line)
+        text +=
+            "Function" + std::to_string(line) + ": function(a, b) { return a + \"text\" + b * 2; }, // what it does\n";
+    text += "})";
+    GivenScript(text);
+    const qint64 plain = Measure([&](QElapsedTimer&) {
+        QDialog dialog;
+        auto* editor = new QPlainTextEdit;
+        (new QVBoxLayout(&dialog))->addWidget(editor);
+        dialog.resize(900, 700);
+        editor->setPlainText(QString::fromStdString(text));
+        dialog.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&dialog, kDeadlineMs));
+        dialog.grab();
+    });
+    device->GetStoredSetup().Memory().currentTab = 1;
+    qint64 ours = std::numeric_limits<qint64>::max();
+    Measure([&](QElapsedTimer& watch) {
+        Show([&](QWidget& dialog) {
+            dialog.grab();
+            ours = std::min(ours, watch.nsecsElapsed());
+            Click(dialog, "pushButtonCancel");
+        });
+    });
+    const double ratio = static_cast<double>(ours) / static_cast<double>(plain);
+    std::printf("        2000 lines: %.1f ms, an empty dialog with a plain editor %.1f ms: %.2f times\n", ours / 1e6,
+                plain / 1e6, ratio);
+    EXPECT_LT(ratio, 10) << "1.5 is wanted; a machine with other work to do is given more";
+}
+
+} // namespace
