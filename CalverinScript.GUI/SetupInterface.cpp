@@ -38,7 +38,7 @@ KXPCode RunDialog(MCalverinScript_Device& device, const char* scriptName) {
     QWinWidget parent(MainWindowOf(host));
     WidgetCalverinScriptGUI dialog(&parent);
     QObject::connect(&parent, &QWinWidget::SignalParentGone, &dialog, &QDialog::reject);
-    dialog.setStyleSheet(BuildThemeStyleSheet(host));
+    WearTheme(dialog, host);
     parent.Adopt(dialog);
     device.BeginSetup();
     dialog.LoadFromDevice(&device);

@@ -65,6 +65,8 @@ void DialogSelectScript::SlotSelectedScriptChanged(QListWidgetItem* lpCurrentIte
     m_ui->lineEditTitle->setText(description->title);
     m_ui->lineEditVersion->setText(description->version);
     m_ui->lineEditAuthor->setText(description->author);
+    for (QLineEdit* field : {m_ui->lineEditFileName, m_ui->lineEditTitle, m_ui->lineEditVersion, m_ui->lineEditAuthor})
+        field->setCursorPosition(0); // a text that is too long shows how it begins
     m_ui->plainTextEditDescription->setPlainText(description->description);
 }
 

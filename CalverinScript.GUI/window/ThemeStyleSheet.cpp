@@ -1,7 +1,9 @@
 #include "ThemeStyleSheet.h"
 
-#include <array>
 #include <iterator>
+
+#include <QPalette>
+#include <QWidget>
 
 #include "IHostServices.h"
 
@@ -9,6 +11,11 @@ namespace {
 
 /// The host's numbers of background, text, field, selected and selected text: %1 to %5 in the rules.
 constexpr std::uint32_t kColorIds[] = {0, 1, 8, 6, 7};
+
+enum Tone { GroundTone, TextTone, FieldTone, SelectedTone, SelectedTextTone };
+
+/// What is typed on a tab stands on the colour of texts, so it has that of the ground.
+constexpr const char* kReadableFields = "QTabWidget QLineEdit{color: rgb(%1);}";
 
 constexpr const char* kRules[] = {
     "QGroupBox{font: bold; background: none;\tborder: 1px solid grey;\tmargin-top: 8px; border-radius: 5px;}",
@@ -43,21 +50,56 @@ QString Numbers(std::uint32_t color) {
     return QStringLiteral("%1,%2,%3").arg(color & 0xFF).arg(color >> 8 & 0xFF).arg(color >> 16 & 0xFF);
 }
 
+/// A rule with the host's colours in the places of %1 to %5.
+QString InColors(const char* rule, IThemeManager& theme) {
+    QString text = QLatin1String(rule);
+    for (std::size_t tone = 0; tone < std::size(kColorIds); ++tone)
+        text.replace(QStringLiteral("%") + QString::number(tone + 1), Numbers(theme.GetColor(kColorIds[tone])));
+    return text;
+}
+
+QColor ColorOf(IThemeManager& theme, Tone tone) {
+    const std::uint32_t color = theme.GetColor(kColorIds[tone]);
+    return QColor(color & 0xFF, color >> 8 & 0xFF, color >> 16 & 0xFF);
+}
+
+/// What cannot be used is half way between text and ground.
+QColor Between(const QColor& left, const QColor& right) {
+    return QColor((left.red() + right.red()) / 2, (left.green() + right.green()) / 2, (left.blue() + right.blue()) / 2);
+}
+
+QPalette PaletteOf(IThemeManager& theme) {
+    const QColor ground = ColorOf(theme, GroundTone);
+    const QColor text = ColorOf(theme, TextTone);
+    QPalette palette(ground, ground);
+    for (const QPalette::ColorRole role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        palette.setColor(role, text);
+        palette.setColor(QPalette::Disabled, role, Between(text, ground));
+    }
+    palette.setColor(QPalette::Base, ColorOf(theme, FieldTone));
+    palette.setColor(QPalette::AlternateBase, ColorOf(theme, FieldTone));
+    palette.setColor(QPalette::ToolTipBase, ground);
+    palette.setColor(QPalette::Highlight, ColorOf(theme, SelectedTone));
+    palette.setColor(QPalette::HighlightedText, ColorOf(theme, SelectedTextTone));
+    return palette;
+}
+
 } // namespace
 
 QString BuildThemeStyleSheet(IMInterface* host) {
     auto* theme = QueryFace<IThemeManager>(host, "IThemeManager");
-    if (theme == nullptr)
-        return QString();
-    std::array<QString, std::size(kColorIds)> tones;
-    for (std::size_t tone = 0; tone < tones.size(); ++tone)
-        tones[tone] = Numbers(theme->GetColor(kColorIds[tone]));
     QString sheet;
-    for (const char* rule : kRules) {
-        QString text = QLatin1String(rule);
-        for (std::size_t tone = 0; tone < tones.size(); ++tone)
-            text.replace(QStringLiteral("%") + QString::number(tone + 1), tones[tone]);
-        sheet += text;
-    }
+    if (theme != nullptr)
+        for (const char* rule : kRules)
+            sheet += InColors(rule, *theme);
     return sheet;
+}
+
+void WearTheme(QWidget& dialog, IMInterface* host) {
+    auto* theme = QueryFace<IThemeManager>(host, "IThemeManager");
+    if (theme == nullptr)
+        return;
+    dialog.setPalette(PaletteOf(*theme));
+    dialog.setStyleSheet(BuildThemeStyleSheet(host) + InColors(kReadableFields, *theme));
 }
