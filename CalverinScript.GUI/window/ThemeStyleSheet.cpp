@@ -1,7 +1,10 @@
 #include "ThemeStyleSheet.h"
 
 #include <iterator>
+#include <utility>
 
+#include <QApplication>
+#include <QEvent>
 #include <QPalette>
 #include <QWidget>
 
@@ -85,6 +88,42 @@ QPalette PaletteOf(IThemeManager& theme) {
     return palette;
 }
 
+/// A widget under a style sheet takes no palette from its parent, so each gets its own before it is shown, those of dialogs that the
+/// dialog opens too. The editor keeps its paper.
+class PalettePainter : public QObject {
+public:
+    PalettePainter(QWidget& dialog, QPalette palette)
+        : QObject(&dialog)
+        , m_dialog(dialog)
+        , m_palette(std::move(palette)) {
+        qApp->installEventFilter(this);
+        for (QWidget* part : dialog.findChildren<QWidget*>())
+            Paint(*part);
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        auto* widget = event->type() == QEvent::Polish ? qobject_cast<QWidget*>(watched) : nullptr;
+        if (widget != nullptr)
+            Paint(*widget);
+        return false;
+    }
+
+private:
+    void Paint(QWidget& widget) const {
+        if (IsBelow(widget))
+            widget.setPalette(m_palette);
+    }
+    bool IsBelow(const QWidget& widget) const {
+        const QWidget* above = &widget;
+        while (above != nullptr && above != &m_dialog && !above->inherits("CodeEditor"))
+            above = above->parentWidget();
+        return above == &m_dialog;
+    }
+
+    const QWidget& m_dialog;
+    const QPalette m_palette;
+};
+
 } // namespace
 
 QString BuildThemeStyleSheet(IMInterface* host) {
@@ -100,6 +139,6 @@ void WearTheme(QWidget& dialog, IMInterface* host) {
     auto* theme = QueryFace<IThemeManager>(host, "IThemeManager");
     if (theme == nullptr)
         return;
-    dialog.setPalette(PaletteOf(*theme));
+    new PalettePainter(dialog, PaletteOf(*theme));
     dialog.setStyleSheet(BuildThemeStyleSheet(host) + InColors(kReadableFields, *theme));
 }
