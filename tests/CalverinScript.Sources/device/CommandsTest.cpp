@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "DeviceTexts.h"
 #include "MScriptMngRemote.h"
 
 namespace {
@@ -140,7 +141,7 @@ TEST_F(Commands, AnUnknownOrHiddenFunctionGives3AndNoErrorText) {
 TEST_F(Commands, TheFailureTextsOfTheCallItselfAreThese) {
     GivenScript("({ Value: 5, Wrong: new Error('inner') })");
     EXPECT_FALSE(device->ExecuteScriptFunction(nullptr, nullptr, nullptr));
-    EXPECT_EQ(Error(), "Script function name missing.");
+    EXPECT_EQ(Error(), DeviceText::kNoFunctionName);
     EXPECT_FALSE(device->ExecuteScriptFunction("Nowhere", nullptr, nullptr));
     EXPECT_EQ(Error(), "Nowhere function is not defined");
     EXPECT_FALSE(device->ExecuteScriptFunction("Value", nullptr, nullptr));
@@ -178,7 +179,7 @@ TEST_F(Commands, AnUnknownUserCommandIsReported) {
     for (std::int32_t id : {4, 9999, -1}) {
         variables.error.SetValueFromString("", 0, 0);
         EXPECT_EQ(Send(id, params), KXP_BAD_COMMAND) << id;
-        EXPECT_EQ(Error(), "Command not found") << id;
+        EXPECT_EQ(Error(), DeviceText::kUnknownCommand) << id;
     }
 }
 
@@ -211,7 +212,7 @@ TEST_F(Commands, OfMoreThanAThousandQueuedOnesTheOldestIsDroppedAndItsRequestEnd
     // A command that is held by the watchdog keeps all others waiting.
     plain::Params missing({"/no/such/file.js"});
     ASSERT_EQ(Send(0, missing), KXP_OK);
-    ASSERT_TRUE(variables.error.WaitFor("This file cannot be loaded."));
+    ASSERT_TRUE(variables.error.WaitFor(DeviceText::kUnreadableFile));
     std::vector<std::unique_ptr<plain::Params>> params;
     std::vector<std::unique_ptr<plain::Context>> contexts;
     for (int i = 0; i < 13; ++i) {
@@ -240,8 +241,8 @@ TEST_F(Commands, AHeldOneIsRepeatedOnceAndThenGivenUpAndThatIsMeant) {
     EXPECT_GE(took, std::chrono::milliseconds(10000));
     EXPECT_EQ(params->At(1).Text(), "next");
     const std::vector<std::string> errors = variables.error.History();
-    EXPECT_EQ(std::count(errors.begin(), errors.end(), "This file cannot be loaded."), 2);
-    EXPECT_EQ(std::count(errors.begin(), errors.end(), "Command Timeout."), 1);
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), DeviceText::kUnreadableFile), 2);
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), DeviceText::kCommandTimeOut), 1);
     EXPECT_TRUE(NothingIsPending());
 }
 

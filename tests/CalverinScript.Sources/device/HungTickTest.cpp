@@ -3,6 +3,7 @@
 #include "CommandNumbers.h"
 #include "Deadline.h"
 #include "DeviceFixture.h"
+#include "DeviceTexts.h"
 
 namespace {
 
@@ -69,7 +70,7 @@ TEST_F(HungTick, AScriptThatHangsOnItHarmsNobodyElse) {
     plain::Context expired;
     ASSERT_EQ(before.device->ExecuteCommand(3, params.get(), &expired), KXP_OK);
     EXPECT_TRUE(expired.WaitForEnd()) << "the watchdog of every other device goes on";
-    EXPECT_EQ(before.variables.error.Text(), "Command Timeout.");
+    EXPECT_EQ(before.variables.error.Text(), DeviceText::kCommandTimeOut);
 
     device->Release();
     device = nullptr;

@@ -1,5 +1,6 @@
 #include "DeviceFixture.h"
 
+#include "DeviceTexts.h"
 #include "ScriptScan.h"
 
 namespace {
@@ -34,7 +35,7 @@ TEST_F(Loading, ShowsStatusLoadingAndThenReady) {
 TEST_F(Loading, OfAnUnreadableFileReportsItAndKeepsTheNameAndTheFunctions) {
     GivenScript("({ Old: function() { return 'still here' } })");
     device->LoadScriptCommand("/no/such/file.js", false);
-    EXPECT_EQ(Error(), "This file cannot be loaded.");
+    EXPECT_EQ(Error(), DeviceText::kUnreadableFile);
     EXPECT_EQ(device->GetLiveSet().scriptFileName, QStringLiteral("/no/such/file.js"));
     EXPECT_EQ(device->GetLiveSet().scriptText, QString());
     EXPECT_EQ(Call("Old"), "still here");
@@ -43,7 +44,7 @@ TEST_F(Loading, OfAnUnreadableFileReportsItAndKeepsTheNameAndTheFunctions) {
 TEST_F(Loading, OfANullNameIsAnUnreadableFile) {
     GivenScript("");
     EXPECT_FALSE(device->LoadScriptCommand(nullptr, false));
-    EXPECT_EQ(Error(), "This file cannot be loaded.");
+    EXPECT_EQ(Error(), DeviceText::kUnreadableFile);
 }
 
 TEST_F(Loading, OfAScriptThatThrowsReportsLineAndText) {
@@ -124,7 +125,7 @@ TEST_F(Loading, InStopModeTouchesNeitherTheRunningScriptNorTheVariables) {
                      [&](const QString& text) { errors << text; });
     QScriptEngine engine;
     EXPECT_TRUE(device->EvaluateScript(QStringLiteral("({ Analysed: function() {} })"), &engine));
-    EXPECT_EQ(errors, QStringList{QStringLiteral("Evaluation Ok")});
+    EXPECT_EQ(errors, QStringList{QLatin1String(DeviceText::kAnalysed)});
     EXPECT_EQ(Error(), "");
     EXPECT_EQ(device->GetStopSet().engine, nullptr);
     EXPECT_EQ(Call("Live"), "1");

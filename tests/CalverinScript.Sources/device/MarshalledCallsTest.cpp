@@ -10,6 +10,7 @@
 
 #include "Deadline.h"
 #include "DeviceFixture.h"
+#include "DeviceTexts.h"
 #include "HostText.h"
 
 namespace {
@@ -71,7 +72,7 @@ TEST_F(MarshalledCalls, TwoLoadsAtOnceReadTheirOwnFilesAndGiveTheirOwnResults) {
             ASSERT_EQ(results[i].get(), i % 2 == 0) << "round " << round << ", load " << i;
     }
     const std::vector<std::string> errors = variables.error.History();
-    EXPECT_EQ(std::count(errors.begin(), errors.end(), "This file cannot be loaded."), 0);
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), DeviceText::kUnreadableFile), 0);
 }
 
 TEST_F(MarshalledCalls, ACommandThatLoadsAFileWhileStartLoadsOneReadsItsOwn) {
@@ -89,7 +90,7 @@ TEST_F(MarshalledCalls, ACommandThatLoadsAFileWhileStartLoadsOneReadsItsOwn) {
         device->Stop();
     }
     const std::vector<std::string> errors = variables.error.History();
-    EXPECT_EQ(std::count(errors.begin(), errors.end(), "This file cannot be loaded."), 0);
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), DeviceText::kUnreadableFile), 0);
 }
 
 TEST_F(MarshalledCalls, CallsOfFunctionsAtOnceGiveTheirOwnResults) {

@@ -4,6 +4,7 @@
 
 #include <QElapsedTimer>
 
+#include "DeviceTexts.h"
 #include "ModuleShared.h"
 
 namespace {
@@ -121,7 +122,7 @@ TEST_F(StartStop, AQueuedCommandsRequestIsEndedByStop) {
     GivenScript("({ F: function() {} })");
     plain::Params missing({"/no/such/file.js"});
     ASSERT_EQ(Send(0, missing), KXP_OK);
-    ASSERT_TRUE(variables.error.WaitFor("This file cannot be loaded."));
+    ASSERT_TRUE(variables.error.WaitFor(DeviceText::kUnreadableFile));
     auto params = plain::Params::ForFunction("F", {});
     plain::Context context;
     ASSERT_EQ(Send(3, *params, &context), KXP_OK);

@@ -1,3 +1,4 @@
+#include "DeviceTexts.h"
 #include "DriverFixture.h"
 
 #include "DriverTables.h"
@@ -79,7 +80,7 @@ TEST_F(UserCommands, GiveNoResultWithoutTheNewerLink) {
 TEST_F(UserCommands, ThatAreUnknownAreReportedAndThoseWhoseFunctionIsGoneGive3) {
     DriverDevice& driver = GivenDriver("({ f: function() { return 'x' } })");
     EXPECT_EQ(Send(driver, 77, {}), "(code 1)");
-    EXPECT_EQ(driver.variables.error.Text(), "Command not found");
+    EXPECT_EQ(driver.variables.error.Text(), DeviceText::kUnknownCommand);
     driver.device->EvaluateScriptCommand(QStringLiteral("({ g: function() {} })"), false);
     EXPECT_EQ(Send(driver, IdOf(driver, "f"), {}), "(code 3)");
 }
