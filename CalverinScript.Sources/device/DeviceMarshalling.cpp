@@ -132,6 +132,10 @@ void MCalverinScript_Device::PostPropertyChange(const char* object, const char* 
     const QString name = FromHostText(object);
     const QString propertyName = FromHostText(property);
     const QString text = FromHostText(value);
+    const auto length = static_cast<std::uint64_t>(name.size() + propertyName.size() + text.size());
+    const ScriptBacklog::Ticket ticket = handlers->NoteChange(length * sizeof(QChar));
+    if (!ticket)
+        return;
     Q_EMIT SignalOnPropertyChange(name, propertyName, text, objectFollows);
-    PostTask([=] { SlotOnPropertyChange(name, propertyName, text, objectFollows); });
+    PostTask([=, waiting = ticket] { SlotOnPropertyChange(name, propertyName, text, objectFollows); });
 }

@@ -13,7 +13,12 @@
 ScriptHandlers::ScriptHandlers(QObject& timerOwner, ScriptWorld& world, ScriptEntrance& entrance)
     : m_world(world)
     , m_entrance(entrance)
-    , m_timers(timerOwner) {}
+    , m_timers(timerOwner)
+    , m_droppedChanges(&world.Remote(), [] { return QStringLiteral("changes below groups"); })
+    , m_changes([this](bool full) {
+        if (!full)
+            m_droppedChanges.TellRest();
+    }) {}
 
 int ScriptHandlers::StartTimer(ScriptTimers::Kind kind, const QScriptValue& function, int delayMs) {
     const int id = m_timers.Start(kind, function, delayMs);
@@ -91,6 +96,13 @@ void ScriptHandlers::OnEvent(const QString& name, const MScriptParamList& params
             m_world.Call(listener, m_world.ArgumentsOf(params));
     }
     m_world.CheckUncaught();
+}
+
+ScriptBacklog::Ticket ScriptHandlers::NoteChange(std::uint64_t bytes) {
+    if (m_changes.GetRoom().Take(bytes))
+        return m_changes.Add({1, bytes});
+    m_droppedChanges.Note(1);
+    return nullptr;
 }
 
 void ScriptHandlers::OnChange(const QString& object, const QString& value) {

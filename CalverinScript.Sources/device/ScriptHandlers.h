@@ -2,6 +2,8 @@
 
 #include <QScriptValue>
 
+#include "DropLog.h"
+#include "ScriptBacklog.h"
 #include "ScriptCallbacks.h"
 #include "ScriptTimers.h"
 
@@ -46,6 +48,10 @@ public:
 
     void SetOnChange(const QScriptValue& function) { m_callbacks.SetOnChange(function); }
     void OnChange(const QString& object, const QString& value);
+    /// A change is about to wait for OnChange. @param bytes what it takes. @return what is kept as long as it waits;
+    /// null when too many wait already, since the script does not keep up: then it is dropped, and the log tells how
+    /// many were.   [any host thread]
+    ScriptBacklog::Ticket NoteChange(std::uint64_t bytes);
 
     /// Forgets all timers, requests and the function for changes.   [script; also where the script thread has ended]
     void ClearAll();
@@ -57,4 +63,6 @@ private:
     ScriptEntrance& m_entrance;
     ScriptTimers m_timers;
     ScriptCallbacks m_callbacks;
+    DropLog m_droppedChanges;
+    ScriptBacklog m_changes;
 };

@@ -1,14 +1,33 @@
 #include "MScriptResource.h"
 
+#include <QByteArray>
 #include <QString>
+#include <QVariant>
 
 #include "FaceAnswer.h"
 #include "IScriptObjectOwner.h"
 #include "MScriptParamList.h"
 
+namespace {
+
+std::uint64_t BytesOf(const MScriptParamList& values) {
+    std::uint64_t bytes = 0;
+    for (int i = 0; i < values.Count(); ++i)
+        if (values.At(i).userType() == QMetaType::QByteArray)
+            bytes += static_cast<std::uint64_t>(values.At(i).toByteArray().size());
+    return bytes;
+}
+
+} // namespace
+
 MScriptResource::MScriptResource(ScriptObjectType type, IResource* resource, IScriptObjectOwner* owner)
     : m_owner(owner)
-    , m_link(std::make_shared<ResourceLink>(resource, owner, this)) {
+    , m_link(std::make_shared<ResourceLink>(resource, owner, this))
+    , m_drops(owner, [] { return QStringLiteral("events of a resource"); })
+    , m_backlog([this](bool full) {
+        if (!full)
+            m_drops.TellRest();
+    }) {
     m_type = type;
 }
 
@@ -29,9 +48,16 @@ const char* MScriptResource::OwnerName() {
     return m_ownerNames.back().c_str();
 }
 
-void MScriptResource::Raise(const char* event, const MScriptParamList& values) {
-    if (m_owner != nullptr)
-        m_owner->PostScriptEvent(QString::fromLatin1(event), &values, this);
+void MScriptResource::Raise(const char* event, MScriptParamList values) {
+    if (m_owner == nullptr)
+        return;
+    const std::uint64_t bytes = BytesOf(values);
+    if (!m_backlog.GetRoom().Take(bytes)) {
+        m_drops.Note(1);
+        return;
+    }
+    values.Carry(m_backlog.Add({1, bytes}));
+    m_owner->PostScriptEvent(QString::fromLatin1(event), &values, this);
 }
 
 KXPCode MScriptResource::AnswerHandler(const char* name, void** out, IResourceHandler* self, const char* ownName,

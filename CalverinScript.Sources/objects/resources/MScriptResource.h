@@ -5,20 +5,22 @@
 #include <mutex>
 #include <string>
 
+#include "DropLog.h"
 #include "IResource.h"
 #include "MScriptCommonEvent.h"
 #include "MScriptParamList.h"
 #include "ResourceLink.h"
+#include "ScriptBacklog.h"
 
 class IIOResource;
 class IScriptObjectOwner;
 
 /// What the script objects of the host's resources have in common. Such an object lives from the reading of one setup
-/// of the device to the next, over the runs of the script. It is made and let go on the host's main thread and deleted
-/// on the script's.
+/// of the device to the next, over the runs of the script. It is made and let go on the host's main thread and
+/// deleted on the script's.
 ///
-/// From LetGo on every method does nothing and gives its neutral result, for a script may keep the object as long as it
-/// likes.
+/// From LetGo on every method does nothing and gives its neutral result, for a script may keep the object as
+/// long as it likes.
 class MScriptResource : public MScriptCommonEvent {
 public:
     /// @param type kind of the object. @param resource the host's, may be null. @param owner may be null.   [host main]
@@ -63,7 +65,9 @@ protected:
     /// The device's name, valid as long as this object.   [any]
     const char* OwnerName();
     IScriptObjectOwner* Owner() const { return m_owner; }
-    void Raise(const char* event, const MScriptParamList& values);
+    /// Queues an event of the resource. While too many wait, since the script does not keep up, it is dropped, and
+    /// the log tells how many were.   [any]
+    void Raise(const char* event, MScriptParamList values);
     /// The answer of a handler to QueryInterface.
     KXPCode AnswerHandler(const char* name, void** out, IResourceHandler* self, const char* ownName, void* own) const;
 
@@ -73,6 +77,8 @@ private:
 
     IScriptObjectOwner* const m_owner;
     const std::shared_ptr<ResourceLink> m_link;
+    DropLog m_drops;
+    ScriptBacklog m_backlog;
     std::mutex m_nameLock;
     std::list<std::string> m_ownerNames; ///< under m_nameLock: what the host was given, the last one at the end
     bool m_letGo = false;                ///< host main, then script when it is deleted

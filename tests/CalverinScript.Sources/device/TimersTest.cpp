@@ -158,6 +158,20 @@ TEST_F(Timers, AChangeReachesTheCallbackWithObjectAndValue) {
     EXPECT_EQ(Call("Get"), "a=1;b=2;");
 }
 
+TEST_F(Timers, ChangesThatAHungScriptDoesNotTakeAreBounded) {
+    GivenScript("({ n: 0, last: '', OnChange: function(o, value) { ++this.n; this.last = value },"
+                "   Get: function() { return this.n + ':' + this.last } })");
+    OnScriptThread([&] { device->SlotSetPropertyChangeCallback(Function("OnChange")); });
+    constexpr int kMostChanges = 65536;
+    OnScriptThread([&] { // the script thread takes nothing meanwhile
+        for (int i = 1; i <= kMostChanges + 100; ++i)
+            device->PostPropertyChange("a", "p", std::to_string(i).c_str(), false);
+    });
+    EXPECT_EQ(Call("Get"), "65536:65536");
+    device->PostPropertyChange("a", "p", "again", false);
+    EXPECT_EQ(Call("Get"), "65537:again") << "and what comes when it has caught up is heard again";
+}
+
 TEST_F(Timers, AnAsynchronousResultReachesItsFunctionOnce) {
     GivenScript("({ got: [], Done: function() { this.got.push(arguments.length + ':' + arguments[0]) },"
                 "   Get: function() { return this.got.join(';') } })");

@@ -96,6 +96,27 @@ protected:
     Signal goOn;
 };
 
+TEST_F(ResourceThreads, WhatAHungScriptDoesNotTakeIsBoundedByNumberAndByBytes) {
+    GivenPorts();
+    Run("var heard = 0, bytes = 0; port.On('data', function (data) { heard += 1; bytes += data.length })");
+    constexpr int kMostEvents = 65536;
+    OnScriptThread([&] { // which takes nothing meanwhile
+        for (int i = 0; i < kMostEvents + 100; ++i)
+            serial.Receive("x");
+    });
+    EXPECT_EQ(Run("heard"), std::to_string(kMostEvents));
+
+    Run("heard = 0; bytes = 0");
+    const std::string block(1U << 20U, 'x');
+    OnScriptThread([&] {
+        for (int i = 0; i < 20; ++i)
+            serial.Receive(block);
+    });
+    EXPECT_EQ(Run("bytes"), std::to_string(16U << 20U));
+    serial.Receive("y");
+    EXPECT_EQ(Run("heard"), "17") << "and what comes when it has caught up is heard again";
+}
+
 TEST_F(ResourceThreads, AHostMayCallBackFromInsideEveryCall) {
     GivenPorts();
     serial.calls.onCall = [this](const std::string&) {
