@@ -1,8 +1,7 @@
-#include "MCalverinScript_Device.h"
+#include "DeviceLinks.h"
 
 #include <QScriptEngine>
 
-#include "DeviceLinks.h"
 #include "DeviceTexts.h"
 #include "HostText.h"
 #include "Log.h"

@@ -1,5 +1,6 @@
 #include "MCalverinScript_Device.h"
 
+#include <cstring>
 #include <memory>
 #include <tuple>
 #include <type_traits>
@@ -132,7 +133,7 @@ void MCalverinScript_Device::PostPropertyChange(const char* object, const char* 
     const QString name = FromHostText(object);
     const QString propertyName = FromHostText(property);
     const QString text = FromHostText(value);
-    const auto length = static_cast<std::uint64_t>(name.size() + propertyName.size() + text.size());
+    const std::size_t length = std::strlen(object) + std::strlen(property) + std::strlen(value);
     const ScriptBacklog::Ticket ticket = handlers->NoteChange(length * sizeof(QChar));
     if (!ticket)
         return;

@@ -118,6 +118,17 @@ void MCalverinScript_Device::TakeScript(const QString& fileName, const QString& 
     ShowScript(fileName, text);
 }
 
+KXPCode MCalverinScript_Device::UpdateCommand(const char* commandXml, char** out) {
+    ExpectThread(ThreadWord::HostMain, "IKXPDevice::UpdateCommand");
+    if (door.IsClosed() || out == nullptr)
+        return KXP_NOT_IMPLEMENTED;
+    char* const updated = commands.Update(commandXml, CopyName());
+    if (updated == nullptr)
+        return KXP_NOT_IMPLEMENTED;
+    *out = updated;
+    return KXP_OK;
+}
+
 bool MCalverinScript_Device::IsFirstDevice() const {
     MLockedList<MCalverinScript_Device*>* devices = module != nullptr ? module->GetDeviceList() : nullptr;
     MCalverinScript_Device* first = nullptr;

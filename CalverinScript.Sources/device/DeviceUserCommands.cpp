@@ -9,7 +9,6 @@
 #include "HostData.h"
 #include "HostText.h"
 #include "ScriptProgram.h"
-#include "ThreadPromise.h"
 #include "ValueConversion.h"
 
 namespace {
@@ -44,16 +43,5 @@ KXPCode MCalverinScript_Device::PostUserCommand(std::int32_t id, IObjectParams* 
     }
     IData* result = services.newerLink != nullptr ? EffectiveData(params->GetParam(0)) : nullptr;
     road->Post(ScriptRequest::Function(name.constData(), result, texts.data()), context);
-    return KXP_OK;
-}
-
-KXPCode MCalverinScript_Device::UpdateCommand(const char* commandXml, char** out) {
-    ExpectThread(ThreadWord::HostMain, "IKXPDevice::UpdateCommand");
-    if (door.IsClosed() || out == nullptr)
-        return KXP_NOT_IMPLEMENTED;
-    char* const updated = commands.Update(commandXml, CopyName());
-    if (updated == nullptr)
-        return KXP_NOT_IMPLEMENTED;
-    *out = updated;
     return KXP_OK;
 }
