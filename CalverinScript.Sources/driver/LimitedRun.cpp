@@ -11,6 +11,7 @@
 #include <QThread>
 
 #include "StoppableLoop.h"
+#include "TimeLimit.h"
 
 namespace {
 
@@ -80,12 +81,12 @@ LimitedRun::Outcome LimitedRun::Run(const std::function<void()>& work) {
 }
 
 void LimitedRun::Wait(State& state) const {
-    const auto end = std::chrono::steady_clock::now() + m_limit;
+    const TimeLimit limit{m_limit};
     std::unique_lock<std::mutex> guard(state.lock);
     const auto called = [&state] { return state.over || state.request != nullptr; };
     while (!state.over) {
         const bool isCalled = state.late ? state.changed.wait_for(guard, kAbortEvery, called)
-                                         : state.changed.wait_until(guard, end, called);
+                                         : state.changed.wait_until(guard, limit.End(), called);
         if (state.request != nullptr)
             Serve(state, guard);
         else if (!isCalled)

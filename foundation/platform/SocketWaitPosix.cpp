@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "SystemThread.h"
+#include "TimeLimit.h"
 
 namespace {
 
@@ -22,13 +23,12 @@ int Milliseconds(std::uint32_t timeoutMs) {
 
 // Interrupted by a signal it waits again, for the rest of the time.
 int Poll(pollfd* entries, nfds_t count, std::uint32_t timeoutMs) {
-    using namespace std::chrono;
-    const auto end = steady_clock::now() + milliseconds(timeoutMs);
+    const TimeLimit limit{std::chrono::milliseconds(timeoutMs)};
     int left = Milliseconds(timeoutMs);
     int result = poll(entries, count, left);
     while (result < 0 && errno == EINTR) {
         if (left > 0)
-            left = std::max(0, static_cast<int>(ceil<milliseconds>(end - steady_clock::now()).count()));
+            left = static_cast<int>(limit.Left().count());
         result = poll(entries, count, left);
     }
     return result;

@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "TimeLimit.h"
 #include "WaitAddress.h"
 
 // Writes even when the event is set already: whoever resets it afterwards then sees what was done before this Set.
@@ -33,8 +34,7 @@ bool MEvent::Wait(std::uint32_t timeoutMs) {
 
 // The generation lets a waiter through that finds the Set which woke it already undone by a Reset.
 bool MEvent::SleepWhile(std::uint32_t before, std::uint32_t timeoutMs) {
-    using namespace std::chrono;
-    const auto end = steady_clock::now() + milliseconds(timeoutMs);
+    const TimeLimit limit{std::chrono::milliseconds(timeoutMs)};
     std::uint32_t state = before;
     std::uint32_t leftMs = timeoutMs;
     while (!Releases(state, before)) {
@@ -46,10 +46,9 @@ bool MEvent::SleepWhile(std::uint32_t before, std::uint32_t timeoutMs) {
         state = m_state.load(std::memory_order_acquire);
         if (timeoutMs == kInfinite)
             continue;
-        const auto now = steady_clock::now();
-        if (now >= end)
+        leftMs = static_cast<std::uint32_t>(limit.Left().count());
+        if (leftMs == 0)
             break;
-        leftMs = static_cast<std::uint32_t>(ceil<milliseconds>(end - now).count());
     }
     return Releases(state, before);
 }

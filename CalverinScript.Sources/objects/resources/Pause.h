@@ -4,14 +4,16 @@
 #include <condition_variable>
 #include <mutex>
 
+#include "TimeLimit.h"
+
 /// A wait for a time that another thread can end.
 class Pause {
 public:
     /// @return false when it was ended.   [script]
     bool Wait(std::chrono::milliseconds time) {
-        const auto until = std::chrono::steady_clock::now() + time;
+        const TimeLimit limit{time};
         std::unique_lock<std::mutex> guard(m_lock);
-        return !m_changed.wait_until(guard, until, [this] { return m_ended; });
+        return !m_changed.wait_until(guard, limit.End(), [this] { return m_ended; });
     }
     /// Ends the wait, and each one that begins before Begin.   [any]
     void End() {
