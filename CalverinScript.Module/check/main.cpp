@@ -6,14 +6,13 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 
+#include "CheckerCodes.h"
 #include "HostText.h"
 #include "LimitedRun.h"
 #include "ProcessDeadline.h"
 #include "ScriptReport.h"
 
 namespace {
-
-enum ExitCode : int { kOk = 0, kScriptFailed = 1, kBadUse = 2, kNoAnswer = 3 };
 
 struct Request {
     bool json = false;
@@ -34,19 +33,19 @@ int Written(bool written, int exitCode) {
     if (written)
         return exitCode;
     Write(stderr, QStringLiteral("the output cannot be written\n"));
-    return exitCode == kOk ? static_cast<int>(kBadUse) : exitCode;
+    return exitCode == KXP_CHECKER_OK ? static_cast<int>(KXP_CHECKER_BAD_USE) : exitCode;
 }
 
 /// The whole answer on standard output when it is for a program or tells of the script, on standard error otherwise.
 int Answer(const Request& request, int exitCode, const ScriptReport& report) {
     if (request.json)
         return Written(Write(stdout, QString::fromUtf8(QJsonDocument(ToJson(report)).toJson())), exitCode);
-    if (exitCode == kOk)
+    if (exitCode == KXP_CHECKER_OK)
         return Written(Write(stdout, request.file + QStringLiteral(": ok\n") + ToText(report)), exitCode);
     QString place = request.file;
     if (report.problem->line > 0)
         place += QLatin1Char(':') + QString::number(report.problem->line);
-    return Written(Write(exitCode == kScriptFailed ? stdout : stderr,
+    return Written(Write(exitCode == KXP_CHECKER_SCRIPT_FAILED ? stdout : stderr,
                          place + QStringLiteral(": ") + report.problem->text + QLatin1Char('\n')),
                    exitCode);
 }
@@ -86,20 +85,20 @@ int Check(const Request& request) {
     QFile file(request.file);
     const QFileInfo info(request.file);
     if (info.exists() && !info.isFile())
-        return Fail(request, kBadUse, QStringLiteral("is no regular file"));
+        return Fail(request, KXP_CHECKER_BAD_USE, QStringLiteral("is no regular file"));
     if (!file.open(QIODevice::ReadOnly))
-        return Fail(request, kBadUse, QStringLiteral("cannot be read"));
+        return Fail(request, KXP_CHECKER_BAD_USE, QStringLiteral("cannot be read"));
     const QByteArray bytes = file.read(kMostBytes + 1);
     if (bytes.size() > kMostBytes)
-        return Fail(request, kBadUse, QStringLiteral("is larger than %1 MB").arg(kMostBytes >> 20));
+        return Fail(request, KXP_CHECKER_BAD_USE, QStringLiteral("is larger than %1 MB").arg(kMostBytes >> 20));
     const QString text = FromScriptBytes(bytes);
-    ProcessDeadline deadline(std::chrono::milliseconds(request.timeoutMs), kNoAnswer, [&request] {
-        Fail(request, kNoAnswer, QStringLiteral("no answer within %1 ms").arg(request.timeoutMs));
+    ProcessDeadline deadline(std::chrono::milliseconds(request.timeoutMs), KXP_CHECKER_NO_ANSWER, [&request] {
+        Fail(request, KXP_CHECKER_NO_ANSWER, QStringLiteral("no answer within %1 ms").arg(request.timeoutMs));
     });
     const ScriptReport report = AnalyseScript(text, request.file);
     if (!deadline.Meet())
-        return kNoAnswer;
-    return Answer(request, report.problem ? kScriptFailed : kOk, report);
+        return KXP_CHECKER_NO_ANSWER;
+    return Answer(request, report.problem ? KXP_CHECKER_SCRIPT_FAILED : KXP_CHECKER_OK, report);
 }
 
 } // namespace
@@ -111,9 +110,9 @@ int main(int argc, char** argv) {
     const QString problem = ReadWords(parser, request);
     if (parser.isSet(QStringLiteral("help"))) {
         Write(stdout, parser.helpText());
-        return kOk;
+        return KXP_CHECKER_OK;
     }
     if (!problem.isEmpty())
-        return Fail(request, kBadUse, problem);
+        return Fail(request, KXP_CHECKER_BAD_USE, problem);
     return Check(request);
 }

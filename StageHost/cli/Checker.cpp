@@ -4,6 +4,7 @@
 #include <QDeadlineTimer>
 #include <QDir>
 
+#include "CheckerCodes.h"
 #include "ExitCodes.h"
 #include "Interrupt.h"
 
@@ -17,7 +18,7 @@ constexpr int kGraceMs = 3000;
 constexpr int kLookForInterruptMs = 50; // a signal wakes nobody
 
 QString CheckerPath() {
-    return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("calverincheck"));
+    return QDir(QCoreApplication::applicationDirPath()).filePath(QLatin1String(KXP_CHECKER_NAME));
 }
 
 /// @return whether the process has ended by itself. It is over in any case.

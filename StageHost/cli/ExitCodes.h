@@ -1,9 +1,18 @@
 #pragma once
 
+#include "CheckerCodes.h"
+
 namespace stagehost {
 
-/// Exit codes of the program; people's scripts rely on them.
-enum ExitCode : int { kExitOk = 0, kExitScriptFailed = 1, kExitBadUse = 2, kExitNoAnswer = 3, kExitNoModule = 4 };
+/// Exit codes of the program; people's scripts rely on them. Those of the checker are among them, since they are passed
+/// on.
+enum ExitCode : int {
+    kExitOk = KXP_CHECKER_OK,
+    kExitScriptFailed = KXP_CHECKER_SCRIPT_FAILED,
+    kExitBadUse = KXP_CHECKER_BAD_USE,
+    kExitNoAnswer = KXP_CHECKER_NO_ANSWER,
+    kExitNoModule = 4
+};
 
 struct ExitCodeRow {
     ExitCode code;
