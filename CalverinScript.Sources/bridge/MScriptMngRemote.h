@@ -169,6 +169,8 @@ public:
     void SetPostponeAllowed(bool allowed);
     /// Whether the user command in execution has postponed its result.   [script, command]
     bool HasPostponed() const { return m_currentPostponed != nullptr; }
+    /// Says in the log, in one line, that the host gets less of a result than the script has given.   [script]
+    void TellLostCharacters(const QString& result);
     /// Ends every postponed user command without an answer.   [any host thread, script]
     void ResetPostponed();
 

@@ -1,5 +1,6 @@
 #include "MScriptMngRemote.h"
 
+#include "HostText.h"
 #include "IScriptDevice.h"
 #include "MyPostponedObject.h"
 
@@ -25,8 +26,17 @@ void MScriptMngRemote::SetResult(int id, const QString& text) {
     auto* postponed = static_cast<MyPostponedObject*>(m_postponedMap.Remove(static_cast<std::uint32_t>(id)));
     if (postponed == nullptr)
         return;
+    TellLostCharacters(text);
     m_device->WriteCommandResult(postponed->GetCommand(), text);
     postponed->Release();
+}
+
+void MScriptMngRemote::TellLostCharacters(const QString& result) {
+    if (!FitsHostText(result))
+        TraceMessage(
+            QStringLiteral(
+                "The host gets \"?\" for each character of a result beyond Latin-1, and nothing from a NUL on."),
+            QStringLiteral("ALARM"));
 }
 
 void MScriptMngRemote::ResetPostponed() {

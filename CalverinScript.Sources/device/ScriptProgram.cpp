@@ -206,8 +206,11 @@ void ScriptProgram::DeliverResult(const QScriptValue& value, IData* result) {
         return;
     if (value.isError())
         m_parts.owner.ReportError(ScriptFailure(MessageOf(value)), false);
-    else if (!world.Remote().HasPostponed() && !value.isUndefined())
-        result->SetValueFromString(ToHostText(value.toString()).constData(), 0, 0);
+    else if (!world.Remote().HasPostponed() && !value.isUndefined()) {
+        const QString text = value.toString();
+        world.Remote().TellLostCharacters(text);
+        result->SetValueFromString(ToHostText(text).constData(), 0, 0);
+    }
 }
 
 void ScriptProgram::BeginStart() {

@@ -1,10 +1,17 @@
 #include "HostText.h"
 
+#include <algorithm>
+
 #include <QFile>
 #include <QTextCodec>
 
 QByteArray ToHostText(const QString& text) {
     return text.toLatin1();
+}
+
+bool FitsHostText(const QString& text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](QChar character) { return character.row() == 0 && !character.isNull(); });
 }
 
 QString FromHostText(const char* text) {

@@ -11,6 +11,9 @@
 /// Text for the host: Latin-1. Characters beyond it become "?".
 QByteArray ToHostText(const QString& text);
 
+/// Whether the host gets all of a text: nothing is beyond Latin-1, and no NUL ends it.
+bool FitsHostText(const QString& text);
+
 /// Text from the host: Latin-1. Null gives the empty text.
 QString FromHostText(const char* text);
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "Log.h"
 #include "LoggedDevice.h"
 #include "MScriptMngRemote.h"
@@ -60,6 +62,26 @@ TEST_F(LogLines, TellOfADelayThatStartsNothing) {
         EXPECT_EQ(device->SlotSetInterval(QScriptValue(7), -5), -1);
     });
     EXPECT_EQ(LogOf(1), (LoggedLines{{4, "kxpCalverinScript [Desk] A timer with a delay of -5 ms starts nothing."}}));
+}
+
+TEST_F(LogLines, TellOfAResultThatTheHostGetsOnlyInPart) {
+    GivenScript("({ Euro: function () { return '5 \\u20ac'; }, Nul: function () { return 'a\\u0000b'; },"
+                "   Later: function () { QCalverin.SetResult(QCalverin.PostponeResult(), '\\u20ac'); },"
+                "   Whole: function () { return '\\u00e9'; } })");
+    const LogLine told{
+        4, "kxpCalverinScript [Desk] The host gets \"?\" for each character of a result beyond Latin-1, and "
+           "nothing from a NUL on."};
+    const std::pair<const char*, const char*> results[] = {{"Euro", "5 ?"}, {"Nul", "a"}, {"Later", "?"}};
+    for (const auto& [function, result] : results) {
+        GivenAnEmptyLog();
+        EXPECT_EQ(Call(function, {}), result);
+        const LoggedLines lines = LogOf(4);
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), told), 1) << function;
+    }
+    GivenAnEmptyLog();
+    EXPECT_EQ(Call("Whole", {}), "\xE9");
+    const LoggedLines lines = LogOf(3);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), told), 0);
 }
 
 TEST_F(LogLines, OfACallbackNameNothing) {

@@ -28,6 +28,13 @@ TEST(ToHostText, OfANullTextIsEmpty) {
     EXPECT_EQ(ToHostText(QString()).size(), 0);
 }
 
+TEST(ToHostText, GivesAllOfATextThatFits) {
+    EXPECT_TRUE(FitsHostText(QString()));
+    EXPECT_TRUE(FitsHostText(QString::fromLatin1("a\x01\xFF")));
+    EXPECT_FALSE(FitsHostText(QStringLiteral("a") + QChar(0x100)));
+    EXPECT_FALSE(FitsHostText(QString::fromLatin1("a\0b", 3)));
+}
+
 TEST(ToFilePath, NamesTheFileThatTheHostMeans) {
     const QTemporaryDir folder;
     QFile file(folder.filePath(QString(QChar(0xE9))));
