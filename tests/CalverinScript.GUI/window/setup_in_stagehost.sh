@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Changes a setting of a device in its dialog, on the window of stagehost, and looks for it in the show file:
+#   setup_in_stagehost.sh STAGEHOST
+set -euo pipefail
+stagehost=$1
+title="KXP Calverin Script Setup"
+work=$(mktemp -d)
+pid=
+trap 'kill "$pid" 2>/dev/null || true; rm -rf "$work"' EXIT
+fail() {
+    echo "FAILED: $*" >&2
+    cat "$work/log" "$work/show.json" >&2
+    exit 1
+}
+# Waits until a command succeeds.
+eventually() {
+    for _ in $(seq 1200); do
+        ! "$@" >/dev/null 2>&1 || return 0
+        sleep 0.05
+    done
+    fail "not within a minute: $*"
+}
+has_keyboard() { [ "$(xdotool getwindowfocus getwindowname)" = "$1" ]; }
+# Opens the dialog; the rest are keys that end it.
+run() {
+    "$stagehost" setup --window "$work/show.json" desk >"$work/log" 2>&1 &
+    pid=$!
+    eventually has_keyboard "$title"
+    xdotool mousemove --window "$(xdotool getwindowfocus)" 400 315 click 1 key ctrl+a
+    xdotool type --delay 1 "$1"
+    xdotool key "${@:2}"
+}
+# @param what the program says of the setup.
+ends_with() {
+    wait "$pid" || fail "the exit code is $?"
+    grep -q "^desk: setup $1" "$work/log" || fail "not: $1"
+}
+
+echo '({ Setup: { address: "10.0.0.1" }, Info: { Title: "Desk" } })' >"$work/desk.js"
+echo '{ "devices": [{ "name": "desk", "driver": "desk.js" }] }' >"$work/show.json"
+cp "$work/show.json" "$work/before.json"
+
+run 10.0.0.8 Escape
+ends_with "left as it was"
+cmp -s "$work/show.json" "$work/before.json" || fail "a cancelled dialog changes the show"
+
+run 10.0.0.9 alt+o
+ends_with "changed"
+grep -q '10\.0\.0\.9' "$work/show.json" || fail "what was set is not in the show"
+
+run 10.0.0.10 alt+n
+ends_with "left as it was"
+grep -q '10\.0\.0\.9' "$work/show.json" || fail "what had been set is gone"
