@@ -7,7 +7,7 @@
 ///
 /// What it has found is on standard output, what went wrong otherwise on standard error.
 
-inline constexpr const char* KXP_CHECKER_NAME = "calverincheck";
+constexpr const char* KXP_CHECKER_NAME = "calverincheck";
 
 /// Its exit codes.
 enum KXPCheckerCode : int {
