@@ -49,7 +49,6 @@ public:
     std::chrono::milliseconds Limit() const;
 
 private:
-
     IModuleServices* const m_module;
     const HostServices& m_services;
     HostValues& m_values;
