@@ -173,7 +173,7 @@ QString DmxListener::FindPlace(Input& input) {
         place.address = address;
         place.port = plan.Port();
         place.socket = std::make_unique<ListenSocket>(take);
-        const QString problem = place.socket->Bind(address, place.port);
+        QString problem = place.socket->Bind(address, place.port);
         if (!problem.isEmpty())
             return problem;
         const QHostAddress broadcast = plan.protocol == DmxProtocol::ArtNet ? BroadcastOf(address) : QHostAddress();
@@ -187,7 +187,7 @@ QString DmxListener::FindPlace(Input& input) {
         found = m_places.insert(m_places.end(), std::move(made));
     }
     if (plan.multicast) {
-        const QString problem = (*found)->socket->Join(plan.Group(), plan.Interface());
+        QString problem = (*found)->socket->Join(plan.Group(), plan.Interface());
         if (!problem.isEmpty())
             return problem;
     }

@@ -126,7 +126,8 @@ void DmxSender::Serve() {
             m_changed.wait_until(hold, *due);
         else if (!due)
             m_changed.wait(hold);
-        for (std::size_t index = 0; index < m_outputs.size(); ++index)
+        // By index, since outputs may be added while SendDue has the lock open.
+        for (std::size_t index = 0; index < m_outputs.size(); ++index) // NOLINT(modernize-loop-convert)
             SendDue(hold, *m_outputs[index]);
     }
     for (const auto& output : m_outputs)
@@ -182,7 +183,7 @@ std::string DmxSender::Send(Output& output, const Departure& departure) const {
     if (output.socket->writeDatagram(reinterpret_cast<const char*>(packet.data()), size, plan.Target(), plan.Port()) ==
         size)
         return {};
-    const std::string error = output.socket->errorString().toStdString();
+    std::string error = output.socket->errorString().toStdString();
     output.socket.reset(); // the next one may find another way
     return error;
 }

@@ -26,15 +26,15 @@ public:
     KXPCode SetParity(std::uint32_t value) override { return Set(SerialSetting::Parity, value); }
     KXPCode SetDataSize(std::uint32_t value) override { return Set(SerialSetting::DataSize, value); }
     KXPCode SetStopBits(std::uint32_t value) override { return Set(SerialSetting::StopBits, value); }
-    KXPCode SetBreak(bool value) override { return Set(SerialSetting::Break, value); }
-    KXPCode SetDTR(bool value) override { return Set(SerialSetting::Dtr, value); }
-    KXPCode SetRTS(bool value) override { return Set(SerialSetting::Rts, value); }
-    KXPCode SetDTRControl(bool value) override { return Set(SerialSetting::DtrControl, value); }
-    KXPCode SetRTSControl(bool value) override { return Set(SerialSetting::RtsControl, value); }
-    KXPCode SetDTRHandshake(bool value) override { return Set(SerialSetting::DtrHandshake, value); }
-    KXPCode SetDSROutFlow(bool value) override { return Set(SerialSetting::DsrOutFlow, value); }
-    KXPCode SetRTSHandshake(bool value) override { return Set(SerialSetting::RtsHandshake, value); }
-    KXPCode SetCTSOutFlow(bool value) override { return Set(SerialSetting::CtsOutFlow, value); }
+    KXPCode SetBreak(bool value) override { return Turn(SerialSetting::Break, value); }
+    KXPCode SetDTR(bool value) override { return Turn(SerialSetting::Dtr, value); }
+    KXPCode SetRTS(bool value) override { return Turn(SerialSetting::Rts, value); }
+    KXPCode SetDTRControl(bool value) override { return Turn(SerialSetting::DtrControl, value); }
+    KXPCode SetRTSControl(bool value) override { return Turn(SerialSetting::RtsControl, value); }
+    KXPCode SetDTRHandshake(bool value) override { return Turn(SerialSetting::DtrHandshake, value); }
+    KXPCode SetDSROutFlow(bool value) override { return Turn(SerialSetting::DsrOutFlow, value); }
+    KXPCode SetRTSHandshake(bool value) override { return Turn(SerialSetting::RtsHandshake, value); }
+    KXPCode SetCTSOutFlow(bool value) override { return Turn(SerialSetting::CtsOutFlow, value); }
     KXPCode Reserved19() override { return KXP_NOT_IMPLEMENTED; }
     KXPCode Reserved20() override { return KXP_NOT_IMPLEMENTED; }
     KXPCode Reserved21() override { return KXP_NOT_IMPLEMENTED; }
@@ -46,6 +46,7 @@ public:
 
 private:
     KXPCode Set(SerialSetting setting, std::uint32_t value);
+    KXPCode Turn(SerialSetting setting, bool on) { return Set(setting, on ? 1 : 0); }
     void StateChanged() override;
     void DataCame(const std::uint8_t* data, std::size_t size) override;
     void Happened(SerialEvent event, bool state) override;
