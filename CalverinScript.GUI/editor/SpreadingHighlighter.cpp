@@ -6,6 +6,13 @@
 
 #include <algorithm>
 
+namespace {
+
+/// The state of a line that was put off. No line that was done has it, so a pass that comes to it goes on behind it.
+constexpr int kPutOff = 15;
+
+} // namespace
+
 // The base class is made without a document: its own answer to a change has to lie between the two of ours.
 SpreadingHighlighter::SpreadingHighlighter(QTextDocument* document)
     : QSyntaxHighlighter(static_cast<QObject*>(document)) {
@@ -23,6 +30,19 @@ SpreadingHighlighter::SpreadingHighlighter(QTextDocument* document)
 SpreadingHighlighter::~SpreadingHighlighter() {
     if (document() != nullptr)
         document()->disconnect(this);
+}
+
+bool SpreadingHighlighter::IsPutOff() {
+    if (!m_isLoading || !m_inPass)
+        return false;
+    if (m_costLeft > 0) {
+        m_costLeft -= currentBlock().length() + kLineCost;
+        return false;
+    }
+    if (previousBlockState() != kPutOff)
+        m_waiting.emplace_back(currentBlock());
+    setCurrentBlockState(kPutOff);
+    return true;
 }
 
 void SpreadingHighlighter::FinishBlock(int state) {

@@ -26,10 +26,20 @@ public:
     explicit SpreadingHighlighter(QTextDocument* document);
     ~SpreadingHighlighter() override;
 
+    /// Calls a function that loads a text into the document: its first lines are done at once, as far as one pass goes, and
+    /// the others in later passes.
+    template <typename Load>
+    void SpreadLoading(Load load) {
+        m_isLoading = true;
+        load();
+        m_isLoading = false;
+    }
     /// Whether lines wait for a later pass.
     bool IsSpreading() const { return !m_waiting.empty(); }
 
 protected:
+    /// For highlightBlock of the subclass, which leaves a line alone that waits for a later pass.
+    bool IsPutOff();
     /// For highlightBlock of the subclass, in place of setCurrentBlockState.
     void FinishBlock(int state);
 
@@ -48,6 +58,7 @@ private:
     std::vector<QTextCursor> m_waiting;
     QTimer m_nextPass;
     bool m_inPass = false;
+    bool m_isLoading = false;
     int m_mandatoryEnd = 0; ///< lines that begin before it are done in this pass whatever they cost
     int m_costLeft = 0;
 };

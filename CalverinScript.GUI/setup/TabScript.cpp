@@ -68,7 +68,7 @@ void TabScript::SetUpEditor() {
     editor.setTabStopDistance(kTabStopPixels);
     editor.setStyleSheet(QStringLiteral("QPlainTextEdit {\n\tcolor: black;\n}"));
     editor.setContextMenuPolicy(Qt::CustomContextMenu);
-    new Highlighter(editor.document());
+    m_highlighter = new Highlighter(editor.document());
     m_completer->setModel(&m_noCompletions);
     m_completer->setMaxVisibleItems(kVisibleCompletions);
     editor.setCompleter(m_completer);
@@ -76,7 +76,7 @@ void TabScript::SetUpEditor() {
 
 void TabScript::MakeActions() {
     for (const EditorAction& row : kEditorActions) {
-        auto* action = new QAction(QIcon(QLatin1String(row.icon)), QLatin1String(row.text), this);
+        auto* action = new QAction(QLatin1String(row.text), this);
         action->setStatusTip(QLatin1String(row.statusTip));
         action->setShortcut(QKeySequence(row.shortcut));
         action->setVisible(row.signal != nullptr);
@@ -96,7 +96,7 @@ QString TabScript::GetText() const {
 }
 
 void TabScript::SetText(const QString& text) {
-    Editor().setText(text);
+    m_highlighter->SpreadLoading([&] { Editor().setText(text); });
 }
 
 void TabScript::ReplaceText(const QString& text) {
@@ -127,7 +127,15 @@ void TabScript::SlotOnNotifyLineErrorChange(int line) {
     Editor().setTextCursor(cursor);
 }
 
+/// Pictures take long to find, and only the menu shows them.
+void TabScript::LoadPictures() {
+    for (int index = 0; index < m_actions.size(); ++index)
+        if (m_actions[index]->icon().isNull())
+            m_actions[index]->setIcon(QIcon(QLatin1String(kEditorActions[index].icon)));
+}
+
 void TabScript::SlotShowContextMenu(QPoint pt) {
+    LoadPictures();
     const std::unique_ptr<QMenu> menu(Editor().createStandardContextMenu());
     menu->addSeparator();
     for (int index = 0; index < m_actions.size(); ++index) {

@@ -9,6 +9,7 @@
 
 class CodeEditor;
 class DialogFinder;
+class Highlighter;
 class QAction;
 class QCompleter;
 struct AnalysisOutcome;
@@ -28,6 +29,7 @@ public:
 
     /// The text as it stands, each character kept.
     QString GetText() const;
+    /// Colours the first lines at once and the others from the event loop.
     void SetText(const QString& text);
     /// The same as a step of the user's, who can take it back.
     void ReplaceText(const QString& text);
@@ -58,8 +60,10 @@ public Q_SLOTS:
 private:
     void SetUpEditor();
     void MakeActions();
+    void LoadPictures();
 
     const std::unique_ptr<Ui::TabScript> m_ui;
+    Highlighter* m_highlighter = nullptr; ///< the document's
     QStandardItemModel m_noCompletions;
     QCompleter* m_completer;   ///< a child
     QList<QAction*> m_actions; ///< children

@@ -36,6 +36,9 @@ protected:
     void GivenLines(int count, const char* line = "var a = 1;\n") {
         m_document->setPlainText(QString::fromLatin1(line).repeated(count));
     }
+    void GivenLoadedLines(const char* line) {
+        m_highlighter->SpreadLoading([&] { GivenLines(kLongScript, line); });
+    }
     void Replace(int from, int length, const QString& text) {
         QTextCursor cursor(m_document.get());
         cursor.setPosition(from);
@@ -73,6 +76,31 @@ TEST_F(SpreadingHighlighterTest, DoesALoadedScriptAtOnce) {
     EXPECT_FALSE(m_highlighter->IsSpreading());
     EXPECT_EQ(StateOfLastLine(), 0);
     EXPECT_FALSE(m_document->lastBlock().previous().layout()->formats().isEmpty());
+}
+
+TEST_F(SpreadingHighlighterTest, SpreadsALoadedScriptWhenAsked) {
+    GivenLoadedLines("} /* \n"); // the first line's depth is -1, a state that a new line has, too
+    EXPECT_TRUE(m_highlighter->IsSpreading());
+    EXPECT_FALSE(m_document->findBlockByNumber(100).layout()->formats().isEmpty());
+    EXPECT_TRUE(m_document->lastBlock().previous().layout()->formats().isEmpty());
+    Settle();
+    ExpectAsIfLoadedAtOnce();
+    Replace(0, 0, QStringLiteral("var b;\n").repeated(kLongScript));
+    EXPECT_FALSE(m_document->findBlockByNumber(kLongScript - 1).layout()->formats().isEmpty()) << "only what is loaded";
+}
+
+TEST_F(SpreadingHighlighterTest, ComesToTheSameEndWhenALoadedScriptIsEditedMeanwhile) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 20; ++round) {
+        GivenLoadedLines(round % 2 == 0 ? "if (a) { b } /* c */\n" : "} a /* {\n");
+        for (int edit = 0; edit < 5; ++edit) {
+            const int at = static_cast<int>(random() % (m_document->characterCount() - 1));
+            const int length = std::min(static_cast<int>(random() % 9000), m_document->characterCount() - 1 - at);
+            Replace(at, length, random() % 2 == 0 ? "/* {\n" : "*/ }");
+        }
+        Settle();
+        ExpectAsIfLoadedAtOnce();
+    }
 }
 
 TEST_F(SpreadingHighlighterTest, DoesAFewHundredLinesThatFollowAChangeAtOnce) {
