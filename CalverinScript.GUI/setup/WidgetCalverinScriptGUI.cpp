@@ -66,6 +66,8 @@ void WidgetCalverinScriptGUI::LoadFromDevice(MCalverinScript_Device* device) {
     LoadScript();
     LoadLists();
     SlotExtractFromScript();
+    UpdateDescription();
+    ShowLoadedFile();
     UpdateRemoveDefaults();
 }
 
@@ -88,11 +90,7 @@ void WidgetCalverinScriptGUI::LoadOptions() {
 
 void WidgetCalverinScriptGUI::LoadScript() {
     m_scriptFileName = m_device->GetStoredSetup().GetScriptFileName();
-    ShowFileName(MScriptDescription::FromFile(m_scriptFileName, &m_engine, AnalysisLimitOf(m_device)).get());
-    if (!ReadScriptFile(m_scriptFileName))
-        ShowFileName(nullptr);
     m_ui->tab_Script->SetText(m_device->GetStoredSetup().GetScriptText());
-    UpdateDescription();
 }
 
 void WidgetCalverinScriptGUI::LoadLists() {
@@ -106,10 +104,25 @@ void WidgetCalverinScriptGUI::ShowFileName(MScriptDescription* description) {
                                                                  : QStringLiteral("No script loaded"));
 }
 
+/// A file with the editor's text has been evaluated with it.
+void WidgetCalverinScriptGUI::ShowLoadedFile() {
+    if (!ReadScriptFile(m_scriptFileName))
+        return ShowFileName(nullptr);
+    if (IsChangedSinceFile())
+        return ShowFileName(MScriptDescription::FromFile(m_scriptFileName, &m_engine, AnalysisLimitOf(m_device)).get());
+    MScriptDescription description = Describe(MScriptDescription::OfFile(m_scriptFileName));
+    ShowFileName(&description);
+}
+
+/// @return the record with what the last analysis found; as it was when that failed.
+MScriptDescription WidgetCalverinScriptGUI::Describe(MScriptDescription record) {
+    if (m_isSound && m_device != nullptr)
+        record.TakeInTime(m_device->GetStopSet().global, m_engine, AnalysisLimitOf(m_device));
+    return record;
+}
+
 void WidgetCalverinScriptGUI::UpdateDescription() {
-    if (const auto description =
-            MScriptDescription::FromText(m_ui->tab_Script->GetText(), &m_engine, AnalysisLimitOf(m_device)))
-        m_ui->tab_Setup->ShowDescription(*description);
+    m_ui->tab_Setup->ShowDescription(Describe(MScriptDescription()));
 }
 
 bool WidgetCalverinScriptGUI::SlotCallEvaluateScript() {
@@ -121,7 +134,8 @@ bool WidgetCalverinScriptGUI::Evaluate() {
         return false;
     const AnalysisOutcome analysis = AnalyseScript(*m_device, m_ui->tab_Script->GetText(), m_engine);
     m_ui->tab_Script->ShowAnalysis(analysis);
-    return analysis.succeeded;
+    m_isSound = analysis.succeeded;
+    return m_isSound;
 }
 
 void WidgetCalverinScriptGUI::SlotExtractFromScript() {
@@ -187,9 +201,9 @@ void WidgetCalverinScriptGUI::SlotCurrentTabChanged(int iCurrentTab) {
     if (iCurrentTab == ScriptTab)
         return;
     m_ui->tab_Script->CloseFinder();
+    SlotExtractFromScript();
     if (iCurrentTab == SetupTab)
         UpdateDescription();
-    SlotExtractFromScript();
     if (iCurrentTab == OptionsTab)
         UpdateRemoveDefaults();
 }

@@ -66,7 +66,9 @@ private:
     void Extract();
     void RefreshForm();
     void UpdateDescription();
+    MScriptDescription Describe(MScriptDescription record);
     void UpdateRemoveDefaults();
+    void ShowLoadedFile();
     void ShowFileName(MScriptDescription* description);
 
     void OpenFile(const QString& path);
@@ -85,4 +87,5 @@ private:
     QScriptEngine m_engine;
     ScriptVariables m_loadedVariables; ///< as the device had them; read-only
     ScriptSettings m_settings;         ///< what the form shows
+    bool m_isSound = false;            ///< whether the last analysis succeeded
 };

@@ -13,12 +13,18 @@ std::unique_ptr<MScriptDescription> MScriptDescription::FromFile(const QString& 
     const QFileInfo info(path);
     if (!info.exists() || engine == nullptr)
         return nullptr;
-    auto record = std::make_unique<MScriptDescription>();
-    record->fileName = info.fileName();
-    record->title = info.baseName();
+    auto record = std::make_unique<MScriptDescription>(OfFile(path));
     QFile file(path);
     if (file.open(QIODevice::ReadOnly))
         Parse(FromScriptBytes(file.readAll()), *engine, *record, limit);
+    return record;
+}
+
+MScriptDescription MScriptDescription::OfFile(const QString& path) {
+    const QFileInfo info(path);
+    MScriptDescription record;
+    record.fileName = info.fileName();
+    record.title = info.baseName();
     return record;
 }
 
@@ -45,6 +51,18 @@ void MScriptDescription::Parse(const QString& text, QScriptEngine& engine, MScri
     });
     if (outcome == LimitedRun::Outcome::InTime)
         record = read;
+}
+
+void MScriptDescription::TakeInTime(const QScriptValue& published, QScriptEngine& engine,
+                                    std::chrono::milliseconds limit) {
+    MScriptDescription read = *this;
+    LimitedRun run(engine, limit);
+    const LimitedRun::Outcome outcome = run.Run([&] {
+        read.Take(published);
+        engine.clearExceptions();
+    });
+    if (outcome == LimitedRun::Outcome::InTime)
+        *this = read;
 }
 
 void MScriptDescription::Take(const QScriptValue& published) {

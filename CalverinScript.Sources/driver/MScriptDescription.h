@@ -23,6 +23,8 @@ struct MScriptDescription {
     /// Reads and evaluates a script file. @return null unless the file exists and there is an engine.
     static std::unique_ptr<MScriptDescription> FromFile(const QString& path, QScriptEngine* engine,
                                                         std::chrono::milliseconds limit = kAnalysisLimit);
+    /// What a file is called while nothing is known of its script.
+    static MScriptDescription OfFile(const QString& path);
     /// Evaluates a script. @return null without an engine.
     static std::unique_ptr<MScriptDescription> FromText(const QString& text, QScriptEngine* engine,
                                                         std::chrono::milliseconds limit = kAnalysisLimit);
@@ -31,6 +33,8 @@ struct MScriptDescription {
                       std::chrono::milliseconds limit = kAnalysisLimit);
     /// Takes what the value of an evaluation says.
     void Take(const QScriptValue& published);
+    /// The same with a limit, since a script may answer with a function of its own. The record stays as it was after the limit.
+    void TakeInTime(const QScriptValue& published, QScriptEngine& engine, std::chrono::milliseconds limit);
 
     /// "title (file name)".
     const QString& GetDisplayText();

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 
 #include <QDialog>
 #include <QElapsedTimer>
@@ -72,50 +73,52 @@ TEST_F(AnAnalysis, OfAnEndlessScriptInTheLibraryLetsTheListsOpen) {
     });
 }
 
-/// How long a window takes until it is drawn.
-template <typename Work>
-qint64 Measure(const Work& work) {
-    constexpr int kRounds = 5;
-    qint64 best = std::numeric_limits<qint64>::max();
-    for (int round = 0; round < kRounds; ++round) {
-        QElapsedTimer watch;
-        watch.start();
-        work(watch);
-        best = std::min(best, watch.nsecsElapsed());
-    }
-    return best;
-}
-
-TEST_F(AnAnalysis, OfTwoThousandLinesDoesNotKeepTheUserWaiting) {
+/// A script of as many lines as functions.
+std::string LongScript(int lines) {
     std::string text = "({\n";
-    for (int line = 0; line < 1998; ++line)
+    for (int line = 2; line < lines; ++line)
         text +=
             "Function" + std::to_string(line) + ": function(a, b) { return a + \"text\" + b * 2; }, // what it does\n";
-    text += "})";
+    return text + "})";
+}
+
+/// How long an empty dialog takes until its plain editor has drawn the text, in ns.
+qint64 OpenPlainDialog(const QString& text) {
+    QElapsedTimer watch;
+    watch.start();
+    QDialog dialog;
+    auto* editor = new QPlainTextEdit;
+    (new QVBoxLayout(&dialog))->addWidget(editor);
+    dialog.resize(900, 700);
+    editor->setPlainText(text);
+    dialog.show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&dialog, kDeadlineMs));
+    dialog.grab();
+    return watch.nsecsElapsed();
+}
+
+/// Both dialogs are opened in turn, so that other work of the machine meets both; the quickest time of each counts.
+TEST_F(AnAnalysis, OfTwoThousandLinesDoesNotKeepTheUserWaiting) {
+    constexpr int kRounds = 9;
+    const std::string text = LongScript(2000);
     GivenScript(text);
-    const qint64 plain = Measure([&](QElapsedTimer&) {
-        QDialog dialog;
-        auto* editor = new QPlainTextEdit;
-        (new QVBoxLayout(&dialog))->addWidget(editor);
-        dialog.resize(900, 700);
-        editor->setPlainText(QString::fromStdString(text));
-        dialog.show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(&dialog, kDeadlineMs));
-        dialog.grab();
-    });
     device->GetStoredSetup().Memory().currentTab = 1;
+    qint64 plain = std::numeric_limits<qint64>::max();
     qint64 ours = std::numeric_limits<qint64>::max();
-    Measure([&](QElapsedTimer& watch) {
+    for (int round = 0; round < kRounds; ++round) {
+        plain = std::min(plain, OpenPlainDialog(QString::fromStdString(text)));
+        QElapsedTimer watch;
+        watch.start();
         Show([&](QWidget& dialog) {
             dialog.grab();
             ours = std::min(ours, watch.nsecsElapsed());
             Click(dialog, "pushButtonCancel");
         });
-    });
+    }
     const double ratio = static_cast<double>(ours) / static_cast<double>(plain);
     std::printf("        2000 lines: %.1f ms, an empty dialog with a plain editor %.1f ms: %.2f times\n", ours / 1e6,
                 plain / 1e6, ratio);
-    EXPECT_LT(ratio, 25) << "1.5 is wanted; a machine with other work to do and a sanitizer are given more";
+    EXPECT_LT(ratio, 12) << "1.5 is wanted; a machine with other work to do and a sanitizer are given more";
 }
 
 } // namespace
