@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 #include "Deadline.h"
@@ -49,6 +50,18 @@ TEST_F(AnAnalysis, OfAnEndlessScriptThatIsStoredLetsTheDialogOpen) {
                   Click(dialog, "pushButtonCancel");
               }),
               13u);
+}
+
+/// The engine of the dialog keeps what scripts leave in its global object.
+TEST_F(AnAnalysis, IsDoneOnceToOpenTheDialogOfAScriptWithAFile) {
+    GivenScriptFile("lamp.js", "evaluations = typeof evaluations == 'undefined' ? 1 : evaluations + 1;\n"
+                               "({ Setup: { Count: evaluations }, Info: { Title: 'Lamp ' + evaluations } })");
+    Show([&](QWidget& dialog) {
+        EXPECT_EQ(dialog.findChild<QSpinBox*>()->value(), 1);
+        EXPECT_EQ(TextOf(dialog, "lineEditTitle"), "Lamp 1");
+        EXPECT_EQ(TextOf(dialog, "lineEditScriptFileName"), "Lamp 1 (lamp.js)");
+        Click(dialog, "pushButtonCancel");
+    });
 }
 
 TEST_F(AnAnalysis, OfAnEndlessScriptInTheLibraryLetsTheListsOpen) {

@@ -51,3 +51,9 @@ grep -q '10\.0\.0\.9' "$work/show.json" || fail "what was set is not in the show
 run 10.0.0.10 alt+n
 ends_with "left as it was"
 grep -q '10\.0\.0\.9' "$work/show.json" || fail "what had been set is gone"
+
+# A script that is loaded at the start of the show is in the dialog, too.
+echo '{ "devices": [{ "name": "desk", "script": "desk.js" }] }' >"$work/show.json"
+run 10.0.0.11 alt+o
+ends_with "changed"
+grep -q '10\.0\.0\.11' "$work/show.json" || fail "the dialog has not shown the script"
