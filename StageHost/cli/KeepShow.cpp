@@ -12,6 +12,7 @@
 #include "Output.h"
 #include "SetupWindow.h"
 #include "ShowFile.h"
+#include "TextFile.h"
 
 /// The commands that write show files.
 
@@ -79,6 +80,23 @@ MaybeFailure RenewSetup(Device& device, const Show& show, const ShowDevice& desc
     return std::nullopt;
 }
 
+/// A script that is loaded at the start of a show is in no setup before the first dialog, which looks into it itself.
+MaybeFailure ShowScript(Device& device, const Show& show, const ShowDevice& described) {
+    if (!described.setup.isEmpty() || (described.scriptFile.isEmpty() && described.scriptText.isEmpty()))
+        return std::nullopt;
+    QString problem;
+    const auto text = described.scriptFile.isEmpty() ? std::optional(described.scriptText)
+                                                     : ReadText(show.Path(described.scriptFile), &problem);
+    if (!text)
+        return Failure{kExitBadUse, problem};
+    DriverEdition edition;
+    edition.text = *text;
+    const QString setup = MakeSetupText(FromBorderText(device.Setup()), edition).value_or(QString());
+    if (const auto refused = device.TakeSetup(ToBorderText(setup)))
+        return Failure{kExitNoModule, QStringLiteral("%1: %2").arg(described.name, refused->text)};
+    return std::nullopt;
+}
+
 /// The setup text as the user leaves it in the device's dialog.
 MaybeFailure AskForSetup(Session& session, ShowFile& file, const Options& options, SetupWindow& window,
                          KeepReport& report) {
@@ -88,7 +106,10 @@ MaybeFailure AskForSetup(Session& session, ShowFile& file, const Options& option
         return Failure{kExitBadUse, QStringLiteral("--window needs one device of the show")};
     if (session.HasRefusedSetup(name))
         return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(name, RefusedSetupText())};
-    const QString before = file.Content().FindDevice(name)->setup;
+    const ShowDevice& described = *file.Content().FindDevice(name);
+    if (auto failure = ShowScript(*device, file.Content(), described))
+        return failure;
+    const QString before = described.setup;
     const KXPCode code = window.Show(*device);
     const QString setup = FromBorderText(device->Setup());
     if (code != KXP_CANCELLED)
