@@ -83,9 +83,11 @@ void SendNativeKey(std::uintptr_t window, const NativeKey& key) {
     event.root = FindParent(display.Get(), event.event).root;
     event.state = static_cast<std::uint16_t>(key.modifiers);
     event.same_screen = 1;
-    xcb_send_event(display.Get(), 1, event.event, key.isPressed ? XCB_EVENT_MASK_KEY_PRESS : XCB_EVENT_MASK_KEY_RELEASE,
-                   reinterpret_cast<const char*>(&event));
-    xcb_flush(display.Get());
+    const auto cookie = xcb_send_event_checked(display.Get(), 1, event.event,
+                                               key.isPressed ? XCB_EVENT_MASK_KEY_PRESS : XCB_EVENT_MASK_KEY_RELEASE,
+                                               reinterpret_cast<const char*>(&event));
+    // The display has it before this connection ends, or it might never look at it.
+    OwnReply(xcb_request_check(display.Get(), cookie));
 }
 
 struct NativeWindowWatch::Connection {
