@@ -41,6 +41,8 @@ bool MCalverinScript_Device::IsUsable() const {
 
 KXPCode MCalverinScript_Device::Release() {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::Release");
+    if (!door.Leave())
+        return KXP_OK;
     LetGo();
     if (WaitUntil([this] { return HasEnded(); }, kHostCallEndMs))
         delete this;
@@ -54,6 +56,7 @@ KXPCode MCalverinScript_Device::Release() {
 void MCalverinScript_Device::LetGo() {
     if (!door.Close())
         return;
+    const HostDoor::Visit visit(door); // a request that ends here may make the host release the device
     ending = true;
     for (IEndingRoom* room : endings)
         room->BeginEnd();

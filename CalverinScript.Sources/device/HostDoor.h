@@ -28,11 +28,15 @@ public:
     /// @return false when it was closed already.   [host main]
     bool Close() { return !m_closed.exchange(true); }
     bool IsClosed() const { return m_closed; }
+    /// @return true for the one release that ends the device's memory: a host may release it once more from what it is
+    /// told while that one runs.   [host main]
+    bool Leave() { return !m_left.exchange(true); }
 
     // IEndingRoom
     bool HasEnded() const override { return m_inside.Read() == 0; }
 
 private:
     std::atomic<bool> m_closed{false}; ///< written by the host's main thread, read by all
+    std::atomic<bool> m_left{false};
     InterlockedCounter m_inside;
 };

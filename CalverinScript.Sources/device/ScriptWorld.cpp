@@ -86,6 +86,11 @@ void ScriptWorld::BeginEnd() {
     m_resources->LetGo();
 }
 
+/// The script answers nobody any more.
+void ScriptWorld::End() {
+    m_remote->ResetPostponed();
+}
+
 bool ScriptWorld::HasEnded() const {
     return !m_remote->HasAnswersUnderWay();
 }

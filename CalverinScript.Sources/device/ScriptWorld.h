@@ -87,6 +87,7 @@ public:
     // IEndingRoom
     /// Ends every request to the host and every wait for one, and lets go of the resources.
     void BeginEnd() override;
+    void End() override;
     /// Whether no answer of the host is inside the bridge, which has to outlive it.
     bool HasEnded() const override;
 

@@ -153,6 +153,42 @@ TEST_F(ReleaseOrder, ADeviceReleasedFromTheEndOfARequestStaysUntilItsCommandThre
     ASSERT_TRUE(context.WaitForEnd());
 }
 
+TEST_F(ReleaseOrder, AModuleThatIsReleasedEndsPostponedRequestsToo) {
+    Start("({ Post: function() { QCalverin.PostponeResult() }, F: function() { return 1 } })");
+    BusyContext postponed;
+    BusyContext behind;
+    ASSERT_EQ(Call("Post", &postponed), KXP_OK);
+    ASSERT_EQ(Call("F", &behind), KXP_OK);
+    ASSERT_TRUE(behind.WaitForEnd());
+    EXPECT_EQ(postponed.Ended(), 0);
+    EXPECT_EQ(module->Release(), KXP_OK);
+    EXPECT_EQ(postponed.Ended(), 1);
+}
+
+TEST_F(ReleaseOrder, ADeviceReleasedOnceMoreFromARequestThatItsReleaseEndsGoesOnce) {
+    Start("({ Post: function() { QCalverin.PostponeResult() }, F: function() { return 1 } })");
+    BusyContext postponed;
+    BusyContext behind;
+    ASSERT_EQ(Call("Post", &postponed), KXP_OK);
+    ASSERT_EQ(Call("F", &behind), KXP_OK);
+    ASSERT_TRUE(behind.WaitForEnd());
+    postponed.atEnd = [released = device] { EXPECT_EQ(released->Release(), KXP_OK); };
+    EXPECT_EQ(std::exchange(device, nullptr)->Release(), KXP_OK);
+    EXPECT_EQ(postponed.Ended(), 1);
+}
+
+TEST_F(ReleaseOrder, ADeviceReleasedFromARequestThatTheModulesReleaseEndsOutlivesThatRelease) {
+    Start("({ Post: function() { QCalverin.PostponeResult() }, F: function() { return 1 } })");
+    BusyContext postponed;
+    BusyContext behind;
+    ASSERT_EQ(Call("Post", &postponed), KXP_OK);
+    ASSERT_EQ(Call("F", &behind), KXP_OK);
+    ASSERT_TRUE(behind.WaitForEnd());
+    postponed.atEnd = [this] { EXPECT_EQ(std::exchange(device, nullptr)->Release(), KXP_OK); };
+    EXPECT_EQ(module->Release(), KXP_OK);
+    EXPECT_EQ(postponed.Ended(), 1);
+}
+
 TEST_F(ReleaseOrder, ADeviceStoppedFromTheEndOfARequestStartsAgain) {
     Start("({ F: function() { return 1 } })");
     for (int round = 0; round < 20; ++round) {
