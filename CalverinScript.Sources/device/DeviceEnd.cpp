@@ -1,6 +1,7 @@
 #include "MCalverinScript_Device.h"
 
 #include <algorithm>
+#include <mutex>
 #include <vector>
 
 #include <QElapsedTimer>
@@ -14,10 +15,15 @@ namespace {
 
 constexpr std::uint32_t kHostCallEndMs = 50;
 
-/// Released devices whose script would not end. Host main thread alone.
-std::vector<MCalverinScript_Device*>& AbandonedDevices() {
-    static std::vector<MCalverinScript_Device*> devices;
-    return devices;
+/// Released devices in which somebody still is.
+struct AbandonedDevices {
+    std::mutex lock; ///< never held while a device goes: that may call the host, which may release another one
+    std::vector<MCalverinScript_Device*> devices;
+};
+
+AbandonedDevices& Abandoned() {
+    static AbandonedDevices abandoned;
+    return abandoned;
 }
 
 /// Polls a condition that another thread makes true, for a time that a person does not notice.
@@ -44,10 +50,12 @@ KXPCode MCalverinScript_Device::Release() {
     if (!door.Leave())
         return KXP_OK;
     LetGo();
-    if (WaitUntil([this] { return HasEnded(); }, kHostCallEndMs))
+    if (WaitUntil([this] { return HasEnded(); }, kHostCallEndMs)) {
         delete this;
-    else
-        AbandonedDevices().push_back(this);
+    } else {
+        const std::lock_guard<std::mutex> guard(Abandoned().lock);
+        Abandoned().devices.push_back(this);
+    }
     SweepAbandoned();
     return KXP_OK;
 }
@@ -76,13 +84,19 @@ bool MCalverinScript_Device::HasEnded() const {
 }
 
 std::size_t MCalverinScript_Device::SweepAbandoned() {
-    std::vector<MCalverinScript_Device*>& devices = AbandonedDevices();
-    const auto over = [](MCalverinScript_Device* device) {
-        if (!device->HasEnded())
-            return false;
+    AbandonedDevices& abandoned = Abandoned();
+    std::vector<MCalverinScript_Device*> over;
+    std::size_t left = 0;
+    {
+        const std::lock_guard<std::mutex> guard(abandoned.lock);
+        auto& devices = abandoned.devices;
+        const auto isInUse = [](const MCalverinScript_Device* device) { return !device->HasEnded(); };
+        const auto ended = std::partition(devices.begin(), devices.end(), isInUse);
+        over.assign(ended, devices.end());
+        devices.erase(ended, devices.end());
+        left = devices.size();
+    }
+    for (MCalverinScript_Device* device : over)
         delete device;
-        return true;
-    };
-    devices.erase(std::remove_if(devices.begin(), devices.end(), over), devices.end());
-    return devices.size();
+    return left;
 }

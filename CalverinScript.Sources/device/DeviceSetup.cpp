@@ -50,6 +50,7 @@ KXPCode MCalverinScript_Device::GetSetup(char** out) {
 
 KXPCode MCalverinScript_Device::SetSetup(const char* text) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetSetup");
+    const HostDoor::Visit visit(door); // an analysis may take long, and a host may not wait for it
     if (door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
     DeviceSetup setup;

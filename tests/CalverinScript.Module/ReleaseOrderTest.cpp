@@ -1,5 +1,6 @@
 #include <functional>
 #include <future>
+#include <string>
 #include <utility>
 
 #include "Deadline.h"
@@ -52,6 +53,14 @@ protected:
     KXPCode Call(const char* function, IExecContext* context) {
         params = plain::Params::ForFunction(function, {});
         return device->ExecuteCommand(3, params.get(), context);
+    }
+    /// A request that the script has taken and does not answer.
+    void Postpone(BusyContext& postponed) {
+        Start("({ Post: function() { QCalverin.PostponeResult() }, F: function() { return 1 } })");
+        BusyContext behind;
+        ASSERT_EQ(Call("Post", &postponed), KXP_OK);
+        ASSERT_EQ(Call("F", &behind), KXP_OK);
+        ASSERT_TRUE(behind.WaitForEnd());
     }
     void ExpectRefusals() {
         void* face = this;
@@ -115,6 +124,20 @@ TEST_F(ReleaseOrder, AModuleMayBeReleasedWhileTheHostTakesADefinition) {
     ExpectRefusals();
 }
 
+TEST_F(ReleaseOrder, ADeviceReleasedWhileTheHostTakesADefinitionStaysUntilItsSetupIsOver) {
+    char* setup = nullptr;
+    ASSERT_EQ(device->GetSetup(&setup), KXP_OK);
+    const std::string text = setup;
+    device->ReleaseString(&setup);
+    IKXPDevice* const released = device;
+    variables.meanwhile = [this] {
+        EXPECT_EQ(std::exchange(device, nullptr)->Release(), KXP_OK);
+        EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 1u);
+    };
+    EXPECT_EQ(released->SetSetup(text.c_str()), KXP_NOT_IMPLEMENTED);
+    EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 0u);
+}
+
 TEST_F(ReleaseOrder, AModuleMayBeReleasedFromTheEndOfARequest) {
     Start("({ F: function() { return 1 } })");
     BusyContext context;
@@ -154,36 +177,24 @@ TEST_F(ReleaseOrder, ADeviceReleasedFromTheEndOfARequestStaysUntilItsCommandThre
 }
 
 TEST_F(ReleaseOrder, AModuleThatIsReleasedEndsPostponedRequestsToo) {
-    Start("({ Post: function() { QCalverin.PostponeResult() }, F: function() { return 1 } })");
     BusyContext postponed;
-    BusyContext behind;
-    ASSERT_EQ(Call("Post", &postponed), KXP_OK);
-    ASSERT_EQ(Call("F", &behind), KXP_OK);
-    ASSERT_TRUE(behind.WaitForEnd());
+    Postpone(postponed);
     EXPECT_EQ(postponed.Ended(), 0);
     EXPECT_EQ(module->Release(), KXP_OK);
     EXPECT_EQ(postponed.Ended(), 1);
 }
 
 TEST_F(ReleaseOrder, ADeviceReleasedOnceMoreFromARequestThatItsReleaseEndsGoesOnce) {
-    Start("({ Post: function() { QCalverin.PostponeResult() }, F: function() { return 1 } })");
     BusyContext postponed;
-    BusyContext behind;
-    ASSERT_EQ(Call("Post", &postponed), KXP_OK);
-    ASSERT_EQ(Call("F", &behind), KXP_OK);
-    ASSERT_TRUE(behind.WaitForEnd());
+    Postpone(postponed);
     postponed.atEnd = [released = device] { EXPECT_EQ(released->Release(), KXP_OK); };
     EXPECT_EQ(std::exchange(device, nullptr)->Release(), KXP_OK);
     EXPECT_EQ(postponed.Ended(), 1);
 }
 
 TEST_F(ReleaseOrder, ADeviceReleasedFromARequestThatTheModulesReleaseEndsOutlivesThatRelease) {
-    Start("({ Post: function() { QCalverin.PostponeResult() }, F: function() { return 1 } })");
     BusyContext postponed;
-    BusyContext behind;
-    ASSERT_EQ(Call("Post", &postponed), KXP_OK);
-    ASSERT_EQ(Call("F", &behind), KXP_OK);
-    ASSERT_TRUE(behind.WaitForEnd());
+    Postpone(postponed);
     postponed.atEnd = [this] { EXPECT_EQ(std::exchange(device, nullptr)->Release(), KXP_OK); };
     EXPECT_EQ(module->Release(), KXP_OK);
     EXPECT_EQ(postponed.Ended(), 1);
