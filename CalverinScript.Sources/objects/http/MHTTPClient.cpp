@@ -12,8 +12,6 @@ namespace {
 
 constexpr int kDescriptorsOfRequest = 20; ///< sockets, look-ups and the event loops behind them, with some to spare
 constexpr int kPercent = 100;
-constexpr qint64 kDownloadAhead = qint64(1)
-                                  << 20; ///< bytes of a download that wait for the disk; then the server waits
 constexpr const char* kAnswered = "challengeAnswered";
 
 QByteArray OneLine(QByteArray value) {
@@ -75,10 +73,10 @@ void MHTTPClient::Begin(const QNetworkRequest& request, Verb verb) {
     connect(m_lpReply, &QNetworkReply::downloadProgress, this, &MHTTPClient::SlotDownloadProgress);
     connect(m_lpReply, &QNetworkReply::uploadProgress, this, &MHTTPClient::SlotUploadProgress);
     connect(m_lpReply, &QNetworkReply::readyRead, this, &MHTTPClient::SlotBodyGrows);
-    if (m_lpDownload != nullptr) {
+    // No read buffer size: with one, the SOCKS client of the network library drops what it holds back when the server
+    // goes. It is not needed either: the gate passes bytes on in this thread, and so not while the disk is written to.
+    if (m_lpDownload != nullptr)
         m_lpDownload->Restart(); // the body of the last request it is, and of no other
-        m_lpReply->setReadBufferSize(kDownloadAhead);
-    }
 }
 
 void MHTTPClient::SlotGet(const QNetworkRequest& request) {

@@ -149,6 +149,23 @@ TEST_F(Worker, ADownloadThatBreaksOffLeavesTheOldFileAndNothingElse) {
               QStringList{QStringLiteral("film")});
 }
 
+/// The network library drops the last bytes of a connection when it may hold only so many.
+TEST_F(Worker, ADownloadThatEndsWithItsConnectionIsWhole) {
+    constexpr int kSize = 4000000;
+    const HostileServer server([](Peer& peer) {
+        peer.ReadRequest();
+        peer.Send("HTTP/1.1 200 OK\r\n\r\n" + std::string(kSize, 'x'));
+    });
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("film"));
+    for (int round = 1; round <= 20; ++round) {
+        worker.SlotDownloadFile(To(server), path);
+        ASSERT_TRUE(UntilResponses(round));
+        ASSERT_EQ(responses.back().error, 0);
+        ASSERT_EQ(QFileInfo(path).size(), kSize) << "round " << round;
+    }
+}
+
 TEST_F(Worker, ADownloadThatDoesNotFitIsAnsweredAtOnceAndLetsTheServerGo) {
     HostileServer server([](Peer& peer) {
         peer.ReadRequest();
