@@ -74,7 +74,8 @@ CommandRoad::CommandRoad(MyCommandManager& queue, IThreadHandler& threadBody, IC
     : m_queue(queue)
     , m_contexts(contexts)
     , m_work(work)
-    , m_thread(&threadBody) {
+    , m_thread(&threadBody)
+    , m_dropped([this](std::uint64_t count) { TellDropped(count); }) {
     m_thread.SetStackSize(stackSize);
 }
 
@@ -97,7 +98,7 @@ void CommandRoad::Stop() {
     m_queue.WakeCommandThread();
     m_thread.Wait(kInfinite);
     m_queue.ClearCommands();
-    TellDropped(m_dropped.TakeAll());
+    m_dropped.TellRest();
 }
 
 /// Only a function with parameters has a context that is ended; with the others it travels along.
@@ -126,7 +127,7 @@ void CommandRoad::Queue(MCommandObject* command) {
 
 void CommandRoad::LetGo(const MCommandObject& dropped) {
     m_stackCount.Decrement();
-    m_dropped.Add();
+    m_dropped.Note(1);
     const ScriptRequest request = ScriptRequest::Of(dropped);
     if (request.id == kScriptCallback)
         m_work.DropAnswer(request.answer);
@@ -177,8 +178,8 @@ void CommandRoad::Serve(MThread& thread) {
     }
 }
 
-void CommandRoad::OnTick(std::uint32_t nowMs) {
-    TellDropped(m_dropped.TakeAtTick(nowMs));
+void CommandRoad::OnTick() {
+    m_dropped.TellDue();
     CheckExpired();
 }
 
@@ -206,9 +207,9 @@ void CommandRoad::GiveUp(MCommandObject* command) {
         m_queue.ExecuteCurrentCommand();
 }
 
-void CommandRoad::TellDropped(std::int32_t count) {
-    if (count > 0 && IsLogOn(false))
+void CommandRoad::TellDropped(std::uint64_t count) {
+    if (IsLogOn(false))
         WriteLog(LogHandle(), kTroubleLevel,
-                 "CalverinScript_ [%s] %d commands or answers dropped: more than %d were waiting",
-                 m_work.GetRoadName().c_str(), count, m_queue.GetMaxQueued());
+                 "CalverinScript_ [%s] %llu commands or answers dropped: more than %d were waiting",
+                 m_work.GetRoadName().c_str(), static_cast<unsigned long long>(count), m_queue.GetMaxQueued());
 }

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "DeviceStatus.h"
-#include "DropCount.h"
+#include "DropLog.h"
 #include "IEndingRoom.h"
 #include "InterlockedCounter.h"
 #include "MThread.h"
@@ -42,7 +42,7 @@ public:
 /// - Requests are executed in the order in which they were posted.
 /// - The context of a function with parameters begins with its post and ends with its command, executed or not.
 /// - A command that fails is held, executed once more after its time, and given up after the second.
-/// - What a full queue drops is let go at once and told in the log, once for a burst.
+/// - What a full queue drops is let go at once and told in the log by its number, at once and then once a second at most.
 class CommandRoad final : public IEndingRoom {
 public:
     /// All are borrowed for the road's life. @param threadBody calls Serve on the command thread. @param contexts is
@@ -75,7 +75,7 @@ public:
     /// The life of the command thread.   [command]
     void Serve(MThread& thread);
     /// Repeats or gives up a held command whose time is over, and tells what was dropped.   [tick]
-    void OnTick(std::uint32_t nowMs);
+    void OnTick();
 
     /// Hands the function in execution over: the caller owns its command, which stays open when the function returns.
     /// @return null outside a function with parameters, and when it has been taken already.   [script]
@@ -90,7 +90,7 @@ private:
     void LetGo(const MCommandObject& dropped);
     void CheckExpired();
     void GiveUp(MCommandObject* command);
-    void TellDropped(std::int32_t count);
+    void TellDropped(std::uint64_t count);
 
     MyCommandManager& m_queue;
     ICommandObjectHandler& m_contexts;
@@ -99,5 +99,5 @@ private:
     std::atomic<bool> m_isMissing{false}; ///< started without a thread: written and read by host threads
     InterlockedCounter m_stackCount;
     std::atomic<MCommandObject*> m_executing{nullptr}; ///< set by whoever executes a function, taken by the script
-    DropCount m_dropped;
+    DropLog m_dropped;
 };

@@ -46,9 +46,9 @@ void MCalverinScript_Device::StopCommandThread() {
 }
 
 /// A tick may sit in a second execution when the device is released, and come back after the release.
-void MCalverinScript_Device::OnTimer(std::uint32_t nowMs) {
+void MCalverinScript_Device::OnTimer(std::uint32_t /*nowMs*/) {
     const HostDoor::Visit visit(door);
-    road->OnTick(nowMs);
+    road->OnTick();
     program->ServeDebugger();
     if (program->WantsStop())
         FinishRequestedStop();

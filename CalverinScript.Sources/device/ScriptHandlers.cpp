@@ -14,7 +14,7 @@ ScriptHandlers::ScriptHandlers(QObject& timerOwner, ScriptWorld& world, ScriptEn
     : m_world(world)
     , m_entrance(entrance)
     , m_timers(timerOwner)
-    , m_droppedChanges(&world.Remote(), [] { return QStringLiteral("changes below groups"); })
+    , m_droppedChanges(TellOfSlowScript(&world.Remote(), [] { return QStringLiteral("changes below groups"); }))
     , m_changes([this](bool full) {
         if (!full)
             m_droppedChanges.TellRest();

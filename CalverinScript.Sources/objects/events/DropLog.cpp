@@ -11,12 +11,11 @@ constexpr std::uint32_t kBetweenLinesMs = 1000;
 
 } // namespace
 
-DropLog::DropLog(IScriptObjectOwner* owner, Describe describe)
-    : DropLog(owner, std::move(describe), &MillisecondClock) {}
+DropLog::DropLog(Tell tell)
+    : DropLog(std::move(tell), &MillisecondClock) {}
 
-DropLog::DropLog(IScriptObjectOwner* owner, Describe describe, std::uint32_t (*clock)())
-    : m_owner(owner)
-    , m_describe(std::move(describe))
+DropLog::DropLog(Tell tell, std::uint32_t (*clock)())
+    : m_tell(std::move(tell))
     , m_clock(clock) {}
 
 void DropLog::Note(std::uint64_t count) {
@@ -33,10 +32,18 @@ void DropLog::TellRest() {
 
 void DropLog::TellLocked() {
     const std::uint64_t count = std::exchange(m_untold, 0);
-    if (count == 0 || m_owner == nullptr)
+    if (count == 0)
         return;
     m_hasTold = true;
     m_lastTold = m_clock();
-    const QString line = QStringLiteral("%1 dropped, since the script does not keep up: %2");
-    m_owner->TraceMessage(line.arg(m_describe()).arg(count), QStringLiteral("ALARM"));
+    m_tell(count);
+}
+
+DropLog::Tell TellOfSlowScript(IScriptObjectOwner* owner, std::function<QString()> describe) {
+    return [owner, describe = std::move(describe)](std::uint64_t count) {
+        if (owner == nullptr)
+            return;
+        const QString line = QStringLiteral("%1 dropped, since the script does not keep up: %2");
+        owner->TraceMessage(line.arg(describe()).arg(count), QStringLiteral("ALARM"));
+    };
 }

@@ -29,7 +29,7 @@ QString Plain(const QString& text) {
 HTTPClient::HTTPClient(IScriptObjectOwner* objectOwner)
     : m_owner(objectOwner)
     , m_lpThread(new MThreadHTTPClient)
-    , m_drops(objectOwner, [] { return QStringLiteral("HTTP progress events"); })
+    , m_drops(TellOfSlowScript(objectOwner, [] { return QStringLiteral("HTTP progress events"); }))
     , m_backlog([this](bool full) {
         if (!full)
             m_drops.TellRest();

@@ -19,7 +19,8 @@
 MScriptUDP::MScriptUDP(IScriptObjectOwner* objectOwner)
     : m_socket(std::make_unique<MUDPSocket>())
     , m_owner(objectOwner)
-    , m_drops(objectOwner, [this] { return QStringLiteral("datagrams at port %1").arg(m_socket->GetPort()); })
+    , m_drops(TellOfSlowScript(objectOwner,
+                               [this] { return QStringLiteral("datagrams at port %1").arg(m_socket->GetPort()); }))
     , m_backlog([this](bool full) {
         if (!full)
             m_drops.TellRest();

@@ -23,7 +23,7 @@ std::uint64_t BytesOf(const MScriptParamList& values) {
 MScriptResource::MScriptResource(ScriptObjectType type, IResource* resource, IScriptObjectOwner* owner)
     : m_owner(owner)
     , m_link(std::make_shared<ResourceLink>(resource, owner, this))
-    , m_drops(owner, [] { return QStringLiteral("events of a resource"); })
+    , m_drops(TellOfSlowScript(owner, [] { return QStringLiteral("events of a resource"); }))
     , m_backlog([this](bool full) {
         if (!full)
             m_drops.TellRest();

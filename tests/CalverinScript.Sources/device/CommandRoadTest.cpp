@@ -9,7 +9,6 @@
 
 #include "CommandRoad.h"
 #include "Deadline.h"
-#include "DropCount.h"
 #include "ICommandObjectHandler.h"
 #include "IThreadHandler.h"
 #include "MyCommandManager.h"
@@ -207,15 +206,15 @@ TEST_F(Road, RepeatsAHeldCommandOnceAndThenGivesItUpAndGoesOn) {
     ExecuteAll();
     ForgetTold();
     nowMs += 4999;
-    road.OnTick(nowMs);
+    road.OnTick();
     EXPECT_EQ(told.Text(), "");
     nowMs += 1;
-    road.OnTick(nowMs);
+    road.OnTick();
     EXPECT_EQ(told.Text(), "error ''; status 1; 0 gone.js; status 0; ");
     ForgetTold();
     succeeds = true;
     nowMs += 5000;
-    road.OnTick(nowMs);
+    road.OnTick();
     EXPECT_EQ(told.Text(), "error 'Command Timeout.'; status 0; error ''; status 2; 3 F; status 0; over; ");
     EXPECT_EQ(context.Ended(), 1);
     EXPECT_EQ(road.GetStackCount(), 0);
@@ -239,43 +238,6 @@ TEST_F(Road, LetsGoOfWhatAFullQueueDropsAtOnce) {
     EXPECT_EQ(road.GetStackCount(), 3);
     road.Stop();
     EXPECT_EQ(second.Ended(), 1);
-}
-
-TEST(DropCount, TellsABurstOnceWhenItIsOver) {
-    DropCount count;
-    EXPECT_EQ(count.TakeAtTick(0), 0);
-    for (int i = 0; i < 300; ++i)
-        count.Add();
-    EXPECT_EQ(count.TakeAtTick(40), 0) << "it may go on";
-    count.Add();
-    EXPECT_EQ(count.TakeAtTick(80), 0);
-    EXPECT_EQ(count.TakeAtTick(120), 301);
-    EXPECT_EQ(count.TakeAtTick(160), 0);
-    EXPECT_EQ(count.TakeAll(), 0);
-}
-
-TEST(DropCount, TellsABurstThatGoesOnEverySecondAlsoWhenTheClockWraps) {
-    DropCount count;
-    const std::uint32_t begin = 0xFFFFFFFF - 500;
-    int told = 0;
-    int lines = 0;
-    for (std::uint32_t ms = 0; ms <= 3000; ms += 40) {
-        count.Add();
-        const std::int32_t now = count.TakeAtTick(begin + ms);
-        told += now;
-        lines += now > 0 ? 1 : 0;
-    }
-    EXPECT_EQ(lines, 2);
-    EXPECT_EQ(told + count.TakeAll(), 76);
-}
-
-TEST(DropCount, GivesWhatIsLeftAtTheEnd) {
-    DropCount count;
-    count.Add();
-    count.TakeAtTick(0);
-    count.Add();
-    EXPECT_EQ(count.TakeAll(), 2);
-    EXPECT_EQ(count.TakeAtTick(40), 0);
 }
 
 } // namespace

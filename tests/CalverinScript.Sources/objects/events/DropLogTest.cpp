@@ -32,7 +32,7 @@ protected:
     }
 
     Log m_log;
-    DropLog m_drops{&m_log, [] { return QStringLiteral("events"); }, &Clock};
+    DropLog m_drops{TellOfSlowScript(&m_log, [] { return QStringLiteral("events"); }), &Clock};
 };
 
 } // namespace
@@ -49,6 +49,17 @@ TEST_F(DropLogs, TellOnceASecondHowManyWereDroppedSinceTheLastLine) {
     EXPECT_EQ(m_log.lines, (std::vector<std::string>{Line(1), Line(4320)}));
 }
 
+TEST_F(DropLogs, TellWhoLooksNowAndThenWhatASecondHasLeft) {
+    m_drops.Note(1);
+    m_drops.Note(20);
+    theTime += 999;
+    m_drops.TellDue();
+    EXPECT_EQ(m_log.lines, std::vector<std::string>{Line(1)});
+    theTime += 1;
+    m_drops.TellDue();
+    EXPECT_EQ(m_log.lines, (std::vector<std::string>{Line(1), Line(20)}));
+}
+
 TEST_F(DropLogs, TellTheRestWhenTheFloodIsOver) {
     m_drops.Note(1);
     m_drops.Note(2);
@@ -58,8 +69,15 @@ TEST_F(DropLogs, TellTheRestWhenTheFloodIsOver) {
 }
 
 TEST_F(DropLogs, TellNothingOfNothing) {
+    m_drops.TellDue();
     m_drops.TellRest();
     EXPECT_TRUE(m_log.lines.empty());
-    DropLog nobody(nullptr, [] { return QString(); });
+    m_drops.Note(1);
+    EXPECT_EQ(m_log.lines, std::vector<std::string>{Line(1)}) << "nothing is no line, so this one is the first";
+}
+
+TEST_F(DropLogs, WriteNoLineForAnObjectThatNobodyOwns) {
+    DropLog nobody(TellOfSlowScript(nullptr, [] { return QString(); }));
     nobody.Note(1);
+    EXPECT_TRUE(m_log.lines.empty());
 }
