@@ -9,6 +9,7 @@
 #include "MCalverinScript_Device.h"
 #include "QMfcApp.h"
 #include "QWinWidget.h"
+#include "SetupDesk.h"
 #include "ThemeStyleSheet.h"
 #include "WidgetCalverinScriptGUI.h"
 
@@ -40,14 +41,14 @@ KXPCode RunDialog(MCalverinScript_Device& device, const char* scriptName) {
     QObject::connect(&parent, &QWinWidget::SignalParentGone, &dialog, &QDialog::reject);
     WearTheme(dialog, host);
     parent.Adopt(dialog);
-    device.BeginSetup();
+    device.GetSetupDesk().Begin();
     dialog.LoadFromDevice(&device);
     if (scriptName != nullptr)
         dialog.OpenScript(FromHostText(scriptName));
     const bool isAccepted = dialog.exec() == QDialog::Accepted;
     if (!kept)
         return KXP_CANCELLED;
-    return isAccepted ? dialog.StoreToDevice(&device) : device.CancelSetup();
+    return isAccepted ? dialog.StoreToDevice(&device) : device.GetSetupDesk().Cancel();
 }
 
 } // namespace

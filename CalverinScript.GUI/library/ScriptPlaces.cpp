@@ -10,6 +10,7 @@
 #include "IModuleServices.h"
 #include "LimitedRun.h"
 #include "MCalverinScript_Device.h"
+#include "ScriptAnalysis.h"
 #include "ScriptFiles.h"
 
 namespace {
@@ -36,7 +37,7 @@ QString HelpFolderOf(const MCalverinScript_Device* device) {
 }
 
 std::chrono::milliseconds AnalysisLimitOf(const MCalverinScript_Device* device) {
-    return device != nullptr ? device->AnalysisLimit() : kAnalysisLimit;
+    return device != nullptr ? device->GetAnalysis().Limit() : kAnalysisLimit;
 }
 
 QString CopyFailureText() {

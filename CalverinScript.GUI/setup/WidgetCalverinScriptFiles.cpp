@@ -8,6 +8,7 @@
 #include "DialogSaveScriptOptions.h"
 #include "DialogSelectScript.h"
 #include "IModuleServices.h"
+#include "ScriptAnalysis.h"
 #include "ScriptFiles.h"
 #include "ScriptPlaces.h"
 #include "ui_WidgetCalverinScriptGUI.h"
@@ -41,7 +42,7 @@ void WidgetCalverinScriptGUI::TakeOpened(const QString& path, MScriptDescription
     const AnalysisOutcome loaded = LoadForAnalysis(*m_device, path);
     ShowFileName(&description);
     m_scriptFileName = path;
-    m_ui->tab_Script->ReplaceText(m_device->GetStopSet().scriptText);
+    m_ui->tab_Script->ReplaceText(m_device->GetAnalysis().GetSet().scriptText);
     if (loaded.succeeded) {
         m_ui->tab_Variables->SetVariables({});
         SlotExtractFromScript();
@@ -106,7 +107,7 @@ void WidgetCalverinScriptGUI::TakeSaved() {
         m_scriptFileName.clear();
     if (m_device == nullptr)
         return;
-    ScriptSet& analysed = m_device->GetStopSet();
+    ScriptSet& analysed = m_device->GetAnalysis().GetSet();
     analysed.scriptFileName = m_scriptFileName;
     analysed.scriptText = m_ui->tab_Script->GetText();
 }

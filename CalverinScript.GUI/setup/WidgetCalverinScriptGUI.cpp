@@ -10,10 +10,13 @@
 #include "DialogMessage.h"
 #include "MScriptDescription.h"
 #include "Pictures.h"
+#include "ScriptAnalysis.h"
 #include "ScriptFiles.h"
 #include "ScriptGlobals.h"
 #include "ScriptPlaces.h"
+#include "ScriptWorld.h"
 #include "SettingsForm.h"
+#include "SetupDesk.h"
 #include "SetupMerge.h"
 #include "ui_WidgetCalverinScriptGUI.h"
 
@@ -72,7 +75,7 @@ void WidgetCalverinScriptGUI::LoadFromDevice(MCalverinScript_Device* device) {
 }
 
 void WidgetCalverinScriptGUI::LoadOptions() {
-    const DeviceSetup setup = m_device->GetCurrentSetup();
+    const DeviceSetup setup = m_device->GetSetupDesk().Describe();
     const SetupScript script = setup.script.value_or(SetupScript());
     const SetupMemory& memory = m_device->GetStoredSetup().Memory();
     const QSignalBlocker quiet(m_ui->tabWidget);
@@ -82,7 +85,7 @@ void WidgetCalverinScriptGUI::LoadOptions() {
         m_ui->tabWidget->setCurrentIndex(memory.currentTab);
     m_ui->tab_Options->SetOptions({script.registerAllUserGroups, script.autoCompletion,
                                    setup.userModeVisible.value_or(true), setup.runModeVisible.value_or(true)});
-    m_ui->tab_Options->ShowDebugger(m_device->GetDebugger() != nullptr);
+    m_ui->tab_Options->ShowDebugger(m_device->GetWorld().Debugger() != nullptr);
     const QRect stored(memory.x, memory.y, memory.width, memory.height);
     if (memory.x != 0 || memory.y != 0 || memory.width != 0 || memory.height != 0)
         setGeometry(stored);
@@ -117,7 +120,7 @@ void WidgetCalverinScriptGUI::ShowLoadedFile() {
 /// @return the record with what the last analysis found; as it was when that failed.
 MScriptDescription WidgetCalverinScriptGUI::Describe(MScriptDescription record) {
     if (m_isSound && m_device != nullptr)
-        record.TakeInTime(m_device->GetStopSet().global, m_engine, AnalysisLimitOf(m_device));
+        record.TakeInTime(m_device->GetAnalysis().GetSet().global, m_engine, AnalysisLimitOf(m_device));
     return record;
 }
 
@@ -145,7 +148,7 @@ void WidgetCalverinScriptGUI::SlotExtractFromScript() {
 
 /// Brings the dialog's copies up to what the last analysis found, with what the user has entered.
 void WidgetCalverinScriptGUI::Extract() {
-    ScriptSet& found = m_device->GetStopSet();
+    ScriptSet& found = m_device->GetAnalysis().GetSet();
     ScriptVariables variables = found.variables.Snapshot();
     m_ui->tab_Variables->SetVariables(
         MergeVariables(variables, m_loadedVariables, m_ui->tab_Variables->GetVariables()));
@@ -276,7 +279,7 @@ DeviceSetup WidgetCalverinScriptGUI::MakeSetup() const {
 KXPCode WidgetCalverinScriptGUI::StoreToDevice(MCalverinScript_Device* device) {
     if (device == nullptr)
         return KXP_CANCELLED;
-    const KXPCode code = device->AcceptSetup(MakeSetup(), m_scriptFileName);
+    const KXPCode code = device->GetSetupDesk().Accept(MakeSetup(), m_scriptFileName);
     if (code == KXP_CANCELLED)
         return code;
     SetupMemory& memory = device->GetStoredSetup().Memory();

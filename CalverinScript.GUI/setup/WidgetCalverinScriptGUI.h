@@ -30,7 +30,7 @@ public:
     /// Shows the device's setup. The device is borrowed; when it goes first, the dialog is rejected. Null does nothing.
     void LoadFromDevice(MCalverinScript_Device* device);
     /// Gives the device what the dialog holds, after it was accepted.
-    /// @return as MCalverinScript_Device::AcceptSetup, 13 for null.
+    /// @return as SetupDesk::Accept, 13 for null.
     KXPCode StoreToDevice(MCalverinScript_Device* device);
     /// Loads a script of the library by its file name or path, as if it had been chosen.
     void OpenScript(const QString& path);

@@ -1,35 +1,35 @@
-#include "MCalverinScript_Device.h"
+#include "DeviceDefinition.h"
 
 #include <mutex>
 
 #include "DefinitionBuilder.h"
+#include "HostValues.h"
 #include "IData.h"
 #include "IModuleServices.h"
-#include "ThreadPromise.h"
+#include "ScriptSet.h"
+#include "StoredSetup.h"
 
-const char* MCalverinScript_Device::GetDefinition() {
-    ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetDefinition");
-    if (module == nullptr || door.IsClosed())
+const char* DeviceDefinition::Get() {
+    if (m_module == nullptr)
         return nullptr;
-    if (storedSetup.GetDefinition().empty()) {
+    if (m_setup.GetDefinition().empty()) {
         std::string text;
-        if (MakeDefinition(GetLiveSet().functions.Snapshot(), storedSetup.GetVariables(),
-                           storedSetup.IsRemovalApplied(), false, text))
-            storedSetup.SetDefinition(text);
-        else if (const char* definitionTemplate = module->GetDefinitionTemplate())
-            storedSetup.SetDefinition(definitionTemplate);
+        if (Build(m_running.functions.Snapshot(), m_setup.GetVariables(), m_setup.IsRemovalApplied(), false, text))
+            m_setup.SetDefinition(text);
+        else if (const char* definitionTemplate = m_module->GetDefinitionTemplate())
+            m_setup.SetDefinition(definitionTemplate);
         else
             return nullptr;
     }
-    return storedSetup.GetDefinition().c_str();
+    return m_setup.GetDefinition().c_str();
 }
 
-bool MCalverinScript_Device::MakeDefinition(const ScriptCommands& functions, const ScriptVariables& variables,
-                                            bool hideDefaults, bool resetDefaultIds, std::string& text) {
+bool DeviceDefinition::Build(const ScriptCommands& functions, const ScriptVariables& variables, bool hideDefaults,
+                             bool resetDefaultIds, std::string& text) {
     DefinitionRequest request;
-    request.definitionTemplate = module != nullptr ? module->GetDefinitionTemplate() : nullptr;
-    request.deviceNumber = storedSetup.GetDeviceNumber();
-    request.deviceVariables = values.GetVariables();
+    request.definitionTemplate = m_module != nullptr ? m_module->GetDefinitionTemplate() : nullptr;
+    request.deviceNumber = m_setup.GetDeviceNumber();
+    request.deviceVariables = m_values.GetVariables();
     request.commands = functions;
     request.variables = variables;
     request.hideDefaults = hideDefaults;
@@ -37,25 +37,22 @@ bool MCalverinScript_Device::MakeDefinition(const ScriptCommands& functions, con
     return BuildDefinition(request, text);
 }
 
-/// @return whether the host has taken it.
-bool MCalverinScript_Device::Offer(const std::string& definition) {
-    return values.Offer(definition);
+bool DeviceDefinition::Offer(const std::string& definition) {
+    return m_values.Offer(definition);
 }
 
-/// The host's values of the device's variables, after it has taken their definition.
-void MCalverinScript_Device::BindLiveVariables() {
-    const std::lock_guard<MLockedList<MScriptVariable>> guard(storedSetup.Variables());
-    for (MScriptVariable& variable : storedSetup.Variables()) {
-        variable.data = values.Find(variable.name);
+void DeviceDefinition::BindVariables() {
+    const std::lock_guard<MLockedList<MScriptVariable>> guard(m_setup.Variables());
+    for (MScriptVariable& variable : m_setup.Variables()) {
+        variable.data = m_values.Find(variable.name);
         variable.instanceId = variable.data != nullptr ? variable.data->GetInstanceID() : 0;
     }
 }
 
-void MCalverinScript_Device::BindDefaultVariables() {
-    values.BindDefaults(!storedSetup.IsRemovalApplied());
+void DeviceDefinition::BindDefaults() {
+    m_values.BindDefaults(!m_setup.IsRemovalApplied());
 }
 
-/// The same where they were never found.
-void MCalverinScript_Device::FindDefaultVariables() {
-    values.BindDefaultsUnlessBound(!storedSetup.IsRemovalApplied());
+void DeviceDefinition::BindDefaultsUnlessBound() {
+    m_values.BindDefaultsUnlessBound(!m_setup.IsRemovalApplied());
 }

@@ -1,7 +1,5 @@
 #include "MCalverinScript_Device.h"
 
-#include <cstdlib>
-
 #include <QImage>
 
 #include "FaceAnswer.h"
@@ -105,15 +103,6 @@ KXPCode MCalverinScript_Device::Reserved16(void* /*argument*/) {
 }
 
 KXPCode MCalverinScript_Device::Reserved20() {
-    return KXP_OK;
-}
-
-KXPCode MCalverinScript_Device::ReleaseString(char** text) {
-    ExpectThread(ThreadWord::HostMain, "IKXPDevice::ReleaseString");
-    if (text == nullptr || *text == nullptr)
-        return KXP_NULL_ARGUMENT;
-    std::free(*text);
-    *text = nullptr;
     return KXP_OK;
 }
 

@@ -14,7 +14,6 @@ KXPCode MCalverinScript_Device::Start() {
     SetStarted(true);
     road->Start();
     MTimerailManager::Reset();
-    FindDefaultVariables();
     RunStoredScript();
     TellPanel(true);
     return KXP_OK;

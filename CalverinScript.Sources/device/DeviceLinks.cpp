@@ -1,10 +1,15 @@
 #include "DeviceLinks.h"
 
+#include <mutex>
+#include <optional>
+
 #include <QScriptEngine>
 
 #include "DeviceTexts.h"
 #include "HostText.h"
+#include "IModuleServices.h"
 #include "Log.h"
+#include "MLockedList.h"
 #include "MScriptMngRemote.h"
 #include "ScriptWorld.h"
 
@@ -44,6 +49,28 @@ void MCalverinScript_Device::Links::OnCommandOver() {
     m_device.world->Remote().SetPostponeAllowed(false);
 }
 
+MLockedList<MCalverinScript_Device*>* MCalverinScript_Device::Links::AllDevices() const {
+    return m_device.module != nullptr ? m_device.module->GetDeviceList() : nullptr;
+}
+
+bool MCalverinScript_Device::Links::IsFirstDevice() const {
+    MLockedList<MCalverinScript_Device*>* devices = AllDevices();
+    MCalverinScript_Device* first = nullptr;
+    return devices == nullptr || !devices->Get(0, first) || first == &m_device;
+}
+
+ScriptCommands MCalverinScript_Device::Links::CommandsOfAllDevices() const {
+    ScriptCommands all;
+    if (auto* devices = AllDevices()) {
+        const std::lock_guard<MLockedList<MCalverinScript_Device*>> guard(*devices);
+        for (const MCalverinScript_Device* device : *devices) {
+            const ScriptCommands own = device->GetCommands();
+            all.insert(all.end(), own.begin(), own.end());
+        }
+    }
+    return all;
+}
+
 void MCalverinScript_Device::SlotHandlerException(const QScriptValue& exception) {
     const bool isError = exception.isError();
     const QString message = isError ? MessageOf(exception) : exception.toString();
@@ -62,4 +89,9 @@ void MCalverinScript_Device::ReportError(const QString& text, bool stopMode) {
     if (!stopMode)
         values.SetText(DefaultVariable::Error, text);
     Q_EMIT SignalNotifyErrorChange(text);
+}
+
+MScriptResource* MCalverinScript_Device::FindResource(const QScriptValue& signature) {
+    const std::optional<ResourceRequest> request = RequestOf(ReadResourceSignature(signature, world->Engine()));
+    return request ? world->Resources().Find(*request) : nullptr;
 }

@@ -3,9 +3,10 @@
 #include "CommandRoad.h"
 #include "IProgramOwner.h"
 #include "MCalverinScript_Device.h"
+#include "SetupDesk.h"
 
 /// What the rooms need of the device that they are in: its calls to the script thread, and its signals.
-class MCalverinScript_Device::Links final : public ICommandWork, public IProgramOwner {
+class MCalverinScript_Device::Links final : public ICommandWork, public IProgramOwner, public ISetupOwner {
 public:
     explicit Links(MCalverinScript_Device& device)
         : m_device(device) {}
@@ -32,6 +33,15 @@ public:
     void StopProgram() override { m_device.ExecuteStopFunction(); }
     void ShowDebugger() override { Q_EMIT m_device.SignalShowDebugger(); }
 
+    // ISetupOwner
+    std::string GetSetupName() override { return m_device.CopyName(); }
+    void SetSetupName(const char* name) override { m_device.MKXPDeviceBase::SetName(name); }
+    bool IsFirstDevice() const override;
+    ScriptCommands CommandsOfAllDevices() const override;
+    void ShowScript(const QString& fileName, const QString& text) override { m_device.ShowScript(fileName, text); }
+
 private:
+    MLockedList<MCalverinScript_Device*>* AllDevices() const;
+
     MCalverinScript_Device& m_device;
 };

@@ -1,6 +1,5 @@
 #include "MCalverinScript_Device.h"
 
-#include <cstring>
 #include <memory>
 #include <tuple>
 #include <type_traits>
@@ -9,20 +8,9 @@
 #include <QScriptEngine>
 
 #include "DeviceMarshalling.h"
-#include "HostText.h"
-#include "MScriptThread.h"
 #include "OwnedArgument.h"
-#include "ScriptHandlers.h"
+#include "ScriptAnalysis.h"
 #include "ScriptProgram.h"
-
-void MCalverinScript_Device::OnScriptThreadStarted(MScriptThread* thread) {
-    crossing.OnThreadStarted(thread);
-}
-
-void MCalverinScript_Device::OnScriptThreadEnding() {
-    handlers->ClearAll();
-    crossing.OnThreadEnding(*this);
-}
 
 /// A marshalled call on its way, which owns what its slot needs.
 template <typename... Parameters>
@@ -82,7 +70,7 @@ bool MCalverinScript_Device::EvaluateScriptCommand(const QString& text, bool sto
 bool MCalverinScript_Device::EvaluateScript(const QString& text, QScriptEngine* analysisEngine) {
     if (analysisEngine == nullptr)
         return Marshal(MarshalledCallTable::kEvaluateScript, text, false);
-    return Analyse(text, *analysisEngine);
+    return analysis->RunOn(*analysisEngine, text);
 }
 
 bool MCalverinScript_Device::ExecuteScriptFunction(const char* name, IData* result, const char** params) {
@@ -107,36 +95,4 @@ void MCalverinScript_Device::ShowScript(const QString& fileName, const QString& 
         const ScriptEntrance::Entry entry(crossing.Entrance());
         program->Show(fileName, text);
     });
-}
-
-int MCalverinScript_Device::PostScriptEvent(const QString& name, const MScriptParamList* params,
-                                            MScriptCommonEvent* event) {
-    if (params != nullptr && event != nullptr)
-        PostScriptEvents(name, {*params}, event);
-    return 1;
-}
-
-void MCalverinScript_Device::PostScriptEvents(const QString& name, std::vector<MScriptParamList> events,
-                                              MScriptCommonEvent* event) {
-    for (const MScriptParamList& params : events)
-        Q_EMIT SignalExecuteScriptEventCallBack(name, params, event);
-    PostTask([this, name, events = std::move(events), event] {
-        for (const MScriptParamList& params : events)
-            SlotExecuteScriptEventCallBack(name, params, event);
-    });
-}
-
-void MCalverinScript_Device::PostPropertyChange(const char* object, const char* property, const char* value,
-                                                bool objectFollows) {
-    if (object == nullptr || property == nullptr || value == nullptr)
-        return;
-    const QString name = FromHostText(object);
-    const QString propertyName = FromHostText(property);
-    const QString text = FromHostText(value);
-    const std::size_t length = std::strlen(object) + std::strlen(property) + std::strlen(value);
-    const ScriptBacklog::Ticket ticket = handlers->NoteChange(length * sizeof(QChar));
-    if (!ticket)
-        return;
-    Q_EMIT SignalOnPropertyChange(name, propertyName, text, objectFollows);
-    PostTask([=, waiting = ticket] { SlotOnPropertyChange(name, propertyName, text, objectFollows); });
 }

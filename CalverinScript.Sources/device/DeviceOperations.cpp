@@ -1,6 +1,8 @@
 #include "MCalverinScript_Device.h"
 
 #include "CommandRoad.h"
+#include "HostText.h"
+#include "SetupDesk.h"
 
 bool MCalverinScript_Device::LoadScriptFromFile(IExecContext* context, const char* fileName, bool execute) {
     const ScriptRequest request = ScriptRequest::Load(kLoadFromFile, fileName);
@@ -45,4 +47,14 @@ std::uint32_t MCalverinScript_Device::ThreadRun(MThread* thread) {
 
 MCommandObject* MCalverinScript_Device::TakeExecutingCommand() {
     return road->TakeExecuting();
+}
+
+/// The default variables are looked up first, where they never were: a script that is loaded is shown in them.
+void MCalverinScript_Device::RunStoredScript() {
+    desk->BindDefaultsUnlessBound();
+    const QString fileName = storedSetup.GetScriptFileName();
+    if (!fileName.isEmpty())
+        LoadScriptCommand(ToHostText(fileName).constData(), false);
+    else
+        EvaluateScriptCommand(storedSetup.GetScriptText(), false);
 }

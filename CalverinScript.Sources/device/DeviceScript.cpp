@@ -1,7 +1,5 @@
 #include "MCalverinScript_Device.h"
 
-#include <QTimerEvent>
-
 #include "DeviceMarshalling.h"
 #include "ScriptAnalysis.h"
 #include "ScriptHandlers.h"
@@ -27,13 +25,6 @@ bool MCalverinScript_Device::SlotEvaluateScript(const QString& text, bool stopMo
     return RunSlot(MarshalledCallTable::kEvaluateScript, [&] { return program->Evaluate(text); });
 }
 
-bool MCalverinScript_Device::Analyse(const QString& text, QScriptEngine& engine) {
-    analysis->SetEngine(&engine);
-    const bool result = SlotEvaluateScript(text, true);
-    analysis->SetEngine(nullptr);
-    return result;
-}
-
 bool MCalverinScript_Device::SlotExecuteScript_mStop() {
     return RunSlot(MarshalledCallTable::kExecuteStopFunction, [&] { return program->CallStop(); });
 }
@@ -48,56 +39,6 @@ bool MCalverinScript_Device::SlotExecuteCallBack(MyAsyncDeviceExecContext* conte
         handlers->OnAnswer(context);
         return true;
     });
-}
-
-bool MCalverinScript_Device::SlotExecuteScriptEventCallBack(const QString& name, const MScriptParamList& params,
-                                                            MScriptCommonEvent* event) {
-    handlers->OnEvent(name, params, event);
-    return false;
-}
-
-void MCalverinScript_Device::SlotOnPropertyChange(const QString& object, const QString& /*property*/,
-                                                  const QString& value, bool /*objectFollows*/) {
-    handlers->OnChange(object, value);
-}
-
-unsigned int MCalverinScript_Device::SlotSetPropertyChangeCallback(const QScriptValue& function) {
-    if (!function.isFunction())
-        return KXP_NOT_IMPLEMENTED;
-    handlers->SetOnChange(function);
-    return KXP_OK;
-}
-
-int MCalverinScript_Device::SlotSetInterval(const QScriptValue& expression, int delay) {
-    return handlers->StartTimer(ScriptTimers::Kind::Interval, expression, delay);
-}
-
-void MCalverinScript_Device::SlotClearInterval(int id) {
-    handlers->ClearTimer(ScriptTimers::Kind::Interval, id);
-}
-
-int MCalverinScript_Device::SlotSetTimeout(const QScriptValue& expression, int delay) {
-    return handlers->StartTimer(ScriptTimers::Kind::TimeOut, expression, delay);
-}
-
-void MCalverinScript_Device::SlotClearTimeout(int id) {
-    handlers->ClearTimer(ScriptTimers::Kind::TimeOut, id);
-}
-
-void MCalverinScript_Device::timerEvent(QTimerEvent* fired) {
-    handlers->OnTimer(fired->timerId());
-}
-
-MyAsyncDeviceExecContext* MCalverinScript_Device::MakeAsyncContext(const QScriptValue& function) {
-    return handlers->MakeRequest(function);
-}
-
-void MCalverinScript_Device::ForgetAsyncContext(MyAsyncDeviceExecContext* context) {
-    handlers->ForgetRequest(context);
-}
-
-void MCalverinScript_Device::DropAsyncResult(MyAsyncDeviceExecContext* context) {
-    handlers->DropAnswer(context);
 }
 
 bool MCalverinScript_Device::ClearStateOnScriptThread() {

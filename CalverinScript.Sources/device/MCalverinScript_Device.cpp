@@ -9,6 +9,7 @@
 #include "CommandRoad.h"
 #include "ConfigFile.h"
 #include "DeviceLinks.h"
+#include "HostCommands.h"
 #include "IModuleServices.h"
 #include "ModuleShared.h"
 #include "MScriptEngineAgent.h"
@@ -17,6 +18,7 @@
 #include "ScriptHandlers.h"
 #include "ScriptProgram.h"
 #include "ScriptWorld.h"
+#include "SetupDesk.h"
 
 /// Puts the rooms together. The tick comes last: from there on it looks at all of them.
 MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, ISetupInterface* setup,
@@ -33,9 +35,13 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
           ScriptWorld::Place{*this, *this, services, values, crossing.Entrance(), ending, *links}))
     , handlers(std::make_unique<ScriptHandlers>(*this, *world, crossing.Entrance()))
     , analysis(std::make_unique<ScriptAnalysis>(module, services, values, storedSetup, *links))
+    , desk(std::make_unique<SetupDesk>(SetupDesk::Parts{module, services, door, values, world->GetSet(), storedSetup,
+                                                        commands, *analysis, world->Resources(), *links, *links}))
     , program(std::make_unique<ScriptProgram>(
           ScriptProgram::Parts{*world, *handlers, values, storedSetup, services, *links}))
     , road(std::make_unique<CommandRoad>(*this, *this, *this, *links, kRequestedStackSize))
+    , hostCommands(std::make_unique<HostCommands>(
+          HostCommands::Parts{commands, *program, *road, values, *links, services.newerLink != nullptr}))
     , endings{&crossing, world.get(), &seat, road.get(), &values, &door} {
     SweepAbandoned();
     world->SetAgent(new MScriptEngineAgent(&world->Engine(), this));
@@ -74,26 +80,6 @@ MScriptMngRemote* MCalverinScript_Device::GetRemote() const {
 
 QScriptEngine* MCalverinScript_Device::GetEngine() const {
     return &world->Engine();
-}
-
-ScriptDebugger* MCalverinScript_Device::GetDebugger() const {
-    return world->Debugger();
-}
-
-const ScriptSet& MCalverinScript_Device::GetLiveSet() const {
-    return world->GetSet();
-}
-
-std::chrono::milliseconds MCalverinScript_Device::AnalysisLimit() const {
-    return analysis->Limit();
-}
-
-ScriptSet& MCalverinScript_Device::GetStopSet() {
-    return analysis->GetSet();
-}
-
-const std::vector<ResourceRequest>& MCalverinScript_Device::GetResourceRequests() const {
-    return world->Resources().GetRequests();
 }
 
 std::int32_t MCalverinScript_Device::GetStackCount() const {

@@ -2,11 +2,9 @@
 
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -28,25 +26,23 @@
 #include "MTimerailManager.h"
 #include "MyAsyncDeviceExecContext.h"
 #include "MyCommandManager.h"
-#include "ResourceSignature.h"
 #include "ScriptCrossing.h"
-#include "ScriptSet.h"
-#include "SetupFormat.h"
 #include "StoredSetup.h"
 #include "TickSeat.h"
 #include "UserCommands.h"
 
 class CommandRoad;
+class HostCommands;
 class IModuleServices;
 class ISetupInterface;
 class MScriptMngRemote;
 class MScriptThread;
 class QImage;
 class ScriptAnalysis;
-class ScriptDebugger;
 class ScriptHandlers;
 class ScriptProgram;
 class ScriptWorld;
+class SetupDesk;
 template <typename... Parameters>
 struct MarshalledCallRow;
 
@@ -113,35 +109,17 @@ public:
     KXPCode Reserved20() override;
     KXPCode CreatePanel(std::uint32_t kind, IKXPDevicePanel** out) override;
 
-    // The setup, as dialogs and stored texts give it
-    /// What the host keeps of the device. Its script and settings are not changed while the device is started.
-    StoredSetup& GetStoredSetup() { return storedSetup; }
-    const StoredSetup& GetStoredSetup() const { return storedSetup; }
+    // The setup
     /// Opens the setup dialog with a script of the library chosen; null chooses none.   [host main]
     KXPCode ShowSetupDialog(const char* scriptName);
+    /// What the host keeps of the device. Its script and settings are not changed while the device is started.
+    StoredSetup& GetStoredSetup() { return storedSetup; }
+    /// Where dialogs read and change it.
+    SetupDesk& GetSetupDesk() const { return *desk; }
+    /// What the last analysis of a script saw, and how long one may take.   [host main]
+    ScriptAnalysis& GetAnalysis() const { return *analysis; }
     /// As UserCommands::Validate.   [host main]
     int ValidateCommand(std::int32_t id, IObjectParams* params) { return commands.Validate(id, params); }
-
-    // What a setup dialog needs: BeginSetup, its own analyses by EvaluateScript, then one of the two others
-    /// Before the dialog fills its form.   [host main]
-    void BeginSetup();
-    /// The setup as the device has it now, all but the commands.   [host main]
-    DeviceSetup GetCurrentSetup();
-    /// Takes over what the dialog holds, once the host has taken the definition that follows from it. The script has
-    /// to have been analysed before.
-    /// @param setup its commands and module commands are not read. @param scriptFile path of the script's
-    /// file, may be empty.
-    /// @return 0, 771 the commands have changed, 13 the host refused and the device is as it was.   [host main]
-    KXPCode AcceptSetup(const DeviceSetup& setup, const QString& scriptFile);
-    /// Lets go of the resources that the device has taken, and takes those that the settings name. A dialog calls it
-    /// when its user has chosen one.   [host main]
-    void ResolveResources(const ScriptSettings& settings);
-    /// The dialog was left without: the resources are those of the device's own settings again.
-    /// @return 13.   [host main]
-    KXPCode CancelSetup();
-    /// Looks up the device's five default variables at the host: null where it has none of that
-    /// name.   [any host thread]
-    void BindDefaultVariables();
 
     // Calls that cross to the script thread. Each waits for its completion; on the script thread itself
     // it runs at once.
@@ -222,25 +200,18 @@ public:
     void OnScriptThreadEnding();
 
     // What dialogs, panels and tests look at
+    /// The engine with all that stands in it.
+    ScriptWorld& GetWorld() const { return *world; }
     MScriptMngRemote* GetRemote() const;
     QScriptEngine* GetEngine() const;
     ScriptEntrance& GetEntrance() { return crossing.Entrance(); }
-    const ScriptSet& GetLiveSet() const;
-    /// What the last analysis saw, for the dialog whose analyses these are.   [host main]
-    ScriptSet& GetStopSet();
-    /// How long an analysis may take.   [host main]
-    std::chrono::milliseconds AnalysisLimit() const;
     /// The module that made the device; null in a device without one.
     IModuleServices* GetModule() const { return module; }
-    /// Null unless the configuration file enables it.
-    ScriptDebugger* GetDebugger() const;
     MScriptThread* GetScriptThread() const { return crossing.GetThread(); }
     /// Commands that are posted and not over.   [any]
     std::int32_t GetStackCount() const;
     bool HasStopFunction() const;
     std::vector<MScriptCommand> GetCommands() const { return commands.Get(); }
-    /// The resources of the host that the settings name.   [host main]
-    const std::vector<ResourceRequest>& GetResourceRequests() const;
 
     /// Devices that were released while their script would not end. They are looked through at each creation and
     /// release, and those whose script has ended since are deleted.
@@ -317,29 +288,9 @@ private:
     bool RunSlot(const Row& row, Work work);
     bool ClearStateOnScriptThread();
     void ClearScriptState();
-    bool Analyse(const QString& text, QScriptEngine& engine);
     void ShowScript(const QString& fileName, const QString& text);
 
-    // Commands
     bool MayPost() const;
-    KXPCode PostBuiltIn(std::int32_t id, IObjectParams* params, IExecContext* context);
-    KXPCode PostUserCommand(std::int32_t id, IObjectParams* params, IExecContext* context);
-
-    // Setup
-    void TakeStoredSetup(const DeviceSetup& setup);
-    void TakeStoredScript(const SetupScript& script);
-    void TakeAcceptedSetup(const DeviceSetup& setup, const SetupScript& script, const QString& scriptFile);
-    void TakeScript(const QString& fileName, const QString& text);
-    void AnalyseStoredScript();
-    bool CanBeStored(DeviceSetup setup);
-    bool IsFirstDevice() const;
-    void MergeLegacy();
-    void FindDefaultVariables();
-    bool MakeDefinition(const ScriptCommands& functions, const ScriptVariables& variables, bool hideDefaults,
-                        bool resetDefaultIds, std::string& text);
-    bool Offer(const std::string& definition);
-    void BindLiveVariables();
-    void ResolveChangedResources();
 
     // NOLINTBEGIN(readability-identifier-naming): the fields of a device have agreed names
     IModuleServices* const module;         ///< not owned
@@ -357,13 +308,15 @@ private:
     StoredSetup storedSetup;     ///< what the host keeps of the device
     UserCommands commands;       ///< the commands that the script adds
     const std::unique_ptr<Links> links;
-    ScriptCrossing crossing;                        ///< the script thread and the way there
-    const std::unique_ptr<ScriptWorld> world;       ///< the engine and all that stands in it
-    const std::unique_ptr<ScriptHandlers> handlers; ///< functions of the script that are called back
-    const std::unique_ptr<ScriptAnalysis> analysis; ///< what a script would publish
-    const std::unique_ptr<ScriptProgram> program;   ///< the script that runs
-    const std::unique_ptr<CommandRoad> road;        ///< the command thread and its queue
-    TickSeat seat{*this};                           ///< the watchdog's tick
-    const std::array<IEndingRoom*, 6> endings;      ///< the rooms that end with the device, in their order
+    ScriptCrossing crossing;                          ///< the script thread and the way there
+    const std::unique_ptr<ScriptWorld> world;         ///< the engine and all that stands in it
+    const std::unique_ptr<ScriptHandlers> handlers;   ///< functions of the script that are called back
+    const std::unique_ptr<ScriptAnalysis> analysis;   ///< what a script would publish
+    const std::unique_ptr<SetupDesk> desk;            ///< where the setup is read and changed
+    const std::unique_ptr<ScriptProgram> program;     ///< the script that runs
+    const std::unique_ptr<CommandRoad> road;          ///< the command thread and its queue
+    const std::unique_ptr<HostCommands> hostCommands; ///< the commands that the host sends
+    TickSeat seat{*this};                             ///< the watchdog's tick
+    const std::array<IEndingRoom*, 6> endings;        ///< the rooms that end with the device, in their order
     // NOLINTEND(readability-identifier-naming)
 };

@@ -19,10 +19,12 @@ ScriptAnalysis::ScriptAnalysis(IModuleServices* module, const HostServices& serv
     , m_setup(setup)
     , m_reports(reports) {}
 
-void ScriptAnalysis::SetEngine(QScriptEngine* engine) {
-    if (engine != nullptr)
-        SetUpAnalysisGlobals(*engine);
-    m_set.engine = engine;
+bool ScriptAnalysis::RunOn(QScriptEngine& engine, const QString& text) {
+    SetUpAnalysisGlobals(engine);
+    m_set.engine = &engine;
+    const bool result = Run(text);
+    m_set.engine = nullptr;
+    return result;
 }
 
 bool ScriptAnalysis::LoadFile(const char* fileName) {
@@ -38,6 +40,8 @@ bool ScriptAnalysis::LoadText(const QString& text) {
 }
 
 bool ScriptAnalysis::Run(const QString& text) {
+    if (m_set.engine == nullptr)
+        return false;
     const std::chrono::milliseconds limit = Limit();
     LimitedRun run(*m_set.engine, limit);
     VariableLookup lookup(m_services, m_values.GetVariables(), m_setup.Variables());

@@ -25,15 +25,14 @@ public:
     ScriptAnalysis(const ScriptAnalysis&) = delete;
     ScriptAnalysis& operator=(const ScriptAnalysis&) = delete;
 
-    /// The engine of the analyses that follow, which gets the globals of a device's; null for none.
-    void SetEngine(QScriptEngine* engine);
-
     /// Reads a file and shows it, without looking at what it publishes. @return whether it could be read.
     bool LoadFile(const char* fileName);
     /// Shows a text in the same way. @return true.
     bool LoadText(const QString& text);
-    /// Evaluates a text on the engine and scans its value. What it publishes takes the place of what was found
-    /// before; after a failure that stays. @return whether it could be evaluated.
+    /// Evaluates a text on an engine, which gets the globals of a device's, and scans its value. What it publishes takes
+    /// the place of what was found before; after a failure that stays. @return whether it could be evaluated.
+    bool RunOn(QScriptEngine& engine, const QString& text);
+    /// The same on the engine of the run that is under way; nothing outside one.
     bool Run(const QString& text);
 
     /// Whether the last run came to its end by itself.

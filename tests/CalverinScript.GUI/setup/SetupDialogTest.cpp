@@ -3,6 +3,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "ScriptAnalysis.h"
+#include "SetupDesk.h"
 #include "SetupDialogFixture.h"
 
 namespace {
@@ -83,7 +85,7 @@ TEST_F(TheSetupDialog, LeavesTheDeviceAsItWasWhenCancelledOrClosed) {
               13u);
     EXPECT_EQ(StoredValue("Address"), "(none)");
     EXPECT_EQ(device->GetStoredSetup().GetScriptText().toStdString(), kDriver);
-    EXPECT_EQ(device->GetStopSet().settings.Count(), 2u) << "the analysis is that of the stored script again";
+    EXPECT_EQ(device->GetAnalysis().GetSet().settings.Count(), 2u) << "the analysis is that of the stored script again";
 }
 
 TEST_F(TheSetupDialog, TellsTheHostWhenTheCommandsHaveChanged) {
@@ -191,7 +193,7 @@ TEST_F(TheSetupDialog, KeepsTheOptionsThatAreTicked) {
             Click(dialog, box);
         Click(dialog, "pushButtonOk");
     });
-    const DeviceSetup stored = device->GetCurrentSetup();
+    const DeviceSetup stored = device->GetSetupDesk().Describe();
     EXPECT_TRUE(stored.script->registerAllUserGroups) << "a stored setup without the attribute had it off";
     EXPECT_FALSE(stored.script->autoCompletion);
     EXPECT_FALSE(*stored.userModeVisible);

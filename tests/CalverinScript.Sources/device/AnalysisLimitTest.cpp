@@ -1,6 +1,7 @@
 #include <QScriptEngine>
 
 #include "DeviceFixture.h"
+#include "ScriptAnalysis.h"
 #include "SetupFormat.h"
 
 namespace {
@@ -45,8 +46,8 @@ TEST_F(AnalysisLimit, EndsANativeLoopWhoseLengthTheScriptChose) {
 TEST_F(AnalysisLimit, LeavesTheListsOfTheLastGoodAnalysis) {
     ASSERT_TRUE(Analyse("({ F: function() {} })"));
     EXPECT_FALSE(Analyse("({ G: function() {}, get Endless() { for (;;) {} } })"));
-    ASSERT_EQ(device->GetStopSet().functions.Count(), 1u);
-    EXPECT_EQ(device->GetStopSet().functions.Snapshot().front().name, QStringLiteral("F"));
+    ASSERT_EQ(device->GetAnalysis().GetSet().functions.Count(), 1u);
+    EXPECT_EQ(device->GetAnalysis().GetSet().functions.Snapshot().front().name, QStringLiteral("F"));
 }
 
 TEST_F(AnalysisLimit, LetsAProjectOpenWhoseScriptNeverComesBack) {

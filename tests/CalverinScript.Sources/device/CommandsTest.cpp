@@ -5,6 +5,7 @@
 
 #include "DeviceTexts.h"
 #include "MScriptMngRemote.h"
+#include "ScriptWorld.h"
 
 namespace {
 
@@ -268,7 +269,7 @@ TEST_F(Commands, APostponedResultStaysOpenUntilItIsSetAndIgnoresTheReturnValue) 
     EXPECT_EQ(context.Ended(), 0);
     EXPECT_EQ(params->At(1).Text(), "");
     OnScriptThread([&] {
-        const QScriptValue global = device->GetLiveSet().global;
+        const QScriptValue global = device->GetWorld().GetSet().global;
         id = global.property(QStringLiteral("id")).toInt32();
         second = global.property(QStringLiteral("again")).toInt32() != 0;
         device->GetRemote()->SetResult(0, QStringLiteral("nobody"));

@@ -6,6 +6,7 @@
 #include <QScriptEngineDebugger>
 
 #include "ScriptDebugger.h"
+#include "ScriptWorld.h"
 
 namespace {
 
@@ -27,7 +28,7 @@ protected:
 
 TEST_F(Debugger, KeepsTheScriptOnTheHostsThreadAndStillRunsIt) {
     MakeDevice();
-    ASSERT_NE(device->GetDebugger(), nullptr);
+    ASSERT_NE(device->GetWorld().Debugger(), nullptr);
     EXPECT_EQ(device->GetScriptThread(), nullptr);
     GivenScript("({ F: function(a) { return a + '!' } })");
     EXPECT_EQ(variables.functions.Text(), "F\n");
@@ -43,7 +44,7 @@ TEST_F(Debugger, ShowsItsWindowWithTheDevicesName) {
     MakeDevice();
     GivenScript("({})");
     QCoreApplication::processEvents();
-    const QMainWindow* window = device->GetDebugger()->GetDebugger().standardWindow();
+    const QMainWindow* window = device->GetWorld().Debugger()->GetDebugger().standardWindow();
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Desk"));
     EXPECT_EQ(window->size(), QSize(1024, 640));
@@ -73,14 +74,14 @@ TEST_F(Debugger, LetsStopAbortAScriptThatNeverReturns) {
 TEST_F(Debugger, IsNotThereOnARunTimeHostWhateverTheFileSays) {
     module.debuggerAllowed = false;
     MakeDevice();
-    EXPECT_EQ(device->GetDebugger(), nullptr);
+    EXPECT_EQ(device->GetWorld().Debugger(), nullptr);
     EXPECT_NE(device->GetScriptThread(), nullptr);
 }
 
 TEST_F(Debugger, IsNotThereUnlessTheFileEnablesIt) {
     module.configPath = WriteFile("off.cfg", "[DEBUGGER]\nenable=0\n[OTHER]\nenable=1\n");
     MakeDevice();
-    EXPECT_EQ(device->GetDebugger(), nullptr);
+    EXPECT_EQ(device->GetWorld().Debugger(), nullptr);
 }
 
 } // namespace

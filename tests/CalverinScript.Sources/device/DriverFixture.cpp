@@ -7,6 +7,8 @@
 #include "HostText.h"
 #include "HostXml.h"
 #include "ModuleResources.h"
+#include "ScriptAnalysis.h"
+#include "SetupDesk.h"
 
 namespace {
 
@@ -90,14 +92,14 @@ DriverDevice& DriverFixture::MakeDevice(const char* name) {
 
 KXPCode DriverFixture::Accept(DriverDevice& driver, const std::string& script) {
     MCalverinScript_Device& device = *driver.device;
-    device.BeginSetup();
+    device.GetSetupDesk().Begin();
     QScriptEngine engine;
     device.EvaluateScript(QString::fromStdString(script), &engine);
-    DeviceSetup setup = device.GetCurrentSetup();
+    DeviceSetup setup = device.GetSetupDesk().Describe();
     setup.script->text = QString::fromStdString(script);
-    setup.monitors = device.GetStopSet().variables.Snapshot();
-    setup.settings = device.GetStopSet().settings.Snapshot();
-    return device.AcceptSetup(setup, QString());
+    setup.monitors = device.GetAnalysis().GetSet().variables.Snapshot();
+    setup.settings = device.GetAnalysis().GetSet().settings.Snapshot();
+    return device.GetSetupDesk().Accept(setup, QString());
 }
 
 std::string DriverFixture::Setup(DriverDevice& driver) {

@@ -7,6 +7,7 @@
 
 #include "Deadline.h"
 #include "MScriptThread.h"
+#include "ScriptAnalysis.h"
 
 namespace {
 
@@ -64,7 +65,7 @@ TEST_F(EndOfDevice, ASetupThatLoadsAFileDoesNotWaitForAHungScript) {
     const std::string path = WriteFile("driver.js", "({ Play: function() {} })");
     WhenItHangs("while (true) {}");
     EXPECT_TRUE(device->LoadScriptCommand(path.c_str(), true));
-    EXPECT_EQ(device->GetStopSet().scriptText, QStringLiteral("({ Play: function() {} })"));
+    EXPECT_EQ(device->GetAnalysis().GetSet().scriptText, QStringLiteral("({ Play: function() {} })"));
     EXPECT_FALSE(device->LoadScriptCommand("/no/such/file.js", true));
     Release();
 }

@@ -1,7 +1,9 @@
 #include "DeviceFixture.h"
 
 #include "DeviceTexts.h"
+#include "ScriptAnalysis.h"
 #include "ScriptScan.h"
+#include "ScriptWorld.h"
 
 namespace {
 
@@ -36,8 +38,8 @@ TEST_F(Loading, OfAnUnreadableFileReportsItAndKeepsTheNameAndTheFunctions) {
     GivenScript("({ Old: function() { return 'still here' } })");
     device->LoadScriptCommand("/no/such/file.js", false);
     EXPECT_EQ(Error(), DeviceText::kUnreadableFile);
-    EXPECT_EQ(device->GetLiveSet().scriptFileName, QStringLiteral("/no/such/file.js"));
-    EXPECT_EQ(device->GetLiveSet().scriptText, QString());
+    EXPECT_EQ(device->GetWorld().GetSet().scriptFileName, QStringLiteral("/no/such/file.js"));
+    EXPECT_EQ(device->GetWorld().GetSet().scriptText, QString());
     EXPECT_EQ(Call("Old"), "still here");
 }
 
@@ -127,7 +129,7 @@ TEST_F(Loading, InStopModeTouchesNeitherTheRunningScriptNorTheVariables) {
     EXPECT_TRUE(device->EvaluateScript(QStringLiteral("({ Analysed: function() {} })"), &engine));
     EXPECT_EQ(errors, QStringList{QLatin1String(DeviceText::kAnalysed)});
     EXPECT_EQ(Error(), "");
-    EXPECT_EQ(device->GetStopSet().engine, nullptr);
+    EXPECT_EQ(device->GetAnalysis().GetSet().engine, nullptr);
     EXPECT_EQ(Call("Live"), "1");
     EXPECT_EQ(Call("Analysed"), "(code 3)");
 }
@@ -150,7 +152,8 @@ TEST_F(Loading, InStopModeKnowsTheSameGlobals) {
     GivenScript("");
     QScriptEngine engine;
     EXPECT_TRUE(device->EvaluateScript(QStringLiteral("({ kind: typeof QCalverin })"), &engine));
-    EXPECT_EQ(device->GetStopSet().global.property(QStringLiteral("kind")).toString(), QStringLiteral("object"));
+    EXPECT_EQ(device->GetAnalysis().GetSet().global.property(QStringLiteral("kind")).toString(),
+              QStringLiteral("object"));
     EXPECT_TRUE(device->EvaluateScript(QStringLiteral("({ kind: typeof QCalverin })"), &engine));
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "DeviceFixture.h"
+#include "ScriptWorld.h"
 #include "TypedValue.h"
 
 namespace {
@@ -144,7 +145,8 @@ TEST_F(ReplacedValues, OfARunningDeviceAreNotTouchedAfterTheHostHasDroppedThem) 
                 "   Fail: function() { throw new Error('e') } })");
     ASSERT_EQ(device->SetSetup(setup.c_str()), KXP_OK);
     device->Start();
-    OnScriptThread([&] { device->SlotSetInterval(device->GetLiveSet().global.property(QStringLiteral("Tick")), 0); });
+    OnScriptThread(
+        [&] { device->SlotSetInterval(device->GetWorld().GetSet().global.property(QStringLiteral("Tick")), 0); });
     Repeat([&] {
         auto params = plain::Params::ForFunction("Fail", {});
         plain::Context context;

@@ -41,10 +41,8 @@ class Analysis : public testing::Test {
 protected:
     bool Run(const char* text) {
         QScriptEngine engine;
-        analysis.SetEngine(&engine);
-        const bool result = analysis.Run(QLatin1String(text));
+        const bool result = analysis.RunOn(engine, QLatin1String(text));
         analysis.ForgetValue();
-        analysis.SetEngine(nullptr);
         return result;
     }
     std::string Functions() {

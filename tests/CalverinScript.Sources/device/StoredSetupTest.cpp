@@ -6,6 +6,8 @@
 #include "DriverFixture.h"
 #include "HostText.h"
 #include "ModuleShared.h"
+#include "ScriptWorld.h"
+#include "SetupDesk.h"
 #include "SetupFormat.h"
 
 namespace {
@@ -18,7 +20,7 @@ constexpr const char* kDriver =
     "   Fade: function(level, time) { this.Device.Level = level; return 'faded ' + level },"
     "   Port: function() { return this.Setup.port + this.Setup.name } })";
 
-class StoredSetup : public DriverFixture {
+class StoredSetups : public DriverFixture {
 protected:
     std::string WriteScript(const std::string& name, const std::string& content) {
         QFile file(folder.filePath(QString::fromStdString(name)));
@@ -34,21 +36,21 @@ protected:
     }
 };
 
-TEST_F(StoredSetup, AsksForAPlaceAndForAText) {
+TEST_F(StoredSetups, AsksForAPlaceAndForAText) {
     DriverDevice& driver = MakeDevice();
     EXPECT_EQ(driver.device->GetSetup(nullptr), KXP_NULL_ARGUMENT);
     EXPECT_EQ(driver.device->SetSetup(nullptr), KXP_NULL_ARGUMENT);
     EXPECT_EQ(driver.device->SetSetup(""), KXP_NULL_ARGUMENT);
 }
 
-TEST_F(StoredSetup, OfANewDeviceHasItsDefaults) {
+TEST_F(StoredSetups, OfANewDeviceHasItsDefaults) {
     const std::string text = Setup(MakeDevice());
     EXPECT_NE(text.find("RegisterAllUserGroups=\"1\""), std::string::npos) << text;
     EXPECT_NE(text.find("AutoCompletion=\"1\""), std::string::npos);
     EXPECT_NE(text.find("<UserMode Visibility=\"1\""), std::string::npos);
 }
 
-TEST_F(StoredSetup, IsReadBackWithTheSameResult) {
+TEST_F(StoredSetups, IsReadBackWithTheSameResult) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
     const std::string text = Setup(driver);
@@ -61,7 +63,7 @@ TEST_F(StoredSetup, IsReadBackWithTheSameResult) {
     module.devices.Add(driver.device);
 }
 
-TEST_F(StoredSetup, OfAScriptInAFileIsReadBackWithTheSameResult) {
+TEST_F(StoredSetups, OfAScriptInAFileIsReadBackWithTheSameResult) {
     DriverDevice& driver = MakeDevice();
     WriteScript("a.js", "({ f: function() { return '\xC3\xA9' } })");
     const std::string text = Linked("a.js", "({ f: function() { return '\xE9' } })");
@@ -73,7 +75,7 @@ TEST_F(StoredSetup, OfAScriptInAFileIsReadBackWithTheSameResult) {
     EXPECT_EQ(Setup(driver), written);
 }
 
-TEST_F(StoredSetup, RunsTheStoredTextWhenTheFileHasBeenEditedAndLosesTheFileName) {
+TEST_F(StoredSetups, RunsTheStoredTextWhenTheFileHasBeenEditedAndLosesTheFileName) {
     DriverDevice& driver = MakeDevice();
     WriteScript("a.js", "({ f: function() { return 'edited' } })");
     ASSERT_EQ(driver.device->SetSetup(Linked("a.js", "({ f: function() { return 'stored' } })").c_str()), KXP_OK);
@@ -83,7 +85,7 @@ TEST_F(StoredSetup, RunsTheStoredTextWhenTheFileHasBeenEditedAndLosesTheFileName
     EXPECT_EQ(Send(driver, IdOf(driver, "f"), {}), "stored");
 }
 
-TEST_F(StoredSetup, GivesTheIndentationBackThatAnOlderSetupLost) {
+TEST_F(StoredSetups, GivesTheIndentationBackThatAnOlderSetupLost) {
     DriverDevice& driver = MakeDevice();
     const std::string content = WriteScript("a.js", "({\n    f: function() {\n        return 1 } })");
     std::string condensed = content;
@@ -94,7 +96,7 @@ TEST_F(StoredSetup, GivesTheIndentationBackThatAnOlderSetupLost) {
     EXPECT_FALSE(driver.device->GetStoredSetup().GetScriptFileName().isEmpty());
 }
 
-TEST_F(StoredSetup, StaysEmbeddedWithoutTheFileOrTheFolder) {
+TEST_F(StoredSetups, StaysEmbeddedWithoutTheFileOrTheFolder) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(driver.device->SetSetup(Linked("gone.js", "({})").c_str()), KXP_OK);
     EXPECT_EQ(driver.device->GetStoredSetup().GetScriptFileName(), QString());
@@ -105,7 +107,7 @@ TEST_F(StoredSetup, StaysEmbeddedWithoutTheFileOrTheFolder) {
     EXPECT_EQ(driver.device->GetStoredSetup().GetScriptText(), QStringLiteral("({})"));
 }
 
-TEST_F(StoredSetup, WritesTheModulesCommandsForTheFirstDeviceAlone) {
+TEST_F(StoredSetups, WritesTheModulesCommandsForTheFirstDeviceAlone) {
     DriverDevice& first = MakeDevice("First");
     DriverDevice& second = MakeDevice("Second");
     ASSERT_EQ(Accept(second, kDriver), KXP_OK);
@@ -114,7 +116,7 @@ TEST_F(StoredSetup, WritesTheModulesCommandsForTheFirstDeviceAlone) {
     EXPECT_EQ(Commands(second), "Fade:4 Port:5");
 }
 
-TEST_F(StoredSetup, ReadsTheModulesCommandsForTheFirstDeviceAloneAndAddsThem) {
+TEST_F(StoredSetups, ReadsTheModulesCommandsForTheFirstDeviceAloneAndAddsThem) {
     DriverDevice& first = MakeDevice("First");
     DriverDevice& second = MakeDevice("Second");
     const char* setup =
@@ -129,7 +131,7 @@ TEST_F(StoredSetup, ReadsTheModulesCommandsForTheFirstDeviceAloneAndAddsThem) {
     EXPECT_EQ(Commands(second), "f:5 h:6") << "f has parameters that the stored one has not";
 }
 
-TEST_F(StoredSetup, LeavesTheDeviceAsItWasWhenItIsRefused) {
+TEST_F(StoredSetups, LeavesTheDeviceAsItWasWhenItIsRefused) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
     const std::string before = Setup(driver);
@@ -143,7 +145,7 @@ TEST_F(StoredSetup, LeavesTheDeviceAsItWasWhenItIsRefused) {
     EXPECT_EQ(Commands(driver), "Fade:4 Port:5");
 }
 
-TEST_F(StoredSetup, WithAGoodRootAndNoSetupIsRefusedBehindItsNameAsIsMeant) {
+TEST_F(StoredSetups, WithAGoodRootAndNoSetupIsRefusedBehindItsNameAsIsMeant) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
     EXPECT_EQ(driver.device->SetSetup("<DeviceData Version='1' Name='Lamp'/>"), KXP_NULL_ARGUMENT);
@@ -160,7 +162,7 @@ QString LargeScript(int millions) {
     return QStringLiteral("({ f: function() {} }) //").leftJustified(millions * 1000000, QLatin1Char('x'));
 }
 
-TEST_F(StoredSetup, IsNeverGivenOutLargerThanItIsReadBack) {
+TEST_F(StoredSetups, IsNeverGivenOutLargerThanItIsReadBack) {
     DriverDevice& driver = MakeDevice();
     driver.device->GetStoredSetup().SetScript(QString(), LargeScript(48));
     const std::string large = Setup(driver);
@@ -174,21 +176,21 @@ TEST_F(StoredSetup, IsNeverGivenOutLargerThanItIsReadBack) {
     EXPECT_NE(driver.variables.error.Text().find("larger than a project can keep"), std::string::npos);
 }
 
-TEST_F(StoredSetup, ThatCouldNotBeReadBackIsNotAcceptedAndTheOldOneStays) {
+TEST_F(StoredSetups, ThatCouldNotBeReadBackIsNotAcceptedAndTheOldOneStays) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
     const std::string before = Setup(driver);
     const std::string definition = driver.variables.definition;
-    DeviceSetup setup = driver.device->GetCurrentSetup();
+    DeviceSetup setup = driver.device->GetSetupDesk().Describe();
     setup.script->text = LargeScript(51);
-    EXPECT_EQ(driver.device->AcceptSetup(setup, QString()), KXP_CANCELLED);
+    EXPECT_EQ(driver.device->GetSetupDesk().Accept(setup, QString()), KXP_CANCELLED);
     EXPECT_NE(driver.variables.error.Text().find("larger than a project can keep"), std::string::npos);
     EXPECT_EQ(Setup(driver), before);
     EXPECT_EQ(driver.variables.definition, definition);
     EXPECT_EQ(Commands(driver), "Fade:4 Port:5");
 }
 
-TEST_F(StoredSetup, WithAnyByteChangedIsRefusedWithoutATraceOrTakenAsItIsWrittenBack) {
+TEST_F(StoredSetups, WithAnyByteChangedIsRefusedWithoutATraceOrTakenAsItIsWrittenBack) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
     const std::string good = Setup(driver);
@@ -210,7 +212,7 @@ TEST_F(StoredSetup, WithAnyByteChangedIsRefusedWithoutATraceOrTakenAsItIsWritten
     }
 }
 
-TEST_F(StoredSetup, WithoutTheFlagsRegistersNoGroupsThoughANewDeviceDoesAsIsMeant) {
+TEST_F(StoredSetups, WithoutTheFlagsRegistersNoGroupsThoughANewDeviceDoesAsIsMeant) {
     DriverDevice& driver = MakeDevice();
     ASSERT_NE(Setup(driver).find("RegisterAllUserGroups=\"1\""), std::string::npos);
     ASSERT_EQ(driver.device->SetSetup("<DeviceData Version='1' Name='D'><Setup><Script/></Setup></DeviceData>"),
@@ -219,7 +221,7 @@ TEST_F(StoredSetup, WithoutTheFlagsRegistersNoGroupsThoughANewDeviceDoesAsIsMean
     EXPECT_NE(Setup(driver).find("AutoCompletion=\"1\""), std::string::npos);
 }
 
-TEST_F(StoredSetup, WithoutAScriptLeavesItsValuesAsTheyWere) {
+TEST_F(StoredSetups, WithoutAScriptLeavesItsValuesAsTheyWere) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, "({ f: function() {} })"), KXP_OK);
     ASSERT_EQ(driver.device->SetSetup("<DeviceData Version='1' Name='D'><Setup/></DeviceData>"), KXP_OK);
@@ -228,7 +230,7 @@ TEST_F(StoredSetup, WithoutAScriptLeavesItsValuesAsTheyWere) {
     EXPECT_EQ(Commands(driver), "f:4");
 }
 
-TEST_F(StoredSetup, SurvivesTextsOfAllKindsWithTheStatedCodes) {
+TEST_F(StoredSetups, SurvivesTextsOfAllKindsWithTheStatedCodes) {
     DriverDevice& driver = MakeDevice();
     const std::string scripts[] = {"throw 1",
                                    "var = ;",
@@ -245,7 +247,7 @@ TEST_F(StoredSetup, SurvivesTextsOfAllKindsWithTheStatedCodes) {
               KXP_OK);
 }
 
-TEST_F(StoredSetup, ComesWhileTheScriptRunsForEverAndIsTaken) {
+TEST_F(StoredSetups, ComesWhileTheScriptRunsForEverAndIsTaken) {
     DriverDevice& driver = MakeDevice();
     plain::Value inside("inside");
     ASSERT_EQ(Accept(driver, "({ f: function() { this.x = 1; while (true) {} } })"), KXP_OK);
@@ -260,7 +262,7 @@ TEST_F(StoredSetup, ComesWhileTheScriptRunsForEverAndIsTaken) {
     drivers.clear();
 }
 
-TEST_F(StoredSetup, GivesTheUsersSettingsToTheScriptBeforeItStarts) {
+TEST_F(StoredSetups, GivesTheUsersSettingsToTheScriptBeforeItStarts) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
     std::string text = Setup(driver);
@@ -270,7 +272,7 @@ TEST_F(StoredSetup, GivesTheUsersSettingsToTheScriptBeforeItStarts) {
     EXPECT_EQ(Send(driver, IdOf(driver, "Port"), {}), "9000a");
 }
 
-TEST_F(StoredSetup, RemovesTheDefaultsWhenTheSetupOrTheScriptSaysSo) {
+TEST_F(StoredSetups, RemovesTheDefaultsWhenTheSetupOrTheScriptSaysSo) {
     DriverDevice& driver = MakeDevice();
     const auto setup = [](const char* flag, const char* script) {
         return std::string("<DeviceData Version='1' Name='Desk'><Setup><Script RemoveDefaultCommandsAndVariables='") +
@@ -293,7 +295,7 @@ TEST_F(StoredSetup, RemovesTheDefaultsWhenTheSetupOrTheScriptSaysSo) {
     EXPECT_EQ(driver.variables.error.History(), std::vector<std::string>()) << "the device has let go of Error";
 }
 
-TEST_F(StoredSetup, KeepsTheCommandsOfAScriptThatHasAMistakeToday) {
+TEST_F(StoredSetups, KeepsTheCommandsOfAScriptThatHasAMistakeToday) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
     ASSERT_EQ(driver.device->SetSetup(Linked("x.js", "var = ;").c_str()), KXP_OK);
@@ -301,18 +303,18 @@ TEST_F(StoredSetup, KeepsTheCommandsOfAScriptThatHasAMistakeToday) {
     EXPECT_EQ(Commands(driver), "New:6 Port:5");
 }
 
-TEST_F(StoredSetup, NamesTheResourcesOfTheSettings) {
+TEST_F(StoredSetups, NamesTheResourcesOfTheSettings) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, "({ Info: { Setup: { port: { Widget: 'Serial' } } },"
                              "   Setup: { port: '{ \"Type\":\"Serial\", \"ResourceID\":3 }' } })"),
               KXP_OK);
-    ASSERT_EQ(driver.device->GetResourceRequests().size(), 1u);
-    EXPECT_EQ(driver.device->GetResourceRequests()[0].resourceId, 3);
+    ASSERT_EQ(driver.device->GetWorld().Resources().GetRequests().size(), 1u);
+    EXPECT_EQ(driver.device->GetWorld().Resources().GetRequests()[0].resourceId, 3);
     ASSERT_EQ(driver.device->SetSetup(Setup(driver).c_str()), KXP_OK);
-    EXPECT_EQ(driver.device->GetResourceRequests().at(0).family, 1);
+    EXPECT_EQ(driver.device->GetWorld().Resources().GetRequests().at(0).family, 1);
 }
 
-TEST_F(StoredSetup, OfARefusedDefinitionKeepsTheStoredCommands) {
+TEST_F(StoredSetups, OfARefusedDefinitionKeepsTheStoredCommands) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, kDriver), KXP_OK);
     driver.variables.refuses = true;
@@ -337,7 +339,7 @@ std::string LargeDriver(int count) {
            "last: 1 }, Setup: { " + setup + "last: 1 } })";
 }
 
-TEST_F(StoredSetup, OfFiveHundredCommandsAndVariablesWorks) {
+TEST_F(StoredSetups, OfFiveHundredCommandsAndVariablesWorks) {
     DriverDevice& driver = MakeDevice();
     ASSERT_EQ(Accept(driver, LargeDriver(500)), KXP_OK);
     const std::string text = Setup(driver);
@@ -350,7 +352,7 @@ TEST_F(StoredSetup, OfFiveHundredCommandsAndVariablesWorks) {
     EXPECT_EQ(Send(driver, IdOf(driver, "c499"), {&a}), "7");
 }
 
-TEST_F(StoredSetup, TakesTimeInProportionToTheCountOfCommandsAndVariables) {
+TEST_F(StoredSetups, TakesTimeInProportionToTheCountOfCommandsAndVariables) {
     const auto secondsFor = [this](int count) {
         double best = 1e9;
         const std::string script = LargeDriver(count);

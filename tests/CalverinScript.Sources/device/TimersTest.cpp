@@ -1,11 +1,14 @@
 #include "DeviceFixture.h"
+#include "ScriptWorld.h"
 
 namespace {
 
 /// Timers, changes and events as the bridge hands them to the device.
 class Timers : public DeviceFixture {
 protected:
-    QScriptValue Function(const char* name) { return device->GetLiveSet().global.property(QString::fromLatin1(name)); }
+    QScriptValue Function(const char* name) {
+        return device->GetWorld().GetSet().global.property(QString::fromLatin1(name));
+    }
 };
 
 const char* const kCounter = "({ n: 0, Tick: function() { this.n++ }, Get: function() { return this.n },"

@@ -3,6 +3,8 @@
 
 #include "DriverTables.h"
 #include "ModuleShared.h"
+#include "ScriptAnalysis.h"
+#include "SetupDesk.h"
 
 namespace {
 
@@ -174,13 +176,13 @@ TEST_F(UserCommands, StayAsTheyWereWhenTheHostRefusesTheDefinitionOrTheDialogIsL
     const std::string before = Setup(driver);
     driver.variables.refuses = true;
     EXPECT_EQ(Accept(driver, "({ g: function() {} })"), KXP_CANCELLED);
-    driver.device->BeginSetup();
+    driver.device->GetSetupDesk().Begin();
     driver.device->GetStoredSetup().SetPendingRemoval(true);
-    EXPECT_EQ(driver.device->CancelSetup(), KXP_CANCELLED);
+    EXPECT_EQ(driver.device->GetSetupDesk().Cancel(), KXP_CANCELLED);
     EXPECT_EQ(Setup(driver), before);
     EXPECT_EQ(Commands(driver), "f:4");
-    ASSERT_EQ(driver.device->GetStopSet().functions.Snapshot().size(), 1u);
-    EXPECT_EQ(driver.device->GetStopSet().functions.Snapshot()[0].name, QStringLiteral("f"));
+    ASSERT_EQ(driver.device->GetAnalysis().GetSet().functions.Snapshot().size(), 1u);
+    EXPECT_EQ(driver.device->GetAnalysis().GetSet().functions.Snapshot()[0].name, QStringLiteral("f"));
 }
 
 TEST_F(UserCommands, AreCheckedByNameWithParametersAndByNumberWithout) {
@@ -249,10 +251,10 @@ TEST_F(UserCommands, OfTheModuleThatADeviceHasLostAreRememberedUntilTheNextDialo
     EXPECT_EQ(Update(driver, Stored("Old")), "(code 19)");
     EXPECT_EQ(shared.legacyModuleCommands->Count(), 1u);
     module.isRecent = false;
-    driver.device->BeginSetup();
+    driver.device->GetSetupDesk().Begin();
     EXPECT_NE(shared.legacyModuleCommands, nullptr) << "hosts before 6.4.2 keep it";
     module.isRecent = true;
-    driver.device->BeginSetup();
+    driver.device->GetSetupDesk().Begin();
     EXPECT_EQ(shared.legacyModuleCommands, nullptr);
     EXPECT_EQ(shared.moduleCommands.Count(), 2u);
     EXPECT_EQ(Update(driver, Stored("Old")), "(code 19)");

@@ -5,6 +5,7 @@
 #include "MScriptMngRemote.h"
 #include "MScriptThread.h"
 #include "ResourceFixture.h"
+#include "SetupDesk.h"
 
 namespace {
 
@@ -127,7 +128,7 @@ TEST_F(ResourceLife, AnEventThatWaitsWhenASetupIsReadReachesNeitherObject) {
     EXPECT_EQ(Heard(1), "close");
     OnScriptThread([&] {
         serial.Receive("x");
-        device->ResolveResources(SettingsOf(AllSettings()));
+        device->GetSetupDesk().ResolveResources(SettingsOf(AllSettings()));
         device->GetEngine()->evaluate(QStringLiteral("var next = get('Serial', 3); next.On('data', hearing('next'));"));
     });
     EXPECT_EQ(HeardAfterAll(), "close");

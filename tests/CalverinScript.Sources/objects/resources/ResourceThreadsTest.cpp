@@ -6,6 +6,7 @@
 
 #include "MScriptMngRemote.h"
 #include "ResourceFixture.h"
+#include "SetupDesk.h"
 
 namespace {
 
@@ -59,7 +60,7 @@ protected:
     void WhenTheScriptBegins(const std::string& script) {
         device->PostTask([engine = device->GetEngine(), script] { engine->evaluate(QString::fromStdString(script)); });
     }
-    void WhenNoResourceIsWanted() { device->ResolveResources({}); }
+    void WhenNoResourceIsWanted() { device->GetSetupDesk().ResolveResources({}); }
     /// Calls every method of every kind of object.
     void RunEverything() {
         for (const char* call : {"port.Open()",

@@ -2,6 +2,7 @@
 
 #include "MScriptMngRemote.h"
 #include "ResourceFixture.h"
+#include "SetupDesk.h"
 
 namespace {
 
@@ -147,18 +148,18 @@ TEST_F(TakenBySettings, AnUnreadableSetupLeavesThemAsTheyAre) {
 TEST_F(TakenBySettings, ACancelledDialogLeavesThemAsTheyAre) {
     GivenAllResources();
     serial.calls.Take();
-    device->BeginSetup();
-    EXPECT_EQ(device->CancelSetup(), KXPCode{KXP_CANCELLED});
+    device->GetSetupDesk().Begin();
+    EXPECT_EQ(device->GetSetupDesk().Cancel(), KXPCode{KXP_CANCELLED});
     EXPECT_EQ(serial.calls.Take(), "") << "a running script keeps its port";
 }
 
 TEST_F(TakenBySettings, WhatADialogHasChosenIsTakenAtOnceAndGivenBackWhenItIsCancelled) {
     GivenSettings({{"Serial", R"({ "ResourceID":3 })"}});
-    device->BeginSetup();
-    device->ResolveResources(SettingsOf({{"DMXOut", R"({ "ResourceID":2 })"}}));
+    device->GetSetupDesk().Begin();
+    device->GetSetupDesk().ResolveResources(SettingsOf({{"DMXOut", R"({ "ResourceID":2 })"}}));
     EXPECT_EQ(out.handlers.Count(), 1u);
     EXPECT_EQ(serial.handlers.Count(), 0u);
-    EXPECT_EQ(device->CancelSetup(), KXPCode{KXP_CANCELLED});
+    EXPECT_EQ(device->GetSetupDesk().Cancel(), KXPCode{KXP_CANCELLED});
     EXPECT_EQ(out.handlers.Count(), 0u);
     EXPECT_EQ(serial.handlers.Count(), 1u);
 }

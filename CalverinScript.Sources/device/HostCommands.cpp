@@ -1,0 +1,115 @@
+#include "HostCommands.h"
+
+#include <algorithm>
+#include <array>
+
+#include "CommandNumbers.h"
+#include "CommandRoad.h"
+#include "DeviceTexts.h"
+#include "HostData.h"
+#include "HostText.h"
+#include "HostValues.h"
+#include "IObjectParams.h"
+#include "IProgramOwner.h"
+#include "ScriptProgram.h"
+#include "UserCommands.h"
+#include "ValueConversion.h"
+
+namespace {
+
+constexpr std::uint32_t kParamsOfExecuteWithParams = 2 + kArgumentCount;
+
+/// The text of a parameter for the time of a post; given back to its value at the end.
+class ParamText {
+public:
+    ParamText() = default;
+    ~ParamText() {
+        if (m_text != nullptr)
+            m_data->ReleaseString(&m_text);
+    }
+    ParamText(const ParamText&) = delete;
+    ParamText& operator=(const ParamText&) = delete;
+    /// Called once. @return the text, null for a parameter without one.
+    const char* Read(IObjectParam* param) {
+        m_data = EffectiveData(param);
+        m_text = m_data != nullptr ? m_data->GetValueAsString() : nullptr;
+        return m_text;
+    }
+
+private:
+    IData* m_data = nullptr;
+    char* m_text = nullptr;
+};
+
+QByteArray ArgumentText(const MScriptCommandParam& param, IData& data) {
+    QString text;
+    return ToHostText(ParamToText(param, data, text) ? text : TextOf(data));
+}
+
+} // namespace
+
+KXPCode HostCommands::Take(std::int32_t id, IObjectParams* params, IExecContext* context) {
+    if (params == nullptr || id == kScriptCallback)
+        return KXP_BAD_COMMAND;
+    if (!m_parts.road.HasThread()) {
+        m_parts.reports.ReportError(QLatin1String(DeviceText::kNoCommandThread), false);
+        return KXP_BAD_COMMAND;
+    }
+    if (id >= kLoadFromFile && id <= kExecuteFunctionWithParams)
+        return PostBuiltIn(id, *params, context);
+    return PostUsers(id, *params, context);
+}
+
+KXPCode HostCommands::PostBuiltIn(std::int32_t id, IObjectParams& params, IExecContext* context) {
+    const std::uint32_t needed = id == kExecuteFunctionWithParams ? kParamsOfExecuteWithParams : 1;
+    if (params.GetParamCount() < needed)
+        return KXP_BAD_COMMAND;
+    ParamText first;
+    const char* text = first.Read(params.GetParam(0));
+    if (id == kLoadFromFile || id == kLoadFromText) {
+        m_parts.road.Post(ScriptRequest::Load(static_cast<BuiltInCommand>(id), text), context);
+        return KXP_OK;
+    }
+    if (!m_parts.program.HasFunction(text))
+        return KXP_SCRIPT_FAILED;
+    if (id == kExecuteFunctionWithParams)
+        return PostWithParams(text, params, context);
+    m_parts.road.Post(ScriptRequest::Function(text), context);
+    return KXP_OK;
+}
+
+KXPCode HostCommands::PostWithParams(const char* function, IObjectParams& params, IExecContext* context) {
+    std::array<ParamText, kArgumentCount> owned;
+    std::array<const char*, kArgumentCount> texts{};
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        texts[i] = owned[i].Read(params.GetParam(static_cast<std::uint32_t>(2 + i)));
+    IData* result = EffectiveData(params.GetParam(1));
+    m_parts.road.Post(ScriptRequest::Function(function, result, texts.data()), context);
+    return KXP_OK;
+}
+
+/// The first parameter takes the result, at most eight others reach the function as texts.
+KXPCode HostCommands::PostUsers(std::int32_t id, IObjectParams& params, IExecContext* context) {
+    MScriptCommand command;
+    if (!m_parts.commands.Find(id, command)) {
+        m_parts.values.SetText(DefaultVariable::Error, QLatin1String(DeviceText::kUnknownCommand));
+        return KXP_BAD_COMMAND;
+    }
+    const QByteArray name = ToHostText(command.name);
+    if (!m_parts.program.HasFunction(name.constData()))
+        return KXP_SCRIPT_FAILED;
+    std::array<QByteArray, kArgumentCount> owned;
+    std::array<const char*, kArgumentCount> texts{};
+    const int count = std::min(kArgumentCount, command.params.size() - 1);
+    for (int i = 0; i < count; ++i) {
+        IData* data = EffectiveData(params.GetParam(static_cast<std::uint32_t>(i + 1)));
+        if (data == nullptr)
+            break;
+        const auto place = static_cast<std::size_t>(i);
+        owned[place] = ArgumentText(command.params[i + 1], *data);
+        texts[place] = owned[place].constData();
+    }
+    IData* result = m_parts.writesResults ? EffectiveData(params.GetParam(0)) : nullptr;
+    m_parts.road.Post(ScriptRequest::Function(name.constData(), result, texts.data()), context);
+    return KXP_OK;
+}
