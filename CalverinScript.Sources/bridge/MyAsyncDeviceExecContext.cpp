@@ -17,6 +17,11 @@ MyAsyncDeviceExecContext::~MyAsyncDeviceExecContext() {
     GivenReferences::Instance().Leave(this);
 }
 
+/// Whether the request is over and the reference that the host was given is still there.
+bool MyAsyncDeviceExecContext::IsHostsToDrop(Phase phase) {
+    return phase == Phase::Answered || phase == Phase::Refused;
+}
+
 /// Leaves the phase in which it waits. @param found the phase before. @return whether it was that one.
 bool MyAsyncDeviceExecContext::Enter(Phase next, Phase& found) {
     found = Phase::Waiting;
@@ -31,7 +36,7 @@ KXPCode MyAsyncDeviceExecContext::End() {
     } else if (found == Phase::GivenUp) {
         if (m_phase.compare_exchange_strong(found, Phase::Late))
             GivenReferences::Instance().Keep(this);
-    } else if (found != Phase::Late) {
+    } else if (IsHostsToDrop(found) && m_phase.compare_exchange_strong(found, Phase::Spent)) {
         GivenReferences::Instance().Leave(this);
         Release();
     }
@@ -54,7 +59,9 @@ bool MyAsyncDeviceExecContext::ForgetHandler() {
 void MyAsyncDeviceExecContext::Settle() {
     Phase found;
     Enter(Phase::GivenUp, found);
-    if (found == Phase::Answered || found == Phase::Refused)
+    if (IsHostsToDrop(found))
         GivenReferences::Instance().Keep(this);
+    if (m_phase == Phase::Spent) // the host has dropped it meanwhile
+        GivenReferences::Instance().Leave(this);
     Release();
 }

@@ -23,9 +23,9 @@ public:
                              SharedContextRegistry<MyAsyncDeviceExecContext> liveContexts);
     ~MyAsyncDeviceExecContext() override;
 
-    /// The host's answer. Tells the handler at the first call; every later one, and the
-    /// first without a handler, drops a reference. An answer to a request that was
-    /// given up drops the host's given reference, but not at once: see GivenReferences.
+    /// The host's answer. The first call tells the handler. The second, or the first without a handler, drops the
+    /// reference that the host was given; all others change nothing. An answer to a request that was given up drops
+    /// that reference too, but not at once: see GivenReferences.
     KXPCode End() override;
 
     /// The maker waits no longer: ends the request in the host's place, and tells the handler. The host still owes its
@@ -50,9 +50,11 @@ private:
         Answered, ///< by the host, and the handler was told
         Refused,  ///< by the host, or there was no handler
         GivenUp,  ///< by the maker: the host still owes its answer
-        Late      ///< the host has answered what was given up
+        Late,     ///< the host has answered what was given up
+        Spent     ///< by the host, which has dropped what it was given
     };
 
+    static bool IsHostsToDrop(Phase phase);
     bool Enter(Phase next, Phase& found);
 
     IAsyncDeviceExecContextHandler* const m_handler;

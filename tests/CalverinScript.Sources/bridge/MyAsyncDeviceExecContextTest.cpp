@@ -58,9 +58,30 @@ TEST_F(AsyncContext, DropsAReferenceAtTheSecondEndInsteadOfTellingAgain) {
     context->End();
     EXPECT_EQ(watcher.count, 1);
     EXPECT_TRUE(Lives(context));
-    context->End();
-    EXPECT_EQ(watcher.count, 1);
+    context->Release();
     EXPECT_FALSE(Lives(context));
+}
+
+TEST_F(AsyncContext, LeavesEveryReferenceButTheGivenOneToAHostThatEndsItAgainAndAgain) {
+    for (const bool isRefused : {false, true}) {
+        SCOPED_TRACE(isRefused);
+        watcher.count = 0;
+        auto* context = Make(&watcher);
+        context->AddRef(); // what the host is given
+        context->AddRef(); // one of its own
+        if (isRefused)
+            context->ForgetHandler();
+        for (int i = 0; i < 5; ++i)
+            context->End();
+        EXPECT_EQ(watcher.count, isRefused ? 0 : 1);
+        ASSERT_TRUE(Lives(context));
+        context->Settle();
+        ASSERT_TRUE(Lives(context)) << "the host's own reference holds it";
+        context->End();
+        ASSERT_TRUE(Lives(context));
+        context->Release();
+        EXPECT_FALSE(Lives(context));
+    }
 }
 
 TEST_F(AsyncContext, WithoutAHandlerDropsAReferenceAtItsEnd) {
@@ -176,8 +197,7 @@ TEST_F(AsyncContext, EndedOnManyThreadsAtOnceTellsItsHandlerOnce) {
     for (int round = 0; round < 200; ++round) {
         watcher.count = 0;
         auto* context = Make(&watcher);
-        for (int i = 1; i < kThreads; ++i)
-            context->AddRef();
+        context->AddRef();
         std::vector<std::thread> threads;
         threads.reserve(kThreads);
         for (int i = 0; i < kThreads; ++i)
