@@ -1,6 +1,7 @@
 #include "QWinWidget.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -112,6 +113,7 @@ void QWinWidget::FocusParent() {
 }
 
 bool QWinWidget::eventFilter(QObject* watched, QEvent* event) {
+    KeepInTheMiddle(watched, *event);
     const auto* dialog = qobject_cast<QWidget*>(watched);
     if (event->type() == QEvent::Hide && dialog != nullptr && dialog->windowHandle() == QGuiApplication::focusWindow())
         FocusParent();
@@ -176,6 +178,13 @@ void QWinWidget::Adopt(QWidget& dialog) {
     dialog.winId();
     dialog.windowHandle()->setTransientParent(m_hostWindow);
     dialog.installEventFilter(this);
+    dialog.windowHandle()->installEventFilter(this);
+    Centre(dialog);
+    m_centred = &dialog;
+    m_centredPlace = dialog.geometry();
+}
+
+void QWinWidget::Centre(QWidget& dialog) const {
     QMargins margins;
     const QRect parent = ParentFrame(margins);
     if (parent.isEmpty())
@@ -184,4 +193,15 @@ void QWinWidget::Adopt(QWidget& dialog) {
     frame.moveCenter(parent.center());
     frame.moveTop(std::max(frame.top(), 0));
     dialog.setGeometry(frame.marginsRemoved(margins)); // a window that is not shown yet does not know its frame
+}
+
+/// A host's window that was shown just now gets its place and its frame before the dialog comes up, but not before it was adopted.
+/// Who gave the dialog a place of its own meanwhile keeps it.
+void QWinWidget::KeepInTheMiddle(const QObject* watched, const QEvent& event) {
+    if (!m_centred)
+        return;
+    if (event.type() == QEvent::Show && watched == m_centred && m_centred->geometry() != m_centredPlace)
+        m_centred = nullptr;
+    else if (event.type() == QEvent::Expose && watched == m_centred->windowHandle())
+        Centre(*std::exchange(m_centred, nullptr));
 }

@@ -59,11 +59,15 @@ private:
     void WatchForeignWindow();
     void Leave();
     QRect ParentFrame(QMargins& margins) const;
+    void Centre(QWidget& dialog) const;
+    void KeepInTheMiddle(const QObject* watched, const QEvent& event);
 
     const KXPWindow m_parentId;
     QPointer<QWindow> m_hostWindow;     ///< the host's own, or ours for a foreign one
     std::unique_ptr<QWindow> m_foreign; ///< stands for a window of another toolkit
     std::unique_ptr<NativeWindowWatch> m_watch;
     std::unique_ptr<QSocketNotifier> m_news;
-    bool m_beginsAnew = false; ///< whether Tab has left the last widget, so that the first is the next
+    QPointer<QWidget> m_centred; ///< the adopted dialog until it is up, unless it got another place
+    QRect m_centredPlace;        ///< where it was put
+    bool m_beginsAnew = false;   ///< whether Tab has left the last widget, so that the first is the next
 };

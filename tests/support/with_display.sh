@@ -11,15 +11,11 @@ pids=()
 # The window manager ends by itself when its display is gone.
 trap 'kill "${pids[@]}" 2>/dev/null || true; wait || true; rm -rf "$place"' EXIT
 
-# Waits until a command succeeds.
-eventually() {
-    for _ in $(seq 1200); do
-        ! "$@" >/dev/null 2>&1 || return 0
-        sleep 0.05
-    done
-    echo "with_display: not within a minute: $*" >&2
+fail() {
+    echo "with_display: $*" >&2
     exit 1
 }
+. "$(dirname "$0")/by_hand.sh"
 
 # A number of a display that nobody uses is told on the descriptor.
 Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$place/display" 2>"$place/log" &

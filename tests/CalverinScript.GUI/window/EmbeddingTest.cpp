@@ -131,6 +131,50 @@ TEST_F(InAHostsWindow, AHostsWindowThatGoesIsTold) {
     widget.reset();
 }
 
+/// Shows a dialog on a host's window and waits until it stands in the middle of it, give or take a pixel of rounding.
+void ExpectInTheMiddleOf(KXPWindow host) {
+    QWinWidget parent(host);
+    QDialog dialog(&parent);
+    dialog.resize(150, 60);
+    parent.Adopt(dialog);
+    dialog.open();
+    const auto middleOf = [](KXPWindow window) {
+        NativeRect inside;
+        NativeRect frame;
+        EXPECT_TRUE(GetNativeFrame(window, inside, frame));
+        return QPoint(2 * frame.x + frame.width, 2 * frame.y + frame.height);
+    };
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog, kDeadlineMs));
+    EXPECT_TRUE(Comes([&] { return (middleOf(dialog.winId()) - middleOf(host)).manhattanLength() <= 4; }))
+        << (middleOf(dialog.winId()) - middleOf(host)).manhattanLength();
+}
+
+TEST(ADialogOfAHost, StandsInTheMiddleOfAWindowThatWasShownThisMoment) {
+    const X11Host host;
+    ExpectInTheMiddleOf(host.Id());
+}
+
+TEST(ADialogOfAHost, StandsInTheMiddleOfAQtWindowThatWasShownThisMoment) {
+    QWidget window;
+    window.resize(700, 500);
+    window.show();
+    ExpectInTheMiddleOf(window.winId());
+}
+
+TEST(ADialogOfAHost, KeepsThePlaceThatItWasGiven) {
+    QWidget window;
+    window.setGeometry(300, 300, 700, 500);
+    window.show();
+    QWinWidget parent(window.winId());
+    QDialog dialog(&parent);
+    parent.Adopt(dialog);
+    dialog.setGeometry(40, 50, 320, 210);
+    dialog.open();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&dialog, kDeadlineMs));
+    QApplication::processEvents();
+    EXPECT_EQ(dialog.geometry(), QRect(40, 50, 320, 210));
+}
+
 /// A window of another toolkit between two fields of a Qt window.
 class AWindowOfAnotherToolkit : public testing::Test {
 protected:

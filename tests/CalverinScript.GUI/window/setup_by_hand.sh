@@ -8,6 +8,7 @@ host=$1
 module=$2
 rounds=10
 title="KXP Calverin Script Setup"
+. "$(dirname "$0")/../../support/by_hand.sh"
 work=$(mktemp -d)
 mkdir "$work/library" "$work/project"
 mkfifo "$work/commands"
@@ -20,31 +21,10 @@ fail() {
     for file in "$work"/project/*; do echo "$file:" >&2 && cat "$file" >&2; done
     exit 1
 }
-# Waits until a command succeeds.
-eventually() {
-    for _ in $(seq 1200); do
-        ! "$@" >/dev/null 2>&1 || return 0
-        sleep 0.05
-    done
-    fail "not within a minute: $*"
-}
-window_of() { xdotool search --onlyvisible --name "^$1\$" | tail -n 1; }
-has_keyboard() { [ "$(xdotool getwindowfocus getwindowname)" = "$1" ]; }
-is_gone() { ! xdotool search --onlyvisible --name "^$1\$"; }
 codes_are() { [ "$(grep -c '^code' "$work/log")" = "$1" ]; }
 file_is() { [ "$(cat "$work/$1/desk.js")" = "$2" ]; }
 is_transient() { xprop -id "$(window_of "$title")" WM_TRANSIENT_FOR | grep -qi "$(printf '0x%x' "$(window_of 'small host')")"; }
 is_modal() { xprop -id "$(window_of "$title")" _NET_WM_STATE | grep -q MODAL; }
-# Left, top, width and height of a window without its frame.
-place_of() { xdotool getwindowgeometry --shell "$(window_of "$1")" | sed -n 's/^\(X\|Y\|WIDTH\|HEIGHT\)=//p' | tr '\n' ' '; }
-# Frames are alike, so what is centred frame on frame is centred without them, too.
-is_centred() {
-    local x y w h X Y W H
-    read -r x y w h <<<"$(place_of "$title")"
-    read -r X Y W H <<<"$(place_of "small host")"
-    [ $((2 * x + w - 2 * X - W)) -ge -4 ] && [ $((2 * x + w - 2 * X - W)) -le 4 ] &&
-        [ $((2 * y + h - 2 * Y - H)) -ge -4 ] && [ $((2 * y + h - 2 * Y - H)) -le 4 ]
-}
 tell_host() { echo "$1" >&4; }
 click() { xdotool mousemove --window "$dialog" "$1" "$2" click 1; }
 type_text() { xdotool type --delay 1 "$1"; }
@@ -59,7 +39,7 @@ for round in $(seq $rounds); do
     eventually has_keyboard "$title"
     eventually is_transient
     eventually is_modal
-    [ "$round" != 1 ] || eventually is_centred
+    [ "$round" != 1 ] || eventually is_centred_on "$title" "small host"
     dialog=$(window_of "$title")
     if [ "$round" = 1 ]; then # a new device is not in programming mode, and opens on its first tab
         click 20 53

@@ -4,6 +4,7 @@
 set -euo pipefail
 stagehost=$1
 title="KXP Calverin Script Setup"
+. "$(dirname "$0")/../../support/by_hand.sh"
 work=$(mktemp -d)
 pid=
 trap 'kill "$pid" 2>/dev/null || true; rm -rf "$work"' EXIT
@@ -12,20 +13,12 @@ fail() {
     cat "$work/log" "$work/show.json" >&2
     exit 1
 }
-# Waits until a command succeeds.
-eventually() {
-    for _ in $(seq 1200); do
-        ! "$@" >/dev/null 2>&1 || return 0
-        sleep 0.05
-    done
-    fail "not within a minute: $*"
-}
-has_keyboard() { [ "$(xdotool getwindowfocus getwindowname)" = "$1" ]; }
 # Opens the dialog; the rest are keys that end it.
 run() {
     "$stagehost" setup --window "$work/show.json" desk >"$work/log" 2>&1 &
     pid=$!
     eventually has_keyboard "$title"
+    eventually is_centred_on "$title" "stagehost: .*"
     xdotool mousemove --window "$(xdotool getwindowfocus)" 400 315 click 1 key ctrl+a
     xdotool type --delay 1 "$1"
     xdotool key "${@:2}"
