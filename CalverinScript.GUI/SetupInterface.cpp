@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QThread>
 
+#include "BusyCursor.h"
 #include "HostText.h"
 #include "IManagerRuntimeInfo.h"
 #include "IModuleServices.h"
@@ -48,6 +49,7 @@ KXPCode RunDialog(MCalverinScript_Device& device, const char* scriptName) {
     const bool isAccepted = dialog.exec() == QDialog::Accepted;
     if (!kept)
         return KXP_CANCELLED;
+    const BusyCursor busy;
     return isAccepted ? dialog.StoreToDevice(&device) : device.GetSetupDesk().Cancel();
 }
 

@@ -31,7 +31,7 @@ DialogSaveScript::DialogSaveScript(QWidget* parent)
 DialogSaveScript::~DialogSaveScript() = default;
 
 void DialogSaveScript::Load(const QString& fileToSelect, QScriptEngine* engine) {
-    m_scripts.Load(LibraryFolderOf(m_device), fileToSelect, engine, AnalysisLimitOf(m_device));
+    m_scripts.Load(m_device, fileToSelect, engine);
 }
 
 QString DialogSaveScript::GetFileName() const {

@@ -43,7 +43,7 @@ DialogSelectScript::~DialogSelectScript() = default;
 
 void DialogSelectScript::Load(const QString& fileToSelect, QScriptEngine* engine) {
     m_engine = engine;
-    m_scripts.Load(LibraryFolderOf(m_device), fileToSelect, engine, AnalysisLimitOf(m_device));
+    m_scripts.Load(m_device, fileToSelect, engine);
 }
 
 void DialogSelectScript::EnableFields(bool isEnabled) {
@@ -102,8 +102,7 @@ void DialogSelectScript::SlotImport() {
 DialogSelectScript::FileStep DialogSelectScript::ImportOne() {
     const QString source =
         QFileDialog::getOpenFileName(this, QStringLiteral("Import Calverin Script"), QString(), ScriptFilter());
-    auto description =
-        QFileInfo::exists(source) ? MScriptDescription::FromFile(source, m_engine, AnalysisLimitOf(m_device)) : nullptr;
+    auto description = DescribeFile(source, m_engine, m_device);
     if (description == nullptr || LibraryFolderOf(m_device).isEmpty())
         return FileStep::Done;
     return TakeIntoLibrary(source, std::move(description));

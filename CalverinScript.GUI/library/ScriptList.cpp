@@ -7,18 +7,21 @@
 #include <QListWidget>
 #include <QVariant>
 
+#include "BusyCursor.h"
 #include "ScriptFiles.h"
+#include "ScriptPlaces.h"
 
 ScriptList::ScriptList(QListWidget& list)
     : m_list(list) {}
 
-void ScriptList::Load(const QString& folder, const QString& fileToSelect, QScriptEngine* engine,
-                      std::chrono::milliseconds limit) {
+void ScriptList::Load(const MCalverinScript_Device* device, const QString& fileToSelect, QScriptEngine* engine) {
+    const BusyCursor busy;
+    const QString folder = LibraryFolderOf(device);
     const QStringList names = folder.isEmpty()
                                   ? QStringList()
                                   : QDir(folder).entryList({QStringLiteral("*.js")}, QDir::NoFilter, QDir::NoSort);
     for (const QString& name : names)
-        if (auto description = MScriptDescription::FromFile(PathBelow(folder, name), engine, limit))
+        if (auto description = DescribeFile(PathBelow(folder, name), engine, device))
             Put(std::move(description));
     // A list that gets the focus takes its first item by itself, unless it was told what is current.
     m_list.setCurrentIndex(QModelIndex());

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -8,6 +7,7 @@
 
 #include "MScriptDescription.h"
 
+class MCalverinScript_Device;
 class QListWidget;
 class QListWidgetItem;
 class QScriptEngine;
@@ -19,10 +19,9 @@ public:
     /// @param list borrowed for this object's life.
     explicit ScriptList(QListWidget& list);
 
-    /// Fills the list with the scripts of a folder and chooses the one that has the same file name as fileToSelect, none without it.
-    /// @param limit how long one of them may take to say what it is.
-    void Load(const QString& folder, const QString& fileToSelect, QScriptEngine* engine,
-              std::chrono::milliseconds limit);
+    /// Fills the list with the scripts of the library and chooses the one that has the same file name as fileToSelect, none without
+    /// it. @param device tells where the library is.
+    void Load(const MCalverinScript_Device* device, const QString& fileToSelect, QScriptEngine* engine);
     /// Adds a script, or puts it in the place of the one of its file name. @return its item.
     QListWidgetItem* Put(std::unique_ptr<MScriptDescription> description);
     /// The description of an item; null for a null item.

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "BusyCursor.h"
 #include "DialogMessage.h"
 #include "FaceAnswer.h"
 #include "HostText.h"
@@ -10,6 +11,7 @@
 #include "IModuleServices.h"
 #include "LimitedRun.h"
 #include "MCalverinScript_Device.h"
+#include "MScriptDescription.h"
 #include "ScriptAnalysis.h"
 #include "ScriptFiles.h"
 
@@ -38,6 +40,12 @@ QString HelpFolderOf(const MCalverinScript_Device* device) {
 
 std::chrono::milliseconds AnalysisLimitOf(const MCalverinScript_Device* device) {
     return device != nullptr ? device->GetAnalysis().Limit() : kAnalysisLimit;
+}
+
+std::unique_ptr<MScriptDescription> DescribeFile(const QString& path, QScriptEngine* engine,
+                                                 const MCalverinScript_Device* device) {
+    const BusyCursor busy;
+    return MScriptDescription::FromFile(path, engine, AnalysisLimitOf(device));
 }
 
 QString CopyFailureText() {

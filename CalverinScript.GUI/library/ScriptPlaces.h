@@ -1,11 +1,14 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 
 #include <QString>
 
 class MCalverinScript_Device;
+class QScriptEngine;
 class QWidget;
+struct MScriptDescription;
 
 /// @file
 /// The two places in which scripts lie: the library that all projects share, and the user data of the open project, where each
@@ -22,6 +25,10 @@ QString HelpFolderOf(const MCalverinScript_Device* device);
 
 /// How long a script may take to say what it is.
 std::chrono::milliseconds AnalysisLimitOf(const MCalverinScript_Device* device);
+
+/// What a script file says of itself. The pointer shows meanwhile that it may take long. @return null without a file or an engine.
+std::unique_ptr<MScriptDescription> DescribeFile(const QString& path, QScriptEngine* engine,
+                                                 const MCalverinScript_Device* device);
 
 /// What the user is told when a script of the library does not reach the project.
 QString CopyFailureText();

@@ -4,6 +4,7 @@
 
 #include <QThread>
 
+#include "BusyCursor.h"
 #include "HostText.h"
 #include "MCalverinScript_Device.h"
 
@@ -29,6 +30,7 @@ AnalysisOutcome Hear(MCalverinScript_Device& device, const std::function<bool()>
                 heard.line = line;
         },
         Qt::DirectConnection);
+    const BusyCursor busy;
     heard.succeeded = work();
     return heard;
 }

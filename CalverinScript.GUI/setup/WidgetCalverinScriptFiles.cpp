@@ -2,12 +2,12 @@
 
 #include <QFileInfo>
 
-#include "AnalysisOutcome.h"
 #include "DialogMessage.h"
 #include "DialogSaveScript.h"
 #include "DialogSaveScriptOptions.h"
 #include "DialogSelectScript.h"
 #include "IModuleServices.h"
+#include "MScriptDescription.h"
 #include "ScriptAnalysis.h"
 #include "ScriptFiles.h"
 #include "ScriptPlaces.h"
@@ -101,7 +101,7 @@ bool WidgetCalverinScriptGUI::SaveTo(const QString& libraryPath, const QString& 
 }
 
 void WidgetCalverinScriptGUI::TakeSaved() {
-    const auto description = MScriptDescription::FromFile(m_scriptFileName, &m_engine, AnalysisLimitOf(m_device));
+    const auto description = DescribeOwnFile();
     ShowFileName(description.get());
     if (description == nullptr)
         m_scriptFileName.clear();

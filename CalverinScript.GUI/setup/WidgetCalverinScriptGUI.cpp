@@ -7,6 +7,7 @@
 #include <QUrl>
 
 #include "AnalysisOutcome.h"
+#include "BusyCursor.h"
 #include "DialogMessage.h"
 #include "MScriptDescription.h"
 #include "Pictures.h"
@@ -107,19 +108,21 @@ void WidgetCalverinScriptGUI::ShowFileName(MScriptDescription* description) {
                                                                  : QStringLiteral("No script loaded"));
 }
 
-/// A file with the editor's text has been evaluated with it.
 void WidgetCalverinScriptGUI::ShowLoadedFile() {
-    if (!ReadScriptFile(m_scriptFileName))
-        return ShowFileName(nullptr);
-    if (IsChangedSinceFile())
-        return ShowFileName(MScriptDescription::FromFile(m_scriptFileName, &m_engine, AnalysisLimitOf(m_device)).get());
-    MScriptDescription description = Describe(MScriptDescription::OfFile(m_scriptFileName));
-    ShowFileName(&description);
+    ShowFileName(ReadScriptFile(m_scriptFileName) ? DescribeOwnFile().get() : nullptr);
+}
+
+/// What the device's script file says of itself. @return null without one.
+std::unique_ptr<MScriptDescription> WidgetCalverinScriptGUI::DescribeOwnFile() {
+    if (IsChangedSinceFile() || m_ui->tab_Script->GetText() != m_analysedText || !QFileInfo::exists(m_scriptFileName))
+        return DescribeFile(m_scriptFileName, &m_engine, m_device);
+    return std::make_unique<MScriptDescription>(Describe(MScriptDescription::OfFile(m_scriptFileName)));
 }
 
 /// @return the record with what the last analysis found; as it was when that failed.
 MScriptDescription WidgetCalverinScriptGUI::Describe(MScriptDescription record) {
-    if (m_isSound && m_device != nullptr)
+    const BusyCursor busy;
+    if (m_analysis.succeeded && m_device != nullptr)
         record.TakeInTime(m_device->GetAnalysis().GetSet().global, m_engine, AnalysisLimitOf(m_device));
     return record;
 }
@@ -135,14 +138,23 @@ bool WidgetCalverinScriptGUI::SlotCallEvaluateScript() {
 bool WidgetCalverinScriptGUI::Evaluate() {
     if (m_device == nullptr)
         return false;
-    const AnalysisOutcome analysis = AnalyseScript(*m_device, m_ui->tab_Script->GetText(), m_engine);
-    m_ui->tab_Script->ShowAnalysis(analysis);
-    m_isSound = analysis.succeeded;
-    return m_isSound;
+    m_analysedText = m_ui->tab_Script->GetText();
+    m_analysis = AnalyseScript(*m_device, m_analysedText, m_engine);
+    m_ui->tab_Script->ShowAnalysis(m_analysis);
+    return m_analysis.succeeded;
+}
+
+/// A text that did not come to its end would not do so now: only the button tries it again.
+bool WidgetCalverinScriptGUI::EvaluateUnlessKnown() {
+    const QString text = m_ui->tab_Script->GetText();
+    if (m_device == nullptr || text != m_analysedText || !m_device->GetAnalysis().IsKnownNotToEnd(text))
+        return Evaluate();
+    m_ui->tab_Script->ShowAnalysis(m_analysis);
+    return false;
 }
 
 void WidgetCalverinScriptGUI::SlotExtractFromScript() {
-    if (Evaluate())
+    if (EvaluateUnlessKnown())
         Extract();
 }
 
@@ -232,7 +244,7 @@ void WidgetCalverinScriptGUI::SlotOpenHelpFile() {
 }
 
 void WidgetCalverinScriptGUI::accept() {
-    const bool isSound = Evaluate();
+    const bool isSound = EvaluateUnlessKnown();
     if (!isSound &&
         !DialogMessage::Ask(
             this, QStringLiteral("An error has been detected into the script.\nDo you want to continue anyway?")))

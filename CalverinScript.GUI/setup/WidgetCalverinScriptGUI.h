@@ -6,12 +6,12 @@
 #include <QPointer>
 #include <QScriptEngine>
 
+#include "AnalysisOutcome.h"
 #include "KXPTypes.h"
 #include "MCalverinScript_Device.h"
 #include "ScriptRecords.h"
 
 struct MScriptDescription;
-struct AnalysisOutcome;
 
 namespace Ui {
 class WidgetCalverinScriptGUI;
@@ -63,10 +63,12 @@ private:
     void LoadScript();
     void LoadLists();
     bool Evaluate();
+    bool EvaluateUnlessKnown();
     void Extract();
     void RefreshForm();
     void UpdateDescription();
     MScriptDescription Describe(MScriptDescription record);
+    std::unique_ptr<MScriptDescription> DescribeOwnFile();
     void UpdateRemoveDefaults();
     void ShowLoadedFile();
     void ShowFileName(MScriptDescription* description);
@@ -87,5 +89,6 @@ private:
     QScriptEngine m_engine;
     ScriptVariables m_loadedVariables; ///< as the device had them; read-only
     ScriptSettings m_settings;         ///< what the form shows
-    bool m_isSound = false;            ///< whether the last analysis succeeded
+    AnalysisOutcome m_analysis;        ///< the last one
+    QString m_analysedText;            ///< its text
 };

@@ -43,6 +43,7 @@ bool ScriptAnalysis::Run(const QString& text) {
     if (m_set.engine == nullptr)
         return false;
     const std::chrono::milliseconds limit = Limit();
+    m_text = text;
     LimitedRun run(*m_set.engine, limit);
     VariableLookup lookup(m_services, m_values.GetVariables(), m_setup.Variables());
     LookupOnCallersThread host(run, lookup);

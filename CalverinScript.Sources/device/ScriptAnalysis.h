@@ -37,6 +37,8 @@ public:
 
     /// Whether the last run came to its end by itself.
     bool HasEndedByItself() const { return m_endedByItself; }
+    /// Whether the last run was of this text and had to be ended, as another one of it would have to be.
+    bool IsKnownNotToEnd(const QString& text) const { return !m_endedByItself && m_text == text; }
     /// Lets go of the value of the last run, whose engine is about to go.
     void ForgetValue() { m_set.global = QScriptValue(); }
 
@@ -54,5 +56,6 @@ private:
     StoredSetup& m_setup;
     IScriptReports& m_reports;
     ScriptSet m_set;
+    QString m_text; ///< of the last run
     bool m_endedByItself = true;
 };

@@ -87,9 +87,7 @@ KXPCode SetupDesk::Take(const char* text) {
         m_parts.commands.Commit(functions);
     }
     m_definition.BindDefaults();
-    if (analysis.HasEndedByItself()) // a second look at a script that does not end would take as long again
-        analysis.RunOn(engine, setup.GetScriptText());
-    analysis.ForgetValue();
+    AnalyseAgain(engine);
     setup.SetDefinition(definition);
     setup.SetLoaded();
     return KXP_OK;
@@ -193,8 +191,15 @@ KXPCode SetupDesk::Cancel() {
 /// Looks at the stored script again, so that the lists of the analysis are those of what the device keeps.
 void SetupDesk::AnalyseStored() {
     QScriptEngine engine;
-    m_parts.analysis.RunOn(engine, m_parts.setup.GetScriptText());
+    AnalyseAgain(engine);
     ResolveChangedResources();
+}
+
+/// Another look at a script that does not end would take as long as the first.
+void SetupDesk::AnalyseAgain(QScriptEngine& engine) {
+    const QString text = m_parts.setup.GetScriptText();
+    if (!m_parts.analysis.IsKnownNotToEnd(text))
+        m_parts.analysis.RunOn(engine, text);
     m_parts.analysis.ForgetValue();
 }
 

@@ -9,6 +9,7 @@
 #include "ScriptRecords.h"
 #include "SetupFormat.h"
 
+class QScriptEngine;
 class HostDoor;
 class HostValues;
 class IModuleServices;
@@ -94,6 +95,7 @@ private:
     void TakeAccepted(const DeviceSetup& setup, const SetupScript& script, const QString& scriptFile);
     void TakeScript(const QString& fileName, const QString& text);
     void AnalyseStored();
+    void AnalyseAgain(QScriptEngine& engine);
     std::string PrintWith(DeviceSetup setup, const ScriptCommands& commands) const;
     bool CanBeStored(const std::string& text);
     void MergeLegacy();

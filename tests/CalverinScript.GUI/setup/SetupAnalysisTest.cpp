@@ -2,8 +2,10 @@
 #include <cstdio>
 #include <limits>
 
+#include <QCursor>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QSpinBox>
@@ -50,6 +52,110 @@ TEST_F(AnAnalysis, OfAnEndlessScriptThatIsStoredLetsTheDialogOpen) {
                   Click(dialog, "pushButtonCancel");
               }),
               13u);
+}
+
+/// How often a script of a device had to be ended.
+class CutOffs : public QObject {
+public:
+    explicit CutOffs(MCalverinScript_Device& device) {
+        connect(&device, &MCalverinScript_Device::SignalNotifyErrorChange, this,
+                [this](const QString& text) { m_count += text.contains(QStringLiteral("The analysis was ended")); });
+    }
+    int Count() const { return m_count; }
+
+private:
+    int m_count = 0;
+};
+
+TEST_F(AnAnalysis, OfAnEndlessTextIsDoneOnceUntilTheButtonAsksForItAgain) {
+    GivenScript(kDriver);
+    const CutOffs cutOffs(*device);
+    Show([&](QWidget& dialog) {
+        TypeScript(dialog, kEndless);
+        for (const int tab : {2, 0, 1, 3}) {
+            ClickTab(dialog, tab);
+            EXPECT_EQ(cutOffs.Count(), 1) << "on tab " << tab;
+            EXPECT_NE(TextOf(dialog, "lineEditDebugInfo").find("The analysis was ended"), std::string::npos);
+        }
+        ClickTab(dialog, 1);
+        Click(dialog, "pushButtonEvaluate");
+        EXPECT_EQ(cutOffs.Count(), 2);
+        dialogs.Expect(Press("pushButtonOk", "Do you want to continue anyway?"));
+        Click(dialog, "pushButtonOk");
+    });
+    EXPECT_EQ(cutOffs.Count(), 2);
+    Show([&](QWidget& dialog) { Click(dialog, "pushButtonCancel"); });
+    EXPECT_EQ(cutOffs.Count(), 3) << "once to open it again";
+}
+
+TEST_F(AnAnalysis, OfAnEndlessFileIsDoneOnceToSaveIt) {
+    GivenScriptFile("lamp.js", kDriver);
+    const CutOffs cutOffs(*device);
+    device->GetStoredSetup().Memory().saveOption = 1;
+    Show([&](QWidget& dialog) {
+        TypeScript(dialog, kEndless);
+        dialogs.Expect(Press("pushButtonOk", "Do you want to continue anyway?"));
+        dialogs.Expect([](QWidget& question) { Click(question, "pushButtonOk"); });
+        Click(dialog, "pushButtonOk");
+    });
+    EXPECT_EQ(cutOffs.Count(), 1);
+    EXPECT_EQ(Read(Project(), "lamp.js"), kEndless);
+}
+
+/// Each of the ways in which the dialog comes to an analysis begins with a look at how long it may take.
+TEST_F(AnAnalysis, ShowsABusyPointerAndTakesItAwayAgain) {
+    GivenScriptFile("lamp.js", kDriver);
+    int begun = 0;
+    module.configIsAskedFor = [&begun] {
+        ++begun;
+        const QCursor* pointer = QGuiApplication::overrideCursor();
+        EXPECT_TRUE(pointer != nullptr && pointer->shape() == Qt::WaitCursor) << "analysis " << begun;
+    };
+    const auto begins = [&](const char* what, const std::function<void()>& step) {
+        const int before = begun;
+        step();
+        EXPECT_GT(begun, before) << what;
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr) << what;
+    };
+    const auto isQuiet = [](QWidget& opened) {
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr) << opened.objectName().toStdString();
+    };
+    begins("cancel", [&] {
+        Show([&](QWidget& dialog) {
+            isQuiet(dialog);
+            begins("evaluate", [&] {
+                ClickTab(dialog, 1);
+                Click(dialog, "pushButtonEvaluate");
+            });
+            begins("an error", [&] {
+                TypeScript(dialog, "({");
+                Click(dialog, "pushButtonEvaluate");
+            });
+            begins("no end", [&] {
+                TypeScript(dialog, kEndless);
+                ClickTab(dialog, 2);
+            });
+            for (const char* button : {"pushButtonLoad", "pushButtonSaveAs"}) {
+                dialogs.Expect([&](QWidget& opened) {
+                    isQuiet(opened);
+                    opened.close();
+                });
+                begins(button, [&] { Click(dialog, button); });
+            }
+            dialogs.Expect([&](QWidget& question) {
+                isQuiet(question);
+                question.close();
+            });
+            Click(dialog, "pushButtonOk");
+            begins("load", [&] {
+                dialogs.Expect([&](QWidget& choice) { Click(choice, "pushButtonOk"); });
+                Click(dialog, "pushButtonLoad");
+            });
+            begins("save", [&] { Click(dialog, "pushButtonSave"); });
+            Click(dialog, "pushButtonCancel");
+        });
+    });
+    begins("ok", [&] { Show([&](QWidget& dialog) { Click(dialog, "pushButtonOk"); }); });
 }
 
 /// The engine of the dialog keeps what scripts leave in its global object.

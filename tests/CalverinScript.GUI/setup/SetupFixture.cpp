@@ -20,6 +20,8 @@ LibraryModule::LibraryModule()
     : m_definition(FindModuleResource(ModuleResource::RawData, kDefinitionId).toStdString()) {}
 
 void LibraryModule::GetConfigFilePath(char* buffer) {
+    if (configIsAskedFor)
+        configIsAskedFor();
     std::snprintf(buffer, kConfigPathSize, "%s", config.c_str());
 }
 

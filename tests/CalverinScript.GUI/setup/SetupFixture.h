@@ -33,7 +33,8 @@ public:
 
     IMInterface* host = nullptr;
     std::string library;
-    std::string config; ///< the path of the configuration file
+    std::string config;                     ///< the path of the configuration file
+    std::function<void()> configIsAskedFor; ///< an analysis begins
 
 private:
     const std::string m_definition;
