@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDoubleSpinBox>
 #include <QFrame>
 #include <QLabel>
@@ -121,19 +122,23 @@ QString ReadRealSpinBox(const QWidget& field, const MScriptSetting& /*setting*/)
     return QString::number(As<QDoubleSpinBox>(field).value(), 'g', 6);
 }
 
-/// A script may give its default as the item's text.
+/// A script may give its default as the item's text. Items are an enumeration's: a choice of another type has none, and says so.
 QWidget* MakeComboBox(const MScriptSetting& setting) {
     auto* box = new QComboBox;
     box->addItems(setting.items);
     const int byText = setting.items.indexOf(setting.value);
     box->setCurrentIndex(WholeNumber(setting.value, std::max(byText, 0)));
+    if (setting.items.isEmpty())
+        box->setPlaceholderText(QCoreApplication::translate("FormFields", "no items (Type is not \"Enum\")"));
     box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     box->setMinimumWidth(kFieldWidth);
     return box;
 }
 
-QString ReadComboBox(const QWidget& field, const MScriptSetting& /*setting*/) {
-    return QString::number(As<QComboBox>(field).currentIndex());
+/// Where there is nothing to choose from, nothing was chosen instead of the value.
+QString ReadComboBox(const QWidget& field, const MScriptSetting& setting) {
+    const auto& box = As<QComboBox>(field);
+    return box.count() > 0 ? QString::number(box.currentIndex()) : setting.value;
 }
 
 /// A date is stored as a text or as its number of days since 1 January 1900.

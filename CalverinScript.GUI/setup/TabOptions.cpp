@@ -6,6 +6,8 @@ TabOptions::TabOptions(QWidget* parent)
     : QWidget(parent)
     , m_ui(std::make_unique<Ui::TabOptions>()) {
     m_ui->setupUi(this);
+    m_ui->scrollAreaOptions->viewport()->setAutoFillBackground(false); // the options stand on the tab's own ground
+    m_ui->widgetOptions->setAutoFillBackground(false);
     connect(m_ui->checkBoxRemoveStaticCmdVar, &QCheckBox::clicked, this, &TabOptions::SignalRemoveDefaultsClicked);
     connect(m_ui->checkBoxEnableAutoCompletion, &QCheckBox::clicked, this, &TabOptions::SignalAutoCompletionClicked);
 }

@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Deadline.h"
 #include "DriverTables.h"
 #include "FormFields.h"
 #include "MyDateEdit.h"
@@ -101,7 +102,7 @@ TEST_F(TheForm, ALineEditTakesAllTheWidthUnlessItHasOneOfItsOwn) {
     Given("Wide", 0, "");
     With(Given("Narrow", 0, ""), "Width", "90");
     Show();
-    QTest::qWait(0);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&form, kDeadlineMs));
     EXPECT_GT(FieldAt<QLineEdit>(0)->width(), 400);
     EXPECT_EQ(FieldAt<QLineEdit>(1)->width(), 90);
 }
@@ -170,6 +171,14 @@ TEST_F(TheForm, AChoiceIsItsIndex) {
     EXPECT_GE(box->width(), 200);
     QTest::keyClick(box, Qt::Key_Up);
     EXPECT_EQ(ReadBack(), "0 2");
+}
+
+TEST_F(TheForm, AChoiceWithoutItemsSaysSoAndKeepsItsValue) {
+    Given("Mode", 4, "3");
+    Show();
+    EXPECT_EQ(FieldAt<QComboBox>(0)->placeholderText(), QStringLiteral("no items (Type is not \"Enum\")"));
+    QTest::keyClick(FieldAt<QComboBox>(0), Qt::Key_Down);
+    EXPECT_EQ(ReadBack(), "3");
 }
 
 TEST_F(TheForm, ADateIsATextOrANumberOfDays) {

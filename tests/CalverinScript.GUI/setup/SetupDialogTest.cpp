@@ -1,7 +1,9 @@
 #include <QApplication>
 #include <QCheckBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
 
 #include "ScriptAnalysis.h"
 #include "SetupDesk.h"
@@ -25,6 +27,35 @@ TEST_F(TheSetupDialog, ShowsWhatTheScriptSaysOfItselfAndItsForm) {
                   Click(dialog, "pushButtonCancel");
               }),
               13u);
+}
+
+TEST_F(TheSetupDialog, ShowsThreeRowsOfItsFormAtTheSmallestSize) {
+    GivenScript("({ Setup: { A: 'a', B: 1, C: 'c', D: 'd', E: 'e', F: 'f' } })");
+    Show([&](QWidget& dialog) {
+        dialog.resize(500, 400);
+        EXPECT_EQ(dialog.size(), QSize(500, 400));
+        dialog.grab(); // lays it out
+        const QWidget& view = *Find<QScrollArea>(dialog, "scrollAreaSetup").viewport();
+        const QRect third(Field(dialog, "C").mapTo(&view, QPoint()), Field(dialog, "C").size());
+        EXPECT_TRUE(view.rect().contains(third)) << third.bottom() << " of " << view.height();
+        dialog.resize(1, 1);
+        dialog.grab();
+        EXPECT_GE(view.height(), third.bottom());
+        Click(dialog, "pushButtonCancel");
+    });
+}
+
+TEST_F(TheSetupDialog, TheFormCallsASettingByItsMemberWhateverInfoNamesItAsMeant) {
+    GivenScript("({ Setup: { Address: 'a' }, Info: { Setup: { Address: { Name: 'IP', Hint: 'of the lamp' } } } })");
+    Show([&](QWidget& dialog) {
+        QStringList labels;
+        for (const QLabel* label : Find<QWidget>(dialog, "widgetSetup").findChildren<QLabel*>())
+            labels += label->text();
+        EXPECT_EQ(labels, QStringList(QStringLiteral("Address")));
+        EXPECT_EQ(Field(dialog, "Address").toolTip(), QStringLiteral("of the lamp"));
+        Click(dialog, "pushButtonOk");
+    });
+    EXPECT_EQ(StoredValue("Address"), "a");
 }
 
 TEST_F(TheSetupDialog, WithoutProgrammingModeHasOneTabAndNoSaveButtons) {
@@ -145,6 +176,8 @@ TEST_F(TheSetupDialog, WithAScriptErrorTabsKeepTableAndForm) {
         EXPECT_NE(TextOf(dialog, "lineEditDebugInfo").find("SyntaxError"), std::string::npos);
         ClickTab(dialog, 0);
         EXPECT_EQ(Field(dialog, "Address").text(), QStringLiteral("10.0.0.15"));
+        EXPECT_EQ(TextOf(dialog, "lineEditTitle"), "") << "a script in error says nothing of itself";
+        EXPECT_EQ(TextOf(dialog, "plainTextEditDescription"), "");
         Click(dialog, "pushButtonCancel");
     });
 }
