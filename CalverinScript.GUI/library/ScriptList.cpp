@@ -35,6 +35,7 @@ QListWidgetItem* ScriptList::Put(std::unique_ptr<MScriptDescription> description
     if (item == nullptr)
         item = new QListWidgetItem(&m_list);
     item->setText(description->GetDisplayText());
+    item->setToolTip(description->GetDisplayText());
     item->setData(Qt::UserRole, QVariant::fromValue(description.get()));
     m_descriptions.push_back(std::move(description));
     m_descriptions.erase(std::remove_if(m_descriptions.begin(), m_descriptions.end(),

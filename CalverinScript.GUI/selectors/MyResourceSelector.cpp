@@ -5,6 +5,8 @@
 
 namespace {
 
+constexpr int kNameWidth = 200; ///< as the other fields of the form
+
 /// Resources of one of the families "Digital..." and "Analog..." are channels of an I/O device.
 bool HasChannel(const QString& type) {
     return type.startsWith(QLatin1String("Digital")) || type.startsWith(QLatin1String("Analog"));
@@ -17,6 +19,7 @@ MyResourceSelector::MyResourceSelector(QWidget* parent)
     , m_name(new QLineEdit(QStringLiteral("Unspecified"), this)) {
     m_name->setObjectName(QStringLiteral("lineEdit"));
     m_name->setReadOnly(true);
+    m_name->setFixedWidth(kNameWidth);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(m_name);

@@ -15,6 +15,7 @@ namespace {
 constexpr int kColumns = 2;
 constexpr int kFieldStretch = 2;
 constexpr int kRowSpacing = 4;
+constexpr int kRightMargin = 6; ///< keeps the fields off the scroll bar
 constexpr int kSpacerWidth = 40;
 constexpr int kSpacerHeight = 20;
 
@@ -29,7 +30,7 @@ SettingsForm::SettingsForm(QWidget* parent)
     : QWidget(parent)
     , m_grid(new QGridLayout(this)) {
     m_grid->setObjectName(QStringLiteral("gridLayoutMainSetup"));
-    m_grid->setContentsMargins(0, 0, 0, 0); // the tab has its own
+    m_grid->setContentsMargins(0, 0, kRightMargin, 0); // the tab has its own
     m_grid->setVerticalSpacing(kRowSpacing);
 }
 

@@ -17,8 +17,9 @@ constexpr std::uint32_t kColorIds[] = {0, 1, 8, 6, 7};
 
 enum Tone { GroundTone, TextTone, FieldTone, SelectedTone, SelectedTextTone };
 
-/// What is typed on a tab stands on the colour of texts, so it has that of the ground.
-constexpr const char* kReadableFields = "QTabWidget QLineEdit{color: rgb(%1);}";
+/// What is typed on a tab stands on the colour of texts, so it has that of the ground; but a field that takes nothing looks so.
+constexpr const char* kReadableFields = "QTabWidget QLineEdit{color: rgb(%1);}"
+                                        "QTabWidget QLineEdit:disabled{background-color: rgb(%1); color: %6;}";
 
 constexpr const char* kRules[] = {
     "QGroupBox{font: bold; background: none;\tborder: 1px solid grey;\tmargin-top: 8px; border-radius: 5px;}",
@@ -140,5 +141,7 @@ void WearTheme(QWidget& dialog, IMInterface* host) {
     if (theme == nullptr)
         return;
     new PalettePainter(dialog, PaletteOf(*theme));
-    dialog.setStyleSheet(BuildThemeStyleSheet(host) + InColors(kReadableFields, *theme));
+    const QString unused = Between(ColorOf(*theme, TextTone), ColorOf(*theme, GroundTone)).name();
+    dialog.setStyleSheet(BuildThemeStyleSheet(host) +
+                         InColors(kReadableFields, *theme).replace(QStringLiteral("%6"), unused));
 }

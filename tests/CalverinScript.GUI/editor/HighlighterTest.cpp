@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "Contrast.h"
+#include "EditorColors.h"
 #include "JSBlockData.h"
 
 namespace {
@@ -55,6 +57,22 @@ protected:
     QTextDocument m_document;
     Highlighter* m_highlighter;
 };
+
+/// Numbers and texts have the colours that their users know, though these are a little pale on white.
+TEST_F(HighlighterTest, ColoursStandOutFromThePaperButForTwoThatAreMeant) {
+    for (const ScriptColorEntry& entry : kScriptColors) {
+        const double contrast = Contrast(QColor(entry.color), QColor(kPaper));
+        if (entry.role == ScriptColor::Number)
+            EXPECT_NEAR(contrast, 4.0, 0.05);
+        else if (entry.role == ScriptColor::String)
+            EXPECT_NEAR(contrast, 3.95, 0.05);
+        else
+            EXPECT_GE(contrast, 4.5) << static_cast<int>(entry.role);
+    }
+    EXPECT_GE(Contrast(QColor(kInk), QColor(kPaper)), 4.5);
+    EXPECT_GE(Contrast(QColor(kGutterText), QColor(kGutterBackground)), 4.5);
+    EXPECT_GE(Contrast(QColor(kInk), QColor(kCurrentLineBase).lighter(kCurrentLineLighter)), 4.5);
+}
 
 } // namespace
 
