@@ -10,10 +10,10 @@
 # A test sees what its subject sees: <name>.open stands for a folder, all that it uses, and all that these use in turn.
 # Only tests and benchmarks link it.
 #
-# With QT the folder may use Qt: moc runs over its headers and texts are never converted from 8 bits by accident. With
-# DIALOGS it has forms drawn in Designer as well: a source that includes ui_X.h has X.ui beside it.
+# With QT the folder may use Qt: texts are never converted from 8 bits by accident. With MOC it has classes with Q_OBJECT as well, and
+# with DIALOGS forms drawn in Designer: a source that includes ui_X.h has X.ui beside it. Each costs a second or two of every build.
 function(calverin_folder name)
-    cmake_parse_arguments(FOLDER "QT;DIALOGS" "" "SOURCES;USES" ${ARGN})
+    cmake_parse_arguments(FOLDER "QT;MOC;DIALOGS" "" "SOURCES;USES" ${ARGN})
     add_library(${name} STATIC ${FOLDER_SOURCES})
     set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
     target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
@@ -29,14 +29,19 @@ function(calverin_folder name)
     if(FOLDER_QT)
         calverin_use_qt(${name})
     endif()
-    set_target_properties(${name} PROPERTIES AUTOUIC ${FOLDER_DIALOGS})
+    set(resources ${FOLDER_SOURCES})
+    list(FILTER resources INCLUDE REGEX "\\.qrc$")
+    if(resources)
+        set_target_properties(${name} PROPERTIES AUTORCC ON)
+    endif()
+    set_target_properties(${name} PROPERTIES AUTOMOC ${FOLDER_MOC} AUTOUIC ${FOLDER_DIALOGS})
 endfunction()
 
-# Qt settings for one target: moc and rcc, no keywords in lower case, no silent conversion between 8-bit text and QString.
+# Qt settings for one target: no keywords in lower case, no silent conversion between 8-bit text and QString.
+set(CALVERIN_QT_DEFINITIONS QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_DEPRECATED_WARNINGS)
 function(calverin_use_qt name)
-    set_target_properties(${name} PROPERTIES AUTOMOC ON AUTORCC ON)
-    target_compile_definitions(${name} PRIVATE
-        QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_DEPRECATED_WARNINGS)
+    target_compile_definitions(${name} PRIVATE ${CALVERIN_QT_DEFINITIONS})
+    calverin_use_precompiled(${name})
 endfunction()
 
 # Registers a GoogleTest program with ctest:
