@@ -28,6 +28,7 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
     , setupInterface(setup)
     , services(HostServices::Find(module != nullptr ? module->GetHost() : nullptr, this))
     , values(ending)
+    , door(values.Gate())
     , links(std::make_unique<Links>(*this))
     , crossing(
           mutex, ending, [this] { handlers->FireDeferred(); }, [this] { values.End(); }, this)

@@ -303,8 +303,8 @@ private:
     // The rooms. Each says itself which threads come to it; what stands below uses what stands above,
     // and goes before it.
     const HostServices services; ///< what the host offers
-    HostDoor door;               ///< the host's threads inside the device
     HostValues values;           ///< the host's values of the device's variables
+    HostDoor door;               ///< the host's threads inside the device
     StoredSetup storedSetup;     ///< what the host keeps of the device
     UserCommands commands;       ///< the commands that the script adds
     const std::unique_ptr<Links> links;

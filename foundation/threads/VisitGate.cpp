@@ -15,6 +15,23 @@ VisitGate::Visit::~Visit() {
         m_gate->Leave();
 }
 
+VisitGate::Standstill::Standstill(VisitGate& gate)
+    : m_gate(gate)
+    , m_counts(gate.IsReplacer()) {
+    if (!m_counts)
+        return;
+    {
+        const std::lock_guard<std::mutex> guard(m_gate.m_lock);
+        ++m_gate.m_standstills;
+    }
+    m_gate.m_changed.notify_all();
+}
+
+VisitGate::Standstill::~Standstill() {
+    const std::lock_guard<std::mutex> guard(m_gate.m_lock);
+    m_gate.m_standstills -= m_counts ? 1 : 0;
+}
+
 bool VisitGate::IsInside(std::thread::id thread) const {
     return std::find(m_inside.begin(), m_inside.end(), thread) != m_inside.end();
 }
@@ -23,7 +40,8 @@ bool VisitGate::Enter() {
     const std::thread::id self = std::this_thread::get_id();
     std::unique_lock<std::mutex> guard(m_lock);
     if (m_replacing && !IsInside(self)) {
-        if (m_replacer == self || !m_changed.wait_for(guard, kVisitWait, [this] { return !m_replacing; }))
+        const auto isDecided = [this] { return !m_replacing || m_standstills > 0; };
+        if (m_replacer == self || !m_changed.wait_for(guard, kVisitWait, isDecided) || m_replacing)
             return false;
     }
     m_inside.push_back(self);

@@ -11,8 +11,8 @@
 ///
 /// - A replacement begins when nobody is inside, and nobody comes in until it is over.
 /// - Neither side waits for long, since each may be what the other waits for: a visitor that does not leave holds a
-/// replacement up for
-///   kReplaceWait, and after kVisitWait of waiting, or at once on the thread that replaces, a visitor is turned away.
+///   replacement up for kReplaceWait, and a visitor is turned away after kVisitWait of waiting.
+/// - A visitor is turned away at once on the thread that replaces, and on each other one during a Standstill.
 /// - A visit inside another one of the same thread never waits: the replacement waits for both.
 /// - No lock is held during a visit or a replacement.   [thread: any]
 class VisitGate {
@@ -36,6 +36,20 @@ public:
         bool m_allowed = true;
     };
 
+    /// Says, on the thread that replaces, that it waits for others from here to the end of this object: none of them
+    /// may wait for it. Says nothing on any other thread.
+    class Standstill {
+    public:
+        explicit Standstill(VisitGate& gate);
+        ~Standstill();
+        Standstill(const Standstill&) = delete;
+        Standstill& operator=(const Standstill&) = delete;
+
+    private:
+        VisitGate& m_gate;
+        const bool m_counts;
+    };
+
     VisitGate() = default;
     VisitGate(const VisitGate&) = delete;
     VisitGate& operator=(const VisitGate&) = delete;
@@ -55,5 +69,6 @@ private:
     std::condition_variable m_changed;
     bool m_replacing = false;
     std::thread::id m_replacer;
+    int m_standstills = 0;
     std::vector<std::thread::id> m_inside; ///< a thread once for each visit
 };

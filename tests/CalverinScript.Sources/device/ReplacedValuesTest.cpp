@@ -185,6 +185,24 @@ TEST_F(ReplacedValues, ShowWhatWasWrittenWhileTheyWereReplaced) {
     EXPECT_EQ(values.touches, 0);
 }
 
+TEST_F(ReplacedValues, DoNotHoldUpAHostThatStopsAndStartsTheDeviceInside) {
+    const std::string setup = SetupOf("({ Device: { Level: 0 }, _mStart: function() { this.Device.Level = 1 },"
+                                      "   _mStop: function() { this.Device.Level = 2 } })");
+    ASSERT_EQ(device->SetSetup(setup.c_str()), KXP_OK);
+    device->Start();
+    std::chrono::steady_clock::duration took{};
+    values.meanwhile = [&] {
+        const auto begin = std::chrono::steady_clock::now();
+        device->Stop();
+        device->Start();
+        took = std::chrono::steady_clock::now() - begin;
+    };
+    ASSERT_EQ(device->SetSetup(setup.c_str()), KXP_OK);
+    EXPECT_LT(took, VisitGate::kVisitWait) << "the script waits for the host, which waits for the script";
+    EXPECT_EQ(values.touches, 0);
+    EXPECT_EQ(device->IsRunning(), KXP_OK);
+}
+
 TEST_F(ReplacedValues, AreNotTouchedByAnObjectOfAScriptThatTakesItsTimeToBecomeANumber) {
     ASSERT_EQ(device->SetSetup(SetupOf("({ Device: { Level: 0 }, Slow: function() { var me = this;"
                                        "   this.Device.Level = { valueOf: function() { inside();"

@@ -84,7 +84,8 @@ TEST_F(Crossing, TheEndLetsWaitersGoAndRefusesCalls) {
 }
 
 TEST(DoorOfADevice, ClosesOnceAndHasEndedWhenTheLastVisitorHasLeft) {
-    HostDoor door;
+    VisitGate values;
+    HostDoor door(values);
     {
         const HostDoor::Visit visit(door);
         EXPECT_TRUE(door.Close());

@@ -48,6 +48,35 @@ TEST(VisitGate, TurnsTheReplacersOwnVisitAwayAtOnceAndRunsAReplacementInsideTheO
     EXPECT_TRUE(VisitGate::Visit(gate).IsAllowed());
 }
 
+TEST(VisitGate, TurnsVisitorsAwayWhileTheReplacerWaitsForThemInAStandstill) {
+    VisitGate gate;
+    const auto visit = [&] { return VisitGate::Visit(gate).IsAllowed(); };
+    gate.Replace([&] {
+        const auto begin = std::chrono::steady_clock::now();
+        auto before = std::async(std::launch::async, visit);
+        EXPECT_EQ(before.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+        const VisitGate::Standstill standstill(gate);
+        EXPECT_FALSE(before.get()) << "it waited already";
+        EXPECT_FALSE(std::async(std::launch::async, visit).get());
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, VisitGate::kVisitWait);
+    });
+    EXPECT_TRUE(visit());
+}
+
+TEST(VisitGate, KeepsVisitorsWaitingDuringAStandstillOfAnotherThreadOrOneThatIsOver) {
+    VisitGate gate;
+    std::future<bool> visiting;
+    const VisitGate::Standstill ofNobodyWhoReplaces(gate);
+    std::async(std::launch::async, [&] {
+        gate.Replace([&] {
+            { const VisitGate::Standstill over(gate); }
+            visiting = std::async(std::launch::async, [&] { return VisitGate::Visit(gate).IsAllowed(); });
+            EXPECT_EQ(visiting.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+        });
+    }).wait();
+    EXPECT_TRUE(visiting.get());
+}
+
 TEST(VisitGate, AReplacementWaitsForWhoIsInsideButNotForEver) {
     VisitGate gate;
     std::promise<void> entered;
