@@ -1,42 +1,26 @@
 #include "MCalverinScript_Device.h"
 
 #include <algorithm>
-#include <mutex>
-#include <vector>
+#include <chrono>
 
-#include <QElapsedTimer>
 #include <QThread>
 
 #include "IModuleServices.h"
 #include "ModuleShared.h"
+#include "SetAside.h"
 #include "ThreadPromise.h"
+#include "TimeLimit.h"
 
 namespace {
 
-constexpr std::uint32_t kHostCallEndMs = 50;
-
-/// Released devices in which somebody still is.
-struct AbandonedDevices {
-    std::mutex lock; ///< never held while a device goes: that may call the host, which may release another one
-    std::vector<MCalverinScript_Device*> devices;
-};
-
-AbandonedDevices& Abandoned() {
-    static AbandonedDevices abandoned;
-    return abandoned;
-}
+constexpr std::chrono::milliseconds kHostCallEnd(50);
 
 /// Polls a condition that another thread makes true, for a time that a person does not notice.
 template <typename Condition>
-bool WaitUntil(Condition condition, std::uint32_t limitMs) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition()) {
-        if (clock.hasExpired(limitMs))
-            return false;
+void WaitUntil(Condition condition, std::chrono::milliseconds time) {
+    const TimeLimit limit{time};
+    while (!condition() && !limit.IsOver())
         QThread::usleep(200);
-    }
-    return true;
 }
 
 } // namespace
@@ -50,13 +34,9 @@ KXPCode MCalverinScript_Device::Release() {
     if (!door.Leave())
         return KXP_OK;
     LetGo();
-    if (WaitUntil([this] { return HasEnded(); }, kHostCallEndMs)) {
-        delete this;
-    } else {
-        const std::lock_guard<std::mutex> guard(Abandoned().lock);
-        Abandoned().devices.push_back(this);
-    }
-    SweepAbandoned();
+    WaitUntil([this] { return HasEnded(); }, kHostCallEnd);
+    Abandoned().Add(this);
+    Abandoned().Sweep();
     return KXP_OK;
 }
 
@@ -84,19 +64,13 @@ bool MCalverinScript_Device::HasEnded() const {
 }
 
 std::size_t MCalverinScript_Device::SweepAbandoned() {
-    AbandonedDevices& abandoned = Abandoned();
-    std::vector<MCalverinScript_Device*> over;
-    std::size_t left = 0;
-    {
-        const std::lock_guard<std::mutex> guard(abandoned.lock);
-        auto& devices = abandoned.devices;
-        const auto isInUse = [](const MCalverinScript_Device* device) { return !device->HasEnded(); };
-        const auto ended = std::partition(devices.begin(), devices.end(), isInUse);
-        over.assign(ended, devices.end());
-        devices.erase(ended, devices.end());
-        left = devices.size();
-    }
-    for (MCalverinScript_Device* device : over)
-        delete device;
-    return left;
+    return Abandoned().Sweep();
+}
+
+/// Released devices in which somebody still is.
+SetAside<MCalverinScript_Device>& MCalverinScript_Device::Abandoned() {
+    static SetAside<MCalverinScript_Device> abandoned(
+        [](const MCalverinScript_Device& device) { return device.HasEnded(); },
+        [](MCalverinScript_Device* device) { delete device; });
+    return abandoned;
 }

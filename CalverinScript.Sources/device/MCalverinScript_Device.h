@@ -43,6 +43,8 @@ class ScriptHandlers;
 class ScriptProgram;
 class ScriptWorld;
 class SetupDesk;
+template <typename Object>
+class SetAside;
 template <typename... Parameters>
 struct MarshalledCallRow;
 
@@ -273,8 +275,11 @@ private:
     bool WantsDebugger() const;
     void ConnectSignals();
 
+    static SetAside<MCalverinScript_Device>& Abandoned();
+
     // Run
     void RunStoredScript();
+    void StartCommandThread();
     void StopCommandThread();
     void FinishRequestedStop();
     void TellPanel(bool running);

@@ -1,24 +1,10 @@
 #include "MThreadHTTPClient.h"
 
-#include <algorithm>
-#include <vector>
-
 #include "MHTTPClient.h"
 
 namespace {
 
 constexpr unsigned long kThreadEndMs = 1000;
-
-/// Threads whose end took too long. Never destroyed itself: what is in it at the end of the process still runs.
-struct RetiredThreads {
-    std::mutex lock;
-    std::vector<MThreadHTTPClient*> threads; ///< under lock
-};
-
-RetiredThreads& Retired() {
-    static auto* retired = new RetiredThreads;
-    return *retired;
-}
 
 } // namespace
 
@@ -59,27 +45,20 @@ void MThreadHTTPClient::Retire(MThreadHTTPClient* thread) {
     thread->Silence();
     thread->exit(0);
     thread->wait(kThreadEndMs);
-    {
-        const std::lock_guard<std::mutex> guard(Retired().lock);
-        Retired().threads.push_back(thread);
-    }
-    SweepRetired();
+    Retired().Add(thread);
+    Retired().Sweep();
 }
 
 std::size_t MThreadHTTPClient::SweepRetired() {
-    std::vector<MThreadHTTPClient*> ended;
-    std::size_t left = 0;
-    {
-        const std::lock_guard<std::mutex> guard(Retired().lock);
-        std::vector<MThreadHTTPClient*>& threads = Retired().threads;
-        const auto over = std::partition(threads.begin(), threads.end(), [](auto* t) { return !t->HasEnded(); });
-        ended.assign(over, threads.end());
-        threads.erase(over, threads.end());
-        left = threads.size();
-    }
-    for (MThreadHTTPClient* thread : ended)
-        delete thread;
-    return left;
+    return Retired().Sweep();
+}
+
+/// Threads whose end took too long. Never destroyed itself: what is in it at the end of the process still runs.
+SetAside<MThreadHTTPClient>& MThreadHTTPClient::Retired() {
+    static auto* const retired =
+        new SetAside<MThreadHTTPClient>([](const MThreadHTTPClient& thread) { return thread.HasEnded(); },
+                                        [](MThreadHTTPClient* thread) { delete thread; });
+    return *retired;
 }
 
 /// A thread that was never started counts as ended.

@@ -8,6 +8,8 @@
 #include <QString>
 #include <QThread>
 
+#include "SetAside.h"
+
 class MHTTPClient;
 
 /// The thread of one HTTP object of a script, and the two-way door between that object and its worker.
@@ -78,6 +80,7 @@ private Q_SLOTS:
 private:
     void ConnectWorker(MHTTPClient& worker);
     bool HasEnded() const;
+    static SetAside<MThreadHTTPClient>& Retired();
 
     std::atomic<bool> m_ready{false}; ///< whether the worker is there: written by http, read by script
     std::atomic<bool> m_left{false};  ///< run() is over: written by http, read by whoever ends the thread
