@@ -8,6 +8,8 @@
 #include <QScriptEngine>
 #include <QThread>
 
+#include "TimeLimit.h"
+
 namespace {
 
 /// Posted to the entrance when the script thread has something to look at.
@@ -87,12 +89,12 @@ void ScriptEntrance::TakeTurn() {
     }
     m_deferred = false;
     m_runDeferred();
-    const auto end = std::chrono::steady_clock::now() + kTurn;
+    const TimeLimit turn{kTurn};
     ScriptInbox::Task task;
     while (m_inbox.Take(task)) {
         RunTask(task);
         task = nullptr;
-        if (std::chrono::steady_clock::now() >= end) {
+        if (turn.IsOver()) {
             WakeUp();
             return;
         }
