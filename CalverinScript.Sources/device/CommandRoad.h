@@ -56,6 +56,8 @@ public:
     /// Whether somebody executes what is posted. A thread that the system did not give is asked for again. True while
     /// the road is not started: its commands wait for the start.   [any host thread]
     bool HasThread();
+    /// Asks the command thread to end behind the command in execution, and waits for nobody: Stop has to follow. [any]
+    void AskToStop() { m_thread.Stop(false); }
     /// Ends the command thread behind the command in execution, and drops what waits. The command thread itself may
     /// ask: it ends when it is back from what it does.   [any host thread, tick, command]
     void Stop();

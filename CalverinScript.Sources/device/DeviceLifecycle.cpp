@@ -12,7 +12,7 @@ KXPCode MCalverinScript_Device::Start() {
     program->BeginStart();
     SetRunning(true);
     SetStarted(true);
-    road->Start();
+    StartCommandThread();
     MTimerailManager::Reset();
     RunStoredScript();
     TellPanel(true);
@@ -33,10 +33,21 @@ KXPCode MCalverinScript_Device::Stop() {
     SetRunning(false);
     if (isOver)
         StopCommandThread();
+    else
+        road->AskToStop();
     program->ReleaseObjects();
     road->ClearStackCount();
     TellPanel(false);
     return KXP_OK;
+}
+
+/// A stop that was left open is completed first, unless that would be to wait for the caller's own script: then the tick
+/// completes it, and starts the thread anew.
+void MCalverinScript_Device::StartCommandThread() {
+    if (!crossing.Entrance().IsOnScriptThread())
+        program->FinishStop([this] { StopCommandThread(); });
+    if (!program->IsStopOpen())
+        road->Start();
 }
 
 void MCalverinScript_Device::StopCommandThread() {
@@ -60,6 +71,7 @@ void MCalverinScript_Device::FinishRequestedStop() {
     if (!mutex.try_lock())
         return;
     mutex.unlock();
-    StopCommandThread();
-    program->OnStopped();
+    const bool hasFinished = program->FinishStop([this] { StopCommandThread(); });
+    if (hasFinished && IsStarted())
+        road->Start();
 }

@@ -232,10 +232,12 @@ bool ScriptProgram::EndStop() {
     m_stopPending = false;
     ScriptDebugger* const debugger = m_parts.world.Debugger();
     const bool isHeld = debugger != nullptr && m_parts.world.IsInside();
-    m_stopDone = !isHeld;
+    const bool isOwn = debugger == nullptr && m_parts.world.IsCallersOwn();
+    m_stopDone = !isHeld && !isOwn;
+    m_stopRequested = isOwn;
     if (isHeld)
         debugger->RequestAbort();
-    return !isHeld;
+    return m_stopDone;
 }
 
 void ScriptProgram::ReleaseObjects() {
@@ -257,9 +259,14 @@ void ScriptProgram::AskForStop() {
         m_stopRequested = true;
 }
 
-void ScriptProgram::OnStopped() {
-    m_stopDone = true;
+bool ScriptProgram::FinishStop(const std::function<void()>& endCommands) {
+    const std::lock_guard<std::mutex> guard(m_finishing);
+    if (m_stopDone)
+        return false;
+    endCommands();
     m_stopRequested = false;
+    m_stopDone = true;
+    return true;
 }
 
 void ScriptProgram::ServeDebugger() {

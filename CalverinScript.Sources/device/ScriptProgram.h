@@ -1,6 +1,8 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
+#include <mutex>
 
 #include <QScriptValue>
 #include <QString>
@@ -60,9 +62,14 @@ public:
     /// Ends every request that is on its way to the host, so that a script which waits for one comes back.
     void EndRequests();
     /// The stop function has been called, or its time is over: nothing in the script waits any more.
-    /// @return whether the stop may go on. Otherwise the debugger holds a script that has to end first, and
-    /// the tick completes it.
+    /// @return whether the stop may go on. Otherwise it stays open, since a script has to end first that the debugger
+    /// holds, or that has itself made the host stop the device: the tick completes it.
     bool EndStop();
+    /// Whether a stop was left open.   [any]
+    bool IsStopOpen() const { return !m_stopDone; }
+    /// Completes a stop that was left open, if there is one. Called where the script may be waited for: never on its own
+    /// thread. @param endCommands ends what the command thread does. @return whether it has done so.   [any host thread, tick]
+    bool FinishStop(const std::function<void()>& endCommands);
     /// Drops what the script has made.
     void ReleaseObjects();
     /// Whether the script has a stop function.   [any]
@@ -76,8 +83,6 @@ public:
     void ServeBridge();
     /// Whether the script has come back for a stop that EndStop has left open.   [tick]
     bool WantsStop() const { return m_stopRequested; }
-    /// The stop has been completed.   [tick]
-    void OnStopped();
 
 private:
     ScriptSet& Set() const;
@@ -96,6 +101,7 @@ private:
     std::atomic<bool> m_startPending{false};    ///< set by a start, taken by the evaluation that follows
     std::atomic<bool> m_stopPending{false};     ///< set by a stop, taken by the stop function
     std::atomic<bool> m_hasStopFunction{false}; ///< written by the script thread
-    std::atomic<bool> m_stopDone{true};         ///< false while a stop waits for the debugger
-    std::atomic<bool> m_stopRequested{false};   ///< set by the script thread, taken by the tick
+    std::atomic<bool> m_stopDone{true};         ///< false while a stop is open
+    std::atomic<bool> m_stopRequested{false};   ///< the script need not be waited for any longer; taken by the tick
+    std::mutex m_finishing;                     ///< held while an open stop is completed
 };

@@ -64,6 +64,10 @@ bool ScriptWorld::IsInside() const {
     return m_place.entrance.IsInside();
 }
 
+bool ScriptWorld::IsCallersOwn() const {
+    return m_place.entrance.IsOnScriptThread() && IsInside();
+}
+
 QScriptValueList ScriptWorld::ArgumentsOf(const MScriptParamList& params) {
     return m_eventArguments->Of(params);
 }

@@ -65,6 +65,8 @@ public:
     bool IsEnding() const { return m_place.ending; }
     /// Whether the engine's thread is inside the script.   [any]
     bool IsInside() const;
+    /// Whether the script that the engine is inside of has called the caller.   [any]
+    bool IsCallersOwn() const;
     /// Evaluates a text as the script that runs from now on.   [script]
     void Evaluate(const QString& text);
     /// Calls a function of the script, with what the script has published as its `this`. An exception that the script

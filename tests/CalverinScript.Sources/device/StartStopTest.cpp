@@ -3,9 +3,11 @@
 #include <algorithm>
 
 #include <QElapsedTimer>
+#include <QScriptEngine>
 
 #include "DeviceTexts.h"
 #include "ModuleShared.h"
+#include "ScriptWorld.h"
 
 namespace {
 
@@ -69,6 +71,72 @@ TEST_F(StartStop, AnExceptionIn_mStartIsReported) {
     GivenScript("({ _mStart: function() { throw new Error('in start') }, F: function() { return 1 } })");
     EXPECT_EQ(Error(), "Script: in start");
     EXPECT_EQ(Call("F"), "1");
+}
+
+/// A host that does something with the device from an observer that a script's write calls, on the script's own thread.
+class ObservedScript : public DeviceFixture {
+protected:
+    void GivenScriptWhoseWriteMeans(const std::function<void()>& work) {
+        observer = work;
+        GivenScript("({ Write: function() { observe(); return 'written' }, Ask: function() { return 'answered' } })");
+        OnScriptThread([&] {
+            QScriptEngine* engine = device->GetEngine();
+            engine->setProperty("observer", QVariant::fromValue(static_cast<void*>(&observer)));
+            const auto observe = [](QScriptContext*, QScriptEngine* e) {
+                (*static_cast<std::function<void()>*>(e->property("observer").value<void*>()))();
+                return QScriptValue();
+            };
+            engine->globalObject().setProperty(QStringLiteral("observe"), engine->newFunction(observe));
+        });
+    }
+    std::function<void()> observer;
+};
+
+TEST_F(ObservedScript, MayMakeTheHostStopTheDeviceWithoutWaitingForItself) {
+    GivenScriptWhoseWriteMeans([this] { device->Stop(); });
+    EXPECT_EQ(Call("Write"), "written");
+    EXPECT_EQ(device->IsRunning(), KXP_NO);
+    GivenScript("({ Ask: function() { return 'answered' } })");
+    EXPECT_EQ(Call("Ask"), "answered") << "the start completes what the stop has left";
+}
+
+TEST_F(ObservedScript, MayMakeTheHostStopTheDeviceFromATimer) {
+    GivenScriptWhoseWriteMeans([this] { device->Stop(); });
+    OnScriptThread(
+        [this] { device->SlotSetTimeout(device->GetWorld().GetSet().global.property(QStringLiteral("Write")), 0); });
+    ASSERT_TRUE(Eventually([this] { return device->IsRunning() == KXP_NO; }));
+    GivenScript("({ Ask: function() { return 'answered' } })");
+    EXPECT_EQ(Call("Ask"), "answered");
+}
+
+TEST_F(ObservedScript, MayMakeTheHostStartTheDeviceAnew) {
+    int times = 0;
+    GivenScriptWhoseWriteMeans([&] {
+        if (++times > 1)
+            return;
+        device->Stop();
+        device->Start();
+    });
+    EXPECT_EQ(Call("Write"), "written");
+    EXPECT_EQ(device->IsRunning(), KXP_OK);
+    EXPECT_TRUE(Eventually([this] { return Call("Ask") == "answered"; }))
+        << "commands of the first moments may end with the stop";
+}
+
+TEST_F(ObservedScript, ThatStopsTheDeviceIsFollowedByNoOtherCommand) {
+    GivenScriptWhoseWriteMeans([this] { device->Stop(); });
+    auto write = plain::Params::ForFunction("Write", {});
+    auto ask = plain::Params::ForFunction("Ask", {});
+    plain::Context first;
+    plain::Context second;
+    OnScriptThread([&] {
+        ASSERT_EQ(Send(3, *write, &first), KXP_OK);
+        ASSERT_EQ(Send(3, *ask, &second), KXP_OK);
+    });
+    EXPECT_TRUE(first.WaitForEnd());
+    EXPECT_TRUE(second.WaitForEnd());
+    EXPECT_EQ(write->At(1).Text(), "written");
+    EXPECT_EQ(ask->At(1).Text(), "");
 }
 
 TEST_F(StartStop, StopWithoutAStopFunctionWaitsForNothing) {
