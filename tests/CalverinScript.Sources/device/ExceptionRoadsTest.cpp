@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <QRegularExpression>
+#include <QScriptEngine>
 
 #include "LoggedDevice.h"
 #include "MScriptEngineAgent.h"

@@ -1,5 +1,7 @@
 #include <algorithm>
 
+#include <QScriptEngine>
+
 #include "Log.h"
 #include "LoggedDevice.h"
 #include "MScriptMngRemote.h"

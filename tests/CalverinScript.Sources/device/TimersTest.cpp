@@ -1,3 +1,5 @@
+#include <QScriptEngine>
+
 #include "DeviceFixture.h"
 #include "ScriptWorld.h"
 
