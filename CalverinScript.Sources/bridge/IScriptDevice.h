@@ -19,8 +19,8 @@ public:
     /// The device's name in the host's 8-bit text.   [any]
     virtual std::string GetScriptDeviceName() = 0;
 
-    /// Queues the delivery of an asynchronous result to the script. When nothing can be queued the context stays
-    /// unreleased.   [any]
+    /// Queues the delivery of an asynchronous result to the script. When nothing can be queued the
+    /// context stays unreleased.   [any]
     virtual void PostAsyncResult(MyAsyncDeviceExecContext* context) = 0;
 
     /// Queues a change for the script's callback. Null texts are dropped.   [any host thread]

@@ -25,8 +25,8 @@ class MScriptResource;
 class MyPostponedObject;
 class QScriptEngine;
 
-/// The object behind the script global `QCalverin`: the host as a script sees it. One for each device, owned by the
-/// device.
+/// The object behind the script global `QCalverin`: the host as a script sees it. One for each device,
+/// owned by the device.
 ///
 /// It owns what a script makes through it and the requests that are on their way to the host, and ends them all when
 /// the device stops. Each of the host's links may be missing; what needs it then gives its neutral result.
@@ -57,9 +57,9 @@ public:
     void AllowWaits() { m_scriptWaits.Allow(); }
     /// Whether an answer of the host is inside this object, which has to outlive it.   [any]
     bool HasAnswersUnderWay() const { return m_asyncContexts->HasVisits(); }
-    /// Drops what the script made: pending results and objects. No event of theirs is delivered any more. The objects are deleted on
-    /// the script thread; a host thread waits for that, but for a moment only when a script is still running.
-    /// [any host thread, script]
+    /// Drops what the script made: pending results and objects. No event of theirs is delivered any more. The objects
+    /// are deleted on the script thread; a host thread waits for that, but for a moment only when a script is still
+    /// running.   [any host thread, script]
     void ReleaseScriptObjects();
     /// Takes resources that the device has let go. No event of theirs is delivered any more, and nothing is flushed.
     /// They are deleted on the script thread, those that the script has taken with what it has made.   [host main]
@@ -153,8 +153,8 @@ public:
     /// @param svSignature a JSON text or an object with "Type", "ResourceID" and, for channels, "ChannelIndex".
     /// @return an invalid value for anything else and without a device.
     Q_INVOKABLE QScriptValue GetResource(const QScriptValue& svSignature);
-    /// Keeps the user command in execution open until SetResult. @return the id for SetResult, 0 when there is nothing to
-    /// postpone.
+    /// Keeps the user command in execution open until SetResult. @return the id for SetResult, 0 when there
+    /// is nothing to postpone.
     Q_INVOKABLE int PostponeResult();
     /// Answers a postponed user command. Unknown ids and 0 do nothing.
     Q_INVOKABLE void SetResult(int iID, const QString& sResult = QString());
@@ -164,8 +164,8 @@ public:
     KXPCode UnregisterRootGroup();
 
     // Postponed results of user commands
-    /// Allows or ends postponing around one user command. The postponed result itself, if any, stays open.
-    /// [script, command]
+    /// Allows or ends postponing around one user command. The postponed result itself, if any,
+    /// stays open.   [script, command]
     void SetPostponeAllowed(bool allowed);
     /// Whether the user command in execution has postponed its result.   [script, command]
     bool HasPostponed() const { return m_currentPostponed != nullptr; }

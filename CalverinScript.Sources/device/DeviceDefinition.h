@@ -10,8 +10,8 @@ class StoredSetup;
 struct ScriptSet;
 
 /// The definition of one device: the commands and variables under which its host keeps it. It is built from the
-/// module's template and what the script publishes, offered to the host, and brings the host's values of the
-/// variables.   [host main, where nothing else is said]
+/// module's template and what the script publishes, offered to the host, and brings the host's values of the variables.
+/// [host main, where nothing else is said]
 class DeviceDefinition {
 public:
     /// All are borrowed for this object's life. @param module may be null: then there is no definition. @param running

@@ -1,8 +1,7 @@
 #pragma once
 
 /// A room of a device in which somebody may still be, or wait, when the device ends. A device ends its rooms in one
-/// order: all of them begin, then one after the other ends, and its memory goes once all have
-/// ended.   [all: host main]
+/// order: all of them begin, then one after the other ends, and its memory goes once all have ended.   [all: host main]
 class IEndingRoom {
 public:
     /// Lets nobody in any more, and lets those go who wait for the host. Waits for nobody.

@@ -7,10 +7,10 @@
 
 class MyAsyncDeviceExecContext;
 
-/// The functions of a script that wait for something of the host: the answers of its asynchronous requests, and
-/// changes below its groups. It owns the functions; the requests belong to the bridge and are known here by their
-/// address alone, so that one that is gone may still be asked
-/// for.   [all: script, under the device's mutex; Clear also where the script thread has ended]
+/// The functions of a script that wait for something of the host: the answers of its asynchronous requests, and changes
+/// below its groups. It owns the functions; the requests belong to the bridge and are known here by their address
+/// alone, so that one that is gone may still be asked for.
+/// [all: script, under the device's mutex; Clear also where the script thread has ended]
 class ScriptCallbacks {
 public:
     /// A function and what it is called with.

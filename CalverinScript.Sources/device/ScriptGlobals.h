@@ -13,8 +13,8 @@ class QScriptEngine;
 /// [script, or the thread that owns an analysis engine]
 void SetUpScriptGlobals(QScriptEngine& engine, MScriptMngRemote& remote);
 
-/// Gives an engine that only analyses the same globals, once, with a bridge of its own that has no device and no
-/// links: a script analyses as it runs, and does nothing to the show. The bridge belongs to the
+/// Gives an engine that only analyses the same globals, once, with a bridge of its own that has no device
+/// and no links: a script analyses as it runs, and does nothing to the show. The bridge belongs to the
 /// engine.   [the engine's thread]
 void SetUpAnalysisGlobals(QScriptEngine& engine);
 

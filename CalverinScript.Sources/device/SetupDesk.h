@@ -39,8 +39,8 @@ protected:
 };
 
 /// Where the setup of one device is read, given out and changed, by its host and by its dialog. What is taken over
-/// becomes the device's once the host has taken the definition that follows from it.   [host main, where nothing else
-/// is said]
+/// becomes the device's once the host has taken the definition that follows from it.
+/// [host main, where nothing else is said]
 ///
 /// A dialog calls Begin, then makes its own analyses, and ends with Accept or Cancel.
 class SetupDesk {

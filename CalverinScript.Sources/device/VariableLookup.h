@@ -13,9 +13,8 @@ class IVariableManager;
 class LimitedRun;
 struct HostServices;
 
-/// What a scan asks of the device and its host. Which names are variables of the device is read once, however many
-/// the scan asks for; the value is asked of the host each time, which may have replaced it
-/// since.   [the scan's thread]
+/// What a scan asks of the device and its host. Which names are variables of the device is read once, however many the
+/// scan asks for; the value is asked of the host each time, which may have replaced it since.   [the scan's thread]
 class VariableLookup final : public IScanHost {
 public:
     /// @param services, values borrowed for the scan; values may be null. @param own the device's variables as

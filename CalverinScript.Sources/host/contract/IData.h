@@ -44,8 +44,8 @@ public:
     /// @return a text that the caller owns and gives back through ReleaseString of this object; may be null.   [any]
     virtual char* GetValueAsString() = 0;
 
-    /// Sets the value from text, whatever its type. The text is copied; the two further arguments are reserved, always
-    /// 0. [any]
+    /// Sets the value from text, whatever its type. The text is copied; the two further arguments are
+    /// reserved, always 0. [any]
     virtual void SetValueFromString(const char* text, std::uint32_t reserved1, std::uint32_t reserved2) = 0;
 
     /// The type code, see KXPDataType.   [any]
@@ -114,8 +114,8 @@ protected:
 /// One of a list of items. The whole-number value is the index of the current item, from 0.
 class IEnumData : public IData {
 public:
-    /// Selects the item of that index; an index outside the list is ignored. The further arguments are reserved, always
-    /// 0. [any]
+    /// Selects the item of that index; an index outside the list is ignored. The further arguments are
+    /// reserved, always 0. [any]
     virtual void SetCurrent(std::int32_t index, std::uint32_t reserved1, std::uint32_t reserved2) = 0;
     /// Appends an item. The text is copied.   [any]
     virtual void AddItem(const char* text) = 0;

@@ -51,8 +51,8 @@ protected:
 /// The colours in which the host draws itself. "IThemeManager".
 class IThemeManager : public IMInterface {
 public:
-    /// The colour of that number as 0x00BBGGRR: 0 background, 1 text, 6 selected, 7 selected text, 8 field.   [host
-    /// main]
+    /// The colour of that number as 0x00BBGGRR: 0 background, 1 text, 6 selected, 7 selected text,
+    /// 8 field.   [host main]
     virtual std::uint32_t GetColor(std::uint32_t id) = 0;
 
 protected:

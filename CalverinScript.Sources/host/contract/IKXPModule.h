@@ -38,8 +38,8 @@ public:
     /// @return 0 made, 2 out is null or holds something, 17 before SetDeviceHost, 7 nothing came of it.   [host main]
     virtual KXPCode CreateDevice(void* ignored, IKXPDevice** out) = 0;
 
-    /// The device of that index from 0 in the process-wide list of devices; null outside or for another module's
-    /// device. [host main]
+    /// The device of that index from 0 in the process-wide list of devices; null outside or for another
+    /// module's device. [host main]
     virtual IKXPDevice* GetDevice(std::uint32_t index) = 0;
 
     /// Asked of each stored command that uses the device. The collection learns which device it belongs to.

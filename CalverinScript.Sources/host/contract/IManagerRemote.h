@@ -68,8 +68,8 @@ public:
     /// Reads a property of an object as a number. @param out the number,
     /// 0 on failure. @return 0, or a code of the host.   [script]
     virtual KXPCode GetPropertyAsInt(const char* object, const char* property, std::int32_t* out) = 0;
-    /// Describes an object down to a depth. @param out the text, given back with FreeText. @return 0, or a code of
-    /// the host.   [script]
+    /// Describes an object down to a depth. @param out the text, given back with FreeText. @return 0, or a code
+    /// of the host.   [script]
     virtual KXPCode GetObject(const char* object, std::uint16_t depth, char** out) = 0;
     /// Runs an action on an object and waits for it. @param
     /// parameters an XML text. @param out the result text.   [script]

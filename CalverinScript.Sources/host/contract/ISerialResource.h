@@ -22,9 +22,8 @@ enum KXPSerialEvent : std::int32_t {
 /// Hears of a serial port. Answers "IMInterface" and "ISerialResourceHandler".
 class ISerialResourceHandler : public IResourceHandler {
 public:
-    /// Place 5. Bytes that came in. They are borrowed for the call;
-    /// what is not this port's own is ignored, as is a length below
-    /// 1.   [any]
+    /// Place 5. Bytes that came in. They are borrowed for the call; what is not this port's own is ignored, as is a
+    /// length below 1.   [any]
     virtual void OnData(ISerialResource* resource, const std::uint8_t* data, std::int32_t length,
                         std::uint32_t reserved) = 0;
     /// Place 6. Something beside data. @param eventType see KXPSerialEvent. @param state 0 off, anything else on. [any]
