@@ -47,7 +47,7 @@ KXPCode RunDialog(MCalverinScript_Device& device, const char* scriptName) {
     if (scriptName != nullptr)
         dialog.OpenScript(FromHostText(scriptName));
     const bool isAccepted = dialog.exec() == QDialog::Accepted;
-    if (!kept)
+    if (kept == nullptr)
         return KXP_CANCELLED;
     const BusyCursor busy;
     return isAccepted ? dialog.StoreToDevice(&device) : device.GetSetupDesk().Cancel();

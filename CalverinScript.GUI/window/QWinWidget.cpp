@@ -53,7 +53,7 @@ QWinWidget::~QWinWidget() {
 
 void QWinWidget::FindHostWindow() {
     m_hostWindow = FindOwnWindow(m_parentId);
-    if (m_hostWindow)
+    if (m_hostWindow != nullptr)
         connect(m_hostWindow, &QObject::destroyed, this, &QWinWidget::Leave);
     else if (HasNativeWindows())
         WatchForeignWindow();
@@ -82,7 +82,7 @@ void QWinWidget::Leave() {
 
 /// @param margins receives how wide the frame is: that of a dialog will be the same.
 QRect QWinWidget::ParentFrame(QMargins& margins) const {
-    if (m_hostWindow && !m_foreign) {
+    if (m_hostWindow != nullptr && !m_foreign) {
         margins = m_hostWindow->frameMargins();
         return m_hostWindow->frameGeometry();
     }
@@ -98,7 +98,7 @@ QRect QWinWidget::ParentFrame(QMargins& margins) const {
 }
 
 void QWinWidget::show() {
-    if (m_hostWindow) {
+    if (m_hostWindow != nullptr) {
         winId();
         windowHandle()->setParent(m_hostWindow);
     }
@@ -108,7 +108,7 @@ void QWinWidget::show() {
 void QWinWidget::FocusParent() {
     if (m_foreign)
         FocusNativeWindow(m_parentId);
-    else if (m_hostWindow)
+    else if (m_hostWindow != nullptr)
         m_hostWindow->requestActivate();
 }
 
@@ -139,7 +139,7 @@ QWidgetList QWinWidget::FocusChain() {
 bool QWinWidget::focusNextPrevChild(bool next) {
     const QWidgetList chain = FocusChain();
     QWidget* end = chain.isEmpty() ? nullptr : next ? chain.last() : chain.first();
-    if (!m_hostWindow || (end != nullptr && focusWidget() != end))
+    if (m_hostWindow == nullptr || (end != nullptr && focusWidget() != end))
         return QWidget::focusNextPrevChild(next);
     m_beginsAnew = true;
     FocusParent();
@@ -173,7 +173,7 @@ void QWinWidget::PassKey(const QKeyEvent& event, bool isPressed) {
 }
 
 void QWinWidget::Adopt(QWidget& dialog) {
-    if (!m_hostWindow)
+    if (m_hostWindow == nullptr)
         return;
     dialog.winId();
     dialog.windowHandle()->setTransientParent(m_hostWindow);
@@ -198,7 +198,7 @@ void QWinWidget::Centre(QWidget& dialog) const {
 /// A host's window that was shown just now gets its place and its frame before the dialog comes up, but not before it was adopted.
 /// Who gave the dialog a place of its own meanwhile keeps it.
 void QWinWidget::KeepInTheMiddle(const QObject* watched, const QEvent& event) {
-    if (!m_centred)
+    if (m_centred == nullptr)
         return;
     if (event.type() == QEvent::Show && watched == m_centred && m_centred->geometry() != m_centredPlace)
         m_centred = nullptr;

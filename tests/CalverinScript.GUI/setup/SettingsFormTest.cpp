@@ -74,6 +74,62 @@ TEST_F(TheForm, HasOneRowForEachOfTheKindsByItsName) {
     EXPECT_STREQ(FieldKindOf(kKinds).name, "LineEdit");
 }
 
+TEST_F(TheForm, EachKindHasItsFieldItsPlaceAndItsSize) {
+    struct Row {
+        const char* type; ///< null for none
+        bool hasLabel;
+        Qt::Alignment alignment;
+        QSize fixed; ///< 0 where it is free
+    };
+    const Qt::Alignment left = Qt::AlignLeft | Qt::AlignVCenter;
+    const Row resource = {"MyResourceSelector", true, left, {}};
+    const Row none = {nullptr, true, {}, {}};
+    const Row rows[kKinds] = {{"QLineEdit", true, Qt::AlignVCenter, {0, 35}},
+                              none,
+                              {"QSpinBox", true, left, {200, 35}},
+                              {"QDoubleSpinBox", true, left, {200, 35}},
+                              {"QComboBox", true, left, {}},
+                              {"MyDateEdit", true, left, {}},
+                              {"QTimeEdit", true, left, {200, 35}},
+                              none,
+                              {"QCheckBox", false, left, {}},
+                              none,
+                              none,
+                              none,
+                              {"QLabel", false, {}, {}},
+                              {"QFrame", false, {}, {}},
+                              resource,
+                              resource,
+                              resource,
+                              resource,
+                              resource,
+                              resource,
+                              resource};
+    for (int kind = 0; kind < kKinds; ++kind)
+        Given(WidgetName(kind), kind, "");
+    With(Given("Narrow", 0, ""), "Width", "90");
+    Show();
+    for (int kind = 0; kind < kKinds; ++kind) {
+        const Row& row = rows[kind];
+        const QWidget* field = FieldAt<QWidget>(kind);
+        ASSERT_EQ(field != nullptr, row.type != nullptr) << WidgetName(kind);
+        EXPECT_EQ(LabelAt(kind) == WidgetName(kind), row.hasLabel) << WidgetName(kind);
+        EXPECT_TRUE(!row.hasLabel ||
+                    Grid().itemAtPosition(kind, 0)->alignment() == (Qt::AlignRight | Qt::AlignVCenter));
+        if (field == nullptr)
+            continue;
+        EXPECT_STREQ(field->metaObject()->className(), row.type);
+        EXPECT_EQ(field->property("ScriptSetupVarName").toString(), QLatin1String(WidgetName(kind)));
+        EXPECT_EQ(Grid().itemAtPosition(kind, 1)->alignment(), row.alignment) << WidgetName(kind);
+        EXPECT_TRUE(row.fixed.width() <= 0 || field->minimumWidth() == row.fixed.width()) << WidgetName(kind);
+        EXPECT_TRUE(row.fixed.height() <= 0 || field->maximumHeight() == row.fixed.height()) << WidgetName(kind);
+    }
+    EXPECT_EQ(Grid().itemAtPosition(kKinds, 1)->alignment(), left) << "one with a width of its own";
+    const QSpacerItem* rest = Grid().itemAtPosition(kKinds + 2, 0)->spacerItem();
+    ASSERT_NE(rest, nullptr) << "what is left belongs to no row";
+    EXPECT_EQ(rest->sizeHint(), QSize(40, 20));
+}
+
 TEST_F(TheForm, ShowsALabelAloneForKindsWithoutAField) {
     for (int kind : {1, 7, 9, 10, 11})
         Given(WidgetName(kind), kind, "kept");
