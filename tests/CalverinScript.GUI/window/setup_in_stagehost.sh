@@ -19,7 +19,7 @@ run() {
     pid=$!
     eventually has_keyboard "$title"
     eventually is_centred_on "$title" "stagehost: .*"
-    xdotool mousemove --window "$(xdotool getwindowfocus)" 400 315 click 1 key ctrl+a
+    xdotool mousemove --window "$(xdotool getwindowfocus)" 400 275 click 1 key ctrl+a
     xdotool type --delay 1 "$1"
     xdotool key "${@:2}"
 }
