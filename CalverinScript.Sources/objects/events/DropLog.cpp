@@ -19,24 +19,29 @@ DropLog::DropLog(Tell tell, std::uint32_t (*clock)())
     , m_clock(clock) {}
 
 void DropLog::Note(std::uint64_t count) {
-    const std::lock_guard<std::mutex> guard(m_lock);
-    m_untold += count;
-    if (!m_hasTold || m_clock() - m_lastTold >= kBetweenLinesMs)
-        TellLocked();
+    Write(Take(count, kBetweenLinesMs));
 }
 
 void DropLog::TellRest() {
-    const std::lock_guard<std::mutex> guard(m_lock);
-    TellLocked();
+    Write(Take(0, 0));
 }
 
-void DropLog::TellLocked() {
-    const std::uint64_t count = std::exchange(m_untold, 0);
-    if (count == 0)
-        return;
+/// Outside the lock: a host may drop something more from inside its log.
+void DropLog::Write(std::uint64_t count) const {
+    if (count > 0)
+        m_tell(count);
+}
+
+/// @return what is to be told now: nothing before so many milliseconds have passed since the last line.
+std::uint64_t DropLog::Take(std::uint64_t count, std::uint32_t betweenLinesMs) {
+    const std::lock_guard<std::mutex> guard(m_lock);
+    m_untold += count;
+    const std::uint32_t now = m_clock();
+    if (m_untold == 0 || (m_hasTold && now - m_lastTold < betweenLinesMs))
+        return 0;
     m_hasTold = true;
-    m_lastTold = m_clock();
-    m_tell(count);
+    m_lastTold = now;
+    return std::exchange(m_untold, 0);
 }
 
 DropLog::Tell TellOfSlowScript(IScriptObjectOwner* owner, std::function<QString()> describe) {

@@ -13,7 +13,7 @@ class IScriptObjectOwner;
 /// - All that was counted is told, once: the rest by TellRest.
 class DropLog {
 public:
-    /// Writes a line. Lines are written one after the other.
+    /// Writes a line. Called without a lock, by two threads at once when both have something to tell.
     using Tell = std::function<void(std::uint64_t count)>;
 
     explicit DropLog(Tell tell);
@@ -28,11 +28,12 @@ public:
     void TellRest();
 
 private:
-    void TellLocked();
+    std::uint64_t Take(std::uint64_t count, std::uint32_t betweenLinesMs);
+    void Write(std::uint64_t count) const;
 
     const Tell m_tell;
     std::uint32_t (*const m_clock)();
-    std::mutex m_lock;            ///< held while a line is written, so that lines keep their order
+    std::mutex m_lock;
     std::uint64_t m_untold = 0;   ///< under m_lock
     std::uint32_t m_lastTold = 0; ///< under m_lock
     bool m_hasTold = false;       ///< under m_lock

@@ -76,6 +76,22 @@ TEST_F(DropLogs, TellNothingOfNothing) {
     EXPECT_EQ(m_log.lines, std::vector<std::string>{Line(1)}) << "nothing is no line, so this one is the first";
 }
 
+TEST_F(DropLogs, MayBeGivenMoreFromInsideALine) {
+    std::vector<std::uint64_t> told;
+    DropLog* lpDrops = nullptr;
+    DropLog drops(
+        [&](std::uint64_t count) {
+            told.push_back(count);
+            if (told.size() == 1)
+                lpDrops->Note(5); // a host that posts a command from its log
+        },
+        &Clock);
+    lpDrops = &drops;
+    drops.Note(2);
+    drops.TellRest();
+    EXPECT_EQ(told, (std::vector<std::uint64_t>{2, 5}));
+}
+
 TEST_F(DropLogs, WriteNoLineForAnObjectThatNobodyOwns) {
     DropLog nobody(TellOfSlowScript(nullptr, [] { return QString(); }));
     nobody.Note(1);
