@@ -23,20 +23,18 @@ constexpr const char* kReadableFields = "QTabWidget QLineEdit{color: rgb(%1);}"
 
 constexpr const char* kRules[] = {
     "QGroupBox{font: bold; background: none;\tborder: 1px solid grey;\tmargin-top: 8px; border-radius: 5px;}",
-    "QGroupBox::title{font: bold; subcontrol-origin: margin; subcontrol-position: top left; margin-left: 2px; padding: "
-    "0 0px; "
-    "color: rgb(%2);}",
+    ("QGroupBox::title{font: bold; subcontrol-origin: margin; subcontrol-position: top left; margin-left: 2px; "
+     "padding: 0 0px; color: rgb(%2);}"),
     "QDialog{background-color: rgb(%1); color: rgb(%2);}",
     "QLabel{color: rgb(%2);}",
     "QCheckBox{color: rgb(%2);}",
     "QRadioButton{color: rgb(%2);}",
     "QLineEdit[readOnly=\"true\"]{background: rgb(%3); color: rgb(%2); border-width: 1px;}",
-    "QTabBar::tab{background-color: rgb(%1); color: rgb(%2); padding: 5px 10px; border-style: outset; border-width: "
-    "1px; "
-    "border-color: rgb(%2); border-top-left-radius: 2px; border-top-right-radius: 2px; margin-top: 6px;}",
-    "QTabBar::tab:selected{background: rgb(%4); color: rgb(%5); border-top-left-radius: 2px; border-top-right-radius: "
-    "2px; "
-    "margin-top: 2px;}",
+    ("QTabBar::tab{background-color: rgb(%1); color: rgb(%2); padding: 5px 10px; border-style: outset; "
+     "border-width: 1px; border-color: rgb(%2); border-top-left-radius: 2px; border-top-right-radius: 2px; "
+     "margin-top: 6px;}"),
+    ("QTabBar::tab:selected{background: rgb(%4); color: rgb(%5); border-top-left-radius: 2px; "
+     "border-top-right-radius: 2px; margin-top: 2px;}"),
     "QTabWidget MyTabWidget{background-color: rgb(%1);}",
     "QTabWidget QLineEdit{background-color: rgb(%2);}",
     "QTabWidget CodeEditor{background-color: white;}",
