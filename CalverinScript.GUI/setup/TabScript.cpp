@@ -21,6 +21,10 @@ constexpr int kTabStopPixels = 28;
 constexpr int kFontPoints = 9;
 constexpr int kVisibleCompletions = 15;
 
+constexpr int With(Qt::Modifier modifier, Qt::Key key) {
+    return static_cast<int>(modifier) | static_cast<int>(key);
+}
+
 /// One action of the editor's menu.
 struct EditorAction {
     const char* text;
@@ -32,14 +36,14 @@ struct EditorAction {
 };
 
 constexpr EditorAction kEditorActions[] = {
-    {"Find...", "Find...", ":/search", Qt::CTRL | Qt::Key_F, &TabScript::SignalOpenFinder, true},
-    {"Insert Variable", "Insert a Variable", ":/varFolder", Qt::ALT | Qt::Key_V, nullptr, false},
-    {"Insert UserGroup", "Insert an UserGroup", ":/userGroupIcon", Qt::ALT | Qt::Key_G, nullptr, false},
-    {"Insert Task", "Insert a Task", ":/taskIcon", Qt::ALT | Qt::Key_T, nullptr, false},
-    {"Insert Cue", "Insert a Cue", ":/cueIcon", Qt::ALT | Qt::Key_C, nullptr, false},
-    {"Insert UserScreen", "Insert an UserScreen", ":/userscreenIcon", Qt::ALT | Qt::Key_U, nullptr, false},
-    {"Insert Device", "Insert a Device", ":/devIcon", Qt::ALT | Qt::Key_D, nullptr, true},
-    {"Insert QCalverin.Perform", "Insert QCalverin.Perform", ":/perform", Qt::ALT | Qt::Key_P, nullptr, false},
+    {"Find...", "Find...", ":/search", With(Qt::CTRL, Qt::Key_F), &TabScript::SignalOpenFinder, true},
+    {"Insert Variable", "Insert a Variable", ":/varFolder", With(Qt::ALT, Qt::Key_V), nullptr, false},
+    {"Insert UserGroup", "Insert an UserGroup", ":/userGroupIcon", With(Qt::ALT, Qt::Key_G), nullptr, false},
+    {"Insert Task", "Insert a Task", ":/taskIcon", With(Qt::ALT, Qt::Key_T), nullptr, false},
+    {"Insert Cue", "Insert a Cue", ":/cueIcon", With(Qt::ALT, Qt::Key_C), nullptr, false},
+    {"Insert UserScreen", "Insert an UserScreen", ":/userscreenIcon", With(Qt::ALT, Qt::Key_U), nullptr, false},
+    {"Insert Device", "Insert a Device", ":/devIcon", With(Qt::ALT, Qt::Key_D), nullptr, true},
+    {"Insert QCalverin.Perform", "Insert QCalverin.Perform", ":/perform", With(Qt::ALT, Qt::Key_P), nullptr, false},
 };
 
 } // namespace
