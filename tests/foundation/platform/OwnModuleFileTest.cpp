@@ -1,11 +1,10 @@
-#include "ModuleFile.h"
-
 #include <filesystem>
 #include <memory>
 
 #include <gtest/gtest.h>
 
 #include "DynamicLibrary.h"
+#include "ModuleFile.h"
 
 namespace {
 
