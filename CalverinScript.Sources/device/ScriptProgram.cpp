@@ -260,8 +260,8 @@ void ScriptProgram::AskForStop() {
 }
 
 bool ScriptProgram::FinishStop(const std::function<void()>& endCommands) {
-    const std::lock_guard<std::mutex> guard(m_finishing);
-    if (m_stopDone)
+    const std::unique_lock<std::mutex> turn(m_finishing, std::try_to_lock);
+    if (!turn.owns_lock() || m_stopDone)
         return false;
     endCommands();
     m_stopRequested = false;

@@ -68,7 +68,8 @@ public:
     /// Whether a stop was left open.   [any]
     bool IsStopOpen() const { return !m_stopDone; }
     /// Completes a stop that was left open, if there is one. Called where the script may be waited for: never on its own
-    /// thread. @param endCommands ends what the command thread does. @return whether it has done so.   [any host thread, tick]
+    /// thread. Waits for no other caller: the command may come here that the first one is waiting for.
+    /// @param endCommands ends what the command thread does. @return whether it has done so.   [any host thread, tick, command]
     bool FinishStop(const std::function<void()>& endCommands);
     /// Drops what the script has made.
     void ReleaseObjects();
@@ -103,5 +104,5 @@ private:
     std::atomic<bool> m_hasStopFunction{false}; ///< written by the script thread
     std::atomic<bool> m_stopDone{true};         ///< false while a stop is open
     std::atomic<bool> m_stopRequested{false};   ///< the script need not be waited for any longer; taken by the tick
-    std::mutex m_finishing;                     ///< held while an open stop is completed
+    std::mutex m_finishing;                     ///< held while an open stop is completed; only tried, never waited for
 };

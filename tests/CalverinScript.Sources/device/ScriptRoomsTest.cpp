@@ -2,6 +2,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -249,6 +250,23 @@ TEST_F(ProgramOfADevice, LeavesAStopOpenThatItsOwnScriptHasBroughtAbout) {
     EXPECT_EQ(ended, 1);
     EXPECT_FALSE(program.IsStopOpen());
     EXPECT_FALSE(program.WantsStop());
+}
+
+/// The command that the tick waits for may start the device.
+TEST_F(ProgramOfADevice, CompletesAnOpenStopOnceWhileACommandThatIsWaitedForTriesAsWell) {
+    ASSERT_TRUE(Load("({})"));
+    {
+        const ScriptEntrance::Entry entry(entrance);
+        ASSERT_FALSE(program.EndStop());
+    }
+    bool hasFinishedInside = true;
+    EXPECT_TRUE(program.FinishStop([&] {
+        std::thread command([&] { hasFinishedInside = program.FinishStop([] {}); });
+        command.join();
+        EXPECT_TRUE(program.IsStopOpen());
+    }));
+    EXPECT_FALSE(hasFinishedInside);
+    EXPECT_FALSE(program.IsStopOpen());
 }
 
 } // namespace
