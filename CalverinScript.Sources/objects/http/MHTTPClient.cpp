@@ -13,9 +13,17 @@ namespace {
 constexpr int kDescriptorsOfRequest = 20; ///< sockets, look-ups and the event loops behind them, with some to spare
 constexpr int kPercent = 100;
 constexpr const char* kAnswered = "challengeAnswered";
+constexpr const char* kAcceptEncoding = "Accept-Encoding";
 
 QByteArray OneLine(QByteArray value) {
     return value.replace('\n', ' ').replace('\r', ' ');
+}
+
+/// A body that the network library unpacks may break off unnoticed, so a file is asked for as it is.
+QNetworkRequest Unpacked(QNetworkRequest request) {
+    if (!request.hasRawHeader(kAcceptEncoding))
+        request.setRawHeader(kAcceptEncoding, "identity");
+    return request;
 }
 
 QByteArray HeaderListOf(const QNetworkReply& reply) {
@@ -103,7 +111,7 @@ void MHTTPClient::SlotDownloadFile(const QNetworkRequest& request, const QString
         return;
     }
     m_lpDownload = std::make_unique<DownloadFile>(target);
-    SlotGet(request);
+    SlotGet(Unpacked(request));
 }
 
 void MHTTPClient::SlotDownloadProgress(qint64 bytesReceived, qint64 bytesTotal) {

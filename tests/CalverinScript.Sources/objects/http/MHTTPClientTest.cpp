@@ -1,6 +1,7 @@
 #include "MHTTPClient.h"
 
 #include <algorithm>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -164,6 +165,60 @@ TEST_F(Worker, ADownloadThatEndsWithItsConnectionIsWhole) {
         ASSERT_EQ(responses.back().error, 0);
         ASSERT_EQ(QFileInfo(path).size(), kSize) << "round " << round;
     }
+}
+
+/// What the thread of a server has heard.
+class Heard {
+public:
+    void Take(const std::string& request) {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        m_request = request;
+    }
+    bool Has(const std::string& part) {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        return m_request.find(part) != std::string::npos;
+    }
+
+private:
+    std::mutex m_lock;
+    std::string m_request; ///< the last one; under m_lock
+};
+
+/// A server that packs what nobody asked it to: the library would take the half of it for all.
+TEST_F(Worker, ADownloadAsksForTheFileAsItIsSoThatAPackedOneThatBreaksOffLeavesTheOldFile) {
+    Heard heard;
+    const HostileServer server([&](Peer& peer) {
+        heard.Take(peer.ReadRequest());
+        peer.Send("HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 5000\r\n\r\n" +
+                  std::string("\x1f\x8b\x08\0\0\0\0\0\0\x03", 10));
+    });
+    const QTemporaryDir folder;
+    QFile old(folder.filePath(QStringLiteral("film")));
+    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
+    old.write("an old film");
+    old.close();
+    worker.SlotDownloadFile(To(server), old.fileName());
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].error, 2);
+    EXPECT_EQ(old.size(), 11);
+    EXPECT_TRUE(heard.Has("\r\nAccept-Encoding: identity\r\n"));
+}
+
+TEST_F(Worker, ADownloadWithAnEncodingOfItsOwnAsksForThatOne) {
+    Heard heard;
+    const HostileServer server([&](Peer& peer) {
+        heard.Take(peer.ReadRequest());
+        peer.Send(Ok("packed"));
+        peer.WaitForClose();
+    });
+    const QTemporaryDir folder;
+    QNetworkRequest request = To(server);
+    request.setRawHeader("Accept-Encoding", "gzip");
+    worker.SlotDownloadFile(request, folder.filePath(QStringLiteral("film")));
+    ASSERT_TRUE(UntilResponses(1));
+    EXPECT_EQ(responses[0].error, 0);
+    EXPECT_FALSE(heard.Has("identity"));
+    EXPECT_TRUE(heard.Has("\r\nAccept-Encoding: gzip\r\n"));
 }
 
 TEST_F(Worker, ADownloadThatDoesNotFitIsAnsweredAtOnceAndLetsTheServerGo) {
