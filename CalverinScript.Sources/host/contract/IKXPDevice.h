@@ -16,8 +16,8 @@ public:
 
     /// Replaces the device's commands and variables with those of the definition text and allocates an InstanceID for
     /// each variable whose InstanceID is 0. The text is copied. While it runs, the device keeps out of the values that
-    /// may go: a script that wants one waits for 2 s, then goes on without it (a write is lost, a read gives undefined).
-    /// So it has to return sooner, and must wait for nothing that waits for the script.
+    /// may go: a script that wants one waits for 2 s, then goes on without it (a write is lost, a read gives
+    /// undefined). So it has to return sooner, and must wait for nothing that waits for the script.
     /// @return 1 accepted, anything else refused and the former definition stays.   [host main]
     virtual std::uint32_t SetDefinition(const char* xml) = 0;
 
