@@ -115,6 +115,7 @@ TEST_F(ResourceLife, ABreakCharacterStaysOverARestartWhichIsMeant) {
 
 TEST_F(ResourceLife, AnEventThatWaitsWhenTheObjectsGoIsDropped) {
     GivenRunning(kListening);
+    EXPECT_EQ(Heard(1), "close") << "what it begins with";
     ForgetHeard();
     OnScriptThread([&] {
         serial.Receive("x");
