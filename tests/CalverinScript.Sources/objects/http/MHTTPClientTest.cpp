@@ -66,6 +66,16 @@ std::string Ok(const std::string& body) {
     return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
+constexpr int kOldFilmSize = 11;
+
+/// @return the path of a file that is there before a download.
+QString OldFilm(const QTemporaryDir& folder) {
+    QFile film(folder.filePath(QStringLiteral("film")));
+    EXPECT_TRUE(film.open(QIODevice::WriteOnly));
+    EXPECT_EQ(film.write("an old film"), kOldFilmSize);
+    return film.fileName();
+}
+
 /// Answers /quick at once and nothing else ever.
 void AnswerQuickOnes(Peer& peer) {
     const std::string request = peer.ReadRequest();
@@ -138,14 +148,11 @@ TEST_F(Worker, ADownloadThatBreaksOffLeavesTheOldFileAndNothingElse) {
         peer.Send("HTTP/1.1 200 OK\r\nContent-Length: 5000000\r\n\r\n" + std::string(4000000, 'x'));
     });
     const QTemporaryDir folder;
-    QFile old(folder.filePath(QStringLiteral("film")));
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
-    old.write("an old film");
-    old.close();
-    worker.SlotDownloadFile(To(server), old.fileName());
+    const QString film = OldFilm(folder);
+    worker.SlotDownloadFile(To(server), film);
     ASSERT_TRUE(UntilResponses(1));
     EXPECT_EQ(responses[0].error, 2);
-    EXPECT_EQ(old.size(), 11);
+    EXPECT_EQ(QFileInfo(film).size(), kOldFilmSize);
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
               QStringList{QStringLiteral("film")});
 }
@@ -193,14 +200,11 @@ TEST_F(Worker, ADownloadAsksForTheFileAsItIsSoThatAPackedOneThatBreaksOffLeavesT
                   std::string("\x1f\x8b\x08\0\0\0\0\0\0\x03", 10));
     });
     const QTemporaryDir folder;
-    QFile old(folder.filePath(QStringLiteral("film")));
-    ASSERT_TRUE(old.open(QIODevice::WriteOnly));
-    old.write("an old film");
-    old.close();
-    worker.SlotDownloadFile(To(server), old.fileName());
+    const QString film = OldFilm(folder);
+    worker.SlotDownloadFile(To(server), film);
     ASSERT_TRUE(UntilResponses(1));
     EXPECT_EQ(responses[0].error, 2);
-    EXPECT_EQ(old.size(), 11);
+    EXPECT_EQ(QFileInfo(film).size(), kOldFilmSize);
     EXPECT_TRUE(heard.Has("\r\nAccept-Encoding: identity\r\n"));
 }
 
