@@ -33,6 +33,11 @@ KXPWindow MainWindowOf(IMInterface* host) {
     return info != nullptr ? info->GetMainWindow() : 0;
 }
 
+void RebuildCompletions(MCalverinScript_Device& device) {
+    const BusyCursor busy;
+    device.RebuildCompletionTable(device.GetStoredSetup().GetChoices().autoCompletion);
+}
+
 KXPCode RunDialog(MCalverinScript_Device& device, const char* scriptName) {
     IMInterface* host = device.GetModule() != nullptr ? device.GetModule()->GetHost() : nullptr;
     const QPointer<MCalverinScript_Device> kept(&device);
@@ -42,6 +47,9 @@ KXPCode RunDialog(MCalverinScript_Device& device, const char* scriptName) {
     QObject::connect(&parent, &QWinWidget::SignalParentGone, &dialog, &QDialog::reject);
     WearTheme(dialog, host);
     parent.Adopt(dialog);
+    RebuildCompletions(device);
+    if (kept == nullptr)
+        return KXP_CANCELLED;
     device.GetSetupDesk().Begin();
     dialog.LoadFromDevice(&device);
     if (scriptName != nullptr)

@@ -1,7 +1,13 @@
 #include "CodeEditor.h"
 
+#include <algorithm>
+#include <functional>
+#include <utility>
+#include <vector>
+
 #include <QAbstractItemView>
 #include <QKeyEvent>
+#include <QListView>
 #include <QScrollBar>
 
 #include "CompletionText.h"
@@ -14,6 +20,30 @@ constexpr int kShortestPrefix = 3;
 bool EndsWord(const QString& typed) {
     static const QString endOfWord = QStringLiteral("~!@#$%^&*+{}|:<>?,/;[]\\=");
     return endOfWord.contains(typed.right(1));
+}
+
+/// The width of the list's widest row. A view measures slowly: of thousands of rows only those with the longest texts are measured.
+int WidthOfRows(const QAbstractItemView& list) {
+    constexpr int kMeasuredRows = 200;
+    const QAbstractItemModel& model = *list.model();
+    const int count = model.rowCount();
+    if (count <= kMeasuredRows)
+        return list.sizeHintForColumn(0);
+    std::vector<std::pair<int, int>> lengths; // of the texts, with their rows
+    lengths.reserve(static_cast<std::size_t>(count));
+    for (int row = 0; row < count; ++row)
+        lengths.emplace_back(model.index(row, 0).data().toString().size(), row);
+    std::partial_sort(lengths.begin(), lengths.begin() + kMeasuredRows, lengths.end(), std::greater<>());
+    int widest = 0;
+    for (int place = 0; place < kMeasuredRows; ++place)
+        widest = std::max(widest, list.sizeHintForIndex(model.index(lengths[place].second, 0)).width());
+    return widest;
+}
+
+/// Rows are all of one height, so that a list of thousands is laid out at once.
+void LayOutQuickly(QAbstractItemView& popup) {
+    if (auto* list = qobject_cast<QListView*>(&popup))
+        list->setUniformItemSizes(true);
 }
 
 } // namespace
@@ -79,12 +109,13 @@ void CodeEditor::Complete(const QKeyEvent& event, bool isShortcut) {
 
 void CodeEditor::ShowCompletions(const QString& prefix) {
     QAbstractItemView* popup = m_completer->popup();
+    LayOutQuickly(*popup);
     if (prefix != m_completer->completionPrefix()) {
         m_completer->setCompletionPrefix(prefix);
         popup->setCurrentIndex(m_completer->completionModel()->index(0, 0));
     }
     QRect place = cursorRect();
-    place.setWidth(popup->sizeHintForColumn(0) + popup->verticalScrollBar()->sizeHint().width());
+    place.setWidth(WidthOfRows(*popup) + popup->verticalScrollBar()->sizeHint().width());
     m_completer->complete(place);
 }
 

@@ -73,9 +73,15 @@ void TabScript::SetUpEditor() {
     editor.setStyleSheet(QStringLiteral("QPlainTextEdit {\n\tcolor: black;\n}"));
     editor.setContextMenuPolicy(Qt::CustomContextMenu);
     m_highlighter = new Highlighter(editor.document());
-    m_completer->setModel(&m_noCompletions);
+    SetCompletions(nullptr);
+}
+
+void TabScript::SetCompletions(QStandardItemModel* table) {
+    if (table != nullptr)
+        table->sort(0, Qt::AscendingOrder);
+    m_completer->setModel(table != nullptr ? table : &m_noCompletions);
     m_completer->setMaxVisibleItems(kVisibleCompletions);
-    editor.setCompleter(m_completer);
+    Editor().setCompleter(m_completer);
 }
 
 void TabScript::MakeActions() {

@@ -40,6 +40,9 @@ public:
     /// Shows what an analysis came to, and puts the caret on the line of an error.
     void ShowAnalysis(const AnalysisOutcome& analysis);
 
+    /// What the editor completes from. @param table sorted here, borrowed; null completes nothing.
+    void SetCompletions(QStandardItemModel* table);
+
     /// What the editor's menu offers beside the usual, in its order. Whoever owns the window adds them, so that their shortcuts
     /// work in all of it.
     const QList<QAction*>& GetActions() const { return m_actions; }

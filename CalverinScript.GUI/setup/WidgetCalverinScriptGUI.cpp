@@ -4,11 +4,13 @@
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QShortcut>
+#include <QStandardItemModel>
 #include <QUrl>
 
 #include "AnalysisOutcome.h"
 #include "BusyCursor.h"
 #include "DialogMessage.h"
+#include "ModuleShared.h"
 #include "MScriptDescription.h"
 #include "Pictures.h"
 #include "ScriptAnalysis.h"
@@ -26,6 +28,12 @@ namespace {
 enum Tab { SetupTab, ScriptTab, VariablesTab, OptionsTab };
 
 constexpr const char* kHelpFile = "kxpCalverinScript.htm";
+
+/// What completion and the insertion dialogs offer; null without a device.
+QStandardItemModel* CompletionTable() {
+    const ModuleShared* shared = ModuleShared::Get();
+    return shared != nullptr ? shared->completionModel.get() : nullptr;
+}
 
 } // namespace
 
@@ -58,6 +66,8 @@ void WidgetCalverinScriptGUI::ConnectSignals() {
     connect(m_ui->tab_Variables, &TabVariables::SignalExtract, this, &Dialog::SlotExtractFromScript);
     connect(m_ui->tab_Options, &TabOptions::SignalRemoveDefaultsClicked, this,
             &Dialog::SlotUpdateRemoveDefaultCmdVarFromSetupUI);
+    connect(m_ui->tab_Options, &TabOptions::SignalAutoCompletionClicked, this,
+            &Dialog::SlotChangeOnEnableAutoCompletion);
     connect(new QShortcut(Qt::Key_F1, this), &QShortcut::activated, this, &Dialog::SlotOpenHelpFile);
 }
 
@@ -86,6 +96,8 @@ void WidgetCalverinScriptGUI::LoadOptions() {
         m_ui->tabWidget->setCurrentIndex(memory.currentTab);
     m_ui->tab_Options->SetOptions({script.registerAllUserGroups, script.autoCompletion,
                                    setup.userModeVisible.value_or(true), setup.runModeVisible.value_or(true)});
+    m_isTableFull = script.autoCompletion;
+    m_ui->tab_Script->SetCompletions(CompletionTable());
     m_ui->tab_Options->ShowDebugger(m_device->GetWorld().Debugger() != nullptr);
     const QRect stored(memory.x, memory.y, memory.width, memory.height);
     if (memory.x != 0 || memory.y != 0 || memory.width != 0 || memory.height != 0)
@@ -210,6 +222,18 @@ void WidgetCalverinScriptGUI::SlotChangeOnProgrammingMode() {
     }
     m_ui->pushButtonSave->setVisible(isProgramming);
     m_ui->pushButtonSaveAs->setVisible(isProgramming);
+}
+
+void WidgetCalverinScriptGUI::SlotChangeOnEnableAutoCompletion() {
+    if (!m_ui->tab_Options->GetOptions().autoCompletion) {
+        m_ui->tab_Script->SetCompletions(nullptr);
+        return;
+    }
+    if (!m_isTableFull && m_device != nullptr) {
+        const BusyCursor busy;
+        m_device->RebuildCompletionTable(true);
+    }
+    m_ui->tab_Script->SetCompletions(CompletionTable());
 }
 
 void WidgetCalverinScriptGUI::SlotCurrentTabChanged(int iCurrentTab) {

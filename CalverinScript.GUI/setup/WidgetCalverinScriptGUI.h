@@ -48,6 +48,7 @@ public Q_SLOTS:
     void SlotExtractFromScript();
     void SlotOpenHelpFile();
     void SlotChangeOnProgrammingMode();
+    void SlotChangeOnEnableAutoCompletion();
     void SlotCurrentTabChanged(int iCurrentTab);
     void SlotUpdateRemoveDefaultCmdVarFromSetupUI();
     void SlotOpenFinder();
@@ -91,4 +92,5 @@ private:
     ScriptSettings m_settings;         ///< what the form shows
     AnalysisOutcome m_analysis;        ///< the last one
     QString m_analysedText;            ///< its text
+    bool m_isTableFull = false;        ///< the completion table was filled before the dialog was shown
 };

@@ -2,6 +2,10 @@
 
 #include <cstdlib>
 
+#include <QStandardItemModel>
+
+#include "CompletionTable.h"
+#include "ModuleShared.h"
 #include "SetupDesk.h"
 #include "ThreadPromise.h"
 
@@ -39,4 +43,16 @@ KXPCode MCalverinScript_Device::ReleaseString(char** text) {
 const char* MCalverinScript_Device::GetDefinition() {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetDefinition");
     return desk->GetDefinition();
+}
+
+void MCalverinScript_Device::RebuildCompletionTable(bool fill) {
+    const auto lists = fill && !door.IsClosed() ? ReadObjectLists(services.linkManager) : std::vector<ObjectListText>();
+    // The device may be gone by now, and with the last one all that is shared.
+    ModuleShared* const shared = ModuleShared::Get();
+    if (shared == nullptr)
+        return;
+    if (fill)
+        FillCompletionTable(*shared->completionModel, lists);
+    else
+        shared->completionModel->clear();
 }

@@ -7,8 +7,9 @@
 
 HostServices HostServices::Find(IMInterface* host, IKXPDevice* device) {
     HostServices services;
-    if (auto* manager = QueryFace<IManagerRemoteManager>(host, "IManagerRemoteManager"))
-        services.link = manager->GetRemote();
+    services.linkManager = QueryFace<IManagerRemoteManager>(host, "IManagerRemoteManager");
+    if (services.linkManager != nullptr)
+        services.link = services.linkManager->GetRemote();
     if (auto* manager = QueryFace<IManagerRemoteManager2>(host, "IManagerRemoteManager2"))
         services.newerLink = manager->GetRemote(device);
     services.folders = QueryFace<IFolderManager>(host, "IFolderManager");

@@ -4,6 +4,7 @@ class IFolderManager;
 class IKXPDevice;
 class IManagerRemote;
 class IManagerRemote2;
+class IManagerRemoteManager;
 class IMInterface;
 class IObjectNameTools;
 class IResourceProvider;
@@ -15,8 +16,9 @@ struct HostServices {
     /// Asks the host, which may be null. @param device the face that the newer link gets.   [host main]
     static HostServices Find(IMInterface* host, IKXPDevice* device);
 
-    IManagerRemote* link = nullptr;       ///< the older link
-    IManagerRemote2* newerLink = nullptr; ///< the newer link, which takes contexts
+    IManagerRemoteManager* linkManager = nullptr; ///< hands out older links
+    IManagerRemote* link = nullptr;               ///< the older link
+    IManagerRemote2* newerLink = nullptr;         ///< the newer link, which takes contexts
     IFolderManager* folders = nullptr;
     IVariableManager* variables = nullptr;
     IObjectNameTools* names = nullptr;

@@ -120,6 +120,10 @@ public:
     SetupDesk& GetSetupDesk() const { return *desk; }
     /// What the last analysis of a script saw, and how long one may take.   [host main]
     ScriptAnalysis& GetAnalysis() const { return *analysis; }
+    /// Empties the completion table, which all devices share, and fills it anew with what this device may see. The host is asked
+    /// for all of its objects, which may take a while, and may release the device meanwhile.
+    /// @param fill false leaves the table empty.   [host main]
+    void RebuildCompletionTable(bool fill);
     /// As UserCommands::Validate.   [host main]
     int ValidateCommand(std::int32_t id, IObjectParams* params) { return commands.Validate(id, params); }
 

@@ -13,7 +13,7 @@ class QStandardItemModel;
 struct ModuleShared {
     MLockedList<MScriptCommand> moduleCommands;                        ///< ids that mean the same for all devices
     std::unique_ptr<MLockedList<MScriptCommand>> legacyModuleCommands; ///< of older setups; null once merged
-    std::unique_ptr<QStandardItemModel> completionModel;
+    std::unique_ptr<QStandardItemModel> completionModel;               ///< the completion table
     MThreadTimer tickTimer;
 
     ModuleShared();

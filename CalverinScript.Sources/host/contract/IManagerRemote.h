@@ -147,7 +147,7 @@ protected:
 /// Hands out the older link. Found on the host root as "IManagerRemoteManager".
 class IManagerRemoteManager : public IMInterface {
 public:
-    /// The link, owned by the host and valid for the module's life, or null.   [host main]
+    /// The link or null, the host's for the module's life. Who is done with it calls its Release.   [host main]
     virtual IManagerRemote* GetRemote() = 0;
 
 protected:

@@ -44,6 +44,16 @@ TEST_F(CompletionTest, ClosesWhenNothingFits) {
     EXPECT_EQ(Text(), "Foox|");
 }
 
+TEST_F(CompletionTest, IsAsWideAsItsWidestRowAmongThousands) {
+    for (int row = 0; row < 3000; ++row)
+        AddEntry(qPrintable(QStringLiteral("Lamp%1").arg(row)));
+    AddEntry("LampWithANameThatIsLongerThanAllOfTheOthersInTheWholeList");
+    Type("Lam");
+    ASSERT_EQ(Offered(), 3001);
+    const QAbstractItemView& list = *m_completer.popup();
+    EXPECT_EQ(list.width(), list.sizeHintForColumn(0) + list.verticalScrollBar()->sizeHint().width());
+}
+
 TEST_F(CompletionTest, FollowsTheWordThatIsTyped) {
     Type("QCa");
     EXPECT_EQ(m_completer.completionPrefix(), QStringLiteral("QCa"));

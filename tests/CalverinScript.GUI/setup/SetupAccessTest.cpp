@@ -46,7 +46,8 @@ TEST_F(TheControls, EveryPictureIsDrawnAtSixteenPixels) {
     GivenScript(kDriver);
     Show([&](QWidget& dialog) {
         for (const char* name : {"about", "search", "varFolder", "userGroupIcon", "taskIcon", "cueIcon",
-                                 "userscreenIcon", "devIcon", "perform", "wizard"}) {
+                                 "userscreenIcon", "devIcon", "perform", "wizard", "deviceIcon", "stringIcon",
+                                 "integerIcon", "realIcon", "enumIcon", "timeIcon", "dateIcon"}) {
             const QImage picture = QIcon(QStringLiteral(":/") + QLatin1String(name)).pixmap(16, 16).toImage();
             ASSERT_EQ(picture.size(), QSize(16, 16)) << name;
             int drawn = 0;
