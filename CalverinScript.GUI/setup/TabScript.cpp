@@ -37,12 +37,15 @@ struct EditorAction {
 
 constexpr EditorAction kEditorActions[] = {
     {"Find...", "Find...", ":/search", With(Qt::CTRL, Qt::Key_F), &TabScript::SignalOpenFinder, true},
-    {"Insert Variable", "Insert a Variable", ":/varFolder", With(Qt::ALT, Qt::Key_V), nullptr, false},
-    {"Insert UserGroup", "Insert an UserGroup", ":/userGroupIcon", With(Qt::ALT, Qt::Key_G), nullptr, false},
-    {"Insert Task", "Insert a Task", ":/taskIcon", With(Qt::ALT, Qt::Key_T), nullptr, false},
-    {"Insert Cue", "Insert a Cue", ":/cueIcon", With(Qt::ALT, Qt::Key_C), nullptr, false},
-    {"Insert UserScreen", "Insert an UserScreen", ":/userscreenIcon", With(Qt::ALT, Qt::Key_U), nullptr, false},
-    {"Insert Device", "Insert a Device", ":/devIcon", With(Qt::ALT, Qt::Key_D), nullptr, true},
+    {"Insert Variable", "Insert a Variable", ":/varFolder", With(Qt::ALT, Qt::Key_V), &TabScript::SignalInsertVariable,
+     false},
+    {"Insert UserGroup", "Insert an UserGroup", ":/userGroupIcon", With(Qt::ALT, Qt::Key_G),
+     &TabScript::SignalInsertUserGroup, false},
+    {"Insert Task", "Insert a Task", ":/taskIcon", With(Qt::ALT, Qt::Key_T), &TabScript::SignalInsertTask, false},
+    {"Insert Cue", "Insert a Cue", ":/cueIcon", With(Qt::ALT, Qt::Key_C), &TabScript::SignalInsertCue, false},
+    {"Insert UserScreen", "Insert an UserScreen", ":/userscreenIcon", With(Qt::ALT, Qt::Key_U),
+     &TabScript::SignalInsertUserScreen, false},
+    {"Insert Device", "Insert a Device", ":/devIcon", With(Qt::ALT, Qt::Key_D), &TabScript::SignalInsertDevice, true},
     {"Insert QCalverin.Perform", "Insert QCalverin.Perform", ":/perform", With(Qt::ALT, Qt::Key_P), nullptr, false},
 };
 

@@ -54,6 +54,13 @@ public:
 Q_SIGNALS:
     void SignalEvaluate();
     void SignalOpenFinder();
+    // An object of that kind is to be chosen and inserted.
+    void SignalInsertVariable();
+    void SignalInsertUserGroup();
+    void SignalInsertTask();
+    void SignalInsertCue();
+    void SignalInsertUserScreen();
+    void SignalInsertDevice();
 
 public Q_SLOTS:
     void SlotFind(const QString& sSearch, bool bMatchCase, bool bDirDown);

@@ -9,6 +9,7 @@
 
 #include "AnalysisOutcome.h"
 #include "BusyCursor.h"
+#include "CodeEditor.h"
 #include "DialogMessage.h"
 #include "ModuleShared.h"
 #include "MScriptDescription.h"
@@ -47,6 +48,7 @@ WidgetCalverinScriptGUI::WidgetCalverinScriptGUI(QWidget* parent)
     SetUpAnalysisGlobals(m_engine);
     addActions(m_ui->tab_Script->GetActions());
     ConnectSignals();
+    ConnectInsertions();
 }
 
 WidgetCalverinScriptGUI::~WidgetCalverinScriptGUI() = default;
@@ -69,6 +71,18 @@ void WidgetCalverinScriptGUI::ConnectSignals() {
     connect(m_ui->tab_Options, &TabOptions::SignalAutoCompletionClicked, this,
             &Dialog::SlotChangeOnEnableAutoCompletion);
     connect(new QShortcut(Qt::Key_F1, this), &QShortcut::activated, this, &Dialog::SlotOpenHelpFile);
+}
+
+void WidgetCalverinScriptGUI::ConnectInsertions() {
+    using Dialog = WidgetCalverinScriptGUI;
+    const TabScript* const tab = m_ui->tab_Script;
+    connect(tab, &TabScript::SignalInsertVariable, this, &Dialog::SlotInsertVariable);
+    connect(tab, &TabScript::SignalInsertUserGroup, this, &Dialog::SlotInsertUserGroup);
+    connect(tab, &TabScript::SignalInsertTask, this, &Dialog::SlotInsertTask);
+    connect(tab, &TabScript::SignalInsertCue, this, &Dialog::SlotInsertCue);
+    connect(tab, &TabScript::SignalInsertUserScreen, this, &Dialog::SlotInsertUserScreen);
+    connect(tab, &TabScript::SignalInsertDevice, this, &Dialog::SlotInsertDevice);
+    connect(this, &Dialog::SignalInsertText, &m_ui->tab_Script->Editor(), &CodeEditor::SlotInsertText);
 }
 
 void WidgetCalverinScriptGUI::LoadFromDevice(MCalverinScript_Device* device) {
@@ -234,6 +248,18 @@ void WidgetCalverinScriptGUI::SlotChangeOnEnableAutoCompletion() {
         m_device->RebuildCompletionTable(true);
     }
     m_ui->tab_Script->SetCompletions(CompletionTable());
+}
+
+/// The keys of the actions work in the whole dialog, but nobody wants a text where he does not see it.
+void WidgetCalverinScriptGUI::InsertObject(InsertKind kind) {
+    if (!m_ui->tab_Script->isVisible())
+        return;
+    DialogInsertHelper dialog(this);
+    connect(this, &QDialog::finished, &dialog, &QDialog::reject);
+    if (m_device != nullptr)
+        dialog.Init(CompletionTable(), kind);
+    if (dialog.exec() == QDialog::Accepted)
+        Q_EMIT SignalInsertText(dialog.GetText());
 }
 
 void WidgetCalverinScriptGUI::SlotCurrentTabChanged(int iCurrentTab) {

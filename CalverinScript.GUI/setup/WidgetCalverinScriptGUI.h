@@ -7,6 +7,7 @@
 #include <QScriptEngine>
 
 #include "AnalysisOutcome.h"
+#include "DialogInsertHelper.h"
 #include "KXPTypes.h"
 #include "MCalverinScript_Device.h"
 #include "ScriptRecords.h"
@@ -40,6 +41,10 @@ public:
     const ScriptVariables& GetUserVariables() const;
     bool IsRemoveDefaultsChecked() const;
 
+Q_SIGNALS:
+    /// Goes to the editor, at its caret.
+    void SignalInsertText(const QString& text);
+
 public Q_SLOTS:
     bool SlotCallEvaluateScript();
     void SlotOpenFile();
@@ -52,6 +57,13 @@ public Q_SLOTS:
     void SlotCurrentTabChanged(int iCurrentTab);
     void SlotUpdateRemoveDefaultCmdVarFromSetupUI();
     void SlotOpenFinder();
+    // Each lets the user choose an object and inserts its name; does nothing while the script is not shown.
+    void SlotInsertVariable() { InsertObject(InsertKind::Variable); }
+    void SlotInsertUserGroup() { InsertObject(InsertKind::UserGroup); }
+    void SlotInsertTask() { InsertObject(InsertKind::Task); }
+    void SlotInsertCue() { InsertObject(InsertKind::Cue); }
+    void SlotInsertUserScreen() { InsertObject(InsertKind::UserScreen); }
+    void SlotInsertDevice() { InsertObject(InsertKind::Device); }
     void accept() override;
     void reject() override;
 
@@ -60,6 +72,8 @@ protected:
 
 private:
     void ConnectSignals();
+    void ConnectInsertions();
+    void InsertObject(InsertKind kind);
     void LoadOptions();
     void LoadScript();
     void LoadLists();

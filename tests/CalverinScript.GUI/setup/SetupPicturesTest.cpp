@@ -5,7 +5,7 @@
 #include <QTableWidget>
 #include <QTabWidget>
 
-#include "SetupFixture.h"
+#include "SetupCompletionFixture.h"
 
 namespace {
 
@@ -25,17 +25,17 @@ const Look kLooks[] = {
 };
 
 /// Draws every dialog and tab into the folder CALVERIN_PICTURES, for people to look at. QT_SCALE_FACTOR scales them.
-class Pictures : public SetupFixture {
+class Pictures : public TheDialogInAShow {
 protected:
     void SetUp() override {
-        SetupFixture::SetUp();
+        TheDialogInAShow::SetUp();
         m_place = QString::fromLocal8Bit(qgetenv("CALVERIN_PICTURES"));
         if (m_place.isEmpty())
             GTEST_SKIP() << "CALVERIN_PICTURES names no folder";
     }
     void TearDown() override {
         QApplication::setPalette(QApplication::style()->standardPalette());
-        SetupFixture::TearDown();
+        TheDialogInAShow::TearDown();
     }
     static void GivenDarkPalette() {
         QPalette dark(QColor(0x35, 0x35, 0x35), QColor(0x2b, 0x2b, 0x2b));
@@ -135,6 +135,10 @@ TEST_F(Pictures, OfEveryDialogAndTab) {
         DrawOpenedBy("find", [](QWidget& dialog) {
             Find<QTabWidget>(dialog, "tabWidget").setCurrentIndex(1);
             QTest::keyClick(&dialog, Qt::Key_F, Qt::ControlModifier);
+        });
+        DrawOpenedBy("insert", [](QWidget& dialog) {
+            Find<QTabWidget>(dialog, "tabWidget").setCurrentIndex(1);
+            QTest::keyClick(&dialog, Qt::Key_D, Qt::AltModifier);
         });
         DrawOpenedBy("load", [](QWidget& dialog) { Click(dialog, "pushButtonLoad"); });
         DrawOpenedBy("save", [](QWidget& dialog) { Click(dialog, "pushButtonSaveAs"); });

@@ -1,0 +1,103 @@
+#include "DialogInsertHelper.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "CompletionTable.h"
+#include "ui_DialogInsertHelper.h"
+
+namespace {
+
+constexpr QSize kPictureSize(32, 32);
+
+struct InsertKindRow {
+    const char* title;
+    std::uint32_t listType;
+};
+
+/// Indexed by InsertKind.
+constexpr InsertKindRow kInsertKinds[] = {
+    {"Select the Variable to insert", ObjectListType::kVariables},
+    {"Select the UserGroup to insert", ObjectListType::kUserGroups},
+    {"Select the Task to insert", ObjectListType::kTasks},
+    {"Select the Cue to insert", ObjectListType::kCues},
+    {"Select the UserScreen to insert", ObjectListType::kUserScreens},
+    {"Select the Device to insert", ObjectListType::kDevices},
+};
+static_assert(std::size(kInsertKinds) == static_cast<std::size_t>(InsertKind::Device) + 1, "one row for each kind");
+
+bool IsOfList(const QStandardItem& row, std::uint32_t listType) {
+    const QString category = row.toolTip();
+    return std::any_of(std::begin(kCompletionKinds), std::end(kCompletionKinds), [&](const CompletionKind& kind) {
+        return kind.listType == listType && category == QLatin1String(kind.category);
+    });
+}
+
+} // namespace
+
+DialogInsertHelper::DialogInsertHelper(QWidget* parent)
+    : QDialog(parent)
+    , m_ui(std::make_unique<Ui::DialogInsertHelper>()) {
+    m_ui->setupUi(this);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    connect(m_ui->lineEditObject, &QLineEdit::textChanged, this, &DialogInsertHelper::SlotTextChanged);
+    connect(m_ui->listObjectList, &QListWidget::itemSelectionChanged, this, &DialogInsertHelper::SlotCheckObjectList);
+    connect(m_ui->listObjectList, &QListWidget::itemDoubleClicked, this, &DialogInsertHelper::accept);
+    connect(m_ui->pushButtonOk, &QPushButton::clicked, this, &DialogInsertHelper::accept);
+    connect(m_ui->pushButtonCancel, &QPushButton::clicked, this, &DialogInsertHelper::reject);
+    SlotCheckObjectList();
+    m_ui->lineEditObject->setFocus();
+}
+
+DialogInsertHelper::~DialogInsertHelper() = default;
+
+void DialogInsertHelper::Init(const QStandardItemModel* model, InsertKind kind) {
+    const InsertKindRow& row = kInsertKinds[static_cast<std::size_t>(kind)];
+    setWindowTitle(QLatin1String(row.title));
+    if (model == nullptr)
+        return;
+    QList<QStandardItem*> objects;
+    for (int at = 0; at < model->rowCount(); ++at)
+        if (const QStandardItem* item = model->item(at); item != nullptr && IsOfList(*item, row.listType))
+            objects.append(new QStandardItem(item->text()));
+    m_objects.clear();
+    m_objects.invisibleRootItem()->appendRows(objects);
+    m_objects.sort(0, Qt::AscendingOrder);
+    ShowObjects();
+}
+
+void DialogInsertHelper::ShowObjects() {
+    QStringList names;
+    for (int at = 0; at < m_objects.rowCount(); ++at)
+        names.append(m_objects.item(at)->text());
+    QListWidget& list = *m_ui->listObjectList;
+    list.clear();
+    list.setIconSize(kPictureSize);
+    list.addItems(names);
+    // A list that gets the focus takes its first item by itself, unless it was told what is current.
+    list.setCurrentIndex(QModelIndex());
+    SlotCheckObjectList();
+}
+
+QString DialogInsertHelper::GetText() const {
+    const QListWidgetItem* chosen = m_ui->listObjectList->currentItem();
+    return chosen != nullptr ? chosen->text() : QString();
+}
+
+void DialogInsertHelper::SlotTextChanged(const QString& sText) {
+    QListWidget& list = *m_ui->listObjectList;
+    QListWidgetItem* first = nullptr;
+    for (int row = 0; row < list.count(); ++row) {
+        QListWidgetItem* item = list.item(row);
+        const bool holdsText = item->text().contains(sText, Qt::CaseInsensitive);
+        item->setHidden(!holdsText);
+        if (first == nullptr && holdsText)
+            first = item;
+    }
+    list.setCurrentItem(first);
+    SlotCheckObjectList();
+}
+
+void DialogInsertHelper::SlotCheckObjectList() {
+    m_ui->pushButtonOk->setEnabled(m_ui->listObjectList->currentItem() != nullptr);
+}
