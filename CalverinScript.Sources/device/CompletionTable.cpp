@@ -39,13 +39,20 @@ public:
         : m_name(QLatin1String(name)) {}
 
     void paint(QPainter* painter, const QRect& place, QIcon::Mode mode, QIcon::State state) override {
-        if (m_picture.isNull())
-            m_picture = QIcon(m_name);
-        m_picture.paint(painter, place, Qt::AlignCenter, mode, state);
+        Picture().paint(painter, place, Qt::AlignCenter, mode, state);
+    }
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        return Picture().pixmap(size, mode, state);
     }
     QIconEngine* clone() const override { return new LatePicture(*this); }
 
 private:
+    const QIcon& Picture() {
+        if (m_picture.isNull())
+            m_picture = QIcon(m_name);
+        return m_picture;
+    }
+
     const QString m_name;
     QIcon m_picture;
 };

@@ -25,7 +25,8 @@ protected:
     ~IManagerRemoteHandler() = default;
 };
 
-/// The older link. Text results are allocated by the host and given back with FreeText.
+/// The older link. Text results are allocated by the host and given back with FreeText. The dialogs of a device ask for
+/// lists and objects too: those calls come on the main thread, also while a call of the script is inside.
 class IManagerRemote : public IMInterface {
 public:
     /// Opens a user screen. The meaning of position, left and top
@@ -49,12 +50,13 @@ public:
     virtual KXPCode GotoTime(const char* task, std::int32_t time) = 0;
     /// Loads a show at a time, in the host's unit. @return 0, or a code of the host.   [script]
     virtual KXPCode LoadShow(const char* show, std::int32_t time) = 0;
-    /// Binds the handler and registers it for the group. The handler stays owned by the module.   [script]
+    /// Binds the handler and registers it for the group. The handler stays owned by the module; null
+    /// binds none.   [script, host main]
     virtual KXPCode RegisterGroup(IManagerRemoteHandler* handler, const char* group) = 0;
-    /// Ends all registrations of the handler. The result is not looked at.   [script]
+    /// Ends all registrations of the handler. The result is not looked at.   [script, host main]
     virtual KXPCode UnregisterGroup() = 0;
     /// Lists the objects of a type below a parent. @param out the text, given back with FreeText. @return 0, or a
-    /// code of the host.   [script]
+    /// code of the host.   [script, host main]
     virtual KXPCode GetObjectList(const char* parent, std::uint32_t type, char** out) = 0;
     virtual KXPCode Reserved14(void* argument) = 0;
     virtual KXPCode Reserved15(void* argument) = 0;
@@ -69,12 +71,12 @@ public:
     /// 0 on failure. @return 0, or a code of the host.   [script]
     virtual KXPCode GetPropertyAsInt(const char* object, const char* property, std::int32_t* out) = 0;
     /// Describes an object down to a depth. @param out the text, given back with FreeText. @return 0, or a code
-    /// of the host.   [script]
+    /// of the host.   [script, host main]
     virtual KXPCode GetObject(const char* object, std::uint16_t depth, char** out) = 0;
     /// Runs an action on an object and waits for it. @param
     /// parameters an XML text. @param out the result text.   [script]
     virtual KXPCode Perform(const char* object, const char* action, const char* parameters, char** out) = 0;
-    /// Frees a text of this link and clears the pointer. Null is ignored.   [script]
+    /// Frees a text of this link and clears the pointer. Null is ignored.   [script, host main]
     virtual void FreeText(char** text) = 0;
 
 protected:
@@ -133,7 +135,7 @@ public:
     /// @return 0 done, 21 goes on, or a code of the host.   [script]
     virtual KXPCode GetProperty(const char* object, const char* property, IExecContext* context, void* reserved) = 0;
     /// Describes an object down to a depth. The description is the result text. @return 0 done, 21 goes on, or a
-    /// code of the host.   [script]
+    /// code of the host.   [script, host main]
     virtual KXPCode GetObject(const char* object, std::uint16_t depth, IExecContext* context, void* reserved) = 0;
     /// Runs an action on an object. Parameters are an XML text; the answer is the result text. @return 0 done, 21
     /// goes on, or a code of the host.   [script]

@@ -159,6 +159,28 @@ TEST_F(TheInsertionDialog, AClickChoosesAndOkTakes) {
     EXPECT_EQ(dialog.GetText(), QStringLiteral("Gain"));
 }
 
+TEST_F(TheInsertionDialog, TheKeysChooseInTheListAndOkTakes) {
+    Open();
+    List().setFocus();
+    QTest::keyClick(&List(), Qt::Key_Down);
+    EXPECT_EQ(Seen(), "[At] Gain Level Mode Name On");
+    EXPECT_TRUE(IsOkEnabled());
+    QTest::keyClick(&List(), Qt::Key_End);
+    QTest::keyClick(&List(), Qt::Key_Return);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(dialog.GetText(), QStringLiteral("On"));
+}
+
+TEST_F(TheInsertionDialog, TheWindowsBoxLeavesIt) {
+    Open();
+    DoubleClick(0);
+    ASSERT_EQ(dialog.result(), QDialog::Accepted);
+    Open();
+    CloseBox(dialog);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(dialog.result(), QDialog::Rejected);
+}
+
 TEST_F(TheInsertionDialog, EscapeAndCancelLeaveIt) {
     Open();
     QTest::keyClick(&dialog, Qt::Key_Escape);

@@ -21,7 +21,7 @@ bool IsDrawn(const QIcon& picture) {
     int drawn = 0;
     for (int at = 0; at < 256; ++at)
         drawn += qAlpha(image.pixel(at % 16, at / 16)) > 128;
-    return drawn > 20;
+    return drawn > 20 && drawn < 200;
 }
 
 TEST_F(TheDialogInAShow, OffersCallsAndObjectsOnceThreeLettersAreTyped) {
