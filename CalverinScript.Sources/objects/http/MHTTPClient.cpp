@@ -12,6 +12,8 @@ namespace {
 
 constexpr int kDescriptorsOfRequest = 20; ///< sockets, look-ups and the event loops behind them, with some to spare
 constexpr int kPercent = 100;
+constexpr int kSends =
+    4; ///< of one request; as many as the network library tries for a server that goes without an answer
 constexpr const char* kAnswered = "challengeAnswered";
 constexpr const char* kAcceptEncoding = "Accept-Encoding";
 
@@ -65,17 +67,23 @@ bool MHTTPClient::MayBegin(const QNetworkRequest& request) {
     return true;
 }
 
-template <typename Verb>
-void MHTTPClient::Begin(const QNetworkRequest& request, Verb verb) {
+void MHTTPClient::Begin(const QNetworkRequest& request, std::function<QNetworkReply*()> send) {
     m_lpReply = nullptr;
     if (!MayBegin(request))
         return;
+    ++m_proxyAnswersLeft;
+    m_send = std::move(send);
+    m_sendsLeft = kSends;
+    Send();
+}
+
+void MHTTPClient::Send() {
     connect(this, &QNetworkAccessManager::authenticationRequired, this, &MHTTPClient::SlotAuthRequired,
             Qt::UniqueConnection);
     connect(this, &QNetworkAccessManager::proxyAuthenticationRequired, this, &MHTTPClient::SlotProxyAuthRequired,
             Qt::UniqueConnection);
-    ++m_proxyAnswersLeft;
-    m_lpReply = verb();
+    --m_sendsLeft;
+    m_lpReply = m_send();
     connect(m_lpReply, &QNetworkReply::finished, this, &MHTTPClient::SlotReadyRead);
     connect(m_lpReply, &QNetworkReply::errorOccurred, this, &MHTTPClient::SlotError);
     connect(m_lpReply, &QNetworkReply::downloadProgress, this, &MHTTPClient::SlotDownloadProgress);
@@ -88,19 +96,19 @@ void MHTTPClient::Begin(const QNetworkRequest& request, Verb verb) {
 }
 
 void MHTTPClient::SlotGet(const QNetworkRequest& request) {
-    Begin(request, [&] { return get(request); });
+    Begin(request, [=] { return get(request); });
 }
 
 void MHTTPClient::SlotPost(const QNetworkRequest& request, const QByteArray& params) {
-    Begin(request, [&] { return post(request, params); });
+    Begin(request, [=] { return post(request, params); });
 }
 
 void MHTTPClient::SlotPut(const QNetworkRequest& request, const QByteArray& params) {
-    Begin(request, [&] { return put(request, params); });
+    Begin(request, [=] { return put(request, params); });
 }
 
 void MHTTPClient::SlotDelete(const QNetworkRequest& request) {
-    Begin(request, [&] { return deleteResource(request); });
+    Begin(request, [=] { return deleteResource(request); });
 }
 
 void MHTTPClient::SlotDownloadFile(const QNetworkRequest& request, const QString& path) {
@@ -128,6 +136,7 @@ void MHTTPClient::SlotCancelPreviousRequest() {
     if (m_lpReply != nullptr)
         Silence(m_lpReply);
     m_lpReply = nullptr;
+    m_send = nullptr;
 }
 
 void MHTTPClient::SlotSetAuthentication(const QString& _sUser, const QString& _sPassword) {
@@ -171,7 +180,20 @@ void MHTTPClient::SlotReadyRead() {
 }
 
 void MHTTPClient::SlotError(QNetworkReply::NetworkError error) {
+    if (MaySendAgain(error)) {
+        SlotNAMReplyFinished(m_lpReply);
+        Send();
+        return;
+    }
     Fail(HttpErrorNumber(error));
+}
+
+/// A server may end a connection without a word once it has answered. The network library sends a request that it had
+/// just put there on another connection; but when the end came before its first byte was written, its SOCKS client
+/// gives this error instead.
+bool MHTTPClient::MaySendAgain(QNetworkReply::NetworkError error) const {
+    return error == QNetworkReply::UnknownNetworkError && m_lpReply != nullptr && sender() == m_lpReply &&
+           m_sendsLeft > 0 && !m_lpReply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
 }
 
 void MHTTPClient::SlotTimeOut() {
@@ -235,6 +257,7 @@ void MHTTPClient::ReleaseReply() {
     if (m_lpReply != nullptr)
         SlotNAMReplyFinished(m_lpReply);
     m_lpReply = nullptr;
+    m_send = nullptr;
 }
 
 void MHTTPClient::SlotNAMReplyFinished(QNetworkReply* reply) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <QAuthenticator>
@@ -79,8 +80,9 @@ private Q_SLOTS:
     void SlotServerSpoke(HttpPassage* passage, qint64 unanswered);
 
 private:
-    template <typename Verb>
-    void Begin(const QNetworkRequest& request, Verb verb);
+    void Begin(const QNetworkRequest& request, std::function<QNetworkReply*()> send);
+    void Send();
+    bool MaySendAgain(QNetworkReply::NetworkError error) const;
     bool MayBegin(const QNetworkRequest& request);
     bool AnyBodyIsComing() const;
     void RefuseBody(QNetworkReply* reply, int error, int status);
@@ -91,7 +93,9 @@ private:
 
     const qint64 m_maxBytes;
     HttpGate m_gate;
-    QNetworkReply* m_lpReply = nullptr;         ///< the last request, child of the manager
+    QNetworkReply* m_lpReply = nullptr;     ///< the last request, child of the manager
+    std::function<QNetworkReply*()> m_send; ///< sends the current request, once more if need be; with its body
+    int m_sendsLeft = 0;
     std::unique_ptr<DownloadFile> m_lpDownload; ///< where its body goes; null when it goes to the script
     QString m_sUser;
     QString m_sPassword;

@@ -86,6 +86,24 @@ void AnswerQuickOnes(Peer& peer) {
 
 } // namespace
 
+TEST_F(Worker, ARequestThatMeetsTheEndOfAConnectionIsSentOnAnother) {
+    constexpr std::size_t kRequests = 600;
+    const HostileServer server([](Peer& peer) {
+        if (!peer.ReadRequest().empty())
+            peer.Send(Ok("whole"));
+    });
+    QObject::connect(&worker, &MHTTPClient::SignalResponseReceived, [&] {
+        if (responses.size() < kRequests)
+            worker.SlotGet(To(server));
+    });
+    worker.SlotGet(To(server));
+    ASSERT_TRUE(UntilResponses(kRequests));
+    EXPECT_EQ(
+        std::count_if(responses.begin(), responses.end(), [](const Response& response) { return response.error != 0; }),
+        0);
+    EXPECT_TRUE(Until([&] { return Replies() == 0; }));
+}
+
 TEST_F(Worker, TheEndOfAnEarlierRequestReportsTheLastOneAsItIsMeant) {
     const HostileServer server(&AnswerQuickOnes);
     worker.SlotGet(To(server, "/quick"));
