@@ -5,10 +5,12 @@
 #include "IDMXResource.h"
 #include "IHostServices.h"
 #include "IIOResource.h"
+#include "IKXPDevicePanel.h"
 #include "IKXPModule.h"
 #include "IManagerRemote.h"
 #include "IManagerRuntimeInfo.h"
 #include "IObjectFactoryManager.h"
+#include "IPropertySelector.h"
 #include "IResourceProvider.h"
 #include "ISerialResource.h"
 
@@ -81,6 +83,26 @@ TEST(Slots, OfIKXPDevice) {
                             SLOT(IKXPDevice::GetDefinition),
                             SLOT(IKXPDevice::Reserved20),
                             SLOT(IKXPDevice::CreatePanel)};
+    ExpectInOrder(rows, 2);
+}
+
+TEST(Slots, OfIKXPDevicePanel) {
+    const SlotRow rows[] = {SLOT(IKXPDevicePanel::GetWindow), SLOT(IKXPDevicePanel::Reserved4),
+                            SLOT(IKXPDevicePanel::GetName),   SLOT(IKXPDevicePanel::Reserved6),
+                            SLOT(IKXPDevicePanel::GetBounds), SLOT(IKXPDevicePanel::GetState),
+                            SLOT(IKXPDevicePanel::SetState)};
+    ExpectInOrder(rows, 2);
+}
+
+TEST(Slots, OfAPanelsRectangleBeginWithTheLeftForItIsNoIMInterface) {
+    const SlotRow rows[] = {SLOT(IPanelRect::SetLeft), SLOT(IPanelRect::SetTop), SLOT(IPanelRect::SetWidth),
+                            SLOT(IPanelRect::SetHeight)};
+    ExpectInOrder(rows, 0);
+}
+
+TEST(Slots, OfIPropertySelector) {
+    const SlotRow rows[] = {SLOT(IPropertySelector::Reserved3), SLOT(IPropertySelector::GetName),
+                            SLOT(IPropertySelector::Select)};
     ExpectInOrder(rows, 2);
 }
 
