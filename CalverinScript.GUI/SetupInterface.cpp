@@ -1,11 +1,8 @@
 #include "SetupInterface.h"
 
-#include <QApplication>
-#include <QThread>
-
 #include "BusyCursor.h"
+#include "HostScreen.h"
 #include "HostText.h"
-#include "IManagerRuntimeInfo.h"
 #include "IModuleServices.h"
 #include "MCalverinScript_Device.h"
 #include "QMfcApp.h"
@@ -15,23 +12,6 @@
 #include "WidgetCalverinScriptGUI.h"
 
 namespace {
-
-/// Whether windows go where nobody sees them, without that anybody asked for it.
-bool IsWithoutScreen() {
-    return QGuiApplication::platformName() == QLatin1String("offscreen") &&
-           !qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
-}
-
-/// A host without windows, or without a screen, would wait for ever for a dialog that nobody can close.
-bool CanShowDialogs() {
-    const auto* application = qobject_cast<QApplication*>(QCoreApplication::instance());
-    return application != nullptr && application->thread() == QThread::currentThread() && !IsWithoutScreen();
-}
-
-KXPWindow MainWindowOf(IMInterface* host) {
-    auto* info = QueryFace<IManagerRuntimeInfo>(host, "IManagerRuntimeInfo");
-    return info != nullptr ? info->GetMainWindow() : 0;
-}
 
 void RebuildCompletions(MCalverinScript_Device& device) {
     const BusyCursor busy;
