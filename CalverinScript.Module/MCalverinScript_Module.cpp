@@ -109,9 +109,7 @@ void MCalverinScript_Module::Empty() {
     m_deviceHost = nullptr;
     m_bitmap.reset();
     m_driverList.clear();
-    for (MSelectorWizard* selector :
-         std::initializer_list<MSelectorWizard*>{&m_scriptSelector, &m_scriptTextSelector, &m_functionSelector})
-        selector->SetHost(nullptr);
+    MSelectorWizard::SetPlace(nullptr, nullptr);
 }
 
 KXPCode MCalverinScript_Module::Initialize(IMInterface* hostRoot, void* /*ignored1*/, void* /*ignored2*/) {
@@ -126,12 +124,11 @@ KXPCode MCalverinScript_Module::Initialize(IMInterface* hostRoot, void* /*ignore
 
 void MCalverinScript_Module::RegisterSelectors() {
     auto* factories = QueryFace<IObjectFactoryManager>(m_host, "IObjectFactoryManager");
+    MSelectorWizard::SetPlace(m_host, this);
     for (MSelectorWizard* selector :
-         std::initializer_list<MSelectorWizard*>{&m_scriptSelector, &m_scriptTextSelector, &m_functionSelector}) {
-        selector->SetHost(m_host);
+         std::initializer_list<MSelectorWizard*>{&m_scriptSelector, &m_scriptTextSelector, &m_functionSelector})
         if (factories != nullptr)
             factories->RegisterFactory(selector->GetRegisteredName(), selector);
-    }
 }
 
 /// Dates of scripts and settings are read as the machine's user writes them.

@@ -1,4 +1,5 @@
 #include "IObjectFactory.h"
+#include "IPropertySelector.h"
 #include "ModuleFile.h"
 #include "ModuleFixture.h"
 #include "ModuleResources.h"
@@ -32,6 +33,10 @@ TEST_F(ModuleHost, RegistersItsThreeSelectors) {
         IObjectFactory* factory = host.factories[name];
         ASSERT_NE(factory, nullptr) << name;
         EXPECT_EQ(QueryFace<IObjectFactory>(factory, "IObjectFactory"), factory) << name;
+        IMInterface* selector = factory->CreateObject(name);
+        EXPECT_NE(QueryFace<IPropertySelector>(selector, "IPropertySelector"), nullptr) << name;
+        ASSERT_NE(selector, nullptr) << name;
+        EXPECT_EQ(selector->Release(), KXP_OK);
     }
 }
 

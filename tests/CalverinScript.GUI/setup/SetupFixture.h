@@ -14,6 +14,7 @@
 
 #include "IModuleServices.h"
 #include "MCalverinScript_Device.h"
+#include "MLockedList.h"
 #include "PlainHost.h"
 #include "SetupInterface.h"
 
@@ -29,8 +30,10 @@ public:
     bool IsDebuggerAllowed() const override { return false; }
     bool IsHostAtLeast642() const override { return true; }
     bool IsHostAtLeast643() const override { return true; }
-    void RemoveDevice(MCalverinScript_Device*) override {}
+    MLockedList<MCalverinScript_Device*>* GetDeviceList() override { return devices.Count() > 0 ? &devices : nullptr; }
+    void RemoveDevice(MCalverinScript_Device* device) override { devices.Remove(device); }
 
+    MLockedList<MCalverinScript_Device*> devices; ///< while it is empty, the module has no list
     IMInterface* host = nullptr;
     std::string library;
     std::string config;                     ///< the path of the configuration file
