@@ -23,6 +23,7 @@ class IScriptDevice;
 class MScriptCommonEvent;
 class MScriptResource;
 class MyPostponedObject;
+class ObjectRequest;
 class QScriptEngine;
 
 /// The object behind the script global `QCalverin`: the host as a script sees it. One for each device,
@@ -158,6 +159,10 @@ public:
     Q_INVOKABLE int PostponeResult();
     /// Answers a postponed user command. Unknown ids and 0 do nothing.
     Q_INVOKABLE void SetResult(int iID, const QString& sResult = QString());
+
+    /// Has the host asked about an object, for a dialog; also while a script runs, waits or hangs. A device that is ending asks nobody.
+    /// @param request as ObjectRequest::Ask.   [host main]
+    void AskAboutObject(ObjectRequest& request);
 
     // The group granted to this device
     KXPCode RegisterRootGroup();

@@ -1,4 +1,5 @@
 #include "HostCalls.h"
+#include "ObjectRequest.h"
 
 // The object tree, its properties and the groups of changes.
 
@@ -25,6 +26,11 @@ QString MScriptMngRemote::GetObjectList(const QString& sParentObject, uint uiObj
 QString MScriptMngRemote::GetObject(const QString& sObject, unsigned short unDepth) {
     return ForwardForText(&IManagerRemote2::GetObject, &IManagerRemote::GetObject, ToHostText(sObject).constData(),
                           unDepth);
+}
+
+void MScriptMngRemote::AskAboutObject(ObjectRequest& request) {
+    const bool isEnding = IsDeviceEnding();
+    request.Ask(isEnding ? nullptr : m_remote2, isEnding ? nullptr : m_remote);
 }
 
 unsigned int MScriptMngRemote::SetProperty(const QString& sObject, const QString& sProperty, const QString& sValue) {
