@@ -1,14 +1,12 @@
 #include "DialogInsertHelper.h"
 
-#include <algorithm>
 #include <iterator>
 
 #include "CompletionTable.h"
+#include "ObjectNames.h"
 #include "ui_DialogInsertHelper.h"
 
 namespace {
-
-constexpr QSize kPictureSize(32, 32);
 
 struct InsertKindRow {
     const char* title;
@@ -25,13 +23,6 @@ constexpr InsertKindRow kInsertKinds[] = {
     {"Select the Device to insert", ObjectListType::kDevices},
 };
 static_assert(std::size(kInsertKinds) == static_cast<std::size_t>(InsertKind::Device) + 1, "one row for each kind");
-
-bool IsOfList(const QStandardItem& row, std::uint32_t listType) {
-    const QString category = row.toolTip();
-    return std::any_of(std::begin(kCompletionKinds), std::end(kCompletionKinds), [&](const CompletionKind& kind) {
-        return kind.listType == listType && category == QLatin1String(kind.category);
-    });
-}
 
 } // namespace
 
@@ -56,26 +47,8 @@ void DialogInsertHelper::Init(const QStandardItemModel* model, InsertKind kind) 
     setWindowTitle(QLatin1String(row.title));
     if (model == nullptr)
         return;
-    QList<QStandardItem*> objects;
-    for (int at = 0; at < model->rowCount(); ++at)
-        if (const QStandardItem* item = model->item(at); item != nullptr && IsOfList(*item, row.listType))
-            objects.append(new QStandardItem(item->text()));
-    m_objects.clear();
-    m_objects.invisibleRootItem()->appendRows(objects);
-    m_objects.sort(0, Qt::AscendingOrder);
-    ShowObjects();
-}
-
-void DialogInsertHelper::ShowObjects() {
-    QStringList names;
-    for (int at = 0; at < m_objects.rowCount(); ++at)
-        names.append(m_objects.item(at)->text());
-    QListWidget& list = *m_ui->listObjectList;
-    list.clear();
-    list.setIconSize(kPictureSize);
-    list.addItems(names);
-    // A list that gets the focus takes its first item by itself, unless it was told what is current.
-    list.setCurrentIndex(QModelIndex());
+    CopyNames(*model, row.listType, m_objects);
+    ShowNames(m_objects, *m_ui->listObjectList);
     SlotCheckObjectList();
 }
 

@@ -31,8 +31,6 @@ private Q_SLOTS:
     void SlotCheckObjectList();
 
 private:
-    void ShowObjects();
-
     const std::unique_ptr<Ui::DialogInsertHelper> m_ui;
     QStandardItemModel m_objects; ///< of the kind, sorted
 };

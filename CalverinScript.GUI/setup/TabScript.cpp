@@ -31,8 +31,8 @@ struct EditorAction {
     const char* statusTip;
     const char* icon;
     int shortcut;
-    void (TabScript::*signal)(); ///< null: nothing answers it yet, and it is not shown
-    bool endsGroup;              ///< whether a line follows in the menu
+    void (TabScript::*signal)();
+    bool endsGroup; ///< whether a line follows in the menu
 };
 
 constexpr EditorAction kEditorActions[] = {
@@ -46,7 +46,8 @@ constexpr EditorAction kEditorActions[] = {
     {"Insert UserScreen", "Insert an UserScreen", ":/userscreenIcon", With(Qt::ALT, Qt::Key_U),
      &TabScript::SignalInsertUserScreen, false},
     {"Insert Device", "Insert a Device", ":/devIcon", With(Qt::ALT, Qt::Key_D), &TabScript::SignalInsertDevice, true},
-    {"Insert QCalverin.Perform", "Insert QCalverin.Perform", ":/perform", With(Qt::ALT, Qt::Key_P), nullptr, false},
+    {"Insert QCalverin.Perform", "Insert QCalverin.Perform", ":/perform", With(Qt::ALT, Qt::Key_P),
+     &TabScript::SignalInsertPerform, false},
 };
 
 } // namespace
@@ -92,9 +93,7 @@ void TabScript::MakeActions() {
         auto* action = new QAction(QLatin1String(row.text), this);
         action->setStatusTip(QLatin1String(row.statusTip));
         action->setShortcut(QKeySequence(row.shortcut));
-        action->setVisible(row.signal != nullptr);
-        if (row.signal != nullptr)
-            connect(action, &QAction::triggered, this, row.signal);
+        connect(action, &QAction::triggered, this, row.signal);
         m_actions.append(action);
     }
 }

@@ -61,6 +61,8 @@ Q_SIGNALS:
     void SignalInsertCue();
     void SignalInsertUserScreen();
     void SignalInsertDevice();
+    // A line that performs a command is to be composed and inserted.
+    void SignalInsertPerform();
 
 public Q_SLOTS:
     void SlotFind(const QString& sSearch, bool bMatchCase, bool bDirDown);

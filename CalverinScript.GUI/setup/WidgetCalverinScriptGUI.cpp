@@ -10,6 +10,7 @@
 #include "AnalysisOutcome.h"
 #include "BusyCursor.h"
 #include "CodeEditor.h"
+#include "DialogInsertPerformHelper.h"
 #include "DialogMessage.h"
 #include "ModuleShared.h"
 #include "MScriptDescription.h"
@@ -82,6 +83,7 @@ void WidgetCalverinScriptGUI::ConnectInsertions() {
     connect(tab, &TabScript::SignalInsertCue, this, &Dialog::SlotInsertCue);
     connect(tab, &TabScript::SignalInsertUserScreen, this, &Dialog::SlotInsertUserScreen);
     connect(tab, &TabScript::SignalInsertDevice, this, &Dialog::SlotInsertDevice);
+    connect(tab, &TabScript::SignalInsertPerform, this, &Dialog::SlotInsertPerform);
     connect(this, &Dialog::SignalInsertText, &m_ui->tab_Script->Editor(), &CodeEditor::SlotInsertText);
 }
 
@@ -255,9 +257,26 @@ void WidgetCalverinScriptGUI::InsertObject(InsertKind kind) {
     if (!m_ui->tab_Script->isVisible())
         return;
     DialogInsertHelper dialog(this);
-    connect(this, &QDialog::finished, &dialog, &QDialog::reject);
     if (m_device != nullptr)
         dialog.Init(CompletionTable(), kind);
+    InsertFrom(dialog);
+}
+
+void WidgetCalverinScriptGUI::SlotInsertPerform() {
+    if (!m_ui->tab_Script->isVisible())
+        return;
+    DialogInsertPerformHelper dialog(this);
+    if (m_device != nullptr) {
+        dialog.SetRemote(m_device->GetRemote());
+        dialog.SetModel(CompletionTable());
+    }
+    InsertFrom(dialog);
+}
+
+/// Runs a dialog, which goes with this one, and inserts what it gives.
+template <typename Dialog>
+void WidgetCalverinScriptGUI::InsertFrom(Dialog& dialog) {
+    connect(this, &QDialog::finished, &dialog, &QDialog::reject);
     if (dialog.exec() == QDialog::Accepted)
         Q_EMIT SignalInsertText(dialog.GetText());
 }

@@ -64,6 +64,8 @@ public Q_SLOTS:
     void SlotInsertCue() { InsertObject(InsertKind::Cue); }
     void SlotInsertUserScreen() { InsertObject(InsertKind::UserScreen); }
     void SlotInsertDevice() { InsertObject(InsertKind::Device); }
+    /// Lets the user compose a call of QCalverin.Perform and inserts it; does nothing while the script is not shown.
+    void SlotInsertPerform();
     void accept() override;
     void reject() override;
 
@@ -74,6 +76,8 @@ private:
     void ConnectSignals();
     void ConnectInsertions();
     void InsertObject(InsertKind kind);
+    template <typename Dialog>
+    void InsertFrom(Dialog& dialog);
     void LoadOptions();
     void LoadScript();
     void LoadLists();

@@ -45,9 +45,10 @@ protected:
 TEST_F(TheControls, EveryPictureIsDrawnAtSixteenPixels) {
     GivenScript(kDriver);
     Show([&](QWidget& dialog) {
-        for (const char* name : {"about", "search", "varFolder", "userGroupIcon", "taskIcon", "cueIcon",
-                                 "userscreenIcon", "devIcon", "perform", "wizard", "deviceIcon", "stringIcon",
-                                 "integerIcon", "realIcon", "enumIcon", "timeIcon", "dateIcon"}) {
+        for (const char* name :
+             {"about",    "search",   "varFolder", "userGroupIcon", "taskIcon",   "cueIcon",     "userscreenIcon",
+              "devIcon",  "perform",  "wizard",    "deviceIcon",    "stringIcon", "integerIcon", "realIcon",
+              "enumIcon", "timeIcon", "dateIcon",  "dirIn",         "dirOut",     "dirInOut"}) {
             const QImage picture = QIcon(QStringLiteral(":/") + QLatin1String(name)).pixmap(16, 16).toImage();
             ASSERT_EQ(picture.size(), QSize(16, 16)) << name;
             int drawn = 0;
