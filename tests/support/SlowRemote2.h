@@ -2,8 +2,8 @@
 
 #include "FakeRemotes.h"
 
-/// A newer link that takes questions about objects on and answers the last one when it is told to, any number of times. All else it
-/// does at once.
+/// A newer link that takes questions about objects on and answers the last one when it is told to, any number of times.
+/// All else it does at once.
 class SlowRemote2 : public FakeRemote2 {
 public:
     ~SlowRemote2() override { Drop(); }
