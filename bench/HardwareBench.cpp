@@ -117,7 +117,7 @@ bool MeasureUniverses(DmxProtocol protocol, int seconds) {
         }
         return heard >= sent;
     });
-    const bool good = heard == sent && refused == 0 && sent >= static_cast<std::uint64_t>(kUniverses * 43 * seconds);
+    const bool good = heard == sent && refused == 0 && sent >= kUniverses * 43 * static_cast<std::uint64_t>(seconds);
     std::printf(
         "%-7s %d universes, %.1f s: %llu frames sent, %llu heard, %llu refused; %.2f %% of a core; a frame leaves "
         "%lld us late at the median, %lld us at 99 %% (the worst universe)%s\n",

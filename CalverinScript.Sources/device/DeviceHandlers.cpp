@@ -1,6 +1,5 @@
 #include "MCalverinScript_Device.h"
 
-#include <cstring>
 #include <utility>
 
 #include <QTimerEvent>
@@ -45,15 +44,18 @@ void MCalverinScript_Device::PostPropertyChange(const char* object, const char* 
                                                 bool objectFollows) {
     if (object == nullptr || property == nullptr || value == nullptr)
         return;
-    const QString name = FromHostText(object);
-    const QString propertyName = FromHostText(property);
-    const QString text = FromHostText(value);
-    const std::size_t length = std::strlen(object) + std::strlen(property) + std::strlen(value);
-    const ScriptBacklog::Ticket ticket = handlers->NoteChange(length * sizeof(QChar));
-    if (!ticket)
+    QString name = FromHostText(object);
+    QString propertyName = FromHostText(property);
+    QString text = FromHostText(value);
+    const std::uint64_t bytes = (name.size() + propertyName.size() + text.size()) * sizeof(QChar);
+    if (!handlers->NoteChange(bytes))
         return;
     Q_EMIT SignalOnPropertyChange(name, propertyName, text, objectFollows);
-    PostTask([=, waiting = ticket] { SlotOnPropertyChange(name, propertyName, text, objectFollows); });
+    PostTask([this, bytes, objectFollows, name = std::move(name), propertyName = std::move(propertyName),
+              text = std::move(text)] {
+        handlers->ForgetChange(bytes);
+        SlotOnPropertyChange(name, propertyName, text, objectFollows);
+    });
 }
 
 void MCalverinScript_Device::SlotOnPropertyChange(const QString& object, const QString& /*property*/,

@@ -15,10 +15,7 @@ ScriptHandlers::ScriptHandlers(QObject& timerOwner, ScriptWorld& world, ScriptEn
     , m_entrance(entrance)
     , m_timers(timerOwner)
     , m_droppedChanges(TellOfSlowScript(&world.Remote(), [] { return QStringLiteral("changes below groups"); }))
-    , m_changes([this](bool full) {
-        if (!full)
-            m_droppedChanges.TellRest();
-    }) {}
+    , m_changes([this] { m_droppedChanges.TellRest(); }) {}
 
 int ScriptHandlers::StartTimer(ScriptTimers::Kind kind, const QScriptValue& function, int delayMs) {
     const int id = m_timers.Start(kind, function, delayMs);
@@ -98,11 +95,11 @@ void ScriptHandlers::OnEvent(const QString& name, const MScriptParamList& params
     m_world.CheckUncaught();
 }
 
-ScriptBacklog::Ticket ScriptHandlers::NoteChange(std::uint64_t bytes) {
-    if (m_changes.GetRoom().Take(bytes))
-        return m_changes.Add({1, bytes});
-    m_droppedChanges.Note(1);
-    return nullptr;
+bool ScriptHandlers::NoteChange(std::uint64_t bytes) {
+    const bool waits = m_changes.Enter(bytes);
+    if (!waits)
+        m_droppedChanges.Note(1);
+    return waits;
 }
 
 void ScriptHandlers::OnChange(const QString& object, const QString& value) {

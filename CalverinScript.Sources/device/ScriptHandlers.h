@@ -2,8 +2,8 @@
 
 #include <QScriptValue>
 
+#include "BacklogCounter.h"
 #include "DropLog.h"
-#include "ScriptBacklog.h"
 #include "ScriptCallbacks.h"
 #include "ScriptTimers.h"
 
@@ -48,10 +48,12 @@ public:
 
     void SetOnChange(const QScriptValue& function) { m_callbacks.SetOnChange(function); }
     void OnChange(const QString& object, const QString& value);
-    /// A change is about to wait for OnChange. @param bytes what it takes. @return what is kept as long as it waits;
-    /// null when too many wait already, since the script does not keep up: then it is dropped, and the log tells how
-    /// many were.   [any host thread]
-    ScriptBacklog::Ticket NoteChange(std::uint64_t bytes);
+    /// A change is about to wait for OnChange. @param bytes what it takes. @return false when too many
+    /// wait already, since the script does not keep up: then it is dropped, and the log tells how many were.
+    /// [any host thread]
+    bool NoteChange(std::uint64_t bytes);
+    /// One that was noted waits no more.   [script]
+    void ForgetChange(std::uint64_t bytes) { m_changes.Leave(bytes); }
 
     /// Forgets all timers, requests and the function for changes.   [script; also where the script thread has ended]
     void ClearAll();
@@ -64,5 +66,9 @@ private:
     ScriptTimers m_timers;
     ScriptCallbacks m_callbacks;
     DropLog m_droppedChanges;
-    ScriptBacklog m_changes;
-};
+    BacklogCounter m_changes; ///< that wait for OnChange
+};                            ///< that wait
+std::atomic<std::uint64_t> m_changeBytes{0};
+std::atomic<bool> m_dropsChanges{false}; ///< from the first that found no room until half of it is free
+}
+;

@@ -8,7 +8,7 @@ bool TimerPasses::Add(IThreadTimerHandler* handler) {
     const Guard guard(m_shared->lock);
     auto& entries = m_shared->entries;
     const auto isSame = [handler](const std::shared_ptr<Entry>& entry) { return entry->handler == handler; };
-    if (!handler || std::any_of(entries.begin(), entries.end(), isSame))
+    if (handler == nullptr || std::any_of(entries.begin(), entries.end(), isSame))
         return false;
     entries.push_back(std::make_shared<Entry>(handler));
     return entries.size() == 1;

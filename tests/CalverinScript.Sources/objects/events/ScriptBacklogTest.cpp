@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "BacklogCounter.h"
 #include "MScriptParamList.h"
 
 namespace {
@@ -88,4 +89,30 @@ TEST(BacklogOfTwoThreads, NeverStaysFullWhenAllIsTaken) {
         taker.join();
         ASSERT_FALSE(full);
     }
+}
+
+TEST(CountedBacklog, RefusesWhatIsPastItsBoundInEitherWayAndTellsOnceThatItHasCaughtUp) {
+    int told = 0;
+    BacklogCounter counter([&] { ++told; });
+    const auto enter = [&](std::uint64_t bytes, std::uint64_t times) {
+        std::uint64_t entered = 0;
+        for (std::uint64_t i = 0; i < times; ++i)
+            entered += counter.Enter(bytes) ? 1 : 0;
+        return entered;
+    };
+    const auto leave = [&](std::uint64_t bytes, std::uint64_t times) {
+        for (std::uint64_t i = 0; i < times; ++i)
+            counter.Leave(bytes);
+    };
+    EXPECT_EQ(enter(kMega, 18), 16U) << "16 MiB";
+    leave(kMega, 7);
+    EXPECT_EQ(told, 0);
+    leave(kMega, 9);
+    EXPECT_EQ(told, 1) << "at half of it, once";
+    EXPECT_EQ(enter(0, ScriptBacklog::kMost.events + 5), ScriptBacklog::kMost.events);
+    leave(0, ScriptBacklog::kMost.events);
+    EXPECT_EQ(told, 2);
+    EXPECT_EQ(enter(17 * kMega, 1), 0U) << "one that never fits";
+    EXPECT_EQ(told, 3) << "and has no end that could tell later";
+    EXPECT_EQ(enter(1, 1), 1U);
 }
