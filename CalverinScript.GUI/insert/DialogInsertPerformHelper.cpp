@@ -1,9 +1,8 @@
 #include "DialogInsertPerformHelper.h"
 
-#include <QIcon>
-
 #include "CompletionTable.h"
 #include "HostText.h"
+#include "LatePicture.h"
 #include "MScriptMngRemote.h"
 #include "ObjectNames.h"
 #include "ObjectRequest.h"
@@ -79,7 +78,7 @@ void DialogInsertPerformHelper::ShowNoCommands() {
 
 void DialogInsertPerformHelper::ShowCommands(const QByteArray& objectText) {
     ShowNoCommands();
-    const QIcon picture(QStringLiteral(":/perform"));
+    const QIcon picture = LatePictureOf(":/perform");
     for (const OfferedCommand& command : ReadCommands(objectText.constData())) {
         auto* item = new QListWidgetItem(picture, command.name, m_ui->listCommandList);
         item->setData(kCommandTextRole, command.text);

@@ -5,12 +5,12 @@
 
 #include <QComboBox>
 #include <QHeaderView>
-#include <QIcon>
 #include <QSignalBlocker>
 #include <QTableWidget>
 
 #include "CompletionTable.h"
 #include "CustomDelegate.h"
+#include "LatePicture.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ QIcon PictureOfType(const QString& type) {
         std::find_if(std::begin(kCompletionKinds), std::end(kCompletionKinds), [&](const CompletionKind& row) {
             return row.valueName != nullptr && type == QLatin1String(row.valueName);
         });
-    return kind != std::end(kCompletionKinds) ? QIcon(QLatin1String(kind->picture)) : QIcon();
+    return kind != std::end(kCompletionKinds) ? LatePictureOf(kind->picture) : QIcon();
 }
 
 bool IsTyped(const QString& type) {
@@ -74,8 +74,7 @@ void ShowParam(QTableWidget& table, int row, const OfferedParam& param, const st
     const WayLook& way = kWayLooks[static_cast<std::size_t>(param.way)];
     table.setItem(row, ParamColumn::Type, PictureItem(PictureOfType(param.type), param.type));
     table.setItem(row, ParamColumn::Name, TextItem(param.name, kShownFlags));
-    table.setItem(row, ParamColumn::Direction,
-                  PictureItem(QIcon(QLatin1String(way.picture)), QLatin1String(way.words)));
+    table.setItem(row, ParamColumn::Direction, PictureItem(LatePictureOf(way.picture), QLatin1String(way.words)));
     if (IsTyped(param.type))
         table.setItem(row, ParamColumn::Value, TextItem(param.value, kValueFlags));
     if (param.type == QLatin1String(kChosenType))

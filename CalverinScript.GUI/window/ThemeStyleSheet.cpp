@@ -17,9 +17,11 @@ constexpr std::uint32_t kColorIds[] = {0, 1, 8, 6, 7};
 
 enum Tone { GroundTone, TextTone, FieldTone, SelectedTone, SelectedTextTone };
 
-/// What is typed on a tab stands on the colour of texts, so it has that of the ground; but a field that takes nothing looks so.
+/// What is typed on a tab stands on the colour of texts, so it has that of the ground; but a field that takes nothing looks so. What
+/// is chosen in a table stands on the table's ground, whether its row is selected or not.
 constexpr const char* kReadableFields = "QTabWidget QLineEdit{color: rgb(%1);}"
-                                        "QTabWidget QLineEdit:disabled{background-color: rgb(%1); color: %6;}";
+                                        "QTabWidget QLineEdit:disabled{background-color: rgb(%1); color: %6;}"
+                                        "QTableWidget QComboBox{background-color: rgb(%3); border: none;}";
 
 constexpr const char* kRules[] = {
     "QGroupBox{font: bold; background: none;\tborder: 1px solid grey;\tmargin-top: 8px; border-radius: 5px;}",

@@ -5,13 +5,12 @@
 #include <iterator>
 #include <optional>
 
-#include <QIcon>
-#include <QIconEngine>
 #include <QStandardItemModel>
 #include <tinyxml.h>
 
 #include "HostXml.h"
 #include "IManagerRemote.h"
+#include "LatePicture.h"
 #include "ScriptCalls.h"
 
 namespace {
@@ -32,35 +31,6 @@ std::optional<ObjectListText> ReadList(IManagerRemote& link, std::uint32_t type)
     return list;
 }
 
-/// A picture that is looked for when it is first drawn: that takes long, and few of the rows are ever seen.
-class LatePicture final : public QIconEngine {
-public:
-    explicit LatePicture(const char* name)
-        : m_name(QLatin1String(name)) {}
-
-    void paint(QPainter* painter, const QRect& place, QIcon::Mode mode, QIcon::State state) override {
-        Picture().paint(painter, place, Qt::AlignCenter, mode, state);
-    }
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        return Picture().pixmap(size, mode, state);
-    }
-    QIconEngine* clone() const override { return new LatePicture(*this); }
-
-private:
-    const QIcon& Picture() {
-        if (m_picture.isNull())
-            m_picture = QIcon(m_name);
-        return m_picture;
-    }
-
-    const QString m_name;
-    QIcon m_picture;
-};
-
-QVariant PictureOf(const char* name) {
-    return QIcon(new LatePicture(name));
-}
-
 /// What all rows of one kind share.
 struct RowLook {
     QVariant picture;
@@ -72,10 +42,10 @@ class RowMaker {
 public:
     RowMaker() {
         for (const CompletionKind& kind : kCompletionKinds)
-            m_looks.push_back({PictureOf(kind.picture), QString::fromLatin1(kind.category)});
+            m_looks.push_back({LatePictureOf(kind.picture), QString::fromLatin1(kind.category)});
     }
     void AddCalls() {
-        const QVariant picture = PictureOf(kCallPicture);
+        const QVariant picture = LatePictureOf(kCallPicture);
         for (const ScriptCall& call : kScriptCalls) {
             AddRow(QString::fromLatin1(call.name), {picture, QString::fromLatin1(call.signature)});
             m_rows.back()->setData(QString::fromLatin1(call.insertion), Qt::UserRole);

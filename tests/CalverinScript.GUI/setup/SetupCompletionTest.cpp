@@ -16,6 +16,15 @@ namespace {
 
 constexpr int kObjects = 14;
 
+bool IsDrawnInTheColourOfTheTextWhenSelected(const QIcon& picture) {
+    const QImage image = picture.pixmap(16, 16, QIcon::Selected).toImage();
+    const QRgb text = QApplication::palette().color(QPalette::HighlightedText).rgb();
+    int drawn = 0;
+    for (int at = 0; at < 256; ++at)
+        drawn += image.pixel(at % 16, at / 16) == text;
+    return drawn > 0;
+}
+
 bool IsDrawn(const QIcon& picture) {
     const QImage image = picture.pixmap(16, 16).toImage();
     int drawn = 0;
@@ -69,6 +78,7 @@ TEST_F(TheDialogInAShow, HasEachRowOfTheTableInTheOrderOfTheNamesWithAPicture) {
         EXPECT_EQ(table.rowCount(), kOfferedCalls + kObjects);
         for (int row = 0; row < table.rowCount(); ++row) {
             EXPECT_TRUE(IsDrawn(table.item(row)->icon())) << row;
+            EXPECT_TRUE(IsDrawnInTheColourOfTheTextWhenSelected(table.item(row)->icon())) << row;
             EXPECT_TRUE(row == 0 || table.item(row - 1)->text() <= table.item(row)->text()) << row;
         }
         Click(dialog, "pushButtonCancel");

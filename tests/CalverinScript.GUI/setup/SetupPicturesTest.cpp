@@ -24,6 +24,20 @@ const Look kLooks[] = {
     {"theme_light", false, {{0, 0x00F4F4F4}, {1, 0x00202020}, {6, 0x00804010}, {7, 0x00FFFFFF}, {8, 0x00FFFFFF}}},
 };
 
+constexpr const char* kCommands =
+    R"(<Device><Commands><Command Name="Ausschalten"/><Command Name="Eingang wählen"><ObjectParams>
+<ObjectParam><StringData Name="Bezeichnung" String="Hinterbühne"/></ObjectParam>
+<ObjectParam><EnumData Name="Eingang" Current="1"><EnumStrings><EnumString Name="HDMI" Value="0"/>
+<EnumString Name="SDI über Glasfaser" Value="1"/></EnumStrings></EnumData></ObjectParam>
+<ObjectParam><IntegerData Name="Kanal" Value="12"/></ObjectParam>
+<ObjectParam><RealData Name="Verzögerungszeit in Sekunden" Value="2.5"><Properties>
+<Property Name="DataDescriptor::VarDirection" Value="mddInOut"/></Properties></RealData></ObjectParam>
+<ObjectParam><TimeData Name="Einschaltzeitpunkt"/></ObjectParam>
+<ObjectParam><DateData Name="Wartungsdatum"/></ObjectParam>
+<ObjectParam><StringData Name="Ergebnis" String=""><Properties>
+<Property Name="DataDescriptor::VarDirection" Value="mddOut"/></Properties></StringData></ObjectParam>
+</ObjectParams></Command></Commands></Device>)";
+
 /// Draws every dialog and tab into the folder CALVERIN_PICTURES, for people to look at. QT_SCALE_FACTOR scales them.
 class Pictures : public TheDialogInAShow {
 protected:
@@ -70,6 +84,24 @@ protected:
                 opened.close();
             });
             step(dialog);
+            dialog.close();
+        });
+    }
+    void DrawComposer() {
+        link.code = KXP_OK;
+        GivenCompletion(true);
+        Show([&](QWidget& dialog) {
+            Find<QTabWidget>(dialog, "tabWidget").setCurrentIndex(1);
+            dialogs.Expect([&](QWidget& opened) {
+                link.code = KXP_OK;
+                link.text = kCommands;
+                Find<QListWidget>(opened, "listDeviceList").setCurrentRow(0);
+                Find<QListWidget>(opened, "listCommandList").setCurrentRow(1);
+                Find<QTableWidget>(opened, "tableWidgetParams").setCurrentCell(2, 3);
+                Draw(opened, "perform");
+                opened.close();
+            });
+            QTest::keyClick(&dialog, Qt::Key_P, Qt::AltModifier);
             dialog.close();
         });
     }
@@ -140,6 +172,7 @@ TEST_F(Pictures, OfEveryDialogAndTab) {
             Find<QTabWidget>(dialog, "tabWidget").setCurrentIndex(1);
             QTest::keyClick(&dialog, Qt::Key_D, Qt::AltModifier);
         });
+        DrawComposer();
         DrawOpenedBy("load", [](QWidget& dialog) { Click(dialog, "pushButtonLoad"); });
         DrawOpenedBy("save", [](QWidget& dialog) { Click(dialog, "pushButtonSaveAs"); });
         DrawOpenedBy("message", [](QWidget& dialog) {
