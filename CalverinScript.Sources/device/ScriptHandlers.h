@@ -67,8 +67,4 @@ private:
     ScriptCallbacks m_callbacks;
     DropLog m_droppedChanges;
     BacklogCounter m_changes; ///< that wait for OnChange
-};                            ///< that wait
-std::atomic<std::uint64_t> m_changeBytes{0};
-std::atomic<bool> m_dropsChanges{false}; ///< from the first that found no room until half of it is free
-}
-;
+};
