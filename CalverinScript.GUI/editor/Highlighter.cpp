@@ -48,8 +48,6 @@ void Highlighter::setKeywords(const QStringList& words) {
 }
 
 void Highlighter::highlightBlock(const QString& text) {
-    if (IsPutOff())
-        return;
     const ScannedLine line = ScanLine(text, previousBlockState(), m_words);
     setFormat(0, text.length(), m_formats.value(static_cast<int>(ScriptColor::Normal)));
     for (const ScriptToken& token : line.tokens) {

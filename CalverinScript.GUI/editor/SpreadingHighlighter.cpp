@@ -8,19 +8,16 @@
 
 namespace {
 
-/// The state of a line that was put off. No line that was done has it, so a pass that comes to it goes on behind it.
+/// The state of a loaded line that waits. No line that was done has it, so a pass that comes to it goes on behind it.
 constexpr int kPutOff = 15;
 
 } // namespace
 
-// The base class is made without a document: its own answer to a change has to lie between the two of ours.
 SpreadingHighlighter::SpreadingHighlighter(QTextDocument* document)
     : QSyntaxHighlighter(static_cast<QObject*>(document)) {
     m_nextPass.setSingleShot(true);
     connect(&m_nextPass, &QTimer::timeout, this, &SpreadingHighlighter::RunPass);
-    connect(document, &QTextDocument::contentsChange, this, &SpreadingHighlighter::BeginChange);
-    setDocument(document);
-    connect(document, &QTextDocument::contentsChange, this, &SpreadingHighlighter::EndChange);
+    Attach(document);
     if (!document->isEmpty()) {
         m_waiting.emplace_back(document);
         m_nextPass.start(0);
@@ -32,17 +29,29 @@ SpreadingHighlighter::~SpreadingHighlighter() {
         document()->disconnect(this);
 }
 
-bool SpreadingHighlighter::IsPutOff() {
-    if (!m_isLoading || !m_inPass)
-        return false;
-    if (m_costLeft > 0) {
-        m_costLeft -= currentBlock().length() + kLineCost;
-        return false;
-    }
-    if (previousBlockState() != kPutOff)
-        m_waiting.emplace_back(currentBlock());
-    setCurrentBlockState(kPutOff);
-    return true;
+// The base class's own answer to a change has to lie between the two of ours.
+void SpreadingHighlighter::Attach(QTextDocument* document) {
+    connect(document, &QTextDocument::contentsChange, this, &SpreadingHighlighter::BeginChange);
+    setDocument(document);
+    connect(document, &QTextDocument::contentsChange, this, &SpreadingHighlighter::EndChange);
+}
+
+void SpreadingHighlighter::Detach() {
+    m_nextPass.stop();
+    m_waiting.clear();
+    document()->disconnect(this);
+    setDocument(nullptr);
+}
+
+// A line that the base class only looks at costs it more than the whole of its loading, so it does not see the text come. It would
+// do all of it in one later turn; told of a change at the beginning, it does the lines from there, in passes as after any other change.
+void SpreadingHighlighter::AttachLoaded(QTextDocument* document) {
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next())
+        block.setUserState(kPutOff);
+    Attach(document);
+    m_isLoaded = true;
+    Q_EMIT document->contentsChange(0, 0, 0);
+    m_isLoaded = false;
 }
 
 void SpreadingHighlighter::FinishBlock(int state) {
@@ -59,23 +68,24 @@ void SpreadingHighlighter::BeginChange(int from, int removed, int added) {
     if (sender() != document())
         return;
     const QTextBlock last = document()->findBlock(from + added + (removed > 0 ? 1 : 0));
-    BeginPass(last.isValid() ? last.position() + last.length() : document()->characterCount());
+    const int end = last.isValid() ? last.position() + last.length() : document()->characterCount();
+    BeginPass(end, m_isLoaded ? kFirstPassCost : kPassCost);
 }
 
 void SpreadingHighlighter::EndChange() {
     EndPass();
 }
 
-void SpreadingHighlighter::BeginPass(int mandatoryEnd) {
+void SpreadingHighlighter::BeginPass(int mandatoryEnd, int cost) {
     m_inPass = true;
     m_mandatoryEnd = mandatoryEnd;
-    m_costLeft = kPassCost;
+    m_costLeft = cost;
 }
 
 void SpreadingHighlighter::EndPass() {
     m_inPass = false;
-    if (IsSpreading())
-        m_nextPass.start(0);
+    if (IsSpreading() && !m_nextPass.isActive())
+        m_nextPass.start(m_isLoaded ? kAfterLoadingMs : 0);
 }
 
 void SpreadingHighlighter::RunPass() {

@@ -21,32 +21,38 @@ public:
     /// What one pass may do, in characters; each line counts kLineCost characters more than it has.
     static constexpr int kPassCost = 50000;
     static constexpr int kLineCost = 60;
+    /// What the first pass over a loaded text does: more lines than a screen shows.
+    static constexpr int kFirstPassCost = 15000;
+    /// What waits of a loaded text begins when the window that shows it had time to come up, in milliseconds.
+    static constexpr int kAfterLoadingMs = 100;
 
     /// Belongs to the document, as in the base class. A document with text is done from the event loop.
     explicit SpreadingHighlighter(QTextDocument* document);
     ~SpreadingHighlighter() override;
 
-    /// Calls a function that loads a text into the document: its first lines are done at once, as far as one pass goes, and
-    /// the others in later passes.
+    /// Calls a function that loads a text into the document: its first lines are done at once, as far as the first pass goes,
+    /// and the others in later passes.
     template <typename Load>
     void SpreadLoading(Load load) {
-        m_isLoading = true;
+        QTextDocument* loaded = document();
+        Detach();
         load();
-        m_isLoading = false;
+        AttachLoaded(loaded);
     }
     /// Whether lines wait for a later pass.
     bool IsSpreading() const { return !m_waiting.empty(); }
 
 protected:
-    /// For highlightBlock of the subclass, which leaves a line alone that waits for a later pass.
-    bool IsPutOff();
     /// For highlightBlock of the subclass, in place of setCurrentBlockState.
     void FinishBlock(int state);
 
 private:
+    void Attach(QTextDocument* document);
+    void Detach();
+    void AttachLoaded(QTextDocument* document);
     void BeginChange(int from, int removed, int added);
     void EndChange();
-    void BeginPass(int mandatoryEnd);
+    void BeginPass(int mandatoryEnd, int cost);
     void EndPass();
     void RunPass();
     QTextBlock TakeFirstWaiting();
@@ -58,7 +64,7 @@ private:
     std::vector<QTextCursor> m_waiting;
     QTimer m_nextPass;
     bool m_inPass = false;
-    bool m_isLoading = false;
+    bool m_isLoaded = false; ///< whether the next change tells of a text that was loaded
     int m_mandatoryEnd = 0; ///< lines that begin before it are done in this pass whatever they cost
     int m_costLeft = 0;
 };
