@@ -58,7 +58,8 @@ private:
     void GoOn(QPlainTextEdit& editor) {
         if (m_painted == 0) {
             m_painted = Passed();
-            QApplication::postEvent(&editor, new QKeyEvent(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" ")));
+            QApplication::postEvent(
+                &editor, new QKeyEvent(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, QStringLiteral(" ")));
         } else if (!m_isOver && editor.document()->firstBlock().text().startsWith(QLatin1Char(' '))) {
             m_isOver = true;
             m_typed = Passed();
@@ -102,8 +103,8 @@ void Prepare(IKXPDevice& device, const QString& text) {
         std::abort();
 }
 
-/// The dialog beside an empty one with a plain editor, in turn: medians of each until it is painted and until it takes a letter, and
-/// of their ratios.
+/// The dialog beside an empty one with a plain editor, in turn: medians of each until it is painted and until it takes
+/// a letter, and of their ratios.
 std::vector<double> MeasureOpening() {
     const QString text = LongScript();
     BenchDevice device("({})");

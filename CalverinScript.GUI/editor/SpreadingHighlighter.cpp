@@ -13,11 +13,14 @@ constexpr int kPutOff = 15;
 
 } // namespace
 
+// The base class is made without a document: its own answer to a change has to lie between the two of ours.
 SpreadingHighlighter::SpreadingHighlighter(QTextDocument* document)
     : QSyntaxHighlighter(static_cast<QObject*>(document)) {
     m_nextPass.setSingleShot(true);
     connect(&m_nextPass, &QTimer::timeout, this, &SpreadingHighlighter::RunPass);
-    Attach(document);
+    connect(document, &QTextDocument::contentsChange, this, &SpreadingHighlighter::BeginChange);
+    setDocument(document);
+    connect(document, &QTextDocument::contentsChange, this, &SpreadingHighlighter::EndChange);
     if (!document->isEmpty()) {
         m_waiting.emplace_back(document);
         m_nextPass.start(0);
@@ -29,28 +32,23 @@ SpreadingHighlighter::~SpreadingHighlighter() {
         document()->disconnect(this);
 }
 
-// The base class's own answer to a change has to lie between the two of ours.
-void SpreadingHighlighter::Attach(QTextDocument* document) {
-    connect(document, &QTextDocument::contentsChange, this, &SpreadingHighlighter::BeginChange);
-    setDocument(document);
-    connect(document, &QTextDocument::contentsChange, this, &SpreadingHighlighter::EndChange);
-}
-
-void SpreadingHighlighter::Detach() {
+// A line that the base class only looks at costs it more than to load it, so it must not see the text come. It can be taken to another
+// document and back, but then does all of the text in one turn: so its connection goes alone.
+void SpreadingHighlighter::TurnAway() {
     m_nextPass.stop();
     m_waiting.clear();
-    document()->disconnect(this);
-    setDocument(nullptr);
+    disconnect(document(), SIGNAL(contentsChange(int, int, int)), this, nullptr);
 }
 
-// A line that the base class only looks at costs it more than the whole of its loading, so it does not see the text come. It would
-// do all of it in one later turn; told of a change at the beginning, it does the lines from there, in passes as after any other change.
-void SpreadingHighlighter::AttachLoaded(QTextDocument* document) {
-    for (QTextBlock block = document->begin(); block.isValid(); block = block.next())
+// Told of a change at the beginning, the lines from there are done in passes, as after any other change.
+void SpreadingHighlighter::TurnToLoaded() {
+    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next())
         block.setUserState(kPutOff);
-    Attach(document);
+    connect(document(), &QTextDocument::contentsChange, this, &SpreadingHighlighter::BeginChange);
+    connect(document(), SIGNAL(contentsChange(int, int, int)), this, SLOT(_q_reformatBlocks(int, int, int)));
+    connect(document(), &QTextDocument::contentsChange, this, &SpreadingHighlighter::EndChange);
     m_isLoaded = true;
-    Q_EMIT document->contentsChange(0, 0, 0);
+    Q_EMIT document()->contentsChange(0, 0, 0);
     m_isLoaded = false;
 }
 

@@ -22,7 +22,7 @@ public:
     static constexpr int kPassCost = 50000;
     static constexpr int kLineCost = 60;
     /// What the first pass over a loaded text does: more lines than a screen shows.
-    static constexpr int kFirstPassCost = 15000;
+    static constexpr int kFirstPassCost = 10000;
     /// What waits of a loaded text begins when the window that shows it had time to come up, in milliseconds.
     static constexpr int kAfterLoadingMs = 100;
 
@@ -34,10 +34,9 @@ public:
     /// and the others in later passes.
     template <typename Load>
     void SpreadLoading(Load load) {
-        QTextDocument* loaded = document();
-        Detach();
+        TurnAway();
         load();
-        AttachLoaded(loaded);
+        TurnToLoaded();
     }
     /// Whether lines wait for a later pass.
     bool IsSpreading() const { return !m_waiting.empty(); }
@@ -47,9 +46,8 @@ protected:
     void FinishBlock(int state);
 
 private:
-    void Attach(QTextDocument* document);
-    void Detach();
-    void AttachLoaded(QTextDocument* document);
+    void TurnAway();
+    void TurnToLoaded();
     void BeginChange(int from, int removed, int added);
     void EndChange();
     void BeginPass(int mandatoryEnd, int cost);
@@ -64,7 +62,7 @@ private:
     std::vector<QTextCursor> m_waiting;
     QTimer m_nextPass;
     bool m_inPass = false;
-    bool m_isLoaded = false; ///< whether the next change tells of a text that was loaded
-    int m_mandatoryEnd = 0; ///< lines that begin before it are done in this pass whatever they cost
+    bool m_isLoaded = false; ///< whether the change that is told is a text that was loaded
+    int m_mandatoryEnd = 0;  ///< lines that begin before it are done in this pass whatever they cost
     int m_costLeft = 0;
 };

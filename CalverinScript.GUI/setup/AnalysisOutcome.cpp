@@ -5,8 +5,10 @@
 #include <QThread>
 
 #include "BusyCursor.h"
+#include "DeviceTexts.h"
 #include "HostText.h"
 #include "MCalverinScript_Device.h"
+#include "ScriptAnalysis.h"
 
 namespace {
 
@@ -39,6 +41,12 @@ AnalysisOutcome Hear(MCalverinScript_Device& device, const std::function<bool()>
 
 AnalysisOutcome AnalyseScript(MCalverinScript_Device& device, const QString& text, QScriptEngine& engine) {
     return Hear(device, [&] { return device.EvaluateScript(text, &engine); });
+}
+
+std::optional<AnalysisOutcome> RecallAnalysis(const MCalverinScript_Device& device, const QString& text) {
+    if (!device.GetAnalysis().Knows(text))
+        return std::nullopt;
+    return AnalysisOutcome{true, QLatin1String(DeviceText::kAnalysed), 0};
 }
 
 AnalysisOutcome LoadForAnalysis(MCalverinScript_Device& device, const QString& path) {

@@ -26,7 +26,7 @@ void WidgetCalverinScriptGUI::OpenScript(const QString& path) {
 void WidgetCalverinScriptGUI::OpenFile(const QString& path) {
     DialogSelectScript choice(this);
     choice.SetDevice(m_device);
-    choice.Load(path.isEmpty() ? m_scriptFileName : path, &m_engine);
+    choice.Load(path.isEmpty() ? m_scriptFileName : path, GetScratchEngine());
     if (!path.isEmpty())
         choice.SlotYes();
     else if (choice.exec() != QDialog::Accepted)
@@ -64,7 +64,7 @@ void WidgetCalverinScriptGUI::SlotSaveFile() {
 void WidgetCalverinScriptGUI::SlotSaveAsFile() {
     DialogSaveScript choice(this);
     choice.SetDevice(m_device);
-    choice.Load(m_scriptFileName, &m_engine);
+    choice.Load(m_scriptFileName, GetScratchEngine());
     const QString folder = LibraryFolderOf(m_device);
     if (choice.exec() != QDialog::Accepted || folder.isEmpty())
         return;

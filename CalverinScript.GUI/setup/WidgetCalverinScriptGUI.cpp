@@ -46,7 +46,6 @@ WidgetCalverinScriptGUI::WidgetCalverinScriptGUI(QWidget* parent)
     m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowFlag(Qt::WindowMaximizeButtonHint, true);
-    SetUpAnalysisGlobals(m_engine);
     addActions(m_ui->tab_Script->GetActions());
     ConnectSignals();
     ConnectInsertions();
@@ -95,7 +94,7 @@ void WidgetCalverinScriptGUI::LoadFromDevice(MCalverinScript_Device* device) {
     LoadOptions();
     LoadScript();
     LoadLists();
-    SlotExtractFromScript();
+    LoadAnalysis();
     UpdateDescription();
     ShowLoadedFile();
     UpdateRemoveDefaults();
@@ -131,6 +130,17 @@ void WidgetCalverinScriptGUI::LoadLists() {
     m_settings = m_device->GetStoredSetup().GetSettings();
 }
 
+/// A long script takes longer to analyse than to show, and the device has done it already.
+void WidgetCalverinScriptGUI::LoadAnalysis() {
+    const auto known = RecallAnalysis(*m_device, m_device->GetStoredSetup().GetScriptText());
+    if (!known)
+        return SlotExtractFromScript();
+    m_analysedText = m_ui->tab_Script->GetText();
+    m_analysis = *known;
+    m_ui->tab_Script->ShowAnalysis(m_analysis);
+    Extract();
+}
+
 void WidgetCalverinScriptGUI::ShowFileName(MScriptDescription* description) {
     m_ui->lineEditScriptFileName->setText(description != nullptr ? description->GetDisplayText()
                                                                  : QStringLiteral("No script loaded"));
@@ -143,20 +153,27 @@ void WidgetCalverinScriptGUI::ShowLoadedFile() {
 /// What the device's script file says of itself. @return null without one.
 std::unique_ptr<MScriptDescription> WidgetCalverinScriptGUI::DescribeOwnFile() {
     if (IsChangedSinceFile() || m_ui->tab_Script->GetText() != m_analysedText || !QFileInfo::exists(m_scriptFileName))
-        return DescribeFile(m_scriptFileName, &m_engine, m_device);
+        return DescribeFile(m_scriptFileName, GetScratchEngine(), m_device);
     return std::make_unique<MScriptDescription>(Describe(MScriptDescription::OfFile(m_scriptFileName)));
 }
 
 /// @return the record with what the last analysis found; as it was when that failed.
 MScriptDescription WidgetCalverinScriptGUI::Describe(MScriptDescription record) {
-    const BusyCursor busy;
     if (m_analysis.succeeded && m_device != nullptr)
-        record.TakeInTime(m_device->GetAnalysis().GetSet().global, m_engine, AnalysisLimitOf(m_device));
+        record.TakeSaid(m_device->GetAnalysis().GetDescription());
     return record;
 }
 
 void WidgetCalverinScriptGUI::UpdateDescription() {
     m_ui->tab_Setup->ShowDescription(Describe(MScriptDescription()));
+}
+
+QScriptEngine* WidgetCalverinScriptGUI::GetScratchEngine() {
+    if (!m_engine) {
+        m_engine = std::make_unique<QScriptEngine>();
+        SetUpAnalysisGlobals(*m_engine);
+    }
+    return m_engine.get();
 }
 
 bool WidgetCalverinScriptGUI::SlotCallEvaluateScript() {
@@ -167,7 +184,7 @@ bool WidgetCalverinScriptGUI::Evaluate() {
     if (m_device == nullptr)
         return false;
     m_analysedText = m_ui->tab_Script->GetText();
-    m_analysis = AnalyseScript(*m_device, m_analysedText, m_engine);
+    m_analysis = AnalyseScript(*m_device, m_analysedText, *GetScratchEngine());
     m_ui->tab_Script->ShowAnalysis(m_analysis);
     return m_analysis.succeeded;
 }

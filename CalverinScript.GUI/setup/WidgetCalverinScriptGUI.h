@@ -36,8 +36,8 @@ public:
     /// Loads a script of the library by its file name or path, as if it had been chosen.
     void OpenScript(const QString& path);
 
-    /// The engine for analyses; never the device's.
-    QScriptEngine* GetScratchEngine() { return &m_engine; }
+    /// The engine for analyses; never the device's. Made with the first of them.
+    QScriptEngine* GetScratchEngine();
     const ScriptVariables& GetUserVariables() const;
     bool IsRemoveDefaultsChecked() const;
 
@@ -81,6 +81,7 @@ private:
     void LoadOptions();
     void LoadScript();
     void LoadLists();
+    void LoadAnalysis();
     bool Evaluate();
     bool EvaluateUnlessKnown();
     void Extract();
@@ -105,7 +106,7 @@ private:
     const std::unique_ptr<Ui::WidgetCalverinScriptGUI> m_ui;
     QPointer<MCalverinScript_Device> m_device; ///< not owned
     QString m_scriptFileName;                  ///< of the project's copy; empty when the device has no script file
-    QScriptEngine m_engine;
+    std::unique_ptr<QScriptEngine> m_engine;
     ScriptVariables m_loadedVariables; ///< as the device had them; read-only
     ScriptSettings m_settings;         ///< what the form shows
     AnalysisOutcome m_analysis;        ///< the last one

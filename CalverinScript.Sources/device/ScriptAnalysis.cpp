@@ -44,20 +44,25 @@ bool ScriptAnalysis::Run(const QString& text) {
         return false;
     const std::chrono::milliseconds limit = Limit();
     m_text = text;
+    m_removed = m_setup.GetRemovalForAnalysis();
+    m_isGood = false;
     LimitedRun run(*m_set.engine, limit);
     VariableLookup lookup(m_services, m_values.GetVariables(), m_setup.Variables());
     LookupOnCallersThread host(run, lookup);
     ScanRequest request;
-    request.removeDefaults = m_setup.GetRemovalForAnalysis();
+    request.removeDefaults = m_removed;
     request.host = &host;
     request.accessors = &m_values.Accessors();
     std::optional<EvaluationFailure> failure;
     ScanResult found;
+    MScriptDescription description;
     const LimitedRun::Outcome outcome = run.Run([&] {
         m_set.global = EvaluateText(*m_set.engine, text);
         failure = TakeFailure(*m_set.engine, m_set.global);
-        if (!failure)
-            found = ScanPublished(m_set, request);
+        if (failure)
+            return;
+        found = ScanPublished(m_set, request);
+        description.Take(m_set.global);
     });
     m_endedByItself = outcome == LimitedRun::Outcome::InTime;
     if (!m_endedByItself)
@@ -68,8 +73,14 @@ bool ScriptAnalysis::Run(const QString& text) {
     }
     m_setup.SetScriptsRemoval(found.removeDefaults);
     Publish(m_set, found);
+    m_description = description;
+    m_isGood = true;
     m_reports.ReportError(QLatin1String(DeviceText::kAnalysed), true);
     return true;
+}
+
+bool ScriptAnalysis::Knows(const QString& text) const {
+    return m_isGood && m_text == text && m_removed == m_setup.GetRemovalForAnalysis();
 }
 
 /// The configuration file says it in seconds.

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include "MScriptDescription.h"
 #include "ScriptSet.h"
 
 class HostValues;
@@ -39,6 +40,10 @@ public:
     bool HasEndedByItself() const { return m_endedByItself; }
     /// Whether the last run was of this text and had to be ended, as another one of it would have to be.
     bool IsKnownNotToEnd(const QString& text) const { return !m_endedByItself && m_text == text; }
+    /// Whether the last run was of this text and was good, so that another one of it would find the same.
+    bool Knows(const QString& text) const;
+    /// What the script of the last good run says of itself.
+    const MScriptDescription& GetDescription() const { return m_description; }
     /// Lets go of the value of the last run, whose engine is about to go.
     void ForgetValue() { m_set.global = QScriptValue(); }
 
@@ -56,6 +61,9 @@ private:
     StoredSetup& m_setup;
     IScriptReports& m_reports;
     ScriptSet m_set;
-    QString m_text; ///< of the last run
+    MScriptDescription m_description;
+    QString m_text;         ///< of the last run, as are the next three
+    bool m_removed = false; ///< whether it went by removed defaults
+    bool m_isGood = false;
     bool m_endedByItself = true;
 };

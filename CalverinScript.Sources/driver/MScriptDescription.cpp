@@ -8,6 +8,20 @@
 #include "ScriptInfo.h"
 #include "ScriptMembers.h"
 
+namespace {
+
+struct DescriptionField {
+    const char* name; ///< in `Info`
+    QString MScriptDescription::*field;
+};
+
+constexpr DescriptionField kDescriptionFields[] = {{"Title", &MScriptDescription::title},
+                                                   {"Author", &MScriptDescription::author},
+                                                   {"Version", &MScriptDescription::version},
+                                                   {"Description", &MScriptDescription::description}};
+
+} // namespace
+
 std::unique_ptr<MScriptDescription> MScriptDescription::FromFile(const QString& path, QScriptEngine* engine,
                                                                  std::chrono::milliseconds limit) {
     const QFileInfo info(path);
@@ -53,31 +67,17 @@ void MScriptDescription::Parse(const QString& text, QScriptEngine& engine, MScri
         record = read;
 }
 
-void MScriptDescription::TakeInTime(const QScriptValue& published, QScriptEngine& engine,
-                                    std::chrono::milliseconds limit) {
-    MScriptDescription read = *this;
-    LimitedRun run(engine, limit);
-    const LimitedRun::Outcome outcome = run.Run([&] {
-        read.Take(published);
-        engine.clearExceptions();
-    });
-    if (outcome == LimitedRun::Outcome::InTime)
-        *this = read;
+void MScriptDescription::Take(const QScriptValue& published) {
+    for (const ScriptMember& member : MembersOf(FindInfo(published)))
+        for (const DescriptionField& row : kDescriptionFields)
+            if (member.name == QLatin1String(row.name) && !member.value.isNull() && !member.value.isFunction())
+                this->*row.field = QLatin1String("") + ScriptText(member.value);
 }
 
-void MScriptDescription::Take(const QScriptValue& published) {
-    struct Field {
-        const char* name;
-        QString MScriptDescription::*field;
-    };
-    static constexpr Field kFields[] = {{"Title", &MScriptDescription::title},
-                                        {"Author", &MScriptDescription::author},
-                                        {"Version", &MScriptDescription::version},
-                                        {"Description", &MScriptDescription::description}};
-    for (const ScriptMember& member : MembersOf(FindInfo(published)))
-        for (const Field& field : kFields)
-            if (member.name == QLatin1String(field.name) && !member.value.isNull() && !member.value.isFunction())
-                this->*field.field = ScriptText(member.value);
+void MScriptDescription::TakeSaid(const MScriptDescription& said) {
+    for (const DescriptionField& row : kDescriptionFields)
+        if (!(said.*row.field).isNull())
+            this->*row.field = said.*row.field;
 }
 
 const QString& MScriptDescription::GetDisplayText() {

@@ -33,8 +33,8 @@ struct MScriptDescription {
                       std::chrono::milliseconds limit = kAnalysisLimit);
     /// Takes what the value of an evaluation says.
     void Take(const QScriptValue& published);
-    /// The same with a limit, since a script may answer with a function of its own. The record stays as it was after the limit.
-    void TakeInTime(const QScriptValue& published, QScriptEngine& engine, std::chrono::milliseconds limit);
+    /// Takes what another record has of a script's own; what that does not say, null texts, stays.
+    void TakeSaid(const MScriptDescription& said);
 
     /// "title (file name)".
     const QString& GetDisplayText();

@@ -96,6 +96,21 @@ TEST_F(Analysis, PassesTheScriptsOwnWordOnTheDefaultsToTheSetup) {
     EXPECT_TRUE(setup.DecideRemoval(true));
 }
 
+TEST_F(Analysis, KnowsTheTextOfAGoodRunAsLongAsTheSameDefaultsStay) {
+    const QString text = QStringLiteral("({ Device: { Status: 1 }, Info: { Title: 'Lamp' } })");
+    EXPECT_FALSE(analysis.Knows(QString()));
+    ASSERT_TRUE(Run(qPrintable(text)));
+    EXPECT_TRUE(analysis.Knows(text));
+    EXPECT_EQ(analysis.GetDescription().title, QStringLiteral("Lamp"));
+    setup.SetPendingRemoval(true);
+    EXPECT_FALSE(analysis.Knows(text)) << "Status would be one of the script's own";
+    setup.SetPendingRemoval(std::nullopt);
+    EXPECT_TRUE(analysis.Knows(text));
+    EXPECT_FALSE(Run("({"));
+    EXPECT_FALSE(analysis.Knows(text));
+    EXPECT_FALSE(analysis.Knows(QStringLiteral("({")));
+}
+
 TEST_F(Analysis, ShowsAFileThatCannotBeReadAsAnEmptyScriptAndTellsTheUser) {
     EXPECT_FALSE(analysis.LoadFile("/no/such/file.js"));
     EXPECT_EQ(reports.shownFile, "/no/such/file.js");

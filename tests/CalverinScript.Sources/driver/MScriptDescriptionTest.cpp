@@ -40,6 +40,18 @@ TEST_F(Description, OfAFileWithoutInfoIsItsBaseName) {
     EXPECT_EQ(record->GetDisplayText(), QStringLiteral("lamp (lamp.v2.js)"));
 }
 
+TEST_F(Description, TakesWhatAnotherSaysAndKeepsTheRest) {
+    MScriptDescription record = MScriptDescription::OfFile(QStringLiteral("lamp.js"));
+    record.author = QStringLiteral("Ada");
+    MScriptDescription said;
+    said.Take(engine.evaluate(QStringLiteral("({ Info: { Author: '', Version: 2 } })")));
+    record.TakeSaid(said);
+    EXPECT_EQ(record.title, QStringLiteral("lamp"));
+    EXPECT_EQ(record.version, QStringLiteral("2"));
+    EXPECT_EQ(record.author, QString()) << "an empty text is one that was said";
+    EXPECT_EQ(record.fileName, QStringLiteral("lamp.js"));
+}
+
 TEST_F(Description, SkipsNullAndFunctionsAndScriptsThatFail) {
     const char* scripts[] = {"({ Info: { Title: null, Author: function() {} } })",
                              "({ Info: 5 })",
