@@ -2,8 +2,6 @@
 
 #include <QFileInfo>
 
-#include "DialogMessage.h"
-#include "DialogSaveScript.h"
 #include "DialogSaveScriptOptions.h"
 #include "DialogSelectScript.h"
 #include "IModuleServices.h"
@@ -11,6 +9,7 @@
 #include "ScriptAnalysis.h"
 #include "ScriptFiles.h"
 #include "ScriptPlaces.h"
+#include "ScriptSaving.h"
 #include "ui_WidgetCalverinScriptGUI.h"
 
 /// What the setup dialog does with script files. The text goes to the library first and is copied to the project from there.
@@ -53,51 +52,13 @@ void WidgetCalverinScriptGUI::TakeOpened(const QString& path, MScriptDescription
 }
 
 void WidgetCalverinScriptGUI::SlotSaveFile() {
-    const QString folder = LibraryFolderOf(m_device);
-    const QString path = PathBelow(folder, QFileInfo(m_scriptFileName).fileName());
-    if (m_scriptFileName.isEmpty() || folder.isEmpty() || !CanWriteScriptFile(path))
-        SlotSaveAsFile();
-    else if (SaveTo(path, m_scriptFileName))
+    if (ScriptSaving(*this, m_device, *GetScratchEngine()).Save(m_scriptFileName, m_ui->tab_Script->GetText()))
         TakeSaved();
 }
 
 void WidgetCalverinScriptGUI::SlotSaveAsFile() {
-    DialogSaveScript choice(this);
-    choice.SetDevice(m_device);
-    choice.Load(m_scriptFileName, GetScratchEngine());
-    const QString folder = LibraryFolderOf(m_device);
-    if (choice.exec() != QDialog::Accepted || folder.isEmpty())
-        return;
-    QString name = choice.GetFileName();
-    if (name.right(3).toLower() != QLatin1String(".js"))
-        name += QStringLiteral(".js");
-    const QString libraryPath = PathBelow(folder, name);
-    const QString projectFolder = ProjectFolderOf(m_device);
-    const QString projectPath = projectFolder.isEmpty() ? QString() : PathBelow(projectFolder, name);
-    if (!MayOverwrite(libraryPath, name) || !SaveTo(libraryPath, projectPath))
-        return;
-    m_scriptFileName = projectPath;
-    TakeSaved();
-}
-
-bool WidgetCalverinScriptGUI::MayOverwrite(const QString& libraryPath, const QString& name) {
-    return !QFileInfo::exists(libraryPath) ||
-           DialogMessage::Ask(this, QStringLiteral("The file '") + name +
-                                        QStringLiteral("' already exits. \n\nDo you want to overwrite it?"));
-}
-
-/// Tells the user what went wrong. What was on disk is then still there, and the text is still in the editor.
-bool WidgetCalverinScriptGUI::SaveTo(const QString& libraryPath, const QString& projectPath) {
-    const QString model = ReadScriptFile(m_scriptFileName).value_or(QString());
-    QString failure;
-    if (!WriteScriptFile(libraryPath, WithLineEndsOf(model, m_ui->tab_Script->GetText()), &failure)) {
-        DialogMessage::Warn(this, tr("The script could not be saved as %1.\n\n%2").arg(libraryPath, failure));
-        return false;
-    }
-    if (CopyScriptFile(libraryPath, projectPath))
-        return true;
-    DialogMessage::Warn(this, CopyFailureText());
-    return false;
+    if (ScriptSaving(*this, m_device, *GetScratchEngine()).SaveAs(m_scriptFileName, m_ui->tab_Script->GetText()))
+        TakeSaved();
 }
 
 void WidgetCalverinScriptGUI::TakeSaved() {

@@ -95,9 +95,7 @@ private:
 
     void OpenFile(const QString& path);
     void TakeOpened(const QString& path, MScriptDescription& description);
-    bool SaveTo(const QString& libraryPath, const QString& projectPath);
     void TakeSaved();
-    bool MayOverwrite(const QString& libraryPath, const QString& name);
     bool IsChangedSinceFile() const;
     void AskWhereChangesGo();
     QString TextToStore() const;
