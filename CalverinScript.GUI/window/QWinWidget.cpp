@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include <QApplication>
+#include <QDialog>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -35,6 +37,26 @@ QRect ToRect(const NativeRect& rect, qreal scale) {
 
 } // namespace
 
+/// Makes the dialogs of what stands in another toolkit's window those of that window. To Qt they would be nobody's.
+class QWinWidget::DialogKeeper : public QObject {
+public:
+    explicit DialogKeeper(QWinWidget& parent)
+        : QObject(&parent)
+        , m_parent(parent) {
+        qApp->installEventFilter(this);
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const auto* dialog = event->type() == QEvent::Show ? qobject_cast<QDialog*>(watched) : nullptr;
+        if (dialog != nullptr && dialog->isWindow() && dialog->parentWidget() != nullptr &&
+            dialog->parentWidget()->window() == &m_parent)
+            dialog->windowHandle()->setTransientParent(m_parent.m_hostWindow);
+        return false;
+    }
+
+private:
+    QWinWidget& m_parent;
+};
+
 QWinWidget::QWinWidget(KXPWindow parent, QObject* object, Qt::WindowFlags flags)
     : QWidget(nullptr, flags)
     , m_parentId(parent) {
@@ -47,7 +69,7 @@ QWinWidget::QWinWidget(KXPWindow parent, QObject* object, Qt::WindowFlags flags)
 /// A window ends those that stand in it: ours has to leave the host's first.
 QWinWidget::~QWinWidget() {
     hide();
-    if (windowHandle() != nullptr)
+    if (isWindow() && windowHandle() != nullptr)
         windowHandle()->setParent(nullptr);
 }
 
@@ -72,11 +94,19 @@ void QWinWidget::WatchForeignWindow() {
     });
 }
 
-/// What belonged to the window is let go before anything is told, since it may end this object.
+/// What belonged to the window is let go before anything is told, since it may end this object. A window takes those that stand in it
+/// along.
 void QWinWidget::Leave() {
+    if (std::exchange(m_hasLeft, true))
+        return;
     if (m_news)
         m_news->setEnabled(false);
     m_hostWindow = nullptr;
+    hide();
+    if (parentWidget() != nullptr)
+        setParent(nullptr);
+    else if (windowHandle() != nullptr)
+        windowHandle()->setParent(nullptr);
     Q_EMIT SignalParentGone();
 }
 
@@ -97,12 +127,42 @@ QRect QWinWidget::ParentFrame(QMargins& margins) const {
     return frame;
 }
 
-void QWinWidget::show() {
-    if (m_hostWindow != nullptr) {
+void QWinWidget::Join() {
+    QWidget* host = m_hostWindow != nullptr && !m_foreign ? QWidget::find(m_parentId) : nullptr;
+    if (host != nullptr) {
+        JoinWidget(*host);
+    } else if (m_hostWindow != nullptr) {
         winId();
         windowHandle()->setParent(m_hostWindow);
+        if (m_foreign && findChild<DialogKeeper*>() == nullptr)
+            new DialogKeeper(*this);
     }
+}
+
+void QWinWidget::JoinWidget(QWidget& host) {
+    if (parentWidget() == &host)
+        return;
+    const QRect place = geometry();
+    setParent(&host);
+    setGeometry(place);
+    connect(&host, &QObject::destroyed, this, &QWinWidget::Leave);
+    winId();
+}
+
+void QWinWidget::show() {
+    Join();
     QWidget::show();
+    raise();
+}
+
+void QWinWidget::CentreInParent() {
+    QMargins margins;
+    const QRect frame = ParentFrame(margins);
+    if (frame.isEmpty())
+        return;
+    const QPoint inside = frame.marginsRemoved(margins).topLeft();
+    const QPoint place = frame.center() - inside - QPoint(width() / 2, height() / 2);
+    move(std::max(place.x(), 0), std::max(place.y(), 0));
 }
 
 void QWinWidget::FocusParent() {
@@ -137,6 +197,8 @@ QWidgetList QWinWidget::FocusChain() {
 }
 
 bool QWinWidget::focusNextPrevChild(bool next) {
+    if (!isWindow())
+        return QWidget::focusNextPrevChild(next);
     const QWidgetList chain = FocusChain();
     QWidget* end = chain.isEmpty() ? nullptr : next ? chain.last() : chain.first();
     if (m_hostWindow == nullptr || (end != nullptr && focusWidget() != end))

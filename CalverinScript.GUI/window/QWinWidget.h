@@ -30,12 +30,19 @@ public:
     /// The host's window, as it was given.
     KXPWindow parentWindow() const { return m_parentId; }
 
-    /// Puts this widget into the host's window, where its geometry says. Without a host's window it stands by itself.
+    /// Puts this widget into the host's window, hidden as it is. From then on its window (winId) is the same. A widget of this Qt
+    /// becomes its parent, until it goes. Nothing without a host's window.
+    void Join();
+    /// Shows this widget in the host's window, where its geometry says. Without a host's window it stands by itself.
     void show();
 
     /// Makes a dialog one of the host's window: the window manager keeps it above, and it stands in the middle, frame on frame. Its
     /// top edge is never above the screen's.
     void Adopt(QWidget& dialog);
+
+    /// Puts this widget into the middle of the host's window, frame on frame, but never beyond its left and top edges. Nothing without
+    /// a host's window.
+    void CentreInParent();
 
     /// Gives the keyboard to the host's window.
     void FocusParent();
@@ -53,10 +60,13 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
+    class DialogKeeper;
+
     QWidgetList FocusChain();
     void PassKey(const QKeyEvent& event, bool isPressed);
     void FindHostWindow();
     void WatchForeignWindow();
+    void JoinWidget(QWidget& host);
     void Leave();
     QRect ParentFrame(QMargins& margins) const;
     void Centre(QWidget& dialog) const;
@@ -69,5 +79,6 @@ private:
     std::unique_ptr<QSocketNotifier> m_news;
     QPointer<QWidget> m_centred; ///< the adopted dialog until it is up, unless it got another place
     QRect m_centredPlace;        ///< where it was put
+    bool m_hasLeft = false;      ///< whether the host's window has gone
     bool m_beginsAnew = false;   ///< whether Tab has left the last widget, so that the first is the next
 };

@@ -89,6 +89,8 @@ QPalette PaletteOf(IThemeManager& theme) {
     return palette;
 }
 
+constexpr const char* kPainterName = "themePainter";
+
 /// A widget under a style sheet takes no palette from its parent, so each gets its own before it is shown, those of dialogs that the
 /// dialog opens too. The editor keeps its paper.
 class PalettePainter : public QObject {
@@ -97,6 +99,7 @@ public:
         : QObject(&dialog)
         , m_dialog(dialog)
         , m_palette(std::move(palette)) {
+        setObjectName(QLatin1String(kPainterName));
         qApp->installEventFilter(this);
         for (QWidget* part : dialog.findChildren<QWidget*>())
             Paint(*part);
@@ -140,8 +143,12 @@ void WearTheme(QWidget& dialog, IMInterface* host) {
     auto* theme = QueryFace<IThemeManager>(host, "IThemeManager");
     if (theme == nullptr)
         return;
-    new PalettePainter(dialog, PaletteOf(*theme));
     const QString unused = Between(ColorOf(*theme, TextTone), ColorOf(*theme, GroundTone)).name();
-    dialog.setStyleSheet(BuildThemeStyleSheet(host) +
-                         InColors(kReadableFields, *theme).replace(QStringLiteral("%6"), unused));
+    const QString sheet =
+        BuildThemeStyleSheet(host) + InColors(kReadableFields, *theme).replace(QStringLiteral("%6"), unused);
+    if (sheet == dialog.styleSheet())
+        return;
+    delete dialog.findChild<QObject*>(QLatin1String(kPainterName), Qt::FindDirectChildrenOnly);
+    new PalettePainter(dialog, PaletteOf(*theme));
+    dialog.setStyleSheet(sheet);
 }
