@@ -5,9 +5,11 @@
 #include "HostText.h"
 #include "IModuleServices.h"
 #include "MCalverinScript_Device.h"
+#include "PanelList.h"
 #include "QMfcApp.h"
 #include "QWinWidget.h"
 #include "SetupDesk.h"
+#include "TCalverinScript_ControlPanel.h"
 #include "ThemeStyleSheet.h"
 #include "WidgetCalverinScriptGUI.h"
 
@@ -52,8 +54,25 @@ KXPCode SetupInterface::ShowSetup(MCalverinScript_Device& device, const char* sc
     return code;
 }
 
-IKXPDevicePanel* SetupInterface::CreateControlPanel(MCalverinScript_Device& /*device*/) {
-    return nullptr;
+IKXPDevicePanel* SetupInterface::CreateControlPanel(MCalverinScript_Device& device) {
+    if (!CanMakeWindows())
+        return nullptr;
+    IMInterface* host = device.GetModule() != nullptr ? device.GetModule()->GetHost() : nullptr;
+    return new TCalverinScript_ControlPanel(MainWindowOf(host), device);
 }
 
-void SetupInterface::PostRunState(IKXPDevicePanel* /*panel*/, bool /*running*/, std::uint32_t /*userMode*/) {}
+bool SetupInterface::HasPanel(const MCalverinScript_Device& device) {
+    return PanelList::Get().Has(device);
+}
+
+void SetupInterface::PostRunState(const MCalverinScript_Device& device, bool running, std::uint32_t userMode) {
+    PanelList::Get().Post(device, running, userMode);
+}
+
+void SetupInterface::ForgetDevice(const MCalverinScript_Device& device) {
+    PanelList::Get().ForgetDevice(device);
+}
+
+void SetupInterface::ClosePanels() {
+    PanelList::Get().CloseWindows();
+}

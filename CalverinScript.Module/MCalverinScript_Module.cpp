@@ -95,6 +95,7 @@ KXPCode MCalverinScript_Module::Release() {
         device->LetGo();
         allEnded = allEnded && device->HasEnded();
     }
+    SetupInterface::ClosePanels();
     Empty();
     delete std::exchange(released, this);
     // A script that still runs hears of its end through an event, which takes an application.

@@ -177,6 +177,15 @@ void TabScript::CloseFinder() {
         m_finder->close();
 }
 
+void TabScript::AddTool(QPushButton& tool) {
+    m_ui->layoutInfo->addWidget(&tool);
+    setTabOrder(m_ui->pushButtonEvaluate, &tool);
+}
+
+void TabScript::EnableEvaluation(bool isEnabled) {
+    m_ui->pushButtonEvaluate->setEnabled(isEnabled);
+}
+
 void TabScript::SlotFind(const QString& sSearch, bool bMatchCase, bool bDirDown) {
     QWidget* asker = m_finder != nullptr ? static_cast<QWidget*>(m_finder) : this;
     if (sSearch.isEmpty()) {

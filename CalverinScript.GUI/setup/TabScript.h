@@ -12,6 +12,7 @@ class DialogFinder;
 class Highlighter;
 class QAction;
 class QCompleter;
+class QPushButton;
 struct AnalysisOutcome;
 struct SetupMemory;
 
@@ -50,6 +51,11 @@ public:
     /// Opens the find dialog, unless it is open, and waits until it is closed. @param memory its options; takes the last ones.
     void OpenFinder(SetupMemory& memory);
     void CloseFinder();
+
+    /// Puts a button behind the one that evaluates. It becomes a child.
+    void AddTool(QPushButton& tool);
+    /// Whether the script may be evaluated.
+    void EnableEvaluation(bool isEnabled);
 
 Q_SIGNALS:
     void SignalEvaluate();

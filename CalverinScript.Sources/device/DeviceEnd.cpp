@@ -6,6 +6,7 @@
 #include <QThread>
 
 #include "IModuleServices.h"
+#include "ISetupInterface.h"
 #include "ModuleShared.h"
 #include "SetAside.h"
 #include "ThreadPromise.h"
@@ -46,6 +47,8 @@ void MCalverinScript_Device::LetGo() {
         return;
     const HostDoor::Visit visit(door); // a request that ends here may make the host release the device
     ending = true;
+    if (setupInterface != nullptr)
+        setupInterface->ForgetDevice(*this);
     for (IEndingRoom* room : endings)
         room->BeginEnd();
     for (IEndingRoom* room : endings)

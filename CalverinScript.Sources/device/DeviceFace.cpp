@@ -4,6 +4,7 @@
 
 #include "FaceAnswer.h"
 #include "HostText.h"
+#include "IKXPDevicePanel.h"
 #include "IManagerRuntimeInfo.h"
 #include "IModuleServices.h"
 #include "ISetupInterface.h"
@@ -106,19 +107,28 @@ KXPCode MCalverinScript_Device::Reserved20() {
     return KXP_OK;
 }
 
+/// The host may release the device from what the new panel asks it.
 KXPCode MCalverinScript_Device::CreatePanel(std::uint32_t kind, IKXPDevicePanel** out) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::CreatePanel");
+    const HostDoor::Visit visit(door);
     if (out == nullptr)
         return KXP_NULL_ARGUMENT;
+    *out = nullptr;
     if (kind != kControlPanelKind || setupInterface == nullptr || door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
-    panel = setupInterface->CreateControlPanel(*this);
+    IKXPDevicePanel* const panel = setupInterface->CreateControlPanel(*this);
+    if (panel == nullptr)
+        return KXP_NOT_IMPLEMENTED;
+    if (door.IsClosed()) {
+        panel->Release();
+        return KXP_NOT_IMPLEMENTED;
+    }
     *out = panel;
-    return panel != nullptr ? KXP_OK : KXP_NOT_IMPLEMENTED;
+    return KXP_OK;
 }
 
-void MCalverinScript_Device::TellPanel(bool running) {
-    if (panel == nullptr || setupInterface == nullptr)
+void MCalverinScript_Device::TellPanels(bool running) {
+    if (setupInterface == nullptr || !setupInterface->HasPanel(*this))
         return;
     std::uint32_t mode = 0;
     if (running) {
@@ -126,5 +136,5 @@ void MCalverinScript_Device::TellPanel(bool running) {
             QueryFace<IManagerRuntimeInfo>(module != nullptr ? module->GetHost() : nullptr, "IManagerRuntimeInfo");
         mode = info != nullptr ? info->GetUserMode() : kDefaultUserMode;
     }
-    setupInterface->PostRunState(panel, running, mode);
+    setupInterface->PostRunState(*this, running, mode);
 }

@@ -15,7 +15,7 @@ KXPCode MCalverinScript_Device::Start() {
     StartCommandThread();
     MTimerailManager::Reset();
     RunStoredScript();
-    TellPanel(true);
+    TellPanels(true);
     return KXP_OK;
 }
 
@@ -37,7 +37,7 @@ KXPCode MCalverinScript_Device::Stop() {
         road->AskToStop();
     program->ReleaseObjects();
     road->ClearStackCount();
-    TellPanel(false);
+    TellPanels(false);
     return KXP_OK;
 }
 

@@ -45,6 +45,17 @@ void MCalverinScript_Device::Links::ShowError(const char* text) {
     m_device.ReportError(FromHostText(text), false);
 }
 
+/// It is kept before it is told, for those who look when they hear of it.
+void MCalverinScript_Device::Links::ReportScriptFile(const QString& fileName) {
+    m_device.shown.SetFileName(fileName);
+    Q_EMIT m_device.SignalNotifyScriptFileNameChange(fileName);
+}
+
+void MCalverinScript_Device::Links::ReportScriptText(const QString& text) {
+    m_device.shown.SetText(text);
+    Q_EMIT m_device.SignalNotifyScriptChange(text);
+}
+
 void MCalverinScript_Device::Links::OnCommandOver() {
     m_device.world->Remote().SetPostponeAllowed(false);
 }
@@ -86,8 +97,10 @@ void MCalverinScript_Device::SlotHandlerException(const QScriptValue& exception)
 void MCalverinScript_Device::ReportError(const QString& text, bool stopMode) {
     if (text.isNull())
         return;
-    if (!stopMode)
+    if (!stopMode) {
+        shown.SetError(text);
         values.SetText(DefaultVariable::Error, text);
+    }
     Q_EMIT SignalNotifyErrorChange(text);
 }
 

@@ -23,10 +23,8 @@ public:
     // IProgramOwner
     void ReportError(const QString& text, bool stopMode) override { m_device.ReportError(text, stopMode); }
     void ReportLine(int line) override { Q_EMIT m_device.SignalNotifyLineErrorChange(line); }
-    void ReportScriptFile(const QString& fileName) override {
-        Q_EMIT m_device.SignalNotifyScriptFileNameChange(fileName);
-    }
-    void ReportScriptText(const QString& text) override { Q_EMIT m_device.SignalNotifyScriptChange(text); }
+    void ReportScriptFile(const QString& fileName) override;
+    void ReportScriptText(const QString& text) override;
     void ReportException(const QScriptValue& exception) override { m_device.SlotHandlerException(exception); }
     void ReportLeftBehind(const QScriptValue& exception) override { Q_EMIT m_device.SignalScriptError(exception); }
     bool EvaluateProgram(const QString& text) override { return m_device.EvaluateScript(text, nullptr); }
@@ -43,5 +41,24 @@ public:
 private:
     MLockedList<MCalverinScript_Device*>* AllDevices() const;
 
+    MCalverinScript_Device& m_device;
+};
+
+/// What an analysis tells: the dialogs hear of it, but the script that the device shows stays.
+class MCalverinScript_Device::AnalysisReports final : public IScriptReports {
+public:
+    explicit AnalysisReports(MCalverinScript_Device& device)
+        : m_device(device) {}
+
+    void ReportError(const QString& text, bool stopMode) override { m_device.ReportError(text, stopMode); }
+    void ReportLine(int line) override { Q_EMIT m_device.SignalNotifyLineErrorChange(line); }
+    void ReportScriptFile(const QString& fileName) override {
+        Q_EMIT m_device.SignalNotifyScriptFileNameChange(fileName);
+    }
+    void ReportScriptText(const QString& text) override { Q_EMIT m_device.SignalNotifyScriptChange(text); }
+    void ReportException(const QScriptValue& exception) override { m_device.SlotHandlerException(exception); }
+    void ReportLeftBehind(const QScriptValue& exception) override { Q_EMIT m_device.SignalScriptError(exception); }
+
+private:
     MCalverinScript_Device& m_device;
 };

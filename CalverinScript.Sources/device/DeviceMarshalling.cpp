@@ -7,6 +7,7 @@
 
 #include <QScriptEngine>
 
+#include "DeviceLinks.h"
 #include "DeviceMarshalling.h"
 #include "OwnedArgument.h"
 #include "ScriptAnalysis.h"
@@ -91,6 +92,8 @@ void MCalverinScript_Device::ClearScriptState() {
 
 /// What the engine side shows is changed on its own thread, behind whatever runs there.
 void MCalverinScript_Device::ShowScript(const QString& fileName, const QString& text) {
+    links->ReportScriptFile(fileName);
+    links->ReportScriptText(text);
     PostTask([this, fileName, text] {
         const ScriptEntrance::Entry entry(crossing.Entrance());
         program->Show(fileName, text);

@@ -58,3 +58,12 @@ void MCalverinScript_Device::RunStoredScript() {
     else
         EvaluateScriptCommand(storedSetup.GetScriptText(), false);
 }
+
+/// The host may release the device while it waits here.
+bool MCalverinScript_Device::UpdateScript(const QString& fileName, const QString& text) {
+    const HostDoor::Visit visit(door);
+    if (door.IsClosed())
+        return false;
+    return fileName.isEmpty() ? EvaluateScriptCommand(text, false)
+                              : LoadScriptCommand(ToHostText(fileName).constData(), false);
+}

@@ -30,12 +30,13 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
     , values(ending)
     , door(values.Gate())
     , links(std::make_unique<Links>(*this))
+    , analysisReports(std::make_unique<AnalysisReports>(*this))
     , crossing(
           mutex, ending, [this] { handlers->FireDeferred(); }, [this] { values.End(); }, this)
     , world(std::make_unique<ScriptWorld>(
           ScriptWorld::Place{*this, *this, services, values, crossing.Entrance(), ending, *links}))
     , handlers(std::make_unique<ScriptHandlers>(*this, *world, crossing.Entrance()))
-    , analysis(std::make_unique<ScriptAnalysis>(module, services, values, storedSetup, *links))
+    , analysis(std::make_unique<ScriptAnalysis>(module, services, values, storedSetup, *analysisReports))
     , desk(std::make_unique<SetupDesk>(SetupDesk::Parts{module, services, door, values, world->GetSet(), storedSetup,
                                                         commands, *analysis, world->Resources(), *links, *links}))
     , program(std::make_unique<ScriptProgram>(

@@ -27,6 +27,7 @@
 #include "MyAsyncDeviceExecContext.h"
 #include "MyCommandManager.h"
 #include "ScriptCrossing.h"
+#include "ShownScript.h"
 #include "StoredSetup.h"
 #include "TickSeat.h"
 #include "UserCommands.h"
@@ -126,6 +127,14 @@ public:
     void RebuildCompletionTable(bool fill);
     /// As UserCommands::Validate.   [host main]
     int ValidateCommand(std::int32_t id, IObjectParams* params) { return commands.Validate(id, params); }
+
+    // What control panels show and change
+    /// The script that runs, or will run.   [any]
+    ShownScript::State GetShownScript() const { return shown.Get(); }
+    /// Runs a script in place of the one that runs, at once, and waits for it.
+    /// @param fileName its file; empty for the text alone. @return whether it could be evaluated; not when the device is let go
+    /// meanwhile.   [host main]
+    bool UpdateScript(const QString& fileName, const QString& text);
 
     // Calls that cross to the script thread. Each waits for its completion; on the script thread itself
     // it runs at once.
@@ -274,6 +283,7 @@ private:
     friend struct MarshalledCallTable;
 
     class Links;
+    class AnalysisReports;
 
     // Construction
     bool WantsDebugger() const;
@@ -286,7 +296,7 @@ private:
     void StartCommandThread();
     void StopCommandThread();
     void FinishRequestedStop();
-    void TellPanel(bool running);
+    void TellPanels(bool running);
 
     // Marshalling
     template <typename... Parameters>
@@ -305,7 +315,7 @@ private:
     IModuleServices* const module;         ///< not owned
     ISetupInterface* const setupInterface; ///< not owned, may be null
     std::unique_ptr<QImage> bitmap;        ///< cache of GetBitmap; host main
-    IKXPDevicePanel* panel = nullptr;      ///< the last one created; not owned; host main
+    ShownScript shown;                     ///< what panels show of the script
     std::recursive_mutex mutex;            ///< guards the engine's state: every entry into the script takes it
     std::atomic<bool> ending{false};       ///< set once by LetGo: nothing enters the script any more
 
@@ -317,6 +327,7 @@ private:
     StoredSetup storedSetup;     ///< what the host keeps of the device
     UserCommands commands;       ///< the commands that the script adds
     const std::unique_ptr<Links> links;
+    const std::unique_ptr<AnalysisReports> analysisReports;
     ScriptCrossing crossing;                          ///< the script thread and the way there
     const std::unique_ptr<ScriptWorld> world;         ///< the engine and all that stands in it
     const std::unique_ptr<ScriptHandlers> handlers;   ///< functions of the script that are called back

@@ -38,6 +38,9 @@ public:
 
     /// Panel, settings and variables of another setup.   [host main]
     void TakePanelAndLists(const DeviceSetup& setup);
+    /// Whether the control panel is shown in the host's user mode and in its run mode.   [host main]
+    bool IsUserModeVisible() const { return m_userModeVisible; }
+    bool IsRunModeVisible() const { return m_runModeVisible; }
     /// The setup as it is now, all but name and commands.   [host main]
     DeviceSetup Describe() const;
 

@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <functional>
+#include <map>
 #include <string>
 
 #include <QDeadlineTimer>
@@ -48,11 +49,21 @@ class WindowHost : public plain::Host, public IThemeManager {
 public:
     KXPCode QueryInterface(const char* name, void** out) override;
     KXPCode Release() override { return KXP_OK; }
-    KXPWindow GetMainWindow() override { return mainWindow; }
-    std::uint32_t GetColor(std::uint32_t id) override { return colors.at(id); }
+    KXPWindow GetMainWindow() override { return Tell("GetMainWindow"), mainWindow; }
+    std::uint32_t GetColor(std::uint32_t id) override { return Tell("GetColor"), colors.at(id); }
+    std::uint32_t GetUserMode() override { return Tell("GetUserMode"), userMode; }
 
+    std::uint32_t userMode = 2;
+    std::function<void(const std::string& operation)> isAsked; ///< before one of the operations here answers
     KXPWindow mainWindow = 0;
     std::map<std::uint32_t, std::uint32_t> colors; ///< 0x00BBGGRR; without them the host has no theme
+
+private:
+    void Tell(const char* operation) const {
+        const auto hear = isAsked; // it may be replaced meanwhile
+        if (hear)
+            hear(operation);
+    }
 };
 
 /// Answers modal dialogs as they come, in the order in which they were expected. Each answer has to close its dialog.
