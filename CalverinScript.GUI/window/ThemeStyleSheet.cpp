@@ -105,6 +105,14 @@ public:
             Paint(*part);
     }
 
+    /// Gives everything the desktop's colours again.
+    void Undo() const {
+        m_dialog.setPalette(QPalette());
+        for (QWidget* part : m_dialog.findChildren<QWidget*>())
+            if (IsBelow(*part))
+                part->setPalette(QPalette());
+    }
+
     bool eventFilter(QObject* watched, QEvent* event) override {
         auto* widget = event->type() == QEvent::Polish ? qobject_cast<QWidget*>(watched) : nullptr;
         if (widget != nullptr)
@@ -124,7 +132,7 @@ private:
         return above == &m_dialog;
     }
 
-    const QWidget& m_dialog;
+    QWidget& m_dialog;
     const QPalette m_palette;
 };
 
@@ -141,14 +149,19 @@ QString BuildThemeStyleSheet(IMInterface* host) {
 
 void WearTheme(QWidget& dialog, IMInterface* host) {
     auto* theme = QueryFace<IThemeManager>(host, "IThemeManager");
-    if (theme == nullptr)
+    auto* worn = static_cast<PalettePainter*>(
+        dialog.findChild<QObject*>(QLatin1String(kPainterName), Qt::FindDirectChildrenOnly));
+    QString sheet;
+    if (theme != nullptr) {
+        const QString unused = Between(ColorOf(*theme, TextTone), ColorOf(*theme, GroundTone)).name();
+        sheet = BuildThemeStyleSheet(host) + InColors(kReadableFields, *theme).replace(QStringLiteral("%6"), unused);
+    }
+    if (sheet == dialog.styleSheet() || (theme == nullptr && worn == nullptr))
         return;
-    const QString unused = Between(ColorOf(*theme, TextTone), ColorOf(*theme, GroundTone)).name();
-    const QString sheet =
-        BuildThemeStyleSheet(host) + InColors(kReadableFields, *theme).replace(QStringLiteral("%6"), unused);
-    if (sheet == dialog.styleSheet())
-        return;
-    delete dialog.findChild<QObject*>(QLatin1String(kPainterName), Qt::FindDirectChildrenOnly);
-    new PalettePainter(dialog, PaletteOf(*theme));
+    if (worn != nullptr)
+        worn->Undo();
+    delete worn;
+    if (theme != nullptr)
+        new PalettePainter(dialog, PaletteOf(*theme));
     dialog.setStyleSheet(sheet);
 }

@@ -51,6 +51,11 @@ constexpr Command kCommands[] = {
      "stagehost setup show.json desk address=10.0.0.7 port=9000\n"
      "stagehost setup --window show.json desk   (in the device's setup dialog)",
      1, kAny, &KeepSetups},
+    {"panel", "SHOW.json DEVICE",
+     "runs a show and shows the control panel of a device, in user modes and themes of your choice. Stored commands "
+     "can be\n"
+     "changed there, with the module's selectors; what is set is written into the show file",
+     "stagehost panel mine/show.json front", 2, 2, &ShowPanel},
     {"store", "SHOW.json NAME DEVICE COMMAND [PARAM=VALUE...]", "writes a command with its values into the show file",
      "stagehost store show.json \"Half light\" desk \"Fade to\" level=50 seconds=2\n"
      "stagehost store show.json Follow desk \"Fade to\" level:=Level   (the variable Level stands for the parameter)",

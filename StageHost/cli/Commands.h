@@ -15,6 +15,7 @@ int ShowDefinition(const Options& options);
 int ShowVariables(const Options& options);
 int WatchShow(const Options& options);
 int KeepSetups(const Options& options);
+int ShowPanel(const Options& options);
 int StoreCommand(const Options& options);
 int UpdateCommands(const Options& options);
 

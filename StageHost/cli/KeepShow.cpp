@@ -10,6 +10,7 @@
 #include "LiveShow.h"
 #include "NameTools.h"
 #include "Output.h"
+#include "PanelWindow.h"
 #include "SetupWindow.h"
 #include "ShowFile.h"
 #include "TextFile.h"
@@ -121,6 +122,33 @@ MaybeFailure AskForSetup(Session& session, ShowFile& file, const Options& option
     return std::nullopt;
 }
 
+/// A device whose script fails has its panel all the same: it is where that can be mended.
+MaybeFailure RunPanel(Session& session, ShowFile& file, const Options& options, PanelWindow& window,
+                      KeepReport& report) {
+    const QString& name = options.arguments.at(1);
+    Device* device = session.FindDevice(name);
+    if (device == nullptr)
+        return Failure{kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(name)};
+    if (session.HasRefusedSetup(name))
+        return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(name, RefusedSetupText())};
+    const QString before = FromBorderText(device->Setup());
+    if (const auto failure = session.Start())
+        PrintProblem(failure->text);
+    if (!window.Run(session, *device, options))
+        return Failure{kExitNoModule, QStringLiteral("%1: the module makes no control panel").arg(name)};
+    for (const auto& [stored, xml] : window.Stored()) {
+        file.SetStoredCommand(stored, xml);
+        report.Add(QStringLiteral("%1: stored").arg(stored), {{QStringLiteral("name"), stored}});
+    }
+    const QString setup = device->IsOver() ? before : FromBorderText(device->Setup());
+    if (setup != before)
+        file.SetSetup(name, setup);
+    const char* what = setup == before ? "as before" : "changed";
+    report.Add(QStringLiteral("%1: setup %2").arg(name, QLatin1String(what)),
+               {{QStringLiteral("device"), name}, {QStringLiteral("setup"), QLatin1String(what)}});
+    return std::nullopt;
+}
+
 MaybeFailure RenewSetups(Session& session, ShowFile& file, const Options& options, KeepReport& report) {
     const QString only = options.arguments.value(1);
     if (!only.isEmpty() && file.Content().FindDevice(only) == nullptr)
@@ -218,11 +246,11 @@ int Update(Session& session, ShowFile& file, KeepReport& report) {
 
 /// Opens the show, does the work and writes the file when that went well.
 template <typename Work>
-int Keep(const Options& options, bool quiet, Work work) {
+int Keep(const Options& options, bool quiet, KXPWindow window, Work work) {
     ShowFile file;
     Session session(options);
     session.SetQuiet(quiet);
-    session.SetMainWindow(SetupWindow::Current());
+    session.SetMainWindow(window);
     KeepReport report(options.json);
     int exitCode = kExitOk;
     auto failure = Open(session, file, options);
@@ -239,20 +267,29 @@ int KeepSetups(const Options& options) {
     if (options.window && !SetupWindow::IsPossible())
         return Fail(options.json, kExitBadUse, QStringLiteral("there is no screen to show a window on"));
     const auto window = options.window ? std::make_unique<SetupWindow>(options.arguments.first()) : nullptr;
-    return Keep(options, true, [&](Session& session, ShowFile& file, KeepReport& report, int&) {
+    return Keep(options, true, SetupWindow::Current(), [&](Session& session, ShowFile& file, KeepReport& report, int&) {
         return window ? AskForSetup(session, file, options, *window, report)
                       : RenewSetups(session, file, options, report);
     });
 }
 
+int ShowPanel(const Options& options) {
+    if (!SetupWindow::IsPossible())
+        return Fail(options.json, kExitBadUse, QStringLiteral("there is no screen to show a window on"));
+    PanelWindow window(options.arguments.first());
+    return Keep(options, false, window.winId(), [&](Session& session, ShowFile& file, KeepReport& report, int&) {
+        return RunPanel(session, file, options, window, report);
+    });
+}
+
 int StoreCommand(const Options& options) {
-    return Keep(options, false, [&](Session& session, ShowFile& file, KeepReport& report, int&) {
+    return Keep(options, false, 0, [&](Session& session, ShowFile& file, KeepReport& report, int&) {
         return Store(session, file, options.arguments, report);
     });
 }
 
 int UpdateCommands(const Options& options) {
-    return Keep(options, true, [&](Session& session, ShowFile& file, KeepReport& report, int& exitCode) {
+    return Keep(options, true, 0, [&](Session& session, ShowFile& file, KeepReport& report, int& exitCode) {
         exitCode = Update(session, file, report);
         return MaybeFailure();
     });

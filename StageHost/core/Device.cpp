@@ -71,9 +71,20 @@ KXPCode Device::ShowSetup() {
     return code;
 }
 
+IKXPDevicePanel* Device::CreatePanel() {
+    constexpr std::uint32_t kControlPanel = 1;
+    IKXPDevicePanel* panel = nullptr;
+    return m_device != nullptr && m_device->CreatePanel(kControlPanel, &panel) == KXP_OK ? panel : nullptr;
+}
+
 bool Device::Start(Milliseconds limit) {
     m_started = true;
     return RunInTime(m_pool.Run([device = m_device] { device->Start(); }), limit, &MainWait::UntilInterrupted);
+}
+
+bool Device::Stop(Milliseconds limit) {
+    m_started = false;
+    return RunInTime(m_pool.Run([device = m_device] { device->Stop(); }), limit, &MainWait::UntilInterrupted);
 }
 
 CommandOutcome Device::Send(const CommandDefinition& command, const std::vector<ParameterInput>& inputs,
@@ -134,7 +145,7 @@ const char* Device::RefreshDefinition() {
 
 std::string Device::Setup() const {
     char* text = nullptr;
-    if (m_device->GetSetup(&text) != KXP_OK || text == nullptr)
+    if (m_device == nullptr || m_device->GetSetup(&text) != KXP_OK || text == nullptr)
         return {};
     std::string setup = text;
     m_device->ReleaseString(&text);

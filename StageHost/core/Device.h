@@ -56,6 +56,9 @@ public:
     /// @return as IKXPDevice::ShowSetup.
     KXPCode ShowSetup();
 
+    /// The device's control panel, released by the caller; null when it makes none.
+    IKXPDevicePanel* CreatePanel();
+
     /// What has become of a stored command in the edition of the driver that the device runs.
     enum class Standing {
         Valid,
@@ -72,6 +75,12 @@ public:
 
     /// @return false when the start has not come back within the limit, or before the user wants the program to end.
     bool Start(Milliseconds limit);
+
+    /// @return false when the stop has not come back in time.
+    bool Stop(Milliseconds limit);
+
+    /// Whether the device has been released.
+    bool IsOver() const { return m_device == nullptr; }
 
     /// Sends a command and waits for its end. A parameter that is not named keeps its default.
     /// @param command its name or id. @param inputs must be parameters of the command, see CheckInputs.

@@ -15,6 +15,7 @@ Host::Host(HostSettings settings, const ShowSpec& show, const HardwareSpec& hard
     : m_settings(std::move(settings))
     , m_factories(m_faces)
     , m_runtimeInfo(m_faces, m_settings)
+    , m_theme(m_faces, m_settings.theme)
     , m_folders(m_faces, m_settings)
     , m_variables(m_faces, &m_feed)
     , m_names(m_faces)

@@ -14,6 +14,7 @@
 #include "RequestDesk.h"
 #include "RuntimeInfo.h"
 #include "ShowModel.h"
+#include "ThemeManager.h"
 #include "VariableManager.h"
 #include "WorkerPool.h"
 
@@ -44,6 +45,12 @@ public:
     WorkerPool& Pool() { return m_pool; }
     CommandWaiter& Commands() { return m_commands; }
     const HostSettings& Settings() const { return m_settings; }
+    /// The property selectors that the module has made known.
+    const FactoryManager& Factories() const { return m_factories; }
+
+    /// [host main]
+    void SetUserMode(std::uint32_t userMode) { m_runtimeInfo.SetUserMode(userMode); }
+    void SetTheme(Theme theme) { m_theme.SetTheme(theme); }
 
     /// Ends what a device has under way on its link, before it is released.   [host main]
     void CloseLink(IKXPDevice* device);
@@ -62,6 +69,7 @@ private:
     FaceTable m_faces;
     FactoryManager m_factories;
     RuntimeInfo m_runtimeInfo;
+    ThemeManager m_theme;
     FolderManager m_folders;
     VariableManager m_variables;
     NameTools m_names;

@@ -9,6 +9,17 @@ namespace stagehost {
 /// Which of the two remote links the host offers. A module that gets both takes the newer one for its scripts.
 enum class Link { Both, Newer, Older, None };
 
+/// The colours that the host offers to windows of the module.
+enum class Theme { None, Dark, Light };
+
+/// Names of themes in show files and for people.
+struct ThemeName {
+    const char* name;
+    Theme theme;
+};
+
+inline constexpr ThemeName kThemeNames[] = {{"none", Theme::None}, {"dark", Theme::Dark}, {"light", Theme::Light}};
+
 /// The log that the host offers to the module.
 struct LogSettings {
     std::string path; ///< empty: the host has no log
@@ -19,9 +30,10 @@ struct LogSettings {
 
 /// What the host tells the module of itself. All texts are Latin-1.
 struct HostSettings {
-    std::string appName = "stagehost"; ///< at most 27 characters count
-    std::string version = "6.7.2";     ///< at most 27 characters count
-    std::uint32_t userMode = 2;
+    std::string appName = "stagehost";            ///< at most 27 characters count
+    std::string version = "6.7.2";                ///< at most 27 characters count
+    std::uint32_t userMode = 2;                   ///< at first
+    Theme theme = Theme::None;                    ///< at first
     std::map<std::uint32_t, std::string> folders; ///< by KXPFolder
     Link link = Link::Both;
     LogSettings log;

@@ -23,7 +23,8 @@ void Store(std::uint32_t* out, std::uint32_t value) {
 
 RuntimeInfo::RuntimeInfo(FaceTable& faces, const HostSettings& settings)
     : HostFace(faces)
-    , m_settings(settings) {
+    , m_settings(settings)
+    , m_userMode(settings.userMode) {
     OfferAs("IManagerRuntimeInfo");
 }
 
@@ -54,7 +55,7 @@ std::uint32_t RuntimeInfo::GetRuntimeInfo(KXPRuntimeInfo* out) {
 }
 
 std::uint32_t RuntimeInfo::GetUserMode() {
-    return m_settings.userMode;
+    return m_userMode;
 }
 
 } // namespace stagehost

@@ -63,7 +63,7 @@ void ShowReader::ReadShow(const JsonNode& root) {
 }
 
 void ShowReader::ReadHost(const JsonNode& host) {
-    if (!host.ExpectObject({"name", "version", "userMode"}))
+    if (!host.ExpectObject({"name", "version", "userMode", "theme"}))
         return;
     const auto text = [&](const char* name, std::string& target) {
         const JsonNode node = host.Member(QLatin1String(name));
@@ -77,6 +77,21 @@ void ShowReader::ReadHost(const JsonNode& host) {
     text("version", m_show.host.version);
     const auto userMode = host.Member(QStringLiteral("userMode")).Whole(0);
     m_show.host.userMode = static_cast<std::uint32_t>(userMode.value_or(static_cast<int>(m_show.host.userMode)));
+    ReadTheme(host.Member(QStringLiteral("theme")));
+}
+
+void ShowReader::ReadTheme(const JsonNode& theme) {
+    if (theme.IsMissing())
+        return;
+    QStringList names;
+    for (const ThemeName& row : kThemeNames) {
+        if (theme.PlainText() == QLatin1String(row.name)) {
+            m_show.host.theme = row.theme;
+            return;
+        }
+        names += Quoted(QLatin1String(row.name));
+    }
+    theme.Complain(QStringLiteral("expected one of ") + names.join(QStringLiteral(", ")));
 }
 
 void ShowReader::ReadFolders(const JsonNode& folders) {

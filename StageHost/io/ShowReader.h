@@ -24,6 +24,7 @@ public:
 private:
     void ReadShow(const JsonNode& root);
     void ReadHost(const JsonNode& host);
+    void ReadTheme(const JsonNode& theme);
     void ReadFolders(const JsonNode& folders);
     void ReadVariable(const JsonNode& node);
     void ReadDevice(const JsonNode& node);

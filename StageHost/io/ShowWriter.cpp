@@ -21,9 +21,13 @@ void InsertText(QJsonObject& object, const char* name, const QString& text) {
 }
 
 QJsonObject WriteHost(const HostSettings& host) {
-    return {{QStringLiteral("name"), FromBorderText(host.appName)},
-            {QStringLiteral("version"), FromBorderText(host.version)},
-            {QStringLiteral("userMode"), static_cast<int>(host.userMode)}};
+    QJsonObject object = {{QStringLiteral("name"), FromBorderText(host.appName)},
+                          {QStringLiteral("version"), FromBorderText(host.version)},
+                          {QStringLiteral("userMode"), static_cast<int>(host.userMode)}};
+    for (const ThemeName& row : kThemeNames)
+        if (row.theme == host.theme && row.theme != Theme::None)
+            object.insert(QStringLiteral("theme"), QLatin1String(row.name));
+    return object;
 }
 
 QJsonObject WriteFolders(const Show& show) {

@@ -6,9 +6,9 @@ KXPCode FaceTable::Find(const char* name, void** out) const {
     if (name == nullptr || out == nullptr)
         return KXP_BAD_INTERFACE_ARG;
     *out = nullptr;
-    for (const auto& [offered, face] : m_faces) {
-        if (offered == name) {
-            *out = face;
+    for (const Row& row : m_faces) {
+        if (row.name == name && (row.isOffered == nullptr || *row.isOffered)) {
+            *out = row.face;
             return KXP_OK;
         }
     }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <atomic>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "IMInterface.h"
@@ -13,13 +13,23 @@ namespace stagehost {
 class FaceTable {
 public:
     /// Makes a face known; it must outlive the table.   [host main]
-    void Offer(const char* name, void* face) { m_faces.emplace_back(name, face); }
+    void Offer(const char* name, void* face) { m_faces.push_back({name, face, nullptr}); }
+    /// The same for a face that is there only while the flag says so, which must outlive the table.   [host main]
+    void OfferWhile(const std::atomic<bool>& isOffered, const char* name, void* face) {
+        m_faces.push_back({name, face, &isOffered});
+    }
 
     /// QueryInterface of every face.   [any]
     KXPCode Find(const char* name, void** out) const;
 
 private:
-    std::vector<std::pair<std::string, void*>> m_faces;
+    struct Row {
+        std::string name;
+        void* face;
+        const std::atomic<bool>* isOffered; ///< null: always
+    };
+
+    std::vector<Row> m_faces;
 };
 
 } // namespace stagehost

@@ -21,6 +21,10 @@ public:
 protected:
     /// Offers this face under its name. The caller is the constructor of the last class.
     void OfferAs(const char* name) { m_faces.Offer(name, static_cast<Interface*>(this)); }
+    /// The same while a flag of the last class says so.
+    void OfferAsWhile(const std::atomic<bool>& isOffered, const char* name) {
+        m_faces.OfferWhile(isOffered, name, static_cast<Interface*>(this));
+    }
 
 private:
     FaceTable& m_faces;

@@ -214,6 +214,11 @@ TEST_F(TheControlPanel, WearsTheHostsColoursAndNewOnesWhenItIsShownAgain) {
     EXPECT_TRUE(Widget().styleSheet().contains(
         QStringLiteral("QDialog{background-color: rgb(255,255,255); color: rgb(16,16,16);}")));
     EXPECT_EQ(Find<QLineEdit>(Widget(), "lineEditStatus").palette().color(QPalette::WindowText), QColor(16, 16, 16));
+    host.colors.clear();
+    panel->SetState(KXP_PANEL_VISIBLE, 1);
+    EXPECT_EQ(Widget().styleSheet(), QString()) << "the host has none any more";
+    EXPECT_EQ(Find<QLineEdit>(Widget(), "lineEditStatus").palette().color(QPalette::WindowText),
+              QApplication::palette().color(QPalette::WindowText));
 }
 
 } // namespace

@@ -1,0 +1,163 @@
+#include "StoredCommandForm.h"
+
+#include <algorithm>
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "BorderText.h"
+
+namespace stagehost {
+
+namespace {
+
+constexpr int kWidth = 560;
+
+} // namespace
+
+StoredCommandForm::StoredCommandForm(Session& session, QWidget* parent)
+    : QDialog(parent)
+    , m_session(session)
+    , m_choice(new QComboBox)
+    , m_news(new QLabel) {
+    setWindowTitle(QStringLiteral("Stored commands"));
+    setMinimumWidth(kWidth);
+    auto* layout = new QVBoxLayout(this);
+    auto* choice = new QFormLayout;
+    m_choice->setObjectName(QStringLiteral("comboBoxCommand"));
+    choice->addRow(QStringLiteral("&Command:"), m_choice);
+    layout->addLayout(choice);
+    layout->addWidget(m_news);
+    layout->addStretch(1);
+    auto* buttons = new QDialogButtonBox;
+    QPushButton* store = buttons->addButton(QStringLiteral("&Store"), QDialogButtonBox::ApplyRole);
+    store->setObjectName(QStringLiteral("pushButtonStore"));
+    QPushButton* close = buttons->addButton(QStringLiteral("C&lose"), QDialogButtonBox::RejectRole);
+    close->setObjectName(QStringLiteral("pushButtonClose"));
+    layout->addWidget(buttons);
+    for (const CheckedCommand& command : session.StoredOnes())
+        if (command.InForce() != nullptr)
+            m_choice->addItem(command.name);
+    connect(store, &QPushButton::clicked, this, &StoredCommandForm::Store);
+    connect(close, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_choice, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &StoredCommandForm::ShowCommand);
+    ShowCommand();
+}
+
+StoredCommandForm::~StoredCommandForm() = default;
+
+/// As it was stored here last, or as the show has it.
+std::optional<StoredCommandXml> StoredCommandForm::StoredOne() const {
+    const QString name = m_choice->currentText();
+    const auto own = m_stored.find(name);
+    if (own != m_stored.end()) {
+        QString problem;
+        return StoredCommandXml::Read(own->second, &problem);
+    }
+    const auto& all = m_session.StoredOnes();
+    const auto found =
+        std::find_if(all.begin(), all.end(), [&](const CheckedCommand& command) { return command.name == name; });
+    return found != all.end() && found->InForce() != nullptr ? std::optional(*found->InForce()) : std::nullopt;
+}
+
+void StoredCommandForm::ShowCommand() {
+    m_rows.clear();
+    delete m_page;
+    m_page = new QWidget;
+    m_form = new QFormLayout(m_page);
+    m_form->setContentsMargins(0, 0, 0, 0);
+    static_cast<QVBoxLayout*>(layout())->insertWidget(1, m_page);
+    m_news->clear();
+    const auto stored = StoredOne();
+    Device* device = stored ? m_session.FindDevice(FromBorderText(stored->Device())) : nullptr;
+    const auto definition = device != nullptr ? device->Variables().Definition() : nullptr;
+    const CommandDefinition* command =
+        definition != nullptr ? definition->FindCommandOfId(stored->Command().id) : nullptr;
+    if (command == nullptr)
+        return;
+    m_command = *command;
+    for (std::size_t number = 0; number < m_command.parameters.size(); ++number)
+        if (!IsOutParameter(m_command.parameters[number]))
+            AddRow(m_command.parameters[number], *stored, number);
+}
+
+void StoredCommandForm::AddRow(const ValueSpec& parameter, const StoredCommandXml& stored, std::size_t number) {
+    Row row;
+    row.name = parameter.name;
+    row.field = new QLineEdit;
+    const QString name = FromBorderText(parameter.name);
+    row.field->setObjectName(name);
+    row.field->setAccessibleName(name);
+    for (const ValueSpec& value : stored.Command().parameters)
+        if (value.name == parameter.name)
+            row.field->setText(FromBorderText(value.text));
+    for (const auto& [bound, variable] : stored.Bindings())
+        if (bound == number)
+            row.variable = variable;
+    auto* line = new QHBoxLayout;
+    line->addWidget(row.field);
+    row.selector = std::make_unique<ParameterSelector>(m_session.TheHost().Factories(), parameter);
+    if (!row.variable.empty()) {
+        row.field->setText(FromBorderText(row.variable));
+        row.field->setEnabled(false);
+        row.field->setToolTip(QStringLiteral("This variable stands for the parameter."));
+    } else if (row.selector->IsThere()) {
+        auto* button = new QPushButton(QStringLiteral("..."));
+        button->setObjectName(name + QStringLiteral("Selector"));
+        button->setAutoDefault(false);
+        button->setToolTip(FromBorderText(row.selector->Name()));
+        button->setAccessibleName(FromBorderText(row.selector->Name()));
+        line->addWidget(button);
+        const std::size_t place = m_rows.size();
+        connect(button, &QPushButton::clicked, this, [this, place] { Ask(m_rows[place]); });
+    }
+    auto* label = new QLabel(name + QLatin1Char(':'));
+    label->setBuddy(row.field);
+    m_form->addRow(label, line);
+    m_rows.push_back(std::move(row));
+}
+
+std::vector<ParameterInput> StoredCommandForm::Inputs() const {
+    std::vector<ParameterInput> inputs;
+    for (const Row& row : m_rows) {
+        inputs.push_back({row.name, ToBorderText(row.field->text()), {}});
+        if (!row.variable.empty())
+            inputs.back().variable = m_session.TheHost().Variables().Find(row.variable);
+    }
+    return inputs;
+}
+
+void StoredCommandForm::Ask(const Row& row) {
+    QLineEdit* field = row.field;
+    if (const auto text = row.selector->Ask(m_command, Inputs()))
+        field->setText(FromBorderText(*text));
+}
+
+void StoredCommandForm::Store() {
+    const auto stored = StoredOne();
+    if (!stored)
+        return;
+    const QString problem = CheckInputs(m_command, Inputs());
+    if (!problem.isEmpty()) {
+        m_news->setText(problem);
+        return;
+    }
+    std::vector<ActionParameter> parameters;
+    for (const Row& row : m_rows) {
+        const bool isVariable = !row.variable.empty();
+        parameters.push_back({row.name, isVariable ? row.variable : ToBorderText(row.field->text()), isVariable});
+    }
+    Device* device = m_session.FindDevice(FromBorderText(stored->Device()));
+    const auto made =
+        StoredCommandXml::Make(stored->Device(), device->Variables().DefinitionText(), m_command.id, parameters);
+    if (made)
+        m_stored[m_choice->currentText()] = made->Print();
+    m_news->setText(made ? QStringLiteral("Stored.") : QStringLiteral("The command cannot be stored."));
+}
+
+} // namespace stagehost
