@@ -20,12 +20,12 @@ namespace stagehost {
 
 namespace {
 
-constexpr int kWidth = 1000;
-constexpr int kHeight = 760;
-constexpr int kLookMs = 100;
-constexpr int kPatience = 20; ///< looks until a device that is held up is released
-constexpr std::chrono::milliseconds kRelease(3000);
-constexpr std::chrono::milliseconds kLong(1000);
+constexpr int kPanelWidth = 1000;
+constexpr int kPanelHeight = 760;
+constexpr int kPanelLookMs = 100;
+constexpr int kLooksForDevice = 20; ///< looks until a device that is held up is released
+constexpr std::chrono::milliseconds kPanelRelease(3000);
+constexpr std::chrono::milliseconds kPanelWait(1000);
 
 struct ModeRow {
     const char* name;
@@ -50,7 +50,7 @@ PanelWindow::PanelWindow(const QString& title)
     , m_commands(new QPushButton(QStringLiteral("Stored &commands..."))) {
     QGuiApplication::setQuitOnLastWindowClosed(false); // the module's waits are not to end with it
     setWindowTitle(QStringLiteral("stagehost: ") + title);
-    resize(kWidth, kHeight);
+    resize(kPanelWidth, kPanelHeight);
     MakeControls();
     winId();
 }
@@ -107,9 +107,9 @@ bool PanelWindow::Run(Session& session, Device& device, const Options& options) 
     if (m_panel == nullptr)
         return false;
     ShowPanel();
-    m_watch.start(kLookMs);
+    m_watch.start(kPanelLookMs);
     while (!m_isOver)
-        MainWait::Until([this] { return m_isOver; }, kLong);
+        MainWait::Until([this] { return m_isOver; }, kPanelWait);
     m_watch.stop();
     return true;
 }
@@ -156,9 +156,9 @@ void PanelWindow::End() {
 void PanelWindow::Look() {
     if (Interrupt::HasCome() && !m_isOver)
         close();
-    if (m_isOver && ++m_looksInVain == kPatience && !m_device->IsOver()) {
+    if (m_isOver && ++m_looksInVain == kLooksForDevice && !m_device->IsOver()) {
         PrintProblem(QStringLiteral("the device is released, since its script does not come back"));
-        m_device->Shutdown(kRelease);
+        m_device->Shutdown(kPanelRelease);
     }
 }
 

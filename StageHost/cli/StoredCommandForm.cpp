@@ -16,7 +16,7 @@ namespace stagehost {
 
 namespace {
 
-constexpr int kWidth = 560;
+constexpr int kFormWidth = 560;
 
 } // namespace
 
@@ -26,7 +26,7 @@ StoredCommandForm::StoredCommandForm(Session& session, QWidget* parent)
     , m_choice(new QComboBox)
     , m_news(new QLabel) {
     setWindowTitle(QStringLiteral("Stored commands"));
-    setMinimumWidth(kWidth);
+    setMinimumWidth(kFormWidth);
     auto* layout = new QVBoxLayout(this);
     auto* choice = new QFormLayout;
     m_choice->setObjectName(QStringLiteral("comboBoxCommand"));
