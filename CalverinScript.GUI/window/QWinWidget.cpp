@@ -147,6 +147,7 @@ void QWinWidget::JoinWidget(QWidget& host) {
     setGeometry(place);
     connect(&host, &QObject::destroyed, this, &QWinWidget::Leave);
     winId();
+    windowHandle()->setTitle(windowTitle()); // for those who look for it; Qt gives titles to windows of their own alone
 }
 
 void QWinWidget::show() {

@@ -158,9 +158,11 @@ void WearTheme(QWidget& dialog, IMInterface* host) {
     }
     if (sheet == dialog.styleSheet() || (theme == nullptr && worn == nullptr))
         return;
-    if (worn != nullptr)
+    if (worn != nullptr) {
+        dialog.setStyleSheet(QString()); // it gives back the palettes that it found
         worn->Undo();
-    delete worn;
+        delete worn;
+    }
     if (theme != nullptr)
         new PalettePainter(dialog, PaletteOf(*theme));
     dialog.setStyleSheet(sheet);

@@ -84,6 +84,15 @@ void StoredCommandForm::ShowCommand() {
     for (std::size_t number = 0; number < m_command.parameters.size(); ++number)
         if (!IsOutParameter(m_command.parameters[number]))
             AddRow(m_command.parameters[number], *stored, number);
+    QWidget* last = m_choice; // the rows come behind it, though they were made later than the buttons
+    for (const Row& row : m_rows) {
+        for (QWidget* part : {static_cast<QWidget*>(row.field), static_cast<QWidget*>(row.button)}) {
+            if (part == nullptr)
+                continue;
+            setTabOrder(last, part);
+            last = part;
+        }
+    }
 }
 
 void StoredCommandForm::AddRow(const ValueSpec& parameter, const StoredCommandXml& stored, std::size_t number) {
@@ -113,6 +122,7 @@ void StoredCommandForm::AddRow(const ValueSpec& parameter, const StoredCommandXm
         button->setToolTip(FromBorderText(row.selector->Name()));
         button->setAccessibleName(FromBorderText(row.selector->Name()));
         line->addWidget(button);
+        row.button = button;
         const std::size_t place = m_rows.size();
         connect(button, &QPushButton::clicked, this, [this, place] { Ask(m_rows[place]); });
     }

@@ -13,6 +13,7 @@ class QComboBox;
 class QFormLayout;
 class QLabel;
 class QLineEdit;
+class QPushButton;
 
 namespace stagehost {
 
@@ -33,9 +34,10 @@ private:
     /// One parameter on the form.
     struct Row {
         std::string name;
-        QLineEdit* field;
+        QLineEdit* field = nullptr;
         std::string variable; ///< stands for the parameter; empty for none
         std::unique_ptr<ParameterSelector> selector;
+        QPushButton* button = nullptr; ///< of the selector; null without one
     };
 
     void ShowCommand();

@@ -37,7 +37,8 @@ echo '{ "devices": [{ "name": "desk", "driver": "desk.js" }] }' >"$show"
 "$stagehost" store "$show" Cue desk "Execute Function" "Script Function Name=Old" >/dev/null
 
 run
-xdotool type --delay 1 "({ New: function() {}, Newer: function() {} })"
+script="({ New: function() {}, Newer: function() {} })"
+xdotool type --delay 1 "$script"
 xdotool key alt+d alt+u
 xdotool key alt+c
 eventually has_keyboard "Stored commands"
@@ -49,7 +50,8 @@ xdotool key alt+s alt+l
 eventually has_keyboard "$title"
 close_window
 ends "desk: setup changed"
-grep -q "Newer: function" "$show" || fail "the default script is not in the show"
+[ "$(cat "$work/desk.js")" = "$script" ] || fail "the script is not in its file"
+grep -qF "$(printf '%s' "$script" | base64 -w0)" "$show" || fail "the default script is not in the show"
 grep -q 'String=\\"Newer\\"' "$show" || fail "the stored command does not name the function"
 
 echo '{ "host": { "userMode": 0, "theme": "dark" }, "devices": [{ "name": "desk", "driver": "desk.js" }] }' >"$show"
