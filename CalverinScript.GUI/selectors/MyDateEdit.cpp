@@ -3,13 +3,33 @@
 #include <QDateEdit>
 #include <QHBoxLayout>
 #include <QIcon>
+#include <QPointer>
 #include <QPushButton>
 
+#include "IDialogManager2.h"
 #include "Pictures.h"
 
 namespace {
 
 constexpr int kDateWidth = 200;
+
+/// The host's dialog for one use.
+class DateDialog {
+public:
+    explicit DateDialog(IDialogManager2& manager)
+        : m_dialog(manager.CreateDateDialog()) {}
+    ~DateDialog() {
+        if (m_dialog != nullptr)
+            m_dialog->Release();
+    }
+    DateDialog(const DateDialog&) = delete;
+    DateDialog& operator=(const DateDialog&) = delete;
+
+    IDateDialog* Get() const { return m_dialog; }
+
+private:
+    IDateDialog* const m_dialog;
+};
 
 } // namespace
 
@@ -31,6 +51,26 @@ MyDateEdit::MyDateEdit(QWidget* parent)
     row->addWidget(m_dateEdit);
     row->addWidget(m_wizardButton);
     setFocusProxy(m_dateEdit);
+    connect(m_wizardButton, &QPushButton::clicked, this, &MyDateEdit::SlotOpenWizard);
+}
+
+void MyDateEdit::SetDialogManager(IDialogManager2* manager) {
+    m_manager = manager;
+    m_wizardButton->setVisible(manager != nullptr);
+}
+
+/// The form may have been made anew when the dialog is left.
+void MyDateEdit::SlotOpenWizard() {
+    if (m_manager == nullptr)
+        return;
+    const DateDialog dialog(*m_manager);
+    if (dialog.Get() == nullptr)
+        return;
+    const QPointer<MyDateEdit> kept(this);
+    dialog.Get()->SetParentWindow(m_parentWindow);
+    dialog.Get()->SetDate(GetYear(), GetMonth(), GetDay());
+    if (dialog.Get()->Run() == KXP_OK && kept != nullptr)
+        SetDate(dialog.Get()->GetDay(), dialog.Get()->GetMonth(), dialog.Get()->GetYear());
 }
 
 void MyDateEdit::SetDate(int day, int month, int year) {

@@ -2,6 +2,9 @@
 
 #include <QWidget>
 
+#include "KXPTypes.h"
+
+class IDialogManager2;
 class QDateEdit;
 class QPushButton;
 
@@ -19,7 +22,18 @@ public:
     int GetMonth() const;
     int GetDay() const;
 
+    /// With a manager the button is there. Borrowed for the widget's life; null hides the button.
+    void SetDialogManager(IDialogManager2* manager);
+    /// The window for the host's dialog; 0 for none.
+    void SetParentWindow(KXPWindow parent) { m_parentWindow = parent; }
+
+private Q_SLOTS:
+    /// Lets the user choose a date in the host's dialog.
+    void SlotOpenWizard();
+
 private:
+    IDialogManager2* m_manager = nullptr;
+    KXPWindow m_parentWindow = 0;
     QDateEdit* m_dateEdit;
     QPushButton* m_wizardButton; ///< hidden without a date dialog of the host
 };

@@ -17,7 +17,10 @@
 #include <QVariant>
 
 #include "DriverTables.h"
+#include "HostScreen.h"
 #include "HostText.h"
+#include "IDialogManager2.h"
+#include "IResourceProvider.h"
 #include "MDate.h"
 #include "MTime.h"
 #include "MyDateEdit.h"
@@ -246,6 +249,18 @@ QString ReadResource(const QWidget& field, const MScriptSetting& /*setting*/) {
     return As<MyResourceSelector>(field).GetSignature();
 }
 
+void ConnectToHost(QWidget& field, const FormHost& host) {
+    if (auto* date = qobject_cast<MyDateEdit*>(&field)) {
+        date->SetDialogManager(host.dialogs);
+        date->SetParentWindow(host.window);
+    }
+    if (auto* resource = qobject_cast<MyResourceSelector*>(&field)) {
+        resource->SetProvider(host.resources);
+        resource->SetParentWindow(host.window);
+        resource->SetOwnerText(host.owner);
+    }
+}
+
 using Layout = FieldLayout;
 
 constexpr FieldKind kFieldKinds[] = {
@@ -285,13 +300,19 @@ FieldLayout LayoutOf(const MScriptSetting& setting) {
     return isWide ? FieldLayout::LabelAndWideField : kind.layout;
 }
 
-QWidget* MakeField(const MScriptSetting& setting) {
+FormHost FormHost::Find(IMInterface* host, const QByteArray& owner) {
+    return {QueryFace<IDialogManager2>(host, "IDialogManager2"),
+            QueryFace<IResourceProvider>(host, "IResourceProvider"), MainWindowOf(host), owner};
+}
+
+QWidget* MakeField(const MScriptSetting& setting, const FormHost& host) {
     const FieldKind& kind = FieldKindOf(setting.widget);
     if (kind.make == nullptr)
         return nullptr;
     QWidget* field = kind.make(setting);
     field->setProperty(kSettingNameProperty, setting.name);
     field->setToolTip(PropertyOf(setting, "Hint"));
+    ConnectToHost(*field, host);
     QWidget* proxy = field->focusProxy();
     (proxy != nullptr ? proxy : field)->setAccessibleName(setting.name);
     return field;

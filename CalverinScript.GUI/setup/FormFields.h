@@ -1,9 +1,14 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
+#include "KXPTypes.h"
 #include "ScriptRecords.h"
 
+class IDialogManager2;
+class IMInterface;
+class IResourceProvider;
 class QWidget;
 
 /// @file
@@ -35,9 +40,20 @@ const FieldKind& FieldKindOf(int widget);
 /// How a field lies in the form: a line edit without a width of its own takes all that is left.
 FieldLayout LayoutOf(const MScriptSetting& setting);
 
+/// What fields ask of the host, all of which may be missing. Borrowed for the life of the fields.
+struct FormHost {
+    /// Asks the host's root object, which may be null. @param owner the device's name, for the host.
+    static FormHost Find(IMInterface* host, const QByteArray& owner);
+
+    IDialogManager2* dialogs = nullptr;
+    IResourceProvider* resources = nullptr;
+    KXPWindow window = 0; ///< of the host, for its dialogs
+    QByteArray owner;
+};
+
 /// Makes the field of a setting with its value in it, marked with the setting's name. @return null when its kind has none.
 /// The caller owns it.
-QWidget* MakeField(const MScriptSetting& setting);
+QWidget* MakeField(const MScriptSetting& setting, const FormHost& host);
 
 /// The value that a field holds, as settings store it; the setting's own for a field that nothing is entered in.
 QString ReadField(const QWidget& field, const MScriptSetting& setting);

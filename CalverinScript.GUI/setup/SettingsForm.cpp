@@ -8,7 +8,7 @@
 #include <QLabel>
 #include <QVariant>
 
-#include "FormFields.h"
+#include "MyResourceSelector.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ void SettingsForm::Clear() {
 }
 
 void SettingsForm::AddRow(int row, const MScriptSetting& setting) {
-    QWidget* field = MakeField(setting);
+    QWidget* field = MakeField(setting, m_host);
     const FieldLayout layout = LayoutOf(setting);
     if (layout != FieldLayout::FieldAlone && layout != FieldLayout::WholeRow)
         AddLabel(row, setting, field);
@@ -76,6 +76,8 @@ void SettingsForm::AddField(int row, const MScriptSetting& setting, QWidget* fie
         m_grid->addWidget(field, row, 0, 1, kColumns);
     else
         m_grid->addWidget(field, row, 1, AlignmentOf(layout));
+    if (auto* resource = qobject_cast<MyResourceSelector*>(field))
+        connect(resource, &MyResourceSelector::SignalChosen, this, &SettingsForm::SignalResourceChosen);
     KeepWheelAway(field);
 }
 

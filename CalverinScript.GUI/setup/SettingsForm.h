@@ -2,6 +2,7 @@
 
 #include <QWidget>
 
+#include "FormFields.h"
 #include "ScriptRecords.h"
 
 class QGridLayout;
@@ -13,10 +14,16 @@ class SettingsForm : public QWidget {
 public:
     explicit SettingsForm(QWidget* parent = nullptr);
 
+    /// What the fields of forms that are made from now on ask of the host.
+    void SetHost(const FormHost& host) { m_host = host; }
     /// Makes the form anew.
     void ShowSettings(const ScriptSettings& settings);
     /// Writes what the fields hold into the settings of the same names; the rest stays as it is.
     void ReadBack(ScriptSettings& settings) const;
+
+Q_SIGNALS:
+    /// The user has chosen another resource in a field.
+    void SignalResourceChosen();
 
 protected:
     /// The wheel scrolls the form: it changes no field but the one that has the focus.
@@ -31,4 +38,5 @@ private:
     void KeepWheelAway(QWidget* field);
 
     QGridLayout* m_grid; ///< a child
+    FormHost m_host;
 };

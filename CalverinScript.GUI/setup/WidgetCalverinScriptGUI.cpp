@@ -12,6 +12,7 @@
 #include "CodeEditor.h"
 #include "DialogInsertPerformHelper.h"
 #include "DialogMessage.h"
+#include "IModuleServices.h"
 #include "ModuleShared.h"
 #include "MScriptDescription.h"
 #include "Pictures.h"
@@ -63,6 +64,7 @@ void WidgetCalverinScriptGUI::ConnectSignals() {
     connect(m_ui->pushButtonCancel, &QPushButton::clicked, this, &Dialog::reject);
     connect(m_ui->checkBoxProgrammingMode, &QCheckBox::clicked, this, &Dialog::SlotChangeOnProgrammingMode);
     connect(m_ui->tabWidget, &QTabWidget::currentChanged, this, &Dialog::SlotCurrentTabChanged);
+    connect(&m_ui->tab_Setup->Form(), &SettingsForm::SignalResourceChosen, this, &Dialog::SlotTakeResources);
     connect(m_ui->tab_Script, &TabScript::SignalEvaluate, this, &Dialog::SlotCallEvaluateScript);
     connect(m_ui->tab_Script, &TabScript::SignalOpenFinder, this, &Dialog::SlotOpenFinder);
     connect(m_ui->tab_Variables, &TabVariables::SignalExtract, this, &Dialog::SlotExtractFromScript);
@@ -128,6 +130,9 @@ void WidgetCalverinScriptGUI::LoadLists() {
     m_loadedVariables = m_device->GetStoredSetup().GetVariables();
     m_ui->tab_Variables->SetVariables(m_loadedVariables);
     m_settings = m_device->GetStoredSetup().GetSettings();
+    IModuleServices* const module = m_device->GetModule();
+    m_ui->tab_Setup->Form().SetHost(
+        FormHost::Find(module != nullptr ? module->GetHost() : nullptr, QByteArray(m_device->GetName())));
 }
 
 /// A long script takes longer to analyse than to show, and the device has done it already.
@@ -220,6 +225,13 @@ void WidgetCalverinScriptGUI::Extract() {
 
 void WidgetCalverinScriptGUI::RefreshForm() {
     m_ui->tab_Setup->Form().ShowSettings(m_settings);
+}
+
+void WidgetCalverinScriptGUI::SlotTakeResources() {
+    if (m_device == nullptr)
+        return;
+    m_ui->tab_Setup->Form().ReadBack(m_settings);
+    m_device->GetSetupDesk().ResolveResources(m_settings);
 }
 
 /// The script's own word about the defaults outranks the user's.

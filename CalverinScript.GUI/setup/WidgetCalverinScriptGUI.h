@@ -56,6 +56,8 @@ public Q_SLOTS:
     void SlotChangeOnEnableAutoCompletion();
     void SlotCurrentTabChanged(int iCurrentTab);
     void SlotUpdateRemoveDefaultCmdVarFromSetupUI();
+    /// The device takes the resources that the form names now; it has its own again when the dialog is left by Cancel.
+    void SlotTakeResources();
     void SlotOpenFinder();
     // Each lets the user choose an object and inserts its name; does nothing while the script is not shown.
     void SlotInsertVariable() { InsertObject(InsertKind::Variable); }

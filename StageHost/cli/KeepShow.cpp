@@ -14,6 +14,7 @@
 #include "SetupWindow.h"
 #include "ShowFile.h"
 #include "TextFile.h"
+#include "WindowDialogs.h"
 
 /// The commands that write show files.
 
@@ -248,9 +249,11 @@ int Update(Session& session, ShowFile& file, KeepReport& report) {
 template <typename Work>
 int Keep(const Options& options, bool quiet, KXPWindow window, Work work) {
     ShowFile file;
+    WindowDialogs dialogs;
     Session session(options);
     session.SetQuiet(quiet);
     session.SetMainWindow(window);
+    session.SetDialogs(window != 0 ? &dialogs : nullptr);
     KeepReport report(options.json);
     int exitCode = kExitOk;
     auto failure = Open(session, file, options);

@@ -68,6 +68,7 @@ MaybeFailure Session::Open(const Show& show) {
     HostSettings settings = show.host;
     settings.link = m_options.link;
     settings.mainWindow = m_mainWindow;
+    settings.dialogs = m_dialogs;
     if (auto failure = PrepareLog(settings))
         return failure;
     m_host = std::make_unique<Host>(settings, show.objects, show.resources,

@@ -79,6 +79,8 @@ public:
 
     /// The window that the module's dialogs belong to; before Open.
     void SetMainWindow(std::uintptr_t window) { m_mainWindow = window; }
+    /// What the module's dialogs let the user choose with; before Open. Outlives the session; null for none.
+    void SetDialogs(UserDialogs* dialogs) { m_dialogs = dialogs; }
 
     /// Waits until a variable has a value in its text form, a channel its value or another resource its
     /// state, as long as the wait says or for the limit of answers.
@@ -128,6 +130,7 @@ private:
     QStringList m_refusedSetups;
     bool m_quiet = false;
     std::uintptr_t m_mainWindow = 0;
+    UserDialogs* m_dialogs = nullptr;
 };
 
 /// The text of a path for the border: the full path, or one from the working folder when only that can be carried.

@@ -19,12 +19,14 @@ Host::Host(HostSettings settings, const ShowSpec& show, const HardwareSpec& hard
     , m_folders(m_faces, m_settings)
     , m_variables(m_faces, &m_feed)
     , m_names(m_faces)
-    , m_hardware(std::make_unique<Hardware>(hardware, m_faces, m_feed, say))
+    , m_hardware(std::make_unique<Hardware>(hardware, m_faces, m_feed, say, m_settings.dialogs))
     , m_model(m_variables, m_feed)
     , m_desk(m_model, m_pool) {
     m_model.Fill(show);
     m_model.AddResources(m_hardware->Objects());
     m_faces.Offer("IMInterface", static_cast<IMInterface*>(&m_runtimeInfo));
+    if (m_settings.dialogs != nullptr)
+        m_dialogs = std::make_unique<DialogManager>(m_faces, *m_settings.dialogs);
     if (m_settings.link == Link::Older || m_settings.link == Link::Both)
         m_olderLink = std::make_unique<OlderLinkManager>(m_faces, m_desk);
     if (m_settings.link == Link::Newer || m_settings.link == Link::Both)

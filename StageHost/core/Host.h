@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "CommandWaiter.h"
+#include "DialogManager.h"
 #include "FaceTable.h"
 #include "FactoryManager.h"
 #include "FolderManager.h"
@@ -77,6 +78,7 @@ private:
     const std::unique_ptr<Hardware> m_hardware; ///< ends after the model, which shows it
     ShowModel m_model;
     RequestDesk m_desk;
+    std::unique_ptr<DialogManager> m_dialogs;      ///< null in a host without windows
     std::unique_ptr<OlderLinkManager> m_olderLink; ///< null when not offered
     std::unique_ptr<NewerLinkManager> m_newerLink; ///< null when not offered
 };

@@ -6,6 +6,8 @@
 
 namespace stagehost {
 
+class UserDialogs;
+
 /// Which of the two remote links the host offers. A module that gets both takes the newer one for its scripts.
 enum class Link { Both, Newer, Older, None };
 
@@ -37,7 +39,8 @@ struct HostSettings {
     std::map<std::uint32_t, std::string> folders; ///< by KXPFolder
     Link link = Link::Both;
     LogSettings log;
-    std::uintptr_t mainWindow = 0; ///< parent of the dialogs; 0 for none
+    std::uintptr_t mainWindow = 0;  ///< parent of the dialogs; 0 for none
+    UserDialogs* dialogs = nullptr; ///< what the user is asked; must outlive the host; null for a host without windows
 };
 
 } // namespace stagehost

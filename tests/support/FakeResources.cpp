@@ -142,4 +142,16 @@ IMInterface* FakeProvider::GetResource(std::uint32_t kind, std::int32_t resource
     return found != resources.end() ? found->second : nullptr;
 }
 
+std::int32_t FakeProvider::SelectResource(std::uint32_t kind, std::uint32_t subtype, std::int32_t resourceId,
+                                          KXPWindow parent) {
+    calls.Note("select:" + std::to_string(kind) + "," + std::to_string(subtype) + "," + std::to_string(resourceId) +
+               "," + std::to_string(parent));
+    return chosenResource;
+}
+
+IIOResourceChannel* FakeProvider::SelectChannel(std::uint32_t channelType, const char* text, KXPWindow parent) {
+    calls.Note("channel:" + std::to_string(channelType) + "," + text + "," + std::to_string(parent));
+    return chosenChannel;
+}
+
 } // namespace plain

@@ -228,13 +228,17 @@ public:
 
     CallBook calls;
     std::map<std::array<std::int64_t, 3>, IMInterface*> resources; ///< kind, id, subtype; not owned
+    std::int32_t chosenResource = -1;                              ///< what the user chooses; below 0 cancels
+    IIOResourceChannel* chosenChannel = nullptr;                   ///< null cancels
 
     KXPCode QueryInterface(const char*, void**) override { return KXP_NO_INTERFACE; }
     KXPCode Release() override { return KXP_OK; }
     /// Noted as "1,3,3".
     IMInterface* GetResource(std::uint32_t kind, std::int32_t resourceId, std::uint32_t subtype) override;
-    std::int32_t SelectResource(std::uint32_t, std::uint32_t, std::int32_t, KXPWindow) override { return -1; }
-    IIOResourceChannel* SelectChannel(std::uint32_t, const char*, KXPWindow) override { return nullptr; }
+    /// Noted as "select:1,3,0,parent" and "channel:1,text,parent".
+    std::int32_t SelectResource(std::uint32_t kind, std::uint32_t subtype, std::int32_t resourceId,
+                                KXPWindow parent) override;
+    IIOResourceChannel* SelectChannel(std::uint32_t channelType, const char* text, KXPWindow parent) override;
 };
 
 } // namespace plain

@@ -222,6 +222,8 @@ void* Host::FaceOf(const std::string& name) {
         return nameTools;
     if (name == "IResourceProvider")
         return resourceProvider;
+    if (name == "IDialogManager2")
+        return dialogs;
     return nullptr;
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Deadline.h"
+#include "IDialogManager2.h"
 #include "IHostServices.h"
 #include "IKXPModule.h"
 #include "IManagerRemote.h"
@@ -192,6 +193,7 @@ public:
     IVariableManager* variableManager = nullptr;
     IObjectNameTools* nameTools = nullptr;
     IResourceProvider* resourceProvider = nullptr;
+    IDialogManager2* dialogs = nullptr;
     std::uint32_t runtimeInfoResult = 1;
     std::string appName = "plainhost";
     std::string version = "6.7.2";

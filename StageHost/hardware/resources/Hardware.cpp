@@ -1,11 +1,24 @@
 #include "Hardware.h"
 
 #include <algorithm>
+#include <optional>
+
+#include "UserDialogs.h"
 
 namespace stagehost {
 
-Hardware::Hardware(const HardwareSpec& spec, FaceTable& faces, ChangeFeed& feed, const ResourceVoice::Say& say)
-    : HostFace(faces) {
+namespace {
+
+std::string NameOf(IMInterface* resource) {
+    return QueryFace<IResourceProxy>(resource, "IResourceProxy")->GetName();
+}
+
+} // namespace
+
+Hardware::Hardware(const HardwareSpec& spec, FaceTable& faces, ChangeFeed& feed, const ResourceVoice::Say& say,
+                   UserDialogs* dialogs)
+    : HostFace(faces)
+    , m_dialogs(dialogs) {
     OfferAs("IResourceProvider");
     for (const auto& resource : spec)
         std::visit([&](const auto& plan) { Make(resource, plan, ResourceVoice(resource.name, feed, say)); },
@@ -21,12 +34,35 @@ IMInterface* Hardware::GetResource(std::uint32_t kind, std::int32_t resourceId, 
     return found == m_entries.end() ? nullptr : found->resource;
 }
 
-std::int32_t Hardware::SelectResource(std::uint32_t, std::uint32_t, std::int32_t, KXPWindow) {
-    return -1;
+std::int32_t Hardware::SelectResource(std::uint32_t kind, std::uint32_t subtype, std::int32_t resourceId,
+                                      KXPWindow parent) {
+    std::vector<std::string> names;
+    std::vector<std::int32_t> ids;
+    for (const Entry& entry : m_entries) {
+        if (entry.kind != kind || entry.subtype != subtype)
+            continue;
+        names.push_back(NameOf(entry.resource));
+        ids.push_back(entry.id);
+    }
+    const auto present = std::find(ids.begin(), ids.end(), resourceId);
+    const int chosen = present != ids.end() ? static_cast<int>(present - ids.begin()) : -1;
+    const auto place = m_dialogs != nullptr ? m_dialogs->ChooseName("Resource", names, chosen, parent) : std::nullopt;
+    return place ? ids[*place] : -1;
 }
 
-IIOResourceChannel* Hardware::SelectChannel(std::uint32_t, const char*, KXPWindow) {
-    return nullptr;
+IIOResourceChannel* Hardware::SelectChannel(std::uint32_t channelType, const char* text, KXPWindow parent) {
+    std::vector<std::string> names;
+    std::vector<IIOResourceChannel*> channels;
+    for (const auto& resource : m_channels) {
+        for (std::int32_t index = 0; auto* channel = resource->GetChannel(channelType, index); ++index) {
+            names.push_back(NameOf(resource.get()) + "." + channel->GetName());
+            channels.push_back(channel);
+        }
+    }
+    const std::string owner = text != nullptr ? text : "";
+    const std::string title = owner.empty() ? "Channel" : "Channel of " + owner;
+    const auto place = m_dialogs != nullptr ? m_dialogs->ChooseName(title, names, -1, parent) : std::nullopt;
+    return place ? channels[*place] : nullptr;
 }
 
 void Hardware::Make(const ResourceSpec& spec, const SerialPlan& plan, const ResourceVoice& voice) {

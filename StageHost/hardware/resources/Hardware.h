@@ -11,15 +11,19 @@
 
 namespace stagehost {
 
+class UserDialogs;
+
 /// All resources of a show, made once, and the provider that hands them out.
 class Hardware final : public HostFace<IResourceProvider> {
 public:
-    /// @param feed must outlive the hardware. @param say hears what is told in words; may be empty.   [host main]
-    Hardware(const HardwareSpec& spec, FaceTable& faces, ChangeFeed& feed, const ResourceVoice::Say& say);
+    /// @param feed must outlive the hardware. @param say hears what is told in words; may be empty.
+    /// @param dialogs where the user chooses; must outlive the hardware; null for a host without windows.   [host main]
+    Hardware(const HardwareSpec& spec, FaceTable& faces, ChangeFeed& feed, const ResourceVoice::Say& say,
+             UserDialogs* dialogs = nullptr);
     ~Hardware() override;
 
     IMInterface* GetResource(std::uint32_t kind, std::int32_t resourceId, std::uint32_t subtype) override;
-    /// This form of the host has no dialogs: -1 and null, as when the user cancels.
+    /// Without dialogs -1 and null, as when the user cancels.
     std::int32_t SelectResource(std::uint32_t kind, std::uint32_t subtype, std::int32_t resourceId,
                                 KXPWindow parent) override;
     IIOResourceChannel* SelectChannel(std::uint32_t channelType, const char* text, KXPWindow parent) override;
@@ -41,6 +45,7 @@ private:
     void Make(const ResourceSpec& spec, const ChannelsPlan& plan, const ResourceVoice& voice);
     void MakeDmx(const ResourceSpec& spec, std::uint32_t subtype, std::unique_ptr<DmxResource> resource);
 
+    UserDialogs* const m_dialogs;
     std::vector<Entry> m_entries; ///< filled once
     std::vector<ShowObjectPtr> m_objects;
     std::vector<std::unique_ptr<SerialResource>> m_serial;

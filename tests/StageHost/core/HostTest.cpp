@@ -9,6 +9,7 @@
 
 #include "BorderText.h"
 #include "HostCodes.h"
+#include "UserDialogs.h"
 #include "ValueFactory.h"
 
 using namespace stagehost;
@@ -61,6 +62,38 @@ TEST(Host, OffersTheLinkThatWasChosen) {
     EXPECT_FALSE(offers(Link::Older, "IManagerRemoteManager2"));
     EXPECT_FALSE(offers(Link::None, "IManagerRemoteManager"));
     EXPECT_FALSE(offers(Link::None, "IManagerRemoteManager2"));
+}
+
+TEST(Host, LetsTheUserChooseADateWhenItHasAWindow) {
+    class User final : public UserDialogs {
+    public:
+        std::optional<CalendarDay> day;
+        CalendarDay shown;
+        std::optional<std::size_t> ChooseName(const std::string&, const std::vector<std::string>&, int,
+                                              KXPWindow) override {
+            return std::nullopt;
+        }
+        std::optional<CalendarDay> ChooseDay(const CalendarDay& chosen, KXPWindow) override {
+            shown = chosen;
+            return day;
+        }
+    } user;
+    Host silent{HostSettings()};
+    EXPECT_EQ(QueryFace<IDialogManager2>(silent.Root(), "IDialogManager2"), nullptr);
+    HostSettings settings;
+    settings.dialogs = &user;
+    Host host(settings);
+    auto* dialogs = QueryFace<IDialogManager2>(host.Root(), "IDialogManager2");
+    ASSERT_NE(dialogs, nullptr);
+    IDateDialog* dialog = dialogs->CreateDateDialog();
+    dialog->SetDate(2026, 12, 24);
+    EXPECT_EQ(dialog->Run(), 13u);
+    EXPECT_EQ(user.shown.year * 10000 + user.shown.month * 100 + user.shown.day, 20261224);
+    EXPECT_EQ(dialog->GetDay(), 24) << "cancelled keeps the date";
+    user.day = CalendarDay{2027, 1, 2};
+    EXPECT_EQ(dialog->Run(), 0u);
+    EXPECT_EQ(dialog->GetYear() * 10000 + dialog->GetMonth() * 100 + dialog->GetDay(), 20270102);
+    EXPECT_EQ(dialog->Release(), KXP_OK);
 }
 
 TEST(Host, TellsItsNameAndVersionInTheRecord) {

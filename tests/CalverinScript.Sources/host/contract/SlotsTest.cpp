@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "IDialogManager2.h"
 #include "IDMXResource.h"
 #include "IHostServices.h"
 #include "IIOResource.h"
@@ -244,6 +245,15 @@ TEST(Slots, OfIManagerRemoteHandler) {
 }
 
 // The places of resources count from 1, so an operation at place 5 has slot 4.
+
+TEST(Slots, OfIDialogManager2AndItsDateDialog) {
+    const SlotRow manager[] = {SLOT(IDialogManager2::CreateDateDialog)};
+    ExpectInOrder(manager, 2);
+    const SlotRow dialog[] = {
+        SLOT(IDateDialog::SetParentWindow), SLOT(IDateDialog::SetDate),  SLOT(IDateDialog::Run),
+        SLOT(IDateDialog::GetYear),         SLOT(IDateDialog::GetMonth), SLOT(IDateDialog::GetDay)};
+    ExpectInOrder(dialog, 2);
+}
 
 TEST(Slots, OfIResourceProvider) {
     const SlotRow rows[] = {SLOT(IResourceProvider::GetResource), SLOT(IResourceProvider::SelectResource),

@@ -7,6 +7,7 @@
 #include "HostCodes.h"
 #include "Notes.h"
 #include "UniverseRecorder.h"
+#include "UserDialogs.h"
 
 using namespace stagehost;
 
@@ -125,6 +126,57 @@ TEST_F(AShowsHardware, TellsWhoItIs) {
 TEST_F(AShowsHardware, SelectsNothingWithoutDialogs) {
     EXPECT_EQ(hardware->SelectResource(KXP_SERIAL_RESOURCE, KXP_RESOURCE_BOTH, 1, 0), -1);
     EXPECT_EQ(hardware->SelectChannel(KXP_DIGITAL_INPUT, "", 0), nullptr);
+}
+
+namespace {
+
+/// A user who chooses the name at a place, or cancels.
+class ChoosingUser final : public UserDialogs {
+public:
+    std::optional<std::size_t> place;
+    std::string asked; ///< "title: name name [chosen name]"
+
+    std::optional<std::size_t> ChooseName(const std::string& title, const std::vector<std::string>& names, int chosen,
+                                          KXPWindow) override {
+        asked = title + ":";
+        for (std::size_t at = 0; at < names.size(); ++at)
+            asked += static_cast<int>(at) == chosen ? " [" + names[at] + "]" : " " + names[at];
+        return place;
+    }
+    std::optional<CalendarDay> ChooseDay(const CalendarDay&, KXPWindow) override { return std::nullopt; }
+};
+
+} // namespace
+
+TEST_F(AShowsHardware, LetsTheUserChooseAmongTheResourcesOfAKind) {
+    ChoosingUser user;
+    FaceTable others;
+    HardwareSpec spec;
+    spec.push_back({7, "First port", SerialPlan{folder.filePath(QStringLiteral("none")), {}}});
+    spec.push_back({9, "Second port", SerialPlan{folder.filePath(QStringLiteral("neither")), {}}});
+    spec.push_back({4, "House", HouseChannels()});
+    Hardware offered(spec, others, feed, {}, &user);
+    EXPECT_EQ(offered.SelectResource(KXP_SERIAL_RESOURCE, KXP_RESOURCE_BOTH, 9, 0), -1) << "cancelled";
+    EXPECT_EQ(user.asked, "Resource: First port [Second port]");
+    user.place = 0;
+    EXPECT_EQ(offered.SelectResource(KXP_SERIAL_RESOURCE, KXP_RESOURCE_BOTH, 3, 0), 7);
+    EXPECT_EQ(user.asked, "Resource: First port Second port");
+}
+
+TEST_F(AShowsHardware, LetsTheUserChooseAmongTheChannelsOfAType) {
+    ChoosingUser user;
+    FaceTable others;
+    HardwareSpec spec;
+    spec.push_back({4, "House", HouseChannels()});
+    Hardware offered(spec, others, feed, {}, &user);
+    EXPECT_EQ(offered.SelectChannel(KXP_DIGITAL_INPUT, "Desk", 0), nullptr);
+    EXPECT_EQ(user.asked, "Channel of Desk: House.Door House.Window");
+    user.place = 1;
+    IIOResourceChannel* const window = offered.SelectChannel(KXP_DIGITAL_INPUT, nullptr, 0);
+    ASSERT_NE(window, nullptr);
+    EXPECT_STREQ(window->GetName(), "Window");
+    EXPECT_EQ(window->GetChannelIndex(), 1);
+    EXPECT_EQ(user.asked, "Channel: House.Door House.Window");
 }
 
 TEST_F(AShowsHardware, ALampTakesLevelsWhileItIsOpen) {
