@@ -15,8 +15,8 @@ QString ShiftedLine(const QString& line, IndentDirection direction) {
     return line.startsWith(step) ? line.mid(kIndentStep) : line;
 }
 
-/// The lines from the cursor's on, shifted. They end before the one that the selection reaches into, and before an
-/// empty one.
+/// The lines from the cursor's on, shifted. They end before the one that the selection reaches into, and
+/// before an empty one.
 QStringList ShiftedLines(const QTextCursor& cursor, IndentDirection direction) {
     QStringList lines;
     const int behind = cursor.selectionEnd() + 1;

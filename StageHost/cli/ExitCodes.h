@@ -4,8 +4,8 @@
 
 namespace stagehost {
 
-/// Exit codes of the program; people's scripts rely on them. Those of the checker are among them, since they are passed
-/// on.
+/// Exit codes of the program; people's scripts rely on them. Those of the checker are among them, since
+/// they are passed on.
 enum ExitCode : int {
     kExitOk = KXP_CHECKER_OK,
     kExitScriptFailed = KXP_CHECKER_SCRIPT_FAILED,

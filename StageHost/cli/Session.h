@@ -94,8 +94,8 @@ public:
     /// @return the first of it in this run, a failure with 1; nothing when there was none.
     MaybeFailure TellThrown();
 
-    /// A command's end as JSON, with what was thrown beside it up to now: then the run is not "ok", whatever the
-    /// result.
+    /// A command's end as JSON, with what was thrown beside it up to now: then the run is not
+    /// "ok", whatever the result.
     /// @param failure the command's own.
     QJsonObject OutcomeJson(const CommandOutcome& outcome, const MaybeFailure& failure);
 

@@ -30,8 +30,8 @@ public:
     void Answered(const std::vector<std::string>& failures, Clock::time_point now);
 
     /// Prints what nobody has answered for.
-    /// @param now what came half a second before or less may still be answered for; nothing is left after
-    /// Clock::time_point::max().
+    /// @param now what came half a second before or less may still be answered for; nothing
+    /// is left after Clock::time_point::max().
     void Tell(Clock::time_point now);
 
     /// From now on what the device throws is kept for End.

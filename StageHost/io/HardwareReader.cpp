@@ -229,8 +229,8 @@ void HardwareReader::ReadResource(const JsonNode& node) {
     m_spec.push_back(std::move(resource));
 }
 
-/// Two resources that open one port would take its bytes from each other, and two that send one universe to one place
-/// its levels.
+/// Two resources that open one port would take its bytes from each other, and two that send one universe to
+/// one place its levels.
 void HardwareReader::CheckAlone(const JsonNode& node, const ResourceSpec& resource) const {
     const auto twin = std::find_if(m_spec.begin(), m_spec.end(),
                                    [&](const auto& other) { return IsSameEnd(other.plan, resource.plan); });

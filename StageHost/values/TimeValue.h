@@ -4,9 +4,9 @@
 
 namespace stagehost {
 
-/// A position in time as a count of units of its time-code type (see TimeCode.h). The whole number is that count, the
-/// real number is seconds, the text is "HH:MM:SS/FF". A text of another form leaves it as it is; the empty text is
-/// 0.   [any]
+/// A position in time as a count of units of its time-code type (see TimeCode.h). The whole number is that count,
+/// the real number is seconds, the text is "HH:MM:SS/FF". A text of another form leaves it as it is; the empty
+/// text is 0.   [any]
 class TimeValue final : public ValueFace<ITimeData> {
 public:
     explicit TimeValue(const ValueSpec& spec);

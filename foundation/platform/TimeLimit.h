@@ -13,8 +13,8 @@ public:
 
     Clock::time_point End() const { return m_end; }
     bool IsOver() const { return Clock::now() >= m_end; }
-    /// What is left of the time: 0 when it is over, at least 1 ms otherwise, so that who waits that long does not come
-    /// early.
+    /// What is left of the time: 0 when it is over, at least 1 ms otherwise, so that who waits that long
+    /// does not come early.
     std::chrono::milliseconds Left() const {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_end - Clock::now());
         return std::max(left, std::chrono::milliseconds(0));

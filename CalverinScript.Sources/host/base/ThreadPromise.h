@@ -3,9 +3,9 @@
 #include "Threads.h"
 
 /// @file
-/// The threads that the contract's headers promise, checked where an operation begins. A debug build stops where a
-/// promise is broken; any other logs it once for each operation and goes on, since a show does not stop for a host's
-/// mistake.
+/// The threads that the contract's headers promise, checked where an operation begins. A debug build stops
+/// where a promise is broken; any other logs it once for each operation and goes on, since a show does not stop
+/// for a host's mistake.
 
 /// What is known of the calling thread. A thread that never said anything counts as one of the host's.
 inline thread_local ThreadWord currentThreadWord = ThreadWord::AnyHostThread;

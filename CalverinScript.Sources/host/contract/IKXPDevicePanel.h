@@ -39,8 +39,8 @@ public:
     virtual const char* GetName() = 0;
     /// @return 1 always.   [host main]
     virtual std::uint32_t Reserved6(void* argument) = 0;
-    /// How large the panel is; left and top are 0. @return false when rect is null or the panel has no window.   [host
-    /// main]
+    /// How large the panel is; left and top are 0. @return false when rect is null or the panel has
+    /// no window.   [host main]
     virtual bool GetBounds(IPanelRect* rect) = 0;
     /// The host's state word, 1 at first.   [host main]
     virtual std::uint32_t GetState() = 0;

@@ -23,8 +23,8 @@ struct BacklogLoad {
 /// or hears when it is time to pause; a script that stands still must not fill the memory with what its peers send.
 ///
 /// - What Add has noted waits until its ticket goes, wherever the event ends: taken, dropped or forgotten.
-/// - The object hears that the bound is reached, and then once that half of it or less waits; the two always take
-/// turns.
+/// - The object hears that the bound is reached, and then once that half of it or less waits; the
+/// two always take turns.
 /// - After the destructor nothing is told any more. Tickets may go later.
 class ScriptBacklog {
 public:

@@ -32,8 +32,8 @@ class TCPClient : public QObject, public QScriptable, public MScriptCommonEvent,
     Q_OBJECT
 
 public:
-    /// @param owner borrowed for the object's life; null makes a client that never connects, for scripts that are only looked
-    /// at.   [script]
+    /// @param owner borrowed for the object's life; null makes a client that never connects, for scripts that are
+    /// only looked at.   [script]
     explicit TCPClient(IScriptObjectOwner* owner);
     /// Closes without event and ends the thread, whatever the peer does.   [script]
     ~TCPClient() override;
@@ -44,8 +44,8 @@ public:
     // What scripts call. Names of parameters and defaults are the script interface. All on the script thread. What is called most
     // comes first: at each call the engine looks at the names of all methods before it.
 
-    /// Sends a text or a Buffer; anything else does nothing, as does a connection that does not stand. Waits for a peer that does not
-    /// read.
+    /// Sends a text or a Buffer; anything else does nothing, as does a connection that does not stand. Waits for a peer
+    /// that does not read.
     Q_INVOKABLE void write(const QScriptValue& svData);
     /// Connects; "connect" or "error" tells how it went, but a name without an address tells nothing. On an object whose
     /// thread still runs this only asks the thread to end: `end()` comes first. With another port or host, a

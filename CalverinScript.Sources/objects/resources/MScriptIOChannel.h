@@ -17,8 +17,8 @@
 /// | "open", "close", of the channel's resource | none |
 /// | "data" | int, the value |
 ///
-/// A channel hears of its value whether its resource is open or not, and of the resource's state between Open and
-/// Close.
+/// A channel hears of its value whether its resource is open or not, and of the resource's state
+/// between Open and Close.
 class MScriptIOChannel : public QObject,
                          public QScriptable,
                          public MScriptResource,

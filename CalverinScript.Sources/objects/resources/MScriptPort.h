@@ -27,8 +27,8 @@ struct PortKind<IDMXResource> {
     static void Add(IDMXResource& port, Handler* handler) { port.AddHandler(handler); }
 };
 
-/// What the script objects of serial ports and DMX universes have in common: the port, its handler, opening and
-/// closing.
+/// What the script objects of serial ports and DMX universes have in common: the port, its
+/// handler, opening and closing.
 template <typename Resource>
 class MScriptPort : public MScriptResource, public PortKind<Resource>::Handler {
 public:

@@ -31,8 +31,8 @@ public:
     DmxListener(const DmxListener&) = delete;
     DmxListener& operator=(const DmxListener&) = delete;
 
-    /// Makes a universe known. @param news must outlive the listener. @return its number for the other calls.   [host
-    /// main]
+    /// Makes a universe known. @param news must outlive the listener. @return its number for the
+    /// other calls.   [host main]
     std::size_t Add(const DmxInPlan& plan, InputNews& news);
 
     /// Begins to listen, and ends it. It is open when the news say so.   [any]

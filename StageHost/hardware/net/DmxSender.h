@@ -33,8 +33,8 @@ public:
     DmxSender(const DmxSender&) = delete;
     DmxSender& operator=(const DmxSender&) = delete;
 
-    /// Makes a universe known. @param news must outlive the sender. @return its number for the other calls.   [host
-    /// main]
+    /// Makes a universe known. @param news must outlive the sender. @return its number for the
+    /// other calls.   [host main]
     std::size_t Add(const DmxOutPlan& plan, PortNews& news);
 
     /// Begins to send, and ends it.   [any]

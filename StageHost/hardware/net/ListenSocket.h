@@ -15,8 +15,8 @@ class ListenSocket : public QObject {
     Q_OBJECT
 
 public:
-    /// @param sender of the datagram; the bytes are borrowed for the call. Longer ones than any packet here are cut at
-    /// 2048.
+    /// @param sender of the datagram; the bytes are borrowed for the call. Longer ones than any packet here
+    /// are cut at 2048.
     using Take = std::function<void(PacketView bytes, const QHostAddress& sender)>;
 
     explicit ListenSocket(Take take);

@@ -33,8 +33,8 @@ std::optional<LineCounters> ReadLineCounters(std::intptr_t handle);
 /// Bytes that the driver has taken and not sent yet; 0 when it does not tell.
 int UnsentBytes(std::intptr_t handle);
 
-/// Waits until the last byte has left the line. To be called when UnsentBytes is 0: what is left then is what the
-/// hardware holds.
+/// Waits until the last byte has left the line. To be called when UnsentBytes is 0: what is left then is
+/// what the hardware holds.
 void DrainLine(std::intptr_t handle);
 
 /// Whether what is behind the line has gone: the adapter was pulled out, the other end of a pseudo-terminal closed.

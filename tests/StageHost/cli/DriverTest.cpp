@@ -323,8 +323,8 @@ TEST_F(ShowWithADriver, TellsWhatIsThrownThoughTheDriverHasRemovedTheVariableFor
     ThenExitCodeIs(1);
 }
 
-// What is thrown before the device is back from a command counts as the command's, so the timers leave it time for
-// that.
+// What is thrown before the device is back from a command counts as the command's, so the timers leave
+// it time for that.
 constexpr const char* kTimers =
     "({ Device: { Level: 0 },\n"
     "   Later: function () { var self = this;\n"

@@ -12,8 +12,8 @@
 #include "SerialPort.h"
 #include "SerialRecorder.h"
 
-/// What a port asks of the system, as a preloaded library notes it. The library answers for a port that can do
-/// everything.
+/// What a port asks of the system, as a preloaded library notes it. The library answers for a port
+/// that can do everything.
 
 using namespace stagehost;
 

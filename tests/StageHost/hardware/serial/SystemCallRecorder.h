@@ -5,8 +5,8 @@
 
 extern "C" {
 
-/// The calls since the last asking, one a line: "line rate=19200 size=7 ...", "raise DTR", "break on", "write x",
-/// "drain".
+/// The calls since the last asking, one a line: "line rate=19200 size=7 ...", "raise DTR", "break
+/// on", "write x", "drain".
 __attribute__((visibility("default"))) const char* TakeSerialRecord();
 
 /// The modem lines that the ports seem to have.
