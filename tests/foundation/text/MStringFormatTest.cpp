@@ -93,7 +93,7 @@ TEST(MStringFormat, PrintsAsPrintfDoes) {
     EXPECT_EQ(Print("%c%c", 'a', 'b'), "ab");
     EXPECT_EQ(Print("%ld %lld %hd %zu", -1L, -2LL, 3, sizeof(int)), "-1 -2 3 4");
     EXPECT_EQ(Print("%.3s", "abcdef"), "abc");
-    EXPECT_EQ(Print("100%%"), "100%");
+    EXPECT_EQ(Print("%d%%", 100), "100%");
     EXPECT_EQ(Print("plain"), "plain");
     EXPECT_EQ(Print(""), "");
 }
