@@ -82,7 +82,7 @@ protected:
     std::atomic<bool> ending{false};
     plain::Variables variables;
     FakeScriptDevice device;
-    const HostServices services;
+    const HostServices services{};
     HostValues values{ending};
     StoredSetup setup;
     ScriptEntrance entrance{lock, ending, [this] { handlers.FireDeferred(); }, &home};

