@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <optional>
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -26,6 +27,7 @@
 #include "MyDateEdit.h"
 #include "MyResourceSelector.h"
 #include "TimeBase.h"
+#include "TimeText.h"
 
 namespace {
 
@@ -121,8 +123,14 @@ QWidget* MakeRealSpinBox(const MScriptSetting& setting) {
     return box;
 }
 
-QString ReadRealSpinBox(const QWidget& field, const MScriptSetting& /*setting*/) {
-    return QString::number(As<QDoubleSpinBox>(field).value(), 'g', 6);
+/// A number that the box still shows was not touched, and keeps the digits that it does not show.
+QString ReadRealSpinBox(const QWidget& field, const MScriptSetting& setting) {
+    const auto& box = As<QDoubleSpinBox>(field);
+    bool isNumber = false;
+    const double stored = setting.value.toDouble(&isNumber);
+    if (isNumber && box.textFromValue(stored) == box.textFromValue(box.value()))
+        return setting.value;
+    return QString::number(box.value(), 'g', 6);
 }
 
 /// A script may give its default as the item's text. Items are an enumeration's: a choice of another type has none, and says so.
@@ -131,21 +139,22 @@ QWidget* MakeComboBox(const MScriptSetting& setting) {
     box->addItems(setting.items);
     const int byText = setting.items.indexOf(setting.value);
     box->setCurrentIndex(WholeNumber(setting.value, std::max(byText, 0)));
-    if (setting.items.isEmpty())
-        box->setPlaceholderText(QCoreApplication::translate("FormFields", "no items (Type is not \"Enum\")"));
+    box->setPlaceholderText(setting.items.isEmpty()
+                                ? QCoreApplication::translate("FormFields", "no items (Type is not \"Enum\")")
+                                : QCoreApplication::translate("FormFields", "%1 (no item)").arg(setting.value));
     box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     box->setMinimumWidth(kFieldWidth);
     return box;
 }
 
-/// Where there is nothing to choose from, nothing was chosen instead of the value.
+/// Where nothing was chosen instead of it, a value that is none of the items stays.
 QString ReadComboBox(const QWidget& field, const MScriptSetting& setting) {
     const auto& box = As<QComboBox>(field);
-    return box.count() > 0 ? QString::number(box.currentIndex()) : setting.value;
+    return box.currentIndex() >= 0 ? QString::number(box.currentIndex()) : setting.value;
 }
 
 /// A date is stored as a text or as its number of days since 1 January 1900.
-QWidget* MakeDateEdit(const MScriptSetting& setting) {
+MDate StoredDate(const MScriptSetting& setting) {
     MDate date;
     bool isNumber = false;
     const int number = setting.value.toInt(&isNumber);
@@ -153,23 +162,35 @@ QWidget* MakeDateEdit(const MScriptSetting& setting) {
         date.SetFromDayNumber(number);
     else
         date.SetFromText(ToHostText(setting.value).constData());
+    return date;
+}
+
+QWidget* MakeDateEdit(const MScriptSetting& setting) {
+    const MDate date = StoredDate(setting);
     auto* field = new MyDateEdit;
     field->SetDate(date.GetDay(), date.GetMonth(), date.GetYear());
     return field;
 }
 
-QString ReadDateEdit(const QWidget& field, const MScriptSetting& /*setting*/) {
+/// A number that the field still shows was not touched, and stays one.
+QString ReadDateEdit(const QWidget& field, const MScriptSetting& setting) {
     const auto& edit = As<MyDateEdit>(field);
     MDate date;
     date.SetYear(edit.GetYear());
     date.SetMonth(edit.GetMonth());
     date.SetDay(edit.GetDay());
+    bool isNumber = false;
+    const int stored = setting.value.toInt(&isNumber);
+    if (isNumber && stored == date.GetDayNumber())
+        return setting.value;
     char text[MDate::kTextSize] = {};
     return FromHostText(date.GetText(text));
 }
 
+/// A number that is none of the types counts as none.
 int TimeTypeOf(const MScriptSetting& setting) {
-    return WholeProperty(setting, "TimeCodeType", kHundredths);
+    const int type = WholeProperty(setting, "TimeCodeType", kHundredths);
+    return IsTimeType(type) ? type : kHundredths;
 }
 
 /// The first millisecond of a frame, so that reading the field back gives the same frame.
@@ -177,27 +198,36 @@ int MsOfFrames(int frames, int framesASecond) {
     return (frames * kMsPerSecond + framesASecond - 1) / framesASecond;
 }
 
-/// A time is stored as a text or as its count of frames.
-QWidget* MakeTimeEdit(const MScriptSetting& setting) {
+/// A time is stored as a text or as its count of frames. Nothing for a text that is none.
+std::optional<QTime> StoredTime(const MScriptSetting& setting) {
     const int type = TimeTypeOf(setting);
-    MTime time;
-    time.SetType(type);
     bool isNumber = false;
-    const int count = setting.value.toInt(&isNumber);
-    if (isNumber)
-        time.SetValue(count);
-    else
-        time.SetFromText(ToHostText(setting.value).constData());
+    int count = setting.value.toInt(&isNumber);
+    if (!isNumber) {
+        const auto read = TimeFromText(ToHostText(setting.value).constData(), TextBase(type));
+        if (!read)
+            return std::nullopt;
+        count = *read;
+    }
+    MTime time(count);
+    time.SetType(type);
+    return QTime(std::min(time.GetHours(), 23), time.GetMinutes(), time.GetSeconds(),
+                 std::min(MsOfFrames(time.GetFrames(), CountBase(type).unitsASecond), kMsPerSecond - 1));
+}
+
+QWidget* MakeTimeEdit(const MScriptSetting& setting) {
     auto* field = new QTimeEdit;
     field->setDisplayFormat(QStringLiteral("HH:mm:ss/zzz"));
-    field->setTime(QTime(std::min(time.GetHours(), 23), time.GetMinutes(), time.GetSeconds(),
-                         std::min(MsOfFrames(time.GetFrames(), CountBase(type).unitsASecond), kMsPerSecond - 1)));
+    field->setTime(StoredTime(setting).value_or(QTime(0, 0)));
     field->setFixedSize(kFieldWidth, kFieldHeight);
     return field;
 }
 
+/// A time that the field still shows was not touched, and keeps its form.
 QString ReadTimeEdit(const QWidget& field, const MScriptSetting& setting) {
     const QTime shown = As<QTimeEdit>(field).time();
+    if (!setting.value.isEmpty() && StoredTime(setting) == shown)
+        return setting.value;
     const int type = TimeTypeOf(setting);
     MTime time;
     time.SetType(type);

@@ -207,11 +207,25 @@ TEST_F(TheForm, ARealNumberStepsByItsLastDigit) {
     EXPECT_EQ(FieldAt<QDoubleSpinBox>(0)->decimals(), 1);
 }
 
-TEST_F(TheForm, ARealNumberIsReadBackWithSixDigitsAsMeant) {
-    Given("Gain", 3, "-1234567.5");
-    Given("Small", 3, "0.25");
+TEST_F(TheForm, ARealNumberThatIsEnteredIsReadBackWithSixDigitsAsMeant) {
+    Given("Gain", 3, "0");
+    Given("Small", 3, "0");
     Show();
+    FieldAt<QDoubleSpinBox>(0)->setValue(-1234567.5);
+    FieldAt<QDoubleSpinBox>(1)->setValue(0.25);
     EXPECT_EQ(ReadBack(), "-1.23457e+06 0.25");
+}
+
+TEST_F(TheForm, ARealNumberThatIsNotTouchedKeepsAllItsDigits) {
+    for (const char* value : {"3.14159265", "-1234567.5", "1e-7", "0.10"})
+        Given("Real", 3, value);
+    With(Given("Coarse", 3, "2.71828"), "Precision", "1");
+    With(Given("Limited", 3, "7.123456789"), "MaxValue", "5");
+    Given("None", 3, "soon");
+    for (MScriptSetting& setting : settings)
+        setting.name += QString::number(&setting - &settings[0]);
+    Show();
+    EXPECT_EQ(ReadBack(), "3.14159265 -1234567.5 1e-7 0.10 2.71828 5 0");
 }
 
 TEST_F(TheForm, AChoiceIsItsIndex) {
@@ -229,6 +243,15 @@ TEST_F(TheForm, AChoiceIsItsIndex) {
     EXPECT_EQ(ReadBack(), "0 2");
 }
 
+TEST_F(TheForm, AChoiceOfAnItemThatIsNotThereShowsItAndKeepsItUntilAnotherIsChosen) {
+    Given("Mode", 4, "77").items = QStringList{QStringLiteral("off"), QStringLiteral("on")};
+    Show();
+    EXPECT_EQ(FieldAt<QComboBox>(0)->placeholderText(), QStringLiteral("77 (no item)"));
+    EXPECT_EQ(ReadBack(), "77");
+    QTest::keyClick(FieldAt<QComboBox>(0), Qt::Key_Down);
+    EXPECT_EQ(ReadBack(), "0");
+}
+
 TEST_F(TheForm, AChoiceWithoutItemsSaysSoAndKeepsItsValue) {
     Given("Mode", 4, "3");
     Show();
@@ -243,16 +266,20 @@ TEST_F(TheForm, ADateIsATextOrANumberOfDays) {
     Given("Neither", 5, "soon");
     Show();
     EXPECT_NE(FieldAt<MyDateEdit>(0), nullptr);
-    EXPECT_EQ(ReadBack(), "24/12/2026 02/01/1901 01/01/1900");
+    EXPECT_EQ(ReadBack(), "24/12/2026 366 01/01/1900");
+    FieldAt<MyDateEdit>(1)->SetDate(2, 1, 1902);
+    EXPECT_EQ(ReadBack(), "24/12/2026 02/01/1902 01/01/1900");
 }
 
 TEST_F(TheForm, ATimeComesBackToTheSameFrameInEachTimeCode) {
     const char* times[] = {"01:02:03/23", "01:02:03/24", "01:02:03/29", "01:02:03/29", "01:02:03/99", "01:02:03/999"};
     for (int type = 0; type < 6; ++type)
-        With(Given("Time", 6, times[type]), "TimeCodeType", std::to_string(type).c_str());
+        With(Given(std::to_string(type).c_str(), 6, times[type]), "TimeCodeType", std::to_string(type).c_str());
     Show();
     EXPECT_EQ(FieldAt<QTimeEdit>(1)->text(), QStringLiteral("01:02:03/960"));
     EXPECT_EQ(FieldAt<QTimeEdit>(0)->size(), QSize(200, 35));
+    for (MScriptSetting& setting : settings)
+        setting.value = QStringLiteral("00:00:00/00"); // the field is read, not the value
     EXPECT_EQ(ReadBack(), "01:02:03/23 01:02:03/24 01:02:03/29 01:02:03/29 01:02:03/99 01:02:03/999");
 }
 
@@ -266,9 +293,29 @@ TEST_F(TheForm, EveryFrameOfASecondComesBack) {
             With(setting, "TimeCodeType", std::to_string(type).c_str());
             const std::string before = setting.value.toStdString();
             form.ShowSettings(settings);
+            settings[0].value = QStringLiteral("00:00:00/00");
             ASSERT_EQ(ReadBack(), before) << type;
         }
     }
+}
+
+TEST_F(TheForm, ATimeThatIsNotTouchedKeepsItsForm) {
+    for (const char* value : {"1.5", "1:02:03", "25:00:00/00", "90061", "soon", ""})
+        With(Given("Time", 6, value), "TimeCodeType", "5");
+    for (MScriptSetting& setting : settings)
+        setting.name += QString::number(&setting - &settings[0]);
+    Show();
+    EXPECT_EQ(ReadBack(), "1.5 1:02:03 25:00:00/00 90061 00:00:00/000 00:00:00/000");
+}
+
+TEST_F(TheForm, ATimeOfATypeThatIsNoneCountsHundredths) {
+    With(Given("Time", 6, "00:00:01/50"), "TimeCodeType", "99");
+    With(Given("Other", 6, "00:00:01/50"), "TimeCodeType", "-1");
+    Show();
+    EXPECT_EQ(FieldAt<QTimeEdit>(0)->time(), QTime(0, 0, 1, 500));
+    EXPECT_EQ(FieldAt<QTimeEdit>(1)->time(), QTime(0, 0, 1, 500));
+    FieldAt<QTimeEdit>(0)->setTime(QTime(0, 0, 2, 250));
+    EXPECT_EQ(ReadBack(), "00:00:02/25 00:00:01/50");
 }
 
 TEST_F(TheForm, ATimeWithoutATypeCountsHundredths) {
