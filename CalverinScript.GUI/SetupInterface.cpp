@@ -26,7 +26,7 @@ KXPCode RunDialog(MCalverinScript_Device& device, const char* scriptName) {
     const ModalLoop loop;
     QWinWidget parent(MainWindowOf(host));
     WidgetCalverinScriptGUI dialog(&parent);
-    QObject::connect(&parent, &QWinWidget::SignalParentGone, &dialog, &QDialog::reject);
+    QObject::connect(&parent, &QWinWidget::SignalParentGone, &dialog, &WidgetCalverinScriptGUI::SlotGiveUp);
     WearTheme(dialog, host);
     parent.Adopt(dialog);
     RebuildCompletions(device);

@@ -5,6 +5,7 @@
 #include <QFileInfo>
 
 #include "DialogMessage.h"
+#include "LongText.h"
 #include "ScriptFiles.h"
 #include "ScriptPlaces.h"
 #include "ui_DialogSelectScript.h"
@@ -66,7 +67,7 @@ void DialogSelectScript::SlotSelectedScriptChanged(QListWidgetItem* lpCurrentIte
     m_ui->lineEditVersion->setText(description->version);
     m_ui->lineEditAuthor->setText(description->author);
     for (QLineEdit* field : {m_ui->lineEditFileName, m_ui->lineEditTitle, m_ui->lineEditVersion, m_ui->lineEditAuthor})
-        field->setCursorPosition(0); // a text that is too long shows how it begins
+        ShowFromTheBeginning(*field);
     m_ui->plainTextEditDescription->setPlainText(description->description);
 }
 

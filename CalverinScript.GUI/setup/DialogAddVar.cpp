@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "DialogMessage.h"
 #include "ui_DialogAddVar.h"
+#include "VariableCheck.h"
 
 DialogAddVar::DialogAddVar(QWidget* parent, bool isEditMode)
     : QDialog(parent)
@@ -40,6 +42,7 @@ QString DialogAddVar::GetType() const {
 }
 
 void DialogAddVar::SetValue(const QString& value) {
+    m_givenValue = value;
     m_ui->lineEditVarValue->setText(value);
     m_ui->lineEditVarValue->selectAll();
 }
@@ -51,6 +54,16 @@ QString DialogAddVar::GetValue() const {
 void DialogAddVar::SetVariables(const ScriptVariables* variables) {
     m_variables = variables;
     SlotCheck();
+}
+
+void DialogAddVar::accept() {
+    m_kind.type = GetType();
+    const QString refusal = GetValue() == m_givenValue ? QString() : RefusalOf(GetValue(), m_kind);
+    if (refusal.isNull())
+        return QDialog::accept();
+    DialogMessage::Warn(this, refusal);
+    m_ui->lineEditVarValue->setFocus();
+    m_ui->lineEditVarValue->selectAll();
 }
 
 bool DialogAddVar::IsTaken(const QString& name) const {

@@ -25,8 +25,14 @@ public:
     QString GetType() const;
     void SetValue(const QString& value);
     QString GetValue() const;
+    /// The variable whose items, and whose script's type of value, a value has to fit.
+    void SetKind(const MScriptVariable& variable) { m_kind = variable; }
     /// Names of these variables are refused. Borrowed; null at first.
     void SetVariables(const ScriptVariables* variables);
+
+public Q_SLOTS:
+    /// A value that was entered and does not fit the type is refused, with the reason, and the dialog stays.
+    void accept() override;
 
 private Q_SLOTS:
     void SlotCheck();
@@ -36,4 +42,6 @@ private:
 
     const std::unique_ptr<Ui::DialogAddVar> m_ui;
     const ScriptVariables* m_variables = nullptr;
+    MScriptVariable m_kind;
+    QString m_givenValue; ///< stays whatever it is
 };

@@ -62,6 +62,7 @@ TabScript::TabScript(QWidget* parent)
     MakeActions();
     connect(m_ui->pushButtonEvaluate, &QPushButton::clicked, this, &TabScript::SignalEvaluate);
     connect(m_ui->plainTextEditScript, &QWidget::customContextMenuRequested, this, &TabScript::SlotShowContextMenu);
+    connect(m_ui->plainTextEditScript, &QPlainTextEdit::textChanged, this, &TabScript::SlotTextChanged);
 }
 
 TabScript::~TabScript() {
@@ -119,14 +120,25 @@ void TabScript::ReplaceText(const QString& text) {
 }
 
 void TabScript::SetDebugInfo(const QString& text) {
-    if (!text.isNull())
-        m_ui->lineEditDebugInfo->setText(text);
+    if (text.isNull())
+        return;
+    m_isPraised = false;
+    m_ui->lineEditDebugInfo->setText(text);
+}
+
+/// What is wrong stays to be read while it is mended; that all is well was said of another text.
+void TabScript::SlotTextChanged() {
+    if (!m_isPraised)
+        return;
+    SetDebugInfo(QStringLiteral(""));
+    m_ui->lineEditDebugInfo->setToolTip(QString());
 }
 
 void TabScript::ShowAnalysis(const AnalysisOutcome& analysis) {
     SetDebugInfo(QLatin1String("") + analysis.text);
     m_ui->lineEditDebugInfo->setToolTip(analysis.text);
     m_ui->lineEditDebugInfo->setCursorPosition(0);
+    m_isPraised = analysis.succeeded;
     SlotOnNotifyLineErrorChange(analysis.line);
 }
 

@@ -77,6 +77,7 @@ public Q_SLOTS:
 
 private:
     void SetUpEditor();
+    void SlotTextChanged();
     void MakeActions();
     void LoadPictures();
 
@@ -86,4 +87,5 @@ private:
     QCompleter* m_completer;   ///< a child
     QList<QAction*> m_actions; ///< children
     QPointer<DialogFinder> m_finder;
+    bool m_isPraised = false; ///< the info says that the text is good
 };

@@ -1,5 +1,6 @@
 #include "TabSetup.h"
 
+#include "LongText.h"
 #include "MScriptDescription.h"
 #include "ui_TabSetup.h"
 
@@ -18,7 +19,7 @@ void TabSetup::ShowDescription(const MScriptDescription& description) {
     m_ui->lineEditVersion->setText(description.version);
     m_ui->lineEditAuthor->setText(description.author);
     for (QLineEdit* field : {m_ui->lineEditTitle, m_ui->lineEditVersion, m_ui->lineEditAuthor})
-        field->setCursorPosition(0); // a text that is too long shows how it begins
+        ShowFromTheBeginning(*field);
     m_ui->plainTextEditDescription->setPlainText(description.description);
 }
 

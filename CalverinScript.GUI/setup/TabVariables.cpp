@@ -128,6 +128,8 @@ void TabVariables::SlotEditVariable() {
         return;
     DialogAddVar dialog(this, true);
     dialog.setWindowTitle(QStringLiteral("Edit Variable"));
+    if (const MScriptVariable* variable = FindVariable(name))
+        dialog.SetKind(*variable);
     dialog.SetName(name);
     dialog.SetType(type);
     dialog.SetValue(value);

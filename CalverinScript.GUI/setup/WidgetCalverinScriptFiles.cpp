@@ -2,6 +2,7 @@
 
 #include <QFileInfo>
 
+#include "DialogMessage.h"
 #include "DialogSaveScriptOptions.h"
 #include "DialogSelectScript.h"
 #include "IModuleServices.h"
@@ -41,6 +42,7 @@ void WidgetCalverinScriptGUI::TakeOpened(const QString& path, MScriptDescription
     const AnalysisOutcome loaded = LoadForAnalysis(*m_device, path);
     ShowFileName(&description);
     m_scriptFileName = path;
+    NoteFiles();
     m_ui->tab_Script->ReplaceText(m_device->GetAnalysis().GetSet().scriptText);
     if (loaded.succeeded) {
         m_ui->tab_Variables->SetVariables({});
@@ -52,8 +54,40 @@ void WidgetCalverinScriptGUI::TakeOpened(const QString& path, MScriptDescription
 }
 
 void WidgetCalverinScriptGUI::SlotSaveFile() {
+    SaveFile();
+}
+
+/// @return false when the user kept what another program has written.
+bool WidgetCalverinScriptGUI::SaveFile() {
+    if (!LibraryPath().isEmpty() && CanWriteScriptFile(LibraryPath()) && !MayReplaceFiles())
+        return false;
     if (ScriptSaving(*this, m_device, *GetScratchEngine()).Save(m_scriptFileName, m_ui->tab_Script->GetText()))
         TakeSaved();
+    return true;
+}
+
+/// The script in the library; empty when the device has no script file, or there is no library.
+QString WidgetCalverinScriptGUI::LibraryPath() const {
+    const QString folder = LibraryFolderOf(m_device);
+    return m_scriptFileName.isEmpty() || folder.isEmpty() ? QString()
+                                                          : PathBelow(folder, QFileInfo(m_scriptFileName).fileName());
+}
+
+void WidgetCalverinScriptGUI::NoteFiles() {
+    m_seenInProject = ReadScriptFile(m_scriptFileName);
+    m_seenInLibrary = ReadScriptFile(LibraryPath());
+}
+
+/// Asks when one of the two files is not as the dialog has seen it. One that is gone has nothing to lose.
+bool WidgetCalverinScriptGUI::MayReplaceFiles() {
+    for (const auto& [path, seen] : {std::pair(m_scriptFileName, m_seenInProject), {LibraryPath(), m_seenInLibrary}}) {
+        const std::optional<QString> now = ReadScriptFile(path);
+        if (now && now != seen &&
+            !DialogMessage::Ask(
+                this, tr("The file '%1' was changed by another program.\n\nDo you want to overwrite it?").arg(path)))
+            return false;
+    }
+    return true;
 }
 
 void WidgetCalverinScriptGUI::SlotSaveAsFile() {
@@ -66,6 +100,7 @@ void WidgetCalverinScriptGUI::TakeSaved() {
     ShowFileName(description.get());
     if (description == nullptr)
         m_scriptFileName.clear();
+    NoteFiles();
     if (m_device == nullptr)
         return;
     ScriptSet& analysed = m_device->GetAnalysis().GetSet();
@@ -80,21 +115,26 @@ bool WidgetCalverinScriptGUI::IsChangedSinceFile() const {
     return WithPlainLineEnds(inFile) != m_ui->tab_Script->GetText();
 }
 
-/// Left by Cancel, the device gets the changes and the file stays as it is.
-void WidgetCalverinScriptGUI::AskWhereChangesGo() {
-    SetupMemory& memory = m_device->GetStoredSetup().Memory();
-    DialogSaveScriptOptions question(this, memory.saveOption);
-    if (question.exec() != QDialog::Accepted)
-        return;
-    memory.saveOption = question.GetOption();
-    if (memory.saveOption == kSaveInFile)
-        SlotSaveFile();
-    else if (memory.saveOption == kSaveAsNew)
+/// Left by Cancel, the device gets the changes and the file stays as it is. @return false to go on with the dialog.
+bool WidgetCalverinScriptGUI::AskWhereChangesGo() {
+    DialogSaveScriptOptions question(this, m_device->GetStoredSetup().Memory().saveOption);
+    const bool isAnswered = question.exec() == QDialog::Accepted;
+    if (m_device == nullptr || m_isGivenUp)
+        return false;
+    if (!isAnswered)
+        return true;
+    const int option = question.GetOption();
+    m_device->GetStoredSetup().Memory().saveOption = option;
+    bool isDone = true;
+    if (option == kSaveInFile)
+        isDone = SaveFile();
+    else if (option == kSaveAsNew)
         SlotSaveAsFile();
     else {
         ShowFileName(nullptr);
         m_scriptFileName.clear();
     }
+    return isDone && !m_isGivenUp;
 }
 
 /// A device stays linked to its script's file as long as it has the file's own text, line ends included.

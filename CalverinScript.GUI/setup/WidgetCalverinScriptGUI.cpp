@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QMenu>
 #include <QShortcut>
 #include <QStandardItemModel>
 #include <QUrl>
@@ -92,7 +93,7 @@ void WidgetCalverinScriptGUI::LoadFromDevice(MCalverinScript_Device* device) {
     if (device == nullptr)
         return;
     m_device = device;
-    connect(device, &QObject::destroyed, this, &WidgetCalverinScriptGUI::reject);
+    connect(device, &QObject::destroyed, this, &WidgetCalverinScriptGUI::SlotGiveUp);
     LoadOptions();
     LoadScript();
     LoadLists();
@@ -124,6 +125,7 @@ void WidgetCalverinScriptGUI::LoadOptions() {
 void WidgetCalverinScriptGUI::LoadScript() {
     m_scriptFileName = m_device->GetStoredSetup().GetScriptFileName();
     m_ui->tab_Script->SetText(m_device->GetStoredSetup().GetScriptText());
+    NoteFiles();
 }
 
 void WidgetCalverinScriptGUI::LoadLists() {
@@ -347,14 +349,14 @@ void WidgetCalverinScriptGUI::accept() {
         !DialogMessage::Ask(
             this, QStringLiteral("An error has been detected into the script.\nDo you want to continue anyway?")))
         return;
-    if (m_device == nullptr)
+    if (m_device == nullptr || m_isGivenUp)
         return;
     if (isSound)
         Extract();
     else
         m_ui->tab_Setup->Form().ReadBack(m_settings);
-    if (IsChangedSinceFile())
-        AskWhereChangesGo();
+    if (IsChangedSinceFile() && !AskWhereChangesGo())
+        return;
     m_ui->tab_Script->CloseFinder();
     QDialog::accept();
 }
@@ -362,6 +364,16 @@ void WidgetCalverinScriptGUI::accept() {
 void WidgetCalverinScriptGUI::reject() {
     m_ui->tab_Script->CloseFinder();
     QDialog::reject();
+}
+
+/// A question that is open waits in a loop of its own, which would never end.
+void WidgetCalverinScriptGUI::SlotGiveUp() {
+    m_isGivenUp = true;
+    for (QMenu* opened : findChildren<QMenu*>())
+        opened->close();
+    for (QDialog* opened : findChildren<QDialog*>())
+        opened->reject();
+    reject();
 }
 
 void WidgetCalverinScriptGUI::closeEvent(QCloseEvent* event) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include <QDialog>
 #include <QPointer>
@@ -70,6 +71,8 @@ public Q_SLOTS:
     void SlotInsertPerform();
     void accept() override;
     void reject() override;
+    /// Rejects the dialog with all that it has opened, since what it stands on is gone.
+    void SlotGiveUp();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -97,9 +100,13 @@ private:
 
     void OpenFile(const QString& path);
     void TakeOpened(const QString& path, MScriptDescription& description);
+    bool SaveFile();
     void TakeSaved();
     bool IsChangedSinceFile() const;
-    void AskWhereChangesGo();
+    bool AskWhereChangesGo();
+    void NoteFiles();
+    bool MayReplaceFiles();
+    QString LibraryPath() const;
     QString TextToStore() const;
     DeviceSetup MakeSetup() const;
 
@@ -107,9 +114,12 @@ private:
     QPointer<MCalverinScript_Device> m_device; ///< not owned
     QString m_scriptFileName;                  ///< of the project's copy; empty when the device has no script file
     std::unique_ptr<QScriptEngine> m_engine;
-    ScriptVariables m_loadedVariables; ///< as the device had them; read-only
-    ScriptSettings m_settings;         ///< what the form shows
-    AnalysisOutcome m_analysis;        ///< the last one
-    QString m_analysedText;            ///< its text
-    bool m_isTableFull = false;        ///< the completion table was filled before the dialog was shown
+    ScriptVariables m_loadedVariables;      ///< as the device had them; read-only
+    ScriptSettings m_settings;              ///< what the form shows
+    AnalysisOutcome m_analysis;             ///< the last one
+    QString m_analysedText;                 ///< its text
+    std::optional<QString> m_seenInProject; ///< the text of the device's file when the dialog dealt with it last
+    std::optional<QString> m_seenInLibrary; ///< that of the library's
+    bool m_isGivenUp = false;
+    bool m_isTableFull = false; ///< the completion table was filled before the dialog was shown
 };

@@ -7,6 +7,7 @@
 #include "Commands.h"
 #include "DriverSetup.h"
 #include "ExitCodes.h"
+#include "Interrupt.h"
 #include "LiveShow.h"
 #include "NameTools.h"
 #include "Output.h"
@@ -113,6 +114,8 @@ MaybeFailure AskForSetup(Session& session, ShowFile& file, const Options& option
         return failure;
     const QString before = described.setup;
     const KXPCode code = window.Show(*device);
+    if (code == KXP_CANCELLED && Interrupt::HasCome())
+        return Failure{kExitNoAnswer, QStringLiteral("%1: interrupted, setup left as it was").arg(name)};
     const QString setup = FromBorderText(device->Setup());
     if (code != KXP_CANCELLED)
         file.SetSetup(name, setup);

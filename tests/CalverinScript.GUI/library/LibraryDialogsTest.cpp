@@ -87,6 +87,7 @@ TEST_F(TheScriptLibrary, ShowsTheChosenScript) {
         Choose(dialog, "Lamp (lamp.js)");
         EXPECT_EQ(TextOf(dialog, "lineEditFileName"), "lamp.js");
         EXPECT_EQ(TextOf(dialog, "lineEditTitle"), "Lamp");
+        EXPECT_EQ(Find<QWidget>(dialog, "lineEditTitle").toolTip(), QStringLiteral("Lamp")) << "where it is cut";
         EXPECT_EQ(TextOf(dialog, "lineEditVersion"), "2");
         EXPECT_EQ(TextOf(dialog, "lineEditAuthor"), "Ada");
         EXPECT_EQ(TextOf(dialog, "plainTextEditDescription"), "light");
@@ -223,6 +224,21 @@ TEST_F(Messages, BothAnswersAcceptAndOnlyTheBoxRejects) {
     EXPECT_EQ(ask([](QWidget& m) { CloseBox(m); }), std::make_pair(int(QDialog::Rejected), false));
     EXPECT_EQ(ask([](QWidget& m) { QTest::keyClick(&m, Qt::Key_Escape); }),
               std::make_pair(int(QDialog::Rejected), false));
+}
+
+TEST_F(Messages, TellWhetherTheChoiceIsToBeRemembered) {
+    for (const bool ticks : {false, true}) {
+        DialogMessage message(nullptr, QStringLiteral("T"), QStringLiteral("Text"), true, true);
+        message.ShowRememberChoice(true);
+        dialogs.Expect([ticks](QWidget& m) {
+            EXPECT_EQ(TextOf(m, "checkBoxRememberChoice"), "&Remember my choice.");
+            if (ticks)
+                Click(m, "checkBoxRememberChoice");
+            Click(m, "pushButtonOk");
+        });
+        message.exec();
+        EXPECT_EQ(message.GetRememberChoice(), ticks);
+    }
 }
 
 TEST_F(Messages, AWarningHasOneButtonAndNoBoxToRemember) {

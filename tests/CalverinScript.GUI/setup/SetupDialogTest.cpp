@@ -164,6 +164,23 @@ TEST_F(TheSetupDialog, EvaluatesAndPutsTheCaretOnTheLineOfTheError) {
     });
 }
 
+TEST_F(TheSetupDialog, SaysOfAGoodTextAloneThatItIsGoodAndOfABadOneWhatIsWrongWhileItIsMended) {
+    GivenScript(kDriver);
+    Show([&](QWidget& dialog) {
+        ClickTab(dialog, 1);
+        EXPECT_EQ(TextOf(dialog, "lineEditDebugInfo"), "Evaluation Ok");
+        QTest::keyClick(&Editor(dialog), Qt::Key_Space);
+        EXPECT_EQ(TextOf(dialog, "lineEditDebugInfo"), "");
+        TypeScript(dialog, "throw 'boom'");
+        Click(dialog, "pushButtonEvaluate");
+        const std::string problem = TextOf(dialog, "lineEditDebugInfo");
+        EXPECT_NE(problem.find("boom"), std::string::npos);
+        QTest::keyClick(&Editor(dialog), Qt::Key_Space);
+        EXPECT_EQ(TextOf(dialog, "lineEditDebugInfo"), problem);
+        Click(dialog, "pushButtonCancel");
+    });
+}
+
 TEST_F(TheSetupDialog, WithAScriptErrorTabsKeepTableAndForm) {
     GivenScript(kDriver);
     Show([&](QWidget& dialog) {

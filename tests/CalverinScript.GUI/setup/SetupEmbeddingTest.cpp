@@ -69,6 +69,41 @@ TEST_F(TheSetupDialogOnAHost, IsRejectedWhenTheDeviceGoesAway) {
               13u);
 }
 
+TEST_F(TheSetupDialogOnAHost, IsRejectedWithTheQuestionThatItAsksWhenTheHostsWindowGoesAway) {
+    GivenScriptFile("lamp.js", kDriver);
+    for (const char* script : {"({", "({})"}) { // asks whether to continue, and where the changes go
+        auto window = std::make_unique<QWidget>();
+        window->show();
+        host.mainWindow = window->winId();
+        EXPECT_EQ(Show([&](QWidget& dialog) {
+                      TypeScript(dialog, script);
+                      dialogs.Expect([&](QWidget& question) {
+                          window.reset();
+                          EXPECT_FALSE(question.isVisible());
+                      });
+                      Click(dialog, "pushButtonOk");
+                      EXPECT_FALSE(dialog.isVisible());
+                  }),
+                  13u)
+            << script;
+        EXPECT_EQ(device->GetStoredSetup().GetScriptText().toStdString(), kDriver);
+    }
+}
+
+TEST_F(TheSetupDialogOnAHost, IsRejectedWithTheQuestionThatItAsksWhenTheDeviceGoesAway) {
+    GivenScriptFile("lamp.js", kDriver);
+    EXPECT_EQ(Show([&](QWidget& dialog) {
+                  TypeScript(dialog, "({})");
+                  dialogs.Expect([&](QWidget& question) {
+                      device->Release();
+                      device = nullptr;
+                      EXPECT_FALSE(question.isVisible());
+                  });
+                  Click(dialog, "pushButtonOk");
+              }),
+              13u);
+}
+
 TEST_F(TheSetupDialogOnAHost, StandsInTheMiddleOfTheHostsWindowButNotAboveTheScreen) {
     GivenScript(kDriver);
     QWidget window;

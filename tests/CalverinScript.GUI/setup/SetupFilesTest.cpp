@@ -7,6 +7,7 @@
 #include <QTableWidget>
 #include <QTabWidget>
 
+#include "DeviceTexts.h"
 #include "SetupFixture.h"
 
 namespace {
@@ -326,14 +327,67 @@ TEST_F(ScriptFilesOfTheSetup, AFileThatVanishedOrWasReplacedOpensTheQuestion) {
                 QFile::remove(QString::fromStdString(Project() + "/lamp.js"));
             else
                 Write(Project() + "/lamp.js", kFan);
-            dialogs.Expect([](QWidget& question) {
+            dialogs.Expect([&](QWidget& question) {
                 Click(question, "radioButtonUpdateScript");
+                if (!vanishes)
+                    dialogs.Expect(Press("pushButtonOk", "was changed by another program."));
                 Click(question, "pushButtonOk");
             });
             Click(dialog, "pushButtonOk");
         });
         EXPECT_EQ(Read(Project(), "lamp.js"), kLamp) << "the editor's text is written";
     }
+}
+
+TEST_F(ScriptFilesOfTheSetup, AFileThatAnotherProgramHasChangedIsOverwrittenOnlyWhenTheUserSaysSo) {
+    for (const std::string& changed : {Project(), Library()}) {
+        GivenScriptFile("lamp.js", kLamp);
+        Show([&](QWidget& dialog) {
+            Edit(dialog, kEdited);
+            Write(changed + "/lamp.js", kFan);
+            const std::string question = "The file '" + changed + "/lamp.js' was changed by another program.";
+            dialogs.Expect(Press("pushButtonCancel", question.c_str()));
+            Click(dialog, "pushButtonSave");
+            EXPECT_EQ(Read(changed, "lamp.js"), kFan);
+            dialogs.Expect([&](QWidget& options) {
+                Click(options, "radioButtonUpdateScript");
+                dialogs.Expect(Press("pushButtonCancel", question.c_str()));
+                Click(options, "pushButtonOk");
+            });
+            Click(dialog, "pushButtonOk");
+            EXPECT_TRUE(dialog.isVisible()) << "the user may find another place";
+            EXPECT_EQ(Read(changed, "lamp.js"), kFan);
+            dialogs.Expect(Press("pushButtonOk", question.c_str()));
+            Click(dialog, "pushButtonSave");
+            EXPECT_EQ(Read(changed, "lamp.js"), kEdited);
+            Click(dialog, "pushButtonSave"); // it is the dialog's own now
+            Click(dialog, "pushButtonOk");
+        });
+        EXPECT_EQ(Read(Library(), "lamp.js"), kEdited);
+        EXPECT_EQ(Read(Project(), "lamp.js"), kEdited);
+    }
+}
+
+/// A path goes to the device in the host's 8-bit text, in which some names of files cannot be said.
+TEST_F(ScriptFilesOfTheSetup, ACopyThatCannotBeReadTellsSoAndUndoBringsTheTextBack) {
+    GivenScript(kFan);
+    const std::string name = "\xd0\xbb\xd0\xb0.js";
+    WriteLibrary(name, kLamp);
+    Show([&](QWidget& dialog) {
+        dialogs.Expect([](QWidget& choice) {
+            Find<QListWidget>(choice, "listWidgetScripts").setCurrentRow(0);
+            Click(choice, "pushButtonOk");
+        });
+        Click(dialog, "pushButtonLoad");
+        EXPECT_EQ(Read(Project(), name), kLamp) << "it was copied";
+        EXPECT_EQ(TextOf(dialog, "plainTextEditScript"), "");
+        EXPECT_EQ(TextOf(dialog, "lineEditDebugInfo"), DeviceText::kUnreadableFile);
+        Find<QTabWidget>(dialog, "tabWidget").setCurrentIndex(1);
+        QTest::keyClick(&Find<QPlainTextEdit>(dialog, "plainTextEditScript"), Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(TextOf(dialog, "plainTextEditScript"), kFan);
+        Click(dialog, "pushButtonCancel");
+    });
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText(), QLatin1String(kFan));
 }
 
 TEST_F(ScriptFilesOfTheSetup, WithoutALibraryTheTextStaysInTheEditor) {

@@ -1,5 +1,7 @@
+#include <QComboBox>
 #include <QPushButton>
 
+#include "SetupDesk.h"
 #include "SetupDialogFixture.h"
 
 namespace {
@@ -62,6 +64,74 @@ TEST_F(TheVariablesTab, AnEmptyValueIsZeroForNumbersAlone) {
         EXPECT_EQ(Cell(dialog, 0, 2), "0");
         EXPECT_EQ(Cell(dialog, 1, 2), "0.00000");
         EXPECT_EQ(Cell(dialog, 2, 2), "");
+        Click(dialog, "pushButtonCancel");
+    });
+}
+
+TEST_F(TheVariablesTab, AValueThatDoesNotFitIsRefusedWithTheReasonAndCanBeMended) {
+    GivenScript(kDriver);
+    Show([&](QWidget& dialog) {
+        ClickTab(dialog, 2);
+        dialogs.Expect([&](QWidget& edit) {
+            Type(edit, "lineEditVarValue", "abc");
+            dialogs.Expect(Press("pushButtonOk", "\"abc\" is not a whole number of 32 bits."));
+            Click(edit, "pushButtonOk");
+            EXPECT_TRUE(edit.isVisible());
+            EXPECT_EQ(edit.focusWidget(), &Find<QWidget>(edit, "lineEditVarValue"));
+            EXPECT_EQ(TextOf(edit, "lineEditVarValue"), "abc");
+            Type(edit, "lineEditVarValue", "7");
+            Click(edit, "pushButtonOk");
+        });
+        DoubleClickCell(dialog, 0, 0);
+        EXPECT_EQ(Cell(dialog, 0, 2), "7");
+        Click(dialog, "pushButtonCancel");
+    });
+}
+
+TEST_F(TheVariablesTab, AValueThatIsNotTouchedStaysWhateverItIs) {
+    GivenScript(kDriver);
+    MScriptVariable odd;
+    odd.name = QStringLiteral("Level");
+    odd.type = QStringLiteral("IntegerData");
+    odd.value = QStringLiteral("odd");
+    DeviceSetup panel = device->GetSetupDesk().Describe();
+    panel.monitors = {odd};
+    device->GetStoredSetup().TakePanelAndLists(panel);
+    Show([&](QWidget& dialog) {
+        ClickTab(dialog, 2);
+        dialogs.Expect([](QWidget& edit) { Click(edit, "pushButtonOk"); });
+        DoubleClickCell(dialog, 0, 0);
+        EXPECT_EQ(Cell(dialog, 0, 2), "odd");
+        EXPECT_EQ(Table(dialog).item(0, 3)->checkState(), Qt::Unchecked);
+        Click(dialog, "pushButtonCancel");
+    });
+}
+
+/// No button leads there in this version.
+TEST_F(TheVariablesTab, AVariableCanBeAddedAndRemovedWhereTheButtonsAreShown) {
+    GivenScript(kDriver);
+    Show([&](QWidget& dialog) {
+        ClickTab(dialog, 2);
+        auto& tab = Find<QWidget>(dialog, "tab_Variables");
+        for (const char* button : {"pushButtonAddVar", "pushButtonRemoveVar", "pushButtonExtractVar"})
+            EXPECT_FALSE(Find<QPushButton>(dialog, button).isVisible() ||
+                         Find<QPushButton>(dialog, button).isEnabled());
+        dialogs.Expect([&](QWidget& add) {
+            EXPECT_EQ(add.windowTitle(), QStringLiteral("Add Variable"));
+            EXPECT_FALSE(Find<QWidget>(add, "pushButtonOk").isEnabled());
+            Type(add, "lineEditVarName", "Extra");
+            Find<QComboBox>(add, "comboBoxVarType").setCurrentText(QStringLiteral("RealData"));
+            Click(add, "pushButtonOk");
+        });
+        QMetaObject::invokeMethod(&tab, "SlotCreateVariable");
+        ASSERT_EQ(Table(dialog).rowCount(), 4);
+        EXPECT_EQ(Cell(dialog, 3, 0) + " " + Cell(dialog, 3, 1) + " " + Cell(dialog, 3, 2), "Extra RealData 0.00000");
+        QMetaObject::invokeMethod(&tab, "SlotRemoveVariable"); // no row is current
+        EXPECT_EQ(Table(dialog).rowCount(), 4);
+        Table(dialog).setCurrentCell(0, 0);
+        QMetaObject::invokeMethod(&tab, "SlotRemoveVariable");
+        ASSERT_EQ(Table(dialog).rowCount(), 3);
+        EXPECT_EQ(Cell(dialog, 0, 0), "Gain");
         Click(dialog, "pushButtonCancel");
     });
 }

@@ -50,3 +50,20 @@ echo '{ "devices": [{ "name": "desk", "script": "desk.js" }] }' >"$work/show.jso
 run 10.0.0.11 alt+o
 ends_with "changed"
 grep -q '10\.0\.0\.11' "$work/show.json" || fail "the dialog has not shown the script"
+
+# Ctrl-C and the system's request to end the program end it, also while a dialog waits that the dialog has opened.
+cp "$work/show.json" "$work/before.json"
+for signal in INT TERM; do
+    for window in "$title" "Load script"; do
+        key=Tab
+        [ "$window" = "$title" ] || key=alt+l
+        run 10.0.0.12 "$key"
+        eventually has_keyboard "$window"
+        kill -s "$signal" "$pid"
+        status=0
+        wait "$pid" || status=$?
+        [ "$status" = 3 ] || fail "the exit code is $status after $signal on \"$window\""
+        grep -q "desk: interrupted, setup left as it was" "$work/log" || fail "nothing is told of $signal"
+        cmp -s "$work/show.json" "$work/before.json" || fail "an interrupted dialog changes the show"
+    done
+done
