@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QScriptEngine>
 
+#include "CallNotes.h"
 #include "CommandIds.h"
 #include "ScriptGlobals.h"
 
@@ -38,5 +39,6 @@ ScriptReport AnalyseScript(const QString& text, const QString& fileName) {
     AssignCommandIds({}, report.published.functions, false);
     if (request.hiddenNames == nullptr)
         report.notes = FindNotes(value, report.published);
+    report.notes += FindCallNotes(text);
     return report;
 }

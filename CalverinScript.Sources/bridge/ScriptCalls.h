@@ -84,4 +84,10 @@ inline constexpr ScriptCall kScriptCalls[] = {
     {"QCalverin.CreateHTTPClient", "QCalverin.CreateHTTPClient();", "HTTPClient QCalverin.CreateHTTPClient()"},
 };
 
+/// Calls that exist as well and are not offered.
+inline constexpr const char* kUnofferedCalls[] = {
+    "QCalverin.GetProperty",      "QCalverin.GetPropertyAsInt", "QCalverin.LoadShow",
+    "QCalverin.OnVariableChange", "QCalverin.SetProperty",      "QCalverin.SetPropertyAsInt",
+};
+
 static_assert(sizeof(kScriptCalls) / sizeof(kScriptCalls[0]) == 39, "the calls that are offered");
