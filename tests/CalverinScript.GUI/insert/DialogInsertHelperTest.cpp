@@ -1,5 +1,7 @@
 #include "DialogInsertHelper.h"
 
+#include <cstdio>
+
 #include <QApplication>
 #include <QLineEdit>
 #include <QListWidget>
@@ -122,7 +124,7 @@ TEST_F(TheInsertionDialog, NarrowsFiveThousandNamesBeforeTheUserNotices) {
         QTest::keyClick(&field, Qt::Key_Backspace);
         QCoreApplication::processEvents();
     });
-    RecordProperty("two_keys_ms", std::to_string(keys));
+    std::printf("        two keys over 5000 names: %.1f ms\n", keys);
     EXPECT_LT(keys, 200);
     EXPECT_EQ(List().count(), 5000);
 }
