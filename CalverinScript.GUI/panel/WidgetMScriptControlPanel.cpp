@@ -127,7 +127,7 @@ void WidgetMScriptControlPanel::ForgetDevice() {
     EnableControls(false);
     m_ui->pushButtonDebugCurrentSript->setEnabled(false);
     m_ui->tab_Script->Editor().setReadOnly(true);
-    m_ui->lineEditStatus->setText(tr("Device released"));
+    m_ui->lineEditStatus->setText(tr("Released"));
 }
 
 void WidgetMScriptControlPanel::CloseDialogs() {
@@ -149,7 +149,14 @@ QString WidgetMScriptControlPanel::GetText() const {
 }
 
 void WidgetMScriptControlPanel::ShowFileName(MScriptDescription* description) {
-    m_ui->lineEditScriptFileName->setText(description != nullptr ? description->GetDisplayText() : NoScript());
+    ShowFileName(description != nullptr ? description->GetDisplayText() : QString());
+}
+
+/// A name that is too long shows how it begins.
+void WidgetMScriptControlPanel::ShowFileName(const QString& name) {
+    m_ui->lineEditScriptFileName->setText(name.isEmpty() ? NoScript() : name);
+    m_ui->lineEditScriptFileName->setToolTip(name);
+    m_ui->lineEditScriptFileName->setCursorPosition(0);
 }
 
 /// To hear what a script is called takes a run of it, in which much may happen.
@@ -311,8 +318,7 @@ void WidgetMScriptControlPanel::SlotOnNotifyScriptFileNameChange(const QString& 
     if (!isNews || sScriptFileName == m_scriptFileName || IsModified())
         return;
     m_scriptFileName = sScriptFileName;
-    m_ui->lineEditScriptFileName->setText(sScriptFileName.isEmpty() ? NoScript()
-                                                                    : QDir::toNativeSeparators(sScriptFileName));
+    ShowFileName(QDir::toNativeSeparators(sScriptFileName));
 }
 
 void WidgetMScriptControlPanel::reject() {}

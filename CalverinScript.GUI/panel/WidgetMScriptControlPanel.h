@@ -63,6 +63,7 @@ private:
     QString GetText() const;
     bool IsModified() const { return GetText() != m_referenceText; }
     void ShowFileName(MScriptDescription* description);
+    void ShowFileName(const QString& name);
     void DescribeFileName();
     bool Save(bool asNew);
     void GiveToDevice(bool isSaved);

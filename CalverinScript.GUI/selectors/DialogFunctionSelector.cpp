@@ -20,6 +20,9 @@ DialogFunctionSelector::DialogFunctionSelector(QWidget* parent, const QStringLis
     connect(m_ui->listWidgetFunctionList, &QListWidget::itemDoubleClicked, this, &QDialog::accept);
     connect(m_ui->pushButtonOk, &QPushButton::clicked, this, &QDialog::accept);
     connect(m_ui->pushButtonCancel, &QPushButton::clicked, this, &QDialog::reject);
+    QPalette palette = m_ui->listWidgetFunctionList->palette(); // headings cannot be chosen, but are to be read
+    palette.setColor(QPalette::Disabled, QPalette::Text, palette.color(QPalette::Active, QPalette::Text));
+    m_ui->listWidgetFunctionList->setPalette(palette);
     // A list that gets the focus takes its first item by itself, unless it was told what is current.
     m_ui->listWidgetFunctionList->setCurrentIndex(QModelIndex());
     for (const QString& text : functions)
@@ -35,10 +38,15 @@ QString DialogFunctionSelector::Heading(const QString& deviceName) {
 void DialogFunctionSelector::AddLine(const QString& text, const QString& present) {
     QListWidget& list = *m_ui->listWidgetFunctionList;
     auto* item = new QListWidgetItem(text, &list);
-    if (text.startsWith(HeadingStart()))
+    item->setToolTip(text);
+    if (text.startsWith(HeadingStart())) {
+        QFont font = list.font();
+        font.setBold(true);
+        item->setFont(font);
         item->setFlags(Qt::NoItemFlags);
-    else if (text == present && list.currentItem() == nullptr)
+    } else if (text == present && list.currentItem() == nullptr) {
         list.setCurrentItem(item);
+    }
 }
 
 QString DialogFunctionSelector::GetText() const {

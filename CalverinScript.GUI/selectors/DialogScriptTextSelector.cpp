@@ -1,10 +1,14 @@
 #include "DialogScriptTextSelector.h"
 
-#include <QFontDatabase>
-
 #include "DialogMessage.h"
 #include "HostText.h"
 #include "ui_DialogScriptTextSelector.h"
+
+namespace {
+
+constexpr int kFontPoints = 9; ///< as in the editor
+
+} // namespace
 
 DialogScriptTextSelector::DialogScriptTextSelector(QWidget* parent, const QString& text)
     : QDialog(parent)
@@ -12,7 +16,9 @@ DialogScriptTextSelector::DialogScriptTextSelector(QWidget* parent, const QStrin
     m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     setWindowFlag(Qt::WindowMaximizeButtonHint, true);
-    m_ui->plainTextEdit->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    QFont font(QStringLiteral("Lucida Console"), kFontPoints);
+    font.setStyleHint(QFont::Monospace);
+    m_ui->plainTextEdit->setFont(font);
     m_ui->plainTextEdit->setPlainText(text);
     connect(m_ui->pushButtonOk, &QPushButton::clicked, this, &DialogScriptTextSelector::accept);
     connect(m_ui->pushButtonCancel, &QPushButton::clicked, this, &QDialog::reject);

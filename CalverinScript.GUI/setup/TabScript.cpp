@@ -124,20 +124,18 @@ void TabScript::SetDebugInfo(const QString& text) {
         return;
     m_isPraised = false;
     m_ui->lineEditDebugInfo->setText(text);
+    m_ui->lineEditDebugInfo->setToolTip(text);
+    m_ui->lineEditDebugInfo->setCursorPosition(0);
 }
 
 /// What is wrong stays to be read while it is mended; that all is well was said of another text.
 void TabScript::SlotTextChanged() {
-    if (!m_isPraised)
-        return;
-    SetDebugInfo(QStringLiteral(""));
-    m_ui->lineEditDebugInfo->setToolTip(QString());
+    if (m_isPraised)
+        SetDebugInfo(QStringLiteral(""));
 }
 
 void TabScript::ShowAnalysis(const AnalysisOutcome& analysis) {
     SetDebugInfo(QLatin1String("") + analysis.text);
-    m_ui->lineEditDebugInfo->setToolTip(analysis.text);
-    m_ui->lineEditDebugInfo->setCursorPosition(0);
     m_isPraised = analysis.succeeded;
     SlotOnNotifyLineErrorChange(analysis.line);
 }

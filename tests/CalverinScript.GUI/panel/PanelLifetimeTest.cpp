@@ -46,7 +46,7 @@ TEST_F(ThePanelsEnds, ADeviceThatIsReleasedLeavesItsPanelWithWhatItHad) {
     ReleaseDevice();
     EXPECT_TRUE(IsShown());
     EXPECT_EQ(Text(), "({ mine: 1 })") << "it can still be copied";
-    EXPECT_EQ(Status(), "Device released");
+    EXPECT_EQ(Status(), "Released");
     for (const char* button : {"pushButtonLoad", "pushButtonSave", "pushButtonSaveAs", "pushButtonRefreshFromDevice",
                                "pushButtonSync", "pushButtonEvaluate", "pushButtonDebugCurrentSript"})
         EXPECT_FALSE(Find<QPushButton>(Widget(), button).isEnabled()) << button;
@@ -130,7 +130,7 @@ TEST_F(ThePanelsEnds, TheHostMayReleaseTheDeviceOrDeleteItsWindowFromAQuestion) 
     GivenPanel();
     WhenAsked("GetUserMode", [this] { ReleaseDevice(); });
     panel->SetState(KXP_PANEL_VISIBLE, 1);
-    EXPECT_EQ(Status(), "Device released");
+    EXPECT_EQ(Status(), "Released");
 }
 
 TEST_F(ThePanelsEnds, WithTheHostsWindowItsOwnGoes) {
@@ -190,7 +190,7 @@ TEST_F(ThePanelsEnds, ADeviceMayBeReleasedWhileADialogOfItsPanelIsOpen) {
             EXPECT_FALSE(dialog.isVisible()) << opener.sentence;
         });
         opener.open(Widget());
-        EXPECT_TRUE(Comes([&] { return device == nullptr && Status() == "Device released"; })) << opener.sentence;
+        EXPECT_TRUE(Comes([&] { return device == nullptr && Status() == "Released"; })) << opener.sentence;
         ReleasePanel();
         GivenNewDevice();
     }
@@ -232,7 +232,7 @@ TEST_F(ThePanelsEnds, ADeviceMayBeReleasedWhileItLoadsAScriptThatHangs) {
     TypeScript("while (true) {}");
     Soon([this] { ReleaseDevice(); });
     Press("pushButtonSync");
-    EXPECT_EQ(Status(), "Device released");
+    EXPECT_EQ(Status(), "Released");
     EXPECT_EQ(Text(), "while (true) {}");
 }
 

@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QWindow>
 
+#include "Contrast.h"
 #include "Deadline.h"
 #include "MSelectorWizard.h"
 #include "SetupFixture.h"
@@ -394,6 +395,17 @@ TEST_F(TheSelectors, ADoubleClickPicksAFunctionAndDoesNothingOnAHeading) {
         ClickRow(dialog, 1, true);
     });
     EXPECT_EQ(params.value.Text(), "Play");
+}
+
+TEST_F(TheSelectors, AHeadingCanBeRead) {
+    GivenScript("({ Play: function() {} })");
+    Select(functions, [](QWidget& dialog) {
+        const QPalette palette = List(dialog).palette();
+        EXPECT_GE(Contrast(palette.color(QPalette::Disabled, QPalette::Text),
+                           palette.color(QPalette::Disabled, QPalette::Base)),
+                  4.5);
+        Escape(dialog);
+    });
 }
 
 TEST_F(TheSelectors, KeysPassOverAHeading) {
