@@ -25,7 +25,9 @@ void LibraryModule::GetConfigFilePath(char* buffer) {
     std::snprintf(buffer, kConfigPathSize, "%s", config.c_str());
 }
 
+/// Devices ask on the threads on which they are started, too.
 KXPCode WindowHost::QueryInterface(const char* name, void** out) {
+    const std::lock_guard<std::mutex> guard(m_asking);
     if (!colors.empty() && AnswerFace(name, out, {{"IThemeManager", static_cast<IThemeManager*>(this)}}) == KXP_OK)
         return KXP_OK;
     return plain::Host::QueryInterface(name, out);

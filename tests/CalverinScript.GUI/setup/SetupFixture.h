@@ -3,6 +3,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <mutex>
 #include <string>
 
 #include <QDeadlineTimer>
@@ -59,6 +60,7 @@ public:
     std::map<std::uint32_t, std::uint32_t> colors; ///< 0x00BBGGRR; without them the host has no theme
 
 private:
+    std::mutex m_asking; ///< guards what the plain host notes of each question
     void Tell(const char* operation) const {
         const auto hear = isAsked; // it may be replaced meanwhile
         if (hear)
