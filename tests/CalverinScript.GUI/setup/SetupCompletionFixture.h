@@ -40,6 +40,23 @@ inline double ShortestRun(const std::function<void()>& work) {
     return shortest;
 }
 
+/// How many times as long as other work some work takes, at best: both are done in turns, so that what else the machine does slows
+/// both alike in at least one of them.
+inline double SmallestRatio(const std::function<void()>& work, const std::function<void()>& other) {
+    constexpr int kTurns = 15;
+    double smallest = 1e9;
+    for (int turn = 0; turn < kTurns; ++turn) {
+        const auto begin = std::chrono::steady_clock::now();
+        other();
+        const auto between = std::chrono::steady_clock::now();
+        work();
+        const std::chrono::duration<double> first = between - begin;
+        const std::chrono::duration<double> second = std::chrono::steady_clock::now() - between;
+        smallest = std::min(smallest, second / first);
+    }
+    return smallest;
+}
+
 /// The setup dialog in a host that lists its objects.
 class TheDialogInAShow : public TheSetupDialog {
 protected:
