@@ -30,6 +30,11 @@ QString LibraryFolderOf(const MCalverinScript_Device* device) {
     return module != nullptr ? QFile::decodeName(module->GetScriptsFolder()) : QString();
 }
 
+QString LibraryPathOf(const MCalverinScript_Device* device, const QString& projectFile) {
+    const QString folder = LibraryFolderOf(device);
+    return projectFile.isEmpty() || folder.isEmpty() ? QString() : PathBelow(folder, QFileInfo(projectFile).fileName());
+}
+
 QString ProjectFolderOf(const MCalverinScript_Device* device) {
     return FolderOf(device, KXP_FOLDER_PROJECT_USER_DATA);
 }

@@ -17,6 +17,10 @@ struct MScriptDescription;
 /// The library's folder; empty when there is none, or no device.
 QString LibraryFolderOf(const MCalverinScript_Device* device);
 
+/// Where the library has the script of that name; empty without a name or a library.
+/// @param projectFile the project's copy, or its name.
+QString LibraryPathOf(const MCalverinScript_Device* device, const QString& projectFile);
+
 /// The project's user data; empty when the host tells none, or there is no device.
 QString ProjectFolderOf(const MCalverinScript_Device* device);
 

@@ -8,9 +8,8 @@
 #include "ScriptPlaces.h"
 
 bool ScriptSaving::Save(QString& projectFile, const QString& text) {
-    const QString folder = LibraryFolderOf(m_device);
-    const QString path = PathBelow(folder, QFileInfo(projectFile).fileName());
-    if (projectFile.isEmpty() || folder.isEmpty() || !CanWriteScriptFile(path))
+    const QString path = LibraryPathOf(m_device, projectFile);
+    if (path.isEmpty() || !CanWriteScriptFile(path))
         return SaveAs(projectFile, text);
     return Write(path, projectFile, text, projectFile);
 }

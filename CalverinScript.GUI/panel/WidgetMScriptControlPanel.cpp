@@ -101,6 +101,7 @@ void WidgetMScriptControlPanel::LoadFromDevice(MCalverinScript_Device* device) {
     m_scriptFileName = device->GetShownScript().fileName;
     m_referenceText = WithPlainLineEnds(device->GetShownScript().text);
     m_ui->tab_Script->SetText(m_referenceText);
+    m_seenFiles.Note(m_device, m_scriptFileName);
     DescribeFileName();
     m_ui->pushButtonDebugCurrentSript->setEnabled(m_device != nullptr && device->GetWorld().Debugger() != nullptr);
     EnableControls(m_device != nullptr);
@@ -193,6 +194,7 @@ void WidgetMScriptControlPanel::TakeOpened(const QString& path, MScriptDescripti
     const AnalysisOutcome loaded = LoadForAnalysis(*m_device, path);
     ShowFileName(&description);
     m_scriptFileName = path;
+    m_seenFiles.Note(m_device, m_scriptFileName);
     m_ui->tab_Script->ReplaceText(WithPlainLineEnds(m_device->GetAnalysis().GetSet().scriptText));
     m_ui->tab_Script->SetDebugInfo(loaded.succeeded ? QStringLiteral("") : loaded.text);
 }
@@ -209,6 +211,8 @@ bool WidgetMScriptControlPanel::Save(bool asNew) {
     if (m_device == nullptr || m_isAtWork)
         return false;
     const Work work(*this);
+    if (!asNew && !m_seenFiles.MayReplace(m_device, m_scriptFileName, this))
+        return false;
     ScriptSaving saving(*this, m_device, m_engine);
     const bool isSaved = asNew ? saving.SaveAs(m_scriptFileName, GetText()) : saving.Save(m_scriptFileName, GetText());
     if (!isSaved || m_device == nullptr)
@@ -217,6 +221,7 @@ bool WidgetMScriptControlPanel::Save(bool asNew) {
     ShowFileName(description.get());
     if (description == nullptr)
         m_scriptFileName.clear();
+    m_seenFiles.Note(m_device, m_scriptFileName);
     if (m_device == nullptr)
         return true;
     ScriptSet& analysed = m_device->GetAnalysis().GetSet();
@@ -268,6 +273,7 @@ void WidgetMScriptControlPanel::SlotRefreshFromDevice() {
     const ShownScript::State shown = m_device->GetShownScript();
     m_referenceText = WithPlainLineEnds(shown.text);
     m_scriptFileName = shown.fileName;
+    m_seenFiles.Note(m_device, m_scriptFileName);
     if (IsModified())
         m_ui->tab_Script->ReplaceText(m_referenceText);
     DescribeFileName();
@@ -309,6 +315,8 @@ void WidgetMScriptControlPanel::SlotOnNotifyScriptChange(const QString& sScript)
     m_referenceText = WithPlainLineEnds(sScript);
     if (!wasModified && IsModified())
         m_ui->tab_Script->ReplaceText(m_referenceText);
+    if (!wasModified)
+        m_seenFiles.Note(m_device, m_scriptFileName);
     SlotEnableSyncButton();
 }
 
@@ -318,6 +326,7 @@ void WidgetMScriptControlPanel::SlotOnNotifyScriptFileNameChange(const QString& 
     if (!isNews || sScriptFileName == m_scriptFileName || IsModified())
         return;
     m_scriptFileName = sScriptFileName;
+    m_seenFiles.Note(m_device, m_scriptFileName);
     ShowFileName(QDir::toNativeSeparators(sScriptFileName));
 }
 

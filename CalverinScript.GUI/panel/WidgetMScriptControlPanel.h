@@ -8,6 +8,7 @@
 
 #include "MCalverinScript_Device.h"
 #include "PanelUse.h"
+#include "SeenFiles.h"
 
 struct MScriptDescription;
 
@@ -76,5 +77,6 @@ private:
     QScriptEngine m_engine;                    ///< for analyses; never the device's
     QString m_referenceText;                   ///< what the device runs, with plain line ends
     QString m_scriptFileName;                  ///< of the text's file; empty without one
+    SeenFiles m_seenFiles;                     ///< those of the text
     bool m_isAtWork = false;                   ///< a slot waits for a dialog or for the device
 };

@@ -1,7 +1,5 @@
 #include "WidgetCalverinScriptGUI.h"
 
-#include <QFileInfo>
-
 #include "DialogMessage.h"
 #include "DialogSaveScriptOptions.h"
 #include "DialogSelectScript.h"
@@ -42,7 +40,7 @@ void WidgetCalverinScriptGUI::TakeOpened(const QString& path, MScriptDescription
     const AnalysisOutcome loaded = LoadForAnalysis(*m_device, path);
     ShowFileName(&description);
     m_scriptFileName = path;
-    NoteFiles();
+    m_seenFiles.Note(m_device, m_scriptFileName);
     m_ui->tab_Script->ReplaceText(m_device->GetAnalysis().GetSet().scriptText);
     if (loaded.succeeded) {
         m_ui->tab_Variables->SetVariables({});
@@ -59,34 +57,10 @@ void WidgetCalverinScriptGUI::SlotSaveFile() {
 
 /// @return false when the user kept what another program has written.
 bool WidgetCalverinScriptGUI::SaveFile() {
-    if (!LibraryPath().isEmpty() && CanWriteScriptFile(LibraryPath()) && !MayReplaceFiles())
+    if (!m_seenFiles.MayReplace(m_device, m_scriptFileName, this))
         return false;
     if (ScriptSaving(*this, m_device, *GetScratchEngine()).Save(m_scriptFileName, m_ui->tab_Script->GetText()))
         TakeSaved();
-    return true;
-}
-
-/// The script in the library; empty when the device has no script file, or there is no library.
-QString WidgetCalverinScriptGUI::LibraryPath() const {
-    const QString folder = LibraryFolderOf(m_device);
-    return m_scriptFileName.isEmpty() || folder.isEmpty() ? QString()
-                                                          : PathBelow(folder, QFileInfo(m_scriptFileName).fileName());
-}
-
-void WidgetCalverinScriptGUI::NoteFiles() {
-    m_seenInProject = ReadScriptFile(m_scriptFileName);
-    m_seenInLibrary = ReadScriptFile(LibraryPath());
-}
-
-/// Asks when one of the two files is not as the dialog has seen it. One that is gone has nothing to lose.
-bool WidgetCalverinScriptGUI::MayReplaceFiles() {
-    for (const auto& [path, seen] : {std::pair(m_scriptFileName, m_seenInProject), {LibraryPath(), m_seenInLibrary}}) {
-        const std::optional<QString> now = ReadScriptFile(path);
-        if (now && now != seen &&
-            !DialogMessage::Ask(
-                this, tr("The file '%1' was changed by another program.\n\nDo you want to overwrite it?").arg(path)))
-            return false;
-    }
     return true;
 }
 
@@ -100,7 +74,7 @@ void WidgetCalverinScriptGUI::TakeSaved() {
     ShowFileName(description.get());
     if (description == nullptr)
         m_scriptFileName.clear();
-    NoteFiles();
+    m_seenFiles.Note(m_device, m_scriptFileName);
     if (m_device == nullptr)
         return;
     ScriptSet& analysed = m_device->GetAnalysis().GetSet();

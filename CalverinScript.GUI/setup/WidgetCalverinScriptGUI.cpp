@@ -125,7 +125,7 @@ void WidgetCalverinScriptGUI::LoadOptions() {
 void WidgetCalverinScriptGUI::LoadScript() {
     m_scriptFileName = m_device->GetStoredSetup().GetScriptFileName();
     m_ui->tab_Script->SetText(m_device->GetStoredSetup().GetScriptText());
-    NoteFiles();
+    m_seenFiles.Note(m_device, m_scriptFileName);
 }
 
 void WidgetCalverinScriptGUI::LoadLists() {

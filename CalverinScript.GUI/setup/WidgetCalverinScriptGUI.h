@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 
 #include <QDialog>
 #include <QPointer>
@@ -12,6 +11,7 @@
 #include "KXPTypes.h"
 #include "MCalverinScript_Device.h"
 #include "ScriptRecords.h"
+#include "SeenFiles.h"
 
 struct MScriptDescription;
 
@@ -104,9 +104,6 @@ private:
     void TakeSaved();
     bool IsChangedSinceFile() const;
     bool AskWhereChangesGo();
-    void NoteFiles();
-    bool MayReplaceFiles();
-    QString LibraryPath() const;
     QString TextToStore() const;
     DeviceSetup MakeSetup() const;
 
@@ -114,12 +111,11 @@ private:
     QPointer<MCalverinScript_Device> m_device; ///< not owned
     QString m_scriptFileName;                  ///< of the project's copy; empty when the device has no script file
     std::unique_ptr<QScriptEngine> m_engine;
-    ScriptVariables m_loadedVariables;      ///< as the device had them; read-only
-    ScriptSettings m_settings;              ///< what the form shows
-    AnalysisOutcome m_analysis;             ///< the last one
-    QString m_analysedText;                 ///< its text
-    std::optional<QString> m_seenInProject; ///< the text of the device's file when the dialog dealt with it last
-    std::optional<QString> m_seenInLibrary; ///< that of the library's
+    ScriptVariables m_loadedVariables; ///< as the device had them; read-only
+    ScriptSettings m_settings;         ///< what the form shows
+    AnalysisOutcome m_analysis;        ///< the last one
+    QString m_analysedText;            ///< its text
+    SeenFiles m_seenFiles;             ///< those of the script
     bool m_isGivenUp = false;
     bool m_isTableFull = false; ///< the completion table was filled before the dialog was shown
 };

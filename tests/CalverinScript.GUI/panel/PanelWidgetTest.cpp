@@ -14,6 +14,7 @@
 namespace {
 
 constexpr const char* kFirst = "({ Who: function() { return 'first'; } })";
+constexpr const char* kThird = "({ Who: function() { return 'third'; } })";
 constexpr const char* kSecond = "({ Who: function() { return 'second'; } })";
 
 class ThePanelsScript : public PanelFixture {
@@ -117,6 +118,29 @@ TEST_F(ThePanelsScript, WithAFileIsSavedThereAndLoadedFromThere) {
     EXPECT_EQ(FileName(), "lamp (lamp.js)");
     EXPECT_EQ(Status(), "Loaded");
     EXPECT_EQ(Call("Who"), "second");
+}
+
+TEST_F(ThePanelsScript, OverwritesAFileThatAnotherProgramHasChangedOnlyWhenTheUserSaysSo) {
+    for (const std::string& changed : {Project(), Library()}) {
+        GivenRunningFile("lamp.js", kFirst);
+        GivenPanel();
+        TypeScript(kSecond);
+        Write(changed + "/lamp.js", kThird);
+        const std::string question = "The file '" + changed + "/lamp.js' was changed by another program.";
+        dialogs.Expect(::Press("pushButtonCancel", question.c_str()));
+        Press("pushButtonSave");
+        EXPECT_EQ(Read(changed, "lamp.js"), kThird);
+        dialogs.Expect(::Press("pushButtonOk", question.c_str()));
+        Press("pushButtonSave");
+        EXPECT_EQ(Read(changed, "lamp.js"), kSecond);
+        Press("pushButtonSave"); // it is the panel's own now
+        Write(changed + "/lamp.js", kThird);
+        dialogs.Expect(::Press("pushButtonCancel", question.c_str()));
+        Press("pushButtonSync");
+        EXPECT_EQ(Call("Who"), "second") << "the device takes the text without its file";
+        EXPECT_EQ(Read(changed, "lamp.js"), kThird);
+        ReleasePanel();
+    }
 }
 
 TEST_F(ThePanelsScript, KeepsTheLineEndsOfItsFile) {
