@@ -1,6 +1,10 @@
 #include "DialogInsertHelper.h"
 
+#include <algorithm>
 #include <iterator>
+
+#include <QCoreApplication>
+#include <QKeyEvent>
 
 #include "CompletionTable.h"
 #include "ObjectNames.h"
@@ -37,6 +41,7 @@ DialogInsertHelper::DialogInsertHelper(QWidget* parent)
     connect(m_ui->pushButtonOk, &QPushButton::clicked, this, &DialogInsertHelper::accept);
     connect(m_ui->pushButtonCancel, &QPushButton::clicked, this, &DialogInsertHelper::reject);
     SlotCheckObjectList();
+    m_ui->lineEditObject->installEventFilter(this);
     m_ui->lineEditObject->setFocus();
 }
 
@@ -55,6 +60,15 @@ void DialogInsertHelper::Init(const QStandardItemModel* model, InsertKind kind) 
 QString DialogInsertHelper::GetText() const {
     const QListWidgetItem* chosen = m_ui->listObjectList->currentItem();
     return chosen != nullptr ? chosen->text() : QString();
+}
+
+/// The keys that choose in a list do so from the filter too.
+bool DialogInsertHelper::eventFilter(QObject* watched, QEvent* event) {
+    constexpr int kChoosing[] = {Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown};
+    const bool isChoosing = watched == m_ui->lineEditObject && event->type() == QEvent::KeyPress &&
+                            std::find(std::begin(kChoosing), std::end(kChoosing),
+                                      static_cast<QKeyEvent*>(event)->key()) != std::end(kChoosing);
+    return isChoosing ? QCoreApplication::sendEvent(m_ui->listObjectList, event) : QDialog::eventFilter(watched, event);
 }
 
 void DialogInsertHelper::SlotTextChanged(const QString& sText) {

@@ -26,6 +26,9 @@ public:
     /// The chosen name; empty without one.
     QString GetText() const;
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private Q_SLOTS:
     void SlotTextChanged(const QString& sText);
     void SlotCheckObjectList();

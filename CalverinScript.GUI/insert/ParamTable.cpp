@@ -119,6 +119,7 @@ void ShowParams(QTableWidget& table, const std::vector<OfferedParam>& params, co
     table.setRowCount(static_cast<int>(params.size()));
     for (int row = 0; row < table.rowCount(); ++row)
         ShowParam(table, row, params[static_cast<std::size_t>(row)], changed);
+    table.setCurrentCell(0, ParamColumn::Value, QItemSelectionModel::NoUpdate); // where the keyboard begins
 }
 
 std::vector<GivenParam> ReadParamTable(const QTableWidget& table) {

@@ -46,7 +46,7 @@ PanelWindow::PanelWindow(const QString& title)
     : m_modes(new QComboBox)
     , m_themes(new QComboBox)
     , m_shown(new QCheckBox(QStringLiteral("&Panel shown")))
-    , m_startStop(new QPushButton(QStringLiteral("&Stop device")))
+    , m_startStop(new QPushButton(QStringLiteral("Stop de&vice")))
     , m_commands(new QPushButton(QStringLiteral("Stored &commands..."))) {
     QGuiApplication::setQuitOnLastWindowClosed(false); // the module's waits are not to end with it
     setWindowTitle(QStringLiteral("stagehost: ") + title);
@@ -128,7 +128,7 @@ void PanelWindow::StartOrStop() {
     if (!isBack)
         PrintProblem(QStringLiteral("the device does not come back from its %1")
                          .arg(m_isStarted ? QStringLiteral("start") : QStringLiteral("stop")));
-    m_startStop->setText(m_isStarted ? QStringLiteral("&Stop device") : QStringLiteral("&Start device"));
+    m_startStop->setText(m_isStarted ? QStringLiteral("Stop de&vice") : QStringLiteral("Start de&vice"));
     m_startStop->setEnabled(true);
 }
 

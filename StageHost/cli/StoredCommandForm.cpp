@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "BorderText.h"
+#include "ValueFactory.h"
 
 namespace stagehost {
 
@@ -102,9 +103,10 @@ void StoredCommandForm::AddRow(const ValueSpec& parameter, const StoredCommandXm
     const QString name = FromBorderText(parameter.name);
     row.field->setObjectName(name);
     row.field->setAccessibleName(name);
+    row.field->setText(FromBorderText(MakeValue(parameter)->Text()));
     for (const ValueSpec& value : stored.Command().parameters)
         if (value.name == parameter.name)
-            row.field->setText(FromBorderText(value.text));
+            row.field->setText(FromBorderText(MakeValue(value)->Text()));
     for (const auto& [bound, variable] : stored.Bindings())
         if (bound == number)
             row.variable = variable;

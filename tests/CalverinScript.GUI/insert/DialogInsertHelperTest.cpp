@@ -138,6 +138,23 @@ TEST_F(TheInsertionDialog, ReturnTakesTheFirstNameThatIsLeft) {
     EXPECT_EQ(dialog.GetText(), QStringLiteral("Mode"));
 }
 
+TEST_F(TheInsertionDialog, TheKeysOfTheListWorkFromTheFilterToo) {
+    Open();
+    auto& filter = Find<QLineEdit>(dialog, "lineEditObject");
+    QTest::keyClick(&filter, Qt::Key_M);
+    ASSERT_EQ(Seen(), "[Mode] Name");
+    QTest::keyClick(&filter, Qt::Key_Down);
+    EXPECT_EQ(Seen(), "Mode [Name]");
+    QTest::keyClick(&filter, Qt::Key_Up);
+    EXPECT_EQ(Seen(), "[Mode] Name");
+    QTest::keyClick(&filter, Qt::Key_PageDown);
+    EXPECT_EQ(Seen(), "Mode [Name]");
+    EXPECT_TRUE(filter.hasFocus());
+    QTest::keyClick(&filter, Qt::Key_Return);
+    EXPECT_EQ(dialog.result(), QDialog::Accepted);
+    EXPECT_EQ(dialog.GetText(), QStringLiteral("Name"));
+}
+
 TEST_F(TheInsertionDialog, ReturnDoesNothingWhileNoNameIsChosen) {
     Open();
     QTest::keyClick(&Find<QLineEdit>(dialog, "lineEditObject"), Qt::Key_Return);

@@ -295,6 +295,18 @@ TEST_F(TheComposer, ATypedValueIsInTheResultAtOnceAndReturnLeavesTheDialogOpen) 
     EXPECT_TRUE(dialog->isVisible());
 }
 
+TEST_F(TheComposer, TheKeyboardBeginsAtTheFirstValueAndTypingOpensIt) {
+    Open();
+    Choose("Dmx", "Set");
+    auto& table = Find<QTableWidget>(*dialog, "tableWidgetParams");
+    table.setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&table, Qt::Key_8);
+    ASSERT_NE(QApplication::focusWidget(), &table);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_0);
+    FinishCell();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ValueOf("Level") == "80"; }, kDeadlineMs));
+}
+
 TEST_F(TheComposer, ATimeHasNoValueUntilOneIsTyped) {
     Open();
     Choose("Dmx", "All");
