@@ -1,5 +1,7 @@
 #include "SetupInterface.h"
 
+#include <optional>
+
 #include "BusyCursor.h"
 #include "HostScreen.h"
 #include "HostText.h"
@@ -24,21 +26,27 @@ KXPCode RunDialog(MCalverinScript_Device& device, const char* scriptName) {
     IMInterface* host = device.GetModule() != nullptr ? device.GetModule()->GetHost() : nullptr;
     const QPointer<MCalverinScript_Device> kept(&device);
     const ModalLoop loop;
+    std::optional<HostDoor::Visit> visit(std::in_place,
+                                         device.GetDoor()); // the host may release it whenever it is asked
     QWinWidget parent(MainWindowOf(host));
     WidgetCalverinScriptGUI dialog(&parent);
     QObject::connect(&parent, &QWinWidget::SignalParentGone, &dialog, &WidgetCalverinScriptGUI::SlotGiveUp);
     WearTheme(dialog, host);
     parent.Adopt(dialog);
     RebuildCompletions(device);
-    if (kept == nullptr)
+    if (device.GetDoor().IsClosed())
         return KXP_CANCELLED;
     device.GetSetupDesk().Begin();
     dialog.LoadFromDevice(&device);
-    if (scriptName != nullptr)
+    if (scriptName != nullptr && !device.GetDoor().IsClosed())
         dialog.OpenScript(FromHostText(scriptName));
-    const bool isAccepted = dialog.exec() == QDialog::Accepted;
-    if (kept == nullptr)
+    if (device.GetDoor().IsClosed())
         return KXP_CANCELLED;
+    visit.reset(); // while the user works the device may be released and end
+    const bool isAccepted = dialog.exec() == QDialog::Accepted;
+    if (kept == nullptr || kept->GetDoor().IsClosed())
+        return KXP_CANCELLED;
+    visit.emplace(device.GetDoor());
     const BusyCursor busy;
     return isAccepted ? dialog.StoreToDevice(&device) : device.GetSetupDesk().Cancel();
 }

@@ -3,10 +3,11 @@
 #include <memory>
 
 #include <QDialog>
+#include <QPointer>
 
+#include "MCalverinScript_Device.h"
 #include "ScriptList.h"
 
-class MCalverinScript_Device;
 class QListWidgetItem;
 
 namespace Ui {
@@ -39,5 +40,5 @@ private:
 
     const std::unique_ptr<Ui::DialogSaveScript> m_ui;
     ScriptList m_scripts;
-    const MCalverinScript_Device* m_device = nullptr;
+    QPointer<const MCalverinScript_Device> m_device; ///< it may go while a dialog is open
 };

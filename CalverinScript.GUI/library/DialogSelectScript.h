@@ -3,10 +3,11 @@
 #include <memory>
 
 #include <QDialog>
+#include <QPointer>
 
+#include "MCalverinScript_Device.h"
 #include "ScriptList.h"
 
-class MCalverinScript_Device;
 class QListWidgetItem;
 
 namespace Ui {
@@ -50,7 +51,7 @@ private:
 
     const std::unique_ptr<Ui::DialogSelectScript> m_ui;
     ScriptList m_scripts;
-    const MCalverinScript_Device* m_device = nullptr;
+    QPointer<const MCalverinScript_Device> m_device; ///< it may go while a dialog is open
     QScriptEngine* m_engine = nullptr;
     QString m_path;
     MScriptDescription* m_description = nullptr; ///< owned by the list

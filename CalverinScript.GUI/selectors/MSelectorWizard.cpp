@@ -56,9 +56,14 @@ KXPCode MSelectorWizard::QueryInterface(const char* name, void** out) {
 }
 
 KXPCode MSelectorWizard::Release() {
-    if (m_endsWithRelease)
-        delete this;
+    m_isReleased = m_endsWithRelease;
+    EndUnlessUsed();
     return KXP_OK;
+}
+
+void MSelectorWizard::EndUnlessUsed() {
+    if (m_isReleased && m_inside == 0)
+        delete this;
 }
 
 std::uint32_t MSelectorWizard::Reserved3(void* /*argument*/) {
@@ -76,10 +81,18 @@ IMInterface* MSelectorWizard::CreateObject(const char* name) {
     return static_cast<IPropertySelector*>(m_kind.make());
 }
 
-/// When the dialog is closed, this object may be gone.
+/// The host may release this object whenever it is asked, and while the dialog is open; it ends with the last use of it.
 std::uint32_t MSelectorWizard::Select(void* /*reserved1*/, IObjectParams* params, const char* name,
                                       void* /*reserved2*/) {
     ExpectThread(ThreadWord::HostMain, "IPropertySelector::Select");
+    ++m_inside;
+    const std::uint32_t answer = AskFor(params, name);
+    --m_inside;
+    EndUnlessUsed();
+    return answer;
+}
+
+std::uint32_t MSelectorWizard::AskFor(IObjectParams* params, const char* name) const {
     IObjectParam* param = FindParam(params, name);
     if (param == nullptr || !CanShowDialogs())
         return 0;

@@ -60,16 +60,20 @@ protected:
     /// @param kind lives for ever. @param endsWithRelease whether CreateObject has made it.
     MSelectorWizard(const Kind& kind, bool endsWithRelease);
 
-    /// Asks the user. This object may be gone when the dialog is closed, and so may be what `place` names.
+    /// Asks the user. What `place` names may be gone when the dialog is closed.
     /// @return nothing when the user leaves it as it is.
     virtual std::optional<QString> Ask(QWinWidget& parent, const Place& place, const Subject& subject) const = 0;
 
 private:
     static Place& ThePlace();
+    std::uint32_t AskFor(IObjectParams* params, const char* name) const;
+    void EndUnlessUsed();
 
     const Kind& m_kind;
     const bool m_endsWithRelease;
-    std::string m_name; ///< what GetName gives
+    int m_inside = 0;          ///< calls of Select that run
+    bool m_isReleased = false; ///< ends when the last of them returns
+    std::string m_name;        ///< what GetName gives
 };
 
 /// Picks a script file.

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QPalette>
+#include <QPointer>
 #include <QWidget>
 
 #include "IHostServices.h"
@@ -148,14 +149,19 @@ QString BuildThemeStyleSheet(IMInterface* host) {
 }
 
 void WearTheme(QWidget& dialog, IMInterface* host) {
+    const QPointer<QWidget> kept(&dialog); // the host may close its window when it is asked
     auto* theme = QueryFace<IThemeManager>(host, "IThemeManager");
-    auto* worn = static_cast<PalettePainter*>(
-        dialog.findChild<QObject*>(QLatin1String(kPainterName), Qt::FindDirectChildrenOnly));
     QString sheet;
+    QPalette palette;
     if (theme != nullptr) {
+        palette = PaletteOf(*theme);
         const QString unused = Between(ColorOf(*theme, TextTone), ColorOf(*theme, GroundTone)).name();
         sheet = BuildThemeStyleSheet(host) + InColors(kReadableFields, *theme).replace(QStringLiteral("%6"), unused);
     }
+    if (kept == nullptr)
+        return;
+    auto* worn = static_cast<PalettePainter*>(
+        dialog.findChild<QObject*>(QLatin1String(kPainterName), Qt::FindDirectChildrenOnly));
     if (sheet == dialog.styleSheet() || (theme == nullptr && worn == nullptr))
         return;
     if (worn != nullptr) {
@@ -164,6 +170,6 @@ void WearTheme(QWidget& dialog, IMInterface* host) {
         delete worn;
     }
     if (theme != nullptr)
-        new PalettePainter(dialog, PaletteOf(*theme));
+        new PalettePainter(dialog, palette);
     dialog.setStyleSheet(sheet);
 }

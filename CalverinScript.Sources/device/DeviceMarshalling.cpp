@@ -71,7 +71,9 @@ bool MCalverinScript_Device::EvaluateScriptCommand(const QString& text, bool sto
 bool MCalverinScript_Device::EvaluateScript(const QString& text, QScriptEngine* analysisEngine) {
     if (analysisEngine == nullptr)
         return Marshal(MarshalledCallTable::kEvaluateScript, text, false);
-    return analysis->RunOn(*analysisEngine, text);
+    const HostDoor::Visit visit(
+        door); // the script's names are looked up in the host, which may release the device then
+    return !door.IsClosed() && analysis->RunOn(*analysisEngine, text);
 }
 
 bool MCalverinScript_Device::ExecuteScriptFunction(const char* name, IData* result, const char** params) {

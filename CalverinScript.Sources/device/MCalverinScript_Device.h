@@ -119,6 +119,7 @@ public:
     StoredSetup& GetStoredSetup() { return storedSetup; }
     /// Where dialogs read and change it.
     SetupDesk& GetSetupDesk() const { return *desk; }
+    HostDoor& GetDoor() { return door; }
     /// What the last analysis of a script saw, and how long one may take.   [host main]
     ScriptAnalysis& GetAnalysis() const { return *analysis; }
     /// Empties the completion table, which all devices share, and fills it anew with what this device may see. The host is asked
