@@ -298,10 +298,10 @@ TEST_F(TheComposer, ATypedValueIsInTheResultAtOnceAndReturnLeavesTheDialogOpen) 
 TEST_F(TheComposer, TheKeyboardBeginsAtTheFirstValueAndTypingOpensIt) {
     Open();
     Choose("Dmx", "Set");
-    auto& table = Find<QTableWidget>(*dialog, "tableWidgetParams");
-    table.setFocus(Qt::TabFocusReason);
-    QTest::keyClick(&table, Qt::Key_8);
-    ASSERT_NE(QApplication::focusWidget(), &table);
+    auto& shown = Find<QTableWidget>(*dialog, "tableWidgetParams");
+    shown.setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&shown, Qt::Key_8);
+    ASSERT_NE(QApplication::focusWidget(), &shown);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_0);
     FinishCell();
     EXPECT_TRUE(QTest::qWaitFor([&] { return ValueOf("Level") == "80"; }, kDeadlineMs));

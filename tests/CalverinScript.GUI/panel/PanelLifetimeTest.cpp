@@ -56,6 +56,29 @@ TEST_F(ThePanelsEnds, ADeviceThatIsReleasedLeavesItsPanelWithWhatItHad) {
     EXPECT_TRUE(IsShown());
 }
 
+TEST_F(ThePanelsEnds, ADeviceMayBeReleasedWhileAScriptToImportIsChosen) {
+    GivenRunningScript(kScript);
+    GivenPanel();
+    dialogs.Expect([&](QWidget& load) {
+        dialogs.Expect([&](QWidget&) { ReleaseDevice(); });
+        Click(load, "pushButtonImport");
+    });
+    Press("pushButtonLoad");
+    EXPECT_EQ(Status(), "Released");
+}
+
+TEST_F(ThePanelsEnds, ADeviceMayBeReleasedWhenTheHostIsAskedForAColorOfItsSetupDialog) {
+    GivenColors();
+    GivenScript(kScript);
+    WhenAsked("GetColor", [this] { ReleaseDevice(); });
+    MCalverinScript_Device* const asked = device;
+    EXPECT_EQ(asked->ShowSetup(nullptr), KXPCode{KXP_CANCELLED});
+    GivenNewDevice();
+    WhenAsked("GetMainWindow", [this] { ReleaseDevice(); });
+    MCalverinScript_Device* const askedAgain = device;
+    EXPECT_EQ(askedAgain->ShowSetup(nullptr), KXPCode{KXP_CANCELLED});
+}
+
 TEST_F(ThePanelsEnds, APanelThatIsReleasedLeavesItsDevice) {
     GivenRunningScript(kScript);
     GivenPanel();

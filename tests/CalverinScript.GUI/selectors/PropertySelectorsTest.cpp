@@ -479,6 +479,20 @@ TEST_F(TheSelectors, MayBeReleasedWhileTheyAsk) {
     }
 }
 
+TEST_F(TheSelectors, MayBeReleasedFromWhatTheyAskTheHost) {
+    for (MSelectorWizard* maker : std::initializer_list<MSelectorWizard*>{&files, &texts, &functions}) {
+        auto* made = QueryFace<IPropertySelector>(maker->CreateObject(maker->GetRegisteredName()), "IPropertySelector");
+        host.isAsked = [&](const std::string& operation) {
+            if (operation == "GetMainWindow" && made != nullptr)
+                std::exchange(made, nullptr)->Release();
+        };
+        IPropertySelector& asking = *made;
+        EXPECT_EQ(Select(asking, [](QWidget& dialog) { Escape(dialog); }), 1u);
+        EXPECT_EQ(made, nullptr);
+        host.isAsked = nullptr;
+    }
+}
+
 TEST_F(TheSelectors, OutliveTheDeviceWhoseFunctionsTheyShow) {
     GivenScript("({ Play: function() {} })");
     Select(functions, [&](QWidget& dialog) {

@@ -46,6 +46,36 @@ TEST_F(EndOfDevice, AScriptThatLoopsForeverIsEndedWithItAndItsRequestToo) {
     EXPECT_EQ(module.removed, 1);
 }
 
+/// Does something when it is asked for a parameter.
+class AskedParams : public plain::Params {
+public:
+    AskedParams(const std::vector<std::string>& texts, std::function<void()> isAsked)
+        : plain::Params(texts)
+        , m_isAsked(std::move(isAsked)) {}
+    virtual ~AskedParams() = default;
+    IObjectParam* GetParam(std::uint32_t index) override {
+        if (const auto work = std::exchange(m_isAsked, nullptr))
+            work();
+        return plain::Params::GetParam(index);
+    }
+
+private:
+    std::function<void()> m_isAsked;
+};
+
+TEST_F(EndOfDevice, MayComeWhileTheHostIsAskedForACommandsParameters) {
+    for (const int command : {1, 2, 3}) {
+        GivenScript("({ Go: function() {} })");
+        AskedParams params({"Go", "", "", "", "", "", "", "", "", ""}, [this] { Release(); });
+        plain::Context unused;
+        MCalverinScript_Device* const asked = device;
+        EXPECT_EQ(asked->ExecuteCommand(command, &params, &unused), KXPCode{KXP_BAD_COMMAND}) << command;
+        EXPECT_EQ(unused.Begun(), unused.Ended());
+        EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 0u);
+        MakeDevice();
+    }
+}
+
 TEST_F(EndOfDevice, AScriptThatCatchesEverythingInItsLoopIsEndedToo) {
     WhenItHangs("while (true) { try { while (true) {} } catch (e) {} }");
     EXPECT_LT(Release(), kPromptMs);
