@@ -71,8 +71,29 @@ void DefaultVariables::Unbind() {
     WaitForWriters(guard);
 }
 
+DefaultVariables::Replacement::Replacement(DefaultVariables& defaults)
+    : m_defaults(defaults) {
+    {
+        const std::lock_guard<std::mutex> guard(m_defaults.m_lock);
+        ++m_defaults.m_replacements;
+    }
+    m_defaults.Unbind();
+}
+
+DefaultVariables::Replacement::~Replacement() {
+    const std::lock_guard<std::mutex> guard(m_defaults.m_lock);
+    --m_defaults.m_replacements;
+}
+
 void DefaultVariables::Bind(const Find& find) {
-    if (Take(find, nullptr))
+    unsigned seen = 0;
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        if (m_replacements > 0)
+            return;
+        seen = m_unbinds;
+    }
+    if (Take(find, seen))
         WriteKept();
 }
 
@@ -84,21 +105,31 @@ void DefaultVariables::BindUnlessBound(const Find& find) {
             return;
         seen = m_unbinds;
     }
-    if (Take(find, &seen))
+    if (Take(find, seen))
         WriteKept();
 }
 
-/// Asks the host without the lock. @param seenUnbinds when given, what was found counts only if nothing
-/// was let go since.
+/// Under the lock: whether what was found since then is the host's no more.
+bool DefaultVariables::IsOutdated(unsigned seenUnbinds) const {
+    return m_state == State::Forgotten || seenUnbinds != m_unbinds;
+}
+
+/// Asks the host without the lock. It may replace its values or release the device when it is asked, and what it gives
+/// then is not touched.
 /// @return whether the values are new.
-bool DefaultVariables::Take(const Find& find, const unsigned* seenUnbinds) {
+bool DefaultVariables::Take(const Find& find, unsigned seenUnbinds) {
     std::array<Target, kDefaultVariableCount> found{};
     for (std::size_t i = 0; i < found.size(); ++i) {
         found[i].data = find(kDefaultVariables[i]);
+        {
+            const std::lock_guard<std::mutex> guard(m_lock);
+            if (IsOutdated(seenUnbinds))
+                return false;
+        }
         found[i].items = QueryFace<IEnumData>(found[i].data, "IEnumData");
     }
     const std::lock_guard<std::mutex> guard(m_lock);
-    if (m_state == State::Forgotten || (seenUnbinds != nullptr && *seenUnbinds != m_unbinds))
+    if (IsOutdated(seenUnbinds))
         return false;
     m_state = State::Unbound;
     m_targets = found;

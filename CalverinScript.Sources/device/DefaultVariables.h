@@ -36,6 +36,18 @@ public:
 
     /// Before the host drops its values.   [host main]
     void Unbind();
+    /// The time in which the host replaces its values. It may come back for another replacement meanwhile; what that one
+    /// would bind is dropped by the outer one, so nothing is bound before the outermost is over.   [host main]
+    class Replacement {
+    public:
+        explicit Replacement(DefaultVariables& defaults);
+        ~Replacement();
+        Replacement(const Replacement&) = delete;
+        Replacement& operator=(const Replacement&) = delete;
+
+    private:
+        DefaultVariables& m_defaults;
+    };
     /// Looks all up and writes what was kept.   [host main]
     void Bind(const Find& find);
     /// The same, where the values were never found.   [any host thread]
@@ -55,7 +67,8 @@ private:
     bool Enter(DefaultVariable variable, const Write& write, Target& target);
     void Leave();
     void WaitForWriters(std::unique_lock<std::mutex>& guard);
-    bool Take(const Find& find, const unsigned* seenUnbinds);
+    bool Take(const Find& find, unsigned seenUnbinds);
+    bool IsOutdated(unsigned seenUnbinds) const;
     void WriteKept();
 
     std::mutex m_lock; ///< guards all that follows
@@ -65,4 +78,5 @@ private:
     std::map<DefaultVariable, Write> m_kept; ///< while unbound
     int m_inside = 0;                        ///< writes that are inside the host
     unsigned m_unbinds = 0;                  ///< how often the values were let go
+    int m_replacements = 0;                  ///< one inside the other
 };

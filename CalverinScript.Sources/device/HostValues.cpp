@@ -11,7 +11,7 @@ bool HostValues::Offer(const std::string& definition) {
     if (m_variables == nullptr)
         return false;
     bool taken = false;
-    m_defaults.Unbind();
+    const DefaultVariables::Replacement replacing(m_defaults);
     Gate().Replace([&] {
         taken = m_variables->SetDefinition(definition.c_str()) == 1;
         m_accessors.Rebind(VariableOrigin::Device, [this](const QString& name) { return Find(name); });

@@ -145,6 +145,30 @@ TEST_F(DefaultValues, OfWhatAStartHasFoundNothingCountsOnceTheHostHasReplacedThe
     EXPECT_TRUE(host.error.History().empty());
 }
 
+TEST_F(DefaultValues, AreNotBoundToWhatAnOuterReplacementIsAboutToDrop) {
+    plain::Variables dropped;
+    {
+        const DefaultVariables::Replacement outer(defaults);
+        { const DefaultVariables::Replacement inner(defaults); }
+        defaults.Bind([&](const char* name) { return dropped.GetVariable(name); });
+        Error("kept");
+    }
+    EXPECT_TRUE(dropped.error.History().empty());
+    Bind();
+    EXPECT_EQ(host.error.Text(), "kept");
+}
+
+TEST_F(DefaultValues, ThatAreFoundWhileTheDeviceEndsAreNotTouched) {
+    constexpr std::uintptr_t kGone = 8; // no memory is there
+    int asked = 0;
+    defaults.Bind([&](const char*) {
+        ++asked;
+        defaults.Forget();
+        return reinterpret_cast<IData*>(kGone);
+    });
+    EXPECT_EQ(asked, 1);
+}
+
 TEST_F(DefaultValues, AreNeverTouchedAgainOnceTheyAreForgotten) {
     Bind();
     defaults.Forget();
