@@ -146,7 +146,8 @@ public:
     virtual char* Duplicate() const;
 
     /// Prints, in the way of printf. The arguments may use the string's own text. A null format, one that writes to
-    /// memory ("%n"), numbers its arguments ("%1$d") or cannot be printed, and widths beyond a million, clear the string.
+    /// memory ("%n"), numbers its arguments ("%1$d") or cannot be printed, and widths beyond a million, clear the
+    /// string instead.
     /// @return the printed length, 0 when the string was cleared.
     [[gnu::format(printf, 2, 3)]] virtual std::int32_t Format(const char* format, ...);
 

@@ -25,7 +25,7 @@ const char* NullText() {
     return null;
 }
 
-/// By a pointer to the function, since compilers hold a format against its arguments, and some here do not fit on purpose.
+/// By a pointer to the function: compilers hold a format against its arguments, and some here do not fit on purpose.
 template <class... Arguments>
 std::string Print(const char* format, Arguments... arguments) {
     MString string("before");
