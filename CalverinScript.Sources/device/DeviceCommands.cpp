@@ -10,8 +10,7 @@
 KXPCode MCalverinScript_Device::ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) {
     ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::ExecuteCommand");
     const HostDoor::Visit visit(door); // the host may release the device when it is asked for a parameter's value
-    const KXPCode code = MayPost() ? hostCommands->Take(id, params, context) : KXPCode{KXP_BAD_COMMAND};
-    return MayPost() ? code : KXPCode{KXP_BAD_COMMAND};
+    return MayPost() ? hostCommands->Take(id, params, context) : KXPCode{KXP_BAD_COMMAND};
 }
 
 bool MCalverinScript_Device::MayPost() const {

@@ -60,6 +60,11 @@ KXPCode HostCommands::Take(std::int32_t id, IObjectParams* params, IExecContext*
     return PostUsers(id, *params, context);
 }
 
+/// The host may have released the device when it was asked for the parameters.
+KXPCode HostCommands::Post(const ScriptRequest& request, IExecContext* context) {
+    return m_parts.road.Post(request, context) ? KXP_OK : KXP_BAD_COMMAND;
+}
+
 KXPCode HostCommands::PostBuiltIn(std::int32_t id, IObjectParams& params, IExecContext* context) {
     const std::uint32_t needed = id == kExecuteFunctionWithParams ? kParamsOfExecuteWithParams : 1;
     if (params.GetParamCount() < needed)
@@ -67,15 +72,13 @@ KXPCode HostCommands::PostBuiltIn(std::int32_t id, IObjectParams& params, IExecC
     ParamText first;
     const char* text = first.Read(params.GetParam(0));
     if (id == kLoadFromFile || id == kLoadFromText) {
-        m_parts.road.Post(ScriptRequest::Load(static_cast<BuiltInCommand>(id), text), context);
-        return KXP_OK;
+        return Post(ScriptRequest::Load(static_cast<BuiltInCommand>(id), text), context);
     }
     if (!m_parts.program.HasFunction(text))
         return KXP_SCRIPT_FAILED;
     if (id == kExecuteFunctionWithParams)
         return PostWithParams(text, params, context);
-    m_parts.road.Post(ScriptRequest::Function(text), context);
-    return KXP_OK;
+    return Post(ScriptRequest::Function(text), context);
 }
 
 KXPCode HostCommands::PostWithParams(const char* function, IObjectParams& params, IExecContext* context) {
@@ -84,8 +87,7 @@ KXPCode HostCommands::PostWithParams(const char* function, IObjectParams& params
     for (std::size_t i = 0; i < texts.size(); ++i)
         texts[i] = owned[i].Read(params.GetParam(static_cast<std::uint32_t>(2 + i)));
     IData* result = EffectiveData(params.GetParam(1));
-    m_parts.road.Post(ScriptRequest::Function(function, result, texts.data()), context);
-    return KXP_OK;
+    return Post(ScriptRequest::Function(function, result, texts.data()), context);
 }
 
 /// The first parameter takes the result, at most eight others reach the function as texts.
@@ -110,6 +112,5 @@ KXPCode HostCommands::PostUsers(std::int32_t id, IObjectParams& params, IExecCon
         texts[place] = owned[place].constData();
     }
     IData* result = m_parts.writesResults ? EffectiveData(params.GetParam(0)) : nullptr;
-    m_parts.road.Post(ScriptRequest::Function(name.constData(), result, texts.data()), context);
-    return KXP_OK;
+    return Post(ScriptRequest::Function(name.constData(), result, texts.data()), context);
 }

@@ -12,6 +12,7 @@ class IScriptReports;
 class ScriptProgram;
 class UserCommands;
 struct MScriptCommand;
+struct ScriptRequest;
 
 /// Takes the commands that the host sends: it reads the texts of their parameters and posts what they ask for. A
 /// parameter's value is that of the variable bound to it, where there is one.   [all: any host thread]
@@ -36,6 +37,7 @@ public:
     KXPCode Take(std::int32_t id, IObjectParams* params, IExecContext* context);
 
 private:
+    KXPCode Post(const ScriptRequest& request, IExecContext* context);
     KXPCode PostBuiltIn(std::int32_t id, IObjectParams& params, IExecContext* context);
     KXPCode PostWithParams(const char* function, IObjectParams& params, IExecContext* context);
     KXPCode PostUsers(std::int32_t id, IObjectParams& params, IExecContext* context);
