@@ -26,7 +26,7 @@ IObjectParam* FindParam(IObjectParams* params, const char* name) {
 
 QString TakeText(IData& data) {
     char* text = data.GetValueAsString();
-    const QString copy = FromHostText(text);
+    QString copy = FromHostText(text);
     data.ReleaseString(&text);
     return copy;
 }
