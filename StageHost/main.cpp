@@ -8,6 +8,7 @@
 #include "CommandTable.h"
 #include "ExitCodes.h"
 #include "MainWait.h"
+#include "NearNames.h"
 #include "Output.h"
 #include "ToolkitMessages.h"
 
@@ -46,7 +47,7 @@ int BadUse(const Options& options, const QString& problem) {
 }
 
 int NoCommand(const Options& options, const QString& name) {
-    return BadUse(options, QStringLiteral("there is no command \"%1\"").arg(name));
+    return BadUse(options, QStringLiteral("there is no command \"%1\"").arg(name) + NamesInstead(name, CommandNames()));
 }
 
 /// The help of a command, as "help COMMAND" or "COMMAND --help", or of the program.

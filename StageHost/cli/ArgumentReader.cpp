@@ -4,6 +4,8 @@
 
 #include <QCommandLineParser>
 
+#include "NearNames.h"
+
 namespace stagehost {
 
 namespace {
@@ -53,6 +55,17 @@ void AddOptions(QCommandLineParser& parser) {
     }
 }
 
+QString Misunderstood(const QCommandLineParser& parser) {
+    const QStringList unknown = parser.unknownOptionNames();
+    if (unknown.isEmpty())
+        return parser.errorText();
+    QStringList known;
+    for (const auto& option : kOptions)
+        known += QLatin1String("--") + QLatin1String(option.name);
+    const QString name = (unknown.first().size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + unknown.first();
+    return QStringLiteral("there is no option \"%1\"").arg(name) + NamesInstead(name, known);
+}
+
 } // namespace
 
 QString ArgumentReader::Read(const QStringList& words) {
@@ -73,7 +86,7 @@ QString ArgumentReader::Read(const QStringList& words) {
     m_options.command = rest.value(0);
     m_options.arguments = rest.mid(1);
     if (!understood)
-        return parser.errorText();
+        return Misunderstood(parser);
     for (const char* name : {"log-file", "module"}) {
         if (isSet(name) && value(name).isEmpty())
             return QStringLiteral("--%1 needs the name of a file").arg(QLatin1String(name));

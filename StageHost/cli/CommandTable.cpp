@@ -107,6 +107,13 @@ const Command* FindCommand(const QString& name) {
     return nullptr;
 }
 
+QStringList CommandNames() {
+    QStringList names;
+    for (const auto& command : kCommands)
+        names += QLatin1String(command.name);
+    return names;
+}
+
 QString HelpText(const Command* command) {
     return command == nullptr ? ProgramHelp() : CommandHelp(*command);
 }

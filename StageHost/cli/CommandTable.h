@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include "Options.h"
 
@@ -20,6 +21,8 @@ struct Command {
 
 /// The command of that name, or null.
 const Command* FindCommand(const QString& name);
+
+QStringList CommandNames();
 
 /// The help of one command or, for null, of the program.
 QString HelpText(const Command* command);

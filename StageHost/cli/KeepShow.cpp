@@ -132,7 +132,7 @@ MaybeFailure RunPanel(Session& session, ShowFile& file, const Options& options, 
     const QString& name = options.arguments.at(1);
     Device* device = session.FindDevice(name);
     if (device == nullptr)
-        return Failure{kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(name)};
+        return session.NoDevice(name);
     if (session.HasRefusedSetup(name))
         return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(name, RefusedSetupText())};
     const QString before = FromBorderText(device->Setup());
@@ -156,7 +156,7 @@ MaybeFailure RunPanel(Session& session, ShowFile& file, const Options& options, 
 MaybeFailure RenewSetups(Session& session, ShowFile& file, const Options& options, KeepReport& report) {
     const QString only = options.arguments.value(1);
     if (!only.isEmpty() && file.Content().FindDevice(only) == nullptr)
-        return Failure{kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(only)};
+        return session.NoDevice(only);
     for (const auto& described : file.Content().devices) {
         if (!only.isEmpty() && described.name != only)
             continue;
@@ -186,8 +186,7 @@ MaybeFailure ReadParameters(Session& session, const QStringList& words, std::vec
             input.name.pop_back();
             input.variable = session.TheHost().Variables().Find(input.text);
             if (!input.variable)
-                return Failure{kExitBadUse,
-                               QStringLiteral("there is no variable \"%1\"").arg(FromBorderText(input.text))};
+                return session.NoVariable(FromBorderText(input.text));
         }
         parameters.push_back({input.name, input.text, isVariable});
     }
@@ -198,7 +197,7 @@ MaybeFailure Store(Session& session, ShowFile& file, const QStringList& words, K
     const QString& name = words.at(1);
     Device* device = session.FindDevice(words.at(2));
     if (device == nullptr)
-        return Failure{kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(words.at(2))};
+        return session.NoDevice(words.at(2));
     const auto definition = device->Variables().Definition();
     const CommandDefinition* command = definition->FindCommand(ToBorderText(words.at(3)));
     if (command == nullptr)

@@ -7,6 +7,7 @@
 #include "ExitCodes.h"
 #include "HostCodes.h"
 #include "InputLines.h"
+#include "NearNames.h"
 #include "Output.h"
 #include "StepPlayer.h"
 #include "WholeNumber.h"
@@ -15,12 +16,12 @@ namespace stagehost {
 
 namespace {
 
-LineOutcome NoVariable(const QString& name) {
-    return {kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(name)};
-}
-
 LineOutcome NotTaken(const QString& name, const QString& value) {
     return {kExitBadUse, QStringLiteral("\"%1\" does not take \"%2\"").arg(name, value)};
+}
+
+LineOutcome OutcomeOf(const Failure& failure) {
+    return {failure.exitCode, failure.text};
 }
 
 LineOutcome OutcomeOf(const MaybeFailure& failure, const QString& text) {
@@ -75,11 +76,20 @@ LineOutcome LiveShow::Do(const QString& line) {
     const auto* row = std::find_if(std::begin(kRows), std::end(kRows),
                                    [&](const Row& known) { return name == QLatin1String(known.name); });
     if (row == std::end(kRows))
-        return {kExitBadUse, QStringLiteral("there is no \"%1\"; \"help\" shows what there is").arg(name)};
+        return {kExitBadUse,
+                QStringLiteral("there is no \"%1\"%2; \"help\" tells more").arg(name, NamesInstead(name, Names()))};
     if (words.size() < row->fewest || (row->most >= 0 && words.size() > row->most))
         return {kExitBadUse,
                 QStringLiteral("the form is: %1 %2").arg(QLatin1String(row->name), QLatin1String(row->form)).trimmed()};
     return (this->*row->run)(words);
+}
+
+/// The first words of the lines that there are.
+QStringList LiveShow::Names() {
+    QStringList names;
+    for (const auto& row : kRows)
+        names += QLatin1String(row.name);
+    return names;
 }
 
 QString LiveShow::Help() {
@@ -96,7 +106,7 @@ LineOutcome LiveShow::Set(const QStringList& words) {
     const auto variable = m_session.TheHost().Variables().Find(name);
     const auto resource = m_session.TheHost().Model().FindResource(name);
     if (!variable && !resource)
-        return NoVariable(words.at(0));
+        return OutcomeOf(m_session.NoVariable(words.at(0)));
     if (!(variable ? variable->SetText(value) : resource->SetValue(value) == KXP_OK))
         return NotTaken(words.at(0), words.at(1));
     return {};
@@ -123,7 +133,7 @@ LineOutcome LiveShow::Get(const QStringList& words) {
         return {kExitOk, FromBorderText(variable->Text())};
     const auto resource = m_session.TheHost().Model().FindResource(ToBorderText(words.at(0)));
     if (!resource)
-        return NoVariable(words.at(0));
+        return OutcomeOf(m_session.NoVariable(words.at(0)));
     QStringList lines;
     for (const auto& property : resource->Properties())
         lines += QStringLiteral("%1: %2").arg(FromBorderText(property.name), FromBorderText(property.value));
@@ -142,7 +152,7 @@ LineOutcome LiveShow::List(const QStringList&) {
 LineOutcome LiveShow::SendLine(const QStringList& words) {
     Device* device = m_session.FindDevice(words.at(0));
     if (device == nullptr)
-        return {kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(words.at(0))};
+        return OutcomeOf(m_session.NoDevice(words.at(0)));
     std::vector<ParameterInput> inputs;
     if (const auto failure = ReadInputs(words.mid(2), inputs))
         return OutcomeOf(failure, {});
@@ -160,7 +170,7 @@ LineOutcome LiveShow::StoredLine(const QStringList& words) {
 LineOutcome LiveShow::TaskLine(const QStringList& words) {
     const auto task = m_session.TheHost().Model().FindTask(ToBorderText(words.at(0)));
     if (!task)
-        return {kExitBadUse, QStringLiteral("the show has no task \"%1\"").arg(words.at(0))};
+        return OutcomeOf(m_session.NoObject(ObjectKind::Task, words.at(0)));
     const auto* action = std::find_if(std::begin(kTaskActionNames), std::end(kTaskActionNames),
                                       [&](const char* name) { return words.at(1) == QLatin1String(name); });
     if (action == std::end(kTaskActionNames))
@@ -171,7 +181,7 @@ LineOutcome LiveShow::TaskLine(const QStringList& words) {
 LineOutcome LiveShow::CueLine(const QStringList& words) {
     const auto cue = m_session.TheHost().Model().FindCue(ToBorderText(words.at(0)));
     if (!cue)
-        return {kExitBadUse, QStringLiteral("the show has no cue \"%1\"").arg(words.at(0))};
+        return OutcomeOf(m_session.NoObject(ObjectKind::Cue, words.at(0)));
     cue->Go();
     return {};
 }

@@ -26,6 +26,7 @@ public:
 private:
     struct Row;
     static const Row kRows[];
+    static QStringList Names();
 
     LineOutcome Set(const QStringList& words);
     LineOutcome Get(const QStringList& words);

@@ -14,7 +14,7 @@ MaybeFailure SendTo(Session& session, const Show& show, const QStringList& words
     if (auto failure = ReadInputs(words.mid(3), inputs))
         return failure;
     if (show.FindDevice(words.at(1)) == nullptr)
-        return Failure{kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(words.at(1))};
+        return NoDevice(show, words.at(1));
     if (auto failure = session.Open(show))
         return failure;
     if (auto failure = session.Start())

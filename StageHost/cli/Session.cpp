@@ -11,6 +11,7 @@
 #include "ExitGuard.h"
 #include "JsonNode.h"
 #include "MainWait.h"
+#include "NearNames.h"
 #include "Output.h"
 #include "TextFile.h"
 #include "ValueCheck.h"
@@ -29,6 +30,13 @@ QString DeviceText(const Device& device, const QString& text) {
     return QStringLiteral("%1: %2").arg(FromBorderText(device.Name()), text);
 }
 
+QStringList CommandNames(const DeviceDefinition& definition) {
+    QStringList names;
+    for (const auto& command : definition.commands)
+        names += FromBorderText(command.name);
+    return names;
+}
+
 /// What is said to somebody who names a function of the script where a command is wanted.
 QString NoCommandText(Device& device, const DeviceDefinition& definition, const QString& name) {
     QString text = QStringLiteral("has no command \"%1\"").arg(name);
@@ -40,10 +48,17 @@ QString NoCommandText(Device& device, const DeviceDefinition& definition, const 
     const auto functions = device.Variables().Find("ScriptFunctions");
     const QStringList names = FromBorderText(functions ? functions->Text() : std::string()).split(QLatin1Char('\n'));
     if (!names.contains(name))
-        return text;
+        return text + NamesInstead(name, CommandNames(definition));
     return text + QStringLiteral("; it is a function of the script: \"Execute Function With Params\" with \"Script "
                                  "Function Name=%1\" runs it")
                       .arg(name);
+}
+
+QStringList StoredNames(const std::vector<CheckedCommand>& stored) {
+    QStringList names;
+    for (const auto& command : stored)
+        names += command.name;
+    return names;
 }
 
 /// Why the device, as it is defined, does not take such a command; empty when it does.
@@ -312,7 +327,8 @@ MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
     const auto found =
         std::find_if(m_stored.begin(), m_stored.end(), [&](const auto& command) { return command.name == name; });
     if (found == m_stored.end())
-        return Failure{kExitBadUse, QStringLiteral("the show has no stored command \"%1\"").arg(name)};
+        return Failure{kExitBadUse, QStringLiteral("the show has no stored command \"%1\"").arg(name) +
+                                        NamesInstead(name, StoredNames(m_stored))};
     if (found->InForce() == nullptr)
         return Failure{kExitScriptFailed, StandingText(*found, m_show.file)};
     const ActionSpec action = found->InForce()->Action();
@@ -321,8 +337,7 @@ MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
         inputs.push_back({parameter.name, parameter.text, {}});
         inputs.back().variable = parameter.isVariable ? m_host->Variables().Find(parameter.text) : nullptr;
         if (parameter.isVariable && !inputs.back().variable)
-            return Failure{kExitBadUse,
-                           QStringLiteral("there is no variable \"%1\"").arg(FromBorderText(parameter.text))};
+            return NoVariable(FromBorderText(parameter.text));
     }
     return Send(*FindDevice(FromBorderText(action.device)), FromBorderText(action.command), inputs, outcome);
 }
@@ -338,7 +353,7 @@ MaybeFailure Session::WaitFor(const ShowWait& wait) {
     }
     const auto resource = m_host->Model().FindResource(name);
     if (!resource)
-        return Failure{kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(wait.variable)};
+        return NoVariable(wait.variable);
     const Subscription subscription = m_host->Model().Feed().Subscribe([](const ShowChange&) { MainWait::Wake(); });
     return WaitUntil(wait, [&] { return resource->Standing(); });
 }
@@ -354,6 +369,38 @@ MaybeFailure Session::WaitUntil(const ShowWait& wait, const std::function<std::s
     return Failure{kExitNoAnswer, QStringLiteral("\"%1\" is \"%2\", not \"%3\", after %4 ms")
                                       .arg(wait.variable, FromBorderText(text()), wait.value)
                                       .arg(limit.count())};
+}
+
+Failure NoDevice(const Show& show, const QString& name) {
+    QStringList known;
+    for (const auto& device : show.devices)
+        known += device.name;
+    return {kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(name) + NamesInstead(name, known)};
+}
+
+Failure Session::NoVariable(const QString& name) const {
+    QStringList known;
+    for (const auto& variable : m_host->Variables().All())
+        known += FromBorderText(variable->Name());
+    return {kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(name) + NamesInstead(name, known)};
+}
+
+Failure Session::NoObject(ObjectKind kind, const QString& name) const {
+    QStringList known;
+    for (const auto& object : m_host->Model().Top(kind))
+        known += FromBorderText(object->Name());
+    return {kExitBadUse,
+            QStringLiteral("the show has no %1 \"%2\"").arg(QString(QLatin1String(RowOf(kind).name)).toLower(), name) +
+                NamesInstead(name, known)};
+}
+
+Failure Session::NoObject(const QString& name) const {
+    QStringList known;
+    for (const auto& kind : kObjectKinds) {
+        for (const auto& object : m_host->Model().Top(kind.kind))
+            known += FromBorderText(object->Name());
+    }
+    return {kExitBadUse, QStringLiteral("the show has no object \"%1\"").arg(name) + NamesInstead(name, known)};
 }
 
 Device* Session::FindDevice(const QString& name) {

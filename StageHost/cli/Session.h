@@ -14,6 +14,7 @@
 #include "HostedModule.h"
 #include "Interrupt.h"
 #include "LogFollower.h"
+#include "ObjectKinds.h"
 #include "Options.h"
 #include "Show.h"
 #include "StoredCommands.h"
@@ -28,6 +29,9 @@ struct Failure {
 };
 
 using MaybeFailure = std::optional<Failure>;
+
+/// What is said to somebody who names a device that the show does not have, with those that it has.
+Failure NoDevice(const Show& show, const QString& name);
 
 /// One run of the host: the module loaded, the show's variables and devices made.
 /// Every call into the module is bounded in time, and Ctrl-C breaks off what is
@@ -87,6 +91,13 @@ public:
     MaybeFailure WaitFor(const ShowWait& wait);
 
     Device* FindDevice(const QString& name);
+
+    /// What is said to somebody who names what the show does not have, with the names that it has.
+    Failure NoDevice(const QString& name) const { return stagehost::NoDevice(m_show, name); }
+    Failure NoVariable(const QString& name) const;
+    Failure NoObject(ObjectKind kind, const QString& name) const;
+    Failure NoObject(const QString& name) const; ///< of any kind
+
     const std::vector<std::unique_ptr<Device>>& Devices() const { return m_devices; }
     Host& TheHost() { return *m_host; }
 

@@ -19,7 +19,7 @@ MaybeFailure Choose(Session& session, const QStringList& names, Variables& chose
     for (const QString& name : names) {
         const auto variable = session.TheHost().Variables().Find(ToBorderText(name));
         if (!variable)
-            return Failure{kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(name)};
+            return session.NoVariable(name);
         chosen.push_back(variable);
     }
     return std::nullopt;

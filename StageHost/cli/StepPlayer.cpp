@@ -92,7 +92,7 @@ MaybeFailure StepPlayer::ReadInput(const ShowParameter& parameter, ParameterInpu
     if (parameter.kind == Kind::Variable) {
         input.variable = m_session.TheHost().Variables().Find(ToBorderText(parameter.text));
         if (!input.variable)
-            return Failure{kExitBadUse, QStringLiteral("there is no variable \"%1\"").arg(parameter.text)};
+            return m_session.NoVariable(parameter.text);
         return std::nullopt;
     }
     if (parameter.kind == Kind::Text) {

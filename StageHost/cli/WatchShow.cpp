@@ -32,7 +32,7 @@ void PrintAnswer(bool json, const QString& line, const LineOutcome& outcome) {
 MaybeFailure CheckNames(Session& session, const QStringList& names) {
     for (const QString& name : names) {
         if (!session.TheHost().Model().FindAny(ToBorderText(name)))
-            return Failure{kExitBadUse, QStringLiteral("the show has no object \"%1\"").arg(name)};
+            return session.NoObject(name);
     }
     return std::nullopt;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "BorderText.h"
+#include "NearNames.h"
 #include "ValueFactory.h"
 
 namespace stagehost {
@@ -27,6 +28,16 @@ const ParameterInput* FindInput(const CommandDefinition& command, const ValueSpe
         return FindParameter(command, input.name) == &parameter;
     });
     return found == inputs.rend() ? nullptr : &*found;
+}
+
+/// The parameters that somebody may give.
+QStringList InputNames(const CommandDefinition& command) {
+    QStringList names;
+    for (const auto& parameter : command.parameters) {
+        if (!IsOutParameter(parameter))
+            names += FromBorderText(parameter.name);
+    }
+    return names;
 }
 
 bool IsWritten(const ObjectParam& param) {
@@ -74,7 +85,8 @@ QString CheckInputs(const CommandDefinition& command, const std::vector<Paramete
         const ValueSpec* parameter = FindParameter(command, input.name);
         if (parameter == nullptr)
             return QStringLiteral("the command \"%1\" has no parameter \"%2\"")
-                .arg(FromBorderText(command.name), FromBorderText(input.name));
+                       .arg(FromBorderText(command.name), FromBorderText(input.name)) +
+                   NamesInstead(FromBorderText(input.name), InputNames(command));
         const std::string complaint = input.variable ? std::string() : ComplaintAbout(*parameter, input.text);
         if (!complaint.empty())
             return QStringLiteral("the parameter \"%1\" %2").arg(FromBorderText(input.name), FromBorderText(complaint));

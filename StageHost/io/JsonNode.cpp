@@ -8,6 +8,7 @@
 #include <QLocale>
 
 #include "BorderText.h"
+#include "NearNames.h"
 
 namespace stagehost {
 
@@ -99,11 +100,12 @@ bool JsonNode::ExpectObjectOfAny() const {
 bool JsonNode::ExpectObject(std::initializer_list<const char*> names) const {
     if (!ExpectObjectOfAny())
         return false;
+    QStringList known;
+    for (const char* name : names)
+        known += QLatin1String(name);
     for (const QString& name : MemberNames()) {
-        const bool known =
-            std::any_of(names.begin(), names.end(), [&](const char* other) { return name == QLatin1String(other); });
-        if (!known)
-            Member(name).Complain(QStringLiteral("unknown key"));
+        if (!known.contains(name))
+            Member(name).Complain(QStringLiteral("unknown key") + NamesInstead(name, known));
     }
     return true;
 }

@@ -7,6 +7,7 @@
 #include "BorderText.h"
 #include "HardwareReader.h"
 #include "NameCheck.h"
+#include "NearNames.h"
 #include "UserGroup.h"
 
 namespace stagehost {
@@ -40,9 +41,25 @@ int Choose(const JsonNode& node, const char* const (&names)[Count]) {
     return 0;
 }
 
+QStringList Sorted(const QSet<QString>& names) {
+    QStringList list = names.values();
+    list.removeAll(QString());
+    list.sort();
+    return list;
+}
+
+template <typename Sets>
+QSet<QString> United(const Sets& sets) {
+    QSet<QString> all;
+    for (const auto* set : sets)
+        all |= *set;
+    return all;
+}
+
 void CheckKnown(const JsonNode& node, const QSet<QString>& known, const QString& name, const char* kind) {
     if ((node.IsText() || node.IsMissing()) && !known.contains(name))
-        node.Complain(QStringLiteral("there is no %1 \"%2\"").arg(QLatin1String(kind), name));
+        node.Complain(QStringLiteral("there is no %1 \"%2\"").arg(QLatin1String(kind), name) +
+                      NamesInstead(name, Sorted(known)));
 }
 
 } // namespace
@@ -167,7 +184,8 @@ UserGroupSpec ObjectsReader::ReadGroup(const JsonNode& node) {
     MemberOf(node, "members").ForEach([&](const JsonNode& member) {
         const QString name = member.Text();
         if (member.IsText() && !IsKnownObject(name))
-            member.Complain(QStringLiteral("there is no object ") + Quoted(name));
+            member.Complain(QStringLiteral("there is no object ") + Quoted(name) +
+                            NamesInstead(name, Sorted(United(KnownObjects()))));
         group.members.push_back(member.Border(name));
     });
     MemberOf(node, "groups").ForEach([&](const JsonNode& inner) { group.groups.push_back(ReadGroup(inner)); });
@@ -289,7 +307,8 @@ void ObjectsReader::CheckStored(const JsonNode& node) const {
 
 void ObjectsReader::CheckVariable(const JsonNode& node, const QString& name) const {
     if (!m_variables.contains(name) && !m_resources.contains(name) && !name.contains(QLatin1Char('.')))
-        node.Complain(QStringLiteral("there is no variable ") + Quoted(name));
+        node.Complain(QStringLiteral("there is no variable ") + Quoted(name) +
+                      NamesInstead(name, Sorted(m_variables | m_resources)));
 }
 
 std::string ObjectsReader::ReadName(const JsonNode& node, const QString& holder, QSet<QString>& taken) {
@@ -303,11 +322,13 @@ std::string ObjectsReader::ReadName(const JsonNode& node, const QString& holder,
 }
 
 bool ObjectsReader::IsKnownObject(const QString& name) const {
-    const QSet<QString>* const sets[] = {&m_variables, &m_resources, &m_devices, &m_tasks,
-                                         &m_cues,      &m_screens,   &m_objects, &m_shows};
     const bool ofDevice = m_devices.contains(name.section(QLatin1Char('.'), 0, 0)) && name.contains(QLatin1Char('.'));
-    return ofDevice ||
-           std::any_of(std::begin(sets), std::end(sets), [&](const auto* set) { return set->contains(name); });
+    const auto sets = KnownObjects();
+    return ofDevice || std::any_of(sets.begin(), sets.end(), [&](const auto* set) { return set->contains(name); });
+}
+
+std::array<const QSet<QString>*, 8> ObjectsReader::KnownObjects() const {
+    return {&m_variables, &m_resources, &m_devices, &m_tasks, &m_cues, &m_screens, &m_objects, &m_shows};
 }
 
 Conduct ReadConduct(const JsonNode& node) {

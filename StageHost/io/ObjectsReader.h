@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <initializer_list>
 
 #include <QSet>
@@ -46,6 +47,7 @@ private:
     ActionParameter ReadParameter(std::string name, const JsonNode& node) const;
     std::string ReadName(const JsonNode& node, const QString& holder, QSet<QString>& taken);
     bool IsKnownObject(const QString& name) const;
+    std::array<const QSet<QString>*, 8> KnownObjects() const;
 
     Show& m_show;
     const ValueCheck m_values;

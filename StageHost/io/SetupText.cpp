@@ -4,6 +4,7 @@
 
 #include "BorderText.h"
 #include "DataTypes.h"
+#include "NearNames.h"
 #include "PlainNumbers.h"
 #include "ValueFactory.h"
 #include "XmlElement.h"
@@ -149,6 +150,14 @@ XmlElement EmptySetup() {
     return root;
 }
 
+/// The names of the settings that a setup has.
+QStringList SettingNames(const XmlElement& settings) {
+    QStringList names;
+    for (const auto& setting : settings.children)
+        names += setting.Attribute("Name");
+    return names;
+}
+
 } // namespace
 
 std::optional<QString> MakeSetupText(const QString& before, const DriverEdition& edition) {
@@ -182,7 +191,8 @@ QString ChangeSettings(QString& setup, const QStringList& words) {
         const QString name = word.section(QLatin1Char('='), 0, 0);
         auto* setting = const_cast<XmlElement*>(settings.ChildWith("Name", name));
         if (!word.contains(QLatin1Char('=')) || setting == nullptr)
-            return QStringLiteral("expected SETTING=VALUE with a setting of the driver, not \"%1\"").arg(word);
+            return QStringLiteral("expected SETTING=VALUE with a setting of the driver, not \"%1\"").arg(word) +
+                   NamesInstead(name, SettingNames(settings));
         const ValueSpec spec = SpecOfSetting(*setting);
         const std::string text = ToBorderText(word.section(QLatin1Char('='), 1));
         const std::string complaint = ComplaintAbout(spec, text);

@@ -11,6 +11,7 @@
 #include "DataTypes.h"
 #include "HardwareReader.h"
 #include "NameCheck.h"
+#include "NearNames.h"
 #include "StoredCommandXml.h"
 #include "ValueFactory.h"
 
@@ -156,6 +157,20 @@ void ShowReader::ReadDevice(const JsonNode& node) {
     m_show.devices.push_back(device);
 }
 
+QString ShowReader::NoDevice(const QString& name) const {
+    QStringList known;
+    for (const auto& device : m_show.devices)
+        known += device.name;
+    return QStringLiteral("there is no device ") + Quoted(name) + NamesInstead(name, known);
+}
+
+QString ShowReader::NoVariable(const QString& name) const {
+    QStringList known;
+    for (const auto& variable : m_show.variables)
+        known += FromBorderText(variable.name);
+    return QStringLiteral("there is no variable ") + Quoted(name) + NamesInstead(name, known);
+}
+
 void ShowReader::ReadStoredCommand(const JsonNode& node) {
     if (!node.ExpectObject({"name", "xml"}))
         return;
@@ -171,7 +186,7 @@ void ShowReader::ReadStoredCommand(const JsonNode& node) {
     if (!stored)
         xml.Complain(problem);
     else if (m_show.FindDevice(FromBorderText(stored->Device())) == nullptr)
-        xml.Complain(QStringLiteral("there is no device ") + Quoted(FromBorderText(stored->Device())));
+        xml.Complain(NoDevice(FromBorderText(stored->Device())));
     xml.Border(xml.PlainText());
     m_show.commands.push_back({name.PlainText(), xml.PlainText()});
 }
@@ -228,7 +243,7 @@ void ShowReader::ReadCommandStep(const JsonNode& node, ShowStep& step) {
     step.device = member("device").Text();
     step.command = member("command").Scalar();
     if (m_show.FindDevice(step.device) == nullptr)
-        member("device").Complain(QStringLiteral("there is no device ") + Quoted(step.device));
+        member("device").Complain(NoDevice(step.device));
     if (step.command.isEmpty())
         member("command").Complain(QStringLiteral("expected the name or the id of a command"));
     const JsonNode params = member("params");
@@ -281,7 +296,7 @@ void ShowReader::CheckParameter(const JsonNode& node, const ShowParameter& param
     const bool known = std::any_of(m_show.variables.begin(), m_show.variables.end(),
                                    [&](const auto& variable) { return variable.name == name; });
     if (parameter.kind == Kind::Variable && !known && !parameter.text.contains(QLatin1Char('.')))
-        node.Complain(QStringLiteral("there is no variable ") + Quoted(parameter.text));
+        node.Complain(NoVariable(parameter.text));
 }
 
 } // namespace stagehost

@@ -28,6 +28,8 @@ private:
     void ReadFolders(const JsonNode& folders);
     void ReadVariable(const JsonNode& node);
     void ReadDevice(const JsonNode& node);
+    QString NoDevice(const QString& name) const;
+    QString NoVariable(const QString& name) const;
     void ReadStoredCommand(const JsonNode& node);
     void ReadStep(const JsonNode& node, ObjectsReader& objects);
     static void ReadOtherStep(const JsonNode& node, ObjectsReader& objects, ShowStep& step);

@@ -456,12 +456,51 @@ TEST_F(CommandLine, RunGoesOnOnceTheDeviceIsFreeAgainBehindAnExpectedFailure) {
     EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
 }
 
+TEST_F(CommandLine, TellsWhatWasProbablyMeantAndWhatThereIs) {
+    const auto saysTo = [&](const QStringList& words) {
+        host.Run(words);
+        EXPECT_EQ(host.ExitCode(), 2) << words.join(QLatin1Char(' ')).toStdString();
+        return host.Errors().section(QLatin1Char('\n'), 0, 0).toStdString();
+    };
+    const QString show = host.File(Text("show.json"), R"({"devices":[{"name":"desk"}], "tasks":[{"name":"Overture"}],
+        "variables":[{"name":"Level"},{"name":"Doors"}], "cues":[{"name":"Go on"}]})");
+    EXPECT_EQ(
+        saysTo(List({"wacth", "x"})).find("there is no command \"wacth\"; did you mean \"watch\"? There are: run, "),
+        0U);
+    EXPECT_EQ(saysTo(List({"run", "--jsno", "x"}))
+                  .find("there is no option \"--jsno\"; did you mean \"--json\"? There are: "),
+              0U);
+    EXPECT_EQ(saysTo({Text("send"), show, Text("dsek"), Text("x")}),
+              "the show has no device \"dsek\"; did you mean \"desk\"?");
+    EXPECT_EQ(saysTo({Text("send"), show, Text("desk"), Text("Load From Fiel")})
+                  .find("desk: has no command \"Load From Fiel\"; did you mean \"Load From File\"? There are: "),
+              0U);
+    EXPECT_EQ(saysTo({Text("variables"), show, Text("Levle")})
+                  .find("there is no variable \"Levle\"; did you mean \"Level\"? There are: "),
+              0U);
+    EXPECT_EQ(saysTo({Text("watch"), show, Text("Ovreture")})
+                  .find("the show has no object \"Ovreture\"; did you mean \"Overture\"? There are: "),
+              0U);
+    for (const auto& [line, answer] :
+         {std::pair("sned x y", "there is no \"sned\"; did you mean \"send\"? There are: "),
+          std::pair("get Dors", "there is no variable \"Dors\"; did you mean \"Doors\"? "),
+          std::pair("task Overtur stop", "the show has no task \"Overtur\"; did you mean \"Overture\"?"),
+          std::pair("cue go", "the show has no cue \"go\"; there are: Go on")}) {
+        host.SetInput(line);
+        host.Run({Text("watch"), show});
+        EXPECT_TRUE(host.Errors().contains(Text(answer))) << host.Errors().toStdString();
+    }
+    host.SetInput({});
+}
+
 TEST_F(CommandLine, RunTellsEveryMistakeOfAShowFileWithItsPlace) {
     const QString show = host.File(Text("bad.json"), R"({"devices":[{"name":"a","script":1}],"stps":[]})");
     host.Run(List({"run"}) + QStringList{show});
     EXPECT_EQ(host.ExitCode(), 2);
-    EXPECT_EQ(host.Errors(),
-              show + Text(": stps: unknown key\n") + show + Text(": devices[0].script: expected text\n"));
+    EXPECT_TRUE(host.Errors().startsWith(
+        show + Text(": stps: unknown key; did you mean \"steps\"? There are: name, host, folders, resources, ")))
+        << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().endsWith(Text("\n") + show + Text(": devices[0].script: expected text\n")));
 }
 
 TEST_F(CommandLine, RunTellsWhichDeviceCannotLoadItsScript) {
