@@ -1,7 +1,9 @@
 #pragma once
 
-#include "ScriptNotes.h"
+#include "NoteTable.h"
 
-/// Calls of `QCalverin` in a script's text that do not exist, each with its line: they would fail when the script gets
-/// there. Texts and comments are passed over. A pure function.
-QList<ScriptNote> FindCallNotes(const QString& script);
+class ScriptSource;
+
+/// Members of `QCalverin` in a script's text that do not exist, and calls with fewer or more arguments than they take,
+/// each with its line. A pure function.
+QList<ScriptNote> FindCallNotes(const ScriptSource& source);

@@ -56,6 +56,13 @@ QJsonObject SettingOf(const MScriptSetting& setting) {
             {QStringLiteral("items"), QJsonArray::fromStringList(setting.items)}};
 }
 
+QJsonObject NoteOf(const ScriptNote& note) {
+    return {{QStringLiteral("line"), note.line},
+            {QStringLiteral("code"), note.Code()},
+            {QStringLiteral("where"), note.where},
+            {QStringLiteral("text"), note.text}};
+}
+
 QJsonValue ProblemOf(const std::optional<ScriptProblem>& problem) {
     if (!problem)
         return QJsonValue::Null;
@@ -75,5 +82,6 @@ QJsonObject ToJson(const ScriptReport& report) {
             {QStringLiteral("commands"), ListOf(report.published.functions, &CommandOf)},
             {QStringLiteral("variables"), ListOf(report.published.variables, &VariableOf)},
             {QStringLiteral("settings"), ListOf(report.published.settings, &SettingOf)},
+            {QStringLiteral("notes"), ListOf(report.notes, &NoteOf)},
             {QStringLiteral("error"), ProblemOf(report.problem)}};
 }

@@ -116,16 +116,20 @@ Rows SettingRows(const ScriptSettings& settings) {
     return rows;
 }
 
-Rows NoteRows(const QList<ScriptNote>& notes) {
-    Rows rows;
-    for (const ScriptNote& note : notes)
-        rows.append({note.where, note.text});
-    return rows;
+/// "FILE:LINE: note: sentence [code]".
+QString NoteLines(const QList<ScriptNote>& notes, const QString& file) {
+    QString text = notes.isEmpty() ? QString() : QStringLiteral("\nNotes\n");
+    for (const ScriptNote& note : notes) {
+        const QString place = note.line > 0 ? QStringLiteral("%1:%2").arg(file).arg(note.line) : file;
+        text += place + QStringLiteral(": note: ") + OneLine(note.text) + QStringLiteral(" [") + note.Code() +
+                QStringLiteral("]\n");
+    }
+    return text;
 }
 
 } // namespace
 
-QString ToText(const ScriptReport& report) {
+QString ToText(const ScriptReport& report, const QString& file) {
     const ScanResult& published = report.published;
     QString text = Table(QStringLiteral("Info"), InfoRows(report)) +
                    Table(QStringLiteral("Commands"), CommandRows(published.functions)) +
@@ -135,5 +139,5 @@ QString ToText(const ScriptReport& report) {
         text += QStringLiteral(
             "\nNothing is published: a script publishes the own members of the object that it ends with,\n"
             "as in ({ Fade: function (level) { } }). What it only declares is not published.\n");
-    return text + Table(QStringLiteral("Notes"), NoteRows(report.notes));
+    return text + NoteLines(report.notes, file);
 }

@@ -1,18 +1,13 @@
 #pragma once
 
-#include <QList>
 #include <QScriptValue>
-#include <QString>
 
+#include "NoteTable.h"
+
+class ScriptSource;
 struct ScanResult;
 
-/// One thing that a script says and that comes to nothing.
-struct ScriptNote {
-    QString where; ///< "Info.Variables.Level.Type"
-    QString text;
-};
-
-/// What stands in the value of a script without effect: names in `Info` that it does
-/// not publish, properties that do not fit, members of which no variable, setting or
+/// What stands in the value of a script without effect, or not as it was meant: names in `Info` that it does not
+/// publish, properties that do not fit, limits that shut out the default, members of which no variable, setting or
 /// command is made. In the order of the script.   [the thread of the value's engine]
-QList<ScriptNote> FindNotes(const QScriptValue& published, const ScanResult& result);
+QList<ScriptNote> FindNotes(const QScriptValue& published, const ScanResult& result, const ScriptSource& source);

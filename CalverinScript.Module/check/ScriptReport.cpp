@@ -1,11 +1,18 @@
 #include "ScriptReport.h"
 
+#include <algorithm>
+#include <climits>
+
 #include <QFileInfo>
 #include <QScriptEngine>
 
 #include "CallNotes.h"
 #include "CommandIds.h"
+#include "ObjectNotes.h"
 #include "ScriptGlobals.h"
+#include "ScriptNotes.h"
+#include "ScriptSource.h"
+#include "SettingNotes.h"
 
 namespace {
 
@@ -15,6 +22,22 @@ std::optional<ScriptProblem> FindProblem(QScriptEngine& engine, const QScriptVal
     if (value.isError())
         return ScriptProblem{value.property(QStringLiteral("lineNumber")).toInt32(), value.toString()};
     return std::nullopt;
+}
+
+/// All notes in the order of their lines; those without a line stand at the end.
+QList<ScriptNote> TakeNotes(const ScriptSource& source, const QScriptValue& value, bool isOwnObject,
+                            const ScanResult& published) {
+    QList<ScriptNote> notes;
+    if (isOwnObject)
+        notes = FindNotes(value, published, source);
+    notes += FindSettingNotes(source, published.settings);
+    notes += FindCallNotes(source);
+    notes +=
+        FindObjectNotes(source, value.engine() == nullptr ? QScriptValue() : value.engine()->globalObject(), published);
+    const auto place = [](const ScriptNote& note) { return note.line > 0 ? note.line : INT_MAX; };
+    std::stable_sort(notes.begin(), notes.end(),
+                     [&](const ScriptNote& left, const ScriptNote& right) { return place(left) < place(right); });
+    return notes;
 }
 
 } // namespace
@@ -37,8 +60,6 @@ ScriptReport AnalyseScript(const QString& text, const QString& fileName) {
     request.hiddenNames = value.strictlyEquals(engine.globalObject()) ? &BuiltInNames() : nullptr;
     report.published = ScanGlobal(request);
     AssignCommandIds({}, report.published.functions, false);
-    if (request.hiddenNames == nullptr)
-        report.notes = FindNotes(value, report.published);
-    report.notes += FindCallNotes(text);
+    report.notes = TakeNotes(ScriptSource(text), value, request.hiddenNames == nullptr, report.published);
     return report;
 }

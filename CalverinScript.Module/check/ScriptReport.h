@@ -6,7 +6,7 @@
 #include <QString>
 
 #include "MScriptDescription.h"
-#include "ScriptNotes.h"
+#include "NoteTable.h"
 #include "ScriptScan.h"
 
 /// What is wrong with a script.
@@ -19,7 +19,7 @@ struct ScriptProblem {
 struct ScriptReport {
     MScriptDescription info;
     ScanResult published;    ///< commands have the numbers that they get in an empty show
-    QList<ScriptNote> notes; ///< what comes to nothing
+    QList<ScriptNote> notes; ///< by their lines
     std::optional<ScriptProblem> problem;
 };
 
@@ -31,5 +31,7 @@ ScriptReport AnalyseScript(const QString& text, const QString& fileName);
 /// The report as programs read it; docs/drivers.md has its form.
 QJsonObject ToJson(const ScriptReport& report);
 
-/// The report of a script that publishes something as people read it: tables, each line ended.
-QString ToText(const ScriptReport& report);
+/// The report of a script that publishes something as people read it: tables, and a line for each note as compilers
+/// write them. Each line ended.
+/// @param file the script as notes name it.
+QString ToText(const ScriptReport& report, const QString& file);

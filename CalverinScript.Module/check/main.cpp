@@ -16,6 +16,7 @@ namespace {
 
 struct Request {
     bool json = false;
+    bool strict = false; ///< notes count as a failure
     int timeoutMs = static_cast<int>(kAnalysisLimit.count());
     QString file;
 };
@@ -36,12 +37,26 @@ int Written(bool written, int exitCode) {
     return exitCode == KXP_CHECKER_OK ? static_cast<int>(KXP_CHECKER_BAD_USE) : exitCode;
 }
 
+/// Notes are a failure only where that was asked for.
+int ExitCodeOf(const Request& request, const ScriptReport& report) {
+    return report.problem || (request.strict && !report.notes.isEmpty()) ? KXP_CHECKER_SCRIPT_FAILED : KXP_CHECKER_OK;
+}
+
+QString Verdict(int exitCode, const ScriptReport& report) {
+    if (exitCode == KXP_CHECKER_OK)
+        return QStringLiteral("ok\n");
+    return report.notes.size() == 1 ? QStringLiteral("1 note counts as a failure\n")
+                                    : QStringLiteral("%1 notes count as a failure\n").arg(report.notes.size());
+}
+
 /// The whole answer on standard output when it is for a program or tells of the script, on standard error otherwise.
 int Answer(const Request& request, int exitCode, const ScriptReport& report) {
     if (request.json)
         return Written(Write(stdout, QString::fromUtf8(QJsonDocument(ToJson(report)).toJson())), exitCode);
-    if (exitCode == KXP_CHECKER_OK)
-        return Written(Write(stdout, request.file + QStringLiteral(": ok\n") + ToText(report)), exitCode);
+    if (!report.problem)
+        return Written(Write(stdout, request.file + QStringLiteral(": ") + Verdict(exitCode, report) +
+                                         ToText(report, request.file)),
+                       exitCode);
     QString place = request.file;
     if (report.problem->line > 0)
         place += QLatin1Char(':') + QString::number(report.problem->line);
@@ -64,10 +79,12 @@ QString ReadWords(QCommandLineParser& parser, Request& request) {
     const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("One JSON text on standard output."));
     const QCommandLineOption timeout(QStringLiteral("timeout"), QStringLiteral("How long the script may take."),
                                      QStringLiteral("MS"), QString::number(kAnalysisLimit.count()));
-    parser.addOptions({json, timeout});
+    const QCommandLineOption strict(QStringLiteral("strict"), QStringLiteral("Notes count as a failure."));
+    parser.addOptions({json, strict, timeout});
     parser.addPositionalArgument(QStringLiteral("FILE.js"), QStringLiteral("The script."));
     const bool parsed = parser.parse(QCoreApplication::arguments());
     request.json = parser.isSet(json);
+    request.strict = parser.isSet(strict);
     if (!parsed)
         return parser.errorText();
     bool isNumber = false;
@@ -75,7 +92,7 @@ QString ReadWords(QCommandLineParser& parser, Request& request) {
     if (!isNumber || request.timeoutMs <= 0)
         return QStringLiteral("--timeout asks for milliseconds above 0");
     if (parser.positionalArguments().size() != 1)
-        return QStringLiteral("the form is: calverincheck [--json] [--timeout MS] FILE.js");
+        return QStringLiteral("the form is: calverincheck [--json] [--strict] [--timeout MS] FILE.js");
     request.file = parser.positionalArguments().constFirst();
     return QString();
 }
@@ -98,7 +115,7 @@ int Check(const Request& request) {
     const ScriptReport report = AnalyseScript(text, request.file);
     if (!deadline.Meet())
         return KXP_CHECKER_NO_ANSWER;
-    return Answer(request, report.problem ? KXP_CHECKER_SCRIPT_FAILED : KXP_CHECKER_OK, report);
+    return Answer(request, ExitCodeOf(request, report), report);
 }
 
 } // namespace

@@ -24,6 +24,7 @@ constexpr OptionRow kOptions[] = {
     {"log", nullptr, nullptr, "show the lines of the device log on standard error"},
     {"log-file", nullptr, "FILE", "keep the device log in this file"},
     {"module", nullptr, "FILE", "the module to load (kxpCalverinScript.kxp6 beside the program)"},
+    {"strict", nullptr, nullptr, "check: a note counts as a failure"},
     {"window", nullptr, nullptr, "setup: let the user change the device's setup in its dialog"},
     {"help", "h", nullptr, "this help"},
     {"version", "v", nullptr, "the version of stagehost"},
@@ -79,6 +80,7 @@ QString ArgumentReader::Read(const QStringList& words) {
     m_options.help = isSet("help");
     m_options.version = isSet("version");
     m_options.log = isSet("log");
+    m_options.strict = isSet("strict");
     m_options.window = isSet("window");
     m_options.logFile = value("log-file");
     m_options.module = value("module");

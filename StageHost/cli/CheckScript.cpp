@@ -11,9 +11,14 @@ int CheckScript(const Options& options) {
     const QString file = options.arguments.first();
     if (auto failure = CheckReadable(file))
         return Fail(options.json, failure->exitCode, failure->text);
+    QStringList further;
+    if (options.json)
+        further += QStringLiteral("--json");
+    if (options.strict)
+        further += QStringLiteral("--strict");
     QProcess checker;
     checker.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    if (auto failure = RunChecker(checker, file, options.json, options.timeout))
+    if (auto failure = RunChecker(checker, file, further, options.timeout))
         return Fail(options.json, failure->exitCode, failure->text);
     Print(QString::fromUtf8(checker.readAllStandardOutput()));
     return checker.exitCode();

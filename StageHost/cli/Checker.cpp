@@ -35,10 +35,10 @@ bool HasEnded(QProcess& process, qint64 limitMs) {
 
 } // namespace
 
-MaybeFailure RunChecker(QProcess& process, const QString& file, bool json, std::chrono::milliseconds limit) {
+MaybeFailure RunChecker(QProcess& process, const QString& file, const QStringList& further,
+                        std::chrono::milliseconds limit) {
     QStringList words{QStringLiteral("--timeout"), QString::number(limit.count())};
-    if (json)
-        words.append(QStringLiteral("--json"));
+    words += further;
     const Interrupt interrupt;
     process.start(CheckerPath(), words << QStringLiteral("--") << file);
     if (!process.waitForStarted())

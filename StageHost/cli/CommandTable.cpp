@@ -21,9 +21,10 @@ constexpr Command kCommands[] = {
      "stagehost exec --timeout 500 lights.js fadeTo -5   (all words behind FUNCTION reach the function as text)",
      2, 2 + 8, &ExecFunction, "a function takes at most 8 arguments"},
     {"check", "FILE.js",
-     "tells what a script publishes (commands with their parameters and limits, variables, settings) and what\n"
-     "it says in vain; or, if it does not load, the error and its line",
+     "tells what a script publishes (commands with their parameters and limits, variables, settings), with a note\n"
+     "on each line that will hurt later; or, if it does not load, the error and its line",
      "stagehost check lights.js\n"
+     "stagehost check --strict lights.js   (a note is a failure, for CI)\n"
      "stagehost check --json lights.js   (all of it for programs, also of a script that fails)",
      1, 1, &CheckScript},
     {"send", "SHOW.json | FILE.js DEVICE COMMAND [PARAM=VALUE...]", "sends one command to a device of a show",

@@ -36,7 +36,7 @@ MaybeFailure ReadDriver(const Show& show, const QString& path, std::chrono::mill
     if (!text)
         return Failure{kExitBadUse, problem};
     QProcess checker;
-    if (auto failure = RunChecker(checker, path, true, limit))
+    if (auto failure = RunChecker(checker, path, {QStringLiteral("--json")}, limit))
         return Failure{failure->exitCode, QStringLiteral("%1: %2").arg(path, failure->text)};
     edition.report = QJsonDocument::fromJson(checker.readAllStandardOutput()).object();
     const QJsonValue error = edition.report.value(QLatin1String("error"));

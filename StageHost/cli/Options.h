@@ -16,6 +16,7 @@ struct Options {
     Link link = Link::Both;
     bool json = false;
     bool log = false;
+    bool strict = false; ///< of `check`
     bool window = false;
     QString logFile; ///< empty: a temporary one
     QString module;  ///< empty: the one beside the program

@@ -35,7 +35,7 @@ TEST(ScriptReport, OfTheDriverInTheManualIsWhatTheManualShows) {
     const QString page = Page();
     const ScriptReport report = AnalyseScript(Block(page, Text("A complete driver"), Text("```js")), Text("dimmer.js"));
     ASSERT_FALSE(report.problem) << report.problem->text.toStdString();
-    EXPECT_EQ((Text("dimmer.js: ok\n") + ToText(report)).toStdString(),
+    EXPECT_EQ((Text("dimmer.js: ok\n") + ToText(report, Text("dimmer.js"))).toStdString(),
               Block(page, Text("tells what that publishes"), Text("```")).toStdString());
 }
 
@@ -52,7 +52,9 @@ TEST(ScriptReport, HasTheStatedJson) {
         R"({"commands":[{"function":"f","id":4,"name":"F","params":[)"
         R"({"direction":"out","items":[],"name":"Result","properties":{},"type":"StringData"},)"
         R"({"direction":"in","items":["x"],"name":"a","properties":{},"type":"EnumData"}],"properties":{"Name":"F"}}],)"
-        R"("error":null,"info":{"author":"A","description":"D","title":"T","version":"2"},"removeDefaults":false,)"
+        R"("error":null,"info":{"author":"A","description":"D","title":"T","version":"2"},)"
+        R"("notes":[{"code":"setting-not-read","line":1,"text":"Setup.s seems never to be read, so what the user enters changes )"
+        R"(nothing: use it, or take it out","where":"Setup.s"}],"removeDefaults":false,)"
         R"("settings":[{"items":[],"name":"s","properties":{"Widget":"Serial"},"type":"StringData","value":"",)"
         R"("widget":14}],)"
         R"("variables":[{"items":[],"name":"v","properties":{"MinValue":"1"},"type":"IntegerData","value":"5"}]})");
@@ -77,11 +79,11 @@ TEST(ScriptReport, OfAScriptThatEndsInThisLeavesOutWhatWasThereBefore) {
     EXPECT_EQ(report.published.functions[0].name, Text("f"));
 }
 
-/// "where: text" of each note, one in a line.
+/// "where: code" of each note, one in a line.
 std::string NotesOf(const char* script) {
     std::string told;
     for (const ScriptNote& note : AnalyseScript(Text(script), Text("a.js")).notes)
-        told += note.where.toStdString() + ": " + note.text.toStdString() + "\n";
+        told += note.where.toStdString() + ": " + note.Code().toStdString() + "\n";
     return told;
 }
 
@@ -94,38 +96,41 @@ TEST(ScriptNotes, TellWhatInInfoComesToNothing) {
             "               m: { Type: 'Enum', Items: 'a' }, n: 5 },"
             "  Setup: { s: { Widget: 'Seriell', Hint: {}, Colour: 1 } },"
             "  Commands: { f: { Name: 'Load From Text', Hint: 'x', Params: { a: { Type: 'Int' }, c: {} } }, g: {} } },"
-            "  Device: { l: 1, e: 1, m: 1, n: 1 }, Setup: { s: '' }, f: function(a) {} })"),
-        "Info.Tittle: means nothing here\n"
-        "Info.Options.RemoveDefaults: means nothing here\n"
-        "Info.Options.RemoveDefaultCommandsAndVariables: is neither true nor false\n"
-        "Info.Variables.Levl: nothing of that name is published\n"
-        "Info.Variables.l.Type: \"real\" is no type\n"
-        "Info.Variables.l.MinValue: \"low\" is no number that fits\n"
-        "Info.Variables.l.Precision: means nothing for its type\n"
-        "Info.Variables.l.Hint: means nothing for its type\n"
-        "Info.Variables.e.Items: counts for the type Enum alone\n"
-        "Info.Variables.m.Items: is no array\n"
-        "Info.Variables.n: is no object\n"
-        "Info.Setup.s.Hint: is no plain value\n"
-        "Info.Setup.s.Colour: means nothing here\n"
-        "Info.Setup.s.Widget: \"Seriell\" is no field\n"
-        "Info.Commands.f.Hint: means nothing here\n"
-        "Info.Commands.f.Params.a.Type: \"Int\" is no type\n"
-        "Info.Commands.f.Params.c: nothing of that name is published\n"
-        "Info.Commands.f.Name: is the name of a command that every device has\n"
-        "Info.Commands.g: nothing of that name is published\n");
+            "  Device: { l: 1, e: 1, m: 1, n: 1 }, Setup: { s: '' }, f: function(a) { return this.Setup.s; } })"),
+        "Info.Tittle: means-nothing\n"
+        "Info.Options.RemoveDefaults: means-nothing\n"
+        "Info.Options.RemoveDefaultCommandsAndVariables: no-boolean\n"
+        "Info.Variables.Levl: not-published\n"
+        "Info.Variables.l.Type: unknown-type\n"
+        "Info.Variables.l.MinValue: no-number\n"
+        "Info.Variables.l.Precision: means-nothing\n"
+        "Info.Variables.l.Hint: means-nothing\n"
+        "Info.Variables.e.Items: items-without-enum\n"
+        "Info.Variables.m.Items: no-array\n"
+        "Info.Variables.n: no-object\n"
+        "Info.Setup.s.Hint: no-plain-value\n"
+        "Info.Setup.s.Colour: means-nothing\n"
+        "Info.Setup.s.Widget: unknown-widget\n"
+        "Info.Commands.f.Hint: means-nothing\n"
+        "Info.Commands.f.Params.a.Type: unknown-type\n"
+        "Info.Commands.f.Params.c: not-published\n"
+        "Info.Commands.f.Name: built-in-name\n"
+        "Info.Commands.g: not-published\n"
+        "Info.Variables.m: enum-without-items\n");
 }
 
 TEST(ScriptNotes, TellOfWhatNoVariableSettingOrCommandIsMade) {
     EXPECT_EQ(NotesOf("({ Device: { b: true, n: null, f: function() {}, o: {}, Status: 1, '': 1, x: 0 / 0, ok: 1 },"
-                      "   Setup: { o: {}, b: true, ok: 1 }, 'x\u0394': function() {}, _x: function() {}, Other: 5 })"),
-              "Device.b: no variable is made of it\n"
-              "Device.Status: no variable is made of it: every device has one\n"
-              "Device.: no variable is made of it\n"
-              "Device.x: no variable is made of it\n"
-              "Setup.o: no setting is made of it\n"
-              "Setup.b: no setting is made of it\n"
-              "x\u0394: no command is made of it: hosts cannot carry the name\n");
+                      "   Setup: { o: {}, b: true, ok: 1 }, 'x\u0394': function() {}, _x: function() { this.Setup.ok; "
+                      "}, Other: 5 "
+                      "})"),
+              "Device.b: no-variable\n"
+              "Device.Status: default-variable\n"
+              "Device.: no-variable\n"
+              "Device.x: no-variable\n"
+              "Setup.o: no-setting\n"
+              "Setup.b: no-setting\n"
+              "x\u0394: unusable-name\n");
 }
 
 TEST(ScriptNotes, AreNoneForADriverInWhichEverythingCounts) {
@@ -144,7 +149,8 @@ TEST(ScriptReport, StandsOnOneLineForEachThingWhateverIsInIt) {
                                                    "({ Info: { Title: 'a\\nb', Variables: { m: { Type: 'Enum', Items: "
                                                    "items }, n: { Type: 'Enum', Items: ['x', 'y'] } } },"
                                                    "   Device: { m: 0, n: 0, s: 'a\\tb\\u0000c\\r' } })"),
-                                              Text("a.js")));
+                                              Text("a.js")),
+                                Text("a.js"));
     EXPECT_TRUE(text.contains(Text("title  a\\nb\n"))) << text.toStdString();
     EXPECT_TRUE(text.contains(Text("s  String  a\\tb\\x00c\\r\n"))) << text.toStdString();
     EXPECT_TRUE(text.contains(Text("18|19|... (21 items)\n"))) << text.toStdString();
@@ -152,7 +158,8 @@ TEST(ScriptReport, StandsOnOneLineForEachThingWhateverIsInIt) {
 }
 
 TEST(ScriptReport, SaysWhenNothingIsPublished) {
-    EXPECT_TRUE(ToText(AnalyseScript(Text("function f() {}"), Text("a.js"))).contains(Text("Nothing is published")));
+    EXPECT_TRUE(ToText(AnalyseScript(Text("function f() {}"), Text("a.js")), Text("a.js"))
+                    .contains(Text("Nothing is published")));
 }
 
 /// The built program.
@@ -201,6 +208,25 @@ TEST_F(CheckProgram, EndsInTheStatedCodes) {
         EXPECT_EQ(exitCode, 3) << endless;
         EXPECT_TRUE(errors.contains("no answer within 300 ms"));
     }
+}
+
+TEST_F(CheckProgram, CountsNotesAsAFailureOnlyWhenItIsStrict) {
+    const QString file = File("({ f: function () {\nQCalverin.Preform(); } })");
+    Run({file});
+    EXPECT_EQ(exitCode, 0);
+    EXPECT_TRUE(output.contains("a.js: ok\n")) << output.toStdString();
+    EXPECT_TRUE(output.contains("a.js:2: note: ")) << output.toStdString();
+    Run({Text("--strict"), file});
+    EXPECT_EQ(exitCode, 1);
+    EXPECT_TRUE(output.contains("a.js: 1 note counts as a failure\n")) << output.toStdString();
+    EXPECT_TRUE(output.contains("[unknown-call]\n")) << output.toStdString();
+    Run({Text("--strict"), Text("--json"), file});
+    EXPECT_EQ(exitCode, 1);
+    EXPECT_TRUE(Json().value(Text("error")).isNull());
+    EXPECT_EQ(Json().value(Text("notes")).toArray().at(0).toObject().value(Text("code")).toString(),
+              Text("unknown-call"));
+    Run({Text("--strict"), File("({ f: function () {} })")});
+    EXPECT_EQ(exitCode, 0);
 }
 
 TEST_F(CheckProgram, GivesJsonForFailuresToo) {

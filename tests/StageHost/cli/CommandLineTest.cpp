@@ -160,7 +160,8 @@ TEST_F(CommandLine, ExecGivesJson) {
 
 TEST_F(CommandLine, CheckTellsWhatAScriptPublishesWithoutAnyModule) {
     const QString driver = host.File(Text("driver.js"), "({ Info: { Title: 'Lamp' }, Device: { Level: 5 },\n"
-                                                        "   Setup: { port: 8000 }, On: function (level) {} })");
+                                                        "   Setup: { port: 8000 },\n"
+                                                        "   On: function (level) { return this.Setup.port; } })");
     host.SetMood("entry-fails");
     host.Run(List({"check"}) + QStringList{driver});
     EXPECT_EQ(host.ExitCode(), 0);
@@ -176,6 +177,25 @@ TEST_F(CommandLine, CheckTellsWhatAScriptPublishesWithoutAnyModule) {
                                                                   "\nSettings\n"
                                                                   "  port  Integer  SpinBox  8000\n");
     EXPECT_EQ(host.Errors().toStdString(), "");
+}
+
+TEST_F(CommandLine, CheckNotesWhatWillHurtWhichCountsWhenItIsStrict) {
+    const QString driver = host.File(Text("driver.js"), "({ On: function () {\nQCalverin.SetValeu('a', 1); } })");
+    const QString note =
+        Text("\nNotes\n") + driver +
+        Text(":2: note: QCalverin.SetValeu does not exist, and the call will throw: correct the name, it may "
+             "be meant as SetValue [unknown-call]\n");
+    host.Run(List({"check"}) + QStringList{driver});
+    EXPECT_EQ(host.ExitCode(), 0);
+    EXPECT_TRUE(host.Output().endsWith(note)) << host.Output().toStdString();
+    host.Run(List({"check", "--strict"}) + QStringList{driver});
+    EXPECT_EQ(host.ExitCode(), 1);
+    EXPECT_TRUE(host.Output().startsWith(driver + Text(": 1 note counts as a failure\n")));
+    host.Run(List({"--json", "--strict", "check"}) + QStringList{driver});
+    EXPECT_EQ(host.ExitCode(), 1);
+    const QJsonObject first = host.Json().value(Text("notes")).toArray().at(0).toObject();
+    EXPECT_EQ(first.value(Text("code")).toString(), Text("unknown-call"));
+    EXPECT_EQ(first.value(Text("line")).toInt(), 2);
 }
 
 TEST_F(CommandLine, CheckTellsTheErrorWithItsLineAndEndsAnEndlessScript) {
