@@ -42,6 +42,15 @@ QList<ScriptNote> TakeNotes(const ScriptSource& source, const QScriptValue& valu
 
 } // namespace
 
+void GiveSettings(ScriptReport& report, const QStringList& words) {
+    for (const QString& word : words) {
+        for (MScriptSetting& setting : report.published.settings) {
+            if (setting.name == word.section(QLatin1Char('='), 0, 0))
+                setting.value = word.section(QLatin1Char('='), 1);
+        }
+    }
+}
+
 ScriptReport AnalyseScript(const QString& text, const QString& fileName) {
     ScriptReport report;
     report.info.fileName = QFileInfo(fileName).fileName();

@@ -28,6 +28,10 @@ struct ScriptReport {
 /// @param fileName shown as the title unless the script gives one.   [the main thread]
 ScriptReport AnalyseScript(const QString& text, const QString& fileName);
 
+/// Shows settings with values that a host gives them, of the form NAME=VALUE. Those that the script does not have are
+/// left out.
+void GiveSettings(ScriptReport& report, const QStringList& words);
+
 /// The report as programs read it; docs/drivers.md has its form.
 QJsonObject ToJson(const ScriptReport& report);
 

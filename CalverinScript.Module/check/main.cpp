@@ -18,6 +18,7 @@ struct Request {
     bool json = false;
     bool strict = false; ///< notes count as a failure
     int timeoutMs = static_cast<int>(kAnalysisLimit.count());
+    QStringList settings; ///< NAME=VALUE, as the setup keeps values
     QString file;
 };
 
@@ -80,13 +81,16 @@ QString ReadWords(QCommandLineParser& parser, Request& request) {
     const QCommandLineOption timeout(QStringLiteral("timeout"), QStringLiteral("How long the script may take."),
                                      QStringLiteral("MS"), QString::number(kAnalysisLimit.count()));
     const QCommandLineOption strict(QStringLiteral("strict"), QStringLiteral("Notes count as a failure."));
-    parser.addOptions({json, strict, timeout});
+    const QCommandLineOption setting(QStringLiteral("setting"), QStringLiteral("Show a setting with this value."),
+                                     QStringLiteral("NAME=VALUE"));
+    parser.addOptions({json, strict, timeout, setting});
     parser.addPositionalArgument(QStringLiteral("FILE.js"), QStringLiteral("The script."));
     const bool parsed = parser.parse(QCoreApplication::arguments());
     request.json = parser.isSet(json);
     request.strict = parser.isSet(strict);
     if (!parsed)
         return parser.errorText();
+    request.settings = parser.values(setting);
     bool isNumber = false;
     request.timeoutMs = parser.value(timeout).toInt(&isNumber);
     if (!isNumber || request.timeoutMs <= 0)
@@ -112,7 +116,8 @@ int Check(const Request& request) {
     ProcessDeadline deadline(std::chrono::milliseconds(request.timeoutMs), KXP_CHECKER_NO_ANSWER, [&request] {
         Fail(request, KXP_CHECKER_NO_ANSWER, QStringLiteral("no answer within %1 ms").arg(request.timeoutMs));
     });
-    const ScriptReport report = AnalyseScript(text, request.file);
+    ScriptReport report = AnalyseScript(text, request.file);
+    GiveSettings(report, request.settings);
     if (!deadline.Meet())
         return KXP_CHECKER_NO_ANSWER;
     return Answer(request, ExitCodeOf(request, report), report);

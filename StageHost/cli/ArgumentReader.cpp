@@ -20,6 +20,8 @@ struct OptionRow {
 constexpr OptionRow kOptions[] = {
     {"timeout", nullptr, "MS", "how long to wait for each answer of a script, in ms (10000)"},
     {"link", nullptr, "both|newer|older|none", "which remote links the host offers; scripts use the newer one (both)"},
+    {"set", nullptr, "[DEVICE.]NAME=VALUE",
+     "give a setting of a device a value for this run; may stand more than once"},
     {"json", nullptr, nullptr, "output for programs: one JSON text"},
     {"log", nullptr, nullptr, "show the lines of the device log on standard error"},
     {"log-file", nullptr, "FILE", "keep the device log in this file"},
@@ -82,6 +84,7 @@ QString ArgumentReader::Read(const QStringList& words) {
     m_options.log = isSet("log");
     m_options.strict = isSet("strict");
     m_options.window = isSet("window");
+    m_options.sets = parser.values(QStringLiteral("set"));
     m_options.logFile = value("log-file");
     m_options.module = value("module");
     const QStringList rest = parser.positionalArguments() + words.mid(own);
@@ -92,6 +95,10 @@ QString ArgumentReader::Read(const QStringList& words) {
     for (const char* name : {"log-file", "module"}) {
         if (isSet(name) && value(name).isEmpty())
             return QStringLiteral("--%1 needs the name of a file").arg(QLatin1String(name));
+    }
+    for (const QString& set : m_options.sets) {
+        if (set.indexOf(QLatin1Char('=')) < 1)
+            return QStringLiteral("--set needs NAME=VALUE or DEVICE.NAME=VALUE, not \"%1\"").arg(set);
     }
     const QString problem = isSet("timeout") ? ReadTimeout(value("timeout")) : QString();
     return problem.isEmpty() && isSet("link") ? ReadLink(value("link")) : problem;

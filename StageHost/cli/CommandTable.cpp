@@ -30,7 +30,8 @@ constexpr Command kCommands[] = {
     {"send", "SHOW.json | FILE.js DEVICE COMMAND [PARAM=VALUE...]", "sends one command to a device of a show",
      "stagehost send show.json desk \"Execute Function\" \"Script Function Name=blackout\"\n"
      "stagehost send show.json desk 3 \"Script Function Name=fadeTo\" Param1=50\n"
-     "stagehost send dimmer.js script \"Fade to\" level=50",
+     "stagehost send dimmer.js script \"Fade to\" level=50\n"
+     "stagehost send dimmer.js script \"Fade to\" level=50 --set channel=7   (a setting has this value in this run)",
      3, kAny, &SendCommand},
     {"watch", "SHOW.json | FILE.js [NAME...]", "runs a show, prints what changes, does what standard input says",
      "stagehost watch examples/evening/show.json\n"

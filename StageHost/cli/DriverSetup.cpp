@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
+#include <QTemporaryFile>
 
 #include "BorderText.h"
 #include "Checker.h"
@@ -51,6 +52,21 @@ MaybeFailure ReadDriver(const Show& show, const QString& path, std::chrono::mill
     if (lost && edition.linkedFile.isEmpty())
         PrintProblem(path + QStringLiteral(": ") + LostCharactersNote());
     return std::nullopt;
+}
+
+MaybeFailure ReadScriptOf(const ShowDevice& device, const Show& show, std::chrono::milliseconds limit,
+                          DriverEdition& edition) {
+    if (device.scriptText.isEmpty())
+        return ReadDriver(show, show.Path(device.driverFile.isEmpty() ? device.scriptFile : device.driverFile), limit,
+                          edition);
+    QTemporaryFile file;
+    const QByteArray bytes = device.scriptText.toUtf8();
+    if (!file.open() || file.write(bytes) != bytes.size() || !file.flush())
+        return Failure{kExitBadUse, QStringLiteral("cannot write a file for the check: ") + file.errorString()};
+    auto failure = ReadDriver(show, file.fileName(), limit, edition);
+    if (failure)
+        failure->text.replace(file.fileName(), QStringLiteral("scriptText of ") + device.name);
+    return failure;
 }
 
 } // namespace stagehost

@@ -12,4 +12,8 @@ namespace stagehost {
 /// @param edition receives the script and what it publishes.
 MaybeFailure ReadDriver(const Show& show, const QString& path, std::chrono::milliseconds limit, DriverEdition& edition);
 
+/// The same for the script of a device, be it a driver, a script or a text; it has one of them.
+MaybeFailure ReadScriptOf(const ShowDevice& device, const Show& show, std::chrono::milliseconds limit,
+                          DriverEdition& edition);
+
 } // namespace stagehost

@@ -65,22 +65,46 @@ QString RefusedSetupText() {
     return QStringLiteral("the setup in the show file is left as it is; remove it to begin with a new one");
 }
 
-/// The setup text of the device with the driver's script as its file has it now.
-MaybeFailure RenewSetup(Device& device, const Show& show, const ShowDevice& described, const Options& options,
-                        const QStringList& settings) {
-    QString setup = FromBorderText(device.Setup());
+/// Words of the form SETTING=VALUE.
+MaybeFailure ReadSettings(const QString& device, const QStringList& words, std::vector<GivenSetting>& given) {
+    for (const QString& word : words) {
+        const int equals = word.indexOf(QLatin1Char('='));
+        if (equals < 1)
+            return Failure{kExitBadUse, QStringLiteral("%1: expected SETTING=VALUE, not \"%2\"").arg(device, word)};
+        given.push_back({word.left(equals), word.mid(equals + 1), QStringLiteral("%1: %2").arg(device, word)});
+    }
+    return std::nullopt;
+}
+
+/// Gives the device the driver's script as its file has it now, and settings their values.
+MaybeFailure RenewSetup(Session& session, Device& device, const Show& show, const ShowDevice& described,
+                        const Options& options, const std::vector<GivenSetting>& words) {
+    QString setup = session.SetupToKeep(device);
     if (!described.driverFile.isEmpty()) {
         DriverEdition edition;
         if (auto failure = ReadDriver(show, show.Path(described.driverFile), options.timeout, edition))
             return failure;
         setup = MakeSetupText(setup, edition).value_or(setup);
     }
-    const QString problem = settings.isEmpty() ? QString() : ChangeSettings(setup, settings);
+    QString problem = session.Settings().PutInto(described.name, setup);
+    if (problem.isEmpty())
+        problem = GiveSettings(setup, words).join(QLatin1Char('\n'));
     if (!problem.isEmpty())
-        return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(described.name, problem)};
+        return Failure{kExitBadUse, problem};
     if (const auto refused = device.TakeSetup(ToBorderText(setup)))
         return Failure{kExitNoModule, QStringLiteral("%1: %2").arg(described.name, refused->text)};
     return std::nullopt;
+}
+
+/// Keeps the device's setup of now. What "settings" in the show file say goes there, and not into the setup as well.
+/// @return the setup that is kept.
+QString KeepSetup(Session& session, ShowFile& file, const Device& device) {
+    const QString name = FromBorderText(device.Name());
+    for (const auto& setting : session.Settings().Changed(name, FromBorderText(device.Setup())))
+        file.SetSetting(name, setting.name, setting.text);
+    QString setup = session.SetupToKeep(device);
+    file.SetSetup(name, setup);
+    return setup;
 }
 
 /// A script that is loaded at the start of a show is in no setup before the first dialog, which looks into it itself.
@@ -116,10 +140,9 @@ MaybeFailure AskForSetup(Session& session, ShowFile& file, const Options& option
     const KXPCode code = window.Show(*device);
     if (code == KXP_CANCELLED && Interrupt::HasCome())
         return Failure{kExitNoAnswer, QStringLiteral("%1: interrupted, setup left as it was").arg(name)};
-    const QString setup = FromBorderText(device->Setup());
+    const char* what = "left as it was";
     if (code != KXP_CANCELLED)
-        file.SetSetup(name, setup);
-    const char* what = code == KXP_CANCELLED ? "left as it was" : setup == before ? "as before" : "changed";
+        what = KeepSetup(session, file, *device) == before && !file.HasChangedSettings(name) ? "as before" : "changed";
     report.Add(QStringLiteral("%1: setup %2").arg(name, QLatin1String(what)),
                {{QStringLiteral("device"), name}, {QStringLiteral("setup"), QLatin1String(what)}});
     session.CheckStored();
@@ -144,10 +167,10 @@ MaybeFailure RunPanel(Session& session, ShowFile& file, const Options& options, 
         file.SetStoredCommand(stored, xml);
         report.Add(QStringLiteral("%1: stored").arg(stored), {{QStringLiteral("name"), stored}});
     }
-    const QString setup = device->IsOver() ? before : FromBorderText(device->Setup());
-    if (setup != before)
-        file.SetSetup(name, setup);
-    const char* what = setup == before ? "as before" : "changed";
+    const bool changed = !device->IsOver() && FromBorderText(device->Setup()) != before;
+    if (changed)
+        KeepSetup(session, file, *device);
+    const char* what = changed ? "changed" : "as before";
     report.Add(QStringLiteral("%1: setup %2").arg(name, QLatin1String(what)),
                {{QStringLiteral("device"), name}, {QStringLiteral("setup"), QLatin1String(what)}});
     return std::nullopt;
@@ -157,17 +180,20 @@ MaybeFailure RenewSetups(Session& session, ShowFile& file, const Options& option
     const QString only = options.arguments.value(1);
     if (!only.isEmpty() && file.Content().FindDevice(only) == nullptr)
         return session.NoDevice(only);
+    std::vector<GivenSetting> words;
+    if (auto failure = ReadSettings(only, options.arguments.mid(2), words))
+        return failure;
     for (const auto& described : file.Content().devices) {
         if (!only.isEmpty() && described.name != only)
             continue;
         if (session.HasRefusedSetup(described.name))
             return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(described.name, RefusedSetupText())};
         Device& device = *session.FindDevice(described.name);
-        if (auto failure = RenewSetup(device, file.Content(), described, options, options.arguments.mid(2)))
+        if (auto failure = RenewSetup(session, device, file.Content(), described, options, words))
             return failure;
-        const QString setup = FromBorderText(device.Setup());
-        file.SetSetup(described.name, setup);
-        const char* what = described.setup.isEmpty() ? "made" : setup == described.setup ? "as before" : "renewed";
+        const QString setup = KeepSetup(session, file, device);
+        const bool same = setup == described.setup && !file.HasChangedSettings(described.name);
+        const char* what = described.setup.isEmpty() ? "made" : same ? "as before" : "renewed";
         report.Add(QStringLiteral("%1: setup %2").arg(described.name, QLatin1String(what)),
                    {{QStringLiteral("device"), described.name}, {QStringLiteral("setup"), QLatin1String(what)}});
     }
@@ -250,6 +276,10 @@ int Update(Session& session, ShowFile& file, KeepReport& report) {
 /// Opens the show, does the work and writes the file when that went well.
 template <typename Work>
 int Keep(const Options& options, bool quiet, KXPWindow window, Work work) {
+    if (!options.sets.isEmpty())
+        return Fail(
+            options.json, kExitBadUse,
+            QStringLiteral("--set is for a run; \"stagehost setup SHOW.json DEVICE SETTING=VALUE\" keeps a value"));
     ShowFile file;
     WindowDialogs dialogs;
     Session session(options);

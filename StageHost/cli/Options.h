@@ -18,8 +18,9 @@ struct Options {
     bool log = false;
     bool strict = false; ///< of `check`
     bool window = false;
-    QString logFile; ///< empty: a temporary one
-    QString module;  ///< empty: the one beside the program
+    QStringList sets; ///< of the form [DEVICE.]NAME=VALUE
+    QString logFile;  ///< empty: a temporary one
+    QString module;   ///< empty: the one beside the program
     std::chrono::milliseconds timeout{10000};
     bool help = false;
     bool version = false;

@@ -16,6 +16,7 @@ Show ShowOfScript(const QString& file) {
                             {},
                             {},
                             Conduct::Normal,
+                            {},
                             {}});
     return show;
 }

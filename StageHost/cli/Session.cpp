@@ -90,6 +90,9 @@ MaybeFailure Session::Open(const Show& show) {
                                     [](const std::string& text) { PrintProblem(FromBorderText(text)); });
     for (const auto& variable : show.variables)
         m_host->Variables().Add(MakeValue(variable));
+    const QString problem = m_settings.Take(show, m_options.sets);
+    if (!problem.isEmpty())
+        return Failure{kExitBadUse, problem};
     if (auto failure = LoadModule())
         return failure;
     for (std::size_t index = 0; index < m_show.devices.size(); ++index) {
@@ -137,13 +140,11 @@ MaybeFailure Session::LoadModule() {
 /// A setup that the device does not take is told, and the device begins with a new one.
 MaybeFailure Session::MakeDevice(std::size_t index) {
     const ShowDevice& described = m_show.devices.at(index);
-    std::string setup = ToBorderText(described.setup);
-    if (setup.empty()) {
-        if (auto failure = FirstSetup(described, setup))
-            return failure;
-    } else if (!m_quiet) {
+    std::string setup;
+    if (auto failure = SetupToGive(described, described.setup, setup))
+        return failure;
+    if (!described.setup.isEmpty() && !m_quiet)
         TellOtherEdition(described);
-    }
     const ExitGuard guard(kModuleCall, kExitNoModule, "the module does not come back from making a device");
     m_devices.push_back(std::make_unique<Device>(*m_module, ToBorderText(described.name), described.conduct));
     auto problem = m_devices.back()->Create(setup);
@@ -153,7 +154,7 @@ MaybeFailure Session::MakeDevice(std::size_t index) {
                          .arg(index)
                          .arg(problem->text));
         m_refusedSetups += described.name;
-        if (auto failure = FirstSetup(described, setup))
+        if (auto failure = SetupToGive(described, {}, setup))
             return failure;
         problem = m_devices.back()->TakeSetup(setup);
     }
@@ -163,16 +164,35 @@ MaybeFailure Session::MakeDevice(std::size_t index) {
     return Failure{problem->badSetup ? kExitBadUse : kExitNoModule, DeviceText(*m_devices.back(), problem->text)};
 }
 
-/// The setup of a device that has none yet: made of its driver, or empty.
-MaybeFailure Session::FirstSetup(const ShowDevice& described, std::string& setup) const {
+/// The setup that a device begins with: the stored one or its first, with what stands over it.
+MaybeFailure Session::SetupToGive(const ShowDevice& described, const QString& stored, std::string& setup) {
+    QString text = stored;
+    if (text.isEmpty()) {
+        if (auto failure = FirstSetup(described, text))
+            return failure;
+    }
+    const QString problem = m_settings.PutInto(described.name, text);
+    setup = ToBorderText(text);
+    return problem.isEmpty() ? std::nullopt : MaybeFailure(Failure{kExitBadUse, problem});
+}
+
+/// The setup of a device that has none yet: made of its driver, or empty. A script that is loaded later finds the
+/// settings that it is given there.
+MaybeFailure Session::FirstSetup(const ShowDevice& described, QString& setup) const {
     setup.clear();
-    if (described.driverFile.isEmpty())
+    if (described.driverFile.isEmpty() && !m_settings.HasAny(described.name))
         return std::nullopt;
     DriverEdition edition;
-    if (auto failure = ReadDriver(m_show, m_show.Path(described.driverFile), m_options.timeout, edition))
+    if (auto failure = ReadScriptOf(described, m_show, m_options.timeout, edition))
         return failure;
-    setup = ToBorderText(MakeSetupText({}, edition).value_or(QString()));
+    if (described.driverFile.isEmpty())
+        edition = SettingsAlone(edition);
+    setup = MakeSetupText({}, edition).value_or(QString());
     return std::nullopt;
+}
+
+QString Session::SetupToKeep(const Device& device) const {
+    return m_settings.TakeOutOf(FromBorderText(device.Name()), FromBorderText(device.Setup()));
 }
 
 void Session::TellOtherEdition(const ShowDevice& described) const {

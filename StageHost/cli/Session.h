@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include "Device.h"
+#include "DeviceSettings.h"
 #include "Host.h"
 #include "HostedModule.h"
 #include "Interrupt.h"
@@ -78,6 +79,11 @@ public:
     /// Whether the device has not taken its setup of the show file, and runs with a new one.
     bool HasRefusedSetup(const QString& device) const { return m_refusedSetups.contains(device); }
 
+    /// What the device's setup of now says, apart from what "settings" and --set say: the setup as it may be stored.
+    QString SetupToKeep(const Device& device) const;
+    /// What "settings" and --set say.
+    DeviceSettings& Settings() { return m_settings; }
+
     /// Leaves out, while the show is opened, what a command that writes the show file tells by itself.
     void SetQuiet(bool quiet) { m_quiet = quiet; }
 
@@ -124,7 +130,8 @@ private:
     QStringList HearThrown(const Device& device, const std::function<void()>& work);
     void JudgeThrown(const Device& device, QStringList thrown, CommandOutcome& outcome);
     void LookAtLog();
-    MaybeFailure FirstSetup(const ShowDevice& described, std::string& setup) const;
+    MaybeFailure SetupToGive(const ShowDevice& described, const QString& stored, std::string& setup);
+    MaybeFailure FirstSetup(const ShowDevice& described, QString& setup) const;
     void TellOtherEdition(const ShowDevice& described) const;
 
     const Options& m_options;
@@ -138,6 +145,7 @@ private:
     std::unique_ptr<HostedModule> m_module;
     std::vector<std::unique_ptr<Device>> m_devices;
     std::vector<CheckedCommand> m_stored;
+    DeviceSettings m_settings;
     QStringList m_refusedSetups;
     bool m_quiet = false;
     std::uintptr_t m_mainWindow = 0;

@@ -14,6 +14,7 @@ namespace stagehost {
 namespace {
 
 const QString kDevices = QStringLiteral("devices");
+const QString kSettings = QStringLiteral("settings");
 const QString kCommands = QStringLiteral("commands");
 
 /// The number of the item of that name, as a step of a place; empty when there is none.
@@ -24,6 +25,17 @@ QString PlaceOf(const Items& items, const QString& name) {
             return QString::number(index);
     }
     return {};
+}
+
+/// A text as a value of the kind that stood there.
+QJsonValue LikeBefore(const QJsonValue& before, const QString& text) {
+    bool isNumber = false;
+    const double number = text.toDouble(&isNumber);
+    if (before.isDouble() && isNumber)
+        return number;
+    if (before.isBool() && (text == QLatin1String("1") || text == QLatin1String("0")))
+        return text == QLatin1String("1");
+    return text;
 }
 
 } // namespace
@@ -39,6 +51,13 @@ MaybeFailure ShowFile::Open(const QString& path) {
 void ShowFile::SetSetup(const QString& device, const QString& setup) {
     m_changed =
         m_text.SetMember({kDevices, PlaceOf(m_show.devices, device)}, QStringLiteral("setup"), setup) && m_changed;
+}
+
+void ShowFile::SetSetting(const QString& device, const QString& setting, const QString& text) {
+    const QString place = PlaceOf(m_show.devices, device);
+    const QJsonValue before = QJsonDocument::fromJson(m_before)[kDevices][place.toInt()][kSettings][setting];
+    m_changed = m_text.SetMember({kDevices, place, kSettings}, setting, LikeBefore(before, text)) && m_changed;
+    m_changedSettings += device;
 }
 
 void ShowFile::SetStoredCommand(const QString& name, const QString& xml) {

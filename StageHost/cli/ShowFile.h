@@ -17,6 +17,10 @@ public:
     const Show& Content() const { return m_show; }
 
     void SetSetup(const QString& device, const QString& setup);
+    /// Changes one of the "settings" of a device, which has it already. A number or a truth value stays one where the
+    /// text allows it.
+    void SetSetting(const QString& device, const QString& setting, const QString& text);
+    bool HasChangedSettings(const QString& device) const { return m_changedSettings.contains(device); }
     /// Changes the stored command of that name, or adds it.
     void SetStoredCommand(const QString& name, const QString& xml);
 
@@ -32,7 +36,8 @@ private:
     Show m_show;
     QByteArray m_before;
     JsonText m_text{{}};
-    bool m_changed = true; ///< every change has found its place
+    QStringList m_changedSettings; ///< devices
+    bool m_changed = true;         ///< every change has found its place
 };
 
 } // namespace stagehost

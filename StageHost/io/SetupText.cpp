@@ -3,10 +3,8 @@
 #include <QJsonArray>
 
 #include "BorderText.h"
-#include "DataTypes.h"
 #include "NearNames.h"
-#include "PlainNumbers.h"
-#include "ValueFactory.h"
+#include "SettingRule.h"
 #include "XmlElement.h"
 
 namespace stagehost {
@@ -72,28 +70,13 @@ QString SettingValue(const QJsonObject& record) {
     return IsEnum(TextOf(record, "type")) && item >= 0 ? QString::number(item) : value;
 }
 
-ValueSpec SpecOfSetting(const XmlElement& setting) {
-    const DataType* type = FindDataTypeOfElement(setting.Attribute("Type").toStdString());
-    ValueSpec spec;
-    spec.type = type == nullptr ? KXP_STRING_DATA : type->code;
-    spec.name = ToBorderText(setting.Attribute("Name"));
-    spec.minimum = ParseNumber(ToBorderText(setting.Attribute("MinValue")));
-    spec.maximum = ParseNumber(ToBorderText(setting.Attribute("MaxValue")));
-    if (const XmlElement* strings = setting.Child("EnumStrings")) {
-        for (const auto& item : strings->children)
-            spec.items.push_back(ToBorderText(item.Attribute("Name")));
-    }
-    return spec;
-}
-
 /// What the user entered, unless the limits of now do not allow it any more.
 QString KeptSetting(const XmlElement* former, const XmlElement& setting, const QString& fresh) {
     if (former == nullptr)
         return fresh;
     const QString kept = former->Attribute("Value");
-    const ValueSpec spec = SpecOfSetting(setting);
-    return MakeValue(spec)->SetText(ToBorderText(kept)) && ComplaintAbout(spec, ToBorderText(kept)).empty() ? kept
-                                                                                                            : fresh;
+    const SettingRule rule(setting);
+    return rule.ComplaintAbout(rule.Shown(kept)).isEmpty() ? kept : fresh;
 }
 
 void WriteSettings(XmlElement& setup, const QJsonArray& records) {
@@ -143,19 +126,31 @@ std::optional<XmlElement> ParseSetup(const QString& text) {
     return root && root->name == QLatin1String("DeviceData") ? root : std::nullopt;
 }
 
+XmlElement* SettingOf(XmlElement& settings, const QString& name) {
+    return const_cast<XmlElement*>(settings.ChildWith("Name", name));
+}
+
+QString NoSuchSetting(const QString& name, const XmlElement& settings) {
+    QStringList names;
+    QStringList words;
+    for (const auto& setting : settings.children) {
+        names += setting.Attribute("Name");
+        words += SettingRule(setting).Words();
+    }
+    const QString text = QStringLiteral("there is no setting \"%1\"").arg(name);
+    if (names.isEmpty())
+        return text + QStringLiteral("; the script has none");
+    const QString near = NearestName(name, names);
+    const QString meant = near.isNull() ? QStringLiteral("; there are: ")
+                                        : QStringLiteral("; did you mean \"%1\"? There are: ").arg(near);
+    return text + meant + words.join(QStringLiteral(", "));
+}
+
 XmlElement EmptySetup() {
     XmlElement root;
     root.name = QStringLiteral("DeviceData");
     root.Set("Version", QStringLiteral("1000"));
     return root;
-}
-
-/// The names of the settings that a setup has.
-QStringList SettingNames(const XmlElement& settings) {
-    QStringList names;
-    for (const auto& setting : settings.children)
-        names += setting.Attribute("Name");
-    return names;
 }
 
 } // namespace
@@ -171,6 +166,11 @@ std::optional<QString> MakeSetupText(const QString& before, const DriverEdition&
     return root->Print();
 }
 
+DriverEdition SettingsAlone(const DriverEdition& edition) {
+    const QString settings = QStringLiteral("settings");
+    return {{}, {}, {{settings, edition.report.value(settings)}}};
+}
+
 QString ScriptOfSetup(const QString& setup) {
     const auto root = ParseSetup(setup);
     const XmlElement* inner = root ? root->Child("Setup") : nullptr;
@@ -182,28 +182,46 @@ QString ScriptOfSetup(const QString& setup) {
     return QString::fromLatin1(QByteArray::fromBase64(script->text.toLatin1()));
 }
 
-QString ChangeSettings(QString& setup, const QStringList& words) {
+QStringList GiveSettings(QString& setup, const std::vector<GivenSetting>& given) {
     auto root = ParseSetup(setup);
-    if (!root)
-        return QStringLiteral("there is no setup");
+    if (!root || given.empty())
+        return {};
+    QStringList complaints;
     XmlElement& settings = root->Need("Setup").Need("Settings");
-    for (const QString& word : words) {
-        const QString name = word.section(QLatin1Char('='), 0, 0);
-        auto* setting = const_cast<XmlElement*>(settings.ChildWith("Name", name));
-        if (!word.contains(QLatin1Char('=')) || setting == nullptr)
-            return QStringLiteral("expected SETTING=VALUE with a setting of the driver, not \"%1\"").arg(word) +
-                   NamesInstead(name, SettingNames(settings));
-        const ValueSpec spec = SpecOfSetting(*setting);
-        const std::string text = ToBorderText(word.section(QLatin1Char('='), 1));
-        const std::string complaint = ComplaintAbout(spec, text);
-        if (!complaint.empty())
-            return QStringLiteral("the setting \"%1\" %2").arg(name, FromBorderText(complaint));
-        const auto value = MakeValue(spec);
-        value->SetText(text);
-        setting->Set("Value", spec.type == KXP_ENUM_DATA ? QString::number(value->Int()) : FromBorderText(text));
+    for (const auto& one : given) {
+        XmlElement* setting = SettingOf(settings, one.name);
+        const QString complaint =
+            setting == nullptr ? NoSuchSetting(one.name, settings) : SettingRule(*setting).ComplaintAbout(one.text);
+        if (!complaint.isEmpty())
+            complaints += one.place + QStringLiteral(": ") + complaint;
+        else
+            setting->Set("Value", SettingRule(*setting).Stored(one.text));
     }
-    setup = root->Print();
-    return {};
+    if (complaints.isEmpty())
+        setup = root->Print();
+    return complaints;
+}
+
+QString WithSettingsOf(const QString& setup, const QString& other, const QStringList& names) {
+    auto root = ParseSetup(setup);
+    auto source = ParseSetup(other);
+    if (!root || !source || names.isEmpty())
+        return setup;
+    for (const QString& name : names) {
+        const XmlElement* from = SettingOf(source->Need("Setup").Need("Settings"), name);
+        XmlElement* to = SettingOf(root->Need("Setup").Need("Settings"), name);
+        if (from != nullptr && to != nullptr)
+            to->Set("Value", from->Attribute("Value"));
+    }
+    return root->Print();
+}
+
+std::optional<QString> SettingOfSetup(const QString& setup, const QString& name) {
+    auto root = ParseSetup(setup);
+    const XmlElement* setting = root ? SettingOf(root->Need("Setup").Need("Settings"), name) : nullptr;
+    if (setting == nullptr)
+        return std::nullopt;
+    return SettingRule(*setting).Shown(setting->Attribute("Value"));
 }
 
 } // namespace stagehost

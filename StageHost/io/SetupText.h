@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include <QJsonObject>
 #include <QString>
@@ -22,11 +23,28 @@ struct DriverEdition {
 /// @param before the device's setup so far; may be empty. @return nothing when that is no setup text.   [any]
 std::optional<QString> MakeSetupText(const QString& before, const DriverEdition& edition);
 
+/// The settings of an edition without its script, for a device that loads the script later.   [any]
+DriverEdition SettingsAlone(const DriverEdition& edition);
+
 /// The script that a setup text holds, as Latin-1 carries it; empty when there is none.   [any]
 QString ScriptOfSetup(const QString& setup);
 
-/// Changes settings in a setup text.
-/// @param words of the form SETTING=VALUE. @return what is wrong; empty when all were taken.   [any]
-QString ChangeSettings(QString& setup, const QStringList& words);
+/// A value that somebody gives to a setting.
+struct GivenSetting {
+    QString name;
+    QString text;  ///< as SettingRule takes it
+    QString place; ///< what a complaint begins with: "show.json: devices[0].settings.channel"
+};
+
+/// Puts values in force in a setup text; of two for one setting the last.
+/// @param setup left alone unless all are taken, and when it is no setup text. @return a line for each that is not
+/// taken; for a setting that does not exist it lists those that do.   [any]
+QStringList GiveSettings(QString& setup, const std::vector<GivenSetting>& given);
+
+/// A setup text with the values that some settings have in another.   [any]
+QString WithSettingsOf(const QString& setup, const QString& other, const QStringList& names);
+
+/// The value of a setting as people write it; nothing when there is no such setting.   [any]
+std::optional<QString> SettingOfSetup(const QString& setup, const QString& name);
 
 } // namespace stagehost

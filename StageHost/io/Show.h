@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <QString>
@@ -19,7 +20,8 @@ struct ShowDevice {
     QString scriptText;
     QString setup; ///< the device's own setup text, kept as the device gave it
     Conduct conduct = Conduct::Normal;
-    QString driverFile; ///< the script of which the setup is made; named as scriptFile
+    QString driverFile;                                ///< the script of which the setup is made; named as scriptFile
+    std::vector<std::pair<QString, QString>> settings; ///< names and texts that stand over the setup, see SettingRule
 };
 
 /// A stored command of a show, see StoredCommandXml.

@@ -136,11 +136,12 @@ void ShowReader::ReadVariable(const JsonNode& node) {
 }
 
 void ShowReader::ReadDevice(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "driver", "script", "scriptText", "setup", "requests"}))
+    if (!node.ExpectObject({"name", "driver", "script", "scriptText", "setup", "settings", "requests"}))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
-    ShowDevice device{member("name").Text(),  member("script").Text(), member("scriptText").Text(),
-                      member("setup").Text(), ReadConduct(node),       member("driver").Text()};
+    ShowDevice device{member("name").Text(),           member("script").Text(), member("scriptText").Text(),
+                      member("setup").Text(),          ReadConduct(node),       member("driver").Text(),
+                      ReadSettings(member("settings"))};
     CheckName(member("name"), member("name").Border(device.name), "a device");
     if (m_show.FindDevice(device.name) != nullptr)
         member("name").Complain(QStringLiteral("another device has this name"));
@@ -154,6 +155,9 @@ void ShowReader::ReadDevice(const JsonNode& node) {
         member("script").Complain(QStringLiteral("there is no file ") + Quoted(device.scriptFile));
     if (!device.driverFile.isEmpty() && !QFileInfo(m_show.Path(device.driverFile)).isFile())
         member("driver").Complain(QStringLiteral("there is no file ") + Quoted(device.driverFile));
+    if (!device.settings.empty() && device.driverFile.isEmpty() && device.setup.isEmpty() &&
+        device.scriptFile.isEmpty() && device.scriptText.isEmpty())
+        member("settings").Complain(QStringLiteral("the device has neither a driver nor a script that has settings"));
     m_show.devices.push_back(device);
 }
 
@@ -169,6 +173,14 @@ QString ShowReader::NoVariable(const QString& name) const {
     for (const auto& variable : m_show.variables)
         known += FromBorderText(variable.name);
     return QStringLiteral("there is no variable ") + Quoted(name) + NamesInstead(name, known);
+}
+
+std::vector<std::pair<QString, QString>> ShowReader::ReadSettings(const JsonNode& node) {
+    node.ExpectObjectOfAny();
+    std::vector<std::pair<QString, QString>> settings;
+    for (const QString& name : node.MemberNames())
+        settings.emplace_back(name, node.Member(name).Scalar());
+    return settings;
 }
 
 void ShowReader::ReadStoredCommand(const JsonNode& node) {

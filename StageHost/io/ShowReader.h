@@ -1,6 +1,8 @@
 #pragma once
 
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include <QStringList>
 
@@ -30,6 +32,7 @@ private:
     void ReadDevice(const JsonNode& node);
     QString NoDevice(const QString& name) const;
     QString NoVariable(const QString& name) const;
+    static std::vector<std::pair<QString, QString>> ReadSettings(const JsonNode& node);
     void ReadStoredCommand(const JsonNode& node);
     void ReadStep(const JsonNode& node, ObjectsReader& objects);
     static void ReadOtherStep(const JsonNode& node, ObjectsReader& objects, ShowStep& step);

@@ -70,6 +70,11 @@ QJsonObject WriteDevice(const ShowDevice& device) {
     InsertText(object, "scriptText", device.scriptText);
     InsertText(object, "driver", device.driverFile);
     InsertText(object, "setup", device.setup);
+    QJsonObject settings;
+    for (const auto& [name, text] : device.settings)
+        settings.insert(name, text);
+    if (!settings.isEmpty())
+        object.insert(QStringLiteral("settings"), settings);
     WriteConduct(device.conduct, object);
     return object;
 }

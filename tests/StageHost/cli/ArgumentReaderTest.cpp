@@ -47,6 +47,13 @@ TEST(ArgumentReader, TakesWordsBehindTwoDashesAsTheyAre) {
     EXPECT_EQ(Read("check -- --json").arguments, Words("--json"));
 }
 
+TEST(ArgumentReader, TakesAnyNumberOfSettings) {
+    EXPECT_EQ(Read("send --set a=1 s.json --set=d.b=x=y d c").sets, Words("a=1 d.b=x=y"));
+    EXPECT_EQ(Read("exec --set a=-1 a.js f --set b=2").sets, Words("a=-1")) << "the rest is the function's";
+    EXPECT_EQ(ProblemOf("check a.js --set a"), "--set needs NAME=VALUE or DEVICE.NAME=VALUE, not \"a\"");
+    EXPECT_EQ(ProblemOf("check a.js --set =a"), "--set needs NAME=VALUE or DEVICE.NAME=VALUE, not \"=a\"");
+}
+
 TEST(ArgumentReader, ReadsEveryLink) {
     EXPECT_EQ(Read("check a").link, Link::Both);
     EXPECT_EQ(Read("check a --link both").link, Link::Both);

@@ -51,7 +51,8 @@ constexpr const char* kFullShow = R"json({
         { "name": "mode", "type": "Enum", "items": ["a", "b"], "value": "b" }
     ],
     "devices": [
-        { "name": "desk", "script": "desk.js", "setup": "<setup/>" },
+        { "name": "desk", "script": "desk.js", "setup": "<setup/>",
+          "settings": { "port": 9000, "host": "x", "loud": true, "rate": 0.5 } },
         { "name": "lamp", "scriptText": "({})", "requests": "neverEnd" }
     ],
     "tasks": [
@@ -253,6 +254,8 @@ TEST(ShowWriter, WritesWhatReadsBackAsTheSameShow) {
     EXPECT_EQ(again->steps[0].parameters[3].kind, ShowParameter::Kind::File);
     EXPECT_EQ(again->variables[0].maximum, 10);
     EXPECT_EQ(again->devices[0].setup, show->devices[0].setup);
+    EXPECT_EQ(again->devices[0].settings, show->devices[0].settings);
+    EXPECT_EQ(again->devices[0].settings.size(), 4u);
     EXPECT_EQ(again->host.folders, show->host.folders);
 }
 
