@@ -6,6 +6,7 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QDialog>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -154,8 +155,11 @@ void PanelWindow::End() {
 
 /// The timer goes on while the module waits in an event loop of its own, for a script that does not come back.
 void PanelWindow::Look() {
-    if (Interrupt::HasCome() && !m_isOver)
+    if (Interrupt::HasCome() && !m_isOver) {
+        for (QDialog* opened : findChildren<QDialog*>())
+            opened->done(QDialog::Rejected); // nobody is there to answer
         close();
+    }
     if (m_isOver && ++m_looksInVain == kLooksForDevice && !m_device->IsOver()) {
         PrintProblem(QStringLiteral("the device is released, since its script does not come back"));
         m_device->Shutdown(kPanelRelease);

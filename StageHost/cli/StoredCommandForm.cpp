@@ -7,6 +7,7 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -18,6 +19,26 @@ namespace stagehost {
 namespace {
 
 constexpr int kFormWidth = 560;
+
+/// The field of a parameter. @param place receives what stands on the form: the field, or the list that it is part of.
+QLineEdit* MakeField(const ValueSpec& parameter, QWidget*& place) {
+    if (parameter.items.empty()) {
+        auto* field = new QLineEdit;
+        place = field;
+        return field;
+    }
+    auto* list = new QComboBox;
+    list->setEditable(true);
+    for (const std::string& item : parameter.items)
+        list->addItem(FromBorderText(item));
+    QObject::connect(list->lineEdit(), &QLineEdit::textChanged, list, [list](const QString& text) {
+        const int item = list->findText(text);
+        if (item >= 0)
+            list->setCurrentIndex(item); // the keys and the open list begin there
+    });
+    place = list;
+    return list->lineEdit();
+}
 
 } // namespace
 
@@ -66,7 +87,48 @@ std::optional<StoredCommandXml> StoredCommandForm::StoredOne() const {
     return found != all.end() && found->InForce() != nullptr ? std::optional(*found->InForce()) : std::nullopt;
 }
 
+QStringList StoredCommandForm::Texts() const {
+    QStringList texts;
+    for (const Row& row : m_rows)
+        texts.append(row.field->text());
+    return texts;
+}
+
+void StoredCommandForm::KeepDraft() {
+    if (Texts() != m_shownTexts)
+        m_drafts[m_shown] = Texts();
+    else
+        m_drafts.erase(m_shown);
+}
+
+void StoredCommandForm::ShowDraft() {
+    m_shownTexts = Texts();
+    const auto draft = m_drafts.find(m_shown);
+    if (draft == m_drafts.end() || draft->second.size() != m_shownTexts.size())
+        return;
+    for (std::size_t number = 0; number < m_rows.size(); ++number)
+        m_rows[number].field->setText(draft->second[static_cast<int>(number)]);
+    m_news->setText(QStringLiteral("Not stored yet."));
+}
+
+void StoredCommandForm::reject() {
+    KeepDraft();
+    QStringList names;
+    for (const auto& [name, texts] : m_drafts)
+        names.append(name);
+    if (!names.isEmpty() &&
+        QMessageBox::question(
+            this, windowTitle(),
+            QStringLiteral("Changed and not stored: %1.\nLeave without storing?").arg(names.join(QStringLiteral(", "))),
+            QMessageBox::Yes | QMessageBox::No, QMessageBox::No) != QMessageBox::Yes)
+        return;
+    QDialog::reject();
+}
+
 void StoredCommandForm::ShowCommand() {
+    KeepDraft();
+    m_shown = m_choice->currentText();
+    m_shownTexts.clear();
     m_rows.clear();
     delete m_page;
     m_page = new QWidget;
@@ -87,22 +149,23 @@ void StoredCommandForm::ShowCommand() {
             AddRow(m_command.parameters[number], *stored, number);
     QWidget* last = m_choice; // the rows come behind it, though they were made later than the buttons
     for (const Row& row : m_rows) {
-        for (QWidget* part : {static_cast<QWidget*>(row.field), static_cast<QWidget*>(row.button)}) {
+        for (QWidget* part : {row.place, static_cast<QWidget*>(row.button)}) {
             if (part == nullptr)
                 continue;
             setTabOrder(last, part);
             last = part;
         }
     }
+    ShowDraft();
 }
 
 void StoredCommandForm::AddRow(const ValueSpec& parameter, const StoredCommandXml& stored, std::size_t number) {
     Row row;
     row.name = parameter.name;
-    row.field = new QLineEdit;
+    row.field = MakeField(parameter, row.place);
     const QString name = FromBorderText(parameter.name);
     row.field->setObjectName(name);
-    row.field->setAccessibleName(name);
+    row.place->setAccessibleName(name);
     row.field->setText(FromBorderText(MakeValue(parameter)->Text()));
     for (const ValueSpec& value : stored.Command().parameters)
         if (value.name == parameter.name)
@@ -111,12 +174,12 @@ void StoredCommandForm::AddRow(const ValueSpec& parameter, const StoredCommandXm
         if (bound == number)
             row.variable = variable;
     auto* line = new QHBoxLayout;
-    line->addWidget(row.field);
+    line->addWidget(row.place, 1);
     row.selector = std::make_unique<ParameterSelector>(m_session.TheHost().Factories(), parameter);
     if (!row.variable.empty()) {
         row.field->setText(FromBorderText(row.variable));
-        row.field->setEnabled(false);
-        row.field->setToolTip(QStringLiteral("This variable stands for the parameter."));
+        row.place->setEnabled(false);
+        row.place->setToolTip(QStringLiteral("This variable stands for the parameter."));
     } else if (row.selector->IsThere()) {
         auto* button = new QPushButton(QStringLiteral("..."));
         button->setObjectName(name + QStringLiteral("Selector"));
@@ -129,7 +192,7 @@ void StoredCommandForm::AddRow(const ValueSpec& parameter, const StoredCommandXm
         connect(button, &QPushButton::clicked, this, [this, place] { Ask(m_rows[place]); });
     }
     auto* label = new QLabel(name + QLatin1Char(':'));
-    label->setBuddy(row.field);
+    label->setBuddy(row.place);
     m_form->addRow(label, line);
     m_rows.push_back(std::move(row));
 }
@@ -167,8 +230,10 @@ void StoredCommandForm::Store() {
     Device* device = m_session.FindDevice(FromBorderText(stored->Device()));
     const auto made =
         StoredCommandXml::Make(stored->Device(), device->Variables().DefinitionText(), m_command.id, parameters);
-    if (made)
-        m_stored[m_choice->currentText()] = made->Print();
+    if (made) {
+        m_stored[m_shown] = made->Print();
+        m_shownTexts = Texts();
+    }
     m_news->setText(made ? QStringLiteral("Stored.") : QStringLiteral("The command cannot be stored."));
 }
 

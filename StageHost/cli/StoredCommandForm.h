@@ -18,7 +18,8 @@ class QPushButton;
 namespace stagehost {
 
 /// Changes the values of the show's stored commands. A parameter that names a selector of the module has its button
-/// there. [host main]
+/// there. What was typed for one command waits while another is looked at, and is asked about before the form closes.
+/// [host main]
 class StoredCommandForm : public QDialog {
     Q_OBJECT
 
@@ -30,17 +31,24 @@ public:
     /// The commands that were stored here: their texts by their names.
     const std::map<QString, QString>& Stored() const { return m_stored; }
 
+public Q_SLOTS:
+    void reject() override;
+
 private:
     /// One parameter on the form.
     struct Row {
         std::string name;
         QLineEdit* field = nullptr;
-        std::string variable; ///< stands for the parameter; empty for none
+        QWidget* place = nullptr; ///< the field, or the list of items that it is part of
+        std::string variable;     ///< stands for the parameter; empty for none
         std::unique_ptr<ParameterSelector> selector;
         QPushButton* button = nullptr; ///< of the selector; null without one
     };
 
     void ShowCommand();
+    void KeepDraft();
+    void ShowDraft();
+    QStringList Texts() const;
     void AddRow(const ValueSpec& parameter, const StoredCommandXml& stored, std::size_t number);
     void Ask(const Row& row);
     void Store();
@@ -49,12 +57,15 @@ private:
 
     Session& m_session;
     QComboBox* m_choice;
+    QString m_shown;               ///< the command on the form
+    QStringList m_shownTexts;      ///< of its rows, before anybody typed
     QFormLayout* m_form = nullptr; ///< of the command that is chosen
     QWidget* m_page = nullptr;
     QLabel* m_news;
     std::vector<Row> m_rows;
     CommandDefinition m_command;
     std::map<QString, QString> m_stored;
+    std::map<QString, QStringList> m_drafts; ///< what was typed and not stored: texts of rows by names of commands
 };
 
 } // namespace stagehost
