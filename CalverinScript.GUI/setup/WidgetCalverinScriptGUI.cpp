@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QShortcut>
 #include <QStandardItemModel>
@@ -101,6 +102,7 @@ void WidgetCalverinScriptGUI::LoadFromDevice(MCalverinScript_Device* device) {
     UpdateDescription();
     ShowLoadedFile();
     UpdateRemoveDefaults();
+    m_openedSetup = SetupNow();
 }
 
 void WidgetCalverinScriptGUI::LoadOptions() {
@@ -381,6 +383,14 @@ void WidgetCalverinScriptGUI::closeEvent(QCloseEvent* event) {
     QDialog::closeEvent(event);
 }
 
+void WidgetCalverinScriptGUI::keyPressEvent(QKeyEvent* event) {
+    const bool asks = event->matches(QKeySequence::Cancel) && m_device != nullptr && SetupNow() != m_openedSetup;
+    if (asks &&
+        !DialogMessage::Ask(this, tr("The setup has been changed.\nDo you want to leave it without the changes?")))
+        return;
+    QDialog::keyPressEvent(event);
+}
+
 DeviceSetup WidgetCalverinScriptGUI::MakeSetup() const {
     const SetupOptions options = m_ui->tab_Options->GetOptions();
     DeviceSetup setup;
@@ -396,6 +406,13 @@ DeviceSetup WidgetCalverinScriptGUI::MakeSetup() const {
     script.autoCompletion = options.autoCompletion;
     setup.script = script;
     return setup;
+}
+
+/// What the dialog holds, with the form as it stands.
+std::string WidgetCalverinScriptGUI::SetupNow() const {
+    DeviceSetup setup = MakeSetup();
+    m_ui->tab_Setup->Form().ReadBack(setup.settings);
+    return PrintSetup(setup);
 }
 
 KXPCode WidgetCalverinScriptGUI::StoreToDevice(MCalverinScript_Device* device) {

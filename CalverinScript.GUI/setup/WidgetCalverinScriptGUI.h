@@ -76,6 +76,8 @@ public Q_SLOTS:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    /// Escape, which closes so much else, asks before it leaves what was changed; Cancel is meant as it is.
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void ConnectSignals();
@@ -106,6 +108,7 @@ private:
     bool AskWhereChangesGo();
     QString TextToStore() const;
     DeviceSetup MakeSetup() const;
+    std::string SetupNow() const;
 
     const std::unique_ptr<Ui::WidgetCalverinScriptGUI> m_ui;
     QPointer<MCalverinScript_Device> m_device; ///< not owned
@@ -116,6 +119,7 @@ private:
     AnalysisOutcome m_analysis;        ///< the last one
     QString m_analysedText;            ///< its text
     SeenFiles m_seenFiles;             ///< those of the script
+    std::string m_openedSetup;         ///< what the dialog held before anybody changed it, as SetupNow
     bool m_isGivenUp = false;
     bool m_isTableFull = false; ///< the completion table was filled before the dialog was shown
 };

@@ -93,6 +93,25 @@ TEST_F(TheSetupDialog, GivesTheDeviceWhatTheUserEntered) {
     EXPECT_EQ(device->GetStoredSetup().GetScriptText().toStdString(), kDriver);
 }
 
+TEST_F(TheSetupDialog, EscapeLeavesWithoutAQuestionWhatNobodyChanged) {
+    GivenScript(kDriver);
+    EXPECT_EQ(Show([&](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }), 13u);
+}
+
+TEST_F(TheSetupDialog, EscapeInTheEditorKeepsTheTypedTextWhenTheQuestionIsDenied) {
+    GivenScript(kDriver);
+    EXPECT_NE(Show([&](QWidget& dialog) {
+                  TypeScript(dialog, "({ Mine: function() {} })");
+                  dialogs.Expect(Press("pushButtonCancel", "has been changed"));
+                  QTest::keyClick(&Editor(dialog), Qt::Key_Escape);
+                  EXPECT_TRUE(dialog.isVisible());
+                  EXPECT_EQ(Editor(dialog).toPlainText(), QStringLiteral("({ Mine: function() {} })"));
+                  Click(dialog, "pushButtonOk");
+              }),
+              13u);
+    EXPECT_EQ(device->GetStoredSetup().GetScriptText().toStdString(), "({ Mine: function() {} })");
+}
+
 TEST_F(TheSetupDialog, LeavesTheDeviceAsItWasWhenCancelledOrClosed) {
     GivenScript(kDriver);
     const auto change = [&](QWidget& dialog) {
@@ -111,9 +130,11 @@ TEST_F(TheSetupDialog, LeavesTheDeviceAsItWasWhenCancelledOrClosed) {
               13u);
     EXPECT_EQ(Show([&](QWidget& dialog) {
                   change(dialog);
+                  dialogs.Expect(Press("pushButtonOk", "has been changed"));
                   QTest::keyClick(&dialog, Qt::Key_Escape);
               }),
               13u);
+    EXPECT_TRUE(dialogs.IsDone());
     EXPECT_EQ(StoredValue("Address"), "(none)");
     EXPECT_EQ(device->GetStoredSetup().GetScriptText().toStdString(), kDriver);
     EXPECT_EQ(device->GetAnalysis().GetSet().settings.Count(), 2u) << "the analysis is that of the stored script again";
