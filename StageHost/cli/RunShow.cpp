@@ -139,6 +139,8 @@ MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
     if (auto failure = CheckCommands(session, show))
         return failure;
     report.Begin();
+    if (auto failure = session.StartPeers())
+        return failure;
     for (const auto& device : session.Devices()) {
         if (auto failure = session.StartDevice(*device))
             return failure;

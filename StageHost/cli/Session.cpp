@@ -217,7 +217,14 @@ void Session::CheckStored() {
     }
 }
 
+MaybeFailure Session::StartPeers() {
+    const QString problem = m_peers.Start(m_show);
+    return problem.isEmpty() ? MaybeFailure() : Failure{kExitBadUse, problem};
+}
+
 MaybeFailure Session::Start() {
+    if (auto failure = StartPeers())
+        return failure;
     for (const auto& device : m_devices) {
         if (auto failure = StartDevice(*device))
             return failure;
@@ -443,6 +450,7 @@ int Session::Close(int exitCode) {
             LeaveAtOnce(lateCode, "a call into the module does not come back");
     }
     m_devices.clear();
+    m_peers.End();
     {
         const ExitGuard guard(kModuleCall, lateCode, "the module does not come back from its end");
         if (!m_host->Pool().Close(kStop))

@@ -17,6 +17,7 @@
 #include "LogFollower.h"
 #include "ObjectKinds.h"
 #include "Options.h"
+#include "Peers.h"
 #include "Show.h"
 #include "StoredCommands.h"
 #include "ThrownTexts.h"
@@ -49,7 +50,10 @@ public:
     /// Loads the module and makes the show's variables and devices.
     MaybeFailure Open(const Show& show);
 
-    /// Starts every device and loads its script into it.
+    /// Starts the peers of the show; before the first device.
+    MaybeFailure StartPeers();
+
+    /// Starts the peers and every device, and loads its script into it.
     MaybeFailure Start();
 
     /// Starts one device. @return what is wrong when it does not come back in time.
@@ -147,6 +151,7 @@ private:
     std::vector<CheckedCommand> m_stored;
     DeviceSettings m_settings;
     QStringList m_refusedSetups;
+    Peers m_peers;
     bool m_quiet = false;
     std::uintptr_t m_mainWindow = 0;
     UserDialogs* m_dialogs = nullptr;

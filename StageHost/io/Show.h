@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <QString>
+#include <QStringList>
 
 #include "HardwareSpec.h"
 #include "HostSettings.h"
@@ -28,6 +29,12 @@ struct ShowDevice {
 struct ShowStoredCommand {
     QString name;
     QString xml;
+};
+
+/// A program that stands for the other end of a device's line, and runs as long as the show does.
+struct ShowPeer {
+    QString name;
+    QStringList run; ///< the program and its words; a program with a "/" is a file of the show's folder, or absolute
 };
 
 /// What a step gives to one parameter of its command.
@@ -72,6 +79,7 @@ struct Show {
     HostSettings host; ///< without the log and the link, which are not the show's business
     HardwareSpec resources;
     std::vector<ValueSpec> variables;
+    std::vector<ShowPeer> peers;
     std::vector<ShowDevice> devices;
     std::vector<ShowStoredCommand> commands;
     ShowSpec objects; ///< tasks, cues, screens, groups, objects, shows

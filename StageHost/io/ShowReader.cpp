@@ -48,7 +48,7 @@ std::optional<Show> ShowReader::Read(const QByteArray& text, const QString& file
 }
 
 void ShowReader::ReadShow(const JsonNode& root) {
-    if (!root.ExpectObject({"name", "host", "folders", "resources", "variables", "devices", "commands", "tasks", "cues",
+    if (!root.ExpectObject({"name", "host", "folders", "resources", "variables", "peers", "devices", "commands", "tasks", "cues",
                             "screens", "groups", "objects", "shows", "steps"}))
         return;
     m_show.name = root.Member(QStringLiteral("name")).TextOr(m_show.name);
@@ -56,6 +56,7 @@ void ShowReader::ReadShow(const JsonNode& root) {
     ReadFolders(root.Member(QStringLiteral("folders")));
     HardwareReader(m_show.resources).Read(root.Member(QStringLiteral("resources")));
     root.Member(QStringLiteral("variables")).ForEach([this](const JsonNode& node) { ReadVariable(node); });
+    root.Member(QStringLiteral("peers")).ForEach([this](const JsonNode& node) { ReadPeer(node); });
     root.Member(QStringLiteral("devices")).ForEach([this](const JsonNode& node) { ReadDevice(node); });
     root.Member(QStringLiteral("commands")).ForEach([this](const JsonNode& node) { ReadStoredCommand(node); });
     ObjectsReader objects(m_show);
@@ -133,6 +134,21 @@ void ShowReader::ReadVariable(const JsonNode& node) {
     if (!member("value").IsMissing() && !MakeValue(variable)->SetText(variable.text))
         member("value").Complain(QStringLiteral("not a value of this type"));
     m_show.variables.push_back(std::move(variable));
+}
+
+void ShowReader::ReadPeer(const JsonNode& node) {
+    if (!node.ExpectObject({"name", "run"}))
+        return;
+    const JsonNode run = node.Member(QStringLiteral("run"));
+    ShowPeer peer{node.Member(QStringLiteral("name")).Text(), {}};
+    CheckName(node.Member(QStringLiteral("name")), ToBorderText(peer.name), "a peer");
+    run.ForEach([&](const JsonNode& word) { peer.run += word.Scalar(); });
+    const QString program = peer.run.value(0);
+    if (program.isEmpty())
+        run.Complain(QStringLiteral("expected a program and its words"));
+    else if (program.contains(QLatin1Char('/')) && !QFileInfo(m_show.Path(program)).isFile())
+        run.Complain(QStringLiteral("there is no file ") + Quoted(program));
+    m_show.peers.push_back(peer);
 }
 
 void ShowReader::ReadDevice(const JsonNode& node) {

@@ -29,6 +29,7 @@ private:
     void ReadTheme(const JsonNode& theme);
     void ReadFolders(const JsonNode& folders);
     void ReadVariable(const JsonNode& node);
+    void ReadPeer(const JsonNode& node);
     void ReadDevice(const JsonNode& node);
     QString NoDevice(const QString& name) const;
     QString NoVariable(const QString& name) const;
