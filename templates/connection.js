@@ -236,36 +236,42 @@ var Connection = (function () {
     function tcp(host, port) {
         var where = host + ":" + port;
         return { restarts: true, tells: true, where: where, framing: lines, make: function (events) {
-            var socket = QCalverin.CreateSocket(), wanted = false, stands = false;
+            var socket = null, wanted = false, stands = false;
             var owed = 0; // "close" events of our own end() that are still to come; what comes before them is of yesterday
+            function take() {
+                if (socket)
+                    return;
+                socket = QCalverin.CreateSocket();
+                socket.on("connect", function () {
+                    if (owed > 0 || !wanted)
+                        return;
+                    stands = true;
+                    events.opened();
+                });
+                socket.on("data", function (bytes) {
+                    if (owed === 0 && stands)
+                        events.data(textOf(bytes));
+                });
+                socket.on("error", function (error) {
+                    if (owed === 0 && wanted)
+                        events.closed((SOCKET_PROBLEMS[error.errorCode] || error.errorText) + " (" + where + ")");
+                });
+                socket.on("close", function () {
+                    if (owed > 0) {
+                        owed -= 1;
+                        if (owed === 0 && wanted)
+                            attempt();
+                    } else if (stands) {
+                        events.closed("the peer has closed the connection (" + where + ")");
+                    }
+                });
+            }
             function attempt() {
                 socket.connect(Number(port), String(host));
             }
-            socket.on("connect", function () {
-                if (owed > 0 || !wanted)
-                    return;
-                stands = true;
-                events.opened();
-            });
-            socket.on("data", function (bytes) {
-                if (owed === 0 && stands)
-                    events.data(textOf(bytes));
-            });
-            socket.on("error", function (error) {
-                if (owed === 0 && wanted)
-                    events.closed((SOCKET_PROBLEMS[error.errorCode] || error.errorText) + " (" + where + ")");
-            });
-            socket.on("close", function () {
-                if (owed > 0) {
-                    owed -= 1;
-                    if (owed === 0 && wanted)
-                        attempt();
-                } else if (stands) {
-                    events.closed("the peer has closed the connection (" + where + ")");
-                }
-            });
             return {
                 open: function () {
+                    take();
                     wanted = true;
                     if (owed === 0)
                         attempt();
@@ -283,17 +289,23 @@ var Connection = (function () {
     function udp(host, port, localPort) {
         var only = /^\d+\.\d+\.\d+\.\d+$/.test(host) && !/^(22[4-9]|23\d|255)\.|\.255$|^0\./.test(host) ? host : "";
         return { where: host + ":" + port, framing: whole, make: function (events) {
-            var socket = QCalverin.CreateSocket("udp4"), isOpen = false;
-            socket.on("message", function (bytes, from) {
-                if (isOpen && (only === "" || from.address === only))
-                    events.data(textOf(bytes));
-            });
-            socket.on("error", function (error) {
-                if (isOpen)
-                    events.garbage(error.errorText);
-            });
+            var socket = null, isOpen = false;
+            function take() {
+                if (socket)
+                    return;
+                socket = QCalverin.CreateSocket("udp4");
+                socket.on("message", function (bytes, from) {
+                    if (isOpen && (only === "" || from.address === only))
+                        events.data(textOf(bytes));
+                });
+                socket.on("error", function (error) {
+                    if (isOpen)
+                        events.garbage(error.errorText);
+                });
+            }
             return {
                 open: function () {
+                    take();
                     isOpen = true;
                     socket.bind(Number(localPort || 0));
                     events.opened();
@@ -367,15 +379,17 @@ var Connection = (function () {
         var SERVER_ANSWERED = /^(20[1-4]|299|302)$/, METHODS = { PUT: "put", POST: "post" }, MOST = 4;
         return { restarts: true, where: base, make: function (events) {
             var clients = [], asking = null;
-            function client() {
-                var i;
-                for (i = 0; i < clients.length; ++i)
-                    if (!clients[i].busy)
-                        return clients[i];
-                if (clients.length === MOST)
+            function freeClient() {
+                var i = 0, one;
+                while (i < clients.length && clients[i].busy)
+                    ++i;
+                if (i === MOST)
                     return null;
-                clients.push({ busy: false, object: QCalverin.CreateHTTPClient() });
-                return clients[clients.length - 1];
+                one = clients[i] || { busy: false, object: null };
+                clients[i] = one;
+                if (!one.object)
+                    one.object = QCalverin.CreateHTTPClient();
+                return one;
             }
             function answered(one, response, error) {
                 one.busy = false;
@@ -392,7 +406,7 @@ var Connection = (function () {
             }
             function send(request) {
                 var form = typeof request === "string" ? { path: request } : request;
-                var method = METHODS[form.method], one = client();
+                var method = METHODS[form.method], one = freeClient();
                 if (!one) {
                     events.closed("the server does not come back from " + MOST + " requests");
                     return;

@@ -12,6 +12,13 @@ namespace {
 constexpr int kAny = -1;
 
 constexpr Command kCommands[] = {
+    {"new", "tcp|udp|http|serial|logic NAME",
+     "lays out a driver to begin with, in a folder NAME: the driver, a show that plays it, and a fake device to talk "
+     "to",
+     "stagehost new tcp amplifier\n"
+     "stagehost run amplifier/show.json\n"
+     "stagehost new logic foyer   (no device of its own: what follows when variables change)",
+     2, 2, &NewDriver},
     {"run", "SHOW.json", "plays a show: starts its devices, sends its steps, shows the results",
      "stagehost run examples/cuelist/show.json\n"
      "stagehost run --log examples/cuelist/show.json",

@@ -48,13 +48,14 @@ std::optional<Show> ShowReader::Read(const QByteArray& text, const QString& file
 }
 
 void ShowReader::ReadShow(const JsonNode& root) {
-    if (!root.ExpectObject({"name", "host", "folders", "resources", "variables", "peers", "devices", "commands", "tasks", "cues",
-                            "screens", "groups", "objects", "shows", "steps"}))
+    if (!root.ExpectObject({"name", "host", "folders", "resources", "variables", "peers", "devices", "commands",
+                            "tasks", "cues", "screens", "groups", "objects", "shows", "steps"}))
         return;
     m_show.name = root.Member(QStringLiteral("name")).TextOr(m_show.name);
     ReadHost(root.Member(QStringLiteral("host")));
     ReadFolders(root.Member(QStringLiteral("folders")));
     HardwareReader(m_show.resources).Read(root.Member(QStringLiteral("resources")));
+    FindOwnPorts();
     root.Member(QStringLiteral("variables")).ForEach([this](const JsonNode& node) { ReadVariable(node); });
     root.Member(QStringLiteral("peers")).ForEach([this](const JsonNode& node) { ReadPeer(node); });
     root.Member(QStringLiteral("devices")).ForEach([this](const JsonNode& node) { ReadDevice(node); });
@@ -62,6 +63,15 @@ void ShowReader::ReadShow(const JsonNode& root) {
     ObjectsReader objects(m_show);
     objects.Read(root);
     root.Member(QStringLiteral("steps")).ForEach([&](const JsonNode& node) { ReadStep(node, objects); });
+}
+
+/// A serial port whose name begins with a point stands in the show's folder, as the other files of a show do.
+void ShowReader::FindOwnPorts() {
+    for (ResourceSpec& resource : m_show.resources) {
+        auto* serial = std::get_if<SerialPlan>(&resource.plan);
+        if (serial != nullptr && serial->port.startsWith(QLatin1String("./")))
+            serial->port = m_show.Path(serial->port);
+    }
 }
 
 void ShowReader::ReadHost(const JsonNode& host) {

@@ -25,6 +25,7 @@ public:
 
 private:
     void ReadShow(const JsonNode& root);
+    void FindOwnPorts();
     void ReadHost(const JsonNode& host);
     void ReadTheme(const JsonNode& theme);
     void ReadFolders(const JsonNode& folders);

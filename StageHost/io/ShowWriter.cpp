@@ -64,6 +64,10 @@ QJsonObject WriteVariable(const ValueSpec& variable) {
     return object;
 }
 
+QJsonObject WritePeer(const ShowPeer& peer) {
+    return {{QStringLiteral("name"), peer.name}, {QStringLiteral("run"), QJsonArray::fromStringList(peer.run)}};
+}
+
 QJsonObject WriteDevice(const ShowDevice& device) {
     QJsonObject object{{QStringLiteral("name"), device.name}};
     InsertText(object, "script", device.scriptFile);
@@ -147,6 +151,8 @@ QByteArray WriteShow(const Show& show) {
     if (!show.resources.empty())
         root.insert(QStringLiteral("resources"), WriteList(show.resources, &WriteResource));
     root.insert(QStringLiteral("variables"), WriteList(show.variables, &WriteVariable));
+    if (!show.peers.empty())
+        root.insert(QStringLiteral("peers"), WriteList(show.peers, &WritePeer));
     root.insert(QStringLiteral("devices"), WriteList(show.devices, &WriteDevice));
     if (!show.commands.empty())
         root.insert(QStringLiteral("commands"), WriteList(show.commands, &WriteStoredCommand));

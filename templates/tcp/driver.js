@@ -25,7 +25,7 @@
         }
     },
 
-    Setup: { host: "127.0.0.1", port: 47010 },
+    Setup: { host: "127.0.0.1", port: @PORT@ },
     Device: { Online: "no", Connection: "stopped", Power: "off", Level: 0 },
 
     _mStart: function () {
@@ -37,12 +37,7 @@
                 driver.Device.Online = word === "online" ? "yes" : "no";
                 driver.Device.Connection = reason ? word + ": " + reason : word;
             },
-            poll: function () {
-                driver._connection.ask("STATE", function (answer, problem) {
-                    if (!problem)
-                        driver._take(answer);
-                });
-            },
+            poll: function () { driver._askState(); },
             frame: function (line) { driver._take(line); }
         });
         this._connection.open();
@@ -63,9 +58,20 @@
     },
 
     _do: function (line) {
+        var driver = this;
         this._connection.command(line, function (answer) {
             if (answer !== "OK")
-                throw new Error("the device says " + answer);
+                throw new Error("the device says " + answer); // the result is "error: the device says ..."
+            driver._askState();
+            return "OK";
+        });
+    },
+
+    _askState: function () {
+        var driver = this;
+        this._connection.ask("STATE", function (answer, problem) {
+            if (!problem)
+                driver._take(answer);
         });
     },
 

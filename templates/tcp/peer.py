@@ -5,10 +5,10 @@
 
 The show starts it and ends it. It ends with its standard input, so nothing is left behind.
 """
+import signal
 import socketserver
 import sys
 import threading
-import signal
 
 state = {"power": "OFF", "level": 0}
 
@@ -41,6 +41,7 @@ class Server(socketserver.ThreadingTCPServer):
 
 
 signal.signal(signal.SIGINT, signal.SIG_IGN)  # Ctrl-C is for stagehost, which ends this one
-with Server(("127.0.0.1", int(sys.argv[1]) if len(sys.argv) > 1 else 47010), Client) as server:
+with Server(("127.0.0.1", int(sys.argv[1]) if len(sys.argv) > 1 else @PORT@), Client) as server:
     threading.Thread(target=server.serve_forever, daemon=True).start()
+    print("ready", flush=True)
     sys.stdin.read()

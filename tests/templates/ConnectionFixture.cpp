@@ -48,9 +48,14 @@ std::string FileText(const char* path) {
 
 } // namespace
 
+std::string ConnectionFixture::ConnectionText() {
+    return FileText(CONNECTION_SCRIPT);
+}
+
 void ConnectionFixture::GivenConnectionScript() {
-    GivenScript(FileText(CONNECTION_SCRIPT) + kWords +
-                "({ Do: Do, Command: function (text) { c.command(text); }, _mStop: function () { if (c) c.close(); } })");
+    GivenScript(
+        ConnectionText() + kWords +
+        "({ Do: Do, Command: function (text) { c.command(text); }, _mStop: function () { if (c) c.close(); } })");
     ASSERT_EQ(Error(), "");
 }
 
@@ -77,6 +82,7 @@ std::string ConnectionFixture::HeardWith(const std::string& word) {
     EXPECT_TRUE(Eventually([&] {
         all = Heard(0);
         return all.find(word) != std::string::npos;
-    })) << word << " is not in: " << all;
+    })) << word
+        << " is not in: " << all;
     return all;
 }

@@ -3,8 +3,9 @@
 #include "EventFixture.h"
 #include "LoopbackPeer.h"
 
-/// A device whose script carries templates/connection.js. What its connection tells is heard as words: "online", "offline: REASON",
-/// "frame:TEXT", "answer:TEXT", "problem:TEXT". Times that must not pass in a test are a minute, unless its options say otherwise.
+/// A device whose script carries templates/connection.js. What its connection tells is heard as words: "online",
+/// "offline: REASON", "frame:TEXT", "answer:TEXT", "problem:TEXT". Times that must not pass in a test are a minute,
+/// unless its options say otherwise.
 class ConnectionFixture : public EventFixture {
 protected:
     /// Loads the script without a connection.
@@ -13,6 +14,7 @@ protected:
     void GivenOpen(const std::string& options);
     /// Opens one over TCP to the listener, and accepts it. @param options more of them.
     Peer GivenConnected(const std::string& options = "");
+    static std::string ConnectionText();
     /// "transport: Connection.tcp('127.0.0.1', PORT)"
     static std::string TcpTo(std::uint16_t port);
     static std::string UdpTo(std::uint16_t port);

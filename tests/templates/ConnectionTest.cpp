@@ -1,8 +1,9 @@
-#include "ConnectionFixture.h"
-
 #include <chrono>
+#include <thread>
 
+#include "ConnectionFixture.h"
 #include "Deadline.h"
+#include "ManualScripts.h"
 
 // The connection that the templates carry, over TCP, with peers that are kind and peers that are not.
 
@@ -74,8 +75,7 @@ TEST_F(Connections, AQuestionWaitsForTheConnection) {
 TEST_F(Connections, AQuestionThatWaitsTooLongSaysWhyNothingIsConnected) {
     const std::uint16_t port = ClosedPort();
     GivenOpen(TcpTo(port) + ", waitTime: 100");
-    EXPECT_EQ(Call("Command", {"A"}),
-              "error: not connected: nobody listens (127.0.0.1:" + std::to_string(port) + ")");
+    EXPECT_EQ(Call("Command", {"A"}), "error: not connected: nobody listens (127.0.0.1:" + std::to_string(port) + ")");
 }
 
 TEST_F(Connections, APeerThatAnswersNoConnectIsGivenUpAndTriedAgain) {
@@ -234,7 +234,8 @@ TEST_F(Connections, CloseEndsAllThatWaitsAndOpenBeginsAgain) {
 }
 
 TEST_F(Connections, WhatAListenerThrowsIsToldAndHarmsNothing) {
-    const Peer peer = GivenConnected("frame: function (text) { hear(text); if (text === 'bad') throw new Error('mine'); }");
+    const Peer peer =
+        GivenConnected("frame: function (text) { hear(text); if (text === 'bad') throw new Error('mine'); }");
     peer.Send("bad\r\ngood\r\n");
     HeardWith("bad good");
     EXPECT_TRUE(Eventually([&] { return Error() == "Script: mine"; })) << Error();
@@ -254,7 +255,8 @@ TEST_F(Connections, TextsMayBeUtf8AndOtherwiseAreBytes) {
 }
 
 TEST_F(Connections, MegabytesOfFramesAreAllHeard) {
-    const Peer peer = GivenConnected("frame: function (text) { total += text.length; if (text === 'end') hear('end ' + total); }");
+    const Peer peer =
+        GivenConnected("frame: function (text) { total += text.length; if (text === 'end') hear('end ' + total); }");
     Do("total = 0");
     std::string lines;
     for (int i = 0; i < 20000; ++i)
@@ -277,6 +279,22 @@ TEST_F(Connections, WrongOptionsAreToldAtOnce) {
     EXPECT_EQ(Do("new Connection({})"), "error: Connection: choose a transport, such as Connection.tcp(host, port)");
     EXPECT_EQ(Do("new Connection({ transport: Connection.tcp('h', 1), gap: undefined })"),
               "error: Connection: gap is undefined");
+}
+
+TEST_F(Connections, TheDriverOfTheManualWorks) {
+    std::string script = ScriptsOfTheManual(CONNECTION_MANUAL).at(0);
+    script.replace(script.find("4001"), 4, std::to_string(listener.GetPort()));
+    GivenScript(ConnectionText() + script);
+    const Peer peer = listener.Accept();
+    EXPECT_EQ(peer.Receive(8), "LEVEL?\r\n");
+    peer.Send("40\r\n");
+    std::thread answer([&peer] {
+        EXPECT_EQ(peer.Receive(10), "LEVEL 70\r\n");
+        peer.Send("done\r\n");
+    });
+    EXPECT_EQ(Call("SetLevel", {"70"}), "done");
+    answer.join();
+    EXPECT_EQ(Error(), "");
 }
 
 TEST_F(Connections, OverUdpAreOnlineWhenThePeerHasSpoken) {

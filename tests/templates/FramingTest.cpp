@@ -10,7 +10,8 @@ protected:
         ConnectionFixture::SetUp();
         GivenConnectionScript();
     }
-    /// What a framing makes of pieces; frames are divided by "|", what is no frame begins with "!", "_" stands for a zero byte.
+    /// What a framing makes of pieces; frames are divided by "|", what is no frame begins with "!", "_" stands for a
+    /// zero byte.
     std::string Fed(const std::string& framing, const std::string& pieces) {
         return Do("fed(Connection." + framing + ", [" + pieces + "]).join('|').replace(/\\x00/g, '_')");
     }
@@ -39,16 +40,17 @@ TEST_F(Framing, ADelimiterMayBeLongAndCutAnywhere) {
 }
 
 TEST_F(Framing, WhatStandsBeforeTheBeginningOfAFrameIsDropped) {
-    EXPECT_EQ(Fed("delimited('\\x03', '\\x02')", R"('noise\x02A\x03\x02', 'B\x03no beginning\x03\x02cut\x02whole\x03')"),
-              "A|B|!no frame|whole");
+    EXPECT_EQ(
+        Fed("delimited('\\x03', '\\x02')", R"('noise\x02A\x03\x02', 'B\x03no beginning\x03\x02cut\x02whole\x03')"),
+        "A|B|!no frame|whole");
     EXPECT_EQ(Hex("Connection.delimited('\\x03', '\\x02').encode('A')"), "024103");
 }
 
 TEST_F(Framing, SlipIsThatOfRfc1055) {
     EXPECT_EQ(Hex("Connection.slip().encode('\\x01\\xc0\\x02\\xdb\\x03')"), "c001dbdc02dbdd03c0");
     EXPECT_EQ(Fed("slip()", R"('\xc0\xc0A\xdb', '\xdcB\xdb\xddC\xc0', '\xc0')"), "A\xC0"
-                                                                                "B\xDB"
-                                                                                "C");
+                                                                                 "B\xDB"
+                                                                                 "C");
     EXPECT_EQ(Fed("slip()", R"('\xc0A\xdbB\xc0good\xc0cut\xdb\xc0')"), "!no frame|good|!no frame");
 }
 
@@ -83,7 +85,8 @@ TEST_F(Framing, ALengthThatCannotBeIsLostAndNeverWaitedFor) {
 
 TEST_F(Framing, FramesComeAsTheyWereSentHoweverTheBytesAreCut) {
     for (const char* framing : {"slip()", "cobs()", "counted()", "counted({ bytes: 4, little: true })"}) {
-        EXPECT_EQ(Do(std::string("var f = Connection.") + framing + R"(, seed = 7, sent = [], all = '', pieces = [], i, k, n, text;
+        EXPECT_EQ(Do(std::string("var f = Connection.") + framing +
+                     R"(, seed = 7, sent = [], all = '', pieces = [], i, k, n, text;
             function random(below) { seed = (seed * 1103515245 + 12345) % 2147483648; return Math.floor(seed / 65536) % below; }
             for (i = 0; i < 200; ++i) {
                 for (text = '', n = 1 + random(i % 10 ? 20 : 700), k = 0; k < n; ++k)

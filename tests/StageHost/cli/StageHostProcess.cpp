@@ -65,6 +65,11 @@ QString StageHostProcess::Child() const {
     return children.open(QIODevice::ReadOnly) ? QString::fromLatin1(children.readAll()).trimmed() : QString();
 }
 
+void StageHostProcess::Kill() {
+    m_process->kill();
+    m_process->waitForFinished(kLongestRun);
+}
+
 void StageHostProcess::Finish() {
     m_process->closeWriteChannel();
     const bool ended = m_process->state() == QProcess::NotRunning || m_process->waitForFinished(kLongestRun);

@@ -28,6 +28,8 @@ public:
     bool WaitForErrors(const char* text);
     /// Asks the program to end, as Ctrl-C does.
     void Interrupt() { m_process->terminate(); }
+    /// Ends the program by force, as nobody should.
+    void Kill();
     /// The process that the program has started, once there is one; empty when there is none.
     QString Child() const;
     /// Closes standard input and waits for the end.

@@ -50,6 +50,7 @@ constexpr const char* kFullShow = R"json({
         { "name": "time", "type": "Time", "value": "00:00:01/00", "timeCodeType": 1 },
         { "name": "mode", "type": "Enum", "items": ["a", "b"], "value": "b" }
     ],
+    "peers": [{ "name": "fake desk", "run": ["python3", "peer.py", 4001] }],
     "devices": [
         { "name": "desk", "script": "desk.js", "setup": "<setup/>",
           "settings": { "port": 9000, "host": "x", "loud": true, "rate": 0.5 } },
