@@ -67,9 +67,10 @@ extern const std::array<NoteKind, static_cast<std::size_t>(NoteCode::Count)> kNo
 /// One thing that the check has to say of a script.
 struct ScriptNote {
     NoteCode code;
-    int line = 0;  ///< from 1; 0 when it is not known
-    QString where; ///< "Info.Variables.Level.Type", "QCalverin.Preform"
-    QString text;  ///< one sentence
+    int line = 0;   ///< from 1; 0 when it is not known
+    QString where;  ///< "Info.Variables.Level.Type", "QCalverin.Preform"
+    QString text;   ///< one sentence
+    QString file{}; ///< the path of the one of the driver's files that it is in; empty for the driver itself
 
     QString Code() const;
 };

@@ -56,32 +56,46 @@ QJsonObject SettingOf(const MScriptSetting& setting) {
             {QStringLiteral("items"), QJsonArray::fromStringList(setting.items)}};
 }
 
-QJsonObject NoteOf(const ScriptNote& note) {
-    return {{QStringLiteral("line"), note.line},
+QJsonObject NoteOf(const ScriptNote& note, const QString& driver) {
+    return {{QStringLiteral("file"), note.file.isEmpty() ? driver : note.file},
+            {QStringLiteral("line"), note.line},
             {QStringLiteral("code"), note.Code()},
             {QStringLiteral("where"), note.where},
             {QStringLiteral("text"), note.text}};
 }
 
-QJsonValue ProblemOf(const std::optional<ScriptProblem>& problem) {
+QJsonArray NotesOf(const ScriptReport& report) {
+    QJsonArray list;
+    for (const ScriptNote& note : report.notes)
+        list.append(NoteOf(note, report.files.value(0)));
+    return list;
+}
+
+QJsonValue ProblemOf(const std::optional<ScriptProblem>& problem, const QString& driver) {
     if (!problem)
         return QJsonValue::Null;
-    return QJsonObject{{QStringLiteral("line"), problem->line}, {QStringLiteral("text"), problem->text}};
+    return QJsonObject{{QStringLiteral("file"), problem->file.isEmpty() ? driver : problem->file},
+                       {QStringLiteral("line"), problem->line},
+                       {QStringLiteral("text"), problem->text}};
 }
 
 } // namespace
 
-QJsonObject ToJson(const ScriptReport& report) {
+QJsonObject ToJson(const ScriptReport& report, bool withScript) {
     const QJsonObject info{{QStringLiteral("title"), report.info.title},
                            {QStringLiteral("author"), report.info.author},
                            {QStringLiteral("version"), report.info.version},
                            {QStringLiteral("description"), report.info.description}};
     const std::optional<bool>& removes = report.published.removeDefaults;
-    return {{QStringLiteral("info"), info},
-            {QStringLiteral("removeDefaults"), removes ? QJsonValue(*removes) : QJsonValue(QJsonValue::Null)},
-            {QStringLiteral("commands"), ListOf(report.published.functions, &CommandOf)},
-            {QStringLiteral("variables"), ListOf(report.published.variables, &VariableOf)},
-            {QStringLiteral("settings"), ListOf(report.published.settings, &SettingOf)},
-            {QStringLiteral("notes"), ListOf(report.notes, &NoteOf)},
-            {QStringLiteral("error"), ProblemOf(report.problem)}};
+    QJsonObject json{{QStringLiteral("info"), info},
+                     {QStringLiteral("removeDefaults"), removes ? QJsonValue(*removes) : QJsonValue(QJsonValue::Null)},
+                     {QStringLiteral("commands"), ListOf(report.published.functions, &CommandOf)},
+                     {QStringLiteral("variables"), ListOf(report.published.variables, &VariableOf)},
+                     {QStringLiteral("settings"), ListOf(report.published.settings, &SettingOf)},
+                     {QStringLiteral("notes"), NotesOf(report)},
+                     {QStringLiteral("error"), ProblemOf(report.problem, report.files.value(0))},
+                     {QStringLiteral("files"), QJsonArray::fromStringList(report.files)}};
+    if (withScript && !report.script.isNull())
+        json.insert(QStringLiteral("script"), report.script);
+    return json;
 }

@@ -120,7 +120,8 @@ Rows SettingRows(const ScriptSettings& settings) {
 QString NoteLines(const QList<ScriptNote>& notes, const QString& file) {
     QString text = notes.isEmpty() ? QString() : QStringLiteral("\nNotes\n");
     for (const ScriptNote& note : notes) {
-        const QString place = note.line > 0 ? QStringLiteral("%1:%2").arg(file).arg(note.line) : file;
+        const QString& in = note.file.isEmpty() ? file : note.file;
+        const QString place = note.line > 0 ? QStringLiteral("%1:%2").arg(in).arg(note.line) : in;
         text += place + QStringLiteral(": note: ") + OneLine(note.text) + QStringLiteral(" [") + note.Code() +
                 QStringLiteral("]\n");
     }

@@ -4,6 +4,7 @@
 
 #include <QJsonObject>
 #include <QString>
+#include <QStringList>
 
 #include "MScriptDescription.h"
 #include "NoteTable.h"
@@ -13,6 +14,7 @@
 struct ScriptProblem {
     int line = 0; ///< from 1; 0 when it is not known
     QString text;
+    QString file{}; ///< the path of the one of the driver's files that it is in; empty for the driver itself
 };
 
 /// What a script publishes, or its problem.
@@ -21,6 +23,8 @@ struct ScriptReport {
     ScanResult published;    ///< commands have the numbers that they get in an empty show
     QList<ScriptNote> notes; ///< by their lines
     std::optional<ScriptProblem> problem;
+    QStringList files; ///< the driver and those that go in front of it, see ScriptParts
+    QString script;    ///< all of them as one script; null when they cannot be put together
 };
 
 /// Analyses a script as a device does that is not running: with the same globals, without a host. The script's top
@@ -33,7 +37,8 @@ ScriptReport AnalyseScript(const QString& text, const QString& fileName);
 void GiveSettings(ScriptReport& report, const QStringList& words);
 
 /// The report as programs read it; docs/drivers.md has its form.
-QJsonObject ToJson(const ScriptReport& report);
+/// @param withScript whether the script is in it.
+QJsonObject ToJson(const ScriptReport& report, bool withScript = false);
 
 /// The report of a script that publishes something as people read it: tables, and a line for each note as compilers
 /// write them. Each line ended.

@@ -2,27 +2,24 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 
 #include "CheckerCodes.h"
-#include "HostText.h"
+#include "DriverReport.h"
 #include "LimitedRun.h"
 #include "ProcessDeadline.h"
-#include "ScriptReport.h"
 
 namespace {
 
 struct Request {
     bool json = false;
     bool strict = false; ///< notes count as a failure
+    bool script = false; ///< the JSON has the script
     int timeoutMs = static_cast<int>(kAnalysisLimit.count());
     QStringList settings; ///< NAME=VALUE, as the setup keeps values
     QString file;
 };
-
-constexpr qint64 kMostBytes = qint64{64} << 20;
 
 bool Write(FILE* stream, const QString& text) {
     const QByteArray bytes = text.toUtf8();
@@ -53,12 +50,13 @@ QString Verdict(int exitCode, const ScriptReport& report) {
 /// The whole answer on standard output when it is for a program or tells of the script, on standard error otherwise.
 int Answer(const Request& request, int exitCode, const ScriptReport& report) {
     if (request.json)
-        return Written(Write(stdout, QString::fromUtf8(QJsonDocument(ToJson(report)).toJson())), exitCode);
+        return Written(Write(stdout, QString::fromUtf8(QJsonDocument(ToJson(report, request.script)).toJson())),
+                       exitCode);
     if (!report.problem)
         return Written(Write(stdout, request.file + QStringLiteral(": ") + Verdict(exitCode, report) +
                                          ToText(report, request.file)),
                        exitCode);
-    QString place = request.file;
+    QString place = report.problem->file.isEmpty() ? request.file : report.problem->file;
     if (report.problem->line > 0)
         place += QLatin1Char(':') + QString::number(report.problem->line);
     return Written(Write(exitCode == KXP_CHECKER_SCRIPT_FAILED ? stdout : stderr,
@@ -70,6 +68,7 @@ int Fail(const Request& request, int exitCode, const QString& text) {
     ScriptReport report;
     report.info.title = QFileInfo(request.file).baseName();
     report.problem = ScriptProblem{0, text};
+    report.files = QStringList(request.file);
     return Answer(request, exitCode, report);
 }
 
@@ -83,10 +82,12 @@ QString ReadWords(QCommandLineParser& parser, Request& request) {
     const QCommandLineOption strict(QStringLiteral("strict"), QStringLiteral("Notes count as a failure."));
     const QCommandLineOption setting(QStringLiteral("setting"), QStringLiteral("Show a setting with this value."),
                                      QStringLiteral("NAME=VALUE"));
-    parser.addOptions({json, strict, timeout, setting});
+    const QCommandLineOption script(QStringLiteral("script"), QStringLiteral("The JSON has the script itself."));
+    parser.addOptions({json, strict, script, timeout, setting});
     parser.addPositionalArgument(QStringLiteral("FILE.js"), QStringLiteral("The script."));
     const bool parsed = parser.parse(QCoreApplication::arguments());
     request.json = parser.isSet(json);
+    request.script = parser.isSet(script);
     request.strict = parser.isSet(strict);
     if (!parsed)
         return parser.errorText();
@@ -96,27 +97,19 @@ QString ReadWords(QCommandLineParser& parser, Request& request) {
     if (!isNumber || request.timeoutMs <= 0)
         return QStringLiteral("--timeout asks for milliseconds above 0");
     if (parser.positionalArguments().size() != 1)
-        return QStringLiteral("the form is: calverincheck [--json] [--strict] [--timeout MS] FILE.js");
+        return QStringLiteral("the form is: calverincheck [--json [--script]] [--strict] [--timeout MS] FILE.js");
     request.file = parser.positionalArguments().constFirst();
     return QString();
 }
 
-/// A pipe or a device may never come to an end, and is not opened.
 int Check(const Request& request) {
-    QFile file(request.file);
-    const QFileInfo info(request.file);
-    if (info.exists() && !info.isFile())
-        return Fail(request, KXP_CHECKER_BAD_USE, QStringLiteral("is no regular file"));
-    if (!file.open(QIODevice::ReadOnly))
-        return Fail(request, KXP_CHECKER_BAD_USE, QStringLiteral("cannot be read"));
-    const QByteArray bytes = file.read(kMostBytes + 1);
-    if (bytes.size() > kMostBytes)
-        return Fail(request, KXP_CHECKER_BAD_USE, QStringLiteral("is larger than %1 MB").arg(kMostBytes >> 20));
-    const QString text = FromScriptBytes(bytes);
+    const ScriptParts parts(request.file);
+    if (parts.Problem() && parts.Problem()->line == 0)
+        return Fail(request, KXP_CHECKER_BAD_USE, parts.Problem()->text);
     ProcessDeadline deadline(std::chrono::milliseconds(request.timeoutMs), KXP_CHECKER_NO_ANSWER, [&request] {
         Fail(request, KXP_CHECKER_NO_ANSWER, QStringLiteral("no answer within %1 ms").arg(request.timeoutMs));
     });
-    ScriptReport report = AnalyseScript(text, request.file);
+    ScriptReport report = AnalyseDriver(parts, request.file);
     GiveSettings(report, request.settings);
     if (!deadline.Meet())
         return KXP_CHECKER_NO_ANSWER;

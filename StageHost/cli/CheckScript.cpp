@@ -53,4 +53,18 @@ int CheckScript(const Options& options) {
     return checker.exitCode();
 }
 
+int ComposeScript(const Options& options) {
+    WholeScript script;
+    if (auto failure = ReadWhole(options.arguments.first(), options.timeout, script))
+        return Fail(options.json, failure->exitCode, failure->text);
+    if (options.json)
+        PrintJson({{QStringLiteral("ok"), true},
+                   {QStringLiteral("error"), QString()},
+                   {QStringLiteral("exitCode"), kExitOk},
+                   {QStringLiteral("script"), script.text}});
+    else
+        Print(script.text);
+    return kExitOk;
+}
+
 } // namespace stagehost

@@ -34,6 +34,10 @@ constexpr Command kCommands[] = {
      "stagehost check --strict lights.js   (a note is a failure, for CI)\n"
      "stagehost check --json lights.js   (all of it for programs, also of a script that fails)",
      1, 1, &CheckScript},
+    {"compose", "FILE.js",
+     "prints a driver with the files that it names in front of it (\"// @include NAME\") as one script, for other "
+     "hosts",
+     "stagehost compose projector.js > whole.js", 1, 1, &ComposeScript},
     {"send", "SHOW.json | FILE.js DEVICE COMMAND [PARAM=VALUE...]", "sends one command to a device of a show",
      "stagehost send show.json desk \"Execute Function\" \"Script Function Name=blackout\"\n"
      "stagehost send show.json desk 3 \"Script Function Name=fadeTo\" Param1=50\n"

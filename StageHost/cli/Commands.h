@@ -10,6 +10,7 @@ namespace stagehost {
 int RunShow(const Options& options);
 int ExecFunction(const Options& options);
 int CheckScript(const Options& options);
+int ComposeScript(const Options& options);
 int SendCommand(const Options& options);
 int ShowDefinition(const Options& options);
 int ShowVariables(const Options& options);

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QTemporaryFile>
 
@@ -10,6 +11,7 @@
 #include "ExitCodes.h"
 #include "IHostServices.h"
 #include "Output.h"
+#include "ScriptSession.h"
 #include "TextFile.h"
 
 namespace stagehost {
@@ -22,36 +24,63 @@ QString LinkedFile(const Show& show, const QString& path) {
     return QDir::cleanPath(folder) == QFileInfo(path).absolutePath() ? QFileInfo(path).fileName() : QString();
 }
 
-QString MistakeText(const QString& path, const QJsonObject& error) {
+QString MistakeText(const QJsonObject& error) {
+    const QString file = error.value(QLatin1String("file")).toString();
     const int line = error.value(QLatin1String("line")).toInt();
-    const QString place = line > 0 ? QStringLiteral("%1:%2").arg(path).arg(line) : path;
+    const QString place = line > 0 ? QStringLiteral("%1:%2").arg(file).arg(line) : file;
     return place + QStringLiteral(": ") + error.value(QLatin1String("text")).toString();
+}
+
+QStringList TextsOf(const QJsonValue& list) {
+    QStringList texts;
+    for (const auto& item : list.toArray())
+        texts += item.toString();
+    return texts;
 }
 
 } // namespace
 
+/// The check program has read the files, so the script is as it was checked, whoever writes them meanwhile.
 MaybeFailure ReadDriver(const Show& show, const QString& path, std::chrono::milliseconds limit,
                         DriverEdition& edition) {
+    edition.files = QStringList(path);
+    if (auto failure = CheckReadable(path))
+        return failure;
+    QProcess checker;
+    if (auto failure = RunChecker(checker, path, {QStringLiteral("--json"), QStringLiteral("--script")}, limit))
+        return Failure{failure->exitCode, QStringLiteral("%1: %2").arg(path, failure->text)};
+    edition.report = QJsonDocument::fromJson(checker.readAllStandardOutput()).object();
+    edition.text = edition.report.take(QStringLiteral("script")).toString();
+    const QStringList files = TextsOf(edition.report.value(QLatin1String("files")));
+    edition.files = files.isEmpty() ? edition.files : files;
+    const QJsonValue error = edition.report.value(QLatin1String("error"));
+    if (error.isObject())
+        return Failure{checker.exitCode(), MistakeText(error.toObject())};
+    if (checker.exitCode() != kExitOk)
+        return Failure{checker.exitCode(), QStringLiteral("%1: the check does not end well").arg(path)};
+    edition.linkedFile = edition.files.size() == 1 ? LinkedFile(show, path) : QString();
+    bool lost = false;
+    ToBorderText(edition.text, &lost);
+    if (lost && edition.linkedFile.isEmpty())
+        PrintProblem(path + QStringLiteral(": ") + LostCharactersNote());
+    return std::nullopt;
+}
+
+MaybeFailure ReadWhole(const QString& path, std::chrono::milliseconds limit, WholeScript& script) {
     QString problem;
     const auto text = ReadText(path, &problem);
     if (!text)
         return Failure{kExitBadUse, problem};
-    QProcess checker;
-    if (auto failure = RunChecker(checker, path, {QStringLiteral("--json")}, limit))
-        return Failure{failure->exitCode, QStringLiteral("%1: %2").arg(path, failure->text)};
-    edition.report = QJsonDocument::fromJson(checker.readAllStandardOutput()).object();
-    const QJsonValue error = edition.report.value(QLatin1String("error"));
-    if (error.isObject())
-        return Failure{checker.exitCode(), MistakeText(path, error.toObject())};
-    if (checker.exitCode() != kExitOk)
-        return Failure{checker.exitCode(), QStringLiteral("%1: the check does not end well").arg(path)};
-    edition.text = *text;
-    edition.linkedFile = LinkedFile(show, path);
-    bool lost = false;
-    ToBorderText(*text, &lost);
-    if (lost && edition.linkedFile.isEmpty())
-        PrintProblem(path + QStringLiteral(": ") + LostCharactersNote());
-    return std::nullopt;
+    script.text = *text;
+    if (!text->contains(QLatin1String("@include")))
+        return std::nullopt;
+    DriverEdition edition;
+    auto failure = ReadDriver(EmptyShow(QFileInfo(path).absolutePath()), path, limit, edition);
+    script.isOneFile = edition.files.size() == 1;
+    if (failure && script.isOneFile)
+        return std::nullopt;
+    script.text = edition.text;
+    return failure;
 }
 
 MaybeFailure ReadScriptOf(const ShowDevice& device, const Show& show, std::chrono::milliseconds limit,

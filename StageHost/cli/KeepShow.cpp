@@ -14,7 +14,6 @@
 #include "PanelWindow.h"
 #include "SetupWindow.h"
 #include "ShowFile.h"
-#include "TextFile.h"
 #include "WindowDialogs.h"
 
 /// The commands that write show files.
@@ -108,16 +107,16 @@ QString KeepSetup(Session& session, ShowFile& file, const Device& device) {
 }
 
 /// A script that is loaded at the start of a show is in no setup before the first dialog, which looks into it itself.
-MaybeFailure ShowScript(Device& device, const Show& show, const ShowDevice& described) {
+MaybeFailure ShowScript(Device& device, const Show& show, const ShowDevice& described, const Options& options) {
     if (!described.setup.isEmpty() || (described.scriptFile.isEmpty() && described.scriptText.isEmpty()))
         return std::nullopt;
-    QString problem;
-    const auto text = described.scriptFile.isEmpty() ? std::optional(described.scriptText)
-                                                     : ReadText(show.Path(described.scriptFile), &problem);
-    if (!text)
-        return Failure{kExitBadUse, problem};
+    WholeScript script{described.scriptText};
+    if (!described.scriptFile.isEmpty()) {
+        if (auto failure = ReadWhole(show.Path(described.scriptFile), options.timeout, script))
+            return failure;
+    }
     DriverEdition edition;
-    edition.text = *text;
+    edition.text = script.text;
     const QString setup = MakeSetupText(FromBorderText(device.Setup()), edition).value_or(QString());
     if (const auto refused = device.TakeSetup(ToBorderText(setup)))
         return Failure{kExitNoModule, QStringLiteral("%1: %2").arg(described.name, refused->text)};
@@ -134,7 +133,7 @@ MaybeFailure AskForSetup(Session& session, ShowFile& file, const Options& option
     if (session.HasRefusedSetup(name))
         return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(name, RefusedSetupText())};
     const ShowDevice& described = *file.Content().FindDevice(name);
-    if (auto failure = ShowScript(*device, file.Content(), described))
+    if (auto failure = ShowScript(*device, file.Content(), described, options))
         return failure;
     const QString before = described.setup;
     const KXPCode code = window.Show(*device);

@@ -13,7 +13,6 @@
 #include "MainWait.h"
 #include "NearNames.h"
 #include "Output.h"
-#include "TextFile.h"
 #include "ValueCheck.h"
 #include "ValueFactory.h"
 
@@ -196,10 +195,10 @@ QString Session::SetupToKeep(const Device& device) const {
 }
 
 void Session::TellOtherEdition(const ShowDevice& described) const {
-    QString problem;
-    const auto text =
-        described.driverFile.isEmpty() ? std::nullopt : ReadText(m_show.Path(described.driverFile), &problem);
-    if (text && FromBorderText(ToBorderText(*text)) != ScriptOfSetup(described.setup))
+    WholeScript script;
+    if (described.driverFile.isEmpty() || ReadWhole(m_show.Path(described.driverFile), m_options.timeout, script))
+        return;
+    if (FromBorderText(ToBorderText(script.text)) != ScriptOfSetup(described.setup))
         PrintProblem(
             QStringLiteral("%1: the setup in the show holds another edition of %2; \"stagehost setup %3\" takes "
                            "over the file")
@@ -313,14 +312,20 @@ MaybeFailure Session::StartDevice(Device& device) {
 MaybeFailure Session::LoadScript(Device& device, const ShowDevice& described) {
     if (!described.scriptFile.isEmpty())
         return LoadFile(device, m_show.Path(described.scriptFile));
-    if (described.scriptText.isEmpty())
-        return std::nullopt;
+    return described.scriptText.isEmpty() ? std::nullopt : LoadText(device, described.scriptText);
+}
+
+MaybeFailure Session::LoadText(Device& device, const QString& text) {
     CommandOutcome outcome;
-    return Send(device, QStringLiteral("Load From Text"), {{"Script Text", ToBorderText(described.scriptText), {}}},
-                &outcome);
+    return Send(device, QStringLiteral("Load From Text"), {{"Script Text", ToBorderText(text), {}}}, &outcome);
 }
 
 MaybeFailure Session::LoadFile(Device& device, const QString& path) {
+    WholeScript script;
+    if (auto failure = ReadWhole(path, m_options.timeout, script))
+        return failure;
+    if (!script.isOneFile)
+        return LoadText(device, script.text);
     ParameterInput file{"Script File Name", {}, {}};
     if (auto failure = PathForBorder(path, file.text))
         return failure;

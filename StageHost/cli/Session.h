@@ -62,7 +62,7 @@ public:
     /// Loads a show device's script, if it has one, into its device.
     MaybeFailure LoadScript(Device& device, const ShowDevice& described);
 
-    /// Loads a script file into a device by its command "Load From File".
+    /// Loads a script file into a device by its command "Load From File"; one that is put together of several as text.
     MaybeFailure LoadFile(Device& device, const QString& path);
 
     /// Sends a command by its name or id with inputs that are checked first.
@@ -127,6 +127,7 @@ public:
 
 private:
     MaybeFailure WaitUntil(const ShowWait& wait, const std::function<std::string()>& text);
+    MaybeFailure LoadText(Device& device, const QString& text);
     MaybeFailure PrepareLog(HostSettings& settings);
     MaybeFailure LoadModule();
     MaybeFailure MakeDevice(std::size_t index);

@@ -11,9 +11,10 @@ namespace stagehost {
 
 /// A driver's script with what it publishes.
 struct DriverEdition {
-    QString text;       ///< the script
-    QString linkedFile; ///< its name when it lies in the folder of the project's user data; empty otherwise
-    QJsonObject report; ///< what the check program says of it, see docs/drivers.md
+    QString text;        ///< the script
+    QString linkedFile;  ///< its name when it lies in the folder of the project's user data; empty otherwise
+    QJsonObject report;  ///< what the check program says of it, see docs/drivers.md
+    QStringList files{}; ///< the driver's file and those that go in front of it
 };
 
 /// The setup text of a device that runs an edition of a driver, as an accepted setup dialog leaves it.

@@ -3,7 +3,7 @@
 /// @file
 /// The program beside the module that looks into a script without a device, for a host's own tools:
 ///
-///     calverincheck [--json] [--timeout MS] [--setting NAME=VALUE...] -- FILE
+///     calverincheck [--json [--script]] [--strict] [--timeout MS] [--setting NAME=VALUE...] -- FILE
 ///
 /// What it has found is on standard output, what went wrong otherwise on standard error.
 
