@@ -8,6 +8,7 @@
 #include "MScriptIOChannel.h"
 #include "MScriptSerial.h"
 #include "MScriptUDP.h"
+#include "ScriptEvents.h"
 #include "ScriptSource.h"
 #include "TCPClient.h"
 
@@ -21,8 +22,13 @@ QStringList MembersOf(std::initializer_list<const QMetaObject*> classes) {
     return names.values();
 }
 
-QStringList Split(const char* words) {
-    return QString::fromLatin1(words).split(QLatin1Char(' '));
+QStringList EventsOf(std::initializer_list<const char*> objects) {
+    QStringList names;
+    for (const char* object : objects)
+        for (const ScriptEvent& event : kScriptEvents)
+            if (QLatin1String(event.object) == QLatin1String(object) && !names.contains(QLatin1String(event.name)))
+                names += QLatin1String(event.name);
+    return names;
 }
 
 struct Factory {
@@ -46,11 +52,10 @@ bool IsPlaceholder(const ScriptSource& source, int value) {
 
 const MadeKindView& ViewOf(MadeKind kind) {
     static const MadeKindView views[] = {
-        {QStringLiteral("a TCP client"), Split("connect data close error"), MembersOf({&TCPClient::staticMetaObject})},
-        {QStringLiteral("a UDP object"), Split("message error"), MembersOf({&MScriptUDP::staticMetaObject})},
-        {QStringLiteral("an HTTP client"), Split("response download_progress upload_progress"),
-         MembersOf({&HTTPClient::staticMetaObject})},
-        {QStringLiteral("a resource"), Split("open close data error tx_empty break cts dsr"),
+        {QStringLiteral("a TCP client"), EventsOf({"TCPClient"}), MembersOf({&TCPClient::staticMetaObject})},
+        {QStringLiteral("a UDP object"), EventsOf({"UDPObject"}), MembersOf({&MScriptUDP::staticMetaObject})},
+        {QStringLiteral("an HTTP client"), EventsOf({"HTTPClient"}), MembersOf({&HTTPClient::staticMetaObject})},
+        {QStringLiteral("a resource"), EventsOf({"SerialPort", "DMXUniverse", "IOChannel"}),
          MembersOf(
              {&MScriptSerial::staticMetaObject, &MScriptDMX::staticMetaObject, &MScriptIOChannel::staticMetaObject})},
     };

@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 
 #include "CheckerCodes.h"
+#include "Declarations.h"
 #include "DriverReport.h"
 #include "LimitedRun.h"
 #include "ProcessDeadline.h"
@@ -20,6 +21,8 @@ struct Request {
     QStringList settings; ///< NAME=VALUE, as the setup keeps values
     QString file;
 };
+
+const QString kDeclarations = QStringLiteral("declarations");
 
 bool Write(FILE* stream, const QString& text) {
     const QByteArray bytes = text.toUtf8();
@@ -83,7 +86,9 @@ QString ReadWords(QCommandLineParser& parser, Request& request) {
     const QCommandLineOption setting(QStringLiteral("setting"), QStringLiteral("Show a setting with this value."),
                                      QStringLiteral("NAME=VALUE"));
     const QCommandLineOption script(QStringLiteral("script"), QStringLiteral("The JSON has the script itself."));
-    parser.addOptions({json, strict, script, timeout, setting});
+    const QCommandLineOption declarations(kDeclarations,
+                                          QStringLiteral("What a script sees, as a TypeScript declaration file."));
+    parser.addOptions({json, strict, script, timeout, setting, declarations});
     parser.addPositionalArgument(QStringLiteral("FILE.js"), QStringLiteral("The script."));
     const bool parsed = parser.parse(QCoreApplication::arguments());
     request.json = parser.isSet(json);
@@ -127,6 +132,8 @@ int main(int argc, char** argv) {
         Write(stdout, parser.helpText());
         return KXP_CHECKER_OK;
     }
+    if (parser.isSet(kDeclarations))
+        return Written(Write(stdout, QString::fromUtf8(ScriptDeclarations())), KXP_CHECKER_OK);
     if (!problem.isEmpty())
         return Fail(request, KXP_CHECKER_BAD_USE, problem);
     return Check(request);

@@ -73,6 +73,10 @@ constexpr Command kCommands[] = {
      "stagehost store show.json \"Half light\" desk \"Fade to\" level=50 seconds=2\n"
      "stagehost store show.json Follow desk \"Fade to\" level:=Level   (the variable Level stands for the parameter)",
      4, kAny, &StoreCommand},
+    {"declarations", "", "prints what a script sees as a TypeScript declaration file, for other editors",
+     "stagehost declarations > calverin.d.ts", 0, 0, &PrintDeclarations},
+    {"schema", "", "prints the JSON Schema of show files, for other editors and programs",
+     "stagehost schema > show.schema.json", 0, 0, &PrintSchema},
     {"update", "SHOW.json", "brings the stored commands of the show file up to their drivers",
      "stagehost update show.json", 1, 1, &UpdateCommands},
 };

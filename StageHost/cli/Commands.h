@@ -15,6 +15,8 @@ int SendCommand(const Options& options);
 int ShowDefinition(const Options& options);
 int ShowVariables(const Options& options);
 int WatchShow(const Options& options);
+int PrintDeclarations(const Options& options);
+int PrintSchema(const Options& options);
 int NewDriver(const Options& options);
 int KeepSetups(const Options& options);
 int ShowPanel(const Options& options);

@@ -75,7 +75,9 @@ std::vector<NewFile> FilesOf(const Template& made, const QString& name) {
             {QString::fromLatin1(filled(file.target)), filled(TemplateText(source)), QLatin1String(file.meaning)});
     }
     if (made.connects)
-        files.front().text.prepend(TemplateText(QLatin1String(kConnectionFile)) + '\n');
+        files.insert(files.begin() + 1,
+                     {QLatin1String(kConnectionFile), TemplateText(QLatin1String(kConnectionFile)),
+                      QStringLiteral("the connection that goes in front of it, see docs/connection.md")});
     return files;
 }
 

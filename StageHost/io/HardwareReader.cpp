@@ -9,6 +9,7 @@
 #include "ArtNetPacket.h"
 #include "BorderText.h"
 #include "NameCheck.h"
+#include "ShowKeys.h"
 #include "UniverseOut.h"
 
 namespace stagehost {
@@ -55,7 +56,7 @@ void ReadSetting(const JsonNode& node, SerialSettings& settings, SerialSetting s
 
 SerialPlan ReadSerial(const JsonNode& node) {
     SerialPlan plan;
-    if (!node.ExpectObject({"port", "baudRate", "parity", "dataSize", "stopBits"}))
+    if (!node.ExpectObject(kSerialKeys))
         return plan;
     plan.port = Of(node, "port").Text();
     if (plan.port.isEmpty())
@@ -99,8 +100,7 @@ void ReadUniverse(const JsonNode& node, const char* addressKey, DmxPlan& plan, Q
 
 DmxOutPlan ReadDmxOut(const JsonNode& node) {
     DmxOutPlan plan;
-    if (!node.ExpectObject(
-            {"protocol", "universe", "to", "interface", "port", "priority", "source", "rate", "continuous"}))
+    if (!node.ExpectObject(kDmxOutKeys))
         return plan;
     ReadUniverse(node, "to", plan, plan.address);
     plan.priority =
@@ -115,7 +115,7 @@ DmxOutPlan ReadDmxOut(const JsonNode& node) {
 
 DmxInPlan ReadDmxIn(const JsonNode& node) {
     DmxInPlan plan;
-    if (!node.ExpectObject({"protocol", "universe", "at", "interface", "port"}))
+    if (!node.ExpectObject(kDmxInKeys))
         return plan;
     ReadUniverse(node, "at", plan, plan.address);
     if (plan.protocol == DmxProtocol::ArtNet && plan.address == QHostAddress(QHostAddress::AnyIPv4))
@@ -128,7 +128,7 @@ ChannelPlan ReadChannel(const JsonNode& node, ChannelType type) {
     plan.maximum = IsDigital(type) ? 1 : kLargestAnalog;
     const bool isName = node.IsText();
     const JsonNode name = isName ? node : Of(node, "name");
-    if (!isName && !node.ExpectObject({"name", "value", "min", "max"}))
+    if (!isName && !node.ExpectObject(kChannelKeys))
         return plan;
     plan.name = name.BorderText();
     CheckName(name, plan.name, "a channel");
@@ -146,7 +146,7 @@ ChannelPlan ReadChannel(const JsonNode& node, ChannelType type) {
 
 ChannelsPlan ReadChannels(const JsonNode& node) {
     ChannelsPlan plan;
-    if (!node.ExpectObject({kChannelTypeNames[0], kChannelTypeNames[1], kChannelTypeNames[2], kChannelTypeNames[3]}))
+    if (!node.ExpectObject(kChannelsKeys))
         return plan;
     std::vector<std::string> taken;
     for (std::size_t type = 0; type < kChannelTypeCount; ++type) {
@@ -211,7 +211,7 @@ void HardwareReader::Read(const JsonNode& resources) {
 }
 
 void HardwareReader::ReadResource(const JsonNode& node) {
-    if (!node.ExpectObject({"id", "name", "serial", "dmxOut", "dmxIn", "channels"}))
+    if (!node.ExpectObject(kResourceKeys))
         return;
     ResourceSpec resource;
     resource.id = ReadId(Of(node, "id"));

@@ -9,6 +9,7 @@
 
 #include "BorderText.h"
 #include "NearNames.h"
+#include "ShowKeys.h"
 
 namespace stagehost {
 
@@ -97,12 +98,12 @@ bool JsonNode::ExpectObjectOfAny() const {
     return Expect(IsMissing() || IsObject(), QStringLiteral("expected an object"));
 }
 
-bool JsonNode::ExpectObject(std::initializer_list<const char*> names) const {
+bool JsonNode::ExpectObject(const ShowKey* keys, std::size_t count) const {
     if (!ExpectObjectOfAny())
         return false;
     QStringList known;
-    for (const char* name : names)
-        known += QLatin1String(name);
+    for (std::size_t place = 0; place < count; ++place)
+        known += QLatin1String(keys[place].name);
     for (const QString& name : MemberNames()) {
         if (!known.contains(name))
             Member(name).Complain(QStringLiteral("unknown key") + NamesInstead(name, known));

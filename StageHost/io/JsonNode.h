@@ -1,7 +1,7 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
-#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <string>
@@ -12,6 +12,8 @@
 #include <QStringList>
 
 namespace stagehost {
+
+struct ShowKey;
 
 /// A name as complaints show it, in double quotes.
 QString Quoted(const QString& text);
@@ -58,7 +60,10 @@ public:
     void ForEach(const std::function<void(const JsonNode&)>& call) const;
 
     /// Complains when this is no object, and about each member of another name.
-    bool ExpectObject(std::initializer_list<const char*> names) const;
+    template <std::size_t Count>
+    bool ExpectObject(const ShowKey (&keys)[Count]) const {
+        return ExpectObject(keys, Count);
+    }
 
     /// Complains when there is something that is no object.
     bool ExpectObjectOfAny() const;
@@ -67,6 +72,7 @@ public:
     void ComplainUnlessEmpty(const QString& what) const;
 
 private:
+    bool ExpectObject(const ShowKey* keys, std::size_t count) const;
     QString TextWithoutNul() const;
     bool Expect(bool right, const QString& what) const;
 

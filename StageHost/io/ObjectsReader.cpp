@@ -8,6 +8,7 @@
 #include "HardwareReader.h"
 #include "NameCheck.h"
 #include "NearNames.h"
+#include "ShowKeys.h"
 #include "UserGroup.h"
 
 namespace stagehost {
@@ -109,7 +110,7 @@ void ObjectsReader::CollectNested(const JsonNode& node, const char* below, const
 }
 
 void ObjectsReader::ReadTask(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "lines", "requests"}))
+    if (!node.ExpectObject(kTaskKeys))
         return;
     TaskSpec task;
     task.name = ReadName(MemberOf(node, "name"), {}, m_taken[kTasks]);
@@ -119,8 +120,7 @@ void ObjectsReader::ReadTask(const JsonNode& node) {
 }
 
 void ObjectsReader::ReadLine(const JsonNode& node, TaskSpec& task) {
-    if (!node.ExpectObject(
-            {"at", "label", "set", "ramp", "device", "command", "params", "stored", "task", "action", "cue"}))
+    if (!node.ExpectObject(kLineKeys))
         return;
     TaskLineSpec line;
     const std::int32_t before = task.lines.empty() ? 0 : task.lines.back().at;
@@ -139,8 +139,7 @@ void ObjectsReader::ReadLine(const JsonNode& node, TaskSpec& task) {
 }
 
 void ObjectsReader::ReadCue(const JsonNode& node) {
-    if (!node.ExpectObject(
-            {"name", "set", "ramp", "device", "command", "params", "stored", "task", "action", "requests"}))
+    if (!node.ExpectObject(kCueKeys))
         return;
     CueSpec cue;
     cue.name = ReadName(MemberOf(node, "name"), {}, m_taken[kCues]);
@@ -150,7 +149,7 @@ void ObjectsReader::ReadCue(const JsonNode& node) {
 }
 
 void ObjectsReader::ReadScreen(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "pages", "requests"}))
+    if (!node.ExpectObject(kScreenKeys))
         return;
     UserScreenSpec screen;
     screen.name = ReadName(MemberOf(node, "name"), {}, m_taken[kScreens]);
@@ -162,8 +161,7 @@ void ObjectsReader::ReadScreen(const JsonNode& node) {
 }
 
 void ObjectsReader::ReadShow(const JsonNode& node) {
-    if (!node.ExpectObject(
-            {"name", "set", "ramp", "device", "command", "params", "stored", "task", "action", "cue", "requests"}))
+    if (!node.ExpectObject(kLoadableShowKeys))
         return;
     LoadableShowSpec show;
     show.name = ReadName(MemberOf(node, "name"), {}, m_taken[kShows]);
@@ -175,7 +173,7 @@ void ObjectsReader::ReadShow(const JsonNode& node) {
 
 UserGroupSpec ObjectsReader::ReadGroup(const JsonNode& node) {
     UserGroupSpec group;
-    if (!node.ExpectObject({"name", "members", "groups", "requests"}))
+    if (!node.ExpectObject(kGroupKeys))
         return group;
     group.name = ReadName(MemberOf(node, "name"), {}, m_taken[kGroups]);
     if (group.name == kGrantedGroup)
@@ -194,7 +192,7 @@ UserGroupSpec ObjectsReader::ReadGroup(const JsonNode& node) {
 
 ObjectSpec ObjectsReader::ReadObject(const JsonNode& node, const QString& holder) {
     ObjectSpec object;
-    if (!node.ExpectObject({"name", "properties", "objects", "requests"}))
+    if (!node.ExpectObject(kObjectKeys))
         return object;
     object.name = ReadName(MemberOf(node, "name"), holder, m_taken[kObjects]);
     object.conduct = ReadConduct(node);
@@ -238,7 +236,7 @@ void ObjectsReader::ReadRamps(const JsonNode& node, ActionSpec& action) {
         const JsonNode ramp = node.Member(name);
         if (!m_values.IsChannel(name))
             ramp.Complain(QStringLiteral("there is no channel ") + Quoted(name));
-        if (!ramp.ExpectObject({"to", "time"}))
+        if (!ramp.ExpectObject(kRampKeys))
             continue;
         const auto to = MemberOf(ramp, "to").Whole(std::numeric_limits<int>::min());
         if (MemberOf(ramp, "to").IsMissing())

@@ -12,6 +12,7 @@
 #include "HardwareReader.h"
 #include "NameCheck.h"
 #include "NearNames.h"
+#include "ShowKeys.h"
 #include "StoredCommandXml.h"
 #include "ValueFactory.h"
 
@@ -48,8 +49,7 @@ std::optional<Show> ShowReader::Read(const QByteArray& text, const QString& file
 }
 
 void ShowReader::ReadShow(const JsonNode& root) {
-    if (!root.ExpectObject({"name", "host", "folders", "resources", "variables", "peers", "devices", "commands",
-                            "tasks", "cues", "screens", "groups", "objects", "shows", "steps"}))
+    if (!root.ExpectObject(kShowKeys))
         return;
     m_show.name = root.Member(QStringLiteral("name")).TextOr(m_show.name);
     ReadHost(root.Member(QStringLiteral("host")));
@@ -75,7 +75,7 @@ void ShowReader::FindOwnPorts() {
 }
 
 void ShowReader::ReadHost(const JsonNode& host) {
-    if (!host.ExpectObject({"name", "version", "userMode", "theme"}))
+    if (!host.ExpectObject(kHostKeys))
         return;
     const auto text = [&](const char* name, std::string& target) {
         const JsonNode node = host.Member(QLatin1String(name));
@@ -107,7 +107,7 @@ void ShowReader::ReadTheme(const JsonNode& theme) {
 }
 
 void ShowReader::ReadFolders(const JsonNode& folders) {
-    if (!folders.ExpectObject({kShowFolders[0].name, kShowFolders[1].name, kShowFolders[2].name, kShowFolders[3].name}))
+    if (!folders.ExpectObject(kFoldersKeys))
         return;
     for (const auto& folder : kShowFolders) {
         const JsonNode node = folders.Member(QLatin1String(folder.name));
@@ -117,7 +117,7 @@ void ShowReader::ReadFolders(const JsonNode& folders) {
 }
 
 void ShowReader::ReadVariable(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "type", "value", "min", "max", "maxLength", "precision", "timeCodeType", "items"}))
+    if (!node.ExpectObject(kVariableKeys))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ValueSpec variable;
@@ -147,7 +147,7 @@ void ShowReader::ReadVariable(const JsonNode& node) {
 }
 
 void ShowReader::ReadPeer(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "run"}))
+    if (!node.ExpectObject(kPeerKeys))
         return;
     const JsonNode run = node.Member(QStringLiteral("run"));
     ShowPeer peer{node.Member(QStringLiteral("name")).Text(), {}};
@@ -162,7 +162,7 @@ void ShowReader::ReadPeer(const JsonNode& node) {
 }
 
 void ShowReader::ReadDevice(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "driver", "script", "scriptText", "setup", "settings", "requests"}))
+    if (!node.ExpectObject(kDeviceKeys))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ShowDevice device{member("name").Text(),           member("script").Text(), member("scriptText").Text(),
@@ -210,7 +210,7 @@ std::vector<std::pair<QString, QString>> ShowReader::ReadSettings(const JsonNode
 }
 
 void ShowReader::ReadStoredCommand(const JsonNode& node) {
-    if (!node.ExpectObject({"name", "xml"}))
+    if (!node.ExpectObject(kStoredCommandKeys))
         return;
     const JsonNode name = node.Member(QStringLiteral("name"));
     const JsonNode xml = node.Member(QStringLiteral("xml"));
@@ -230,8 +230,7 @@ void ShowReader::ReadStoredCommand(const JsonNode& node) {
 }
 
 void ShowReader::ReadStep(const JsonNode& node, ObjectsReader& objects) {
-    if (!node.ExpectObject(
-            {"say", "device", "command", "params", "expect", "stored", "set", "ramp", "task", "action", "cue", "wait"}))
+    if (!node.ExpectObject(kStepKeys))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ShowStep step;
@@ -267,7 +266,7 @@ void ShowReader::ReadOtherStep(const JsonNode& node, ObjectsReader& objects, Sho
     objects.ReadTaskAction(node, step.action);
     objects.ReadCueName(member("cue"), step.action);
     const JsonNode wait = member("wait");
-    if (wait.IsMissing() || !wait.ExpectObject({"variable", "value", "within"}))
+    if (wait.IsMissing() || !wait.ExpectObject(kWaitKeys))
         return;
     const JsonNode variable = wait.Member(QStringLiteral("variable"));
     objects.CheckVariable(variable, variable.Text());
@@ -293,7 +292,7 @@ void ShowReader::ReadCommandStep(const JsonNode& node, ShowStep& step) {
 
 void ShowReader::ReadExpectation(const JsonNode& node, ShowStep& step) {
     const JsonNode expect = node.Member(QStringLiteral("expect"));
-    expect.ExpectObject({"result", "error"});
+    expect.ExpectObject(kExpectKeys);
     const JsonNode result = expect.Member(QStringLiteral("result"));
     const JsonNode error = expect.Member(QStringLiteral("error"));
     if (!result.IsMissing())

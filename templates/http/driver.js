@@ -3,6 +3,8 @@
 //   GET /state   gives {"power": "on", "level": 40}
 //   PUT /state   with such an object, or a part of it, sets it and gives all of it
 
+// @include connection.js
+
 ({
     Info: {
         Title: "@NAME@",

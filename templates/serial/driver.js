@@ -3,6 +3,8 @@
 //   IN 3   is answered with OK
 //   IN?    is answered with IN 3
 
+// @include connection.js
+
 ({
     Info: {
         Title: "@NAME@",

@@ -4,6 +4,8 @@
 //   STATE                           is answered with STATE ON 40
 //   STATE ON 40                     comes unasked when somebody works the device by hand
 
+// @include connection.js
+
 ({
     Info: {
         Title: "@NAME@",

@@ -3,6 +3,8 @@
 //   LEVEL?      is answered with LEVEL 40
 //   LEVEL 40    is done, and answered with LEVEL 40
 
+// @include connection.js
+
 ({
     Info: {
         Title: "@NAME@",

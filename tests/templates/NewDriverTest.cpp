@@ -57,6 +57,8 @@ TEST_P(EachTemplate, PlaysAtOnceAndLeavesNothingBehind) {
 TEST_P(EachTemplate, HasNothingThatCheckNotes) {
     Make(GetParam(), "demo");
     for (const QString& script : QDir(In("demo")).entryList({Text("*.js")})) {
+        if (script == Text("connection.js"))
+            continue; // goes in front of the driver, and is checked with it
         host.Run({Text("check"), Text("--strict"), Text("demo/") + script});
         EXPECT_EQ(host.ExitCode(), 0) << host.Output().toStdString() << host.Errors().toStdString();
         EXPECT_FALSE(host.Output().contains(Text("Notes"))) << host.Output().toStdString();

@@ -1,0 +1,55 @@
+#!/usr/bin/env bash
+# Compiles the declarations for editors: by themselves, with scripts of the repository, with calls that are right and with calls that are
+# not. Leaves with 77 where there is no compiler.
+#   declarations.sh STAGEHOST EXAMPLES TEMPLATES
+set -euo pipefail
+command -v tsc >/dev/null || exit 77
+stagehost=$(realpath "$1")
+examples=$(realpath "$2")
+templates=$(realpath "$3")
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+"$stagehost" declarations >calverin.d.ts
+compile() { tsc --noEmit --lib es5 --target es5 --allowJs --checkJs "$@"; }
+
+compile --strict calverin.d.ts
+cp "$examples/driver/dimmer.js" "$examples/evening/doorman.js" "$templates/connection.js" .
+for script in *.js; do compile calverin.d.ts "$script"; done
+
+cat >right.ts <<'END'
+const client = QCalverin.CreateSocket();
+client.on("data", (bytes, from) => { from.write(bytes.left(2)); bytes[0] = bytes.length; });
+client.on("error", (error) => QCalverin.TraceMessage(error.errorText, "ERROR"));
+client.connect(80, "127.0.0.1", (connected) => connected.end());
+const datagrams = QCalverin.CreateSocket("udp4");
+datagrams.on("message", (bytes, from) => datagrams.send(bytes, 0, bytes.length, from.port, from.address));
+const web = QCalverin.CreateHTTPClient();
+web.on("response", (response) => QCalverin.SetValue("Code", response.statusCode));
+web.post("http://127.0.0.1", "", new Buffer("x", "hex"));
+QCalverin.OnVariableChange((name, value) => QCalverin.SetValue(name, value));
+QCalverin.PerformAsync((text) => print(text), "a", "b", "LIST", "c=1");
+const id: number = QCalverin.SetTimeout(() => {}, 10) + QCalverin.EnumStringToIndex(["a"], "a");
+const root: string = new XMLDocument().DocumentElement().FirstChildElement("a").GetText();
+const sum: Buffer = new Checksum().ComputeChecksum("x");
+END
+compile --strict calverin.d.ts right.ts
+
+wrong=0
+while IFS= read -r line; do
+    printf '%s\n' "$line" >wrong.ts
+    ! compile --strict calverin.d.ts wrong.ts >/dev/null || { echo "is taken: $line"; exit 1; }
+    wrong=$((wrong + 1))
+done <<'END'
+QCalverin.SetVal("a", "b");
+QCalverin.SetTimeout("text", 10);
+QCalverin.SetTimeout(() => {});
+QCalverin.CreateSocket().on("Data", () => {});
+QCalverin.CreateSocket().on("message", () => {});
+QCalverin.CreateSocket("udp4").send("text", 0, 4, 9000, "127.0.0.1");
+QCalverin.CreateSocket().write(5);
+QCalverin.CreateHTTPClient().on("response", (response) => response.body);
+setTimeout(() => {}, 5);
+new Buffer("x", "utf16");
+END
+echo "the declarations compile, and refuse $wrong calls that are wrong"

@@ -1,0 +1,80 @@
+#!/usr/bin/env python3
+"""Holds what the program prints with --json against docs/json.md, in both directions.
+
+    outputs.py STAGEHOST EXAMPLES PAGE
+"""
+import json
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+stagehost, examples, page = (os.path.abspath(path) for path in sys.argv[1:4])
+problems = []
+
+
+def run(*words, given=""):
+    done = subprocess.run([stagehost, "--json", *words], input=given, capture_output=True, text=True, timeout=120)
+    return done.stdout
+
+
+def paths(value, here, told):
+    """The paths of all that a value holds, where the page does not leave them open with a star."""
+    if here + ".*" in told or here.endswith("[].*"):
+        return {here + ".*"}
+    if isinstance(value, dict) and value:
+        inner = (paths(member, f"{here}.{key}" if here else key, told) for key, member in value.items())
+    elif isinstance(value, list) and value:
+        inner = (paths(member, here + "[]", told) for member in value)
+    else:
+        return {here}
+    return set().union(*inner)
+
+
+def hold(section, values):
+    told = set(re.findall(r"^\| `([^`]+)` \|", sections[section], re.M))
+    seen = set().union(*(paths(value, "", told) for value in values))
+    for path in sorted(seen):
+        # An empty list or object has nothing in it yet.
+        if path not in told and not any(other.startswith((path + "[]", path + ".")) for other in told):
+            problems.append(f"{section}: {path} is printed and not told")
+    for path in sorted(told - seen):
+        problems.append(f"{section}: {path} is told and never printed")
+
+
+with open(page, encoding="utf-8") as file:
+    parts = re.split(r"^### (.*)\n", file.read(), flags=re.M)
+sections = dict(zip(parts[1::2], parts[2::2]))
+folder = tempfile.mkdtemp()
+os.chdir(folder)
+try:
+    shutil.copytree(examples, "examples")
+    dimmer, show = "examples/driver/dimmer.js", "examples/driver/show.json"
+    with open("bad.js", "w", encoding="utf-8") as file:
+        file.write("({ f: }")
+    with open("noted.js", "w", encoding="utf-8") as file:
+        file.write("({ Info: { Setup: { unread: { Type: 'Enum', Items: ['a'] } } }, Setup: { unread: 'a' }, f: function () { QCalverin.Nope(); } })")
+    failure = [json.loads(run("run", "none.json"))]
+    hold("Failures", failure)
+    hold("`exec`, `send`", [json.loads(run("exec", dimmer, "Blackout")), json.loads(run("send", dimmer, "script", "Blackout"))])
+    hold("`run`", [json.loads(run("run", show))])
+    hold("`check`", [json.loads(run("check", script)) for script in (dimmer, "bad.js", "noted.js")])
+    hold("`definition`", [json.loads(run("definition", dimmer))])
+    hold("`variables`", [json.loads(run("variables", dimmer))])
+    hold("`new`", [json.loads(run("new", "udp", "demo"))])
+    hold("`setup`", [json.loads(run("setup", show))])
+    hold("`store`", [json.loads(run("store", show, "X", "front", "Blackout"))])
+    with open(dimmer, encoding="utf-8") as file:
+        changed = file.read().replace("FadeTo: function (level, seconds)", "FadeTo: function (level, seconds, curve)")
+    with open(dimmer, "w", encoding="utf-8") as file:
+        file.write(changed)
+    run("setup", show)
+    hold("`update`", [json.loads(run("update", show))])
+    lines = run("watch", show, given="set front.Level 4\nget nothing\n").splitlines()
+    hold("`watch`", [json.loads(line) for line in lines])
+finally:
+    shutil.rmtree(folder)
+print("\n".join(problems) or f"{len(sections)} outputs are as the page tells")
+sys.exit(1 if problems else 0)
