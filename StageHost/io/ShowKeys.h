@@ -93,10 +93,10 @@ inline constexpr ShowKey kDmxInKeys[] = {
 };
 
 inline constexpr ShowKey kChannelsKeys[] = {
-    {"digitalIn", "[text | channel]", false, "contacts; a channel's number is its place in the list"},
     {"digitalOut", "[text | channel]", false, "switches"},
-    {"analogIn", "[text | channel]", false, "values that come in"},
+    {"digitalIn", "[text | channel]", false, "contacts; a channel's number is its place in the list"},
     {"analogOut", "[text | channel]", false, "values that go out"},
+    {"analogIn", "[text | channel]", false, "values that come in"},
 };
 
 inline constexpr ShowKey kChannelKeys[] = {
