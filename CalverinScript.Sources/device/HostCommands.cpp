@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <string>
 
 #include "CommandNumbers.h"
 #include "CommandRoad.h"
@@ -19,26 +21,23 @@ namespace {
 
 constexpr std::uint32_t kParamsOfExecuteWithParams = 2 + kArgumentCount;
 
-/// The text of a parameter for the time of a post; given back to its value at the end.
+/// The text of a parameter. It is the request's own: once the request is posted its context may end, and with it the host's values.
 class ParamText {
 public:
     ParamText() = default;
-    ~ParamText() {
-        if (m_text != nullptr)
-            m_data->ReleaseString(&m_text);
+    explicit ParamText(IObjectParam* param) {
+        IData* data = EffectiveData(param);
+        char* given = data != nullptr ? data->GetValueAsString() : nullptr;
+        if (given == nullptr)
+            return;
+        m_text = given;
+        data->ReleaseString(&given);
     }
-    ParamText(const ParamText&) = delete;
-    ParamText& operator=(const ParamText&) = delete;
-    /// Called once. @return the text, null for a parameter without one.
-    const char* Read(IObjectParam* param) {
-        m_data = EffectiveData(param);
-        m_text = m_data != nullptr ? m_data->GetValueAsString() : nullptr;
-        return m_text;
-    }
+    /// Null for a parameter without a text.
+    const char* Get() const { return m_text ? m_text->c_str() : nullptr; }
 
 private:
-    IData* m_data = nullptr;
-    char* m_text = nullptr;
+    std::optional<std::string> m_text;
 };
 
 QByteArray ArgumentText(const MScriptCommandParam& param, IData& data) {
@@ -69,8 +68,8 @@ KXPCode HostCommands::PostBuiltIn(std::int32_t id, IObjectParams& params, IExecC
     const std::uint32_t needed = id == kExecuteFunctionWithParams ? kParamsOfExecuteWithParams : 1;
     if (params.GetParamCount() < needed)
         return KXP_BAD_COMMAND;
-    ParamText first;
-    const char* text = first.Read(params.GetParam(0));
+    const ParamText first(params.GetParam(0));
+    const char* text = first.Get();
     if (id == kLoadFromFile || id == kLoadFromText) {
         return Post(ScriptRequest::Load(static_cast<BuiltInCommand>(id), text), context);
     }
@@ -84,8 +83,10 @@ KXPCode HostCommands::PostBuiltIn(std::int32_t id, IObjectParams& params, IExecC
 KXPCode HostCommands::PostWithParams(const char* function, IObjectParams& params, IExecContext* context) {
     std::array<ParamText, kArgumentCount> owned;
     std::array<const char*, kArgumentCount> texts{};
-    for (std::size_t i = 0; i < texts.size(); ++i)
-        texts[i] = owned[i].Read(params.GetParam(static_cast<std::uint32_t>(2 + i)));
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        owned[i] = ParamText(params.GetParam(static_cast<std::uint32_t>(2 + i)));
+        texts[i] = owned[i].Get();
+    }
     IData* result = EffectiveData(params.GetParam(1));
     return Post(ScriptRequest::Function(function, result, texts.data()), context);
 }

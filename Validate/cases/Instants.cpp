@@ -1,0 +1,88 @@
+#include <atomic>
+#include <thread>
+
+#include "BusyScript.h"
+#include "CaseProcess.h"
+#include "Cases.h"
+
+void EndsAtAnyInstant(Trial& trial) {
+    ModuleHost host;
+    LoadOrFail(host, trial);
+    for (int round = trial.Times(1000, 10); round > 0; --round) {
+        ContextTally tally;
+        HostedDevice device(host);
+        StartBusy(device);
+        const std::int32_t command = FunctionCommand(device);
+        std::atomic<bool> isOver{false};
+        std::thread caller([&] {
+            for (int number = 0; number < 5000 && !isOver; ++number)
+                device.Send(command, CallOfWork("x"), &tally);
+        });
+        const auto pause = std::chrono::microseconds(trial.Roll(8000));
+        trial.Step("the end of a device after " + std::to_string(pause.count()) +
+                   " us of commands from another thread");
+        std::this_thread::sleep_for(pause);
+        if (trial.Roll(2) == 0)
+            device->Stop();
+        isOver = true;
+        caller.join(); // calls and Release do not overlap: the contract promises that to the module
+        device.End();
+        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "each context that was begun is ended");
+    }
+}
+
+void StopsAndStartsOften(Trial& trial) {
+    ModuleHost host;
+    LoadOrFail(host, trial);
+    HostedDevice device(host);
+    StartBusy(device);
+    const int rounds = trial.Times(10000, 20);
+    for (int round = 0; round < rounds; ++round) {
+        trial.Step("start " + std::to_string(round));
+        Trial::ExpectCode(device->Stop(), KXP_OK, "Stop");
+        Trial::ExpectCode(device->IsRunning(), KXP_NO, "IsRunning behind Stop");
+        Trial::ExpectCode(device->Start(), KXP_OK, "Start");
+        Trial::ExpectCode(device->IsRunning(), KXP_OK, "IsRunning behind Start");
+    }
+    device.End();
+}
+
+void TakesManyDevices(Trial& trial) {
+    ModuleHost host;
+    LoadOrFail(host, trial);
+    std::vector<std::unique_ptr<HostedDevice>> devices;
+    const int count = trial.Times(1 << 12, 16) > 256 ? 256 : trial.Times(1 << 12, 16);
+    for (int number = 0; number < count; ++number) {
+        trial.Step("device " + std::to_string(number));
+        devices.push_back(std::make_unique<HostedDevice>(host, "desk " + std::to_string(number)));
+        StartBusy(*devices.back());
+    }
+    std::uint32_t counted = 0;
+    host.Module().GetDeviceCount(&counted);
+    Trial::Expect(counted == devices.size(), "GetDeviceCount counts all");
+    for (std::uint32_t number = 0; number < counted; ++number)
+        Trial::Expect(host.Module().GetDevice(number) == &**devices[number], "GetDevice gives them in their order");
+    for (auto& device : devices) {
+        trial.Step("the end of a device");
+        device->End();
+    }
+    host.Module().GetDeviceCount(&counted);
+    Trial::Expect(counted == 0, "GetDeviceCount counts none at the end");
+}
+
+void LetsGoOfDevices(Trial& trial) {
+    for (int round = trial.Times(200, 2); round > 0; --round) {
+        ModuleHost host;
+        LoadOrFail(host, trial);
+        HostedDevice device(host);
+        StartBusy(device);
+        trial.Step("the module's Release while a device runs");
+        host.Module().Terminate(nullptr);
+        host.Module().Release();
+        trial.Step("Start of a device whose module is gone");
+        Trial::ExpectCode(device->Start(), KXP_NOT_IMPLEMENTED, "Start of a device whose module is gone");
+        trial.Step("Release of a device whose module is gone");
+        device.GiveUp()->Release();
+        host.Forget();
+    }
+}

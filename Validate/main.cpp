@@ -1,0 +1,98 @@
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+
+#include "CaseRun.h"
+
+namespace {
+
+constexpr int kExitFailed = 1;
+constexpr int kExitBadUse = 2;
+
+const char* NameOf(CaseResult::Verdict verdict) {
+    switch (verdict) {
+    case CaseResult::Verdict::Passed:
+        return "passed";
+    case CaseResult::Verdict::Skipped:
+        return "skipped";
+    default:
+        return "FAILED";
+    }
+}
+
+std::string Quoted(const std::string& text) {
+    std::string quoted = "\"";
+    for (const char character : text) {
+        char escape[8];
+        if (static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\') {
+            std::snprintf(escape, sizeof escape, "\\u%04x",
+                          static_cast<unsigned>(static_cast<unsigned char>(character)));
+            quoted += escape;
+        } else {
+            quoted += character;
+        }
+    }
+    return quoted + '"';
+}
+
+void PrintPlain(const Case& one, const CaseResult& result, const Options& options) {
+    std::printf("%-24s %-7s %6.1f s\n", one.name, NameOf(result.verdict), result.seconds);
+    if (result.verdict == CaseResult::Verdict::Skipped)
+        std::printf("    %s\n", result.finding.c_str());
+    if (result.verdict != CaseResult::Verdict::Failed)
+        return;
+    std::printf("    %s\n    should be: %s\n    while: %s\n", result.finding.c_str(), one.sentence,
+                result.lastStep.c_str());
+    std::printf("%s    again: %s\n", result.frames.c_str(), Reproduction(one, options).c_str());
+}
+
+void PrintJson(const Case& one, const CaseResult& result, const Options& options) {
+    std::cout << "{\"case\":" << Quoted(one.name) << ",\"result\":" << Quoted(NameOf(result.verdict))
+              << ",\"seconds\":" << result.seconds << ",\"finding\":" << Quoted(result.finding)
+              << ",\"step\":" << Quoted(result.lastStep) << ",\"frames\":" << Quoted(result.frames)
+              << ",\"again\":" << Quoted(Reproduction(one, options)) << "}" << std::endl;
+}
+
+int List() {
+    for (const Case& one : AllCases())
+        std::printf("%-24s %s\n", one.name, one.sentence);
+    return 0;
+}
+
+int BadUse(const std::string& problem) {
+    std::cerr << "kxpvalidate: " << problem << "\n" << HelpText();
+    return kExitBadUse;
+}
+
+int Validate(const Options& options) {
+    int failed = 0;
+    for (const Case& one : AllCases()) {
+        if (!options.only.empty() && options.only != one.name)
+            continue;
+        const CaseResult result = RunCase(one, options);
+        (options.json ? PrintJson : PrintPlain)(one, result, options);
+        std::fflush(stdout);
+        failed += result.verdict == CaseResult::Verdict::Failed ? 1 : 0;
+    }
+    return failed > 0 ? kExitFailed : 0;
+}
+
+} // namespace
+
+int main(int count, char** words) {
+    Options options;
+    const std::string problem = ReadOptions(count, words, options);
+    if (options.help) {
+        std::cout << HelpText();
+        return 0;
+    }
+    if (!problem.empty())
+        return BadUse(problem);
+    if (options.list)
+        return List();
+    const auto& cases = AllCases();
+    if (!options.only.empty() &&
+        std::none_of(cases.begin(), cases.end(), [&](const Case& one) { return options.only == one.name; }))
+        return BadUse("there is no case \"" + options.only + "\"; --list shows them");
+    return Validate(options);
+}

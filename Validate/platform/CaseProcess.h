@@ -1,0 +1,28 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+
+/// How a case that ran in a process of its own came to its end.
+struct CaseEnd {
+    bool isInTime = false; ///< false: it was killed at its limit
+    int exitCode = -1;     ///< 128 and the signal's number behind a crash
+    std::string report;    ///< what it wrote to its descriptor, at most 64 KB of it
+};
+
+/// Runs work in a copy of this process, which has had one thread until now.
+/// @param work gets the descriptor for its report; its result is the exit code.   [main]
+CaseEnd RunInProcess(const std::function<int(int descriptor)>& work, std::chrono::milliseconds limit);
+
+/// What stands outside of the module in this process, for a comparison: threads, open descriptors, memory in use. [any]
+struct ProcessFigures {
+    int threads = 0;
+    int descriptors = 0;
+    long kilobytes = 0;
+};
+ProcessFigures MeasureProcess();
+
+/// The state of the process that no module may change, as text, a line each: locale, working folder, file mask, signals
+/// that are blocked, caught or ignored, rounding and exceptions of the processor, environment.   [main]
+std::string DescribeSurroundings();

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+
+/// Memory in pages of its own, for what a host gives out and takes back: once it is gone, any touch ends the process
+/// with a report that names what was touched. An address is never used again.   [any]
+void* GuardedAllocate(std::size_t bytes);
+
+/// Says what stands there, for the report. @param what a text that outlives the process.
+void GuardedName(void* memory, const char* what);
+
+/// Takes the memory back. Null is ignored.
+void GuardedFree(void* memory);
+
+/// Objects of the class live in guarded memory.
+struct Guarded {
+    static void* operator new(std::size_t bytes) { return GuardedAllocate(bytes); }
+    static void operator delete(void* memory) { GuardedFree(memory); }
+};
+
+/// From now on a crash of this process writes what happened, the guarded object that was touched, and the calls that
+/// led there.
+/// @param descriptor where to, one line each.   [main, once]
+void ReportCrashesTo(int descriptor);
