@@ -11,10 +11,10 @@ namespace {
 
 using Verdict = CaseResult::Verdict;
 
-/// A minute, and four times more with each level beyond the fifth.
+/// Half a minute, and four times more with each level beyond the third.
 std::chrono::milliseconds LimitOf(int level) {
-    const std::chrono::minutes base(1);
-    return level <= 5 ? base : base * (1 << (2 * (level - 5)));
+    const std::chrono::seconds base(30);
+    return level <= 3 ? base : base * (1 << (2 * (level - 3)));
 }
 
 /// In the child. The verdict goes with the report.

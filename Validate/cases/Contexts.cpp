@@ -1,4 +1,4 @@
-#include <thread>
+#include <atomic>
 
 #include "BusyScript.h"
 #include "Cases.h"
@@ -7,11 +7,11 @@ namespace {
 
 /// A flood of commands to a device that works meanwhile.
 /// @return how many were taken.
-int Flood(HostedDevice& device, ContextTally& tally, int count) {
+int Flood(HostedDevice& device, ContextTally& tally, int count, const std::string& argument = "x") {
     const std::int32_t command = FunctionCommand(device);
     int taken = 0;
     for (int number = 0; number < count; ++number)
-        taken += device.Send(command, CallOfWork(std::to_string(number)), &tally) == KXP_OK ? 1 : 0;
+        taken += device.Send(command, CallOfWork(argument), &tally) == KXP_OK ? 1 : 0;
     return taken;
 }
 
@@ -43,12 +43,13 @@ void EndsContextsOnce(Trial& trial) {
 void LetsGoOfParameters(Trial& trial) {
     ModuleHost host;
     LoadOrFail(host, trial);
+    const std::string longText(100000, 'x'); // takes its time
     ContextTally tally;
     HostedDevice device(host);
     StartBusy(device);
     for (int round = trial.Times(2000, 10); round > 0; --round) {
         trial.Step("20 commands whose parameters go with their contexts");
-        Flood(device, tally, 20);
+        Flood(device, tally, 20, longText);
         Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the contexts end");
     }
     device.End();
@@ -71,6 +72,8 @@ void GivesTextsBack(Trial& trial) {
 }
 
 void TakesCallsFromInside(Trial& trial) {
+    constexpr int kMost = 5000;
+    constexpr int kCommandEach = 7;
     ModuleHost host;
     LoadOrFail(host, trial);
     ContextTally tally;
@@ -78,25 +81,23 @@ void TakesCallsFromInside(Trial& trial) {
     const std::int32_t command = FunctionCommand(device);
     thread_local bool isInside = false;
     std::atomic<int> heard{0};
-    StartBusy(device);
     host.hearing = [&](const char* call) {
-        if (isInside || ++heard > 5000)
+        if (isInside || heard >= kMost)
             return;
         isInside = true;
         trial.Step(std::string("from inside ") + call);
         device->IsRunning();
         device->GetName();
-        if (heard % 7 == 0)
-            device->ExecuteCommand(-1, nullptr, nullptr);
+        if (++heard % kCommandEach == 0)
+            device.Send(command, CallOfWork("from inside"), &tally);
         isInside = false;
     };
+    StartBusy(device);
     for (int round = trial.Times(400, 2); round > 0; --round) {
         Flood(device, tally, 50);
         device->SetSetup(BusySetup(", Other: function () {}").c_str());
         Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the contexts end");
     }
-    (void)command;
     device.End();
     Trial::Expect(heard > 0, "the module asks the host for something");
-    host.hearing = nullptr;
 }

@@ -77,7 +77,7 @@ void KeepsOffDroppedValues(Trial& trial) {
     LoadOrFail(host, trial);
     HostedDevice device(host);
     StartBusy(device);
-    for (int round = trial.Times(2000, 10); round > 0; --round) {
+    for (int round = trial.Times(2000, 30); round > 0; --round) {
         trial.Step("SetSetup on a running device");
         Trial::ExpectCode(device->SetSetup(BusySetup(", F" + std::to_string(round % 2) + ": function () {}").c_str()),
                           KXP_OK, "SetSetup on a running device");

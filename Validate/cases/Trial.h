@@ -54,4 +54,4 @@ private:
 };
 
 /// How long a case waits for what has to come.
-constexpr std::chrono::seconds kTrialWait(30);
+constexpr std::chrono::seconds kTrialWait(20);

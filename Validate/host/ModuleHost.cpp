@@ -86,9 +86,9 @@ HostedDevice::~HostedDevice() {
 }
 
 void HostedDevice::End() {
-    if (IKXPDevice* device = std::exchange(m_device, nullptr)) {
-        device->Stop();
-        device->Release();
+    if (m_device != nullptr) {
+        m_device->Stop(); // who is called from inside may still ask the device
+        std::exchange(m_device, nullptr)->Release();
         m_variables->Drop();
         m_variables.reset();
         m_kept.clear();

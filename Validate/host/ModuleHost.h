@@ -25,7 +25,8 @@ public:
     void Forget() { m_module = nullptr; }
     IKXPModule& Module() { return *m_module; }
 
-    /// Heard before each call that the module makes on this host, on whatever thread it comes.
+    /// Heard before each call that the module makes on this host, on whatever thread it comes. Set before a device is
+    /// started.
     Hearing hearing;
 
     KXPCode QueryInterface(const char* name, void** out) override;

@@ -8,7 +8,7 @@
 struct CaseEnd {
     bool isInTime = false; ///< false: it was killed at its limit
     int exitCode = -1;     ///< 128 and the signal's number behind a crash
-    std::string report;    ///< what it wrote to its descriptor, at most 64 KB of it
+    std::string report;    ///< what it wrote to its descriptor; of a long one the last 64 KB and more
 };
 
 /// Runs work in a copy of this process, which has had one thread until now.

@@ -34,8 +34,9 @@ bool ReadReport(int descriptor, Clock::time_point end, std::string& report) {
         if (count == 0)
             return true;
         if (count > 0)
-            report.append(buffer.data(),
-                          std::min<std::size_t>(static_cast<std::size_t>(count), kReportLimit - report.size()));
+            report.append(buffer.data(), static_cast<std::size_t>(count));
+        if (report.size() > 2 * kReportLimit)
+            report.erase(0, report.size() - kReportLimit); // the end is what tells
     }
 }
 
