@@ -44,7 +44,7 @@ std::string ReadOptions(int count, char** words, Options& options) {
         if (hasValue && number + 1 == count)
             return word + " needs a value";
         if (hasValue) {
-            const std::string problem = TakeValue(word, words[++number], options);
+            std::string problem = TakeValue(word, words[++number], options);
             if (!problem.empty())
                 return problem;
         } else if (!TakeSwitch(word, options)) {

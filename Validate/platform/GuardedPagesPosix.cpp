@@ -3,7 +3,6 @@
 #include <array>
 #include <atomic>
 #include <csignal>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -20,7 +19,7 @@ constexpr std::size_t kSignalStack = 1 << 16;
 
 /// One piece of guarded memory. Places are only added, so that the crash handler may read them at any instant.
 struct Place {
-    std::uintptr_t begin = 0;
+    char* begin = nullptr;
     std::size_t bytes = 0; ///< of whole pages
     std::atomic<const char*> what{nullptr};
     std::atomic<bool> isGone{false};
@@ -37,7 +36,7 @@ std::size_t PageSize() {
 }
 
 Place* PlaceOf(const void* memory) {
-    const auto address = reinterpret_cast<std::uintptr_t>(memory);
+    const auto* address = static_cast<const char*>(memory);
     for (std::size_t number = g_count.load(); number-- > 0;)
         if (address >= g_places[number].begin && address < g_places[number].begin + g_places[number].bytes)
             return &g_places[number];
@@ -76,7 +75,7 @@ void* GuardedAllocate(std::size_t bytes) {
         std::abort();
     mprotect(static_cast<char*>(memory) + pages, page, PROT_NONE);
     g_places[number].bytes = pages + page;
-    g_places[number].begin = reinterpret_cast<std::uintptr_t>(memory);
+    g_places[number].begin = static_cast<char*>(memory);
     return static_cast<char*>(memory) + (pages - rounded);
 }
 
@@ -90,8 +89,9 @@ void GuardedFree(void* memory) {
     if (place == nullptr)
         return;
     place->isGone = true;
-    mmap(reinterpret_cast<void*>(place->begin), place->bytes, PROT_NONE,
-         MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED | MAP_NORESERVE, -1, 0); // keeps the address, gives the memory back
+    [[maybe_unused]] void* const same =
+        mmap(place->begin, place->bytes, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED | MAP_NORESERVE, -1,
+             0); // keeps the address, gives the memory back
 }
 
 void ReportCrashesTo(int descriptor) {
