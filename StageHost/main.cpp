@@ -5,6 +5,7 @@
 
 #include "ArgumentReader.h"
 #include "BorderText.h"
+#include "BuiltFrom.h"
 #include "CommandTable.h"
 #include "ExitCodes.h"
 #include "MainWait.h"
@@ -67,7 +68,8 @@ std::optional<int> AnswerAtOnce(const Options& options, const QString& problem) 
     if (options.help || options.command == QLatin1String("help"))
         return Help(options);
     if (options.version) {
-        PrintLine(QStringLiteral("stagehost " STAGEHOST_VERSION));
+        PrintLine(
+            QStringLiteral("stagehost %1 (%2)").arg(QLatin1String(STAGEHOST_VERSION), QLatin1String(BuiltFrom())));
         return kExitOk;
     }
     if (!problem.isEmpty())

@@ -10,13 +10,6 @@ namespace stagehost {
 
 namespace {
 
-struct OptionRow {
-    const char* name;
-    const char* shortName; ///< null when there is none
-    const char* value;     ///< what the help calls the value; null when it takes none
-    const char* help;
-};
-
 constexpr OptionRow kOptions[] = {
     {"timeout", nullptr, "MS", "how long to wait for each answer of a script, in ms (10000)"},
     {"link", nullptr, "both|newer|older|none", "which remote links the host offers; scripts use the newer one (both)"},
@@ -142,6 +135,10 @@ QString ArgumentReader::ReadLink(const QString& text) {
         }
     }
     return QStringLiteral("--link is \"both\", \"newer\", \"older\" or \"none\", not \"%1\"").arg(text);
+}
+
+std::vector<OptionRow> AllOptions() {
+    return {std::begin(kOptions), std::end(kOptions)};
 }
 
 QString OptionHelp() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "Options.h"
 
 namespace stagehost {
@@ -23,6 +25,17 @@ private:
 
     Options m_options;
 };
+
+/// One option of the program.
+struct OptionRow {
+    const char* name;
+    const char* shortName; ///< null when there is none
+    const char* value;     ///< what the help calls the value; null when it takes none
+    const char* help;
+};
+
+/// All of them, in the order of the help.
+std::vector<OptionRow> AllOptions();
 
 /// The lines of the help that tell the options.
 QString OptionHelp();

@@ -116,6 +116,10 @@ QString ProgramHelp() {
 
 } // namespace
 
+std::vector<Command> AllCommands() {
+    return {std::begin(kCommands), std::end(kCommands)};
+}
+
 const Command* FindCommand(const QString& name) {
     for (const auto& command : kCommands) {
         if (name == QLatin1String(command.name))

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include <QString>
 #include <QStringList>
 
@@ -18,6 +20,9 @@ struct Command {
     int (*run)(const Options& options);
     const char* tooMany = nullptr; ///< what is said of more words where the form does not say it
 };
+
+/// All of them, in the order of the help.
+std::vector<Command> AllCommands();
 
 /// The command of that name, or null.
 const Command* FindCommand(const QString& name);

@@ -1,0 +1,7 @@
+#include "BuiltFrom.h"
+
+#include "Commit.h"
+
+const char* BuiltFrom() {
+    return STAGEHOST_COMMIT;
+}
