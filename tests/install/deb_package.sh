@@ -19,7 +19,8 @@ for binary in root/usr/lib/stagehost/*; do
     while read -r library; do
         path=$(ldd "$binary" | awk -v name="$library" '$1 == name { print $3 }')
         [ -n "$path" ] || continue # the loader itself
-        owner=$(dpkg -S "$(realpath "$path")" | cut -d: -f1)
+        path=$(realpath "$path")
+        owner=$({ dpkg -S "$path" || dpkg -S "${path#/usr}"; } 2>/dev/null | cut -d: -f1) # packages name /lib or /usr/lib
         grep -qx "$owner" <<<"$depends" || { echo "$binary needs $library of $owner, which is no dependency"; exit 1; }
         count=$((count + 1))
     done < <(objdump -p "$binary" | awk '$1 == "NEEDED" { print $2 }')
