@@ -85,7 +85,8 @@ TEST_F(ShowWithADriver, SendsUserCommandsByTheirNamesAndChecksWhatTheyAreGiven) 
     ThenExitCodeIs(2);
     EXPECT_EQ(host.Errors(), Text("desk: the parameter \"level\" takes 0 to 100, not 101\n"));
     Run("send", {Text("desk"), Text("Fade to"), Text("speed=1")});
-    EXPECT_EQ(host.Errors(), Text("desk: the command \"Fade to\" has no parameter \"speed\"; there are: level, seconds\n"));
+    EXPECT_EQ(host.Errors(),
+              Text("desk: the command \"Fade to\" has no parameter \"speed\"; there are: level, seconds\n"));
     Run("send", {Text("desk"), Text("Fade"), Text("level=1")});
     EXPECT_EQ(host.Errors(),
               Text("desk: has no command \"Fade\"; the function of that name is its command \"Fade to\"\n"));
