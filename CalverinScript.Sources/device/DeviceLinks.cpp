@@ -9,6 +9,7 @@
 #include "HostText.h"
 #include "IModuleServices.h"
 #include "Log.h"
+#include "LogLines.h"
 #include "MLockedList.h"
 #include "MScriptMngRemote.h"
 #include "ScriptWorld.h"
@@ -90,8 +91,21 @@ void MCalverinScript_Device::SlotHandlerException(const QScriptValue& exception)
     ReportError(ScriptFailure(message), false);
     if (!IsLogOn(false))
         return;
-    const QString text = UncaughtForLog(line, message);
-    WriteLog(LogHandle(), kExceptionLevel, "CalverinScript_ [%s] %s", CopyName().c_str(), ToHostText(text).constData());
+    LogFailure(UncaughtForLog(line, message), world->PlaceOf(exception));
+}
+
+/// One line for the failure and one for each that says more.
+void MCalverinScript_Device::LogFailure(const QString& text, const QStringList& details) {
+    const std::string name = CopyName();
+    WriteLog(LogHandle(), kExceptionLevel, "CalverinScript_ [%s] %s", name.c_str(), ToHostText(text).constData());
+    for (const QString& detail : details)
+        WriteLog(LogHandle(), kExceptionLevel, "CalverinScript_ [%s] %s%s", name.c_str(), KXP_LOG_DETAIL,
+                 ToHostText(detail).constData());
+}
+
+void MCalverinScript_Device::Links::ReportStopped(const QStringList& lines) {
+    if (IsLogOn(false))
+        m_device.LogFailure(QLatin1String(KXP_LOG_STOPPED), lines);
 }
 
 void MCalverinScript_Device::ReportError(const QString& text, bool stopMode) {

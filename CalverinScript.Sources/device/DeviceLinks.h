@@ -29,6 +29,7 @@ public:
     void ReportLeftBehind(const QScriptValue& exception) override { Q_EMIT m_device.SignalScriptError(exception); }
     bool EvaluateProgram(const QString& text) override { return m_device.EvaluateScript(text, nullptr); }
     void StopProgram() override { m_device.ExecuteStopFunction(); }
+    void ReportStopped(const QStringList& lines) override;
     void ShowDebugger() override { Q_EMIT m_device.SignalShowDebugger(); }
 
     // ISetupOwner

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <QStringList>
+
 class QScriptValue;
-class QString;
 
 /// What the rooms of a device tell of its script. The device passes it on to its user and to the dialogs.
 class IScriptReports {
@@ -30,6 +31,9 @@ public:
     virtual bool EvaluateProgram(const QString& text) = 0;
     /// Calls the script's stop function, if it has one.   [script]
     virtual void StopProgram() = 0;
+    /// The script has been stopped where it was, since its device ends.
+    /// @param lines what LinesOf tells of the place.   [script]
+    virtual void ReportStopped(const QStringList& lines) = 0;
     /// Opens the debugger's window.   [script]
     virtual void ShowDebugger() = 0;
 

@@ -174,6 +174,8 @@ public:
     /// The single way in which failures reach the user: the variable "Error" and the dialogs. A null text does
     /// nothing, an empty one clears. In stop mode only the dialogs hear of it.   [any]
     void ReportError(const QString& text, bool stopMode);
+    /// Writes a failure and what there is to be told of its place into the log.   [script]
+    void LogFailure(const QString& text, const QStringList& details);
 
     /// Makes the context and notes the function for an asynchronous request.
     /// @return null when the value is no function.   [script]

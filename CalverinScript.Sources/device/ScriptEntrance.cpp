@@ -8,6 +8,7 @@
 #include <QScriptEngine>
 #include <QThread>
 
+#include "ScriptStopper.h"
 #include "TimeLimit.h"
 
 namespace {
@@ -29,7 +30,18 @@ ScriptEntrance::ScriptEntrance(std::recursive_mutex& lock, const std::atomic<boo
     , m_ending(ending)
     , m_runDeferred(std::move(runDeferred))
     , m_thread(QThread::currentThread())
+    , m_stopper(std::make_unique<ScriptStopper>())
     , m_inbox([this] { WakeUp(); }) {}
+
+ScriptEntrance::~ScriptEntrance() = default;
+
+void ScriptEntrance::LookAt(const QString& text) {
+    m_stopper->LookAt(text);
+}
+
+bool ScriptEntrance::HasStoppedScript() const {
+    return m_stopper->HasStopped();
+}
 
 ScriptEntrance::Entry::Entry(ScriptEntrance& entrance)
     : m_entrance(entrance)
@@ -102,8 +114,12 @@ void ScriptEntrance::TakeTurn() {
 }
 
 void ScriptEntrance::Abort() {
-    if (IsInside() && m_engine != nullptr)
-        m_engine->abortEvaluation();
+    if (IsInside() && m_engine != nullptr) {
+        if (m_ending)
+            m_stopper->Stop(*m_engine);
+        else
+            m_engine->abortEvaluation();
+    }
     if (m_abortTimer == 0)
         m_abortTimer = startTimer(kAbortRetryMs);
 }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -10,7 +11,9 @@
 #include "ScriptInbox.h"
 
 class QScriptEngine;
+class QString;
 class QThread;
+class ScriptStopper;
 
 /// The way into the script of one device, and the way out of one that will not end.
 ///
@@ -31,6 +34,7 @@ public:
     /// @param parent    the device, with which this object changes its thread. It is not deleted by it.
     ScriptEntrance(std::recursive_mutex& lock, const std::atomic<bool>& ending, std::function<void()> runDeferred,
                    QObject* parent);
+    ~ScriptEntrance() override;
 
     /// One entry into the script, from any thread: the lock is held, and on the script thread nothing else
     /// that waits there starts.
@@ -64,10 +68,13 @@ public:
     void WakeUp();
     /// Says that deferred work waits for the script to be left.   [script]
     void Defer() { m_deferred = true; }
-    /// Ends the script that runs on this thread, from an event that the engine lets through; a script cannot
-    /// catch it. Tried again until the thread has left the script, since between two calls into it there is
+    /// Ends the script that runs on this thread, from an event that the engine lets through. Tried again until the thread has left the script, since between two calls into it there is
     /// nothing to abort.   [script]
     void Abort();
+    /// A text that the engine is about to evaluate.   [script]
+    void LookAt(const QString& text);
+    /// Whether the script of the ending device had to be stopped.   [script]
+    bool HasStoppedScript() const;
     /// The thread is about to end and serves no events any more.   [script]
     void LeaveThread();
 
@@ -85,7 +92,8 @@ private:
     QScriptEngine* m_engine = nullptr; ///< not owned; script thread alone
     std::atomic<QThread*> m_thread;    ///< the thread that owns the engine
     std::atomic<int> m_depth{0};       ///< entries that are open on the engine's thread, which alone writes it
-    bool m_deferred = false;           ///< script thread alone, as is the next
-    int m_abortTimer = 0;              ///< runs once a script is to be aborted
+    const std::unique_ptr<ScriptStopper> m_stopper; ///< for the end of the device
+    bool m_deferred = false;                        ///< script thread alone, as is the next
+    int m_abortTimer = 0;                           ///< runs once a script is to be aborted
     ScriptInbox m_inbox;
 };

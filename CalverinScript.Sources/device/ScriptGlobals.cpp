@@ -1,10 +1,32 @@
 #include "ScriptGlobals.h"
 
+#include <QScriptContext>
 #include <QScriptEngine>
 #include <QScriptValueIterator>
 
 #include "MScriptMngRemote.h"
 #include "ScriptClasses.h"
+
+namespace {
+
+/// print(...): the texts of its arguments, a blank between them.
+QScriptValue Print(QScriptContext* context, QScriptEngine* engine) {
+    QStringList texts;
+    for (int i = 0; i < context->argumentCount() && !engine->hasUncaughtException(); ++i)
+        texts += context->argument(i).toString();
+    auto* remote = qobject_cast<MScriptMngRemote*>(context->callee().data().toQObject());
+    if (remote != nullptr && !engine->hasUncaughtException())
+        remote->TraceMessage(texts.join(QLatin1Char(' ')), QStringLiteral("NORMAL"));
+    return QScriptValue(QScriptValue::UndefinedValue);
+}
+
+} // namespace
+
+void InstallPrint(QScriptEngine& engine, MScriptMngRemote& remote) {
+    QScriptValue print = engine.newFunction(&Print);
+    print.setData(engine.newQObject(&remote, QScriptEngine::QtOwnership, QScriptEngine::ExcludeDeleteLater));
+    engine.globalObject().setProperty(QStringLiteral("print"), print, QScriptValue::SkipInEnumeration);
+}
 
 void SetUpScriptGlobals(QScriptEngine& engine, MScriptMngRemote& remote) {
     const QScriptEngine::QObjectWrapOptions hidden = QScriptEngine::ExcludeDeleteLater |

@@ -1,21 +1,25 @@
 #include "ScriptWorld.h"
 
 #include <mutex>
+#include <utility>
 
 #include <QScriptEngine>
 
 #include "EventArguments.h"
 #include "FaceAnswer.h"
+#include "FaultText.h"
 #include "HostServices.h"
 #include "HostText.h"
 #include "HostValues.h"
 #include "IHostServices.h"
 #include "IProgramOwner.h"
+#include "LogLines.h"
 #include "MScriptEngineAgent.h"
 #include "MScriptMngRemote.h"
 #include "ScriptDebugger.h"
 #include "ScriptEntrance.h"
 #include "ScriptEvaluation.h"
+#include "ScriptFault.h"
 #include "ScriptGlobals.h"
 #include "StoppableLoop.h"
 
@@ -28,7 +32,8 @@ constexpr int kEngineEventIntervalMs = 10; ///< how often a running engine looks
 ScriptWorld::ScriptWorld(const Place& place)
     : m_place(place)
     , m_enumFunctions(EnumTarget())
-    , m_engine(std::make_unique<QScriptEngine>(&place.home)) {
+    , m_engine(std::make_unique<QScriptEngine>(&place.home))
+    , m_faults(std::make_unique<FaultReader>()) {
     place.entrance.SetEngine(*m_engine);
     StoppableLoop::SetStopFlag(*m_engine, &place.ending);
     m_set.engine = m_engine.get();
@@ -37,6 +42,7 @@ ScriptWorld::ScriptWorld(const Place& place)
     m_remote->setParent(&place.home);
     m_resources = std::make_unique<ResourceRoom>(*m_remote);
     SetUpScriptGlobals(*m_engine, *m_remote);
+    InstallPrint(*m_engine, *m_remote);
     m_eventArguments = std::make_unique<EventArguments>(*m_engine);
     m_engine->setProcessEventsInterval(kEngineEventIntervalMs);
 }
@@ -48,7 +54,9 @@ void ScriptWorld::EnableDebugger() {
 }
 
 void ScriptWorld::Evaluate(const QString& text) {
+    m_place.entrance.LookAt(text);
     m_set.global = EvaluateText(*m_engine, text);
+    ReportStopped();
 }
 
 QScriptValue ScriptWorld::Call(QScriptValue function, const QScriptValueList& arguments) {
@@ -57,6 +65,7 @@ QScriptValue ScriptWorld::Call(QScriptValue function, const QScriptValueList& ar
     m_engine->clearExceptions();
     const QScriptValue value = function.call(m_set.global, arguments);
     ReportUncaught();
+    ReportStopped();
     return value;
 }
 
@@ -76,6 +85,21 @@ void ScriptWorld::ReportUncaught() {
     const bool seenByAgent = dynamic_cast<MScriptEngineAgent*>(m_engine->agent()) != nullptr;
     if (!seenByAgent && m_engine->hasUncaughtException() && !m_place.ending)
         m_place.owner.ReportException(m_engine->uncaughtException());
+}
+
+/// Several calls may be inside one another: the innermost knows where the script was.
+void ScriptWorld::ReportStopped() {
+    if (!m_place.ending || !m_place.entrance.HasStoppedScript() || std::exchange(m_toldStop, true))
+        return;
+    m_place.owner.ReportStopped(LinesOf(m_faults->ReadStopped(*m_engine, m_set.scriptText), FileName()));
+}
+
+QString ScriptWorld::FileName() const {
+    return m_set.scriptFileName.isEmpty() ? QString(QLatin1String(KXP_LOG_NO_FILE)) : m_set.scriptFileName;
+}
+
+QStringList ScriptWorld::PlaceOf(const QScriptValue& exception) {
+    return LinesOf(m_faults->Read(*m_engine, exception, m_set.scriptText), FileName());
 }
 
 void ScriptWorld::CheckUncaught() {

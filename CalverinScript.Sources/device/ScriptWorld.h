@@ -11,6 +11,7 @@
 #include "ScriptSet.h"
 
 class EventArguments;
+class FaultReader;
 class HostValues;
 class IEnumData;
 class IProgramOwner;
@@ -77,6 +78,8 @@ public:
     QScriptValueList ArgumentsOf(const MScriptParamList& params);
     /// Reports an exception that is still with the engine, unless an agent has seen it thrown.   [script]
     void ReportUncaught();
+    /// What there is to be told of the place of an exception, a line each; see LinesOf.   [script]
+    QStringList PlaceOf(const QScriptValue& exception);
     /// Tells of an exception that a call has left behind, and forgets it.   [script]
     void CheckUncaught();
 
@@ -95,6 +98,8 @@ public:
 
 private:
     EnumHelpers::Target EnumTarget();
+    void ReportStopped();
+    QString FileName() const;
     IEnumData* FindEnum(const QString& name);
     bool FindMonitoredEnum(const QString& name, MScriptVariable& found);
 
@@ -104,6 +109,8 @@ private:
     // The engine, what it shows and what hangs on it go in the reverse of this order.
     const std::unique_ptr<QScriptEngine> m_engine;
     QScriptEngineAgent* m_agent = nullptr; ///< owned by the engine
+    const std::unique_ptr<FaultReader> m_faults;
+    bool m_toldStop = false;
     std::unique_ptr<MScriptMngRemote> m_remote;
     std::unique_ptr<ScriptDebugger> m_debugger;
     ScriptSet m_set;

@@ -10,6 +10,7 @@
 #include <QScriptEngine>
 #include <QThread>
 
+#include "ScriptStopper.h"
 #include "StoppableLoop.h"
 #include "TimeLimit.h"
 
@@ -21,19 +22,23 @@ constexpr std::chrono::milliseconds kAbortEvery(5); ///< between two scripts the
 /// Ends the script of an engine from an event that the running engine lets through.
 class Aborter final : public QObject {
 public:
-    explicit Aborter(QScriptEngine& engine)
-        : m_engine(engine) {}
+    Aborter(QScriptEngine& engine, const QString& text)
+        : m_engine(engine) {
+        if (!text.isNull())
+            m_stopper.LookAt(text);
+    }
 
 protected:
     bool event(QEvent* received) override {
         if (received->type() != QEvent::User)
             return QObject::event(received);
-        m_engine.abortEvaluation();
+        m_stopper.Stop(m_engine);
         return true;
     }
 
 private:
     QScriptEngine& m_engine;
+    ScriptStopper m_stopper;
 };
 
 } // namespace
@@ -54,7 +59,7 @@ LimitedRun::Outcome LimitedRun::Run(const std::function<void()>& work) {
     StoppableLoop::SetStopFlag(m_engine, &state.stop);
     m_engine.setProcessEventsInterval(kLookAtEventsMs);
     const std::unique_ptr<QThread> thread(QThread::create([this, &state, &work] {
-        Aborter aborter(m_engine);
+        Aborter aborter(m_engine, m_text);
         m_engine.pushContext(); // an engine takes an abort only while one of its contexts is open
         {
             const std::lock_guard<std::mutex> guard(state.lock);

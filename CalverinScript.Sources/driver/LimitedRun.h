@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <mutex>
+#include <utility>
 
 #include <QString>
 
@@ -24,9 +25,12 @@ public:
     };
 
     /// @param engine one that no other thread uses meanwhile. It may be used again afterwards, on the caller's thread.
-    LimitedRun(QScriptEngine& engine, std::chrono::milliseconds limit)
+    /// @param text all that the engine has ever evaluated and is about to, so that it can be told where that was stopped; null
+    /// when that does not matter.
+    LimitedRun(QScriptEngine& engine, std::chrono::milliseconds limit, QString text = QString())
         : m_engine(engine)
-        , m_limit(limit) {}
+        , m_limit(limit)
+        , m_text(std::move(text)) {}
     LimitedRun(const LimitedRun&) = delete;
     LimitedRun& operator=(const LimitedRun&) = delete;
 
@@ -48,6 +52,7 @@ private:
 
     QScriptEngine& m_engine;
     const std::chrono::milliseconds m_limit;
+    const QString m_text;
     State* m_state = nullptr; ///< while Run runs
 };
 

@@ -4,6 +4,7 @@
 #include <QScriptEngine>
 
 #include "LoggedDevice.h"
+#include "LogLines.h"
 #include "MScriptEngineAgent.h"
 
 namespace {
@@ -86,6 +87,11 @@ struct Report {
     std::string result;
 };
 
+/// More about a failure: what an agent hears of at the throw has less.
+bool IsDetail(const LogLine& line) {
+    return line.text.find(std::string("] ") + KXP_LOG_DETAIL) != std::string::npos;
+}
+
 std::string WithoutLineNumber(const std::string& text) {
     static const QRegularExpression number(QStringLiteral("line[: ]-?[0-9]+,"));
     return QString::fromLatin1(text.c_str()).replace(number, QStringLiteral("line,")).toLatin1().toStdString();
@@ -116,6 +122,7 @@ protected:
         const std::vector<std::string> history = variables.error.History();
         report.errors.assign(history.begin() + static_cast<std::ptrdiff_t>(before), history.end());
         report.lines = Log();
+        report.lines.erase(std::remove_if(report.lines.begin(), report.lines.end(), &IsDetail), report.lines.end());
         return report;
     }
 };

@@ -134,9 +134,33 @@ TEST_F(LogLines, OfAnUncaughtExceptionTellLineAndMessageAtLevelFive) {
     GivenScript("({ F: function() {\n\nthrow new Error('boom'); } })");
     GivenAnEmptyLog();
     Call("F");
-    const LoggedLines lines = LogOf(4);
-    ASSERT_EQ(lines.size(), 4u);
+    const LoggedLines lines = LogOf(8);
+    ASSERT_EQ(lines.size(), 8u);
     EXPECT_EQ(lines[2], (LogLine{5, "CalverinScript_ [Desk] Uncaught Exception - line:3, message: boom"}));
+    EXPECT_EQ(lines[3], (LogLine{5, "CalverinScript_ [Desk]     <script>:3:1: Error: boom"}));
+    EXPECT_EQ(lines[4], (LogLine{5, "CalverinScript_ [Desk]     | throw new Error('boom'); } })"}));
+    EXPECT_EQ(lines[5], (LogLine{5, "CalverinScript_ [Desk]     | ^"}));
+    EXPECT_EQ(lines[6], (LogLine{5, "CalverinScript_ [Desk]     at F (<script>:3)"}));
+}
+
+TEST_F(LogLines, OfAScriptThatIsStoppedTellWhereItWas) {
+    plain::Value inside("inside");
+    TellWhenInside(inside);
+    GivenScript("function spin() {\n for (;;) {} }\n({ F: function() { inside(); spin(); } })");
+    GivenAnEmptyLog();
+    const auto params = plain::Params::ForFunction("F", {});
+    ASSERT_EQ(Send(3, *params, nullptr), KXP_OK);
+    ASSERT_TRUE(inside.WaitFor("yes", 6 * kDeadlineMs));
+    device->Release();
+    device = nullptr;
+    const LoggedLines lines = LogOf(8);
+    const auto has = [&](const char* text) {
+        return std::find(lines.begin(), lines.end(), LogLine{5, std::string("CalverinScript_ [Desk] ") + text}) !=
+               lines.end();
+    };
+    EXPECT_TRUE(has("Script Stopped"));
+    EXPECT_TRUE(has("    <script>:2: stopped in spin, which did not come back"));
+    EXPECT_TRUE(has("    at F (<script>:3)"));
 }
 
 TEST_F(LogLines, AreNotWrittenWhileTheLogIsOff) {

@@ -58,6 +58,7 @@ protected:
     void ReportLeftBehind(const QScriptValue& /*exception*/) override { ++leftBehind; }
     bool EvaluateProgram(const QString& text) override { return program.Evaluate(text); }
     void StopProgram() override { program.CallStop(); }
+    void ReportStopped(const QStringList& /*lines*/) override {}
     void ShowDebugger() override {}
 
     bool Load(const char* text) {
