@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <ctime>
 #include <system_error>
 #include <utility>
 
@@ -11,32 +12,20 @@ namespace logsE {
 
 namespace {
 
-/// Days since 1970 into year, month and day: the "civil_from_days" algorithm of Howard Hinnant's "chrono-Compatible
-/// Low-Level Date Algorithms". Unlike the C library's it has no hidden buffer that other threads may write to.
-struct CivilDate {
-    explicit CivilDate(long days) {
-        const long shifted = days + 719468;
-        const long era = shifted / 146097;
-        const long dayOfEra = shifted - era * 146097;
-        const long yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-        const long dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-        const long monthFromMarch = (5 * dayOfYear + 2) / 153;
-        day = dayOfYear - (153 * monthFromMarch + 2) / 5 + 1;
-        month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
-        year = yearOfEra + era * 400 + (month <= 2 ? 1 : 0);
-    }
-
-    long year, month, day;
-};
-
+/// The time of the machine's user, with its distance from UTC: "2026-11-22 19:30:00.450 +0100".
 std::string Now() {
     using namespace std::chrono;
-    const long long now = duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
-    const long seconds = static_cast<long>(now / 1000);
-    const CivilDate date(seconds / 86400);
-    std::array<char, 96> text{};
-    std::snprintf(text.data(), text.size(), "%04ld-%02ld-%02ld %02ld:%02ld:%02ld.%03d", date.year, date.month, date.day,
-                  seconds / 3600 % 24, seconds / 60 % 60, seconds % 60, static_cast<int>(now % 1000));
+    const auto now = system_clock::now().time_since_epoch();
+    const std::time_t seconds = static_cast<std::time_t>(duration_cast<std::chrono::seconds>(now).count());
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    std::array<char, 32> day{};
+    std::array<char, 16> zone{};
+    std::strftime(day.data(), day.size(), "%Y-%m-%d %H:%M:%S", &local);
+    std::strftime(zone.data(), zone.size(), "%z", &local);
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%s.%03d %s", day.data(),
+                  static_cast<int>(duration_cast<milliseconds>(now).count() % 1000), zone.data());
     return text.data();
 }
 
@@ -53,7 +42,14 @@ LogWriter::LogWriter(std::string programName, const LogsERecord& record)
     , m_path(record.path)
     , m_writerId(static_cast<std::int32_t>(record.writerId))
     , m_file(std::fopen(m_path.c_str(), "a"))
-    , m_failed(m_file == nullptr) {}
+    , m_failed(m_file == nullptr)
+    , m_fold([this](std::int32_t level, const std::string& source, const std::string& text) {
+        return WriteLine(level, source, text);
+    }) {}
+
+LogWriter::~LogWriter() {
+    m_fold.TellAll();
+}
 
 /// Nobody asks a log how it is: that lines are lost is said where people look.
 std::int32_t LogWriter::Judge(bool written) {
@@ -68,12 +64,20 @@ std::int32_t LogWriter::Judge(bool written) {
 std::int32_t LogWriter::Write(std::int32_t level, const std::string& source, const std::string& text) {
     if (!m_file)
         return LOGSE_NO_FILE;
-    const std::string line = Now() + " [" + std::to_string(level) + "] " + OneLine(source + ": " + text) + "\n";
+    m_fold.Take(level, source, OneLine(text), LineFold::Clock::now());
+    return Status();
+}
+
+bool LogWriter::WriteLine(std::int32_t level, const std::string& source, const std::string& text) {
+    if (!m_file)
+        return false;
+    const std::string line = Now() + " [" + std::to_string(level) + "] " + OneLine(source) + ": " + text + "\n";
     const bool written = std::fwrite(line.data(), 1, line.size(), m_file.get()) == line.size();
-    return written ? Flush() : Judge(false);
+    return Judge(written && std::fflush(m_file.get()) == 0) == LOGSE_OK;
 }
 
 std::int32_t LogWriter::Flush() {
+    m_fold.TellAll();
     return m_file ? Judge(std::fflush(m_file.get()) == 0) : Status();
 }
 

@@ -45,8 +45,10 @@ LOGSE_EXPORT void* logsEInitializeLibrary(const char* programName, const LogsERe
 /// Writes out what is left and ends the writer. @return 0, -1.
 LOGSE_EXPORT std::int32_t logsEFinalizeLibrary(void* handle);
 
-/// Writes one line: time in UTC, level in square brackets, program name, text. Line ends inside the text are written
-/// as blanks. @return 0, -1, -2.
+/// Writes one line: local time with its distance from UTC, level in square brackets, program name, text. Line ends
+/// inside the text are written as blanks. A line that comes again is counted and not written: "... 412 times more"
+/// follows within a second or two.
+/// @return 0, -1, -2.
 LOGSE_EXPORT std::int32_t logsEWriteMessage(void* handle, std::int32_t level, const char* text);
 
 /// Makes sure that all lines are in the file. @return 0, -1, -2.

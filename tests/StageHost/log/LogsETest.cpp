@@ -1,10 +1,13 @@
 #include "logsE.h"
 
+#include <chrono>
 #include <cstring>
+#include <ctime>
 #include <thread>
 
 #include <gtest/gtest.h>
 
+#include <QDateTime>
 #include <QFile>
 #include <QLibrary>
 #include <QRegularExpression>
@@ -66,12 +69,83 @@ TEST_F(LogsE, WritesLinesWithTimeLevelAndSource) {
     EXPECT_EQ(flush(handle), 0);
     const QStringList lines = Lines();
     ASSERT_EQ(lines.size(), 3);
-    const QString time = QStringLiteral(R"(^20\d\d-\d\d-\d\d \d\d:\d\d:\d\d\.\d\d\d )");
+    const QString time = QStringLiteral(R"(^20\d\d-\d\d-\d\d \d\d:\d\d:\d\d\.\d\d\d [+-]\d{4} )");
     EXPECT_TRUE(QRegularExpression(time + QStringLiteral(R"(\[5\] prog: first line$)")).match(lines[0]).hasMatch())
         << lines[0].toStdString();
     EXPECT_TRUE(QRegularExpression(time + QStringLiteral(R"(\[7\] part: second$)")).match(lines[1]).hasMatch());
     EXPECT_TRUE(lines[2].endsWith(QLatin1String("[1] prog: ")));
     EXPECT_EQ(finalize(handle), 0);
+}
+
+TEST_F(LogsE, HasTheTimeOfTheUser) {
+    qputenv("TZ", "XXX-05:30");
+    tzset();
+    const LogsERecord record = RecordFor(Path());
+    void* handle = initialize("prog", &record);
+    const QString before =
+        QDateTime::currentDateTimeUtc().addSecs(5 * 3600 + 30 * 60).toString(QStringLiteral("yyyy-MM-dd HH:mm"));
+    write(handle, 5, "x");
+    finalize(handle);
+    qunsetenv("TZ");
+    tzset();
+    EXPECT_TRUE(Lines().first().contains(QLatin1String(" +0530 "))) << Lines().first().toStdString();
+    EXPECT_LE(before, Lines().first().left(before.size()));
+}
+
+TEST_F(LogsE, FoldsALineThatComesAgainAndAgain) {
+    const LogsERecord record = RecordFor(Path());
+    void* handle = initialize("prog", &record);
+    for (int round = 0; round < 413; ++round)
+        EXPECT_EQ(write(handle, 2, "kxpModule [desk] the door is open"), 0);
+    write(handle, 2, "kxpModule [desk] the door is shut");
+    write(handle, 2, "kxpModule [desk] the door is shut");
+    finalize(handle);
+    QStringList texts;
+    for (const QString& line : Lines())
+        texts += line.mid(line.indexOf(QLatin1Char('[')));
+    EXPECT_EQ(texts.join(QLatin1Char('|')).toStdString(),
+              "[2] prog: kxpModule [desk] the door is open|[2] prog: kxpModule [desk] ... 412 times more|"
+              "[2] prog: kxpModule [desk] the door is shut|[2] prog: kxpModule [desk] ... once more");
+}
+
+TEST_F(LogsE, TellsOfAFoldedLineInTimeWhenNothingElseComes) {
+    const LogsERecord record = RecordFor(Path());
+    void* handle = initialize("prog", &record);
+    for (int round = 0; round < 5; ++round)
+        write(handle, 2, "m [desk] again");
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (Lines().size() < 2 && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_TRUE(Lines().last().endsWith(QLatin1String("m [desk] ... 4 times more")));
+    EXPECT_EQ(finalize(handle), 0);
+    EXPECT_EQ(Lines().size(), 2);
+}
+
+TEST_F(LogsE, KeepsEachDevicesLinesInOrderWhileOthersComeBetween) {
+    const LogsERecord record = RecordFor(Path());
+    void* handle = initialize("prog", &record);
+    for (int round = 0; round < 3; ++round) {
+        write(handle, 2, "m [a] tick");
+        write(handle, 2, "m [b] tock");
+    }
+    write(handle, 3, "m [a] tick");
+    flush(handle);
+    QStringList texts;
+    for (const QString& line : Lines())
+        texts += line.mid(line.indexOf(QLatin1Char('[')));
+    EXPECT_EQ(texts.join(QLatin1Char('|')).toStdString(),
+              "[2] prog: m [a] tick|[2] prog: m [b] tock|[2] prog: m [a] ... 2 times more|[3] prog: m [a] tick|"
+              "[2] prog: m [b] ... 2 times more");
+    finalize(handle);
+}
+
+TEST_F(LogsE, FoldsNoLineThatContinuesAnother) {
+    const LogsERecord record = RecordFor(Path());
+    void* handle = initialize("prog", &record);
+    for (int round = 0; round < 3; ++round)
+        write(handle, 5, "m [a]     at f (x.js:1)");
+    finalize(handle);
+    EXPECT_EQ(Lines().size(), 3);
 }
 
 TEST_F(LogsE, AppendsToWhatIsThere) {
@@ -159,7 +233,7 @@ TEST_F(LogsE, KeepsLinesOfManyThreadsWhole) {
         writers.emplace_back([&] {
             void* handle = initialize("prog", &record);
             for (int round = 0; round < kRounds; ++round)
-                write(handle, 5, "0123456789 0123456789 0123456789");
+                write(handle, 5, round % 2 == 0 ? "0123456789 0123456789 even" : "0123456789 0123456789 odds");
             finalize(handle);
         });
     }
@@ -168,5 +242,7 @@ TEST_F(LogsE, KeepsLinesOfManyThreadsWhole) {
     const QStringList lines = Lines();
     EXPECT_EQ(lines.size(), kThreads * kRounds);
     for (const QString& line : lines)
-        EXPECT_TRUE(line.endsWith(QLatin1String("[5] prog: 0123456789 0123456789 0123456789")));
+        EXPECT_TRUE(
+            line.contains(QRegularExpression(QStringLiteral("\\[5\\] prog: 0123456789 0123456789 (even|odds)$"))))
+            << line.toStdString();
 }
