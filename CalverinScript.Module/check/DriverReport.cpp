@@ -44,25 +44,29 @@ private:
     const std::string m_script;
 };
 
-ScriptReport ReportOf(const ScriptParts& parts, const QString& file) {
+ScriptReport ReportOf(const ScriptParts& parts, const QString& file, std::chrono::milliseconds limit) {
     if (parts.Problem()) {
         ScriptReport report;
         report.info.title = QFileInfo(file).baseName();
-        report.problem = ScriptProblem{parts.Problem()->line, parts.Problem()->text, parts.Problem()->file};
+        report.problem = ScriptProblem{parts.Problem()->line, parts.Problem()->text, parts.Problem()->file, {}, false};
         return report;
     }
     for (const ScriptPart& part : parts.Parts()) {
         if (parts.Parts().size() < 2 || IsScript(part.text))
             continue;
-        ScriptReport report = AnalyseScript(part.text, file);
+        ScriptReport report = AnalyseScript(part.text, file, limit);
         if (report.problem)
-            report.problem->file = part.file;
+            report.problem->file = report.problem->fault.file = part.file;
         return report;
     }
-    ScriptReport report = AnalyseScript(parts.Script(), file);
+    ScriptReport report = AnalyseScript(parts.Script(), file, limit);
     const Places places(parts);
-    if (report.problem)
+    if (report.problem) {
         places.Put(*report.problem);
+        places.Put(report.problem->fault);
+        for (FaultFrame& call : report.problem->fault.stack)
+            places.Put(call);
+    }
     for (ScriptNote& note : report.notes)
         places.Put(note);
     return report;
@@ -70,8 +74,8 @@ ScriptReport ReportOf(const ScriptParts& parts, const QString& file) {
 
 } // namespace
 
-ScriptReport AnalyseDriver(const ScriptParts& parts, const QString& file) {
-    ScriptReport report = ReportOf(parts, file);
+ScriptReport AnalyseDriver(const ScriptParts& parts, const QString& file, std::chrono::milliseconds limit) {
+    ScriptReport report = ReportOf(parts, file, limit);
     report.files = parts.Files();
     if (!parts.Problem())
         report.script = parts.Script();

@@ -74,9 +74,19 @@ QJsonArray NotesOf(const ScriptReport& report) {
 QJsonValue ProblemOf(const std::optional<ScriptProblem>& problem, const QString& driver) {
     if (!problem)
         return QJsonValue::Null;
+    const ScriptFault& fault = problem->fault;
+    QJsonArray calls;
+    for (const FaultFrame& frame : fault.stack)
+        calls.append(QJsonObject{{QStringLiteral("function"), frame.function},
+                                 {QStringLiteral("file"), frame.file.isEmpty() ? driver : frame.file},
+                                 {QStringLiteral("line"), frame.line}});
     return QJsonObject{{QStringLiteral("file"), problem->file.isEmpty() ? driver : problem->file},
                        {QStringLiteral("line"), problem->line},
-                       {QStringLiteral("text"), problem->text}};
+                       {QStringLiteral("column"), fault.column},
+                       {QStringLiteral("text"), problem->text},
+                       {QStringLiteral("source"), fault.source},
+                       {QStringLiteral("calls"), calls},
+                       {QStringLiteral("note"), fault.note}};
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 
 #include <QJsonObject>
@@ -8,13 +9,16 @@
 
 #include "MScriptDescription.h"
 #include "NoteTable.h"
+#include "ScriptFault.h"
 #include "ScriptScan.h"
 
 /// What is wrong with a script.
 struct ScriptProblem {
     int line = 0; ///< from 1; 0 when it is not known
     QString text;
-    QString file{}; ///< the path of the one of the driver's files that it is in; empty for the driver itself
+    QString file{};      ///< the path of the one of the driver's files that it is in; empty for the driver itself
+    ScriptFault fault{}; ///< the same with its place; without a text where nothing of the script is wrong
+    bool isLate = false; ///< the script was stopped
 };
 
 /// What a script publishes, or its problem.
@@ -28,9 +32,12 @@ struct ScriptReport {
 };
 
 /// Analyses a script as a device does that is not running: with the same globals, without a host. The script's top
-/// level runs; it may never come back.
-/// @param fileName shown as the title unless the script gives one.   [the main thread]
-ScriptReport AnalyseScript(const QString& text, const QString& fileName);
+/// level runs.
+/// @param fileName shown as the title unless the script gives one.
+/// @param limit what the script does after it is stopped, as far as an engine can be; 0 for no limit.   [the main
+/// thread]
+ScriptReport AnalyseScript(const QString& text, const QString& fileName,
+                           std::chrono::milliseconds limit = std::chrono::milliseconds(0));
 
 /// Shows settings with values that a host gives them, of the form NAME=VALUE. Those that the script does not have are
 /// left out.

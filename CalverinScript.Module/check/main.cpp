@@ -8,6 +8,7 @@
 #include "CheckerCodes.h"
 #include "Declarations.h"
 #include "DriverReport.h"
+#include "FaultText.h"
 #include "LimitedRun.h"
 #include "ProcessDeadline.h"
 
@@ -23,6 +24,8 @@ struct Request {
 };
 
 const QString kDeclarations = QStringLiteral("declarations");
+/// What a script has beyond its time to be stopped: only one in a long computation of the engine itself needs it.
+constexpr std::chrono::milliseconds kStopTime(1000);
 
 bool Write(FILE* stream, const QString& text) {
     const QByteArray bytes = text.toUtf8();
@@ -40,6 +43,8 @@ int Written(bool written, int exitCode) {
 
 /// Notes are a failure only where that was asked for.
 int ExitCodeOf(const Request& request, const ScriptReport& report) {
+    if (report.problem && report.problem->isLate)
+        return KXP_CHECKER_NO_ANSWER;
     return report.problem || (request.strict && !report.notes.isEmpty()) ? KXP_CHECKER_SCRIPT_FAILED : KXP_CHECKER_OK;
 }
 
@@ -48,6 +53,17 @@ QString Verdict(int exitCode, const ScriptReport& report) {
         return QStringLiteral("ok\n");
     return report.notes.size() == 1 ? QStringLiteral("1 note counts as a failure\n")
                                     : QStringLiteral("%1 notes count as a failure\n").arg(report.notes.size());
+}
+
+/// What is wrong, a line each; what belongs to the first is indented.
+QString ProblemText(const Request& request, const ScriptProblem& problem) {
+    QStringList lines = problem.fault.what.isEmpty() ? QStringList() : LinesOf(problem.fault, request.file);
+    if (problem.isLate || lines.isEmpty())
+        lines.prepend(
+            request.file +
+            (problem.line > 0 && lines.isEmpty() ? QLatin1Char(':') + QString::number(problem.line) : QString()) +
+            QStringLiteral(": ") + problem.text);
+    return lines.join(QStringLiteral("\n    ")) + QLatin1Char('\n');
 }
 
 /// The whole answer on standard output when it is for a program or tells of the script, on standard error otherwise.
@@ -59,18 +75,15 @@ int Answer(const Request& request, int exitCode, const ScriptReport& report) {
         return Written(Write(stdout, request.file + QStringLiteral(": ") + Verdict(exitCode, report) +
                                          ToText(report, request.file)),
                        exitCode);
-    QString place = report.problem->file.isEmpty() ? request.file : report.problem->file;
-    if (report.problem->line > 0)
-        place += QLatin1Char(':') + QString::number(report.problem->line);
-    return Written(Write(exitCode == KXP_CHECKER_SCRIPT_FAILED ? stdout : stderr,
-                         place + QStringLiteral(": ") + report.problem->text + QLatin1Char('\n')),
-                   exitCode);
+    return Written(
+        Write(exitCode == KXP_CHECKER_SCRIPT_FAILED ? stdout : stderr, ProblemText(request, *report.problem)),
+        exitCode);
 }
 
 int Fail(const Request& request, int exitCode, const QString& text) {
     ScriptReport report;
     report.info.title = QFileInfo(request.file).baseName();
-    report.problem = ScriptProblem{0, text};
+    report.problem = ScriptProblem{0, text, {}, {}, false};
     report.files = QStringList(request.file);
     return Answer(request, exitCode, report);
 }
@@ -111,10 +124,11 @@ int Check(const Request& request) {
     const ScriptParts parts(request.file);
     if (parts.Problem() && parts.Problem()->line == 0)
         return Fail(request, KXP_CHECKER_BAD_USE, parts.Problem()->text);
-    ProcessDeadline deadline(std::chrono::milliseconds(request.timeoutMs), KXP_CHECKER_NO_ANSWER, [&request] {
+    const std::chrono::milliseconds limit(request.timeoutMs);
+    ProcessDeadline deadline(limit + kStopTime, KXP_CHECKER_NO_ANSWER, [&request] {
         Fail(request, KXP_CHECKER_NO_ANSWER, QStringLiteral("no answer within %1 ms").arg(request.timeoutMs));
     });
-    ScriptReport report = AnalyseDriver(parts, request.file);
+    ScriptReport report = AnalyseDriver(parts, request.file, limit);
     GiveSettings(report, request.settings);
     if (!deadline.Meet())
         return KXP_CHECKER_NO_ANSWER;

@@ -52,7 +52,8 @@ void AddCalls(QStringList& lines, const ScriptFault& fault, const QString& file)
 
 QStringList LinesOf(const ScriptFault& fault, const QString& file) {
     const QString column = fault.column > 0 ? QLatin1Char(':') + QString::number(fault.column) : QString();
-    const QString place = fault.line > 0 ? Place(file, fault.line) + column : file;
+    const QString own = fault.file.isEmpty() ? file : fault.file;
+    const QString place = fault.line > 0 ? Place(own, fault.line) + column : own;
     QStringList lines{place + QStringLiteral(": ") + fault.what};
     if (!fault.source.trimmed().isEmpty())
         AddSource(lines, fault);

@@ -12,13 +12,15 @@ class QScriptValue;
 /// One of the calls that have led to a fault.
 struct FaultFrame {
     QString function; ///< empty for one without a name
-    int line;         ///< of the script, from 1
+    int line;         ///< of the file, from 1
+    QString file{};   ///< empty where the script is one file
 };
 
 /// What went wrong in a script, with its place.
 struct ScriptFault {
     QString what;                  ///< "ReferenceError: Can't find variable: level"
     int line = 0;                  ///< from 1; 0 when it is not known
+    QString file;                  ///< empty where the script is one file
     int column = 0;                ///< from 1; 0 when the engine tells the line alone
     QString source;                ///< the line's text
     int mark = 0;                  ///< the place in it to be pointed at, from 0

@@ -4,6 +4,7 @@
 
 #include <QCommandLineParser>
 
+#include "LogLine.h"
 #include "NearNames.h"
 
 namespace stagehost {
@@ -16,7 +17,9 @@ constexpr OptionRow kOptions[] = {
     {"set", nullptr, "[DEVICE.]NAME=VALUE",
      "give a setting of a device a value for this run; may stand more than once"},
     {"json", nullptr, nullptr, "output for programs: one JSON text"},
-    {"log", nullptr, nullptr, "show the lines of the device log on standard error"},
+    {"log", nullptr, nullptr, "show all of the log on standard error; --log=DEVICE shows that of one device"},
+    {"log-level", nullptr, "LEVEL",
+     "show traces from this level on: debug, comment, info, normalplus, normal, alarm, error, fatal"},
     {"log-file", nullptr, "FILE", "keep the device log in this file"},
     {"module", nullptr, "FILE", "the module to load (kxpCalverinScript.kxp6 beside the program)"},
     {"strict", nullptr, nullptr, "check: a note counts as a failure"},
@@ -64,7 +67,8 @@ QString Misunderstood(const QCommandLineParser& parser) {
 
 } // namespace
 
-QString ArgumentReader::Read(const QStringList& words) {
+QString ArgumentReader::Read(const QStringList& typed) {
+    const QStringList words = TakeLogDevices(typed);
     const int own = OwnWords(words);
     QCommandLineParser parser;
     AddOptions(parser);
@@ -94,7 +98,34 @@ QString ArgumentReader::Read(const QStringList& words) {
             return QStringLiteral("--set needs NAME=VALUE or DEVICE.NAME=VALUE, not \"%1\"").arg(set);
     }
     const QString problem = isSet("timeout") ? ReadTimeout(value("timeout")) : QString();
+    if (problem.isEmpty() && isSet("log-level"))
+        return ReadLevel(value("log-level"));
     return problem.isEmpty() && isSet("link") ? ReadLink(value("link")) : problem;
+}
+
+/// "--log=DEVICE" is "--log" with a device; toolkits know no option whose value may be missing.
+QStringList ArgumentReader::TakeLogDevices(const QStringList& words) {
+    const QString begin = QStringLiteral("--log=");
+    QStringList taken = words;
+    for (int index = OwnWords(words) - 1; index >= 0; --index) {
+        if (!taken.at(index).startsWith(begin))
+            continue;
+        m_options.logDevices.prepend(taken.at(index).mid(begin.size()));
+        taken[index] = QStringLiteral("--log");
+    }
+    return taken;
+}
+
+QString ArgumentReader::ReadLevel(const QString& text) {
+    QStringList known;
+    for (const auto& level : kLogLevels) {
+        if (text.compare(QLatin1String(level.name), Qt::CaseInsensitive) == 0) {
+            m_options.leastLevel = WeightOfLevel(level.number);
+            return {};
+        }
+        known += QLatin1String(level.name);
+    }
+    return QStringLiteral("there is no level \"%1\"").arg(text) + NamesInstead(text, known);
 }
 
 /// The count of words that may be options of the program: all, or those up to the function of `exec`.

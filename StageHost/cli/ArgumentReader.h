@@ -12,9 +12,9 @@ namespace stagehost {
 /// whatever they look like.
 class ArgumentReader {
 public:
-    /// @param words the command line without the program's name.
+    /// @param typed the command line without the program's name.
     /// @return empty on success, otherwise what is wrong; the options read so far stand anyway.
-    QString Read(const QStringList& words);
+    QString Read(const QStringList& typed);
 
     const Options& Result() const { return m_options; }
 
@@ -22,6 +22,8 @@ private:
     static int OwnWords(const QStringList& words);
     QString ReadTimeout(const QString& text);
     QString ReadLink(const QString& text);
+    QString ReadLevel(const QString& text);
+    QStringList TakeLogDevices(const QStringList& words);
 
     Options m_options;
 };

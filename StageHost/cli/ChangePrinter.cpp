@@ -71,7 +71,7 @@ void ChangePrinter::PrintChange(const ShowChange& change) const {
     const QDateTime time = TimeOf(change);
     if (!m_json)
         return PrintLine(time.toString(QStringLiteral("HH:mm:ss.zzz  ")) + LineOf(change));
-    PrintJsonLine({{QStringLiteral("time"), time.toUTC().toString(Qt::ISODateWithMs)},
+    PrintJsonLine({{QStringLiteral("time"), time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODateWithMs)},
                    {QStringLiteral("kind"), QLatin1String(RowOf(change.kind).name)},
                    {QStringLiteral("object"), FromBorderText(change.object)},
                    {QStringLiteral("property"), FromBorderText(change.property)},

@@ -37,18 +37,18 @@ MaybeFailure ReadSets(const Options& options, QStringList& words) {
 int CheckScript(const Options& options) {
     const QString file = options.arguments.first();
     if (auto failure = CheckReadable(file))
-        return Fail(options.json, failure->exitCode, failure->text);
+        return Fail(options.json, *failure);
     QStringList further;
     if (options.json)
         further += QStringLiteral("--json");
     if (options.strict)
         further += QStringLiteral("--strict");
     if (auto failure = ReadSets(options, further))
-        return Fail(options.json, failure->exitCode, failure->text);
+        return Fail(options.json, *failure);
     QProcess checker;
     checker.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     if (auto failure = RunChecker(checker, file, further, options.timeout))
-        return Fail(options.json, failure->exitCode, failure->text);
+        return Fail(options.json, *failure);
     Print(QString::fromUtf8(checker.readAllStandardOutput()));
     return checker.exitCode();
 }

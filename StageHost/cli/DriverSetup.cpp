@@ -18,6 +18,8 @@ namespace stagehost {
 
 namespace {
 
+constexpr int kWidestSource = 120;
+
 /// A module finds a linked file again only where the host can name its folder.
 QString LinkedFile(const Show& show, const QString& path) {
     const QString folder = FromBorderText(show.host.folders.at(KXP_FOLDER_PROJECT_USER_DATA));
@@ -27,7 +29,10 @@ QString LinkedFile(const Show& show, const QString& path) {
 QString MistakeText(const QJsonObject& error) {
     const QString file = error.value(QLatin1String("file")).toString();
     const int line = error.value(QLatin1String("line")).toInt();
-    const QString place = line > 0 ? QStringLiteral("%1:%2").arg(file).arg(line) : file;
+    const int column = error.value(QLatin1String("column")).toInt();
+    QString place = line > 0 ? QStringLiteral("%1:%2").arg(file).arg(line) : file;
+    if (column > 0)
+        place += QLatin1Char(':') + QString::number(column);
     return place + QStringLiteral(": ") + error.value(QLatin1String("text")).toString();
 }
 
@@ -36,6 +41,20 @@ QStringList TextsOf(const QJsonValue& list) {
     for (const auto& item : list.toArray())
         texts += item.toString();
     return texts;
+}
+
+/// What belongs to the mistake: the line with a caret, and what to do.
+QStringList PlaceOfMistake(const QJsonObject& error) {
+    const QString source = error.value(QLatin1String("source")).toString().replace(QLatin1Char('\t'), QLatin1Char(' '));
+    const int column = error.value(QLatin1String("column")).toInt();
+    const QString note = error.value(QLatin1String("note")).toString();
+    QStringList place;
+    if (column > 0 && column <= kWidestSource && source.size() <= kWidestSource)
+        place << QStringLiteral("| ") + source
+              << QStringLiteral("| ") + QString(column - 1, QLatin1Char(' ')) + QLatin1Char('^');
+    if (!note.isEmpty())
+        place << QStringLiteral("note: ") + note;
+    return place;
 }
 
 } // namespace
@@ -55,7 +74,7 @@ MaybeFailure ReadDriver(const Show& show, const QString& path, std::chrono::mill
     edition.files = files.isEmpty() ? edition.files : files;
     const QJsonValue error = edition.report.value(QLatin1String("error"));
     if (error.isObject())
-        return Failure{checker.exitCode(), MistakeText(error.toObject())};
+        return Failure{checker.exitCode(), MistakeText(error.toObject()), PlaceOfMistake(error.toObject())};
     if (checker.exitCode() != kExitOk)
         return Failure{checker.exitCode(), QStringLiteral("%1: the check does not end well").arg(path)};
     edition.linkedFile = edition.files.size() == 1 ? LinkedFile(show, path) : QString();

@@ -36,12 +36,14 @@ MaybeFailure Exec(Session& session, const QStringList& words, CommandOutcome& ou
 
 int ExecFunction(const Options& options) {
     if (auto failure = CheckReadable(options.arguments.first()))
-        return Fail(options.json, failure->exitCode, failure->text);
+        return Fail(options.json, *failure);
     Session session(options);
     CommandOutcome outcome;
-    const auto failure = Exec(session, options.arguments, outcome);
+    auto failure = Exec(session, options.arguments, outcome);
     if (failure)
-        return session.Close(Fail(options.json, failure->exitCode, failure->text));
+        session.TellWhereItHangs(*failure);
+    if (failure)
+        return session.Close(Fail(options.json, *failure));
     if (options.json)
         PrintJson(session.OutcomeJson(outcome, failure));
     else

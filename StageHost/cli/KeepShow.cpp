@@ -291,7 +291,7 @@ int Keep(const Options& options, bool quiet, KXPWindow window, Work work) {
     if (!failure)
         failure = work(session, file, report, exitCode);
     if (failure)
-        return session.Close(Fail(options.json, failure->exitCode, failure->text));
+        return session.Close(Fail(options.json, *failure));
     return session.Close(report.End(file, exitCode));
 }
 

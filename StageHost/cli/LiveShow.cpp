@@ -21,11 +21,11 @@ LineOutcome NotTaken(const QString& name, const QString& value) {
 }
 
 LineOutcome OutcomeOf(const Failure& failure) {
-    return {failure.exitCode, failure.text};
+    return {failure.exitCode, failure.text, failure.place};
 }
 
 LineOutcome OutcomeOf(const MaybeFailure& failure, const QString& text) {
-    return failure ? LineOutcome{failure->exitCode, failure->text} : LineOutcome{kExitOk, text};
+    return failure ? OutcomeOf(*failure) : LineOutcome{kExitOk, text};
 }
 
 LineOutcome OutcomeOf(KXPCode code, const QString& text) {
@@ -204,7 +204,8 @@ LineOutcome LiveShow::Play(const QStringList&) {
         const StepOutcome outcome = player.Play(step);
         ++number;
         if (outcome.failure)
-            return {outcome.failure->exitCode, QStringLiteral("step %1: %2").arg(number).arg(outcome.failure->text)};
+            return {outcome.failure->exitCode, QStringLiteral("step %1: %2").arg(number).arg(outcome.failure->text),
+                    outcome.failure->place};
     }
     return {};
 }

@@ -6,8 +6,9 @@ namespace stagehost {
 
 /// What came of one line of the user.
 struct LineOutcome {
-    int exitCode = 0; ///< as the program's
-    QString text;     ///< the answer, or what is wrong
+    int exitCode = 0;    ///< as the program's
+    QString text;        ///< the answer, or what is wrong
+    QStringList place{}; ///< where that is in a script; empty when it is in none
 };
 
 /// Does what the user says while a show runs: one line, one deed. A word may stand in double quotes.   [host main]

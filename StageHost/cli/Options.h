@@ -16,7 +16,9 @@ struct Options {
     Link link = Link::Both;
     bool json = false;
     bool log = false;
-    bool strict = false; ///< of `check`
+    QStringList logDevices; ///< of --log=DEVICE; empty for all
+    int leastLevel = 0;     ///< place in kLogLevels from which on lines of the log are shown
+    bool strict = false;    ///< of `check`
     bool window = false;
     QStringList sets; ///< of the form [DEVICE.]NAME=VALUE
     QString logFile;  ///< empty: a temporary one

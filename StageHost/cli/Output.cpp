@@ -10,6 +10,7 @@
 #include "BorderText.h"
 #include "ExitCodes.h"
 #include "HostCodes.h"
+#include "ScriptPlaces.h"
 
 namespace stagehost {
 
@@ -89,11 +90,30 @@ int FinalExitCode(int exitCode) {
 }
 
 int Fail(bool json, int exitCode, const QString& text) {
-    PrintProblem(text);
+    return Fail(json, Failure{exitCode, text});
+}
+
+int Fail(bool json, const Failure& failure) {
+    PrintProblem(failure.text);
+    PrintPlace(failure.place);
+    QJsonObject object{{QStringLiteral("ok"), false},
+                       {QStringLiteral("error"), failure.text},
+                       {QStringLiteral("exitCode"), failure.exitCode}};
+    AddPlace(object, failure.place);
     if (json)
-        PrintJson(
-            {{QStringLiteral("ok"), false}, {QStringLiteral("error"), text}, {QStringLiteral("exitCode"), exitCode}});
-    return exitCode;
+        PrintJson(object);
+    return failure.exitCode;
+}
+
+void PrintPlace(const QStringList& place) {
+    for (const QString& line : place)
+        PrintProblem(QStringLiteral("    ") + line);
+}
+
+void AddPlace(QJsonObject& object, const QStringList& place) {
+    const QJsonObject where = PlaceJson(place);
+    if (!where.isEmpty())
+        object.insert(QStringLiteral("where"), where);
 }
 
 int ExitCodeOf(const CommandOutcome& outcome) {

@@ -8,6 +8,7 @@
 #include <QVector>
 
 #include "CommandOutcome.h"
+#include "Failure.h"
 
 /// @file
 /// Output of the program: UTF-8, results on standard output, everything else on standard error.   [host main]
@@ -33,6 +34,15 @@ QString LostCharactersNote();
 /// Reports a failure: the text on standard error, and on standard output as JSON if that was asked for.
 /// @return the exit code, for the caller to pass on.
 int Fail(bool json, int exitCode, const QString& text);
+
+/// The same for a failure in a script, with its place.
+int Fail(bool json, const Failure& failure);
+
+/// Where something went wrong, to standard error: lines that belong to the one before.
+void PrintPlace(const QStringList& place);
+
+/// Adds where in a script something went wrong to what programs get of it.
+void AddPlace(QJsonObject& object, const QStringList& place);
 
 /// The exit code that an outcome stands for.
 int ExitCodeOf(const CommandOutcome& outcome);

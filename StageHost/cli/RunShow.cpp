@@ -96,14 +96,18 @@ public:
     int End(const MaybeFailure& stepFailure, const MaybeFailure& thrown) const {
         const MaybeFailure& failure = stepFailure ? stepFailure : thrown;
         const int exitCode = failure ? failure->exitCode : kExitOk;
-        if (stepFailure)
+        if (stepFailure) {
             PrintProblem(stepFailure->text);
+            PrintPlace(stepFailure->place);
+        }
+        QJsonObject json{{QStringLiteral("show"), m_show.name},
+                         {QStringLiteral("ok"), !failure},
+                         {QStringLiteral("error"), failure ? failure->text : QString()},
+                         {QStringLiteral("exitCode"), exitCode},
+                         {QStringLiteral("steps"), m_steps}};
+        AddPlace(json, failure ? failure->place : QStringList());
         if (m_json)
-            PrintJson({{QStringLiteral("show"), m_show.name},
-                       {QStringLiteral("ok"), !failure},
-                       {QStringLiteral("error"), failure ? failure->text : QString()},
-                       {QStringLiteral("exitCode"), exitCode},
-                       {QStringLiteral("steps"), m_steps}});
+            PrintJson(json);
         else if (!failure)
             PrintLine(QStringLiteral("\nThe show is over: all %1 went well.").arg(Count(m_show.steps.size(), "step")));
         return exitCode;
@@ -148,7 +152,7 @@ MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
     for (const auto& device : show.devices) {
         Device& made = *session.FindDevice(device.name);
         if (auto failure = session.LoadScript(made, device))
-            return Failure{failure->exitCode, QStringLiteral("%1: %2").arg(device.name, failure->text)};
+            return Failure{failure->exitCode, QStringLiteral("%1: %2").arg(device.name, failure->text), failure->place};
         report.DeviceReady(device);
     }
     StepPlayer player(session, show);
@@ -159,7 +163,8 @@ MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
         ++number;
         if (outcome.failure)
             return Failure{outcome.failure->exitCode,
-                           QStringLiteral("step %1 (%2): %3").arg(number).arg(Headline(step), outcome.failure->text)};
+                           QStringLiteral("step %1 (%2): %3").arg(number).arg(Headline(step), outcome.failure->text),
+                           outcome.failure->place};
     }
     return std::nullopt;
 }
@@ -169,10 +174,12 @@ MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
 int RunShow(const Options& options) {
     Show show;
     if (auto failure = ReadShow(options.arguments.first(), show))
-        return Fail(options.json, failure->exitCode, failure->text);
+        return Fail(options.json, *failure);
     Session session(options);
     ShowReport report(options, show);
     auto failure = Play(session, show, report);
+    if (failure)
+        session.TellWhereItHangs(*failure);
     const auto thrown = session.TellThrown();
     return session.Close(report.End(failure, thrown));
 }

@@ -36,19 +36,23 @@ void PrintOutcome(const CommandOutcome& outcome) {
 int SendCommand(const Options& options) {
     Show show;
     if (auto failure = ReadShowOrScript(options.arguments.first(), show))
-        return Fail(options.json, failure->exitCode, failure->text);
+        return Fail(options.json, *failure);
     Session session(options);
     CommandOutcome outcome;
     bool sent = false;
-    const auto failure = SendTo(session, show, options.arguments, outcome, sent);
+    auto failure = SendTo(session, show, options.arguments, outcome, sent);
+    if (failure)
+        session.TellWhereItHangs(*failure);
     if (failure && !sent)
-        return session.Close(Fail(options.json, failure->exitCode, failure->text));
+        return session.Close(Fail(options.json, *failure));
     if (options.json)
         PrintJson(session.OutcomeJson(outcome, failure));
     else
         PrintOutcome(outcome);
-    if (failure)
+    if (failure) {
         PrintProblem(failure->text);
+        PrintPlace(failure->place);
+    }
     return session.Close(failure ? failure->exitCode : kExitOk);
 }
 

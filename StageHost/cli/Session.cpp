@@ -13,6 +13,7 @@
 #include "MainWait.h"
 #include "NearNames.h"
 #include "Output.h"
+#include "ScriptPlaces.h"
 #include "ValueCheck.h"
 #include "ValueFactory.h"
 
@@ -22,8 +23,10 @@ namespace {
 
 constexpr std::chrono::milliseconds kModuleCall(5000); // for calls of the contract that run no script of a show
 constexpr std::chrono::milliseconds kStop(3000);       // the module waits 25 ms for a script's own stop function
-constexpr int kLookAtLog = 100;                        // ms
-constexpr std::chrono::milliseconds kEnd(8000);        // for stop and release of one device together
+constexpr std::chrono::milliseconds kStopped(1000);    // for a script that is stopped to say where it was
+constexpr std::chrono::milliseconds kLookForStop(20);
+constexpr int kLookAtLog = 100;                 // ms
+constexpr std::chrono::milliseconds kEnd(8000); // for stop and release of one device together
 
 QString DeviceText(const Device& device, const QString& text) {
     return QStringLiteral("%1: %2").arg(FromBorderText(device.Name()), text);
@@ -71,7 +74,9 @@ QString Complaint(Device& device, const DeviceDefinition& definition, const QStr
 } // namespace
 
 Session::Session(const Options& options)
-    : m_options(options) {}
+    : m_options(options)
+    , m_thrown([this](const QString& device, const QStringList& place) { return UsersPlace(device, place); })
+    , m_screen(options) {}
 
 Session::~Session() {
     Close(kExitOk);
@@ -85,6 +90,13 @@ MaybeFailure Session::Open(const Show& show) {
     settings.dialogs = m_dialogs;
     if (auto failure = PrepareLog(settings))
         return failure;
+    for (const auto& device : show.devices)
+        m_logNames += device.name;
+    for (const QString& name : m_options.logDevices) {
+        if (!m_logNames.contains(name))
+            return NoDevice(name);
+    }
+    m_screen.SetDevices(m_logNames);
     m_host = std::make_unique<Host>(settings, show.objects, show.resources,
                                     [](const std::string& text) { PrintProblem(FromBorderText(text)); });
     for (const auto& variable : show.variables)
@@ -115,15 +127,23 @@ MaybeFailure Session::PrepareLog(HostSettings& settings) {
     const QString problem = WhyNotAppendable(path);
     if (!problem.isEmpty())
         return Failure{kExitBadUse, QStringLiteral("cannot write the log %1: %2").arg(path, problem)};
-    m_follower = std::make_unique<LogFollower>(path, m_logFolder ? LogFollower::Keep::Little : LogFollower::Keep::All,
-                                               [this](const QString& line) {
-                                                   if (m_options.log)
-                                                       PrintProblem(line);
-                                                   m_thrown.Take(line, ThrownTexts::Clock::now());
-                                               });
+    m_follower = std::make_unique<LogFollower>(
+        path, m_logFolder ? LogFollower::Keep::Little : LogFollower::Keep::All,
+        [this](const QString& line) { TakeLine(line); },
+        [this](const QByteArray& line) { return m_screen.LeavesOut(line, LogScreen::Clock::now()); });
     QObject::connect(&m_teller, &QTimer::timeout, &m_teller, [this] { LookAtLog(); });
     m_teller.start(kLookAtLog);
     return PathForBorder(path, settings.log.path);
+}
+
+void Session::TakeLine(const QString& line) {
+    const LogLine read = ReadLogLine(line, m_logNames);
+    m_screen.Show(read, LogScreen::Clock::now());
+    m_thrown.Take(read, ThrownTexts::Clock::now());
+}
+
+QStringList Session::UsersPlace(const QString& device, const QStringList& place) const {
+    return UsersPlaces(m_show, m_show.FindDevice(device), place);
 }
 
 MaybeFailure Session::LoadModule() {
@@ -157,7 +177,6 @@ MaybeFailure Session::MakeDevice(std::size_t index) {
             return failure;
         problem = m_devices.back()->TakeSetup(setup);
     }
-    m_thrown.Add(described.name);
     if (!problem)
         return std::nullopt;
     return Failure{problem->badSetup ? kExitBadUse : kExitNoModule, DeviceText(*m_devices.back(), problem->text)};
@@ -242,9 +261,10 @@ void Session::LookAtLog() {
     const auto now = ThrownTexts::Clock::now();
     m_thrown.Answered(m_host->Commands().TakeFailures(), now);
     m_thrown.Tell(now);
+    m_screen.Tell(now);
 }
 
-QStringList Session::HearThrown(const Device& device, const std::function<void()>& work) {
+std::vector<ThrownText> Session::HearThrown(const Device& device, const std::function<void()>& work) {
     m_thrown.Begin(FromBorderText(device.Name()));
     work();
     m_follower->Look();
@@ -253,31 +273,39 @@ QStringList Session::HearThrown(const Device& device, const std::function<void()
 
 /// One of the texts is what the command itself has thrown: it is the failure that the device shows, or stands for it
 /// where the driver has removed the variable for that. Timers and events have thrown the others.
-void Session::JudgeThrown(const Device& device, QStringList thrown, CommandOutcome& outcome) {
+/// @return where the command's own failure was thrown.
+QStringList Session::JudgeThrown(const Device& device, std::vector<ThrownText> thrown, CommandOutcome& outcome) {
     using Kind = CommandOutcome::Kind;
+    auto own = thrown.end();
     if (outcome.kind == Kind::ScriptFailed) {
         const QString failure = FromBorderText(outcome.error);
-        const auto own = std::find_if(thrown.begin(), thrown.end(),
-                                      [&](const QString& text) { return ThrownTexts::IsOf(text, failure); });
-        if (own != thrown.end())
-            thrown.erase(own);
-    } else if (outcome.kind == Kind::Done && !outcome.answered && device.IsSilent() && !thrown.isEmpty()) {
+        own = std::find_if(thrown.begin(), thrown.end(),
+                           [&](const ThrownText& text) { return ThrownTexts::IsOf(text.text, failure); });
+    } else if (outcome.kind == Kind::Done && !outcome.answered && device.IsSilent() && !thrown.empty()) {
+        own = thrown.begin();
         outcome.kind = Kind::ScriptFailed;
-        outcome.error = ToBorderText(thrown.takeFirst());
+        outcome.error = ToBorderText(own->text);
+    }
+    QStringList place;
+    if (own != thrown.end()) {
+        place = UsersPlace(FromBorderText(device.Name()), own->place);
+        thrown.erase(own);
     }
     const auto now = ThrownTexts::Clock::now();
     m_thrown.TellBeside(FromBorderText(device.Name()), thrown, now);
     if (device.MayHold()) // it will be run once more, and throw the same
         m_thrown.Answered({outcome.error}, now);
+    return place;
 }
 
 MaybeFailure Session::TellThrown() {
     m_follower->Look();
     m_thrown.Answered(m_host->Commands().TakeFailures(), ThrownTexts::Clock::now());
     m_thrown.Tell(ThrownTexts::Clock::time_point::max());
-    if (m_thrown.FirstTold().isEmpty())
+    const ThrownText& first = m_thrown.FirstTold();
+    if (first.text.isEmpty())
         return std::nullopt;
-    return Failure{kExitScriptFailed, m_thrown.FirstTold()};
+    return Failure{kExitScriptFailed, first.text, first.place};
 }
 
 QJsonObject Session::OutcomeJson(const CommandOutcome& outcome, const MaybeFailure& failure) {
@@ -287,13 +315,14 @@ QJsonObject Session::OutcomeJson(const CommandOutcome& outcome, const MaybeFailu
     json.insert(QStringLiteral("ok"), !first);
     json.insert(QStringLiteral("error"), first ? first->text : QString());
     json.insert(QStringLiteral("exitCode"), first ? first->exitCode : kExitOk);
+    AddPlace(json, first ? first->place : QStringList());
     return json;
 }
 
 /// A driver runs from the start on, so what it throws there is told at once.
 MaybeFailure Session::StartDevice(Device& device) {
     bool started = false;
-    const QStringList thrown = HearThrown(device, [&] { started = device.Start(m_options.timeout); });
+    auto thrown = HearThrown(device, [&] { started = device.Start(m_options.timeout); });
     if (!started)
         return Failure{
             kExitNoAnswer,
@@ -301,12 +330,16 @@ MaybeFailure Session::StartDevice(Device& device) {
                                    ? QStringLiteral("interrupted while it starts")
                                    : QStringLiteral("has not started within %1 ms").arg(m_options.timeout.count()))};
     const ShowDevice& described = *m_show.FindDevice(FromBorderText(device.Name()));
-    const QString error = device.IsSilent() ? thrown.value(0) : FromBorderText(device.ErrorText());
+    const QString first = thrown.empty() ? QString() : thrown.front().text;
+    const QString error = device.IsSilent() ? first : FromBorderText(device.ErrorText());
     if (error.isEmpty() || (described.driverFile.isEmpty() && described.setup.isEmpty())) {
         m_thrown.TellBeside(described.name, thrown, ThrownTexts::Clock::now());
         return std::nullopt;
     }
-    return Failure{kExitScriptFailed, DeviceText(device, error)};
+    const auto own = std::find_if(thrown.begin(), thrown.end(),
+                                  [&](const ThrownText& text) { return ThrownTexts::IsOf(text.text, error); });
+    return Failure{kExitScriptFailed, DeviceText(device, error),
+                   own == thrown.end() ? QStringList() : UsersPlace(described.name, own->place)};
 }
 
 MaybeFailure Session::LoadScript(Device& device, const ShowDevice& described) {
@@ -342,12 +375,12 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
     const CommandDefinition* found = definition->FindCommand(ToBorderText(command));
     if (device.MayHold())
         PrintProblem(DeviceText(device, QStringLiteral("waiting until the device gives up the command that failed")));
-    const QStringList thrown = HearThrown(device, [&] { *outcome = device.Send(*found, inputs, m_options.timeout); });
-    JudgeThrown(device, thrown, *outcome);
+    const auto thrown = HearThrown(device, [&] { *outcome = device.Send(*found, inputs, m_options.timeout); });
+    const QStringList place = JudgeThrown(device, thrown, *outcome);
     const int exitCode = ExitCodeOf(*outcome);
     if (exitCode == kExitOk)
         return std::nullopt;
-    return Failure{exitCode, FailureText(*outcome, command, m_options.timeout)};
+    return Failure{exitCode, FailureText(*outcome, command, m_options.timeout), place};
 }
 
 QString Session::WhyNotSent(Device& device, const QString& command, const std::vector<ParameterInput>& inputs) {
@@ -444,16 +477,45 @@ Device* Session::FindDevice(const QString& name) {
     return nullptr;
 }
 
-int Session::Close(int exitCode) {
-    if (!m_host)
-        return exitCode;
-    const int lateCode = exitCode == kExitOk ? kExitNoAnswer : exitCode;
+void Session::EndDevices(int lateCode) {
     m_host->Model().EndTasks();
     for (const auto& device : m_devices) {
         const ExitGuard guard(kEnd, lateCode, "a device does not come back from its release");
         if (!device->Shutdown(kStop))
             LeaveAtOnce(lateCode, "a call into the module does not come back");
     }
+}
+
+/// A script that is stopped writes that into the log as it leaves its thread, shortly after its device is gone.
+void Session::TellWhereItHangs(Failure& failure) {
+    if (!m_host || failure.exitCode != kExitNoAnswer)
+        return;
+    const bool hangs =
+        std::any_of(m_devices.begin(), m_devices.end(), [](const auto& device) { return device->IsBlocked(); });
+    EndDevices(failure.exitCode);
+    const auto told = [&] {
+        m_follower->Look();
+        failure.place = m_thrown.TakeStopped();
+        return !failure.place.isEmpty();
+    };
+    const auto deadline = ThrownTexts::Clock::now() + kStopped;
+    while (hangs && !told() && ThrownTexts::Clock::now() < deadline)
+        MainWait::Until([] { return false; }, kLookForStop);
+}
+
+/// Where scripts were that did not come back as their devices ended, and nobody waited for.
+void Session::TellStopped() {
+    for (QStringList place = m_thrown.TakeStopped(); !place.isEmpty(); place = m_thrown.TakeStopped()) {
+        PrintProblem(place.takeFirst());
+        PrintPlace(place);
+    }
+}
+
+int Session::Close(int exitCode) {
+    if (!m_host)
+        return exitCode;
+    const int lateCode = exitCode == kExitOk ? kExitNoAnswer : exitCode;
+    EndDevices(lateCode);
     m_devices.clear();
     m_peers.End();
     {
@@ -463,6 +525,8 @@ int Session::Close(int exitCode) {
         m_module.reset();
     }
     const auto thrown = TellThrown();
+    TellStopped();
+    m_screen.Tell(LogScreen::Clock::time_point::max());
     m_teller.stop();
     m_host.reset();
     m_follower.reset();

@@ -11,10 +11,12 @@
 
 #include "Device.h"
 #include "DeviceSettings.h"
+#include "Failure.h"
 #include "Host.h"
 #include "HostedModule.h"
 #include "Interrupt.h"
 #include "LogFollower.h"
+#include "LogScreen.h"
 #include "ObjectKinds.h"
 #include "Options.h"
 #include "Peers.h"
@@ -23,14 +25,6 @@
 #include "ThrownTexts.h"
 
 namespace stagehost {
-
-/// What went wrong, with the exit code that it means.
-struct Failure {
-    int exitCode;
-    QString text;
-};
-
-using MaybeFailure = std::optional<Failure>;
 
 /// What is said to somebody who names a device that the show does not have, with those that it has.
 Failure NoDevice(const Show& show, const QString& name);
@@ -120,6 +114,11 @@ public:
     /// @param failure the command's own.
     QJsonObject OutcomeJson(const CommandOutcome& outcome, const MaybeFailure& failure);
 
+    /// Ends the devices of a run that has waited in vain, so that a script which did not come back can tell where it
+    /// was.
+    /// @param failure receives that.
+    void TellWhereItHangs(Failure& failure);
+
     /// Stops and releases the devices, ends the module. When something in the module cannot be ended, the process is
     /// left at once, with the exit code given or, when that is 0, with that of "no answer".
     /// @return the exit code given, or 1 for 0 when scripts have thrown something that nobody waited for.
@@ -132,8 +131,12 @@ private:
     MaybeFailure LoadModule();
     MaybeFailure MakeDevice(std::size_t index);
     /// Does something with a device. @return what its script threw meanwhile.
-    QStringList HearThrown(const Device& device, const std::function<void()>& work);
-    void JudgeThrown(const Device& device, QStringList thrown, CommandOutcome& outcome);
+    std::vector<ThrownText> HearThrown(const Device& device, const std::function<void()>& work);
+    QStringList JudgeThrown(const Device& device, std::vector<ThrownText> thrown, CommandOutcome& outcome);
+    QStringList UsersPlace(const QString& device, const QStringList& place) const;
+    void TakeLine(const QString& line);
+    void EndDevices(int lateCode);
+    void TellStopped();
     void LookAtLog();
     MaybeFailure SetupToGive(const ShowDevice& described, const QString& stored, std::string& setup);
     MaybeFailure FirstSetup(const ShowDevice& described, QString& setup) const;
@@ -144,6 +147,8 @@ private:
     Show m_show;
     std::unique_ptr<QTemporaryDir> m_logFolder; ///< holds the log that nobody wants to keep; null otherwise
     ThrownTexts m_thrown;
+    LogScreen m_screen;
+    QStringList m_logNames;                  ///< the devices whose lines the log may hold
     std::unique_ptr<LogFollower> m_follower; ///< null before Open
     QTimer m_teller;                         ///< prints what scripts throw while nothing else happens
     std::unique_ptr<Host> m_host;

@@ -111,11 +111,11 @@ int ShowDefinition(const Options& options) {
     const bool named = !options.arguments.isEmpty();
     if (named) {
         if (auto failure = ReadShowOrScript(options.arguments.first(), show))
-            return Fail(options.json, failure->exitCode, failure->text);
+            return Fail(options.json, *failure);
     }
     Session session(options);
     if (auto failure = OpenWithScripts(session, show, named))
-        return session.Close(Fail(options.json, failure->exitCode, failure->text));
+        return session.Close(Fail(options.json, *failure));
     QJsonArray devices;
     for (const auto& device : session.Devices()) {
         if (options.json)

@@ -64,12 +64,14 @@ MaybeFailure OpenAndChoose(Session& session, const Options& options, const Show&
 int ShowVariables(const Options& options) {
     Show show;
     if (auto failure = ReadShowOrScript(options.arguments.first(), show))
-        return Fail(options.json, failure->exitCode, failure->text);
+        return Fail(options.json, *failure);
     Session session(options);
     Variables chosen;
-    const auto failure = OpenAndChoose(session, options, show, chosen);
+    auto failure = OpenAndChoose(session, options, show, chosen);
     if (failure)
-        return session.Close(Fail(options.json, failure->exitCode, failure->text));
+        session.TellWhereItHangs(*failure);
+    if (failure)
+        return session.Close(Fail(options.json, *failure));
     PrintVariables(options, chosen);
     return session.Close(kExitOk);
 }

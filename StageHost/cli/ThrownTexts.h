@@ -1,17 +1,28 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <QString>
 #include <QStringList>
 
+#include "LogLine.h"
+
 namespace stagehost {
 
+/// A text that a script has thrown, with what the log tells of its place, a line each.
+struct ThrownText {
+    QString text;
+    QStringList place;
+};
+
 /// What scripts throw and nobody catches, as the log tells it.
+/// The same text from the same place that comes again within a second is counted, and the count is printed.
 ///
 /// What a call throws that somebody waits for is its failure, and is told by whoever made the call. All else, that of
 /// timers and events above all, is printed as it comes, with the device's name in front, and is not forgotten: a run
@@ -20,10 +31,15 @@ class ThrownTexts {
 public:
     using Clock = std::chrono::steady_clock;
 
-    void Add(const QString& device) { m_devices += device; }
+    /// Makes the place of a text that a device has thrown one that the user knows.
+    using UsersPlace = std::function<QStringList(const QString& device, const QStringList& place)>;
+
+    /// @param usersPlace may be empty.
+    explicit ThrownTexts(UsersPlace usersPlace = {})
+        : m_usersPlace(std::move(usersPlace)) {}
 
     /// Looks at a line of the log.
-    void Take(const QString& line, Clock::time_point now);
+    void Take(const LogLine& line, Clock::time_point now);
 
     /// Failures of commands that scripts and tasks have sent to each other: who sent them has been told, and may have
     /// made something of it. So what was thrown there is not printed once more.
@@ -38,13 +54,18 @@ public:
     void Begin(const QString& device);
 
     /// @return what the device has thrown since Begin, the first first.
-    QStringList End();
+    std::vector<ThrownText> End();
 
     /// Prints what was thrown beside a call that is over, unless it is answered for.
-    void TellBeside(const QString& device, const QStringList& texts, Clock::time_point now);
+    void TellBeside(const QString& device, const std::vector<ThrownText>& texts, Clock::time_point now);
 
     /// The first text that was printed, with its device; empty when none was.
-    const QString& FirstTold() const { return m_firstTold; }
+    const ThrownText& FirstTold() const { return m_firstTold; }
+
+    /// Where the script of a device was when it had to be stopped; empty when it was not, or has been told.
+    QStringList TakeStopped(const QString& device);
+    /// The same of any device.
+    QStringList TakeStopped();
 
     /// Whether a text that was thrown is the message that a command has failed with.
     static bool IsOf(const QString& thrown, const QString& failure);
@@ -52,18 +73,25 @@ public:
 private:
     struct Entry {
         QString device;
-        QString text;
+        ThrownText thrown;
         Clock::time_point came;
     };
 
+    void TakeFailure(const LogLine& line, Clock::time_point now);
+    void TakeDetail(const LogLine& line);
+    QStringList TakeStoppedAt(std::vector<Entry>::iterator entry);
     void Print(const Entry& entry);
+    void TellAgain();
 
-    QStringList m_devices;
+    const UsersPlace m_usersPlace;
     QString m_awaited; ///< empty when nobody waits
-    QStringList m_kept;
+    std::vector<Entry> m_kept;
+    std::vector<Entry> m_stopped;
     std::vector<Entry> m_waiting; ///< those that may still be answered for
     std::vector<std::pair<QString, Clock::time_point>> m_answers;
-    QString m_firstTold;
+    ThrownText m_firstTold;
+    Entry m_lastTold;
+    int m_again = 0; ///< how often that came again since it was printed
 };
 
 } // namespace stagehost

@@ -16,16 +16,23 @@ namespace {
 
 constexpr std::chrono::milliseconds kLook(100); // for Ctrl-C, which wakes nobody
 
+QJsonObject AnswerJson(const QString& line, const LineOutcome& outcome) {
+    QJsonObject answer{{QStringLiteral("line"), line},
+                       {QStringLiteral("ok"), outcome.exitCode == kExitOk},
+                       {QStringLiteral("answer"), outcome.text},
+                       {QStringLiteral("exitCode"), outcome.exitCode}};
+    AddPlace(answer, outcome.place);
+    return answer;
+}
+
 /// Answers to the user's lines: plain, or as lines of JSON among those of the changes.
 void PrintAnswer(bool json, const QString& line, const LineOutcome& outcome) {
     if (json)
-        return PrintJsonLine({{QStringLiteral("line"), line},
-                              {QStringLiteral("ok"), outcome.exitCode == kExitOk},
-                              {QStringLiteral("answer"), outcome.text},
-                              {QStringLiteral("exitCode"), outcome.exitCode}});
-    if (outcome.exitCode != kExitOk)
+        return PrintJsonLine(AnswerJson(line, outcome));
+    if (outcome.exitCode != kExitOk) {
         PrintProblem(outcome.text);
-    else if (!outcome.text.isEmpty())
+        PrintPlace(outcome.place);
+    } else if (!outcome.text.isEmpty())
         PrintLine(outcome.text);
 }
 
@@ -73,12 +80,14 @@ int Watch(Session& session, const Show& show, bool json, const QStringList& name
 int WatchShow(const Options& options) {
     Show show;
     if (auto failure = ReadShowOrScript(options.arguments.first(), show))
-        return Fail(options.json, failure->exitCode, failure->text);
+        return Fail(options.json, *failure);
     const QStringList names = options.arguments.mid(1);
     Session session(options);
-    const auto failure = Open(session, show, names);
+    auto failure = Open(session, show, names);
     if (failure)
-        return session.Close(Fail(options.json, failure->exitCode, failure->text));
+        session.TellWhereItHangs(*failure);
+    if (failure)
+        return session.Close(Fail(options.json, *failure));
     return session.Close(Watch(session, show, options.json, names));
 }
 

@@ -100,6 +100,7 @@ public:
     std::shared_ptr<HostValue> Status() const { return m_variables->FindState("Status"); }
     std::string ErrorText() const;
     /// Whether the device shows failures of its script in no variable.
+    bool IsBlocked() const { return m_blocked; } ///< a call into the device has not come back in time
     bool IsSilent() const { return m_variables->FindState("Error") == nullptr; }
 
     /// Asks the device for its definition and takes it over if it has changed.

@@ -202,10 +202,12 @@ TEST_F(CommandLine, CheckTellsTheErrorWithItsLineAndEndsAnEndlessScript) {
     const QString bad = host.File(Text("bad.js"), "var a;\nvar b = ;\n");
     host.Run(List({"check"}) + QStringList{bad});
     EXPECT_EQ(host.ExitCode(), 1);
-    EXPECT_EQ(host.Output(), bad + Text(":2: SyntaxError: Parse error\n"));
-    const QString loop = host.File(Text("loop.js"), "while (true) {}");
+    EXPECT_EQ(host.Output(), bad + Text(":2:9: SyntaxError: unexpected \";\"\n    | var b = ;\n    |         ^\n"));
+    const QString loop = host.File(Text("loop.js"), "var n = 0;\nwhile (true) { ++n; }");
     host.Run(List({"check", "--timeout", "300"}) + QStringList{loop});
     Fails(3, "no answer within 300 ms");
+    EXPECT_TRUE(host.Errors().contains(loop + Text(":2: stopped in the top level, which did not come back\n")))
+        << host.Errors().toStdString();
     EXPECT_LT(host.Milliseconds(), kSoon);
 }
 

@@ -44,6 +44,9 @@ protected:
         EXPECT_EQ(host.ExitCode(), code) << host.Output().toStdString() << host.Errors().toStdString();
     }
 
+    void ThenErrorsBegin(const char* text) {
+        EXPECT_TRUE(host.Errors().startsWith(Text(text))) << host.Errors().toStdString();
+    }
     void ThenErrorsHave(const char* text) {
         EXPECT_TRUE(host.Errors().contains(Text(text))) << host.Errors().toStdString();
     }
@@ -312,7 +315,8 @@ TEST_F(ShowWithADriver, TellsWhatIsThrownThoughTheDriverHasRemovedTheVariableFor
     GivenShow();
     Run("send", {Text("desk"), Text("Boom")});
     ThenExitCodeIs(1);
-    EXPECT_EQ(host.Errors(), Text("Uncaught Exception - line:2, message: boom\n"));
+    ThenErrorsBegin("Uncaught Exception - line:2, message: boom\n    ");
+    ThenErrorsHave("dimmer.js:2:30: Error: boom\n    | Boom: function () { throw new Error('boom'); }, ");
     host.SetInput("send desk Boom\nsend desk Fine\n");
     Run("watch", {Text("desk")});
     ThenExitCodeIs(1);
@@ -349,7 +353,8 @@ TEST_F(ShowWithADriver, TellsWhatATimerThrowsAsItComesAndEndsWithOne) {
         R"(, "steps": [{ "device": "desk", "command": "Later" }, { "wait": { "variable": "desk.Level", "value": "1" } }])");
     Run("run");
     ThenExitCodeIs(1);
-    EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:4, message: late\n"));
+    ThenErrorsBegin("desk: Uncaught Exception - line:4, message: late\n    ");
+    ThenErrorsHave("dimmer.js:4:");
     Run("run", {Text("--json")});
     ThenExitCodeIs(1);
     EXPECT_FALSE(host.Json().value(Text("ok")).toBool(true));
@@ -365,7 +370,8 @@ TEST_F(ShowWithADriver, ALateAnswerKeepsItsResultWhenATimerThrowsMeanwhile) {
     EXPECT_EQ(host.Json().value(Text("error")).toString(), Text("desk: Uncaught Exception - line:6, message: other"));
     EXPECT_EQ(host.Json().value(Text("outcome")).toString(), Text("done"));
     EXPECT_EQ(host.Json().value(Text("result")).toString(), Text("good"));
-    EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:6, message: other\n"));
+    ThenErrorsBegin("desk: Uncaught Exception - line:6, message: other\n    ");
+    EXPECT_EQ(host.Json().value(Text("where")).toObject().value(Text("line")).toInt(), 6);
     ThenExitCodeIs(1);
 }
 
@@ -397,7 +403,7 @@ TEST_F(ShowWithADriver, TakesAVariableOfTheDriverForNoFailure) {
         "({ Info: { Options: { RemoveDefaultCommandsAndVariables: true } }, _mStart: function () { throw 5; } })");
     Run("variables");
     ThenExitCodeIs(1);
-    EXPECT_EQ(host.Errors(), Text("desk: Uncaught Exception - line:1, message: 5\n"));
+    ThenErrorsBegin("desk: Uncaught Exception - line:1, message: 5\n    ");
 }
 
 TEST_F(ShowWithADriver, TellsAMalformedSetupWithItsPlaceAndGoesOn) {
@@ -443,18 +449,19 @@ TEST_F(ShowWithADriver, TellsAMistakeInTheDriverAndLeavesTheShowAsItIs) {
     GivenDriver("\nvar a = ;");
     Run("setup");
     ThenExitCodeIs(1);
-    ThenErrorsHave("dimmer.js:2: SyntaxError: Parse error");
+    ThenErrorsHave("dimmer.js:2:9: SyntaxError: unexpected \";\"\n    | var a = ;\n    |         ^\n");
     EXPECT_EQ(ShowText(), before);
     Run("send", {Text("desk"), Text("Fade to"), Text("level=1")});
     ThenExitCodeIs(0);
     GivenShow();
     Run("variables");
     ThenExitCodeIs(1);
-    ThenErrorsHave("dimmer.js:2: SyntaxError: Parse error");
+    ThenErrorsHave("dimmer.js:2:9: SyntaxError: unexpected \";\"\n    | var a = ;\n    |         ^\n");
     GivenDriver("({ _mStart: function () { throw new Error('no power'); } })");
     Run("variables");
     ThenExitCodeIs(1);
-    EXPECT_EQ(host.Errors(), Text("desk: Script: no power\n"));
+    ThenErrorsBegin("desk: Script: no power\n    ");
+    ThenErrorsHave("dimmer.js:1:27: Error: no power\n");
 }
 
 TEST_F(ShowWithADriver, StaysAsItIsWhenWhatIsAskedForIsRefused) {

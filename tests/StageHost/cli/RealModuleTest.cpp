@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
+#include <QRegularExpression>
 
 #include "StageHostProcess.h"
 
@@ -28,8 +29,9 @@ protected:
         EXPECT_EQ(host.ExitCode(), 0);
     }
 
+    /// The script stands in the text as "script.js".
     void ThenFails(int exitCode, const char* error) {
-        EXPECT_EQ(host.Errors().toStdString(), std::string(error) + "\n");
+        EXPECT_EQ(host.Errors().replace(script, Text("script.js")).toStdString(), std::string(error) + "\n");
         EXPECT_EQ(host.Output().toStdString(), "");
         EXPECT_EQ(host.ExitCode(), exitCode);
     }
@@ -71,7 +73,130 @@ TEST_F(ScriptAtTheDesk, WorksWithEveryLink) {
 TEST_F(ScriptAtTheDesk, TellsWhatAFunctionThrows) {
     GivenScript("({ boom: function () { throw new Error('bad thing'); } })");
     Exec({Text("boom")});
-    ThenFails(1, "Script: bad thing");
+    ThenFails(1, "Script: bad thing\n"
+                 "    script.js:1:24: Error: bad thing\n"
+                 "    | ({ boom: function () { throw new Error('bad thing'); } })\n"
+                 "    |                        ^\n"
+                 "    at boom (script.js:1)");
+}
+
+TEST_F(ScriptAtTheDesk, TellsProgramsWhereSomethingWasThrown) {
+    GivenScript("function half(x) {\n  return x / two;\n}\n({ Fade: function (level) {\n  return half(level);\n} })");
+    Exec({Text("Fade"), Text("4")}, {Text("--json")});
+    EXPECT_EQ(host.Json().value(Text("error")).toString(), Text("Script: Can't find variable: two"));
+    const QJsonObject where = host.Json().value(Text("where")).toObject();
+    EXPECT_EQ(where.value(Text("file")).toString(), script);
+    EXPECT_EQ(where.value(Text("line")).toInt(), 2);
+    EXPECT_EQ(where.value(Text("column")).toInt(), 14);
+    EXPECT_EQ(where.value(Text("source")).toString(), Text("return x / two;"));
+    const QJsonArray calls = where.value(Text("calls")).toArray();
+    ASSERT_EQ(calls.size(), 2);
+    EXPECT_EQ(calls.at(0).toObject().value(Text("function")).toString(), Text("half"));
+    EXPECT_EQ(calls.at(1).toObject().value(Text("function")).toString(), Text("Fade"));
+    EXPECT_EQ(calls.at(1).toObject().value(Text("line")).toInt(), 5);
+}
+
+TEST_F(ScriptAtTheDesk, TellsAStepAndALineOfTheUserWhereItsScriptFailed) {
+    GivenScript("({ boom: function () {\n  throw new Error('bad thing');\n} })");
+    const QString show = host.File(Text("show.json"), R"({"devices":[{"name":"desk","driver":"script.js"}],
+        "steps":[{"device":"desk","command":"boom"}]})");
+    const QString place = Text("\n    ") + script +
+                          Text(":2:3: Error: bad thing\n    | throw new Error('bad thing');\n    | ^\n    at boom (");
+    host.Run({Text("run"), show});
+    EXPECT_EQ(host.ExitCode(), 1);
+    EXPECT_TRUE(host.Errors().contains(Text("Script: bad thing") + place)) << host.Errors().toStdString();
+    host.Run({Text("run"), Text("--json"), show});
+    EXPECT_EQ(host.Json().value(Text("where")).toObject().value(Text("line")).toInt(), 2);
+    host.SetInput("send desk boom");
+    host.Run({Text("watch"), show});
+    EXPECT_TRUE(host.Errors().contains(Text("Script: bad thing") + place)) << host.Errors().toStdString();
+}
+
+TEST_F(ScriptAtTheDesk, SaysWhichEditionTheEngineSpeaks) {
+    GivenScript("({ f: function () {\n  let x = 1;\n} })");
+    Exec({Text("f")});
+    ThenFails(1, "Script: Uncaught exception at line 2, SyntaxError: Parse error\n"
+                 "    script.js:2:7: SyntaxError: expected \";\" before \"x\"\n"
+                 "    | let x = 1;\n"
+                 "    |     ^\n"
+                 "    note: this engine speaks ECMAScript 5.1, which has no \"let\": write \"var\"");
+}
+
+TEST_F(ScriptAtTheDesk, ShowsWhatAScriptTracesAndPrints) {
+    GivenScript(
+        "({ f: function () { QCalverin.TraceMessage('lamps are on', 'INFO'); print('level', 5);\n"
+        "   QCalverin.TraceMessage('small', 'DEBUG'); QCalverin.TraceMessage('grave', 'ERROR'); return 1; } })");
+    const auto withoutTimes = [&] {
+        return host.Errors()
+            .replace(QRegularExpression(Text("\\d\\d:\\d\\d:\\d\\d\\.\\d{3}")), Text("TIME"))
+            .toStdString();
+    };
+    Exec({Text("f")});
+    EXPECT_EQ(host.Output(), Text("1\n"));
+    EXPECT_EQ(withoutTimes(), "TIME  script  INFO     lamps are on\nTIME  script  NORMAL   level 5\n"
+                              "TIME  script  DEBUG    small\nTIME  script  ERROR    grave\n");
+    Exec({Text("f")}, {Text("--log-level"), Text("Normal")});
+    EXPECT_EQ(withoutTimes(), "TIME  script  NORMAL   level 5\nTIME  script  ERROR    grave\n");
+    Exec({Text("f")}, {Text("--log-level"), Text("fatal")});
+    EXPECT_EQ(withoutTimes(), "");
+    Exec({Text("f")}, {Text("--log-level"), Text("inof")});
+    EXPECT_TRUE(host.Errors().startsWith(Text("there is no level \"inof\"; did you mean \"info\"?")))
+        << host.Errors().toStdString();
+    Exec({Text("f")}, {Text("--log=scirpt")});
+    EXPECT_EQ(host.Errors(), Text("the show has no device \"scirpt\"; did you mean \"script\"?\n"));
+}
+
+TEST_F(ScriptAtTheDesk, ShowsTheLogOfOneDeviceAlone) {
+    GivenScript("({ _mStart: function () { print('here'); } })");
+    const QString show = host.File(
+        Text("show.json"), R"({"devices":[{"name":"a","driver":"script.js"},{"name":"bb","driver":"script.js"}]})");
+    host.Run({Text("run"), Text("--log=bb"), show});
+    EXPECT_TRUE(host.Errors().contains(Text("  bb  COMMAND  LoadScriptFromText [post]: ")))
+        << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().contains(Text("  bb  NORMAL   here\n")));
+    EXPECT_FALSE(host.Errors().contains(Text("  a   ")));
+    host.Run({Text("run"), show});
+    EXPECT_TRUE(host.Errors().contains(Text("  a   NORMAL   here\n")));
+    EXPECT_FALSE(host.Errors().contains(Text("COMMAND")));
+}
+
+TEST_F(ScriptAtTheDesk, FoldsALineThatIsTracedAgainAndAgainAndLosesNone) {
+    GivenScript("({ f: function () { for (var i = 0; i < 5000; ++i) print('again'); print('end'); return 1; } })");
+    const QString log = host.Folder() + Text("/device.log");
+    Exec({Text("f")}, {Text("--log-file"), log});
+    EXPECT_EQ(host.Errors().count(Text("NORMAL   again\n")), 1);
+    EXPECT_TRUE(host.Errors().endsWith(Text("NORMAL   end\n"))) << host.Errors().toStdString();
+    int again = 0;
+    QRegularExpression count(Text("\\.\\.\\. (\\d+) times more"));
+    for (auto match = count.globalMatch(host.Errors()); match.hasNext();)
+        again += match.next().captured(1).toInt();
+    EXPECT_EQ(again, 4999);
+    EXPECT_LT(QFileInfo(log).size(), 10000);
+}
+
+TEST_F(ScriptAtTheDesk, LeavesOutOfAFloodOfLinesWhatNobodyCanReadAndSaysSo) {
+    GivenScript(
+        "({ f: function () { for (var i = 0; i < 20000; ++i) print('line ' + i); throw new Error('seen'); } })");
+    const QString log = host.Folder() + Text("/device.log");
+    Exec({Text("f")}, {Text("--log-file"), log});
+    EXPECT_EQ(host.ExitCode(), 1);
+    EXPECT_TRUE(host.Errors().contains(Text("Script: seen\n    "))) << "what fails is told however much is traced";
+    EXPECT_TRUE(
+        host.Errors().contains(Text(" lines left out: more than 1000 came in a second (--log-file keeps all)\n")));
+    QFile file(log);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains("] line 19999\n"));
+}
+
+TEST_F(ScriptAtTheDesk, ShowsWhatIsTracedWhileADeviceStopsAfterCtrlC) {
+    GivenScript("({ _mStop: function () { for (var i = 0; i < 9; ++i) print('bye'); } })");
+    const QString show = host.File(Text("show.json"), R"({"devices":[{"name":"desk","driver":"script.js"}]})");
+    host.Begin({Text("watch"), show});
+    EXPECT_TRUE(host.WaitForErrors("runs. \"help\" tells"));
+    host.Interrupt();
+    host.Finish();
+    EXPECT_TRUE(host.Errors().contains(Text("  desk  NORMAL   bye\n"))) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().endsWith(Text("  desk  NORMAL   ... 8 times more\n"))) << host.Errors().toStdString();
 }
 
 TEST_F(ScriptAtTheDesk, TellsProgramsWhatATimerThrewBesideAResult) {
@@ -97,17 +222,22 @@ TEST_F(ScriptAtTheDesk, TellsAMissingFunction) {
 TEST_F(ScriptAtTheDesk, TellsAMistakeInTheScriptWithoutWaitingForTheDevice) {
     GivenScript("var a = 1;\nvar b = ;\n");
     Exec({Text("f")});
-    ThenFails(1, "Script: Uncaught exception at line 2, SyntaxError: Parse error");
+    ThenFails(1, "Script: Uncaught exception at line 2, SyntaxError: Parse error\n"
+                 "    script.js:2:9: SyntaxError: unexpected \";\"\n"
+                 "    | var b = ;\n"
+                 "    |         ^");
     EXPECT_LT(host.Milliseconds(), kSoon);
     host.Run({Text("check"), script});
-    EXPECT_EQ(host.Output(), script + Text(":2: SyntaxError: Parse error\n"));
+    EXPECT_EQ(host.Output(), script + Text(":2:9: SyntaxError: unexpected \";\"\n    | var b = ;\n    |         ^\n"));
     EXPECT_EQ(host.ExitCode(), 1);
 }
 
 TEST_F(ScriptAtTheDesk, ChecksAScriptThatThrowsAtItsTopLevel) {
     GivenScript("\n\nthrow new Error('at top');");
     host.Run({Text("check"), script});
-    EXPECT_EQ(host.Output(), script + Text(":3: Error: at top\n"));
+    EXPECT_EQ(host.Output(),
+              script + Text(":3:1: Error: at top\n    | throw new Error('at top');\n    | ^\n    at the top level (") +
+                  script + Text(":3)\n"));
     GivenScript("({})");
     host.Run({Text("check"), script});
     EXPECT_TRUE(host.Output().startsWith(script + Text(": ok\n"))) << host.Output().toStdString();
@@ -117,14 +247,35 @@ TEST_F(ScriptAtTheDesk, ChecksAScriptThatThrowsAtItsTopLevel) {
 TEST_F(ScriptAtTheDesk, IsNotHeldUpByAFunctionThatNeverReturns) {
     GivenScript("({ hang: function () { while (true) {} } })");
     Exec({Text("hang")}, {Text("--timeout"), Text("500")});
-    ThenFails(3, "no answer to \"Execute Function With Params\" within 500 ms");
+    ThenFails(3, "no answer to \"Execute Function With Params\" within 500 ms\n"
+                 "    script.js:1: script stopped in hang, which did not come back\n"
+                 "    | ({ hang: function () { while (true) {} } })\n"
+                 "    | ^\n"
+                 "    at hang (script.js:1)");
     EXPECT_LT(host.Milliseconds(), kSoon);
+    Exec({Text("hang")}, {Text("--timeout"), Text("500"), Text("--json")});
+    EXPECT_EQ(host.Json().value(Text("where")).toObject().value(Text("line")).toInt(), 1);
+}
+
+TEST_F(ScriptAtTheDesk, TellsAtTheEndOfAWatchedShowWhichDeviceHung) {
+    GivenScript("({ hang: function () {\n  while (true) {}\n} })");
+    const QString show = host.File(Text("show.json"), R"({"devices":[{"name":"desk","driver":"script.js"}]})");
+    host.SetInput("send desk hang\nlist\n");
+    host.Run({Text("watch"), Text("--timeout"), Text("500"), show});
+    EXPECT_EQ(host.ExitCode(), 3);
+    EXPECT_TRUE(host.Errors().contains(
+        script + Text(":2: desk stopped in hang, which did not come back\n    | while (true) {}\n")))
+        << host.Errors().toStdString();
 }
 
 TEST_F(ScriptAtTheDesk, IsNotHeldUpByATopLevelThatNeverEnds) {
     GivenScript("while (true) {}");
     Exec({Text("f")}, {Text("--timeout"), Text("500")});
-    ThenFails(3, "no answer to \"Load From File\" within 500 ms");
+    ThenFails(3, "no answer to \"Load From File\" within 500 ms\n"
+                 "    script.js:1: script stopped in the top level, which did not come back\n"
+                 "    | while (true) {}\n"
+                 "    | ^\n"
+                 "    at the top level (script.js:1)");
     EXPECT_LT(host.Milliseconds(), kSoon);
     host.Run({Text("check"), Text("--timeout"), Text("500"), script});
     EXPECT_EQ(host.ExitCode(), 3);
@@ -133,7 +284,10 @@ TEST_F(ScriptAtTheDesk, IsNotHeldUpByATopLevelThatNeverEnds) {
 TEST_F(ScriptAtTheDesk, EndsThoughTheStopFunctionNeverReturns) {
     GivenScript("({ f: function () { return 1; }, _mStop: function () { while (true) {} } })");
     Exec({Text("f")});
-    ThenResultIs("1");
+    EXPECT_EQ(host.Output(), Text("1\n"));
+    EXPECT_EQ(host.ExitCode(), 0);
+    EXPECT_TRUE(host.Errors().startsWith(script + Text(":1: script stopped in _mStop, which did not come back\n")))
+        << host.Errors().toStdString();
     EXPECT_LT(host.Milliseconds(), kSoon);
 }
 
@@ -156,9 +310,9 @@ TEST_F(ScriptAtTheDesk, ShowsTheLogOfTheDevice) {
     GivenScript("({ f: function () { return 1; } })");
     Exec({Text("f")}, {Text("--log")});
     EXPECT_EQ(host.Output().toStdString(), "1\n");
-    EXPECT_TRUE(host.Errors().contains(Text("kxpCalverinScript [script] LoadScriptFromFile [post]: ")))
+    EXPECT_TRUE(host.Errors().contains(Text("  script  COMMAND  LoadScriptFromFile [post]: ")))
         << host.Errors().toStdString();
-    EXPECT_TRUE(host.Errors().contains(Text("kxpCalverinScript [script] LoadScriptFromFile [executed]: ")));
+    EXPECT_TRUE(host.Errors().contains(Text("  script  COMMAND  LoadScriptFromFile [executed]: ")));
     EXPECT_TRUE(host.Errors().contains(Text("ExecuteScriptFunctionWithParams [executed]: f, ")));
 }
 
