@@ -102,15 +102,21 @@ FunctionNames::FunctionNames(const QString& text) {
         line += text.midRef(counted, found.start - counted).count(QLatin1Char('\n'));
         counted = found.start;
         const int lines = text.midRef(found.start, found.end - found.start).count(QLatin1Char('\n'));
-        m_functions.push_back({found.name, line, line + lines});
+        m_functions.push_back({found.name, found.start, found.end, line, line + lines});
     }
 }
 
-QString FunctionNames::OnLine(int line) const {
-    QString name;
+QString FunctionNames::OnLine(int line, int offset) const {
+    const Range* innermost = nullptr;
+    int beginHere = 0;
     for (const Range& function : m_functions) {
-        if (function.firstLine <= line && line <= function.lastLine)
-            name = function.name;
+        const bool holds = offset >= 0 ? function.start <= offset && offset < function.end
+                                       : function.firstLine <= line && line <= function.lastLine;
+        if (!holds)
+            continue;
+        innermost = &function;
+        beginHere += function.firstLine == line ? 1 : 0;
     }
-    return name;
+    const bool isClear = innermost != nullptr && (offset >= 0 || beginHere < 2);
+    return isClear ? innermost->name : QString();
 }

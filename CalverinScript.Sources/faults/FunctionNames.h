@@ -17,12 +17,15 @@ public:
     explicit FunctionNames(const QString& text);
 
     /// The function that a line belongs to, the innermost one of several. Empty outside of functions, and for a
-    /// function without any name.
-    QString OnLine(int line) const;
+    /// function without any name, and where several functions begin on the line and nothing tells them apart.
+    /// @param offset in the text, on that line; -1 when it is not known.
+    QString OnLine(int line, int offset = -1) const;
 
 private:
     struct Range {
         QString name;
+        int start; ///< offsets in the text
+        int end;
         int firstLine;
         int lastLine;
     };

@@ -54,7 +54,8 @@ void FaultReader::Prepare(const QString& text) {
 }
 
 /// The engine's lines are "name(arguments) at LINE", where arguments may be anything.
-std::vector<FaultFrame> FaultReader::StackOf(const QScriptEngine& engine) const {
+/// @param offset of the fault; -1 when it is not known.
+std::vector<FaultFrame> FaultReader::StackOf(const QScriptEngine& engine, int offset) const {
     std::vector<FaultFrame> stack;
     const QStringList entries =
         engine.hasUncaughtException() ? engine.uncaughtExceptionBacktrace() : engine.currentContext()->backtrace();
@@ -63,10 +64,11 @@ std::vector<FaultFrame> FaultReader::StackOf(const QScriptEngine& engine) const 
         if (line <= 0)
             continue;
         const QString name = entry.section(QLatin1Char('('), 0, 0);
+        const bool isInnermost = stack.empty() && offset >= 0 && LineOf(m_text, offset) == line;
         const bool isNamed = !name.startsWith(QLatin1Char('<'));
         stack.push_back({isNamed                            ? name
                          : name == QLatin1String(kTopLevel) ? QStringLiteral("the top level")
-                                                            : m_names.OnLine(line),
+                                                            : m_names.OnLine(line, isInnermost ? offset : -1),
                          line});
     }
     return stack;
@@ -92,7 +94,7 @@ ScriptFault FaultReader::Read(const QScriptEngine& engine, const QScriptValue& e
     Prepare(text);
     ScriptFault fault;
     fault.what = WhatOf(exception);
-    fault.stack = StackOf(engine);
+    fault.stack = StackOf(engine, OffsetOf(exception));
     const int line = engine.hasUncaughtException() ? engine.uncaughtExceptionLineNumber()
                                                    : exception.property(QStringLiteral("lineNumber")).toInt32();
     if (IsOfTheScript(exception, fault.stack)) {
@@ -114,7 +116,7 @@ ScriptFault FaultReader::Read(const QScriptEngine& engine, const QScriptValue& e
 ScriptFault FaultReader::ReadStopped(const QScriptEngine& engine, const QString& text) {
     Prepare(text);
     ScriptFault fault;
-    fault.stack = StackOf(engine);
+    fault.stack = StackOf(engine, -1);
     Point(fault, engine.uncaughtExceptionLineNumber(), -1);
     const QString function = fault.stack.empty() ? m_names.OnLine(fault.line) : fault.stack.front().function;
     fault.what = function.isEmpty() ? QStringLiteral("stopped here, since the script did not come back")

@@ -41,7 +41,7 @@ public:
 
 private:
     void Prepare(const QString& text);
-    std::vector<FaultFrame> StackOf(const QScriptEngine& engine) const;
+    std::vector<FaultFrame> StackOf(const QScriptEngine& engine, int offset) const;
     void Point(ScriptFault& fault, int line, int offset) const;
 
     QString m_text;

@@ -119,7 +119,8 @@ MaybeFailure StepPlayer::Compare(const ShowStep& step, const CommandOutcome& out
         return Failure{kExitScriptFailed,
                        expectedError.isEmpty()
                            ? error
-                           : QStringLiteral("expected the error \"%1\", not \"%2\"").arg(expectedError, error)};
+                           : QStringLiteral("expected the error \"%1\", not \"%2\"").arg(expectedError, error),
+                       failure ? failure->place : QStringList()};
     const QString result = FromBorderText(outcome.result);
     if (step.expectedResult && *step.expectedResult != result)
         return Failure{kExitScriptFailed,

@@ -193,7 +193,8 @@ TEST_F(CheckProgram, EndsInTheStatedCodes) {
     EXPECT_TRUE(output.contains("4  f")) << output.toStdString();
     Run({File("throw 'text'")});
     EXPECT_EQ(exitCode, 1);
-    EXPECT_TRUE(output.endsWith("a.js:1: text\n")) << output.toStdString();
+    EXPECT_TRUE(output.contains("a.js:1: text\n    | throw 'text'\n    | ^\n    at the top level ("))
+        << output.toStdString();
     for (const QStringList& bad :
          {QStringList(), QStringList{folder.path()}, QStringList{Text("nowhere.js")},
           QStringList{Text("--wrong"), File("")}, QStringList{Text("--timeout"), Text("0"), File("")},
@@ -235,7 +236,7 @@ TEST_F(CheckProgram, GivesJsonForFailuresToo) {
     EXPECT_EQ(Json().value(Text("error")).toObject().value(Text("line")).toInt(), 2);
     Run({Text("--json"), Text("--timeout"), Text("300"), File("while (true) {}")});
     EXPECT_EQ(exitCode, 3);
-    EXPECT_EQ(Json().value(Text("error")).toObject().value(Text("line")).toInt(-1), 0);
+    EXPECT_EQ(Json().value(Text("error")).toObject().value(Text("line")).toInt(-1), 1);
     Run({Text("--json"), Text("nowhere.js")});
     EXPECT_EQ(exitCode, 2);
     EXPECT_FALSE(Json().value(Text("error")).isNull());

@@ -33,6 +33,15 @@ TEST(FunctionNames, OfAnArgumentIsThatOfTheCall) {
     EXPECT_EQ(NamesOf("(function () {\n})();"), "-|-");
 }
 
+TEST(FunctionNames, OfOneLineAreToldApartByThePlaceAlone) {
+    const QString text = QStringLiteral("({ a: function () { 1; }, b: function () { 2; } })");
+    const FunctionNames names(text);
+    EXPECT_EQ(names.OnLine(1), QString());
+    EXPECT_EQ(names.OnLine(1, text.indexOf(QLatin1Char('1'))), QStringLiteral("a"));
+    EXPECT_EQ(names.OnLine(1, text.indexOf(QLatin1Char('2'))), QStringLiteral("b"));
+    EXPECT_EQ(names.OnLine(1, 0), QString());
+}
+
 TEST(FunctionNames, AreNotMistakenByBracketsInTextsCommentsAndPatterns) {
     EXPECT_EQ(
         NamesOf(

@@ -486,9 +486,8 @@ TEST_F(CommandLine, TellsWhatWasProbablyMeantAndWhatThereIs) {
     };
     const QString show = host.File(Text("show.json"), R"({"devices":[{"name":"desk"}], "tasks":[{"name":"Overture"}],
         "variables":[{"name":"Level"},{"name":"Doors"}], "cues":[{"name":"Go on"}]})");
-    EXPECT_EQ(
-        saysTo(List({"wacth", "x"})).find("there is no command \"wacth\"; did you mean \"watch\"? There are: run, "),
-        0U);
+    EXPECT_EQ(saysTo(List({"wacth", "x"})).find("there is no command \"wacth\"; did you mean \"watch\"? There are: "),
+              0U);
     EXPECT_EQ(saysTo(List({"run", "--jsno", "x"}))
                   .find("there is no option \"--jsno\"; did you mean \"--json\"? There are: "),
               0U);

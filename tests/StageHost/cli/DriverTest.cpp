@@ -316,7 +316,7 @@ TEST_F(ShowWithADriver, TellsWhatIsThrownThoughTheDriverHasRemovedTheVariableFor
     Run("send", {Text("desk"), Text("Boom")});
     ThenExitCodeIs(1);
     ThenErrorsBegin("Uncaught Exception - line:2, message: boom\n    ");
-    ThenErrorsHave("dimmer.js:2:30: Error: boom\n    | Boom: function () { throw new Error('boom'); }, ");
+    ThenErrorsHave("dimmer.js:2:24: Error: boom\n    | Boom: function () { throw new Error('boom'); }, ");
     host.SetInput("send desk Boom\nsend desk Fine\n");
     Run("watch", {Text("desk")});
     ThenExitCodeIs(1);
