@@ -25,7 +25,7 @@ struct Request {
 
 const QString kDeclarations = QStringLiteral("declarations");
 /// What a script has beyond its time to be stopped: only one in a long computation of the engine itself needs it.
-constexpr std::chrono::milliseconds kStopTime(1000);
+constexpr std::chrono::milliseconds kStopTime(2500);
 
 bool Write(FILE* stream, const QString& text) {
     const QByteArray bytes = text.toUtf8();
@@ -58,11 +58,11 @@ QString Verdict(int exitCode, const ScriptReport& report) {
 /// What is wrong, a line each; what belongs to the first is indented.
 QString ProblemText(const Request& request, const ScriptProblem& problem) {
     QStringList lines = problem.fault.what.isEmpty() ? QStringList() : LinesOf(problem.fault, request.file);
-    if (problem.isLate || lines.isEmpty())
-        lines.prepend(
-            request.file +
-            (problem.line > 0 && lines.isEmpty() ? QLatin1Char(':') + QString::number(problem.line) : QString()) +
-            QStringLiteral(": ") + problem.text);
+    const QString file = problem.file.isEmpty() ? request.file : problem.file;
+    if (lines.isEmpty() && problem.line > 0)
+        lines += QStringLiteral("%1:%2: %3").arg(file).arg(problem.line).arg(problem.text);
+    else if (lines.isEmpty() || problem.isLate)
+        lines.prepend(file + QStringLiteral(": ") + problem.text);
     return lines.join(QStringLiteral("\n    ")) + QLatin1Char('\n');
 }
 

@@ -21,11 +21,29 @@
 #include "ScriptEvaluation.h"
 #include "ScriptFault.h"
 #include "ScriptGlobals.h"
+#include "ScriptPlace.h"
 #include "StoppableLoop.h"
 
 namespace {
 
 constexpr int kEngineEventIntervalMs = 10; ///< how often a running engine looks at its thread's events
+
+/// Gives the places of a fault the files that the script was put together of.
+void PutIntoParts(ScriptFault& fault, const QString& text) {
+    if (!text.contains(QLatin1String(KXP_SCRIPT_PART)))
+        return;
+    const std::string script = text.toStdString();
+    const auto put = [&script](QString& file, int& line) {
+        const KXPScriptPlace place = KXPPlaceInScript(script, line);
+        if (line > 0 && !place.file.empty()) {
+            file = QString::fromStdString(place.file);
+            line = place.line;
+        }
+    };
+    put(fault.file, fault.line);
+    for (FaultFrame& call : fault.stack)
+        put(call.file, call.line);
+}
 
 } // namespace
 
@@ -91,15 +109,17 @@ void ScriptWorld::ReportUncaught() {
 void ScriptWorld::ReportStopped() {
     if (!m_place.ending || !m_place.entrance.HasStoppedScript() || std::exchange(m_toldStop, true))
         return;
-    m_place.owner.ReportStopped(LinesOf(m_faults->ReadStopped(*m_engine, m_set.scriptText), FileName()));
-}
-
-QString ScriptWorld::FileName() const {
-    return m_set.scriptFileName.isEmpty() ? QString(QLatin1String(KXP_LOG_NO_FILE)) : m_set.scriptFileName;
+    m_place.owner.ReportStopped(LinesOfFault(m_faults->ReadStopped(*m_engine, m_set.scriptText)));
 }
 
 QStringList ScriptWorld::PlaceOf(const QScriptValue& exception) {
-    return LinesOf(m_faults->Read(*m_engine, exception, m_set.scriptText), FileName());
+    return LinesOfFault(m_faults->Read(*m_engine, exception, m_set.scriptText));
+}
+
+QStringList ScriptWorld::LinesOfFault(ScriptFault fault) const {
+    PutIntoParts(fault, m_set.scriptText);
+    return LinesOf(fault,
+                   m_set.scriptFileName.isEmpty() ? QString(QLatin1String(KXP_LOG_NO_FILE)) : m_set.scriptFileName);
 }
 
 void ScriptWorld::CheckUncaught() {

@@ -12,6 +12,7 @@
 
 class EventArguments;
 class FaultReader;
+struct ScriptFault;
 class HostValues;
 class IEnumData;
 class IProgramOwner;
@@ -99,7 +100,7 @@ public:
 private:
     EnumHelpers::Target EnumTarget();
     void ReportStopped();
-    QString FileName() const;
+    QStringList LinesOfFault(ScriptFault fault) const;
     IEnumData* FindEnum(const QString& name);
     bool FindMonitoredEnum(const QString& name, MScriptVariable& found);
 

@@ -1,6 +1,7 @@
 #include "ScriptPlaces.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QRegularExpression>
 
@@ -40,9 +41,13 @@ QString Shown(const ScriptPlace& place) {
 
 ScriptPlace PlaceOf(const Show& show, const ShowDevice* device, const ScriptPlace& logged) {
     const bool hasFile = logged.file != QLatin1String(KXP_LOG_NO_FILE);
-    if (hasFile || device == nullptr || device->driverFile.isEmpty())
+    const QString own = device == nullptr              ? QString()
+                        : device->driverFile.isEmpty() ? device->scriptFile
+                                                       : device->driverFile;
+    if (own.isEmpty() || QDir::isAbsolutePath(logged.file))
         return logged;
-    return {show.Path(device->driverFile), logged.line};
+    const QString driver = show.Path(own);
+    return {hasFile ? QFileInfo(driver).dir().filePath(logged.file) : driver, logged.line};
 }
 
 QStringList UsersPlaces(const Show& show, const ShowDevice* device, const QStringList& lines) {

@@ -23,7 +23,7 @@ namespace {
 
 constexpr std::chrono::milliseconds kModuleCall(5000); // for calls of the contract that run no script of a show
 constexpr std::chrono::milliseconds kStop(3000);       // the module waits 25 ms for a script's own stop function
-constexpr std::chrono::milliseconds kStopped(1000);    // for a script that is stopped to say where it was
+constexpr std::chrono::milliseconds kStopped(3000);    // for a script that is stopped to say where it was
 constexpr std::chrono::milliseconds kLookForStop(20);
 constexpr int kLookAtLog = 100;                 // ms
 constexpr std::chrono::milliseconds kEnd(8000); // for stop and release of one device together

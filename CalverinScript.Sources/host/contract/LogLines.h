@@ -21,7 +21,8 @@
 ///
 /// The first line of the details is FILE:LINE:COLUMN or FILE:LINE, ": " and the message; those that begin with "at "
 /// are the calls that led there, the innermost first, each with FILE:LINE in brackets at its end. All but the first may
-/// be missing.
+/// be missing. FILE is the script's as it was loaded, or the name of a piece of a script that was put together (see
+/// ScriptPlace.h).
 
 /// How a line of a device begins, up to its name, which "] " ends.
 constexpr const char* KXP_LOG_DEVICE = "kxpCalverinScript [";

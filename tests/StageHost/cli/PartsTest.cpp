@@ -89,6 +89,22 @@ TEST_F(DriverOfSeveralFiles, TellsAMistakeInItsFileFromEveryCommand) {
     }
 }
 
+TEST_F(DriverOfSeveralFiles, TellsWhatAFunctionThrowsInTheFileWhereThatIsAndThoseOfTheCalls) {
+    host.File(Text("lib/connection.js"), "function here() {\n  return two;\n}\n");
+    host.File(Text("driver.js"), "// @include lib/connection.js\n({\n  Go: function () { return here(); }\n})\n");
+    const QStringList commands[] = {{Text("exec"), driver, Text("Go")},
+                                    {Text("send"), driver, Text("script"), Text("Go")},
+                                    {Text("send"), show, Text("desk"), Text("Go")}};
+    for (const QStringList& command : commands) {
+        Run(command);
+        EXPECT_TRUE(host.Errors().contains(Text("lib/connection.js:2:10: ReferenceError: Can't find variable: two\n"
+                                                "    | return two;\n    |        ^\n    at here (")))
+            << host.Errors().toStdString();
+        EXPECT_TRUE(host.Errors().contains(Text("lib/connection.js:2)\n    at Go (")));
+        EXPECT_TRUE(host.Errors().contains(Text("driver.js:3)\n"))) << host.Errors().toStdString();
+    }
+}
+
 TEST_F(DriverOfSeveralFiles, IsStoredAsOneScriptThatNeedsNoFiles) {
     Run({Text("setup"), show});
     ASSERT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();

@@ -33,6 +33,8 @@ TEST(ScriptPlaces, OfADriverInASetupAreThoseOfItsFile) {
                   .join(QLatin1Char('|'))
                   .toStdString(),
               "/shows/dimmer.js:3: x|at Fade (/shows/dimmer.js:3)");
+    EXPECT_EQ(UsersPlaces(show, &device, {Text("lib/connection.js:3: x")}).first().toStdString(),
+              "/shows/lib/connection.js:3: x");
     device.driverFile.clear();
     EXPECT_EQ(UsersPlaces(show, &device, {Text("<script>:3: x")}).first().toStdString(), "<script>:3: x");
 }
