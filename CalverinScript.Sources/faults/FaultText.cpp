@@ -42,9 +42,9 @@ void AddCalls(QStringList& lines, const ScriptFault& fault, const QString& file)
             lines += QStringLiteral("... %1 more calls").arg(count - kFirstCalls - kLastCalls);
             continue;
         }
-        lines +=
-            QStringLiteral("at %1 (%2)")
-                .arg(frame.function.isEmpty() ? QStringLiteral("a function") : frame.function, Place(file, frame.line));
+        lines += QStringLiteral("at %1 (%2)")
+                     .arg(frame.function.isEmpty() ? QStringLiteral("a function") : frame.function,
+                          Place(frame.file.isEmpty() ? file : frame.file, frame.line));
     }
 }
 

@@ -283,11 +283,11 @@ TEST_F(ScriptAtTheDesk, IsNotHeldUpByATopLevelThatNeverEnds) {
 }
 
 TEST_F(ScriptAtTheDesk, EndsThoughTheStopFunctionNeverReturns) {
-    GivenScript("({ f: function () { return 1; }, _mStop: function () { while (true) {} } })");
+    GivenScript("({ f: function () { return 1; },\n   _mStop: function () { while (true) {} } })");
     Exec({Text("f")});
     EXPECT_EQ(host.Output(), Text("1\n"));
     EXPECT_EQ(host.ExitCode(), 0);
-    EXPECT_TRUE(host.Errors().startsWith(script + Text(":1: script stopped in _mStop, which did not come back\n")))
+    EXPECT_TRUE(host.Errors().startsWith(script + Text(":2: script stopped in _mStop, which did not come back\n")))
         << host.Errors().toStdString();
     EXPECT_LT(host.Milliseconds(), kSoon);
 }
