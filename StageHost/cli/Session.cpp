@@ -14,6 +14,7 @@
 #include "NearNames.h"
 #include "Output.h"
 #include "ScriptPlaces.h"
+#include "TextFile.h"
 #include "ValueCheck.h"
 #include "ValueFactory.h"
 

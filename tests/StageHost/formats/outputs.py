@@ -56,11 +56,17 @@ try:
         file.write("({ f: }")
     with open("noted.js", "w", encoding="utf-8") as file:
         file.write("({ Info: { Setup: { unread: { Type: 'Enum', Items: ['a'] } } }, Setup: { unread: 'a' }, f: function () { QCalverin.Nope(); } })")
-    failure = [json.loads(run("run", "none.json"))]
-    hold("Failures", failure)
-    hold("`exec`, `send`", [json.loads(run("exec", dimmer, "Blackout")), json.loads(run("send", dimmer, "script", "Blackout"))])
-    hold("`run`", [json.loads(run("run", show))])
-    hold("`check`", [json.loads(run("check", script)) for script in (dimmer, "bad.js", "noted.js")])
+    with open("thrown.js", "w", encoding="utf-8") as file:
+        file.write("({ f: function () { setTimeout(1); } })")
+    with open("top.js", "w", encoding="utf-8") as file:
+        file.write("setTimeout(1);")
+    with open("thrown.json", "w", encoding="utf-8") as file:
+        json.dump({"devices": [{"name": "d", "driver": "thrown.js"}], "steps": [{"device": "d", "command": "f"}]}, file)
+    hold("Failures", [json.loads(run("run", "none.json")), json.loads(run("exec", "thrown.js", "f"))])
+    hold("`exec`, `send`", [json.loads(run("exec", dimmer, "Blackout")), json.loads(run("send", dimmer, "script", "Blackout")),
+                            json.loads(run("send", "thrown.js", "script", "f"))])
+    hold("`run`", [json.loads(run("run", show)), json.loads(run("run", "thrown.json"))])
+    hold("`check`", [json.loads(run("check", script)) for script in (dimmer, "bad.js", "noted.js", "top.js")])
     hold("`definition`", [json.loads(run("definition", dimmer))])
     hold("`variables`", [json.loads(run("variables", dimmer))])
     hold("`new`", [json.loads(run("new", "udp", "demo"))])
@@ -73,6 +79,7 @@ try:
     run("setup", show)
     hold("`update`", [json.loads(run("update", show))])
     lines = run("watch", show, given="set front.Level 4\nget nothing\n").splitlines()
+    lines += run("watch", "thrown.js", given="send script f\n").splitlines()
     hold("`watch`", [json.loads(line) for line in lines])
 finally:
     shutil.rmtree(folder)
