@@ -16,6 +16,7 @@ constexpr OptionRow kOptions[] = {
     {"link", nullptr, "both|newer|older|none", "which remote links the host offers; scripts use the newer one (both)"},
     {"set", nullptr, "[DEVICE.]NAME=VALUE",
      "give a setting of a device a value for this run; may stand more than once"},
+    {"reload", nullptr, nullptr, "run, watch: a script that is saved is run at once, with settings and values kept"},
     {"json", nullptr, nullptr, "output for programs: one JSON text"},
     {"log", nullptr, nullptr, "show all of the log on standard error; --log=DEVICE shows that of one device"},
     {"log-level", nullptr, "LEVEL",
@@ -81,6 +82,7 @@ QString ArgumentReader::Read(const QStringList& typed) {
     m_options.log = isSet("log");
     m_options.strict = isSet("strict");
     m_options.window = isSet("window");
+    m_options.reload = isSet("reload");
     m_options.sets = parser.values(QStringLiteral("set"));
     m_options.logFile = value("log-file");
     m_options.module = value("module");

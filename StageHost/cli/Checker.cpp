@@ -1,12 +1,12 @@
 #include "Checker.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QDir>
 
 #include "CheckerCodes.h"
 #include "ExitCodes.h"
 #include "Interrupt.h"
+#include "MainWait.h"
 
 namespace stagehost {
 
@@ -15,19 +15,15 @@ namespace {
 /// What the program that looks into the script gets beyond the time that the script has.
 constexpr int kGraceMs = 3000;
 
-constexpr int kLookForInterruptMs = 50; // a signal wakes nobody
-
 QString CheckerPath() {
     return QDir(QCoreApplication::applicationDirPath()).filePath(QLatin1String(KXP_CHECKER_NAME));
 }
 
 /// @return whether the process has ended by itself. It is over in any case.
 bool HasEnded(QProcess& process, qint64 limitMs) {
-    const QDeadlineTimer deadline(limitMs);
-    while (!deadline.hasExpired() && !Interrupt::HasCome()) {
-        if (process.waitForFinished(kLookForInterruptMs) || process.state() == QProcess::NotRunning)
-            return true;
-    }
+    const auto isOver = [&] { return process.state() == QProcess::NotRunning; };
+    if (MainWait::UntilInterrupted(isOver, std::chrono::milliseconds(limitMs)))
+        return true;
     process.kill();
     process.waitForFinished();
     return false;

@@ -96,6 +96,7 @@ MaybeFailure ReadWhole(const QString& path, std::chrono::milliseconds limit, Who
     DriverEdition edition;
     auto failure = ReadDriver(EmptyShow(QFileInfo(path).absolutePath()), path, limit, edition);
     script.isOneFile = edition.files.size() == 1;
+    script.files = edition.files;
     if (failure && script.isOneFile)
         return std::nullopt;
     script.text = edition.text;

@@ -16,6 +16,7 @@ MaybeFailure ReadDriver(const Show& show, const QString& path, std::chrono::mill
 struct WholeScript {
     QString text{};
     bool isOneFile = true;
+    QStringList files{}; ///< all of them when they are several
 };
 
 /// Reads a script file. One that is put together of several is checked on the way, so what is wrong in them is told

@@ -20,6 +20,7 @@ struct Options {
     int leastLevel = 0;     ///< place in kLogLevels from which on lines of the log are shown
     bool strict = false;    ///< of `check`
     bool window = false;
+    bool reload = false;
     QStringList sets; ///< of the form [DEVICE.]NAME=VALUE
     QString logFile;  ///< empty: a temporary one
     QString module;   ///< empty: the one beside the program

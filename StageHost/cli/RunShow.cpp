@@ -1,3 +1,5 @@
+#include <memory>
+
 #include <QFileInfo>
 #include <QJsonArray>
 
@@ -6,6 +8,7 @@
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "Output.h"
+#include "Reloader.h"
 #include "ScriptSession.h"
 #include "StepPlayer.h"
 
@@ -137,7 +140,7 @@ private:
     QJsonArray m_steps;
 };
 
-MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
+MaybeFailure Play(Session& session, const Show& show, const Options& options, ShowReport& report) {
     if (auto failure = session.Open(show))
         return failure;
     if (auto failure = CheckCommands(session, show))
@@ -155,6 +158,7 @@ MaybeFailure Play(Session& session, const Show& show, ShowReport& report) {
             return Failure{failure->exitCode, QStringLiteral("%1: %2").arg(device.name, failure->text), failure->place};
         report.DeviceReady(device);
     }
+    const auto reloader = options.reload ? std::make_unique<Reloader>(session, show, options) : nullptr;
     StepPlayer player(session, show);
     int number = 0;
     for (const auto& step : show.steps) {
@@ -177,7 +181,7 @@ int RunShow(const Options& options) {
         return Fail(options.json, *failure);
     Session session(options);
     ShowReport report(options, show);
-    auto failure = Play(session, show, report);
+    auto failure = Play(session, show, options, report);
     if (failure)
         session.TellWhereItHangs(*failure);
     const auto thrown = session.TellThrown();

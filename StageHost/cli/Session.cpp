@@ -267,7 +267,9 @@ void Session::LookAtLog() {
 
 std::vector<ThrownText> Session::HearThrown(const Device& device, const std::function<void()>& work) {
     m_thrown.Begin(FromBorderText(device.Name()));
+    ++m_calls;
     work();
+    --m_calls;
     m_follower->Look();
     return m_thrown.End();
 }
@@ -343,6 +345,36 @@ MaybeFailure Session::StartDevice(Device& device) {
                    own == thrown.end() ? QStringList() : UsersPlace(described.name, own->place)};
 }
 
+MaybeFailure Session::Restart(const QString& name, const std::string& setup) {
+    Device* device = FindDevice(name);
+    const auto values = device->Variables().Kept();
+    if (device->Stop(kStop)) {
+        if (const auto refused = device->TakeSetup(setup))
+            return Failure{kExitNoModule, DeviceText(*device, refused->text)};
+    } else if (Interrupt::HasCome()) {
+        return Failure{kExitNoAnswer, DeviceText(*device, QStringLiteral("interrupted while it stops"))};
+    } else if (auto failure = MakeAnew(name, setup)) {
+        return failure;
+    }
+    device = FindDevice(name);
+    device->Variables().GiveBack(values);
+    if (const auto error = device->Variables().FindState("Error"))
+        error->SetText(""); // of the edition before
+    return StartDevice(*device);
+}
+
+/// A script that never ends is left behind with its device.
+MaybeFailure Session::MakeAnew(const QString& name, const std::string& setup) {
+    const auto place = std::find_if(m_devices.begin(), m_devices.end(),
+                                    [&](const auto& device) { return device->Name() == ToBorderText(name); });
+    if (!(*place)->Shutdown(kStop))
+        return Failure{kExitNoAnswer, DeviceText(**place, QStringLiteral("does not come back from its stop"))};
+    const ExitGuard guard(kModuleCall, kExitNoModule, "the module does not come back from making a device");
+    *place = std::make_unique<Device>(*m_module, ToBorderText(name), m_show.FindDevice(name)->conduct);
+    const auto problem = (*place)->Create(setup);
+    return problem ? MaybeFailure(Failure{kExitNoModule, DeviceText(**place, problem->text)}) : std::nullopt;
+}
+
 MaybeFailure Session::LoadScript(Device& device, const ShowDevice& described) {
     if (!described.scriptFile.isEmpty())
         return LoadFile(device, m_show.Path(described.scriptFile));
@@ -415,7 +447,10 @@ MaybeFailure Session::WaitFor(const ShowWait& wait) {
         return Failure{kExitBadUse, Quoted(wait.variable) + QLatin1Char(' ') + never};
     if (const auto variable = m_host->Variables().Find(name)) {
         const Observation observation = variable->Observe([] { MainWait::Wake(); });
-        return WaitUntil(wait, [&] { return variable->Text(); });
+        return WaitUntil(wait, [&] { // a device that is made anew has new ones
+            const auto now = m_host->Variables().Find(name);
+            return (now ? now : variable)->Text();
+        });
     }
     const auto resource = m_host->Model().FindResource(name);
     if (!resource)

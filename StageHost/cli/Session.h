@@ -53,11 +53,20 @@ public:
     /// Starts one device. @return what is wrong when it does not come back in time.
     MaybeFailure StartDevice(Device& device);
 
+    /// Stops a device that runs and starts it with another setup. Its variables keep their values. One that does not
+    /// come back from its stop is released, and another takes its place.
+    MaybeFailure Restart(const QString& name, const std::string& setup);
+
+    /// Whether a call of a device is waited for.
+    bool IsBusy() const { return m_calls > 0; }
+
     /// Loads a show device's script, if it has one, into its device.
     MaybeFailure LoadScript(Device& device, const ShowDevice& described);
 
     /// Loads a script file into a device by its command "Load From File"; one that is put together of several as text.
     MaybeFailure LoadFile(Device& device, const QString& path);
+
+    MaybeFailure LoadText(Device& device, const QString& text);
 
     /// Sends a command by its name or id with inputs that are checked first.
     /// @param outcome receives how it went, when it was sent.
@@ -126,10 +135,10 @@ public:
 
 private:
     MaybeFailure WaitUntil(const ShowWait& wait, const std::function<std::string()>& text);
-    MaybeFailure LoadText(Device& device, const QString& text);
     MaybeFailure PrepareLog(HostSettings& settings);
     MaybeFailure LoadModule();
     MaybeFailure MakeDevice(std::size_t index);
+    MaybeFailure MakeAnew(const QString& name, const std::string& setup);
     /// Does something with a device. @return what its script threw meanwhile.
     std::vector<ThrownText> HearThrown(const Device& device, const std::function<void()>& work);
     QStringList JudgeThrown(const Device& device, std::vector<ThrownText> thrown, CommandOutcome& outcome);
@@ -155,6 +164,7 @@ private:
     std::unique_ptr<HostedModule> m_module;
     std::vector<std::unique_ptr<Device>> m_devices;
     std::vector<CheckedCommand> m_stored;
+    int m_calls = 0; ///< of devices, that are waited for
     DeviceSettings m_settings;
     QStringList m_refusedSetups;
     Peers m_peers;

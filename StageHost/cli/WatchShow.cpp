@@ -1,3 +1,5 @@
+#include <memory>
+
 #include "BorderText.h"
 #include "ChangePrinter.h"
 #include "CommandCheck.h"
@@ -8,6 +10,7 @@
 #include "LiveShow.h"
 #include "MainWait.h"
 #include "Output.h"
+#include "Reloader.h"
 #include "ScriptSession.h"
 
 namespace stagehost {
@@ -56,7 +59,9 @@ MaybeFailure Open(Session& session, const Show& show, const QStringList& names) 
 
 /// Runs until the user has said "quit", has nothing more to say, or wants the program to end.
 /// @return the exit code of the first line that went wrong.
-int Watch(Session& session, const Show& show, bool json, const QStringList& names) {
+int Watch(Session& session, const Show& show, const Options& options, const QStringList& names) {
+    const bool json = options.json;
+    const auto reloader = options.reload ? std::make_unique<Reloader>(session, show, options) : nullptr;
     ChangePrinter printer(session.TheHost().Model().Feed(), names, json);
     if (!json)
         PrintProblem(QStringLiteral("%1 runs. \"help\" tells what you can say, \"quit\" ends it.").arg(show.name));
@@ -88,7 +93,7 @@ int WatchShow(const Options& options) {
         session.TellWhereItHangs(*failure);
     if (failure)
         return session.Close(Fail(options.json, *failure));
-    return session.Close(Watch(session, show, options.json, names));
+    return session.Close(Watch(session, show, options, names));
 }
 
 } // namespace stagehost

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <tuple>
 
 #include "DefinitionReader.h"
@@ -10,6 +11,9 @@
 namespace stagehost {
 
 namespace {
+
+constexpr const char* kOfModule[] = {"Status", "Error", "CurrentScriptFileName", "CurrentScriptText",
+                                     "ScriptFunctions"};
 
 /// Whether two definitions of a variable differ in anything but its number.
 bool SameSpec(const ValueSpec& left, const ValueSpec& right) {
@@ -98,6 +102,26 @@ bool DeviceVariables::IsDefinedBy(const char* xml) const {
 std::string DeviceVariables::LastError() const {
     const std::lock_guard<std::mutex> hold(m_lock);
     return m_lastError;
+}
+
+std::map<std::string, std::string> DeviceVariables::Kept() const {
+    std::map<std::string, std::string> values;
+    const auto definition = Definition();
+    for (const auto& spec : definition->variables) {
+        const bool isOfModule = std::any_of(std::begin(kOfModule), std::end(kOfModule),
+                                            [&](const char* name) { return spec.name == name; });
+        const auto variable = isOfModule ? nullptr : Find(spec.name);
+        if (variable && variable->Text() != MakeValue(spec)->Text())
+            values[spec.name] = variable->Text();
+    }
+    return values;
+}
+
+void DeviceVariables::GiveBack(const std::map<std::string, std::string>& values) {
+    for (const auto& [name, text] : values) {
+        if (const auto variable = Find(name))
+            variable->SetText(text);
+    }
 }
 
 DeviceVariables::Values DeviceVariables::Adopt(const DeviceDefinition& definition) {

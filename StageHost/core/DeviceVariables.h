@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -51,6 +52,12 @@ public:
 
     /// Why the last SetDefinition was refused; empty when it was accepted.   [any]
     std::string LastError() const;
+
+    /// Values by name that somebody has given the variables since their definition, for GiveBack; the module's own,
+    /// such as "Status", are not among them.   [any]
+    std::map<std::string, std::string> Kept() const;
+    /// Gives variables these values again; those that a definition of another kind does not take keep their own. [any]
+    void GiveBack(const std::map<std::string, std::string>& values);
 
 private:
     using Values = std::vector<std::shared_ptr<HostValue>>;

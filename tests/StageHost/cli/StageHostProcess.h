@@ -32,6 +32,7 @@ public:
     void Kill();
     /// The process that the program has started, once there is one; empty when there is none.
     QString Child() const;
+    qint64 ProcessId() const { return m_process->processId(); }
     /// Closes standard input and waits for the end.
     void Finish();
 
