@@ -46,6 +46,7 @@ constexpr Command kCommands[] = {
      3, kAny, &SendCommand},
     {"watch", "SHOW.json | FILE.js [NAME...]", "runs a show, prints what changes, does what standard input says",
      "stagehost watch examples/evening/show.json\n"
+     "stagehost watch --reload dimmer.js   (each time that the script is saved, it runs)\n"
      "stagehost watch --json show.json Level Overture\n"
      "printf 'set Level 50\\nwait Answer yes\\n' | stagehost watch show.json",
      1, kAny, &WatchShow},
