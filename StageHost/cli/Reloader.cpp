@@ -134,6 +134,7 @@ MaybeFailure Reloader::Run(const Watched& watched, const QString& setup, const Q
 
 void Reloader::GoOn(const QString& device, const MaybeFailure& failure) {
     PrintProblem(failure->text);
+    PrintPlace(failure->place);
     PrintProblem(QStringLiteral("%1 goes on with the edition that it has").arg(device));
 }
 
