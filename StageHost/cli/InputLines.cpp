@@ -1,6 +1,7 @@
 #include "InputLines.h"
 
 #include "BorderText.h"
+#include "Typing.h"
 
 namespace stagehost {
 
@@ -15,7 +16,17 @@ InputLines::InputLines() {
     if (m_ended)
         return;
     m_notifier = std::make_unique<QSocketNotifier>(m_input.handle(), QSocketNotifier::Read);
-    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(), [this] { Read(); });
+    if (IsTyped())
+        m_editor = std::make_unique<LineEditor>([this](const QString* line) { TakeTyped(line); });
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
+                     [this] { m_editor ? m_editor->Read() : Read(); });
+}
+
+void InputLines::TakeTyped(const QString* line) {
+    m_ended = line == nullptr;
+    m_notifier->setEnabled(!m_ended);
+    if (line != nullptr)
+        m_lines.push_back(*line);
 }
 
 QString InputLines::TakeLine() {

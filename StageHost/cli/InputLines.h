@@ -8,6 +8,8 @@
 #include <QSocketNotifier>
 #include <QString>
 
+#include "LineEditor.h"
+
 namespace stagehost {
 
 /// The lines that the user types, or a program sends, on standard input, as they come.   [host main]
@@ -25,8 +27,10 @@ public:
 
 private:
     void Read();
+    void TakeTyped(const QString* line);
 
     QFile m_input;
+    std::unique_ptr<LineEditor> m_editor;        ///< null unless somebody types at a terminal
     std::unique_ptr<QSocketNotifier> m_notifier; ///< null when standard input has ended
     QByteArray m_rest;                           ///< the begin of a line
     std::deque<QString> m_lines;

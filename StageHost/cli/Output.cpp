@@ -23,10 +23,21 @@ constexpr int kStandardError = 2;
 bool outputIsClosed = false; // both of host main alone
 bool resultIsLost = false;
 
-bool Write(std::FILE* stream, const QString& text) {
-    const QByteArray bytes = text.toUtf8();
+void (*beforeOutput)() = nullptr; // both of host main alone
+void (*behindOutput)() = nullptr;
+
+bool WriteBytes(std::FILE* stream, const QByteArray& bytes) {
     const auto size = static_cast<std::size_t>(bytes.size());
     return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
+}
+
+bool Write(std::FILE* stream, const QString& text) {
+    if (beforeOutput != nullptr)
+        beforeOutput();
+    const bool written = WriteBytes(stream, text.toUtf8());
+    if (behindOutput != nullptr)
+        behindOutput();
+    return written;
 }
 
 void WriteResult(const QString& text) {
@@ -69,6 +80,11 @@ void PrintJsonLine(const QJsonObject& object) {
 
 QString LostCharactersNote() {
     return QStringLiteral("note: a host carries Latin-1 text only; other characters became \"?\"");
+}
+
+void SetAroundOutput(void (*before)(), void (*behind)()) {
+    beforeOutput = before;
+    behindOutput = behind;
 }
 
 void HoldStandardChannels() {

@@ -21,6 +21,9 @@ void PrintProblem(const QString& line); ///< to standard error
 void PrintJson(const QJsonObject& object);
 void PrintJsonLine(const QJsonObject& object); ///< on one line
 
+/// Has something done before and behind everything that is printed; null for nothing.
+void SetAroundOutput(void (*before)(), void (*behind)());
+
 /// Gives descriptors that the process was started without to nobody else: what is opened first would get them, and then
 /// be written into. Before anything is opened.
 void HoldStandardChannels();

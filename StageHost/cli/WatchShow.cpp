@@ -63,9 +63,9 @@ int Watch(Session& session, const Show& show, const Options& options, const QStr
     const bool json = options.json;
     const auto reloader = options.reload ? std::make_unique<Reloader>(session, show, options) : nullptr;
     ChangePrinter printer(session.TheHost().Model().Feed(), names, json);
+    InputLines input;
     if (!json)
         PrintProblem(QStringLiteral("%1 runs. \"help\" tells what you can say, \"quit\" ends it.").arg(show.name));
-    InputLines input;
     LiveShow live(session, show);
     int exitCode = kExitOk;
     while (!live.IsOver() && !input.IsOver() && !Interrupt::HasCome()) {
