@@ -14,6 +14,7 @@
 #include "IMScriptManagerRemoteLogger.h"
 #include "IScriptObjectOwner.h"
 #include "MIObjectMap.h"
+#include "MisfitLog.h"
 #include "MyAsyncDeviceExecContext.h"
 #include "MyDeviceExecContext.h"
 #include "ScriptWaits.h"
@@ -179,6 +180,10 @@ public:
     /// Ends every postponed user command without an answer.   [any host thread, script]
     void ResetPostponed();
 
+    /// Says in the log that a variable has not taken what the script gave it; see MisfitLog for how often.   [script]
+    /// @param why as WhyMisfit gives it. @param items of an enumeration, where they are known.
+    void TellMisfit(const QString& variable, const QString& text, const QString& why, const QStringList& items = {});
+
     // Script objects
     /// The objects that raise events.   [script, but for what it says itself]
     EventSources& GetEventSources() { return m_eventSources; }
@@ -240,6 +245,7 @@ private:
     const SharedContextRegistry<MyDeviceExecContext> m_syncContexts;
     const SharedContextRegistry<MyAsyncDeviceExecContext> m_asyncContexts;
 
+    MisfitLog m_misfits;                        ///< script
     QString m_lastValueText;                    ///< result of the last GetValueAsString: script
     std::atomic<bool> m_postponeAllowed{false}; ///< written by the command thread and, at a load, by the script thread
     std::atomic<MyPostponedObject*>

@@ -1,4 +1,6 @@
+#include "Clock.h"
 #include "HostCalls.h"
+#include "ValueFit.h"
 #include "VisitGate.h"
 
 // The host's variables.
@@ -23,15 +25,40 @@ unsigned int MScriptMngRemote::SetValue(const QString& sVariable, const QString&
     if (m_variableManager == nullptr)
         return KXP_NOT_IMPLEMENTED;
     const QByteArray text = ToHostText(sValue);
-    const auto set = [&](IData& variable) { variable.SetValueFromString(text.constData(), 0, 0); };
-    return UseVariable(sVariable, set) ? KXP_OK : KXP_VARIABLE_NOT_FOUND;
+    bool mayMisfit = false;
+    const auto set = [&](IData& variable) {
+        mayMisfit = CanMisfit(static_cast<KXPDataType>(variable.GetDataType()));
+        variable.SetValueFromString(text.constData(), 0, 0);
+    };
+    if (!UseVariable(sVariable, set))
+        return KXP_VARIABLE_NOT_FOUND;
+    // Looked up anew: while the host took the value it may have replaced the variable.
+    QString why;
+    if (mayMisfit)
+        UseVariable(sVariable, [&](IData& variable) { why = WhyMisfit(variable, sValue); });
+    if (!why.isEmpty())
+        TellMisfit(sVariable, sValue, why);
+    return KXP_OK;
+}
+
+void MScriptMngRemote::TellMisfit(const QString& variable, const QString& text, const QString& why,
+                                  const QStringList& items) {
+    const QString line = m_misfits.Line(variable, text, why, items, MillisecondClock());
+    if (!line.isEmpty())
+        TraceMessage(line, QStringLiteral("ALARM"));
 }
 
 unsigned int MScriptMngRemote::SetValueAsInteger(const QString& sVariable, const QString& sValue) {
     if (m_variableManager == nullptr)
         return KXP_NOT_IMPLEMENTED;
-    const auto set = [&](IData& variable) { variable.SetIntValue(sValue.toInt(), 0, 0); };
-    return UseVariable(sVariable, set) ? KXP_OK : KXP_VARIABLE_NOT_FOUND;
+    bool isNumber = false;
+    const int number = sValue.toInt(&isNumber);
+    const auto set = [&](IData& variable) { variable.SetIntValue(number, 0, 0); };
+    if (!UseVariable(sVariable, set))
+        return KXP_VARIABLE_NOT_FOUND;
+    if (!isNumber)
+        TellMisfit(sVariable, sValue, QStringLiteral("is no whole number, so it gets 0"));
+    return KXP_OK;
 }
 
 int MScriptMngRemote::GetValueAsInteger(const QString& sVariable) {

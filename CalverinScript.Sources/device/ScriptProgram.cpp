@@ -43,6 +43,13 @@ QScriptValueList TextsOf(const char** params) {
 
 } // namespace
 
+ScriptProgram::ScriptProgram(const Parts& parts)
+    : m_parts(parts) {
+    parts.values.Accessors().TellMisfits([this](const QString& name, const QString& text, const QString& why) {
+        m_parts.world.Remote().TellMisfit(name, text, why, m_parts.world.EnumFunctions().ItemsOf(name));
+    });
+}
+
 ScriptSet& ScriptProgram::Set() const {
     return m_parts.world.GetSet();
 }

@@ -33,8 +33,7 @@ public:
         IProgramOwner& owner;
     };
 
-    explicit ScriptProgram(const Parts& parts)
-        : m_parts(parts) {}
+    explicit ScriptProgram(const Parts& parts);
     ScriptProgram(const ScriptProgram&) = delete;
     ScriptProgram& operator=(const ScriptProgram&) = delete;
 

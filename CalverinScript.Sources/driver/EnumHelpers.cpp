@@ -81,6 +81,13 @@ QScriptValue EnumHelpers::EntryWithItems(const QString& name) const {
     return entry.property(QStringLiteral("Items")).isArray() ? entry : QScriptValue();
 }
 
+QStringList EnumHelpers::ItemsOf(const QString& name) const {
+    QStringList items;
+    for (const ScriptMember& item : MembersOf(EntryWithItems(name).property(QStringLiteral("Items"))))
+        items.append(ScriptText(item.value));
+    return items;
+}
+
 /// @return false when there is no such enumeration.
 bool EnumHelpers::Change(const QString& name, const std::function<void(IEnumData&)>& change) const {
     const VisitGate::Visit visit(m_target.gate);

@@ -4,6 +4,7 @@
 
 #include <QScriptValue>
 #include <QString>
+#include <QStringList>
 
 class IEnumData;
 class VisitGate;
@@ -29,6 +30,9 @@ public:
 
     /// Puts the functions on an object. This must outlive the object's engine.   [the engine's thread]
     void Install(QScriptValue object);
+
+    /// The items that `Info` has for a variable; none where it has no array of them.   [the engine's thread]
+    QStringList ItemsOf(const QString& name) const;
 
 private:
     static QScriptValue Clear(QScriptContext* context, QScriptEngine* engine, void* self);

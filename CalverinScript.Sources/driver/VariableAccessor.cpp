@@ -9,6 +9,7 @@
 #include "FaceAnswer.h"
 #include "HostData.h"
 #include "ValueConversion.h"
+#include "ValueFit.h"
 
 namespace {
 
@@ -40,8 +41,9 @@ QScriptValue PlainValueFor(std::uint32_t type, const QScriptValue& object) {
 
 /// What the native function of an accessor knows. Written by whoever looks the variable up, read by the script thread.
 struct AccessorPool::BoundVariable {
-    explicit BoundVariable(AccessorPool& owner)
-        : pool(owner) {}
+    BoundVariable(AccessorPool& owner, QString variableName)
+        : pool(owner)
+        , name(std::move(variableName)) {}
 
     QScriptValue Read() {
         QScriptValue value(QScriptValue::UndefinedValue);
@@ -51,6 +53,18 @@ struct AccessorPool::BoundVariable {
     void Write(const QScriptValue& value) {
         Visit([&](IData& host) { WriteHostValue(host, value); });
     }
+    /// Tells of a text that the variable has dropped, and of a number that is none. A new visit: while the host took the value it
+    /// may have replaced what the variable stands for.
+    void TellMisfit(const QScriptValue& value) {
+        const bool isSuspect = value.isString() || (value.isNumber() && !std::isfinite(value.toNumber()));
+        if (!isSuspect || !pool.m_tellMisfit)
+            return;
+        QString why;
+        const QString text = value.toString();
+        Visit([&](IData& host) { why = WhyMisfit(host, text); });
+        if (!why.isEmpty())
+            pool.m_tellMisfit(name, text, why);
+    }
     std::optional<std::uint32_t> Type() {
         std::optional<std::uint32_t> type;
         Visit([&](IData& host) { type = host.GetDataType(); });
@@ -58,6 +72,7 @@ struct AccessorPool::BoundVariable {
     }
 
     AccessorPool& pool;
+    const QString name;
     std::atomic<IData*> data{nullptr};
 
 private:
@@ -83,7 +98,7 @@ void AccessorPool::Bind(QScriptValue& object, const QString& member, VariableOri
         const std::lock_guard<std::mutex> guard(m_lock);
         std::unique_ptr<BoundVariable>& place = m_variables[{origin, name}];
         if (place == nullptr)
-            place = std::make_unique<BoundVariable>(*this);
+            place = std::make_unique<BoundVariable>(*this, name);
         place->data = data;
         variable = place.get();
     }
@@ -109,6 +124,7 @@ QScriptValue AccessorPool::Access(QScriptContext* context, QScriptEngine* /*engi
     const QScriptValue value = context->argument(0);
     if (!value.isObject()) {
         bound.Write(value);
+        bound.TellMisfit(value);
     } else if (const std::optional<std::uint32_t> type = bound.Type()) {
         const QScriptValue plain = PlainValueFor(*type, value);
         if (!plain.isObject() && !HasFailed(value))

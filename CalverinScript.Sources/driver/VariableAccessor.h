@@ -38,6 +38,10 @@ public:
     /// Looks every variable of that origin up again; find gives null for one that is gone.   [any]
     void Rebind(VariableOrigin origin, const std::function<IData*(const QString& name)>& find);
 
+    /// What hears of values that a variable has not taken, with the variable's name, the text and why; before any script runs.
+    using Misfit = std::function<void(const QString& name, const QString& text, const QString& why)>;
+    void TellMisfits(Misfit tell) { m_tellMisfit = std::move(tell); }
+
     /// What keeps a script out of the host's values while the host replaces them, and they are bound again. A script
     /// that is turned away reads undefined, and its writing does nothing.   [any]
     VisitGate& GetGate() { return m_gate; }
@@ -47,6 +51,7 @@ private:
     static QScriptValue Access(QScriptContext* context, QScriptEngine* engine, void* variable);
 
     const std::atomic<bool>& m_closed;
+    Misfit m_tellMisfit; ///< called on the engine's thread, outside the host's values
     VisitGate m_gate;
     std::mutex m_lock; ///< guards the map, whose entries stay in place
     std::map<std::pair<VariableOrigin, QString>, std::unique_ptr<BoundVariable>> m_variables;

@@ -447,3 +447,30 @@ TEST(Manual, ItsFullShowPlaysToItsEnd) {
     EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
     EXPECT_TRUE(host.Output().contains(Text("The show is over: all 4 steps went well.")));
 }
+
+TEST_F(ScriptAtTheDesk, ALineTellsOfEachTextThatANumberOrAnEnumDoesNotTakeAndTheValueStays) {
+    script = host.File(
+        Text("misfit.js"),
+        "({ Info: { Variables: { Level: { MinValue: 0, MaxValue: 100 }, Mode: { Type: 'Enum', Items: ['calm', 'storm'] "
+        "} } },\n"
+        "   Device: { Level: 5, Mode: 'storm', Rate: 0.5, Name: 'x' },\n"
+        "   Right: function () { var d = this.Device; d.Level = '50'; d.Level = 60; d.Mode = 'calm'; d.Mode = '1'; "
+        "d.Mode = 1;\n"
+        "                        d.Rate = '0.25'; d.Name = 'no number'; QCalverin.SetValue('script.Level', '7'); },\n"
+        "   Wrong: function () { var d = this.Device; d.Level = 'abc'; d.Level = '101'; d.Mode = 'sunny'; d.Rate = "
+        "Number('x');\n"
+        "                        QCalverin.SetValue('script.Mode', 'rain'); return d.Level + ' ' + d.Mode + ' ' + "
+        "d.Rate; } })");
+    host.Run({Text("send"), Text("--log"), script, Text("script"), Text("Right")});
+    EXPECT_EQ(host.ExitCode(), 0);
+    EXPECT_EQ(host.Errors().indexOf(Text("does not take")), -1) << host.Errors().toStdString();
+    host.Run({Text("send"), Text("--log"), script, Text("script"), Text("Wrong")});
+    EXPECT_TRUE(host.Output().contains(Text("100 1 0.5\n"))) << host.Output().toStdString();
+    for (const char* line :
+         {"[script] the variable \"Level\" does not take \"abc\", which is no whole number from 0 to 100\n",
+          "[script] the variable \"Level\" does not take \"101\", which is no whole number from 0 to 100\n",
+          "[script] the variable \"Mode\" does not take \"sunny\", which is none of its items: calm, storm\n",
+          "[script] the variable \"Rate\" does not take \"NaN\", which is no number\n",
+          "[script] the variable \"script.Mode\" does not take \"rain\", which is none of its items\n"})
+        EXPECT_TRUE(host.Errors().contains(Text(line))) << line << host.Errors().toStdString();
+}
