@@ -23,7 +23,12 @@ constexpr OptionRow kOptions[] = {
      "show traces from this level on: debug, comment, info, normalplus, normal, alarm, error, fatal"},
     {"log-file", nullptr, "FILE", "keep the device log in this file"},
     {"module", nullptr, "FILE", "the module to load (kxpCalverinScript.kxp6 beside the program)"},
+    {"keep-going", nullptr, nullptr, "run: play the steps behind one that failed too"},
+    {"tap", nullptr, nullptr, "run: tell the steps as TAP, for test programs"},
+    {"junit", nullptr, "FILE", "run: write the steps into this file as JUnit XML, for CI"},
     {"strict", nullptr, nullptr, "check: a note counts as a failure"},
+    {"wait", nullptr, "NAME=VALUE",
+     "send: wait first until this is so, also with !=, <, <=, >, >= or ~; may stand more than once"},
     {"window", nullptr, nullptr, "setup: let the user change the device's setup in its dialog"},
     {"help", "h", nullptr, "this help"},
     {"version", "v", nullptr, "the version of stagehost"},
@@ -81,6 +86,10 @@ QString ArgumentReader::Read(const QStringList& typed) {
     m_options.version = isSet("version");
     m_options.log = isSet("log");
     m_options.strict = isSet("strict");
+    m_options.keepGoing = isSet("keep-going");
+    m_options.tap = isSet("tap");
+    m_options.junitFile = value("junit");
+    m_options.waits = parser.values(QStringLiteral("wait"));
     m_options.window = isSet("window");
     m_options.reload = isSet("reload");
     m_options.sets = parser.values(QStringLiteral("set"));
@@ -91,7 +100,7 @@ QString ArgumentReader::Read(const QStringList& typed) {
     m_options.arguments = rest.mid(1);
     if (!understood)
         return Misunderstood(parser);
-    for (const char* name : {"log-file", "module"}) {
+    for (const char* name : {"log-file", "module", "junit"}) {
         if (isSet(name) && value(name).isEmpty())
             return QStringLiteral("--%1 needs the name of a file").arg(QLatin1String(name));
     }
@@ -99,6 +108,8 @@ QString ArgumentReader::Read(const QStringList& typed) {
         if (set.indexOf(QLatin1Char('=')) < 1)
             return QStringLiteral("--set needs NAME=VALUE or DEVICE.NAME=VALUE, not \"%1\"").arg(set);
     }
+    if (m_options.tap && m_options.json)
+        return QStringLiteral("--tap and --json are two forms of one output: take one");
     const QString problem = isSet("timeout") ? ReadTimeout(value("timeout")) : QString();
     if (problem.isEmpty() && isSet("log-level"))
         return ReadLevel(value("log-level"));

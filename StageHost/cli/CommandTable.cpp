@@ -21,7 +21,8 @@ constexpr Command kCommands[] = {
      2, 2, &NewDriver},
     {"run", "SHOW.json", "plays a show: starts its devices, sends its steps, shows the results",
      "stagehost run examples/cuelist/show.json\n"
-     "stagehost run --log examples/cuelist/show.json",
+     "stagehost run --log examples/cuelist/show.json\n"
+     "stagehost run --keep-going --junit steps.xml show.json   (for CI; --tap tells them as TAP)",
      1, 1, &RunShow},
     {"exec", "FILE.js FUNCTION [ARG...]", "runs one function of a script with up to 8 arguments and prints its result",
      "stagehost exec lights.js fadeTo 50 2.5\n"

@@ -34,6 +34,16 @@ LineOutcome OutcomeOf(KXPCode code, const QString& text) {
     return {kExitScriptFailed, HostCodeLine(code)};
 }
 
+std::optional<int> ReadMilliseconds(const QString& word) {
+    bool isNumber = false;
+    const int time = word.toInt(&isNumber);
+    return isNumber && time >= 1 ? std::optional(time) : std::nullopt;
+}
+
+LineOutcome NoMilliseconds(const QString& word) {
+    return {kExitBadUse, QStringLiteral("expected a number of milliseconds, not \"%1\"").arg(word)};
+}
+
 } // namespace
 
 /// One kind of line: its first word, what follows, what it does.
@@ -55,8 +65,10 @@ const LiveShow::Row LiveShow::kRows[] = {
     {"stored", "NAME", "sends a stored command and waits for its end", 1, 1, &LiveShow::StoredLine},
     {"task", "NAME start|pause|stop", "works a task", 2, 2, &LiveShow::TaskLine},
     {"cue", "NAME", "runs a cue", 1, 1, &LiveShow::CueLine},
-    {"wait", "NAME VALUE [MS]", "waits until a variable or a channel has a value, or another resource a state", 2, 3,
-     &LiveShow::WaitLine},
+    {"wait", "NAME VALUE [MS] | NAME=VALUE [MS]",
+     "waits until a variable, channel, resource or property has a value; with !=, <, <=, >, >= or ~ (a pattern) too", 1,
+     4, &LiveShow::WaitLine},
+    {"pause", "MS", "lets a time pass", 1, 1, &LiveShow::PauseLine},
     {"play", "", "plays the steps of the show", 0, 0, &LiveShow::Play},
     {"help", "", "shows these lines", 0, 0, &LiveShow::HelpLine},
     {"quit", "", "ends the show", 0, 0, &LiveShow::Quit},
@@ -186,15 +198,35 @@ LineOutcome LiveShow::CueLine(const QStringList& words) {
     return {};
 }
 
+/// "wait NAME VALUE [MS]", "wait NAME=VALUE [MS]" or "wait NAME = VALUE [MS]".
 LineOutcome LiveShow::WaitLine(const QStringList& words) {
-    ShowWait wait{words.at(0), words.at(1), std::nullopt};
-    if (words.size() > 2) {
-        bool number = false;
-        wait.within = words.at(2).toInt(&number);
-        if (!number || *wait.within < 1)
-            return {kExitBadUse, QStringLiteral("expected a number of milliseconds, not \"%1\"").arg(words.at(2))};
+    QString problem;
+    const auto alone = ReadCondition(words.at(0), &problem);
+    const auto sign = words.size() > 2 ? ReadSign(words.at(1)) : std::nullopt;
+    const int used = alone ? 1 : (sign ? 3 : 2);
+    ShowWait wait;
+    if (alone)
+        wait.until = *alone;
+    else if (sign)
+        wait.until = {words.at(0), *sign, words.at(2)};
+    else if (words.size() > 1)
+        wait.until = {words.at(0), Comparison::Is, words.at(1)};
+    else
+        return {kExitBadUse, problem};
+    if (words.size() > used + 1)
+        return {kExitBadUse, QStringLiteral("the form is: wait NAME VALUE [MS], or wait NAME=VALUE [MS]")};
+    if (words.size() == used + 1) {
+        const auto time = ReadMilliseconds(words.at(used));
+        if (!time)
+            return NoMilliseconds(words.at(used));
+        wait.within = *time;
     }
     return OutcomeOf(m_session.WaitFor(wait), {});
+}
+
+LineOutcome LiveShow::PauseLine(const QStringList& words) {
+    const auto time = ReadMilliseconds(words.at(0));
+    return time ? OutcomeOf(Session::Pause(std::chrono::milliseconds(*time)), {}) : NoMilliseconds(words.at(0));
 }
 
 LineOutcome LiveShow::Play(const QStringList&) {

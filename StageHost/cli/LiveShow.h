@@ -38,6 +38,7 @@ private:
     LineOutcome TaskLine(const QStringList& words);
     LineOutcome CueLine(const QStringList& words);
     LineOutcome WaitLine(const QStringList& words);
+    LineOutcome PauseLine(const QStringList& words);
     LineOutcome Play(const QStringList& words);
     LineOutcome HelpLine(const QStringList& words);
     LineOutcome Quit(const QStringList& words);

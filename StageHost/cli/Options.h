@@ -19,11 +19,15 @@ struct Options {
     QStringList logDevices; ///< of --log=DEVICE; empty for all
     int leastLevel = 0;     ///< place in kLogLevels from which on lines of the log are shown
     bool strict = false;    ///< of `check`
+    bool keepGoing = false; ///< of `run`
+    bool tap = false;       ///< of `run`
+    QString junitFile;      ///< of `run`; empty: none
     bool window = false;
     bool reload = false;
-    QStringList sets; ///< of the form [DEVICE.]NAME=VALUE
-    QString logFile;  ///< empty: a temporary one
-    QString module;   ///< empty: the one beside the program
+    QStringList waits; ///< of `send`: conditions
+    QStringList sets;  ///< of the form [DEVICE.]NAME=VALUE
+    QString logFile;   ///< empty: a temporary one
+    QString module;    ///< empty: the one beside the program
     std::chrono::milliseconds timeout{10000};
     bool help = false;
     bool version = false;

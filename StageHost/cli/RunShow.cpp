@@ -1,16 +1,23 @@
+#include <algorithm>
 #include <memory>
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QJsonArray>
+#include <QSaveFile>
 
 #include "BorderText.h"
 #include "CommandCheck.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "Interrupt.h"
 #include "Output.h"
 #include "Reloader.h"
 #include "ScriptSession.h"
 #include "StepPlayer.h"
+#include "StepRecord.h"
+#include "StepText.h"
+#include "StepTicker.h"
 
 namespace stagehost {
 
@@ -24,46 +31,28 @@ QString Milliseconds(double milliseconds) {
     return QStringLiteral("%1 ms").arg(milliseconds, 0, 'f', 1);
 }
 
-/// What a step does that is no command.
-QString ActionText(const ShowStep& step) {
-    if (!step.stored.isEmpty())
-        return QStringLiteral("stored command ") + step.stored;
-    if (step.wait)
-        return QStringLiteral("wait until %1 is %2").arg(step.wait->variable, OneLine(step.wait->value));
-    if (!step.action.task.empty())
-        return QStringLiteral("%1 the task %2")
-            .arg(QLatin1String(kTaskActionNames[static_cast<int>(step.action.taskAction)]),
-                 FromBorderText(step.action.task));
-    if (!step.action.cue.empty())
-        return QStringLiteral("cue ") + FromBorderText(step.action.cue);
-    QStringList sets;
-    for (const auto& [name, value] : step.action.sets)
-        sets += QStringLiteral("%1 = %2").arg(FromBorderText(name), OneLine(FromBorderText(value)));
-    return sets.join(QStringLiteral(", "));
-}
-
-/// What a step sends, as a line of the output: the command and the parameters that say most of it.
-QString Headline(const ShowStep& step) {
-    if (!step.say.isEmpty())
-        return step.say;
-    if (step.device.isEmpty())
-        return ActionText(step);
-    QStringList texts;
-    for (const auto& parameter : step.parameters)
-        texts += OneLine(parameter.text);
-    return texts.isEmpty() ? step.command
-                           : QStringLiteral("%1 (%2)").arg(step.command, texts.join(QStringLiteral(", ")));
-}
-
-/// Shows a playing show: text as it goes, or one JSON text at the end.
+/// Shows a playing show: text as it goes, TAP as it goes, or one JSON text at the end; keeps the record for a JUnit
+/// file beside that.
 class ShowReport {
 public:
     ShowReport(const Options& options, const Show& show)
-        : m_json(options.json)
-        , m_show(show) {}
+        : m_options(options)
+        , m_show(show) {
+        m_record.name = show.name;
+        m_record.begin = QDateTime::currentDateTime();
+        m_clock.start();
+        for (const auto& step : show.steps)
+            m_record.steps.push_back(
+                {Headline(step, nullptr), DeedOf(step), StepRecord::Standing::NotPlayed, {}, {}, 0});
+        if (options.tap)
+            Print(TapBegin(show.steps.size()));
+    }
 
-    void Begin() const {
-        if (!m_json)
+    /// The headings as the commands have their parameters; from here on the commands are known.
+    void Begin(Session& session) {
+        for (std::size_t i = 0; i < m_show.steps.size(); ++i)
+            m_record.steps[i].headline = HeadlineIn(session, m_show.steps[i]);
+        if (IsText())
             PrintLine(
                 QStringLiteral("%1 (%2, %3)")
                     .arg(m_show.name, Count(m_show.devices.size(), "device"), Count(m_show.steps.size(), "step")));
@@ -72,53 +61,112 @@ public:
     void DeviceReady(const ShowDevice& device) const {
         const QString file = device.driverFile.isEmpty() ? device.scriptFile : device.driverFile;
         const QString script = file.isEmpty() ? QString() : QFileInfo(file).fileName();
-        if (!m_json)
+        if (IsText())
             PrintLine(QStringLiteral("  %1 is ready%2")
                           .arg(device.name, script.isEmpty() ? QString() : QStringLiteral(", running ") + script));
     }
 
-    void StepDone(const ShowStep& step, const StepOutcome& outcome) {
-        ++m_played;
-        if (m_json)
+    /// Before a step is played: who watches sees what it waits for.
+    void StepBegins(std::size_t index) {
+        const StepRecord& record = m_record.steps[index];
+        if (!IsText())
+            return;
+        PrintLine(QStringLiteral("\n%1. %2").arg(index + 1).arg(record.headline));
+        if (record.does != record.headline)
+            PrintLine(QStringLiteral("   ") + record.does);
+    }
+
+    void StepDone(std::size_t index, const StepOutcome& outcome) {
+        const ShowStep& step = m_show.steps[index];
+        StepRecord& record = m_record.steps[index];
+        record.standing = outcome.failure ? StepRecord::Standing::Failed : StepRecord::Standing::Well;
+        record.failure = outcome.failure ? outcome.failure->text : QString();
+        record.result = FromBorderText(outcome.command.result);
+        record.milliseconds = outcome.command.milliseconds;
+        if (m_options.tap)
+            return Print(TapLine(static_cast<int>(index) + 1, record));
+        if (m_options.json)
             return AddStep(step, outcome);
-        PrintLine(QStringLiteral("\n%1. %2").arg(m_played).arg(Headline(step)));
-        if (!step.device.isEmpty())
-            PrintLine(QStringLiteral("   %1: %2").arg(step.device, step.command));
-        else if (!step.say.isEmpty())
-            PrintLine(QStringLiteral("   ") + ActionText(step));
-        QStringList lines = FromBorderText(outcome.command.result).split(QLatin1Char('\n'));
+        QStringList lines = record.result.split(QLatin1Char('\n'));
         while (!lines.isEmpty() && lines.last().isEmpty())
             lines.removeLast();
         for (const QString& line : lines)
             PrintLine(QStringLiteral("   | ") + line);
         if (!outcome.failure)
             PrintLine(QStringLiteral("   %1, %2").arg(Verdict(step), Milliseconds(outcome.command.milliseconds)));
+        else if (m_options.keepGoing)
+            PrintLine(QStringLiteral("   failed, %1").arg(Milliseconds(outcome.command.milliseconds)));
     }
 
+    const QString& HeadlineOf(std::size_t index) const { return m_record.steps[index].headline; }
+
     /// @param thrown what scripts have thrown beside the steps; it has been printed.
-    int End(const MaybeFailure& stepFailure, const MaybeFailure& thrown) const {
-        const MaybeFailure& failure = stepFailure ? stepFailure : thrown;
+    int End(const MaybeFailure& showFailure, const MaybeFailure& stepFailure, const MaybeFailure& thrown) {
+        const MaybeFailure& failure = showFailure ? showFailure : (stepFailure ? stepFailure : thrown);
         const int exitCode = failure ? failure->exitCode : kExitOk;
-        if (stepFailure) {
-            PrintProblem(stepFailure->text);
-            PrintPlace(stepFailure->place);
+        if (showFailure) {
+            PrintProblem(showFailure->text);
+            PrintPlace(showFailure->place);
         }
+        m_record.failure = showFailure ? showFailure->text : (stepFailure || !thrown ? QString() : thrown->text);
+        m_record.milliseconds = static_cast<double>(m_clock.elapsed());
         QJsonObject json{{QStringLiteral("show"), m_show.name},
                          {QStringLiteral("ok"), !failure},
                          {QStringLiteral("error"), failure ? failure->text : QString()},
                          {QStringLiteral("exitCode"), exitCode},
                          {QStringLiteral("steps"), m_steps}};
         AddPlace(json, failure ? failure->place : QStringList());
-        if (m_json)
+        if (m_options.tap)
+            Print(TapEnd(m_record));
+        else if (m_options.json)
             PrintJson(json);
         else if (!failure)
             PrintLine(QStringLiteral("\nThe show is over: all %1 went well.").arg(Count(m_show.steps.size(), "step")));
+        else if (m_options.keepGoing && !showFailure)
+            PrintLine(QStringLiteral("\nThe show is over: %1 of %2 failed.")
+                          .arg(FailedCount())
+                          .arg(Count(m_show.steps.size(), "step")));
         return exitCode;
     }
 
+    /// Writes the JUnit file, whole or not at all. @param unfinished stands in it until the show is over.
+    MaybeFailure KeepJUnit(const QString& unfinished) {
+        if (m_options.junitFile.isEmpty())
+            return std::nullopt;
+        ShowRecord record = m_record;
+        if (!unfinished.isEmpty())
+            record.failure = unfinished;
+        QSaveFile file(m_options.junitFile);
+        const QByteArray text = JUnitText(record);
+        if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
+            return std::nullopt;
+        return Failure{kExitBadUse,
+                       QStringLiteral("%1: cannot be written: %2").arg(m_options.junitFile, file.errorString())};
+    }
+
 private:
+    bool IsText() const { return !m_options.json && !m_options.tap; }
+
+    static QString DeedOf(const ShowStep& step) {
+        return step.device.isEmpty() ? ActionText(step) : QStringLiteral("%1: %2").arg(step.device, step.command);
+    }
+
+    static QString HeadlineIn(Session& session, const ShowStep& step) {
+        Device* device = step.device.isEmpty() ? nullptr : session.FindDevice(step.device);
+        if (device == nullptr)
+            return Headline(step, nullptr);
+        const auto definition = device->Variables().Definition();
+        return Headline(step, definition->FindCommand(ToBorderText(step.command)));
+    }
+
     static QString Verdict(const ShowStep& step) {
         return step.expectedError ? QStringLiteral("failed as expected: ") + *step.expectedError : QStringLiteral("ok");
+    }
+
+    int FailedCount() const {
+        return static_cast<int>(std::count_if(m_record.steps.begin(), m_record.steps.end(), [](const StepRecord& step) {
+            return step.standing == StepRecord::Standing::Failed;
+        }));
     }
 
     void AddStep(const ShowStep& step, const StepOutcome& outcome) {
@@ -134,18 +182,20 @@ private:
         m_steps.append(object);
     }
 
-    const bool m_json;
+    const Options& m_options;
     const Show& m_show;
-    int m_played = 0;
+    ShowRecord m_record;
+    QElapsedTimer m_clock;
     QJsonArray m_steps;
 };
 
-MaybeFailure Play(Session& session, const Show& show, const Options& options, ShowReport& report) {
+/// Opens the show and starts its devices.
+MaybeFailure StartShow(Session& session, const Show& show, ShowReport& report) {
     if (auto failure = session.Open(show))
         return failure;
     if (auto failure = CheckCommands(session, show))
         return failure;
-    report.Begin();
+    report.Begin(session);
     if (auto failure = session.StartPeers())
         return failure;
     for (const auto& device : session.Devices()) {
@@ -158,19 +208,30 @@ MaybeFailure Play(Session& session, const Show& show, const Options& options, Sh
             return Failure{failure->exitCode, QStringLiteral("%1: %2").arg(device.name, failure->text), failure->place};
         report.DeviceReady(device);
     }
-    const auto reloader = options.reload ? std::make_unique<Reloader>(session, show, options) : nullptr;
-    StepPlayer player(session, show);
-    int number = 0;
-    for (const auto& step : show.steps) {
-        const StepOutcome outcome = player.Play(step);
-        report.StepDone(step, outcome);
-        ++number;
-        if (outcome.failure)
-            return Failure{outcome.failure->exitCode,
-                           QStringLiteral("step %1 (%2): %3").arg(number).arg(Headline(step), outcome.failure->text),
-                           outcome.failure->place};
-    }
     return std::nullopt;
+}
+
+/// Plays the steps, to the first that fails or all of them. @return the first failure; each has been told.
+MaybeFailure PlaySteps(Session& session, const Show& show, bool keepGoing, ShowReport& report) {
+    StepPlayer player(session, show);
+    MaybeFailure first;
+    for (std::size_t index = 0; index < show.steps.size() && (keepGoing || !first) && !Interrupt::HasCome(); ++index) {
+        report.StepBegins(index);
+        StepOutcome outcome;
+        {
+            const StepTicker ticker;
+            outcome = player.Play(show.steps[index]);
+        }
+        report.StepDone(index, outcome);
+        if (!outcome.failure)
+            continue;
+        const Failure failure{
+            outcome.failure->exitCode,
+            QStringLiteral("step %1 (%2): %3").arg(index + 1).arg(report.HeadlineOf(index), outcome.failure->text)};
+        PrintProblem(failure.text);
+        first = first ? first : MaybeFailure(failure);
+    }
+    return first;
 }
 
 } // namespace
@@ -181,11 +242,20 @@ int RunShow(const Options& options) {
         return Fail(options.json, *failure);
     Session session(options);
     ShowReport report(options, show);
-    auto failure = Play(session, show, options, report);
-    if (failure)
-        session.TellWhereItHangs(*failure);
+    if (auto failure = report.KeepJUnit(QStringLiteral("the show has not come to its end")))
+        return Fail(options.json, *failure);
+    auto showFailure = StartShow(session, show, report);
+    if (showFailure)
+        session.TellWhereItHangs(*showFailure);
+    const auto reloader = options.reload && !showFailure ? std::make_unique<Reloader>(session, show, options) : nullptr;
+    const auto stepFailure = showFailure ? MaybeFailure() : PlaySteps(session, show, options.keepGoing, report);
     const auto thrown = session.TellThrown();
-    return session.Close(report.End(failure, thrown));
+    int exitCode = report.End(showFailure, stepFailure, thrown);
+    if (const auto failure = report.KeepJUnit({})) {
+        PrintProblem(failure->text);
+        exitCode = exitCode == kExitOk ? failure->exitCode : exitCode;
+    }
+    return session.Close(exitCode);
 }
 
 } // namespace stagehost

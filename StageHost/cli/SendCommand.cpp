@@ -9,7 +9,34 @@ namespace stagehost {
 
 namespace {
 
-MaybeFailure SendTo(Session& session, const Show& show, const QStringList& words, CommandOutcome& outcome, bool& sent) {
+MaybeFailure ReadWaits(const QStringList& texts, std::vector<Condition>& waits) {
+    for (const QString& text : texts) {
+        QString problem;
+        const auto condition = ReadCondition(text, &problem);
+        if (!condition)
+            return Failure{kExitBadUse, QStringLiteral("--wait: ") + problem};
+        waits.push_back(*condition);
+    }
+    return std::nullopt;
+}
+
+/// A name is first one of the device's own variables.
+MaybeFailure WaitForAll(Session& session, const QString& device, std::vector<Condition> waits) {
+    for (Condition& condition : waits) {
+        const QString own = device + QLatin1Char('.') + condition.name;
+        if (session.TheHost().Variables().Find(ToBorderText(own)))
+            condition.name = own;
+        if (auto failure = session.WaitFor({condition, std::nullopt}))
+            return failure;
+    }
+    return std::nullopt;
+}
+
+MaybeFailure SendTo(Session& session, const Show& show, const Options& options, CommandOutcome& outcome, bool& sent) {
+    const QStringList& words = options.arguments;
+    std::vector<Condition> waits;
+    if (auto failure = ReadWaits(options.waits, waits))
+        return failure;
     std::vector<ParameterInput> inputs;
     if (auto failure = ReadInputs(words.mid(3), inputs))
         return failure;
@@ -18,6 +45,8 @@ MaybeFailure SendTo(Session& session, const Show& show, const QStringList& words
     if (auto failure = session.Open(show))
         return failure;
     if (auto failure = session.Start())
+        return failure;
+    if (auto failure = WaitForAll(session, words.at(1), waits))
         return failure;
     auto failure = session.Send(*session.FindDevice(words.at(1)), words.at(2), inputs, &outcome);
     sent = !failure || failure->exitCode != kExitBadUse;
@@ -40,7 +69,7 @@ int SendCommand(const Options& options) {
     Session session(options);
     CommandOutcome outcome;
     bool sent = false;
-    auto failure = SendTo(session, show, options.arguments, outcome, sent);
+    auto failure = SendTo(session, show, options, outcome, sent);
     if (failure)
         session.TellWhereItHangs(*failure);
     if (failure && !sent)

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 
 #include "BorderText.h"
+#include "ConditionWatch.h"
 #include "DriverSetup.h"
 #include "ExitCodes.h"
 #include "ExitGuard.h"
@@ -70,6 +71,15 @@ QString Complaint(Device& device, const DeviceDefinition& definition, const QStr
     const CommandDefinition* found = definition.FindCommand(ToBorderText(command));
     const QString problem = found == nullptr ? NoCommandText(device, definition, command) : CheckInputs(*found, inputs);
     return problem.isEmpty() ? QString() : DeviceText(device, problem);
+}
+
+/// A script that answers late cannot throw any more: it says by its result that the command has failed.
+void JudgeResult(CommandOutcome& outcome) {
+    const std::string_view mark = kFailureMark;
+    if (outcome.kind != CommandOutcome::Kind::Done || outcome.result.compare(0, mark.size(), mark) != 0)
+        return;
+    outcome.kind = CommandOutcome::Kind::ScriptFailed;
+    outcome.error = outcome.result.substr(mark.size());
 }
 
 } // namespace
@@ -410,6 +420,7 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
         PrintProblem(DeviceText(device, QStringLiteral("waiting until the device gives up the command that failed")));
     const auto thrown = HearThrown(device, [&] { *outcome = device.Send(*found, inputs, m_options.timeout); });
     const QStringList place = JudgeThrown(device, thrown, *outcome);
+    JudgeResult(*outcome);
     const int exitCode = ExitCodeOf(*outcome);
     if (exitCode == kExitOk)
         return std::nullopt;
@@ -441,35 +452,31 @@ MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
 }
 
 MaybeFailure Session::WaitFor(const ShowWait& wait) {
-    const std::string name = ToBorderText(wait.variable);
-    const QString never = ValueCheck(m_show).WhyNeverIs(wait.variable, ToBorderText(wait.value));
+    const QString never = ValueCheck(m_show).WhyNeverHolds(wait.until);
     if (!never.isEmpty())
-        return Failure{kExitBadUse, Quoted(wait.variable) + QLatin1Char(' ') + never};
-    if (const auto variable = m_host->Variables().Find(name)) {
-        const Observation observation = variable->Observe([] { MainWait::Wake(); });
-        return WaitUntil(wait, [&] { // a device that is made anew has new ones
-            const auto now = m_host->Variables().Find(name);
-            return (now ? now : variable)->Text();
-        });
-    }
-    const auto resource = m_host->Model().FindResource(name);
-    if (!resource)
-        return NoVariable(wait.variable);
-    const Subscription subscription = m_host->Model().Feed().Subscribe([](const ShowChange&) { MainWait::Wake(); });
-    return WaitUntil(wait, [&] { return resource->Standing(); });
+        return Failure{kExitBadUse, Quoted(wait.until.name) + QLatin1Char(' ') + never};
+    const ConditionWatch watch(*m_host, wait.until);
+    if (watch.IsUnknown())
+        return NoVariable(wait.until.name);
+    if (!watch.Problem().isEmpty())
+        return Failure{kExitBadUse, watch.Problem()};
+    const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : m_options.timeout;
+    if (MainWait::UntilInterrupted([&] { return watch.Holds(); }, limit))
+        return std::nullopt;
+    const QString state =
+        wait.until.comparison == Comparison::Is
+            ? QStringLiteral("\"%1\" is \"%2\", not \"%3\"").arg(wait.until.name, watch.Now(), wait.until.value)
+            : QStringLiteral("\"%1\" is \"%2\", and should be: %3")
+                  .arg(wait.until.name, watch.Now(), wait.until.Text());
+    if (Interrupt::HasCome())
+        return Failure{kExitNoAnswer, QStringLiteral("interrupted while ") + state};
+    return Failure{kExitNoAnswer, QStringLiteral("%1, after %2 ms").arg(state).arg(limit.count())};
 }
 
-MaybeFailure Session::WaitUntil(const ShowWait& wait, const std::function<std::string()>& text) {
-    const std::string value = ToBorderText(wait.value);
-    const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : m_options.timeout;
-    if (MainWait::UntilInterrupted([&] { return text() == value; }, limit))
-        return std::nullopt;
-    if (Interrupt::HasCome())
-        return Failure{kExitNoAnswer, QStringLiteral("interrupted while \"%1\" is \"%2\", not \"%3\"")
-                                          .arg(wait.variable, FromBorderText(text()), wait.value)};
-    return Failure{kExitNoAnswer, QStringLiteral("\"%1\" is \"%2\", not \"%3\", after %4 ms")
-                                      .arg(wait.variable, FromBorderText(text()), wait.value)
-                                      .arg(limit.count())};
+MaybeFailure Session::Pause(std::chrono::milliseconds time) {
+    MainWait::UntilInterrupted([] { return false; }, time);
+    return Interrupt::HasCome() ? MaybeFailure(Failure{kExitNoAnswer, QStringLiteral("interrupted in a pause")})
+                                : std::nullopt;
 }
 
 Failure NoDevice(const Show& show, const QString& name) {

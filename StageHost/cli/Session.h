@@ -99,9 +99,11 @@ public:
     /// What the module's dialogs let the user choose with; before Open. Outlives the session; null for none.
     void SetDialogs(UserDialogs* dialogs) { m_dialogs = dialogs; }
 
-    /// Waits until a variable has a value in its text form, a channel its value or another resource its
-    /// state, as long as the wait says or for the limit of answers.
+    /// Waits until a condition holds, as long as the wait says or for the limit of answers. A name that is not there,
+    /// and a condition that can never hold, is a failure at once.
     MaybeFailure WaitFor(const ShowWait& wait);
+    /// Lets a time pass while the show goes on. @return a failure when the user ends it.
+    static MaybeFailure Pause(std::chrono::milliseconds time);
 
     Device* FindDevice(const QString& name);
 
@@ -134,7 +136,6 @@ public:
     int Close(int exitCode);
 
 private:
-    MaybeFailure WaitUntil(const ShowWait& wait, const std::function<std::string()>& text);
     MaybeFailure PrepareLog(HostSettings& settings);
     MaybeFailure LoadModule();
     MaybeFailure MakeDevice(std::size_t index);

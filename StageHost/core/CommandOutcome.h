@@ -6,6 +6,9 @@
 
 namespace stagehost {
 
+/// How the result of a command begins that has failed: what scripts say when they can throw no more.
+inline constexpr const char* kFailureMark = "error: ";
+
 /// How one command went. All texts are Latin-1.
 struct CommandOutcome {
     enum class Kind {

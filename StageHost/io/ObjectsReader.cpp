@@ -309,6 +309,17 @@ void ObjectsReader::CheckVariable(const JsonNode& node, const QString& name) con
                       NamesInstead(name, Sorted(m_variables | m_resources)));
 }
 
+void ObjectsReader::CheckAwaited(const JsonNode& node, const QString& name) const {
+    const int point = name.lastIndexOf(QLatin1Char('.'));
+    if (point < 0 || m_resources.contains(name))
+        return CheckVariable(node, name);
+    const QString object = name.left(point);
+    if (!IsKnownObject(object) && !m_groups.contains(object) &&
+        !m_devices.contains(name.section(QLatin1Char('.'), 0, 0)))
+        node.Complain(QStringLiteral("there is no object ") + Quoted(object) +
+                      NamesInstead(object, Sorted(United(KnownObjects()))));
+}
+
 std::string ObjectsReader::ReadName(const JsonNode& node, const QString& holder, QSet<QString>& taken) {
     std::string name = node.BorderText();
     CheckName(node, name, "an object");

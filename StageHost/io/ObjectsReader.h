@@ -30,6 +30,8 @@ public:
     void ReadCueName(const JsonNode& node, ActionSpec& action);
     void CheckStored(const JsonNode& node) const;
     void CheckVariable(const JsonNode& node, const QString& name) const;
+    /// A variable, a resource, or a property of another object.
+    void CheckAwaited(const JsonNode& node, const QString& name) const;
     const ValueCheck& Values() const { return m_values; }
 
 private:

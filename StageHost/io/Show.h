@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "Condition.h"
 #include "HardwareSpec.h"
 #include "HostSettings.h"
 #include "ShowSpec.h"
@@ -51,10 +52,9 @@ struct ShowParameter {
     QString text; ///< the text, the file's name relative to the show file, or the variable's name
 };
 
-/// A variable that has to get a value.
+/// Something that has to become so.
 struct ShowWait {
-    QString variable;
-    QString value;
+    Condition until;
     std::optional<int> within; ///< ms; the limit for answers when it is not given
 };
 
@@ -68,6 +68,7 @@ struct ShowStep {
     std::optional<QString> expectedError; ///< the step has to fail with this text
     ActionSpec action;                    ///< variables, a task or a cue; never a command
     std::optional<ShowWait> wait;
+    std::optional<int> pause; ///< ms in which nothing is done
     QString stored; ///< a stored command by its name, sent as a command is; empty: none
 };
 

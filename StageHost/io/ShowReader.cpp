@@ -237,10 +237,10 @@ void ShowReader::ReadStep(const JsonNode& node, ObjectsReader& objects) {
     step.say = member("say").Text();
     const auto given = [&](const char* name) { return member(name).IsMissing() ? 0 : 1; };
     if (given("device") + given("stored") + given("set") + given("ramp") + given("task") + given("cue") +
-            given("wait") !=
+            given("wait") + given("pause") !=
         1)
         node.Complain(QStringLiteral(
-            "expected one of \"device\", \"stored\", \"set\", \"ramp\", \"task\", \"cue\" and \"wait\""));
+            "expected one of \"device\", \"stored\", \"set\", \"ramp\", \"task\", \"cue\", \"wait\" and \"pause\""));
     else if (member("device").IsMissing())
         ReadOtherStep(node, objects, step);
     else
@@ -265,14 +265,31 @@ void ShowReader::ReadOtherStep(const JsonNode& node, ObjectsReader& objects, Sho
     objects.ReadRamps(member("ramp"), step.action);
     objects.ReadTaskAction(node, step.action);
     objects.ReadCueName(member("cue"), step.action);
-    const JsonNode wait = member("wait");
+    step.pause = member("pause").Whole(1);
+    ReadWait(member("wait"), objects, step);
+}
+
+/// `"until": "NAME SIGN VALUE"`, or "variable" and "value" for what has to be equal.
+void ShowReader::ReadWait(const JsonNode& wait, const ObjectsReader& objects, ShowStep& step) {
     if (wait.IsMissing() || !wait.ExpectObject(kWaitKeys))
         return;
+    step.wait = ShowWait{{}, wait.Member(QStringLiteral("within")).Whole(1)};
+    const JsonNode until = wait.Member(QStringLiteral("until"));
     const JsonNode variable = wait.Member(QStringLiteral("variable"));
-    objects.CheckVariable(variable, variable.Text());
     const JsonNode value = wait.Member(QStringLiteral("value"));
-    step.wait = ShowWait{variable.PlainText(), value.Scalar(), wait.Member(QStringLiteral("within")).Whole(1)};
-    value.ComplainUnlessEmpty(objects.Values().WhyNeverIs(variable.PlainText(), ToBorderText(step.wait->value)));
+    if (!until.IsMissing() && !(variable.IsMissing() && value.IsMissing()))
+        until.Complain(QStringLiteral("stands alone, without \"variable\" and \"value\""));
+    if (until.IsMissing()) {
+        objects.CheckVariable(variable, variable.Text());
+        step.wait->until = {variable.PlainText(), Comparison::Is, value.Scalar()};
+    } else {
+        QString problem;
+        step.wait->until = ReadCondition(until.Text(), &problem).value_or(Condition());
+        until.ComplainUnlessEmpty(problem);
+        if (problem.isEmpty())
+            objects.CheckAwaited(until, step.wait->until.name);
+    }
+    (until.IsMissing() ? value : until).ComplainUnlessEmpty(objects.Values().WhyNeverHolds(step.wait->until));
 }
 
 void ShowReader::ReadCommandStep(const JsonNode& node, ShowStep& step) {

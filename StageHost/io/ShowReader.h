@@ -38,6 +38,7 @@ private:
     void ReadStoredCommand(const JsonNode& node);
     void ReadStep(const JsonNode& node, ObjectsReader& objects);
     static void ReadOtherStep(const JsonNode& node, ObjectsReader& objects, ShowStep& step);
+    static void ReadWait(const JsonNode& wait, const ObjectsReader& objects, ShowStep& step);
     static void ReadExpectation(const JsonNode& node, ShowStep& step);
     void ReadCommandStep(const JsonNode& node, ShowStep& step);
     void ReadParameter(const QString& name, const JsonNode& node, ShowStep& step);

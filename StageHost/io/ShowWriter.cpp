@@ -103,7 +103,11 @@ QJsonValue WriteParameter(const ShowParameter& parameter) {
 }
 
 QJsonObject WriteWait(const ShowWait& wait) {
-    QJsonObject object{{QStringLiteral("variable"), wait.variable}, {QStringLiteral("value"), wait.value}};
+    QJsonObject object;
+    if (wait.until.comparison == Comparison::Is)
+        object = {{QStringLiteral("variable"), wait.until.name}, {QStringLiteral("value"), wait.until.value}};
+    else
+        object = {{QStringLiteral("until"), wait.until.Text()}};
     if (wait.within)
         object.insert(QStringLiteral("within"), *wait.within);
     return object;
@@ -118,6 +122,8 @@ QJsonObject WriteStep(const ShowStep& step) {
     WriteAction(step.action, object);
     if (step.wait)
         object.insert(QStringLiteral("wait"), WriteWait(*step.wait));
+    if (step.pause)
+        object.insert(QStringLiteral("pause"), *step.pause);
     QJsonObject parameters;
     for (const auto& parameter : step.parameters)
         parameters.insert(parameter.name, WriteParameter(parameter));

@@ -5,6 +5,7 @@
 #include "BorderText.h"
 #include "JsonNode.h"
 #include "LevelsText.h"
+#include "PlainNumbers.h"
 #include "ValueFactory.h"
 #include "WholeNumber.h"
 
@@ -48,7 +49,9 @@ QString WhyVariableNeverIs(const ValueSpec& spec, const std::string& value) {
     const auto own = MakeValue(spec);
     if (!own->SetText(value))
         return QStringLiteral("never is ") + Quoted(FromBorderText(value));
-    if (own->Text() == value)
+    const auto number = ParseNumber(value);
+    const bool isNumber = spec.type == KXP_INTEGER_DATA || spec.type == KXP_REAL_DATA || spec.type == KXP_ENUM_DATA;
+    if (own->Text() == value || (isNumber && number && own->Real() == *number))
         return {};
     return QStringLiteral("never is %1, but %2")
         .arg(Quoted(FromBorderText(value)), Quoted(FromBorderText(own->Text())));
@@ -82,6 +85,12 @@ QString ValueCheck::WhyNeverIs(const QString& name, const std::string& value) co
         return {};
     return QStringLiteral("is %1 or %2, never %3")
         .arg(Quoted(QLatin1String(kStates[0])), Quoted(QLatin1String(kStates[1])), Quoted(FromBorderText(value)));
+}
+
+QString ValueCheck::WhyNeverHolds(const Condition& condition) const {
+    if (condition.comparison == Comparison::Is || condition.comparison == Comparison::IsNot)
+        return WhyNeverIs(condition.name, ToBorderText(condition.value));
+    return {};
 }
 
 const ValueSpec* ValueCheck::FindVariable(const QString& name) const {

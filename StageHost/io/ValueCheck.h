@@ -24,6 +24,10 @@ public:
     /// Whether waiting for it can end. What a value has is compared in its text form.
     QString WhyNeverIs(const QString& name, const std::string& value) const;
 
+    /// The same for a condition. Of those that ask for an order or a pattern only what stands there by itself is looked
+    /// at.
+    QString WhyNeverHolds(const Condition& condition) const;
+
     bool IsChannel(const QString& name) const { return FindChannel(name) != nullptr; }
 
 private:
