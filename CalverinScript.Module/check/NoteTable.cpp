@@ -17,7 +17,7 @@ const std::array<NoteKind, static_cast<std::size_t>(NoteCode::Count)> kNoteKinds
     {NoteCode::StartNotPublished, "start-not-published",
      "%1 is never called, since the object that the script ends with does not have it: make it a member"},
     {NoteCode::SameMember, "same-member",
-     "%1 stands twice in one object, in line %2 too, and the last one counts: rename one, or take it out"},
+     "%1 stands twice in one object, and the last one counts: rename one, or take it out"},
     {NoteCode::MeansNothing, "means-nothing", "%1 means nothing: correct the name, or take it out (%2)"},
     {NoteCode::NotPublished, "not-published",
      "%1 describes nothing, since nothing of that name is published: correct the name, or take it out"},

@@ -1,6 +1,7 @@
 #include "ScriptNotes.h"
 
 #include <QHash>
+#include <QSet>
 
 #include "DriverTables.h"
 #include "ScriptInfo.h"
@@ -145,7 +146,7 @@ private:
     }
 
     void LookAtWrittenObject(int open) {
-        QHash<QString, int> lines;
+        QSet<QString> seen;
         const int close = m_source.Words()[static_cast<std::size_t>(open)].partner;
         for (int place = open + 1; place < close; ++place) {
             const SourceWord& word = m_source.Words()[static_cast<std::size_t>(place)];
@@ -155,10 +156,9 @@ private:
             }
             if (!m_source.IsKey(place))
                 continue;
-            if (lines.contains(word.text))
-                m_notes.append(
-                    MakeNote(NoteCode::SameMember, word.line, word.text, {QString::number(lines.value(word.text))}));
-            lines.insert(word.text, word.line);
+            if (seen.contains(word.text))
+                m_notes.append(MakeNote(NoteCode::SameMember, word.line, word.text));
+            seen.insert(word.text);
         }
     }
 

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QJsonArray>
+#include <QProcess>
 
 #include "StageHostProcess.h"
 
@@ -104,6 +105,22 @@ TEST_F(Steps, ShowTheirHeadingBeforeTheyRun) {
     EXPECT_EQ(host.ExitCode(), 3);
     EXPECT_FALSE(host.Output().contains(Text("... "))) << "no ticking in a pipe";
     EXPECT_FALSE(host.Errors().contains(QChar(0x1B)));
+}
+
+TEST_F(Steps, ThatTakeLongShowTheSecondsOnATerminal) {
+    QProcess terminal; // a pseudo-terminal, whose other end is copied to the output
+    terminal.start(Text("socat"), {Text("-u"),
+                                   Text("EXEC:") + Text(STAGEHOST_BIN "/stagehost run ") +
+                                       Show(Until("lamp.Online = yes", 60000)) + Text(",pty,stderr"),
+                                   Text("-")});
+    ASSERT_TRUE(terminal.waitForStarted());
+    QByteArray shown;
+    while (!shown.contains(" s") && terminal.waitForReadyRead(60000))
+        shown += terminal.readAllStandardOutput();
+    EXPECT_TRUE(shown.contains("1. wait until lamp.Online is yes")) << shown.toStdString();
+    EXPECT_TRUE(shown.contains("\r   ... ")) << shown.toStdString();
+    terminal.terminate();
+    EXPECT_TRUE(terminal.waitForFinished(60000));
 }
 
 TEST_F(Steps, HaveTheParametersOfACommandInItsOwnOrder) {
