@@ -223,11 +223,13 @@ inline constexpr ShowKey kStepKeys[] = {
     {"action", "\"start\" \"pause\" \"stop\"", false, "start if not given"},
     {"cue", "text", false, "a cue is run"},
     {"wait", "wait", false, "something is waited for"},
+    {"pause", "whole(1)", false, "ms in which nothing is done"},
 };
 
 inline constexpr ShowKey kWaitKeys[] = {
-    {"variable", "text", true, "a variable, a channel or another resource"},
-    {"value", "scalar", true, "its value in the text form, or the state of a resource"},
+    {"until", "text", false, "what has to be so: NAME=VALUE, or with !=, <, <=, >, >= or ~ (a pattern)"},
+    {"variable", "text", false, "in its place a variable, a channel or another resource"},
+    {"value", "scalar", false, "and its value in the text form, or the state of a resource"},
     {"within", "whole(1)", false, "ms; the limit for answers if not given"},
 };
 

@@ -273,7 +273,7 @@ void ShowReader::ReadOtherStep(const JsonNode& node, ObjectsReader& objects, Sho
 void ShowReader::ReadWait(const JsonNode& wait, const ObjectsReader& objects, ShowStep& step) {
     if (wait.IsMissing() || !wait.ExpectObject(kWaitKeys))
         return;
-    step.wait = ShowWait{{}, wait.Member(QStringLiteral("within")).Whole(1)};
+    step.wait.emplace();
     const JsonNode until = wait.Member(QStringLiteral("until"));
     const JsonNode variable = wait.Member(QStringLiteral("variable"));
     const JsonNode value = wait.Member(QStringLiteral("value"));
@@ -290,6 +290,7 @@ void ShowReader::ReadWait(const JsonNode& wait, const ObjectsReader& objects, Sh
             objects.CheckAwaited(until, step.wait->until.name);
     }
     (until.IsMissing() ? value : until).ComplainUnlessEmpty(objects.Values().WhyNeverHolds(step.wait->until));
+    step.wait->within = wait.Member(QStringLiteral("within")).Whole(1);
 }
 
 void ShowReader::ReadCommandStep(const JsonNode& node, ShowStep& step) {

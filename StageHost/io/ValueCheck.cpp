@@ -51,7 +51,8 @@ QString WhyVariableNeverIs(const ValueSpec& spec, const std::string& value) {
         return QStringLiteral("never is ") + Quoted(FromBorderText(value));
     const auto number = ParseNumber(value);
     const bool isNumber = spec.type == KXP_INTEGER_DATA || spec.type == KXP_REAL_DATA || spec.type == KXP_ENUM_DATA;
-    if (own->Text() == value || (isNumber && number && own->Real() == *number))
+    const bool isClock = spec.type == KXP_TIME_DATA || spec.type == KXP_DATE_DATA; // written in several ways
+    if (own->Text() == value || isClock || (isNumber && number && own->Real() == *number))
         return {};
     return QStringLiteral("never is %1, but %2")
         .arg(Quoted(FromBorderText(value)), Quoted(FromBorderText(own->Text())));

@@ -218,7 +218,7 @@ TEST(ShowReader, ReadsTheObjectsOfAShow) {
     EXPECT_EQ(show->steps[2].action.sets.size(), 2u);
     EXPECT_EQ(show->steps[3].action.taskAction, TaskAction::Pause);
     EXPECT_EQ(show->steps[4].action.cue, "thunder");
-    EXPECT_EQ(show->steps[6].wait->value, QStringLiteral("8"));
+    EXPECT_EQ(show->steps[6].wait->until.value, QStringLiteral("8"));
     EXPECT_EQ(show->steps[6].wait->within, 50);
 }
 
@@ -246,7 +246,7 @@ TEST(ShowWriter, WritesWhatReadsBackAsTheSameShow) {
     ASSERT_TRUE(again.has_value()) << second.Complaints().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(WriteShow(*again), text);
     EXPECT_EQ(again->steps.size(), show->steps.size());
-    EXPECT_EQ(again->steps[6].wait->variable, show->steps[6].wait->variable);
+    EXPECT_EQ(again->steps[6].wait->until.name, show->steps[6].wait->until.name);
     EXPECT_EQ(again->devices[1].conduct, Conduct::NeverEnds);
     EXPECT_EQ(again->objects.tasks[0].lines.size(), 4u);
     EXPECT_EQ(again->objects.tasks[0].lines[2].action.taskAction, TaskAction::Stop);
