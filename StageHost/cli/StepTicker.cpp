@@ -30,7 +30,7 @@ StepTicker::~StepTicker() {
 
 void StepTicker::Show() {
     m_isShown = true;
-    std::fprintf(stderr, "\r   ... %lld s", static_cast<long long>(m_clock.elapsed() / kTickMs));
+    std::fprintf(stderr, "\r   ... %lld s", static_cast<long long>((m_clock.elapsed() + kTickMs / 2) / kTickMs));
     std::fflush(stderr);
 }
 
