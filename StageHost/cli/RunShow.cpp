@@ -225,10 +225,13 @@ MaybeFailure PlaySteps(Session& session, const Show& show, bool keepGoing, ShowR
         report.StepDone(index, outcome);
         if (!outcome.failure)
             continue;
-        const Failure failure{
+        Failure failure{
             outcome.failure->exitCode,
-            QStringLiteral("step %1 (%2): %3").arg(index + 1).arg(report.HeadlineOf(index), outcome.failure->text)};
+            QStringLiteral("step %1 (%2): %3").arg(index + 1).arg(report.HeadlineOf(index), outcome.failure->text),
+            outcome.failure->place};
+        session.TellWhereItHangs(failure);
         PrintProblem(failure.text);
+        PrintPlace(failure.place);
         first = first ? first : MaybeFailure(failure);
     }
     return first;
