@@ -5,6 +5,7 @@
 
 #include "ActionObjects.h"
 #include "BorderText.h"
+#include "Colors.h"
 #include "Output.h"
 
 namespace stagehost {
@@ -70,7 +71,8 @@ void ChangePrinter::Take(const ShowChange& change) {
 void ChangePrinter::PrintChange(const ShowChange& change) const {
     const QDateTime time = TimeOf(change);
     if (!m_json)
-        return PrintLine(time.toString(QStringLiteral("HH:mm:ss.zzz  ")) + LineOf(change));
+        return PrintLine(OnOutput(Ink::Faint, time.toString(QStringLiteral("HH:mm:ss.zzz"))) + QStringLiteral("  ") +
+                         LineOf(change));
     PrintJsonLine({{QStringLiteral("time"), time.toOffsetFromUtc(time.offsetFromUtc()).toString(Qt::ISODateWithMs)},
                    {QStringLiteral("kind"), QLatin1String(RowOf(change.kind).name)},
                    {QStringLiteral("object"), FromBorderText(change.object)},

@@ -1,7 +1,7 @@
 #include "InputLines.h"
 
 #include "BorderText.h"
-#include "Typing.h"
+#include "Terminal.h"
 
 namespace stagehost {
 
@@ -16,7 +16,7 @@ InputLines::InputLines() {
     if (m_ended)
         return;
     m_notifier = std::make_unique<QSocketNotifier>(m_input.handle(), QSocketNotifier::Read);
-    if (IsTyped())
+    if (IsTerminal(Channel::Input) && IsTerminal(Channel::Output))
         m_editor = std::make_unique<LineEditor>([this](const QString* line) { TakeTyped(line); });
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
                      [this] { m_editor ? m_editor->Read() : Read(); });

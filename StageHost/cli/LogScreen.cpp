@@ -5,6 +5,7 @@
 
 #include <QTime>
 
+#include "Colors.h"
 #include "LogLines.h"
 #include "Output.h"
 
@@ -13,6 +14,7 @@ namespace stagehost {
 namespace {
 
 /// Commands that run scripts while somebody looks on.
+constexpr int kAlarmLevel = 4; // "alarm"
 constexpr const char* kShowTraces[] = {"run", "watch", "exec", "send"};
 
 constexpr int kLevelWidth = 7;
@@ -23,6 +25,10 @@ QString LevelName(const LogLine& line) {
     const auto* found = std::find_if(std::begin(kLogLevels), std::end(kLogLevels),
                                      [&](const LogLevel& level) { return level.number == line.level; });
     return found == std::end(kLogLevels) ? QString::number(line.level) : QString(QLatin1String(found->name)).toUpper();
+}
+
+Ink InkOf(const LogLine& line) {
+    return WeightOfLevel(line.level) >= WeightOfLevel(kAlarmLevel) ? Ink::Warning : Ink::Faint;
 }
 
 } // namespace
@@ -55,8 +61,8 @@ void LogScreen::Show(const LogLine& line, Clock::time_point now) {
     Tell(now);
     ++m_shown;
     PrintProblem(QStringLiteral("%1  %2  %3  %4")
-                     .arg(line.time, line.device.leftJustified(m_widest), LevelName(line).leftJustified(kLevelWidth),
-                          line.text));
+                     .arg(OnErrors(Ink::Faint, line.time), line.device.leftJustified(m_widest),
+                          OnErrors(InkOf(line), LevelName(line).leftJustified(kLevelWidth)), line.text));
 }
 
 void LogScreen::Tell(Clock::time_point now) {

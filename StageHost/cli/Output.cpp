@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 
 #include "BorderText.h"
+#include "Colors.h"
 #include "ExitCodes.h"
 #include "HostCodes.h"
 #include "ScriptPlaces.h"
@@ -110,7 +111,7 @@ int Fail(bool json, int exitCode, const QString& text) {
 }
 
 int Fail(bool json, const Failure& failure) {
-    PrintProblem(failure.text);
+    PrintProblem(OnErrors(Ink::Bad, failure.text));
     PrintPlace(failure.place);
     QJsonObject object{{QStringLiteral("ok"), false},
                        {QStringLiteral("error"), failure.text},

@@ -6,6 +6,7 @@
 #include <QFileInfo>
 
 #include "BorderText.h"
+#include "Colors.h"
 #include "ExitCodes.h"
 #include "Interrupt.h"
 #include "Output.h"
@@ -133,7 +134,7 @@ MaybeFailure Reloader::Run(const Watched& watched, const QString& setup, const Q
 }
 
 void Reloader::GoOn(const QString& device, const MaybeFailure& failure) {
-    PrintProblem(failure->text);
+    PrintProblem(OnErrors(Ink::Bad, failure->text));
     PrintPlace(failure->place);
     PrintProblem(QStringLiteral("%1 goes on with the edition that it has").arg(device));
 }

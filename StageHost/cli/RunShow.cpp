@@ -7,6 +7,7 @@
 #include <QSaveFile>
 
 #include "BorderText.h"
+#include "Colors.h"
 #include "CommandCheck.h"
 #include "Commands.h"
 #include "ExitCodes.h"
@@ -71,7 +72,8 @@ public:
         const StepRecord& record = m_record.steps[index];
         if (!IsText())
             return;
-        PrintLine(QStringLiteral("\n%1. %2").arg(index + 1).arg(record.headline));
+        PrintLine(QStringLiteral("\n") +
+                  OnOutput(Ink::Heading, QStringLiteral("%1. %2").arg(index + 1).arg(record.headline)));
         if (record.does != record.headline)
             PrintLine(QStringLiteral("   ") + record.does);
     }
@@ -93,9 +95,12 @@ public:
         for (const QString& line : lines)
             PrintLine(QStringLiteral("   | ") + line);
         if (!outcome.failure)
-            PrintLine(QStringLiteral("   %1, %2").arg(Verdict(step), Milliseconds(outcome.command.milliseconds)));
+            PrintLine(QStringLiteral("   %1, %2")
+                          .arg(OnOutput(Ink::Good, Verdict(step)), Milliseconds(outcome.command.milliseconds)));
         else if (m_options.keepGoing)
-            PrintLine(QStringLiteral("   failed, %1").arg(Milliseconds(outcome.command.milliseconds)));
+            PrintLine(
+                QStringLiteral("   %1, %2")
+                    .arg(OnOutput(Ink::Bad, QStringLiteral("failed")), Milliseconds(outcome.command.milliseconds)));
     }
 
     const QString& HeadlineOf(std::size_t index) const { return m_record.steps[index].headline; }
@@ -105,7 +110,7 @@ public:
         const MaybeFailure& failure = showFailure ? showFailure : (stepFailure ? stepFailure : thrown);
         const int exitCode = failure ? failure->exitCode : kExitOk;
         if (showFailure) {
-            PrintProblem(showFailure->text);
+            PrintProblem(OnErrors(Ink::Bad, showFailure->text));
             PrintPlace(showFailure->place);
         }
         m_record.failure = showFailure ? showFailure->text : (stepFailure || !thrown ? QString() : thrown->text);
@@ -121,11 +126,12 @@ public:
         else if (m_options.json)
             PrintJson(json);
         else if (!failure)
-            PrintLine(QStringLiteral("\nThe show is over: all %1 went well.").arg(Count(m_show.steps.size(), "step")));
+            PrintLine(QStringLiteral("\n") + OnOutput(Ink::Good, QStringLiteral("The show is over: all %1 went well.")
+                                                                     .arg(Count(m_show.steps.size(), "step"))));
         else if (m_options.keepGoing && !showFailure)
-            PrintLine(QStringLiteral("\nThe show is over: %1 of %2 failed.")
-                          .arg(FailedCount())
-                          .arg(Count(m_show.steps.size(), "step")));
+            PrintLine(QStringLiteral("\n") + OnOutput(Ink::Bad, QStringLiteral("The show is over: %1 of %2 failed.")
+                                                                    .arg(FailedCount())
+                                                                    .arg(Count(m_show.steps.size(), "step"))));
         return exitCode;
     }
 
@@ -230,7 +236,7 @@ MaybeFailure PlaySteps(Session& session, const Show& show, bool keepGoing, ShowR
             QStringLiteral("step %1 (%2): %3").arg(index + 1).arg(report.HeadlineOf(index), outcome.failure->text),
             outcome.failure->place};
         session.TellWhereItHangs(failure);
-        PrintProblem(failure.text);
+        PrintProblem(OnErrors(Ink::Bad, failure.text));
         PrintPlace(failure.place);
         first = first ? first : MaybeFailure(failure);
     }
@@ -255,7 +261,7 @@ int RunShow(const Options& options) {
     const auto thrown = session.TellThrown();
     int exitCode = report.End(showFailure, stepFailure, thrown);
     if (const auto failure = report.KeepJUnit({})) {
-        PrintProblem(failure->text);
+        PrintProblem(OnErrors(Ink::Bad, failure->text));
         exitCode = exitCode == kExitOk ? failure->exitCode : exitCode;
     }
     return session.Close(exitCode);

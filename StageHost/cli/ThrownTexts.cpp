@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "BorderText.h"
+#include "Colors.h"
 #include "LogLines.h"
 #include "Output.h"
 
@@ -101,7 +102,7 @@ void ThrownTexts::Print(const Entry& entry) {
     m_lastTold = entry;
     const ThrownText told{entry.device + QStringLiteral(": ") + entry.thrown.text,
                           m_usersPlace ? m_usersPlace(entry.device, entry.thrown.place) : entry.thrown.place};
-    PrintProblem(told.text);
+    PrintProblem(OnErrors(Ink::Bad, told.text));
     PrintPlace(told.place);
     if (m_firstTold.text.isEmpty())
         m_firstTold = told;

@@ -2,6 +2,7 @@
 
 #include "BorderText.h"
 #include "ChangePrinter.h"
+#include "Colors.h"
 #include "CommandCheck.h"
 #include "Commands.h"
 #include "ExitCodes.h"
@@ -33,7 +34,7 @@ void PrintAnswer(bool json, const QString& line, const LineOutcome& outcome) {
     if (json)
         return PrintJsonLine(AnswerJson(line, outcome));
     if (outcome.exitCode != kExitOk) {
-        PrintProblem(outcome.text);
+        PrintProblem(OnErrors(Ink::Bad, outcome.text));
         PrintPlace(outcome.place);
     } else if (!outcome.text.isEmpty())
         PrintLine(outcome.text);

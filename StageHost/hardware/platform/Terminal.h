@@ -2,8 +2,8 @@
 
 namespace stagehost {
 
-/// The standard channels of a process that people read.
-enum class Channel { Output = 1, Error = 2 };
+/// The standard channels of a process, through which people and programs speak to it.
+enum class Channel { Input = 0, Output = 1, Error = 2 };
 
 /// Whether somebody sits before a terminal at the other end.   [any]
 bool IsTerminal(Channel channel);
