@@ -69,7 +69,7 @@ struct ShowStep {
     ActionSpec action;                    ///< variables, a task or a cue; never a command
     std::optional<ShowWait> wait;
     std::optional<int> pause; ///< ms in which nothing is done
-    QString stored; ///< a stored command by its name, sent as a command is; empty: none
+    QString stored;           ///< a stored command by its name, sent as a command is; empty: none
 };
 
 /// A show as its file tells it.
