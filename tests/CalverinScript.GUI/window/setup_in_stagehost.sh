@@ -33,7 +33,14 @@ echo '({ Setup: { address: "10.0.0.1" }, Info: { Title: "Desk" } })' >"$work/des
 echo '{ "devices": [{ "name": "desk", "driver": "desk.js" }] }' >"$work/show.json"
 cp "$work/show.json" "$work/before.json"
 
+# Escape asks, since something was changed, and stays when the answer is no.
 run 10.0.0.8 Escape
+eventually has_keyboard "Warning"
+xdotool key Escape
+eventually has_keyboard "$title"
+xdotool key Escape
+eventually has_keyboard "Warning"
+xdotool key alt+y
 ends_with "left as it was"
 cmp -s "$work/show.json" "$work/before.json" || fail "a cancelled dialog changes the show"
 

@@ -467,10 +467,10 @@ TEST_F(ScriptAtTheDesk, ALineTellsOfEachTextThatANumberOrAnEnumDoesNotTakeAndThe
     host.Run({Text("send"), Text("--log"), script, Text("script"), Text("Wrong")});
     EXPECT_TRUE(host.Output().contains(Text("100 1 0.5\n"))) << host.Output().toStdString();
     for (const char* line :
-         {"[script] the variable \"Level\" does not take \"abc\", which is no whole number from 0 to 100\n",
-          "[script] the variable \"Level\" does not take \"101\", which is no whole number from 0 to 100\n",
-          "[script] the variable \"Mode\" does not take \"sunny\", which is none of its items: calm, storm\n",
-          "[script] the variable \"Rate\" does not take \"NaN\", which is no number\n",
-          "[script] the variable \"script.Mode\" does not take \"rain\", which is none of its items\n"})
+         {"ALARM    the variable \"Level\" does not take \"abc\", which is no whole number from 0 to 100\n",
+          "ALARM    the variable \"Level\" does not take \"101\", which is no whole number from 0 to 100\n",
+          "ALARM    the variable \"Mode\" does not take \"sunny\", which is none of its items: calm, storm\n",
+          "ALARM    the variable \"Rate\" does not take \"NaN\", which is no number\n",
+          "ALARM    the variable \"script.Mode\" does not take \"rain\", which is none of its items\n"})
         EXPECT_TRUE(host.Errors().contains(Text(line))) << line << host.Errors().toStdString();
 }

@@ -100,7 +100,7 @@ TEST_F(Reloading, LeavesTheOldOneRunningWhenTheNewOneDoesNotLoad) {
     ThenItRuns(1);
     Save("({\n a b })");
     ASSERT_TRUE(host.WaitForErrors("goes on with the edition that it has"));
-    EXPECT_TRUE(host.Errors().contains(Text("driver.js:2: SyntaxError"))) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().contains(Text("driver.js:2:4: SyntaxError"))) << host.Errors().toStdString();
     ThenItRuns(1);
     Save(Edition(2).replace("var s = this;", "throw new Error('no start');"));
     ASSERT_TRUE(host.WaitForErrors("script: Script: no start"));
@@ -137,7 +137,7 @@ TEST_F(Reloading, LooksAtTheFilesInFrontOfTheDriverToo) {
     host.Say("send script Say");
     EXPECT_TRUE(host.WaitForOutput("word 2")) << host.Errors().toStdString();
     Save("var word = ;\n", "lib/part.js");
-    ASSERT_TRUE(host.WaitForErrors("lib/part.js:1: SyntaxError")) << host.Errors().toStdString();
+    ASSERT_TRUE(host.WaitForErrors("lib/part.js:1:12: SyntaxError")) << host.Errors().toStdString();
     Save("// @include late.js\nvar word = late;\n", "lib/part.js");
     ASSERT_TRUE(host.WaitForErrors("\"lib/late.js\" is not there")) << host.Errors().toStdString();
     Save("var late = 3;\n", "lib/late.js");

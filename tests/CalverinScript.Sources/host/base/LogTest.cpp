@@ -355,8 +355,8 @@ TEST_F(Log, MayBeClosedAndOpenedWhileOthersWrite) {
     writers.reserve(3);
     for (int i = 0; i < 3; ++i)
         writers.emplace_back([&, i] {
-            while (!over)
-                if (IsLevelOn(3) && WriteLog(LogHandle(), 3, "writer %d", i) == 0)
+            for (int line = 0; !over; ++line) // lines of one text would be folded
+                if (IsLevelOn(3) && WriteLog(LogHandle(), 3, "writer %d, line %d", i, line) == 0)
                     ++written;
         });
     for (int i = 0; i < 50; ++i) {
