@@ -449,6 +449,7 @@ var Connection = (function () {
         var word = "stopped", reason = "";
         var pause = options.pause;
         var waiting = [], current = null, isPolling = false, dropped = 0;
+        var firsts = -1; // how many requests the call of ready has made, -1 outside of it
         var link = transport.make({ opened: opened, closed: drop, data: feed, answer: take, refused: refused, garbage: garbage });
         var watch = Timer(connectTimeOut), answerWatch = Timer(noAnswer), again = Timer(connect), rest = Timer(pump);
         var nextPoll = Timer(poll), quiet = Timer(gone), lasting = Timer(function () { pause = options.pause; });
@@ -502,7 +503,9 @@ var Connection = (function () {
                 setStatus("online", "");
             if (silence > 0)
                 quiet.start(silence);
+            firsts = 0;
             tell(options.ready, []);
+            firsts = -1;
             poll();
             pump();
         }
@@ -679,6 +682,8 @@ var Connection = (function () {
 
         function place(isPoll) {
             var i = 0;
+            if (firsts >= 0)
+                return firsts++;
             while (!isPoll && i < waiting.length && !waiting[i].isPoll)
                 ++i;
             return isPoll ? waiting.length : i;
@@ -696,7 +701,7 @@ var Connection = (function () {
                 return;
             request.limit.start(form && form.within || options.waitTime);
             waiting.splice(place(request.isPoll), 0, request);
-            if (!isPolling)
+            if (!isPolling && firsts < 0)
                 pump();
         }
 

@@ -17,6 +17,11 @@ QDateTime TimeOf(const ShowChange& change) {
     return QDateTime::fromMSecsSinceEpoch(std::chrono::duration_cast<std::chrono::milliseconds>(passed).count());
 }
 
+/// An object's own name, or that of the device whose variable it is.
+bool IsNamed(const QSet<QString>& names, const QString& object) {
+    return names.contains(object) || names.contains(object.section(QLatin1Char('.'), 0, 0));
+}
+
 /// "Level = 50", "Task Overture: Status = Running".
 QString LineOf(const ShowChange& change) {
     const QString object = FromBorderText(change.object);
@@ -59,7 +64,7 @@ void ChangePrinter::Flush() {
 }
 
 void ChangePrinter::Take(const ShowChange& change) {
-    if (!m_names.isEmpty() && !m_names.contains(FromBorderText(change.object)))
+    if (!m_names.isEmpty() && !IsNamed(m_names, FromBorderText(change.object)))
         return;
     {
         const std::lock_guard<std::mutex> hold(m_lock);

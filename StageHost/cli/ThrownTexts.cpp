@@ -137,9 +137,11 @@ QStringList ThrownTexts::TakeStoppedAt(std::vector<Entry>::iterator entry) {
     return place;
 }
 
+/// A line of the log has no line feeds and no blanks at its end.
 bool ThrownTexts::IsOf(const QString& thrown, const QString& failure) {
     const QString mark = QStringLiteral(", message: ");
-    return thrown == failure || failure.endsWith(thrown.mid(thrown.indexOf(mark) + mark.size()));
+    const QString text = thrown.mid(thrown.indexOf(mark) + mark.size()).simplified();
+    return thrown == failure || failure.simplified().endsWith(text);
 }
 
 } // namespace stagehost

@@ -51,6 +51,17 @@ TEST_F(Connections, WhatNobodyAnswersHoldsNothingUp) {
     EXPECT_EQ(peer.Receive(6), "FOUR\r\n");
 }
 
+TEST_F(Connections, WhatReadyAsksGoesInFrontOfWhatWaits) {
+    GivenConnectionScript();
+    Do("given({ " + TcpTo(listener.GetPort()) +
+       ", ready: function () { ask('LOGIN'); ask('MODE'); } }); ask('GO'); ask('ON')");
+    const Peer peer = listener.Accept();
+    for (const std::string request : {"LOGIN\r\n", "MODE\r\n", "GO\r\n", "ON\r\n"}) {
+        EXPECT_EQ(peer.Receive(request.size()), request);
+        peer.Send("OK\r\n");
+    }
+}
+
 TEST_F(Connections, AFrameThatDoesNotMatchIsNoAnswer) {
     const Peer peer = GivenConnected();
     Do("ask('STATE', { match: function (text) { return text.indexOf('STATE') === 0; } })");

@@ -35,6 +35,13 @@ protected:
 
 } // namespace
 
+TEST_F(ThrownTextsTest, AFailureIsTheAnswerThoughTheLogHasItOnOneLineWithoutBlanksAtItsEnd) {
+    Throws("desk", "one two");
+    thrown.Answered({"Script: one\ntwo "}, now);
+    now += 1h;
+    EXPECT_EQ(Told(), QString());
+}
+
 TEST_F(ThrownTextsTest, TellsWhatATimerThrowsOnceNobodyCanAnswerForItAnyMore) {
     Throws("desk", "late");
     EXPECT_EQ(Told(), QString());

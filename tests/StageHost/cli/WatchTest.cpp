@@ -104,6 +104,12 @@ TEST_F(Watching, PrintsTheNamedObjectsAlone) {
     EXPECT_TRUE(host.Errors().contains(Text("the show has no object \"Nobody\"")));
 }
 
+TEST_F(Watching, PrintsTheVariablesOfANamedDevice) {
+    Say("set Level 5\nsend desk \"Execute Function\" \"Script Function Name=echo\"\nquit\n", {Text("desk")});
+    EXPECT_TRUE(host.Output().contains(Text("desk.Status = "))) << host.Output().toStdString();
+    EXPECT_FALSE(host.Output().contains(Text("Level = 5"))) << host.Output().toStdString();
+}
+
 TEST_F(Watching, SendsCommandsAndShowsValues) {
     Say("send desk 3 \"Script Function Name=echo\" Param1=a\nget Level\n", {Text("Level")});
     EXPECT_EQ(Lines(), (QStringList{Text("a|||||||"), Text("0")}));
