@@ -18,6 +18,7 @@ namespace stagehost {
 namespace {
 
 constexpr int kLongestHistory = 1000;
+constexpr int kLongestLine = 2000; // the library writes beyond its memory from about 3,000 characters on
 
 LineEditor* editor = nullptr; // host main alone
 
@@ -32,6 +33,7 @@ QByteArray HistoryFile() {
 LineEditor::LineEditor(Taker take)
     : m_take(std::move(take)) {
     editor = this;
+    m_input.open(0, QIODevice::ReadOnly | QIODevice::Unbuffered);
     stifle_history(kLongestHistory);
     read_history(HistoryFile().constData());
     rl_callback_handler_install("", &LineEditor::Took);
@@ -45,9 +47,27 @@ LineEditor::~LineEditor() {
     editor = nullptr;
 }
 
+/// What is left of a line that was given up. The terminal hands it over with its end.
+void LineEditor::Skip() {
+    char character = 0;
+    if (m_input.read(&character, 1) > 0 && character != '\n' && character != '\r')
+        return;
+    m_isTooLong = false;
+    rl_callback_handler_install("", &LineEditor::Took);
+}
+
 void LineEditor::Read() {
+    if (m_isTooLong)
+        return Skip();
     m_isTyping = true;
     rl_callback_read_char();
+    if (m_isTyping && rl_end >= kLongestLine) {
+        m_isTyping = false;
+        m_isTooLong = true;
+        rl_callback_handler_remove();
+        PrintProblem(QStringLiteral("\na line has %1 characters at most; this one is left out").arg(kLongestLine));
+        return;
+    }
     if (!m_isTyping && !m_isOver) // behind a line the library would wait for the next one as a whole
         rl_callback_handler_install("", &LineEditor::Took);
 }

@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include <QFile>
 #include <QString>
 
 namespace stagehost {
@@ -22,13 +23,16 @@ public:
     void Read();
 
 private:
+    void Skip();
     static void Took(char* line);
     static void Hide();
     static void Show();
 
     Taker m_take;
+    QFile m_input;
     bool m_isTyping = false;
-    bool m_isOver = false; ///< the user has ended the input
+    bool m_isTooLong = false; ///< the rest of the line is not read
+    bool m_isOver = false;    ///< the user has ended the input
 };
 
 } // namespace stagehost

@@ -19,6 +19,7 @@
 #include "StepRecord.h"
 #include "StepText.h"
 #include "StepTicker.h"
+#include "TextFile.h"
 
 namespace stagehost {
 
@@ -139,6 +140,9 @@ public:
     MaybeFailure KeepJUnit(const QString& unfinished) {
         if (m_options.junitFile.isEmpty())
             return std::nullopt;
+        const QString refusal = WhyNotReplaceable(m_options.junitFile, "<testsuite");
+        if (!refusal.isEmpty())
+            return Failure{kExitBadUse, QStringLiteral("%1 %2").arg(m_options.junitFile, refusal)};
         ShowRecord record = m_record;
         if (!unfinished.isEmpty())
             record.failure = unfinished;

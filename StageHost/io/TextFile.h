@@ -14,6 +14,11 @@ std::optional<QByteArray> ReadTextBytes(const QString& file, QString* problem);
 /// The text of a file, read as UTF-8 when its bytes are that and as Latin-1 otherwise.
 std::optional<QString> ReadText(const QString& file, QString* problem);
 
+/// Why a file cannot be replaced by a report; empty when it can: nothing is there yet, or a regular file that is empty
+/// or an older report.
+/// @param mark what stands in the first line or two of every report.   [any]
+QString WhyNotReplaceable(const QString& file, const char* mark);
+
 /// Why nothing can be written behind the end of a file, which is made if it is not there; empty when it can.
 QString WhyNotAppendable(const QString& file);
 

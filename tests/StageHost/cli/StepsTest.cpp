@@ -194,6 +194,23 @@ TEST_F(Steps, AreKeptAsJUnitAlsoWhenTheShowDoesNotStartOrIsInterrupted) {
     EXPECT_TRUE(host.Errors().contains(Text("/nowhere/steps.xml: cannot be written"))) << host.Errors().toStdString();
 }
 
+TEST_F(Steps, AReportNeverTakesThePlaceOfSomethingElse) {
+    const QString show = Show("");
+    const auto content = [&] {
+        QFile file(show);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll().toStdString();
+    };
+    const std::string before = content();
+    host.Run({Text("run"), Text("--junit"), show, show});
+    EXPECT_EQ(host.ExitCode(), 2);
+    EXPECT_EQ(host.Errors().toStdString(), show.toStdString() + " is there, and is no such report\n");
+    EXPECT_EQ(content(), before);
+    host.Run({Text("run"), Text("--junit"), host.Folder(), show});
+    EXPECT_EQ(host.ExitCode(), 2);
+    EXPECT_EQ(host.Errors().toStdString(), host.Folder().toStdString() + " is a folder\n");
+}
+
 TEST_F(Steps, OfOneCommandWaitFirstForWhatSendIsTold) {
     const QString driver = host.File(
         Text("slow.js"), "({ Info: { Variables: { Online: { Type: 'Enum', Items: ['no', 'yes'] } } }, Device: { "

@@ -87,6 +87,16 @@ with tempfile.TemporaryDirectory() as home:
     second.type("quit\n")
     if second.end() != 0:
         sys.exit("quit does not end well")
+    long = Typist(home)
+    long.wait("runs.")
+    long.type("set Pace " + "1" * 6000)
+    long.wait("left out")
+    long.type("1\nget Pace\n")
+    long.wait("get Pace")
+    long.wait("\n5\r")
+    long.type("quit\n")
+    if long.end() != 0:
+        sys.exit("a line that is too long ends the program")
     third = Typist(home)
     third.wait("runs.")
     third.type("get Pa\x03")
