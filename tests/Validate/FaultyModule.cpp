@@ -198,7 +198,7 @@ private:
     /// once.
     void Take(const Request& request) {
         std::unique_lock<std::mutex> guard(m_lock);
-        const bool isLong = m_requests.size() > 100;
+        const bool isLong = ++m_taken > 100;
         guard.unlock();
         if (request.context != nullptr && !(isLong && Has("contexts-end-once")))
             request.context->Begin();
@@ -265,6 +265,7 @@ private:
     bool m_isOrphan = false;
     int m_starts = 0;
     int m_replaced = 0;
+    int m_taken = 0;     ///< behind m_lock
     std::mutex m_values; ///< guards m_level and what it points to
     IData* m_level = nullptr;
     std::mutex m_lock; ///< guards m_requests
