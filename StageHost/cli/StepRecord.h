@@ -32,7 +32,7 @@ struct ShowRecord {
 /// "junit-10.xsd" of the Jenkins xUnit plug-in describes. UTF-8.   [any]
 QByteArray JUnitText(const ShowRecord& record);
 
-/// The lines of TAP version 14 (Test Anything Protocol, "TAP 14 specification", 2022).   [any]
+/// The lines of the Test Anything Protocol, version 14 of 2022 (testanything.org).   [any]
 QString TapBegin(std::size_t stepCount);
 QString TapLine(int number, const StepRecord& step);
 /// Behind the last step: the steps that were not played, and why the show itself failed.
