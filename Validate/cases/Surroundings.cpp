@@ -22,27 +22,38 @@ void PlayEvening(Trial& trial) {
     Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the contexts end");
 }
 
+/// The system lists a thread for a moment longer than its end can be waited for: looks until nothing changes for a
+/// while.
+ProcessFigures MeasureAtRest() {
+    constexpr int kLooksAlike = 20;
+    constexpr std::chrono::milliseconds kLook(10);
+    const auto end = std::chrono::steady_clock::now() + kTrialWait;
+    ProcessFigures figures = MeasureProcess();
+    for (int alike = 0; alike < kLooksAlike && std::chrono::steady_clock::now() < end; ++alike) {
+        std::this_thread::sleep_for(kLook);
+        const ProcessFigures now = MeasureProcess();
+        if (now.threads != figures.threads || now.descriptors != figures.descriptors)
+            alike = 0;
+        figures = now;
+    }
+    return figures;
+}
+
 } // namespace
 
 /// The first evenings load what stays loaded.
 void LeavesNothingBehind(Trial& trial) {
     constexpr int kWarm = 3;
-    constexpr int kLooks = 200;
     constexpr long kSlackKilobytes = 1024; // a round, for what the allocator keeps in pieces
     for (int round = 0; round < kWarm; ++round)
         PlayEvening(trial);
-    const ProcessFigures before = MeasureProcess();
+    const ProcessFigures before = MeasureAtRest();
     const int rounds = trial.Times(100, 5);
     for (int round = 0; round < rounds; ++round) {
         trial.Step("evening " + std::to_string(round));
         PlayEvening(trial);
     }
-    ProcessFigures after = MeasureProcess();
-    // The system lists a thread for a moment longer than its end can be waited for.
-    for (int look = 0; after.threads > before.threads && look < kLooks; ++look) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        after = MeasureProcess();
-    }
+    const ProcessFigures after = MeasureAtRest();
     Trial::Expect(after.threads == before.threads,
                   std::to_string(after.threads - before.threads) + " threads are left");
     Trial::Expect(after.descriptors == before.descriptors,
