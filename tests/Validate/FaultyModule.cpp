@@ -230,7 +230,7 @@ private:
         while (m_isRunning) {
             Tick(++count);
             std::unique_lock<std::mutex> guard(m_lock);
-            m_changed.wait_for(guard, std::chrono::milliseconds(1));
+            m_changed.wait_for(guard, std::chrono::milliseconds(1), [this] { return !m_requests.empty(); });
             if (m_requests.empty() || !m_isRunning)
                 continue;
             const Request request = m_requests.front();
