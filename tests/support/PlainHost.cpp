@@ -101,7 +101,8 @@ char* Value::GetValueAsString() {
 void Value::SetValueFromString(const char* text, std::uint32_t, std::uint32_t) {
     const std::lock_guard<std::mutex> guard(m_lock);
     m_text = text;
-    m_history.push_back(m_text);
+    if (m_keepsHistory)
+        m_history.push_back(m_text);
     m_changed.notify_all();
 }
 

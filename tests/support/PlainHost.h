@@ -60,6 +60,7 @@ public:
 
     std::uint32_t m_instanceId = 0;
     bool m_givesNullText = false;
+    bool m_keepsHistory = true; ///< off for what runs so long that it would only grow
 
 protected:
     mutable std::mutex m_lock;
