@@ -1,0 +1,88 @@
+#include "PtyEndpoint.h"
+
+#include <utility>
+
+#include <QFile>
+#include <QFileInfo>
+
+#include "PseudoTerminal.h"
+#include "StreamChannel.h"
+
+namespace stagehost {
+
+PtyEndpoint::~PtyEndpoint() {
+    CloseAll();
+    Drop();
+}
+
+QString PtyEndpoint::Open(const LinePlace& place) {
+    m_place = place;
+    if (place.path.isEmpty()) {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_place.path = m_folder->filePath(QStringLiteral("serial"));
+    }
+    return DoReturn();
+}
+
+QString PtyEndpoint::DoReturn() {
+    if (QFileInfo(m_place.path).isSymLink())
+        QFile::remove(m_place.path); // of a run that could not remove it, or of the last stay
+    std::string name;
+    std::string problem;
+    m_ours = OpenPseudoTerminal(name, problem);
+    if (m_ours < 0)
+        return QString::fromStdString(problem);
+    QFile terminal(QString::fromStdString(name));
+    if (!terminal.link(m_place.path)) {
+        Drop();
+        return QStringLiteral("%1: %2").arg(m_place.path, terminal.errorString());
+    }
+    m_watch = WatchOpens(name);
+    m_opens = std::make_unique<QSocketNotifier>(m_watch, QSocketNotifier::Read);
+    QObject::connect(m_opens.get(), &QSocketNotifier::activated, m_opens.get(), [this] {
+        ForgetOpens(m_watch);
+        Look();
+    });
+    return {};
+}
+
+/// Whether a program has come; that one has gone is told by its line.
+void PtyEndpoint::Look() {
+    if (m_line != 0 || !m_letsIn || m_ours < 0 || !IsOpenByOthers(m_ours))
+        return;
+    m_line = NextLine();
+    Add(StreamChannel::OverTerminal(SecondDescriptor(m_ours)), {});
+}
+
+void PtyEndpoint::LineIsOver(LineId, bool isClosedHere) {
+    m_line = 0;
+    if (isClosedHere) {
+        Drop();
+        DoReturn();
+    } else if (m_ours >= 0) {
+        DropUnread(m_ours);
+        Look();
+    }
+}
+
+void PtyEndpoint::LetIn(bool lets) {
+    m_letsIn = lets;
+    Look();
+}
+
+void PtyEndpoint::Drop() {
+    if (m_opens) {
+        m_opens->setEnabled(false);
+        m_opens.release()->deleteLater(); // perhaps from inside its own signal
+    }
+    CloseLine(std::exchange(m_watch, -1));
+    if (m_ours >= 0)
+        QFile::remove(m_place.path);
+    CloseLine(std::exchange(m_ours, -1));
+}
+
+void PtyEndpoint::DoLeave() {
+    Drop();
+}
+
+} // namespace stagehost

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+
+#include <QSocketNotifier>
+#include <QTemporaryDir>
+
+#include "Endpoint.h"
+
+namespace stagehost {
+
+/// A serial port for one program. Its name is a link, which leads to another pseudo-terminal after a return, as that of
+/// an adapter does that was pulled out and put back.   [host main]
+class PtyEndpoint final : public Endpoint {
+public:
+    explicit PtyEndpoint(EndpointNews& news)
+        : Endpoint(news) {}
+    ~PtyEndpoint() override;
+
+    QString Open(const LinePlace& place) override;
+
+private:
+    void LetIn(bool lets) override;
+    void DoLeave() override;
+    QString DoReturn() override;
+    void LineIsOver(LineId line, bool isClosedHere) override;
+    void Look();
+    void Drop();
+
+    std::unique_ptr<QTemporaryDir> m_folder; ///< of the link, when nobody has named one
+    int m_ours = -1;
+    int m_watch = -1;
+    std::unique_ptr<QSocketNotifier> m_opens;
+    LineId m_line = 0; ///< the one that is open; 0: none
+    bool m_letsIn = true;
+};
+
+} // namespace stagehost
