@@ -44,6 +44,8 @@ CaseResult Judge(const CaseEnd& end) {
     for (std::string line; std::getline(lines, line);) {
         if (const std::string step = After(line, "step"); !step.empty()) {
             result.lastStep = step;
+        } else if (const std::string note = After(line, "note"); !note.empty()) {
+            result.notes += note + '\n';
         } else if (line == "passed: ") {
             result.verdict = Verdict::Passed;
         } else if (const std::string why = After(line, "skipped"); !why.empty()) {

@@ -12,6 +12,7 @@ struct CaseResult {
     std::string finding;  ///< what is wrong, or why it was skipped; empty when it passed
     std::string lastStep; ///< what went on then
     std::string frames;   ///< of a crash, a line each
+    std::string notes;    ///< what else is worth knowing, a line each
     double seconds = 0;
 };
 

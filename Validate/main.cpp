@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <sstream>
 
 #include "CaseRun.h"
 
@@ -37,6 +38,9 @@ std::string Quoted(const std::string& text) {
 
 void PrintPlain(const Case& one, const CaseResult& result, const Options& options) {
     std::printf("%-24s %-7s %6.1f s\n", one.name, NameOf(result.verdict), result.seconds);
+    std::istringstream notes(result.notes);
+    for (std::string note; std::getline(notes, note);)
+        std::printf("    %s\n", note.c_str());
     if (result.verdict == CaseResult::Verdict::Skipped)
         std::printf("    %s\n", result.finding.c_str());
     if (result.verdict != CaseResult::Verdict::Failed)
@@ -50,7 +54,8 @@ void PrintJson(const Case& one, const CaseResult& result, const Options& options
     std::cout << "{\"case\":" << Quoted(one.name) << ",\"result\":" << Quoted(NameOf(result.verdict))
               << ",\"seconds\":" << result.seconds << ",\"finding\":" << Quoted(result.finding)
               << ",\"step\":" << Quoted(result.lastStep) << ",\"frames\":" << Quoted(result.frames)
-              << ",\"again\":" << Quoted(Reproduction(one, options)) << "}" << std::endl;
+              << ",\"notes\":" << Quoted(result.notes) << ",\"again\":" << Quoted(Reproduction(one, options)) << "}"
+              << std::endl;
 }
 
 int List() {

@@ -1,11 +1,5 @@
 #include "BusyScript.h"
 
-namespace {
-
-constexpr std::size_t kParameters = 10; ///< function, result and eight arguments
-
-}
-
 std::string BusySetup(const std::string& extra) {
     return "<DeviceData Version=\"1000\" Name=\"desk\" DeviceInternalVersion=\"1\"><Setup><Script><![CDATA["
            "QCalverin.SetInterval(function () { script.Device.Level += 1; }, 1);\n"
@@ -21,7 +15,7 @@ std::int32_t FunctionCommand(const HostedDevice& device) {
 }
 
 std::vector<std::string> CallOfWork(const std::string& argument) {
-    std::vector<std::string> texts(kParameters);
+    std::vector<std::string> texts(kFunctionParameters);
     texts[0] = "Work";
     texts[2] = argument;
     return texts;

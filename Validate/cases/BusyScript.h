@@ -8,6 +8,8 @@
 /// @file
 /// A device at work, for the cases that disturb it.
 
+constexpr std::size_t kFunctionParameters = 10; ///< function, result and eight arguments
+
 /// A setup whose script writes the device's variable Level each millisecond and has the function Work, which gives its
 /// argument back.
 std::string BusySetup(const std::string& extra = {});

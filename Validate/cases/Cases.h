@@ -15,8 +15,10 @@ struct Case {
 const std::vector<Case>& AllCases();
 
 void AnswersForFaces(Trial& trial);
-void RefusesNulls(Trial& trial);
+void TakesNulls(Trial& trial);
 void TakesGarbage(Trial& trial);
+void TakesHugeArguments(Trial& trial);
+void TakesLatin1(Trial& trial);
 void TakesWalks(Trial& trial);
 void EndsContextsOnce(Trial& trial);
 void LetsGoOfParameters(Trial& trial);

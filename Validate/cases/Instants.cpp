@@ -36,7 +36,7 @@ void StopsAndStartsOften(Trial& trial) {
     LoadOrFail(host, trial);
     HostedDevice device(host);
     StartBusy(device);
-    const int rounds = trial.Times(10000, 20);
+    const int rounds = trial.Times(10000, 40);
     for (int round = 0; round < rounds; ++round) {
         trial.Step("start " + std::to_string(round));
         Trial::ExpectCode(device->Stop(), KXP_OK, "Stop");

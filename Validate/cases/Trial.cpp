@@ -12,3 +12,7 @@ int Trial::Times(int atTen, int atLeast) const {
 void Trial::Step(const std::string& what) const {
     WriteReportLine(m_descriptor, "step", what);
 }
+
+void Trial::Note(const std::string& what) const {
+    WriteReportLine(m_descriptor, "note", what);
+}

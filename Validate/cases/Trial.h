@@ -36,6 +36,8 @@ public:
 
     /// Says what comes next. When the process then crashes or hangs, the last one is what is told.
     void Step(const std::string& what) const;
+    /// Something about the module that who reads the results should know, whether the case passes or not.
+    void Note(const std::string& what) const;
     /// @param what what should have been.
     static void Expect(bool isSo, const std::string& what) {
         if (!isSo)

@@ -80,6 +80,8 @@ void HostValue::SetRealValue(double value, std::uint32_t, std::uint32_t) {
 /// The text stands in guarded memory as well.
 char* HostValue::GetValueAsString() {
     Hear("GetValueAsString");
+    if (!m_hasText)
+        return nullptr;
     const std::string text = Text();
     auto* given = static_cast<char*>(GuardedAllocate(text.size() + 1));
     GuardedName(given, "the text of a value, which was released");
@@ -142,6 +144,11 @@ HostParams::HostParams(const std::vector<std::string>& texts, const Hearing& hea
     for (const std::string& text : texts)
         m_values.push_back(
             std::make_unique<HostValue>("a parameter of a command whose context has ended", "param", text, hearing));
+}
+
+void HostParams::LoseTexts() {
+    for (const auto& value : m_values)
+        value->LoseText();
 }
 
 KXPCode HostParams::QueryInterface(const char* name, void** out) {

@@ -29,6 +29,8 @@ public:
 
     std::string Text() const;
     std::size_t Changes() const;
+    /// From now on its text is null, as the contract allows.
+    void LoseText() { m_hasText = false; }
     /// Texts given out and not back yet.
     static int TextsOut() { return s_textsOut; }
 
@@ -54,6 +56,7 @@ private:
     mutable std::mutex m_lock;
     const std::string m_name;
     std::string m_text;
+    bool m_hasText = true; ///< set before the value is given out
     std::size_t m_changes = 0;
     std::map<std::string, std::string> m_properties;
     const Hearing& m_hearing;
@@ -86,6 +89,8 @@ private:
 class HostParams final : public IObjectParams, public Guarded {
 public:
     HostParams(const std::vector<std::string>& texts, const Hearing& hearing);
+    /// From now on the texts of all values are null.
+    void LoseTexts();
 
     KXPCode QueryInterface(const char* name, void** out) override;
     KXPCode Release() override { return KXP_OK; }

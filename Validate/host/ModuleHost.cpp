@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "FaceAnswer.h"
-#include "IObjectFactoryManager.h"
 
 ModuleHost::ModuleHost()
     : m_folder((std::filesystem::temp_directory_path() / "kxpvalidate-XXXXXX").string()) {
@@ -28,7 +27,7 @@ std::string ModuleHost::Load(const std::string& file) {
         return file + " has no GetKXPEntryPoint";
     if (entry(&m_module) != KXP_OK || m_module == nullptr)
         return "GetKXPEntryPoint gives no module";
-    m_module->Initialize(static_cast<IManagerRuntimeInfo*>(this), nullptr, nullptr);
+    m_module->Initialize(Root(), nullptr, nullptr);
     m_module->SetDeviceHost(this);
     return {};
 }
@@ -48,13 +47,21 @@ void ModuleHost::Hear(const char* call) const {
 KXPCode ModuleHost::QueryInterface(const char* name, void** out) {
     Hear("QueryInterface");
     return AnswerFace(name, out,
-                      {{"IMInterface", static_cast<IMInterface*>(static_cast<IManagerRuntimeInfo*>(this))},
+                      {{"IMInterface", Root()},
                        {"IManagerRuntimeInfo", static_cast<IManagerRuntimeInfo*>(this)},
-                       {"IFolderManager", static_cast<IFolderManager*>(this)}});
+                       {"IFolderManager", static_cast<IFolderManager*>(this)},
+                       {"IObjectFactoryManager", static_cast<IObjectFactoryManager*>(this)},
+                       {"IManagerRemoteManager2", static_cast<IManagerRemoteManager2*>(this)},
+                       {"IResourceProvider", static_cast<IResourceProvider*>(m_resources.get())}});
 }
 
 std::uint32_t ModuleHost::GetLogSettings(std::uint32_t*, std::uint32_t*, char*, std::uint32_t*, std::uint32_t*) {
     return 0xFFFFFFFFU;
+}
+
+KXPWindow ModuleHost::GetMainWindow() {
+    Hear("GetMainWindow");
+    return 0;
 }
 
 std::uint32_t ModuleHost::GetRuntimeInfo(KXPRuntimeInfo* out) {
@@ -68,6 +75,34 @@ std::uint32_t ModuleHost::GetRuntimeInfo(KXPRuntimeInfo* out) {
 const char* ModuleHost::GetFolder(std::uint32_t) {
     Hear("GetFolder");
     return m_folder.c_str();
+}
+
+KXPCode ModuleHost::RegisterFactory(const char* name, IObjectFactory* factory) {
+    Hear("RegisterFactory");
+    if (name == nullptr || factory == nullptr)
+        return KXP_NULL_ARGUMENT;
+    m_factories[name] = factory;
+    return KXP_OK;
+}
+
+KXPCode ModuleHost::UnregisterFactory(const char* name) {
+    Hear("UnregisterFactory");
+    if (name == nullptr)
+        return KXP_NULL_ARGUMENT;
+    return m_factories.erase(name) == 1 ? KXP_OK : KXPCode{KXP_NOT_IMPLEMENTED};
+}
+
+IManagerRemote2* ModuleHost::GetRemote(IKXPDevice* device) {
+    Hear("GetRemote");
+    auto& link = m_links[device];
+    if (!link)
+        link = std::make_unique<HostLink>(hearing, answering);
+    return link.get();
+}
+
+HostLink* ModuleHost::LinkOf(const IKXPDevice* device) const {
+    const auto found = m_links.find(device);
+    return found != m_links.end() ? found->second.get() : nullptr;
 }
 
 HostedDevice::HostedDevice(ModuleHost& host, const std::string& name)
@@ -87,8 +122,10 @@ HostedDevice::~HostedDevice() {
 
 void HostedDevice::End() {
     if (m_device != nullptr) {
+        const IKXPDevice* const gone = m_device;
         m_device->Stop(); // who is called from inside may still ask the device
         std::exchange(m_device, nullptr)->Release();
+        m_host.DropLink(gone);
         m_variables->Drop();
         m_variables.reset();
         m_kept.clear();
@@ -121,6 +158,12 @@ KXPCode HostedDevice::Send(std::int32_t id, const std::vector<std::string>& text
     if (code != KXP_OK && !*isBegun)
         delete context; // nobody will end it
     return code;
+}
+
+KXPCode HostedDevice::SendNulls(std::int32_t id, std::size_t count) {
+    m_kept.push_back(std::make_unique<HostParams>(std::vector<std::string>(count), m_host.hearing));
+    m_kept.back()->LoseTexts();
+    return m_device->ExecuteCommand(id, m_kept.back().get(), nullptr);
 }
 
 std::string HostedDevice::Setup() const {

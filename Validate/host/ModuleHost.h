@@ -1,16 +1,24 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "DynamicLibrary.h"
+#include "HostLink.h"
+#include "HostResources.h"
 #include "HostValues.h"
 #include "IKXPModule.h"
 #include "IManagerRuntimeInfo.h"
+#include "IObjectFactory.h"
+#include "IObjectFactoryManager.h"
 
 /// A host in plain C++ with one module: what the module is given at Initialize, and the module itself.   [host main]
-class ModuleHost : public IManagerRuntimeInfo, public IFolderManager {
+class ModuleHost : public IManagerRuntimeInfo,
+                   public IFolderManager,
+                   public IObjectFactoryManager,
+                   public IManagerRemoteManager2 {
 public:
     ModuleHost();
     virtual ~ModuleHost();
@@ -28,20 +36,38 @@ public:
     /// Heard before each call that the module makes on this host, on whatever thread it comes. Set before a device is
     /// started.
     Hearing hearing;
+    /// What requests of devices are answered with. Set before a device is started.
+    Answering answering;
+
+    IMInterface* Root() { return static_cast<IManagerRuntimeInfo*>(this); }
+    HostResources& Resources() { return *m_resources; }
+    /// What the module has registered and not taken back.
+    const std::map<std::string, IObjectFactory*>& Factories() const { return m_factories; }
+    /// Of a device; null when it never asked for one.
+    HostLink* LinkOf(const IKXPDevice* device) const;
+    /// The device is gone, and its link goes.
+    void DropLink(const IKXPDevice* device) { m_links.erase(device); }
 
     KXPCode QueryInterface(const char* name, void** out) override;
     KXPCode Release() override { return KXP_OK; }
     std::uint32_t GetLogSettings(std::uint32_t*, std::uint32_t*, char*, std::uint32_t*, std::uint32_t*) override;
-    KXPWindow GetMainWindow() override { return 0; }
+    KXPWindow GetMainWindow() override;
     std::uint32_t GetRuntimeInfo(KXPRuntimeInfo* out) override;
     std::uint32_t GetUserMode() override { return 0; }
     const char* GetFolder(std::uint32_t) override;
+    KXPCode RegisterFactory(const char* name, IObjectFactory* factory) override;
+    KXPCode UnregisterFactory(const char* name) override;
+    KXPCode Reserved1(void*) override { return KXP_NOT_IMPLEMENTED; }
+    IManagerRemote2* GetRemote(IKXPDevice* device) override;
 
 private:
     void Hear(const char* call) const;
 
     DynamicLibrary m_library;
     IKXPModule* m_module = nullptr;
+    const std::unique_ptr<HostResources> m_resources = std::make_unique<HostResources>();
+    std::map<std::string, IObjectFactory*> m_factories;
+    std::map<const IKXPDevice*, std::unique_ptr<HostLink>> m_links;
     std::string m_folder; ///< an empty one of this process, removed at the end
 };
 
@@ -67,6 +93,8 @@ public:
     std::int32_t CommandId(const std::string& name) const;
     /// Sends a command. @param isHeld whether it has a context, which the tally counts. @return as ExecuteCommand.
     KXPCode Send(std::int32_t id, const std::vector<std::string>& texts, ContextTally* tally = nullptr);
+    /// Sends a command without a context whose values have no texts. @return as ExecuteCommand.
+    KXPCode SendNulls(std::int32_t id, std::size_t count);
     /// The setup, given back to the device. @return "(none)" when there is none.
     std::string Setup() const;
 

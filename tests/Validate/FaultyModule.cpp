@@ -76,8 +76,11 @@ public:
     KXPCode QueryCapability(std::uint32_t code) override { return code == 1 || code == 2 ? KXP_OK : KXP_NO; }
     void SetName(const char* name) override {
         m_name = name != nullptr ? name : "";
-        if (Has("garbage-arguments") && m_name.size() > 1000)
+        if (Has("huge-arguments") && m_name.size() > 1000)
             std::abort();
+        for (char& letter : m_name)
+            if (Has("latin-1-arguments"))
+                letter = static_cast<char>(letter & 0x7F);
     }
     const char* GetName() override { return m_name.c_str(); }
     KXPCode ShowSetup(void*) override { return KXP_CANCELLED; }
@@ -87,9 +90,9 @@ public:
             return KXP_NOT_IMPLEMENTED;
         if (m_isRunning)
             return KXP_OK;
-        if (Has("stops-and-starts") && ++m_starts > 10)
+        if (Has("stops-and-starts") && ++m_starts > 30)
             return KXP_OK;
-        m_level = m_variables->GetVariable("Level");
+        m_level = m_variables != nullptr ? m_variables->GetVariable("Level") : nullptr;
         m_isRunning = true;
         m_thread = std::thread([this] { Serve(); });
         return KXP_OK;
@@ -99,7 +102,9 @@ public:
             return m_isRunning ? Halt() : KXPCode{KXP_NO};
         return Halt();
     }
-    KXPCode OnTimerailEvent(ITimeData*, std::int32_t) override { return KXP_OK; }
+    KXPCode OnTimerailEvent(ITimeData*, std::int32_t action) override {
+        return Has("garbage-arguments") && action == -512 ? KXPCode{KXP_BAD_COMMAND} : KXPCode{KXP_OK};
+    }
     KXPBitmap GetBitmap() override { return nullptr; }
     KXPCode GetSetup(char** out) override {
         if (out == nullptr)
@@ -142,14 +147,14 @@ public:
             return KXP_SCRIPT_FAILED;
         IData* argument = params->GetParam(2);
         char* text = argument->GetValueAsString();
-        const std::string copy = text;
+        const std::string copy = text != nullptr ? text : "";
         if (!Has("texts-given-back"))
             argument->ReleaseString(&text);
         Take({params->GetParam(1), copy, context, argument});
         return KXP_OK;
     }
     KXPCode ReleaseString(char** text) override {
-        if (text == nullptr)
+        if (text == nullptr || *text == nullptr)
             return KXP_NULL_ARGUMENT;
         std::free(*text);
         *text = nullptr;
@@ -177,6 +182,8 @@ private:
     /// The values of before go: the new ones are asked for behind it.
     void Replace() {
         const std::lock_guard<std::mutex> guard(m_values);
+        if (m_variables == nullptr)
+            return;
         m_variables->SetDefinition(kDefinition);
         if (!Has("values-after-definition") || ++m_replaced < 15)
             m_level = m_isRunning ? m_variables->GetVariable("Level") : nullptr;
@@ -294,7 +301,10 @@ public:
         return KXP_OK;
     }
     KXPCode Terminate(void*) override { return KXP_OK; }
-    KXPCode SetDeviceHost(void*) override { return KXP_OK; }
+    KXPCode SetDeviceHost(void* host) override {
+        m_deviceHost = host;
+        return KXP_OK;
+    }
     const char* GetDefinition() override { return kDefinition; }
     KXPCode GetModuleVersion(std::uint32_t* out) override {
         if (out != nullptr)
@@ -309,6 +319,8 @@ public:
     KXPCode CreateDevice(void*, IKXPDevice** out) override {
         if (out == nullptr || *out != nullptr)
             return KXP_NULL_ARGUMENT;
+        if (m_deviceHost == nullptr)
+            return KXP_NO_DEVICE_HOST;
         *out = new Device(m_devices);
         return KXP_OK;
     }
@@ -319,6 +331,7 @@ public:
 
 private:
     std::vector<Device*> m_devices;
+    void* m_deviceHost = nullptr;
 };
 
 } // namespace
