@@ -4,11 +4,10 @@
 #include <iterator>
 #include <vector>
 
-#include <QRegularExpression>
-#include <QScriptEngine>
 #include <QStringList>
 
 #include "SourceTokens.h"
+#include "SyntaxReader.h"
 
 namespace {
 
@@ -40,23 +39,19 @@ constexpr NewerWord kNewerWords[] = {
     {"**", "\"**\"", "write \"Math.pow(a, b)\"", false},
 };
 
-/// What the syntax check says, and where in the tokens that is.
+/// What the grammar says, and where in the tokens that is.
 class Finding {
 public:
     Finding(const QString& text, int engineLine)
         : m_text(text)
         , m_tokens(TokensOf(text))
-        , m_check(QScriptEngine::checkSyntax(text)) {
-        const bool hasPlace = m_check.state() != QScriptSyntaxCheckResult::Valid && m_check.errorLineNumber() > 0;
-        advice.line = hasPlace ? m_check.errorLineNumber() : engineLine;
-        advice.column = hasPlace ? m_check.errorColumnNumber() : 0;
-        const int offset = StartOfLine(text, advice.line) + advice.column - 1;
-        if (hasPlace)
-            m_place = static_cast<std::size_t>(std::find_if(m_tokens.begin(), m_tokens.end(),
-                                                            [&](const auto& token) { return token.End() > offset; }) -
-                                               m_tokens.begin());
-        else
-            m_place = m_tokens.size();
+        , m_break(ReadSyntax(text))
+        , m_hasPlace(m_break.kind != SyntaxBreak::Kind::None) {
+        advice.line = m_hasPlace ? LineOf(text, m_break.offset) : engineLine;
+        advice.column = m_hasPlace ? m_break.offset - StartOfLine(text, advice.line) + 1 : 0;
+        const auto isThere = [&](const SourceToken& token) { return token.End() > m_break.offset; };
+        const auto found = m_hasPlace ? std::find_if(m_tokens.begin(), m_tokens.end(), isThere) : m_tokens.end();
+        m_place = static_cast<std::size_t>(found - m_tokens.begin());
     }
 
     void Advise() {
@@ -76,7 +71,7 @@ private:
 
     QString Here() const {
         if (m_place >= m_tokens.size())
-            return advice.column > 0 ? QStringLiteral("the end of the script") : QString();
+            return QStringLiteral("the end of the script");
         QString here = m_tokens[m_place].In(m_text).toString().section(QLatin1Char('\n'), 0, 0);
         constexpr int kLongest = 24;
         if (here.size() > kLongest)
@@ -84,34 +79,27 @@ private:
         return m_tokens[m_place].kind == Kind::Text ? here : QLatin1Char('"') + here + QLatin1Char('"');
     }
 
-    /// What was expected, as the check names it between ` and '.
-    QStringList Expected() const {
-        QStringList expected;
-        static const QRegularExpression kQuoted(QStringLiteral("`([^']+)'"));
-        for (auto match = kQuoted.globalMatch(m_check.errorMessage()); match.hasNext();) {
-            const QString name = match.next().captured(1);
-            const QString shown = name == QLatin1String("identifier")    ? QStringLiteral("a name")
-                                  : name == QLatin1String("end of file") ? QString()
-                                                                         : QLatin1Char('"') + name + QLatin1Char('"');
-            if (!shown.isEmpty() && !expected.contains(shown))
-                expected += shown;
-        }
-        return expected;
-    }
+    bool Expects(const char* what) const { return m_break.expected.contains(QLatin1String(what)); }
 
     QString What() const {
-        const QString message = m_check.errorMessage();
-        if (message.startsWith(QLatin1String("Unclosed string")))
+        switch (m_break.kind) {
+        case SyntaxBreak::Kind::OpenText:
             return QStringLiteral("the text in quotes is not closed on its line");
-        if (message.startsWith(QLatin1String("Unclosed comment")))
+        case SyntaxBreak::Kind::OpenComment:
             return QStringLiteral("the comment is never closed");
-        const QString here = Here();
-        if (here.isEmpty())
+        case SyntaxBreak::Kind::OpenPattern:
+            return QStringLiteral("the regular expression is not closed on its line");
+        case SyntaxBreak::Kind::None:
             return QStringLiteral("the engine cannot read this line");
-        const QStringList expected = Expected();
-        if (expected.isEmpty() || expected.size() > 3)
-            return QStringLiteral("unexpected ") + here;
-        return QStringLiteral("expected %1 before %2").arg(expected.join(QStringLiteral(" or ")), here);
+        case SyntaxBreak::Kind::Unexpected:
+            break;
+        }
+        QStringList expected;
+        for (const QString& one : m_break.expected)
+            expected += one.contains(QLatin1Char(' ')) ? one : QLatin1Char('"') + one + QLatin1Char('"');
+        if (expected.isEmpty())
+            return QStringLiteral("unexpected ") + Here();
+        return QStringLiteral("expected %1 before %2").arg(expected.join(QStringLiteral(" or ")), Here());
     }
 
     /// The brackets that are open before a token, the innermost last.
@@ -128,7 +116,7 @@ private:
 
     /// A script that ends too early has a bracket that nobody closes: the innermost one is where to look.
     bool AdviseOnOpenBracket() {
-        const bool endsEarly = m_check.state() == QScriptSyntaxCheckResult::Intermediate;
+        const bool endsEarly = m_break.kind == SyntaxBreak::Kind::Unexpected && m_break.offset >= m_text.size();
         const auto open = OpenBefore(endsEarly ? m_tokens.size() : m_place);
         if (open.empty())
             return false;
@@ -136,7 +124,8 @@ private:
         const int start = open.back()->start;
         const int line = LineOf(m_text, start);
         if (!endsEarly) {
-            const bool isAwaited = Expected() == QStringList(QStringLiteral("\"}\"")) && bracket == QLatin1String("{");
+            const bool isAwaited =
+                m_break.expected == QStringList(QStringLiteral("}")) && bracket == QLatin1String("{");
             if (isAwaited && line != advice.line)
                 advice.note = QStringLiteral("the \"{\" of line %1 is still open here").arg(line);
             return isAwaited && line != advice.line;
@@ -163,16 +152,18 @@ private:
 
     /// Forms that newer editions have without a word of their own.
     void AdviseOnNewerForm() {
-        const QStringList expected = Expected();
-        const bool wantsColon = expected.contains(QStringLiteral("\":\""));
+        const bool wantsColon = Expects(":");
         if (wantsColon && Is(m_place, "(") && IsWord(m_place - 1))
             Note("short methods", "write \"name: function () { ... }\"");
         else if (wantsColon && (Is(m_place, ",") || Is(m_place, "}")))
             Note("short members", "write \"name: name\"");
-        else if (Is(m_place, "=") && expected.contains(QStringLiteral("\")\"")))
+        else if (Is(m_place, "=") && Expects(")"))
             Note("defaults of parameters", "test for \"undefined\" in the function");
         else if ((Is(m_place, "{") || Is(m_place, "[")) && (IsBefore("var") || IsBefore("const")))
             Note("destructuring", "take the members one by one");
+        else if (Expects("a name") && IsWord(m_place) && (IsBefore(".") || IsBefore("{") || IsBefore(",")))
+            advice.note = QStringLiteral("words of the language name members in quotes alone: a[\"%1\"], { \"%1\": 1 }")
+                              .arg(m_tokens[m_place].In(m_text).toString());
     }
 
     void Note(const char* what, const char* instead) {
@@ -181,8 +172,9 @@ private:
 
     const QString& m_text;
     const std::vector<SourceToken> m_tokens;
-    const QScriptSyntaxCheckResult m_check;
-    std::size_t m_place = 0; ///< the token at which the check has stopped
+    const SyntaxBreak m_break;
+    const bool m_hasPlace;
+    std::size_t m_place = 0; ///< the token that cannot stand where it stands
 };
 
 } // namespace

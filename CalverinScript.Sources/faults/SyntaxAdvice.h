@@ -11,5 +11,5 @@ struct SyntaxAdvice {
 };
 
 /// Looks at a text that the engine does not take.
-/// @param engineLine where the engine itself has given up; counts where its syntax check sees nothing.   [any]
+/// @param engineLine where the engine itself has given up; counts where the grammar says nothing.   [any]
 SyntaxAdvice AdviceOn(const QString& text, int engineLine);
