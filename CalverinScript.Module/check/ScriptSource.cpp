@@ -86,8 +86,8 @@ void ScriptSource::FindFunctions() {
             if (function.close > function.open)
                 m_functions.push_back(std::move(function));
         }
-    for (std::size_t i = 0; i < m_functions.size(); ++i)
-        m_functions[i].parent = FunctionAround(m_functions[i].keyword);
+    for (SourceFunction& function : m_functions)
+        function.parent = FunctionAround(function.keyword);
 }
 
 SourceFunction ScriptSource::FunctionAt(int keyword) const {

@@ -69,16 +69,15 @@ private:
 
     /// Takes `X.name` and `X["name"]`. Setting a member is no reading of it.
     bool TakeMember(int place) {
-        int member = 0;
-        if (m_source.IsSign(place + 1, ".") && m_source.IsName(place + 2))
-            member = place + 2;
-        else if (m_source.IsSign(place + 1, "[") && m_source.IsText(place + 2) && m_source.IsSign(place + 3, "]"))
-            member = place + 2;
-        if (member == 0)
+        const int member = place + 2;
+        const bool isDotted = m_source.IsSign(place + 1, ".") && m_source.IsName(member);
+        const bool isInBrackets =
+            m_source.IsSign(place + 1, "[") && m_source.IsText(member) && m_source.IsSign(place + 3, "]");
+        if (!isDotted && !isInBrackets)
             return false;
         if (Text(member) == QLatin1String("hasOwnProperty"))
             return false;
-        if (!m_source.IsSign(m_source.IsText(member) ? member + 2 : member + 1, "="))
+        if (!m_source.IsSign(isDotted ? member + 1 : member + 2, "="))
             m_names.insert(Text(member));
         return true;
     }
