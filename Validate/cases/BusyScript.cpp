@@ -1,10 +1,29 @@
 #include "BusyScript.h"
 
+#include <thread>
+
+std::string SetupWith(const std::string& script, const std::string& variable) {
+    return "<DeviceData Version=\"1000\" Name=\"desk\" DeviceInternalVersion=\"1\"><Setup><Monitors><Monitor Name=\"" +
+           variable + "\" Type=\"StringData\" Value=\"0\"/></Monitors><Script><![CDATA[" + script +
+           "]]></Script></Setup></DeviceData>";
+}
+
 std::string BusySetup(const std::string& extra) {
-    return "<DeviceData Version=\"1000\" Name=\"desk\" DeviceInternalVersion=\"1\"><Setup><Script><![CDATA["
-           "QCalverin.SetInterval(function () { script.Device.Level += 1; }, 1);\n"
-           "var script = { Device: { Level: 0 }, Work: function (a) { script.Device.Level += 1; return a; } " +
-           extra + " }; script;]]></Script></Setup></DeviceData>";
+    return SetupWith(
+        "QCalverin.SetInterval(function () { script.Device.Level += 1; }, 1);\n"
+        "var script = { Device: { Level: 0 }, Work: function (a) { script.Device.Level += 1; return a; } " +
+            extra + " }; script;",
+        "Level");
+}
+
+bool WaitForText(HostedDevice& device, const std::string& variable, const std::string& text) {
+    const auto end = std::chrono::steady_clock::now() + kTrialWait;
+    while (device.Variables().Text(variable) != text) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
 }
 
 std::int32_t FunctionCommand(const HostedDevice& device) {

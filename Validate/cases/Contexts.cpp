@@ -1,4 +1,5 @@
 #include <atomic>
+#include <thread>
 
 #include "BusyScript.h"
 #include "Cases.h"
@@ -71,27 +72,74 @@ void GivesTextsBack(Trial& trial) {
     Trial::Expect(HostValue::TextsOut() == 0, std::to_string(HostValue::TextsOut()) + " texts were not given back");
 }
 
+namespace {
+
+/// What a host may ask from inside any of its operations, whatever the thread; and, on its main thread, what belongs
+/// there.
+class Insider {
+public:
+    Insider(Trial& trial, ModuleHost& host, HostedDevice& device, ContextTally& tally)
+        : m_trial(trial)
+        , m_host(host)
+        , m_device(device)
+        , m_tally(tally)
+        , m_command(FunctionCommand(device)) {}
+
+    void Hear(const char* call) {
+        thread_local bool isInside = false;
+        if (isInside || m_heard >= kMost)
+            return;
+        isInside = true;
+        m_trial.Step(std::string("from inside ") + call);
+        const int number = ++m_heard;
+        m_device->IsRunning();
+        m_device->GetName();
+        m_device->QueryCapability(1);
+        m_device->OnTimerailEvent(nullptr, kNoAction);
+        if (number % kCommandEach == 0)
+            m_device.Send(m_command, CallOfWork("from inside"), &m_tally);
+        if (std::this_thread::get_id() == m_main)
+            AskOnMain(call, number);
+        isInside = false;
+    }
+    int Heard() const { return m_heard; }
+    int HeardOnMain() const { return m_heardOnMain; }
+
+private:
+    void AskOnMain(const std::string& call, int number) {
+        ++m_heardOnMain;
+        std::uint32_t count = 0;
+        m_host.Module().GetDeviceCount(&count);
+        Trial::Expect(count == 1, "GetDeviceCount from inside");
+        m_device->SetName("from inside");
+        m_device.Setup();
+        if (call == "SetDefinition" || number % kSetupEach == 0)
+            m_device->SetSetup(BusySetup(", Inside: function () {}").c_str());
+    }
+
+    static constexpr int kMost = 5000;
+    static constexpr int kCommandEach = 7;
+    static constexpr int kSetupEach = 50;
+    static constexpr std::int32_t kNoAction = 9;
+    Trial& m_trial;
+    ModuleHost& m_host;
+    HostedDevice& m_device;
+    ContextTally& m_tally;
+    const std::int32_t m_command;
+    const std::thread::id m_main = std::this_thread::get_id();
+    std::atomic<int> m_heard{0};
+    std::atomic<int> m_heardOnMain{0};
+};
+
+} // namespace
+
 void TakesCallsFromInside(Trial& trial) {
-    constexpr int kMost = 5000;
-    constexpr int kCommandEach = 7;
     ModuleHost host;
     LoadOrFail(host, trial);
     ContextTally tally;
     HostedDevice device(host);
-    const std::int32_t command = FunctionCommand(device);
-    thread_local bool isInside = false;
-    std::atomic<int> heard{0};
-    host.hearing = [&](const char* call) {
-        if (isInside || heard >= kMost)
-            return;
-        isInside = true;
-        trial.Step(std::string("from inside ") + call);
-        device->IsRunning();
-        device->GetName();
-        if (++heard % kCommandEach == 0)
-            device.Send(command, CallOfWork("from inside"), &tally);
-        isInside = false;
-    };
+    Insider insider(trial, host, device, tally);
+    host.hearing = [&](const char* call) { insider.Hear(call); };
     StartBusy(device);
     for (int round = trial.Times(400, 2); round > 0; --round) {
         Flood(device, tally, 50);
@@ -99,5 +147,7 @@ void TakesCallsFromInside(Trial& trial) {
         Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the contexts end");
     }
     device.End();
-    Trial::Expect(heard > 0, "the module asks the host for something");
+    host.hearing = nullptr; // the device is gone
+    Trial::Expect(insider.HeardOnMain() > 0, "the module asks the host for something on its main thread");
+    Trial::Expect(insider.Heard() > insider.HeardOnMain(), "and on others");
 }

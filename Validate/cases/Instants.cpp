@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -51,7 +52,7 @@ void TakesManyDevices(Trial& trial) {
     ModuleHost host;
     LoadOrFail(host, trial);
     std::vector<std::unique_ptr<HostedDevice>> devices;
-    const int count = trial.Times(1 << 12, 16) > 256 ? 256 : trial.Times(1 << 12, 16);
+    const int count = std::min(trial.Times(1 << 14, 16), 256); // all of them from level 7 on
     for (int number = 0; number < count; ++number) {
         trial.Step("device " + std::to_string(number));
         devices.push_back(std::make_unique<HostedDevice>(host, "desk " + std::to_string(number)));
@@ -68,6 +69,26 @@ void TakesManyDevices(Trial& trial) {
     }
     host.Module().GetDeviceCount(&counted);
     Trial::Expect(counted == 0, "GetDeviceCount counts none at the end");
+}
+
+/// One factory may stay behind: the host forgets it with the module.
+void LoadsOften(Trial& trial) {
+    for (int round = trial.Times(100, 5); round > 0; --round) {
+        trial.Step("load, " + std::to_string(round) + " to go");
+        ContextTally tally;
+        ModuleHost host;
+        LoadOrFail(host, trial);
+        std::uint32_t count = 1;
+        host.Module().GetDeviceCount(&count);
+        Trial::Expect(count == 0, "a module that was just loaded has no devices");
+        HostedDevice device(host);
+        StartBusy(device);
+        Trial::ExpectCode(device.Send(FunctionCommand(device), CallOfWork("x"), &tally), KXP_OK, "ExecuteCommand");
+        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the context ends");
+        device.End();
+        host.Unload();
+        Trial::Expect(host.Factories().size() <= 1, "the module takes its factories back");
+    }
 }
 
 void LetsGoOfDevices(Trial& trial) {

@@ -1,3 +1,4 @@
+#include <cstring>
 #include <thread>
 
 #include "BusyScript.h"
@@ -13,20 +14,92 @@ std::string RandomWord(Trial& trial) {
     return word;
 }
 
-/// A text with one piece cut out, doubled, or with one bit turned.
+/// As it stands in an attribute.
+std::string Escaped(const std::string& text) {
+    std::string escaped;
+    for (const char letter : text)
+        if (std::strchr("<>&\"'", letter) != nullptr)
+            escaped += "&#" + std::to_string(letter) + ";";
+        else
+            escaped += letter;
+    return escaped;
+}
+
+/// What of a setup has to be there again when it is given back.
+struct Model {
+    std::uint32_t settings = 0;
+    std::uint32_t monitors = 0;
+    std::vector<std::string> flags; ///< as the text has them
+    std::string text;
+};
+
+/// A few entries of a kind with names that nobody else has.
+std::string RandomEntries(Trial& trial, const std::string& element, std::uint32_t count) {
+    static constexpr const char* types[] = {"IntegerData", "RealData", "StringData", "TimeData", "DateData"};
+    std::string entries;
+    for (std::uint32_t number = 0; number < count; ++number)
+        entries += "<" + element + " Name=\"n" + std::to_string(number) + Escaped(RandomWord(trial)) + "\" Type=\"" +
+                   types[trial.Roll(std::size(types))] + "\" Value=\"" + Escaped(RandomWord(trial)) + "\"/>";
+    return entries;
+}
+
+Model RandomModel(Trial& trial) {
+    Model model;
+    model.settings = trial.Roll(5);
+    model.monitors = trial.Roll(5);
+    for (const char* flag :
+         {"RegisterAllUserGroups", "RemoveDefaultCommandsAndVariables", "ProgrammingMode", "AutoCompletion"})
+        model.flags.push_back(std::string(flag) + "=\"" + std::to_string(trial.Roll(2)) + "\"");
+    std::string script = RandomWord(trial);
+    for (char& letter : script)
+        if (letter == '"' || letter == '\'')
+            letter = '.';
+    model.text = "<DeviceData Version=\"1000\" Name=\"" + Escaped(RandomWord(trial)) + "\"><Setup><Settings>" +
+                 RandomEntries(trial, "Setting", model.settings) + "</Settings><Monitors>" +
+                 RandomEntries(trial, "Monitor", model.monitors) + "</Monitors><Script";
+    for (const std::string& flag : model.flags)
+        model.text += " " + flag;
+    model.text += "><![CDATA[({ Work: function () { return '" + script + "'; } })]]></Script></Setup></DeviceData>";
+    return model;
+}
+
+std::uint32_t CountOf(const std::string& what, const std::string& text) {
+    std::uint32_t count = 0;
+    for (auto place = text.find(what); place != std::string::npos; place = text.find(what, place + 1))
+        ++count;
+    return count;
+}
+
+void ExpectModel(const Model& model, const std::string& given) {
+    Trial::Expect(CountOf("<Setting ", given) == model.settings, "GetSetup gives each setting");
+    Trial::Expect(CountOf("<Monitor ", given) == model.monitors, "GetSetup gives each variable");
+    for (const std::string& flag : model.flags)
+        Trial::Expect(CountOf(flag, given) == 1, "GetSetup gives " + flag);
+}
+
+/// A text of chance, or one with one piece cut out, doubled, nested, or with one bit turned.
 std::string Break(Trial& trial, std::string text) {
     const auto place = trial.Roll(static_cast<std::uint32_t>(text.size()));
     const auto length = 1 + trial.Roll(40);
-    switch (trial.Roll(4)) {
+    std::string piece;
+    switch (trial.Roll(6)) {
     case 0:
         return text.substr(0, place);
     case 1:
         return text.erase(place, length);
     case 2:
         return text.insert(place, text.substr(place, length));
+    case 3:
+        for (std::uint32_t depth = 1U << trial.Roll(17); depth > 0; --depth)
+            piece += "<a>";
+        return text.insert(place, piece);
+    case 4:
+        for (std::uint32_t count = 1 + trial.Roll(400); count > 0; --count)
+            piece += static_cast<char>(1 + trial.Roll(255));
+        return piece;
     default:
         text[place] = static_cast<char>(text[place] ^ (1 << trial.Roll(8)));
-        return text;
+        return text.c_str(); // a bit may have been the last of its character
     }
 }
 
@@ -37,17 +110,15 @@ void KeepsSetups(Trial& trial) {
     LoadOrFail(host, trial);
     HostedDevice device(host);
     for (int round = trial.Times(1000000, 50); round > 0; --round) {
-        const std::string name = RandomWord(trial);
-        trial.Step("a script with a text of " + std::to_string(name.size()) + " characters");
-        std::string quoted;
-        for (const char letter : name)
-            quoted += letter == '"' || letter == '\'' ? '.' : letter;
-        if (device->SetSetup(BusySetup(", Text: '" + quoted + "'").c_str()) != KXP_OK)
+        const Model model = RandomModel(trial);
+        trial.Step("a setup with " + std::to_string(model.settings) + " settings and " +
+                   std::to_string(model.monitors) + " variables");
+        if (device->SetSetup(model.text.c_str()) != KXP_OK)
             throw Skipped("the module takes no setup with a script");
         const std::string given = device.Setup();
+        ExpectModel(model, given);
         Trial::ExpectCode(device->SetSetup(given.c_str()), KXP_OK, "SetSetup of what GetSetup gave");
-        const std::string again = device.Setup();
-        Trial::Expect(again == given, "GetSetup gives what SetSetup was given");
+        Trial::Expect(device.Setup() == given, "GetSetup gives what SetSetup was given");
     }
 }
 
@@ -83,5 +154,10 @@ void KeepsOffDroppedValues(Trial& trial) {
                           KXP_OK, "SetSetup on a running device");
         std::this_thread::sleep_for(std::chrono::milliseconds(trial.Roll(4)));
     }
+    const std::size_t before = device.Variables().Changes("Level");
+    const auto end = std::chrono::steady_clock::now() + kTrialWait;
+    while (device.Variables().Changes("Level") == before && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    Trial::Expect(device.Variables().Changes("Level") != before, "the script writes its variable on");
     device.End();
 }

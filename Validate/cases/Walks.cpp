@@ -129,7 +129,7 @@ private:
 void TakesWalks(Trial& trial) {
     ModuleHost host;
     LoadOrFail(host, trial);
-    constexpr int kSteps = 200;
-    for (int walk = trial.Times(100000 / kSteps, 2); walk > 0; --walk)
-        Walk(trial, host).Go(kSteps);
+    constexpr std::uint32_t kMostSteps = 60;
+    for (int walk = trial.Times(100000, 12); walk > 0; --walk)
+        Walk(trial, host).Go(1 + static_cast<int>(trial.Roll(kMostSteps)));
 }

@@ -13,8 +13,12 @@
 #include <fcntl.h>
 
 #include "FaceAnswer.h"
+#include "IKXPDevicePanel.h"
 #include "IKXPModule.h"
+#include "IManagerRemote.h"
 #include "IManagerRuntimeInfo.h"
+#include "IObjectFactory.h"
+#include "IObjectFactoryManager.h"
 
 /// @file
 /// A small module that keeps the contract, but for one fault of choice: KXP_FAULT in the environment is the name of the
@@ -37,28 +41,121 @@ char* Copy(const std::string& text) {
     return copy;
 }
 
+/// A request to the host, which both may hold.
+class Question final : public IExecContext2 {
+public:
+    bool IsBegun() const { return m_state != 0; }
+    bool IsEnded() const { return m_state == 2; }
+    std::string Text() {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        return m_text;
+    }
+
+    KXPCode QueryInterface(const char* name, void** out) override {
+        return AnswerFace(
+            name, out,
+            {{"IExecContext", static_cast<IExecContext*>(this)}, {"IExecContext2", static_cast<IExecContext2*>(this)}});
+    }
+    KXPCode Release() override {
+        if (--m_references == 0)
+            delete this;
+        return KXP_OK;
+    }
+    KXPCode SetErrorCode(KXPCode) override { return KXP_OK; }
+    KXPCode Begin() override {
+        m_state = 1;
+        return KXP_OK;
+    }
+    KXPCode End() override {
+        m_state = 2;
+        return KXP_OK;
+    }
+    KXPCode Reserved4(void*) override { return KXP_OK; }
+    KXPCode Reserved5(void*) override { return KXP_OK; }
+    KXPCode AddRef() override {
+        ++m_references;
+        return KXP_OK;
+    }
+    KXPCode Reserved7(void*) override { return KXP_OK; }
+    KXPCode Reserved8(void*, void*, void*) override { return KXP_OK; }
+    KXPCode SetResultText(const char* text) override {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        m_text = text != nullptr && !(Has("requests-answered") && IsBegun()) ? text : "";
+        return KXP_OK;
+    }
+    std::uint32_t GetState() override { return m_state; }
+
+private:
+    ~Question() = default;
+
+    std::mutex m_lock;
+    std::string m_text; ///< behind the lock
+    std::atomic<std::uint32_t> m_state{0};
+    std::atomic<int> m_references{1};
+};
+
+std::string TextOf(IData& value) {
+    char* text = value.GetValueAsString();
+    const std::string copy = text != nullptr ? text : "";
+    value.ReleaseString(&text);
+    return copy;
+}
+
 /// A command that waits for the device's thread.
 struct Request {
+    std::string function;
     IData* result;
     std::string argument;
     IExecContext* context;
     IData* argumentValue; ///< for the fault alone
 };
 
+/// A panel that shows nothing.
+class Panel final : public IKXPDevicePanel {
+public:
+    KXPCode QueryInterface(const char* name, void** out) override { return AnswerFace(name, out, {}); }
+    KXPCode Release() override {
+        delete this;
+        return KXP_OK;
+    }
+    KXPWindow GetWindow() override { return 0; }
+    std::uint32_t Reserved4(void*) override { return 0; }
+    const char* GetName() override { return "panel"; }
+    std::uint32_t Reserved6(void*) override { return 1; }
+    bool GetBounds(IPanelRect*) override { return false; }
+    std::uint32_t GetState() override { return m_state; }
+    void SetState(std::uint32_t what, std::uint32_t value) override {
+        if (what == KXP_PANEL_STATE || (Has("panels") && what == KXP_PANEL_VISIBLE && value == 0))
+            m_state = value;
+        if (Has("panels") && m_state == 0)
+            std::abort();
+    }
+
+private:
+    ~Panel() = default;
+
+    std::uint32_t m_state = 1;
+};
+
 class Device final : public IKXPDevice {
 public:
-    explicit Device(std::vector<Device*>& list)
+    Device(std::vector<Device*>& list, IMInterface* host)
         : m_list(list) {
         m_list.push_back(this);
+        if (auto* manager = QueryFace<IManagerRemoteManager2>(host, "IManagerRemoteManager2"))
+            m_link = manager->GetRemote(this);
     }
 
     /// The module is gone.
-    void Orphan() {
+    void Orphan(bool isTerminated) {
         Halt();
         m_isOrphan = true;
+        m_startsAgain = isTerminated && Has("module-goes-first");
     }
 
     KXPCode QueryInterface(const char* name, void** out) override {
+        if (m_isOrphan)
+            return AnswerFace(name, out, {});
         if (Has("faces") && name != nullptr && std::strcmp(name, "INobodyHasThis") == 0)
             return KXP_OK;
         return AnswerFace(
@@ -73,7 +170,9 @@ public:
         return KXP_OK;
     }
     void SetDeviceVariables(IDeviceVariables* variables) override { m_variables = variables; }
-    KXPCode QueryCapability(std::uint32_t code) override { return code == 1 || code == 2 ? KXP_OK : KXP_NO; }
+    KXPCode QueryCapability(std::uint32_t code) override {
+        return !m_isOrphan && (code == 1 || code == 2) ? KXP_OK : KXP_NO;
+    }
     void SetName(const char* name) override {
         m_name = name != nullptr ? name : "";
         if (Has("huge-arguments") && m_name.size() > 1000)
@@ -84,10 +183,10 @@ public:
     }
     const char* GetName() override { return m_name.c_str(); }
     KXPCode ShowSetup(void*) override { return KXP_CANCELLED; }
-    KXPCode IsRunning() override { return m_isRunning ? KXP_OK : KXP_NO; }
+    KXPCode IsRunning() override { return m_isRunning || m_isBelieved ? KXP_OK : KXP_NO; }
     KXPCode Start() override {
         if (m_isOrphan)
-            return KXP_NOT_IMPLEMENTED;
+            return m_startsAgain ? KXP_OK : KXPCode{KXP_NOT_IMPLEMENTED};
         if (m_isRunning)
             return KXP_OK;
         if (Has("stops-and-starts") && ++m_starts > 30)
@@ -97,25 +196,31 @@ public:
         m_thread = std::thread([this] { Serve(); });
         return KXP_OK;
     }
-    KXPCode Stop() override {
-        if (Has("walks"))
-            return m_isRunning ? Halt() : KXPCode{KXP_NO};
-        return Halt();
-    }
+    KXPCode Stop() override { return m_isOrphan ? KXPCode{KXP_NOT_IMPLEMENTED} : Halt(); }
     KXPCode OnTimerailEvent(ITimeData*, std::int32_t action) override {
+        if (m_isOrphan)
+            return KXP_NOT_IMPLEMENTED;
+        if (Has("wrong-orders") && action == 1)
+            m_isBelieved = true;
         return Has("garbage-arguments") && action == -512 ? KXPCode{KXP_BAD_COMMAND} : KXPCode{KXP_OK};
     }
     KXPBitmap GetBitmap() override { return nullptr; }
     KXPCode GetSetup(char** out) override {
         if (out == nullptr)
             return KXP_NULL_ARGUMENT;
-        *out = Copy(Has("setup-round-trips") ? m_setup + " " : m_setup);
+        if (m_isOrphan)
+            return KXP_NOT_IMPLEMENTED;
+        *out = Copy(m_setup);
         return KXP_OK;
     }
     KXPCode SetSetup(const char* setup) override {
         if (setup == nullptr || *setup == '\0')
             return KXP_NULL_ARGUMENT;
+        if (m_isOrphan)
+            return KXP_NOT_IMPLEMENTED;
         const std::string text = setup;
+        if (Has("walks") && text == "<Other/>")
+            return KXP_NULL_ARGUMENT;
         const bool isWhole = text.size() > 13 && text.compare(text.size() - 13, 13, "</DeviceData>") == 0;
         if (Has("broken-setups") && text.rfind("<DeviceData", 0) == 0)
             m_setup = text;
@@ -124,6 +229,8 @@ public:
         if (!isWhole)
             return KXP_NULL_ARGUMENT;
         m_setup = text;
+        if (Has("setup-round-trips") && text.find('\xE4') != std::string::npos)
+            m_setup.insert(m_setup.find('\xE4'), 1, '\xE4');
         m_name = "desk";
         Replace();
         return KXP_OK;
@@ -145,12 +252,13 @@ public:
             return KXP_BAD_COMMAND;
         if (!m_isRunning && !Has("release-at-any-instant"))
             return KXP_SCRIPT_FAILED;
+        const std::string function = TextOf(*params->GetParam(0));
         IData* argument = params->GetParam(2);
         char* text = argument->GetValueAsString();
         const std::string copy = text != nullptr ? text : "";
         if (!Has("texts-given-back"))
             argument->ReleaseString(&text);
-        Take({params->GetParam(1), copy, context, argument});
+        Take({function, params->GetParam(1), copy, context, argument});
         return KXP_OK;
     }
     KXPCode ReleaseString(char** text) override {
@@ -162,8 +270,13 @@ public:
     }
     const char* GetDefinition() override { return kDefinition; }
     KXPCode Reserved20() override { return KXP_NOT_IMPLEMENTED; }
-    KXPCode CreatePanel(std::uint32_t, IKXPDevicePanel** out) override {
-        return out != nullptr ? KXP_NOT_IMPLEMENTED : KXPCode{KXP_NULL_ARGUMENT};
+    KXPCode CreatePanel(std::uint32_t kind, IKXPDevicePanel** out) override {
+        if (out == nullptr)
+            return KXP_NULL_ARGUMENT;
+        if (m_isOrphan || kind != 1)
+            return KXP_NOT_IMPLEMENTED;
+        *out = new Panel;
+        return KXP_OK;
     }
 
 private:
@@ -181,11 +294,11 @@ private:
 
     /// The values of before go: the new ones are asked for behind it.
     void Replace() {
-        const std::lock_guard<std::mutex> guard(m_values);
+        const std::lock_guard<std::recursive_mutex> guard(m_values);
         if (m_variables == nullptr)
             return;
         m_variables->SetDefinition(kDefinition);
-        if (!Has("values-after-definition") || ++m_replaced < 15)
+        if (!Has("values-after-definition") || ++m_replaced < 25)
             m_level = m_isRunning ? m_variables->GetVariable("Level") : nullptr;
     }
 
@@ -245,18 +358,37 @@ private:
             guard.unlock();
             Work(request);
         }
+        for (Question* question : m_later)
+            question->Release();
+        m_later.clear();
     }
 
     void Tick(int count) {
+        for (auto place = m_later.begin(); place != m_later.end();)
+            if ((*place)->IsEnded()) {
+                Write("Got", (*place)->Text());
+                (*place)->Release();
+                place = m_later.erase(place);
+            } else {
+                ++place;
+            }
         std::unique_lock<std::mutex> held(m_lock, std::defer_lock);
         if (Has("calls-from-inside"))
             held.lock();
-        const std::lock_guard<std::mutex> guard(m_values);
+        const std::lock_guard<std::recursive_mutex> guard(m_values);
         if (m_level != nullptr)
             m_level->SetIntValue(count, 0, 0);
     }
 
-    static void Work(const Request& request) {
+    void Work(const Request& request) {
+        static std::mutex one;
+        std::unique_lock<std::mutex> alone(one, std::defer_lock);
+        if (Has("runaway-scripts"))
+            alone.lock();
+        if (request.function == "Run")
+            RunAway();
+        else if (request.function == "Ask" || request.function == "AskLater")
+            Ask(request.function == "Ask");
         request.result->SetValueFromString(request.argument.c_str(), 0, 0);
         if (request.context != nullptr)
             request.context->End();
@@ -264,21 +396,60 @@ private:
             request.argumentValue->GetIntValue();
     }
 
+    /// As a script that never returns.
+    void RunAway() {
+        Write("Level", "77");
+        while (m_isRunning)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+
+    /// @param waits for the answer; else a later tick writes it.
+    void Ask(bool waits) {
+        auto* question = new Question;
+        const KXPCode code = m_link->Perform("host", "", "", question, nullptr);
+        if (!waits) {
+            m_later.push_back(question);
+            return;
+        }
+        while (code == KXP_PENDING && question->IsBegun() && !question->IsEnded() && m_isRunning)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        Write("Got", code == KXP_OK || code == KXP_PENDING ? question->Text() : "");
+        question->Release();
+    }
+
+    void Write(const char* variable, const std::string& text) {
+        const std::lock_guard<std::recursive_mutex> guard(m_values);
+        if (IData* value = m_variables != nullptr ? m_variables->GetVariable(variable) : nullptr)
+            value->SetValueFromString(text.c_str(), 0, 0);
+    }
+
     std::vector<Device*>& m_list;
     IDeviceVariables* m_variables = nullptr;
+    IManagerRemote2* m_link = nullptr;
+    std::vector<Question*> m_later; ///< of the device's thread
     std::string m_name;
     std::string m_setup = "<DeviceData Version=\"1000\"></DeviceData>";
     std::atomic<bool> m_isRunning{false};
     bool m_isOrphan = false;
+    bool m_isBelieved = false; ///< for a fault alone, as the next
+    bool m_startsAgain = false;
     int m_starts = 0;
     int m_replaced = 0;
-    int m_taken = 0;     ///< behind m_lock
-    std::mutex m_values; ///< guards m_level and what it points to
+    int m_taken = 0;               ///< behind m_lock
+    std::recursive_mutex m_values; ///< guards m_level and what it points to; the host may come back
     IData* m_level = nullptr;
     std::mutex m_lock; ///< guards m_requests
     std::condition_variable m_changed;
     std::deque<Request> m_requests;
     std::thread m_thread;
+};
+
+/// Makes nothing.
+class Factory final : public IObjectFactory {
+public:
+    KXPCode QueryInterface(const char* name, void** out) override { return AnswerFace(name, out, {}); }
+    KXPCode Release() override { return KXP_OK; }
+    IMInterface* CreateObject(const char*) override { return nullptr; }
 };
 
 class Module final : public IKXPModule {
@@ -287,20 +458,28 @@ public:
         return AnswerFace(name, out, {{"IKXPModule", static_cast<IKXPModule*>(this)}});
     }
     KXPCode Release() override {
-        if (!Has("module-goes-first"))
-            for (Device* device : m_devices)
-                device->Orphan();
+        for (Device* device : m_devices)
+            device->Orphan(m_isTerminated);
         m_devices.clear();
         return KXP_OK;
     }
-    KXPCode Initialize(IMInterface*, void*, void*) override {
+    KXPCode Initialize(IMInterface* host, void*, void*) override {
+        m_host = host;
+        m_isTerminated = false;
+        auto* factories = QueryFace<IObjectFactoryManager>(host, "IObjectFactoryManager");
+        for (const char* name : {"IOneSelector", "IOtherSelector"})
+            if (Has("loads") && factories != nullptr)
+                factories->RegisterFactory(name, &m_factory);
         if (Has("process-left-alone"))
             std::setlocale(LC_ALL, "C.UTF-8");
         if (Has("nothing-left-behind"))
             open("/dev/null", O_RDONLY);
         return KXP_OK;
     }
-    KXPCode Terminate(void*) override { return KXP_OK; }
+    KXPCode Terminate(void*) override {
+        m_isTerminated = true;
+        return KXP_OK;
+    }
     KXPCode SetDeviceHost(void* host) override {
         m_deviceHost = host;
         return KXP_OK;
@@ -321,7 +500,7 @@ public:
             return KXP_NULL_ARGUMENT;
         if (m_deviceHost == nullptr)
             return KXP_NO_DEVICE_HOST;
-        *out = new Device(m_devices);
+        *out = new Device(m_devices, m_host);
         return KXP_OK;
     }
     IKXPDevice* GetDevice(std::uint32_t index) override {
@@ -332,6 +511,9 @@ public:
 private:
     std::vector<Device*> m_devices;
     void* m_deviceHost = nullptr;
+    IMInterface* m_host = nullptr;
+    bool m_isTerminated = false;
+    Factory m_factory;
 };
 
 } // namespace

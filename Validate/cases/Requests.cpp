@@ -1,0 +1,157 @@
+#include <atomic>
+#include <thread>
+
+#include "BusyScript.h"
+#include "Cases.h"
+
+namespace {
+
+constexpr const char* kAnswer = "the answer";
+
+/// When a request is ended.
+enum class EndAt { Never, Inside, Before, OnAnotherThread, BehindStop, BehindRelease };
+
+/// One way of a host with a request.
+struct Way {
+    const char* name;
+    KXPCode code;
+    bool isBegun;
+    bool isHeld; ///< with a reference of the host's own
+    EndAt end;
+    int ends;         ///< how often
+    const char* text; ///< what the script gets
+};
+
+constexpr Way kWays[] = {
+    {"answered at once", KXP_OK, false, false, EndAt::Never, 0, kAnswer},
+    {"refused", KXP_NOT_IMPLEMENTED, false, false, EndAt::Never, 0, ""},
+    {"refused and ended", KXP_NOT_IMPLEMENTED, false, false, EndAt::Inside, 1, ""},
+    {"answered at once and ended", KXP_OK, true, false, EndAt::Inside, 1, kAnswer},
+    {"pending, ended inside the call", KXP_PENDING, true, false, EndAt::Inside, 1, kAnswer},
+    {"pending, ended inside the call and held", KXP_PENDING, true, true, EndAt::Inside, 1, kAnswer},
+    {"pending, ended on another thread before the answer", KXP_PENDING, true, true, EndAt::Before, 1, kAnswer},
+    {"pending, ended on another thread", KXP_PENDING, true, true, EndAt::OnAnotherThread, 1, kAnswer},
+    {"pending, ended on another thread by a host that holds nothing", KXP_PENDING, true, false, EndAt::OnAnotherThread,
+     1, kAnswer},
+    {"pending, ended twice", KXP_PENDING, true, true, EndAt::OnAnotherThread, 2, kAnswer},
+    {"pending, ended behind Stop", KXP_PENDING, true, true, EndAt::BehindStop, 1, nullptr},
+    {"pending, ended three times behind Stop", KXP_PENDING, true, true, EndAt::BehindStop, 3, nullptr},
+    {"pending, ended behind Release", KXP_PENDING, true, true, EndAt::BehindRelease, 1, nullptr},
+    {"pending, ended twice behind Release", KXP_PENDING, true, true, EndAt::BehindRelease, 2, nullptr},
+    {"pending, never ended", KXP_PENDING, true, false, EndAt::Never, 0, nullptr},
+};
+
+/// The host's side of one request at a time.
+class Clerk {
+public:
+    explicit Clerk(const Way& way)
+        : m_way(way) {}
+    ~Clerk() {
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+    Clerk(const Clerk&) = delete;
+    Clerk& operator=(const Clerk&) = delete;
+
+    KXPCode Answer(IExecContext2& request) {
+        if (m_way.isBegun)
+            request.Begin();
+        if (m_way.isHeld)
+            request.AddRef();
+        m_request = &request;
+        if (m_way.end == EndAt::Inside)
+            End();
+        else if (m_way.end == EndAt::Before)
+            std::thread([this] { End(); }).join();
+        else if (m_way.end == EndAt::OnAnotherThread)
+            m_thread = std::thread([this] { End(); });
+        else if (m_way.code == KXP_OK)
+            request.SetResultText(kAnswer);
+        return m_way.code;
+    }
+    /// Ends a held request that is due at that time.
+    void Pass(EndAt now) {
+        if (m_request != nullptr && m_way.end == now)
+            End();
+    }
+
+private:
+    void End() {
+        IExecContext2& request = *m_request.load();
+        request.SetErrorCode(KXP_OK);
+        request.SetResultText(kAnswer);
+        for (int count = 0; count < m_way.ends; ++count)
+            request.End();
+        if (m_way.isHeld)
+            request.Release();
+    }
+
+    const Way& m_way;
+    std::atomic<IExecContext2*> m_request{nullptr};
+    std::thread m_thread;
+};
+
+std::string AskingSetup() {
+    return SetupWith("var script = { Device: { Got: 'nothing' },\n"
+                     "  Ask: function (a) { script.Device.Got = QCalverin.Perform('host', a); },\n"
+                     "  AskLater: function (a) { QCalverin.PerformAsync(\n"
+                     "    function (text) { script.Device.Got = text === undefined ? '' : text; }, 'host', a); } };\n"
+                     "script;",
+                     "Got");
+}
+
+/// What is not ended is not called back; what is, brings its text along, even if it was refused.
+void ExpectText(HostedDevice& device, const Way& way, bool isLater) {
+    if (isLater && way.end == EndAt::Never)
+        return;
+    const std::string text = isLater ? kAnswer : way.text;
+    Trial::Expect(WaitForText(device, "Got", text),
+                  "the script gets \"" + text + "\", not \"" + device.Variables().Text("Got") + "\"");
+}
+
+void Ask(Trial& trial, const Way& way, const std::string& function) {
+    trial.Step(function + ", " + way.name);
+    ModuleHost host;
+    Clerk clerk(way);
+    ContextTally tally;
+    std::atomic<bool> isAsked{false};
+    host.answering = [&](const char* call, IExecContext2& request) {
+        if (std::string(call) != "Perform")
+            return KXPCode{KXP_OK}; // what a device asks by itself
+        const KXPCode code = clerk.Answer(request);
+        isAsked = true;
+        return code;
+    };
+    LoadOrFail(host, trial);
+    HostedDevice device(host);
+    StartBusy(device, AskingSetup());
+    std::vector<std::string> texts(kFunctionParameters);
+    texts[0] = function;
+    Trial::ExpectCode(device.Send(FunctionCommand(device), texts, &tally), KXP_OK, "ExecuteCommand");
+    if (way.text != nullptr) {
+        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the command that asks ends");
+        ExpectText(device, way, function == "AskLater");
+    } else {
+        const auto end = std::chrono::steady_clock::now() + kTrialWait;
+        while (!isAsked && std::chrono::steady_clock::now() < end)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        Trial::Expect(isAsked, "the script's request reaches the host");
+        trial.Step(function + ", " + way.name + ": Stop");
+        device->Stop();
+        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the command that asks ends with Stop");
+        clerk.Pass(EndAt::BehindStop);
+    }
+    trial.Step(function + ", " + way.name + ": Release");
+    device.End();
+    clerk.Pass(EndAt::BehindRelease);
+    Trial::Expect(tally.wrong == 0 && tally.ended == tally.begun, "the command's context is ended once");
+}
+
+} // namespace
+
+void AnswersReachScripts(Trial& trial) {
+    for (int round = trial.Times(1000, 1); round > 0; --round)
+        for (const Way& way : kWays)
+            for (const char* function : {"Ask", "AskLater"})
+                Ask(trial, way, function);
+}
