@@ -312,6 +312,8 @@ QStringList Session::JudgeThrown(const Device& device, std::vector<ThrownText> t
 }
 
 MaybeFailure Session::TellThrown() {
+    if (!m_host) // it has come to nothing before any script ran
+        return std::nullopt;
     m_follower->Look();
     m_thrown.Answered(m_host->Commands().TakeFailures(), ThrownTexts::Clock::now());
     m_thrown.Tell(ThrownTexts::Clock::time_point::max());

@@ -294,6 +294,8 @@ TEST_F(CommandLine, BadUseGivesTwo) {
         List({"check", "--link", "all"}) + QStringList{script},
         List({"check", "--unknown"}) + QStringList{script},
         List({"exec", "--log-file", "/nowhere/x.log"}) + QStringList{script, Text("echo")},
+        List({"run", "--log-file", "/nowhere/x.log"}) + QStringList{show},
+        List({"run", "--log=nobody"}) + QStringList{show},
         List({"exec", "--log-file", ""}) + QStringList{script, Text("echo")},
         List({"exec", "--module", ""}) + QStringList{script, Text("echo")},
         List({"nonsense", "--help"}),
