@@ -1,6 +1,9 @@
 #include "Interrupt.h"
 
 #include <csignal>
+#include <tuple>
+
+#include "EndRequests.h"
 
 namespace stagehost {
 
@@ -9,9 +12,20 @@ namespace {
 volatile std::sig_atomic_t come = 0; // written by the signal handler, read by the main thread
 int noting = 0;                      // the objects that stand; host main alone
 
-extern "C" void NoteInterrupt(int number) {
+/// The numbers of those that are heard, 0 for the others. Written by the main thread while none is heard.
+volatile std::sig_atomic_t heard[std::tuple_size<decltype(EndRequests())>::value] = {};
+
+void StopHearing() {
+    for (const auto& number : heard) {
+        if (number != 0)
+            LetEndRequestEnd(number);
+    }
+}
+
+/// The first of any kind is noted, so that the second of any kind ends the program.
+extern "C" void NoteInterrupt(int /*number*/) {
     come = 1;
-    std::signal(number, SIG_DFL);
+    StopHearing();
 }
 
 } // namespace
@@ -19,15 +33,19 @@ extern "C" void NoteInterrupt(int number) {
 Interrupt::Interrupt() {
     if (++noting > 1)
         return;
-    std::signal(SIGINT, &NoteInterrupt);
-    std::signal(SIGTERM, &NoteInterrupt);
+    const auto requests = EndRequests();
+    for (std::size_t i = 0; i < requests.size(); ++i) {
+        heard[i] = requests[i]; // one may come at once
+        if (!HearEndRequest(requests[i], &NoteInterrupt))
+            heard[i] = 0;
+    }
+    if (HasCome())
+        StopHearing();
 }
 
 Interrupt::~Interrupt() {
-    if (--noting > 0)
-        return;
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
+    if (--noting == 0)
+        StopHearing();
 }
 
 bool Interrupt::HasCome() {

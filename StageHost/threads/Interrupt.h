@@ -2,8 +2,9 @@
 
 namespace stagehost {
 
-/// Notes Ctrl-C, and the system's request to end, instead of
-/// ending the program at once, while an object stands. A second one ends it.   [host main]
+/// Notes Ctrl-C, the system's request to end and the end of the terminal instead of ending the program at once, while
+/// an object stands. A second one of any of them ends it. What whoever started the program wanted ignored stays so.
+/// [host main]
 class Interrupt {
 public:
     Interrupt();
