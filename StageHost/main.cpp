@@ -1,4 +1,7 @@
+#include <exception>
+#include <new>
 #include <optional>
+#include <system_error>
 
 #include <QApplication>
 #include <QTextCodec>
@@ -8,6 +11,7 @@
 #include "BuiltFrom.h"
 #include "CommandTable.h"
 #include "ExitCodes.h"
+#include "ExitGuard.h"
 #include "MainWait.h"
 #include "NearNames.h"
 #include "Output.h"
@@ -87,9 +91,36 @@ std::optional<int> AnswerAtOnce(const Options& options, const QString& problem) 
     return std::nullopt;
 }
 
+/// What the system refuses on a thread of the host's own ends the program, in words. Anything else is a fault of ours,
+/// and ends it as such.
+[[noreturn]] void EndWithoutRoom() {
+    try {
+        if (const auto thrown = std::current_exception())
+            std::rethrow_exception(thrown);
+    } catch (const std::bad_alloc&) {
+        LeaveAtOnce(kExitNoModule, "there is no memory left");
+    } catch (const std::system_error&) {
+        LeaveAtOnce(kExitNoModule, "the system has no thread left");
+    } catch (...) {
+    }
+    std::abort();
+}
+
+/// Runs the command. What it has begun is ended, also when the system has no room left for what it needs.
+int Run(const Options& options) {
+    try {
+        return FindCommand(options.command)->run(options);
+    } catch (const std::bad_alloc&) {
+        return Fail(options.json, kExitNoModule, QStringLiteral("there is no memory left"));
+    } catch (const std::system_error&) {
+        return Fail(options.json, kExitNoModule, QStringLiteral("the system has no thread left"));
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    std::set_terminate(&EndWithoutRoom);
     HoldStandardChannels();
     ChooseFileNameEncoding();
     ArgumentReader reader;
@@ -101,5 +132,5 @@ int main(int argc, char** argv) {
     int applicationArguments = 1; // the words are ours, not those of the toolkit
     const QApplication application(applicationArguments, argv);
     const MainWait wait;
-    return FinalExitCode(FindCommand(reader.Result().command)->run(reader.Result()));
+    return FinalExitCode(Run(reader.Result()));
 }

@@ -24,7 +24,8 @@ inline constexpr ExitCodeRow kExitCodes[] = {
     {kExitScriptFailed, "the script failed, a command was refused, or a step went otherwise than expected"},
     {kExitBadUse, "bad use: wrong arguments, or a file that is none, is bad, or cannot be read or written"},
     {kExitNoAnswer, "no answer within --timeout, or before Ctrl-C"},
-    {kExitNoModule, "the module could not be loaded, or makes no usable device"},
+    {kExitNoModule,
+     "the module could not be loaded, or makes no usable device; the system has no room left for the program"},
 };
 
 } // namespace stagehost

@@ -19,7 +19,8 @@ enum HostCode : KXPCode {
     kRefused = 72,        ///< the show file says that this object refuses every request
     kActionFailed = 73,   ///< the device took the command and reported an error, or refused it
     kNotRunning = 74,     ///< the device is not started, the task does not run, the user screen is not open
-    kEnding = 75          ///< the device or the host ends before the request is over
+    kEnding = 75,         ///< the device or the host ends before the request is over
+    kNoRoom = 76          ///< the system has no thread left
 };
 
 /// Every code of the host with its meaning, for people.
@@ -41,8 +42,9 @@ inline constexpr HostCodeText kHostCodeTexts[] = {
     {kActionFailed, "the device reported an error or refused the command"},
     {kNotRunning, "the device, task or user screen does not run"},
     {kEnding, "the device or the host is ending"},
+    {kNoRoom, "the system has no thread left"},
 };
-static_assert(sizeof(kHostCodeTexts) / sizeof(kHostCodeTexts[0]) == kEnding - kNoSuchObject + 1,
+static_assert(sizeof(kHostCodeTexts) / sizeof(kHostCodeTexts[0]) == kNoRoom - kNoSuchObject + 1,
               "every code has its text");
 
 /// The meaning of a code of this host; null for any other code.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <system_error>
 
 #include "HostCodes.h"
 
@@ -90,14 +91,25 @@ KXPCode ShowTask::Start() {
     const std::lock_guard<std::mutex> hold(m_lock);
     if (m_ending)
         return kEnding;
+    if (!HasThread())
+        return kNoRoom;
     if (!m_timeline.Start(Clock::now()))
         return KXP_OK;
     m_trouble->Clear();
     TellStatus();
-    if (!m_thread.joinable())
-        m_thread = std::thread([this] { Serve(); });
     m_changed.notify_all();
     return KXP_OK;
+}
+
+/// Under the lock. Makes the thread if there is none yet.
+bool ShowTask::HasThread() {
+    try {
+        if (!m_thread.joinable())
+            m_thread = std::thread([this] { Serve(); });
+        return true;
+    } catch (const std::system_error&) {
+        return false;
+    }
 }
 
 KXPCode ShowTask::Pause() {

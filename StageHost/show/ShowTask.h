@@ -28,7 +28,8 @@ public:
     /// Ends the task for good and waits for the line that is being played. Not to be called by a line's action.
     void End();
 
-    /// Starts from where the task stands; a running one goes on. @return 0, 75 when it has ended for good.
+    /// Starts from where the task stands; a running one goes on. @return 0, 75 when it has ended for good, 76 when the
+    /// system has no thread left for it.
     KXPCode Start();
     /// Holds the task where it stands. @return 0, 74 when it does not run; a paused one stays so.
     KXPCode Pause();
@@ -53,6 +54,7 @@ private:
     /// What a task's thread shares with answers that come after the task's end.
     struct Trouble;
 
+    bool HasThread();
     KXPCode Move(bool found);
     std::string StatusLocked() const;
     void TellStatus();

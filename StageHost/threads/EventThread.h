@@ -18,6 +18,7 @@ namespace stagehost {
 /// An application object stands as long as the thread does.
 class EventThread {
 public:
+    /// @throw std::system_error when the system has no thread left.
     EventThread();
     /// Runs what is left and waits for the thread.   [any but this thread]
     ~EventThread();

@@ -2,11 +2,17 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <system_error>
 
 namespace stagehost {
 
-ExitGuard::ExitGuard(std::chrono::milliseconds limit, int exitCode, std::string message)
-    : m_watcher([this, limit, exitCode, text = std::move(message)] { Watch(limit, exitCode, text); }) {}
+ExitGuard::ExitGuard(std::chrono::milliseconds limit, int exitCode, std::string message) {
+    try {
+        m_watcher = std::thread([this, limit, exitCode, text = std::move(message)] { Watch(limit, exitCode, text); });
+    } catch (const std::system_error&) {
+        // The call is better made unguarded than not at all: most that are guarded end something.
+    }
+}
 
 ExitGuard::~ExitGuard() {
     {
@@ -14,7 +20,8 @@ ExitGuard::~ExitGuard() {
         m_disarmed = true;
     }
     m_disarm.notify_all();
-    m_watcher.join();
+    if (m_watcher.joinable())
+        m_watcher.join();
 }
 
 void ExitGuard::Watch(std::chrono::milliseconds limit, int exitCode, const std::string& message) {

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 #include "MainWait.h"
@@ -44,7 +45,14 @@ struct WorkerPool::State {
     bool closing = false;
 
     static void Serve(const std::shared_ptr<State>& state);
+    static void AddThread(const std::shared_ptr<State>& state);
 };
+
+/// Under the lock. @throw std::system_error when the system has none left.
+void WorkerPool::State::AddThread(const std::shared_ptr<State>& state) {
+    std::thread([state] { Serve(state); }).detach();
+    ++state->threads;
+}
 
 void WorkerPool::State::Serve(const std::shared_ptr<State>& state) {
     std::unique_lock<std::mutex> hold(state->lock);
@@ -65,7 +73,10 @@ void WorkerPool::State::Serve(const std::shared_ptr<State>& state) {
 }
 
 WorkerPool::WorkerPool()
-    : m_state(std::make_shared<State>()) {}
+    : m_state(std::make_shared<State>()) {
+    const std::lock_guard<std::mutex> hold(m_state->lock);
+    State::AddThread(m_state);
+}
 
 WorkerPool::~WorkerPool() {
     Close(kGraceAtEnd);
@@ -75,9 +86,11 @@ std::shared_ptr<Task> WorkerPool::Run(std::function<void()> call) {
     auto task = std::make_shared<PooledTask>(std::move(call));
     const std::lock_guard<std::mutex> hold(m_state->lock);
     m_state->queue.push_back(task);
-    if (m_state->queue.size() > m_state->idle) {
-        ++m_state->threads;
-        std::thread([state = m_state] { State::Serve(state); }).detach();
+    try {
+        if (m_state->queue.size() > m_state->idle)
+            State::AddThread(m_state);
+    } catch (const std::system_error&) {
+        // It waits for one of the threads that there are.
     }
     m_state->changed.notify_one();
     return task;

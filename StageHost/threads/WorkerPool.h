@@ -16,8 +16,10 @@ public:
 
 /// The host's threads for calls that may block: commands, Start and Stop. Tasks begin in the order in which they were
 /// given, each at once on a thread of its own if no other is free, so that one that never returns holds up nobody.
+/// Where the system has no thread left, a task waits for one that gets free.
 class WorkerPool {
 public:
+    /// Makes the first thread, so that there is always one. @throw std::system_error when the system has none left.
     WorkerPool();
     /// Waits a short while for running tasks and leaves those that do not end behind; see Close.
     ~WorkerPool();
