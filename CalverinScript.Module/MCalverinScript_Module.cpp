@@ -22,6 +22,7 @@
 #include "QMfcApp.h"
 #include "SetupInterface.h"
 #include "ThreadPromise.h"
+#include "WithinMemory.h"
 
 namespace {
 
@@ -65,14 +66,14 @@ KXPCode MCalverinScript_Module::GetEntryPoint(IKXPModule** out) {
     if (out == nullptr)
         return KXP_NULL_ARGUMENT;
     NoteHostMainThread();
-    if (instance == nullptr) {
-        QMfcApp::pluginInstance();
-        instance = new (std::nothrow) MCalverinScript_Module;
-    }
-    if (instance == nullptr)
-        return KXP_NO_MODULE;
-    *out = instance;
-    return KXP_OK;
+    return WithinMemory(KXP_NO_MODULE, [out] {
+        if (instance == nullptr) {
+            QMfcApp::pluginInstance();
+            instance = new MCalverinScript_Module;
+        }
+        *out = instance;
+        return KXPCode{KXP_OK};
+    });
 }
 
 MCalverinScript_Module::~MCalverinScript_Module() = default;
@@ -208,16 +209,18 @@ KXPCode MCalverinScript_Module::CreateDevice(void* /*ignored*/, IKXPDevice** out
         return KXP_NO_DEVICE_MADE;
     if (!CanOpenDescriptors(kDescriptorsOfDevice) || !HasSpaceForDevice())
         return KXP_NO_DEVICE_MADE;
-    auto* device = new (std::nothrow) MCalverinScript_Device(this, m_setupInterface.get(), nullptr);
-    if (device == nullptr)
+    return WithinMemory(KXP_NO_DEVICE_MADE, [this, out] { return MakeDevice(out); });
+}
+
+KXPCode MCalverinScript_Module::MakeDevice(IKXPDevice** out) {
+    const auto release = [](MCalverinScript_Device* device) { device->Release(); };
+    std::unique_ptr<MCalverinScript_Device, decltype(release)> device(
+        new MCalverinScript_Device(this, m_setupInterface.get(), nullptr), release);
+    if (!device->IsUsable())
         return KXP_NO_DEVICE_MADE;
-    if (!device->IsUsable()) {
-        device->Release();
-        return KXP_NO_DEVICE_MADE;
-    }
-    *out = device;
-    m_devices.Add(device);
+    m_devices.Add(device.get());
     device->GetStoredSetup().SetDeviceNumber(static_cast<std::uint32_t>(m_devices.Count()));
+    *out = device.release();
     return KXP_OK;
 }
 

@@ -76,6 +76,7 @@ private:
     MCalverinScript_Module();
     virtual ~MCalverinScript_Module();
 
+    KXPCode MakeDevice(IKXPDevice** out);
     void RegisterSelectors();
     void TakeDateFormat();
     void LearnHost();

@@ -6,11 +6,14 @@
 #include "IData.h"
 #include "IExecContext.h"
 #include "ThreadPromise.h"
+#include "WithinMemory.h"
 
 KXPCode MCalverinScript_Device::ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) {
     ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::ExecuteCommand");
     const HostDoor::Visit visit(door); // the host may release the device when it is asked for a parameter's value
-    return MayPost() ? hostCommands->Take(id, params, context) : KXPCode{KXP_BAD_COMMAND};
+    if (!MayPost())
+        return KXP_BAD_COMMAND;
+    return WithinMemory(KXP_BAD_COMMAND, [&] { return hostCommands->Take(id, params, context); });
 }
 
 bool MCalverinScript_Device::MayPost() const {

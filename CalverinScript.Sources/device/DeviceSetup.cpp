@@ -8,16 +8,19 @@
 #include "ModuleShared.h"
 #include "SetupDesk.h"
 #include "ThreadPromise.h"
+#include "WithinMemory.h"
 
 KXPCode MCalverinScript_Device::GetSetup(char** out) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetSetup");
-    return out != nullptr ? desk->Print(out) : KXPCode{KXP_NULL_ARGUMENT};
+    if (out == nullptr)
+        return KXP_NULL_ARGUMENT;
+    return WithinMemory(KXP_NOT_IMPLEMENTED, [this, out] { return desk->Print(out); });
 }
 
 KXPCode MCalverinScript_Device::SetSetup(const char* text) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetSetup");
     const HostDoor::Visit visit(door); // an analysis may take long, and a host may not wait for it
-    return desk->Take(text);
+    return WithinMemory(KXP_NOT_IMPLEMENTED, [this, text] { return desk->Take(text); });
 }
 
 KXPCode MCalverinScript_Device::UpdateCommand(const char* commandXml, char** out) {
