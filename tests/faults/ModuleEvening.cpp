@@ -2,12 +2,17 @@
 /// An evening of the module alone, in a plain host: made, started, loaded, worked, its setup stored and given back,
 /// stopped and started again, released. Whatever a call answers, the module and its host have to come to the end of it.
 ///
-///     module_evening PORT FILE
+///     module_evening PORT FILE [N]
 ///
-/// PORT has a server for lines and pages, FILE is where a page is kept. @return 0 when all went well, 1 when something
+/// PORT has a server for lines and pages, FILE is where a page is kept; the host refuses the N-th call that the module
+/// makes of it.
+/// @return 0 when all went well, 1 when something
 /// was refused or went otherwise, which is told, 2 when the contract was broken.
 
+#include <algorithm>
+#include <atomic>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -25,30 +30,97 @@ using namespace plain;
 
 constexpr int kPatienceMs = 30000; ///< a command that failed is held for ten seconds
 
+constexpr KXPCode kRefused = 72;
+
+/// Counts what the module asks of the host, on any thread, and refuses the one of a number.
+class Patience {
+public:
+    explicit Patience(int refused)
+        : m_refused(refused) {}
+    bool IsOver() { return ++m_calls == m_refused; }
+    int Calls() const { return m_calls; }
+
+private:
+    const int m_refused; ///< from 1; 0 refuses none
+    std::atomic<int> m_calls{0};
+};
+
+/// The host itself: a service that it refuses is not there.
+class ImpatientHost : public Host {
+public:
+    explicit ImpatientHost(Patience& patience)
+        : m_patience(patience) {}
+    virtual ~ImpatientHost() = default;
+
+    KXPCode QueryInterface(const char* name, void** out) override {
+        if (!m_patience.IsOver())
+            return Host::QueryInterface(name, out);
+        *out = nullptr;
+        return KXP_NO_INTERFACE;
+    }
+    std::uint32_t GetRuntimeInfo(KXPRuntimeInfo* out) override {
+        return m_patience.IsOver() ? 0 : Host::GetRuntimeInfo(out);
+    }
+    const char* GetFolder(std::uint32_t folderId) override {
+        return m_patience.IsOver() ? nullptr : Host::GetFolder(folderId);
+    }
+    KXPCode RegisterFactory(const char* name, IObjectFactory* factory) override {
+        return m_patience.IsOver() ? KXPCode{kRefused} : Host::RegisterFactory(name, factory);
+    }
+
+private:
+    Patience& m_patience;
+};
+
+/// The device's variables: a definition that is refused leaves the one before, a value that is refused is not there.
+class ImpatientVariables : public Variables {
+public:
+    explicit ImpatientVariables(Patience& patience)
+        : m_patience(patience) {}
+    virtual ~ImpatientVariables() = default;
+    IData* GetVariable(const char* name) override {
+        return m_patience.IsOver() ? nullptr : Variables::GetVariable(name);
+    }
+    std::uint32_t SetDefinition(const char* xml) override {
+        return m_patience.IsOver() ? 0 : Variables::SetDefinition(xml);
+    }
+
+private:
+    Patience& m_patience;
+};
+
 /// The show's variables: the port, and a note.
 class Shelf : public IVariableManager {
 public:
-    explicit Shelf(const std::string& port)
-        : m_port("Port", KXP_INTEGER_DATA, port) {}
+    Shelf(const std::string& port, Patience& patience)
+        : m_patience(patience)
+        , m_port("Port", KXP_INTEGER_DATA, port) {}
     virtual ~Shelf() = default;
     KXPCode QueryInterface(const char*, void**) override { return KXP_NO_INTERFACE; }
     KXPCode Release() override { return KXP_OK; }
     KXPCode Reserved1(void*) override { return KXP_OK; }
-    IData* FindVariable(const char* name) override { return std::string(name) == "Port" ? &m_port : &m_note; }
+    IData* FindVariable(const char* name) override {
+        if (m_patience.IsOver())
+            return nullptr;
+        return std::string(name) == "Port" ? &m_port : &m_note;
+    }
 
 private:
+    Patience& m_patience;
     Value m_port;
     Value m_note{"Note"};
 };
 
 class Evening {
 public:
-    Evening(std::string port, std::string file)
+    Evening(const std::string& port, std::string file, int refused)
         : m_file(std::move(file))
-        , m_shelf(port) {
+        , m_patience(refused)
+        , m_shelf(port, m_patience) {
         m_remote.text = "an answer";
-        m_remote.onCall = [](IExecContext2* context) {
-            if (context != nullptr)
+        m_remote.onCall = [this](IExecContext2* context) {
+            m_remote.code = m_patience.IsOver() ? kRefused : KXPCode{KXP_OK};
+            if (context != nullptr && m_remote.code == KXP_OK)
                 context->End();
         };
         m_host.variableManager = &m_shelf;
@@ -72,6 +144,7 @@ public:
         }
         if (Value::OutstandingTexts() != 0)
             Tell(2, "texts were not given back: " + std::to_string(Value::OutstandingTexts()));
+        std::printf("the module has asked %d times\n", m_patience.Calls());
         return m_code;
     }
 
@@ -168,10 +241,11 @@ private:
 
     const std::string m_file;
     int m_code = 0;
-    Host m_host;
+    Patience m_patience;
+    ImpatientHost m_host{m_patience};
     Shelf m_shelf;
     FakeRemote2 m_remote;
-    Variables m_variables;
+    ImpatientVariables m_variables{m_patience};
     IKXPModule* m_module = nullptr;
     IKXPDevice* m_device = nullptr;
 };
@@ -179,7 +253,7 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3)
+    if (argc < 3 || argc > 4)
         return 2;
-    return Evening(argv[1], argv[2]).Play();
+    return Evening(argv[1], argv[2], argc == 4 ? std::atoi(argv[3]) : 0).Play();
 }

@@ -9,7 +9,8 @@ script engine are not failed: they end the process by themselves, at dozens of p
 kind, unless --part module asks for it: an exception of the language for want of memory still leaves the module there, and ends the process.
 
 Without --most every call is failed that an evening makes; with it, N of each kind in each part, spread evenly. Kinds are those of
-FaultyCalls.cpp, and behind them those where every third call is short or interrupted.
+FaultyCalls.cpp; "host", where the host itself refuses a call that the module makes of it; and those where every second or third call is short
+or interrupted.
 """
 import argparse
 import collections
@@ -27,7 +28,7 @@ import tempfile
 import threading
 
 here = os.path.dirname(os.path.abspath(__file__))
-KINDS = ["thread", "descriptor", "write", "read", "short-write", "short-read", "interrupt", "allocation"]
+KINDS = ["thread", "descriptor", "write", "read", "short-write", "short-read", "interrupt", "allocation", "host"]
 OFTEN = ["short-write", "short-read", "interrupt"]
 LIMIT = 90  # seconds for one run on a busy machine; a run takes less than one
 OLD_FILE = b"what was kept the last time\n" * 40
@@ -169,7 +170,7 @@ class Evening:
                 FAULTS_COUNT=count,
                 FAULTS_STACK=stack,
             )
-            words = [word.format(port=self.port) for word in part.words]
+            words = [word.format(port=self.port) for word in part.words] + ([str(at)] if kind == "host" else [])
             program = subprocess.Popen(
                 [part.program, *words],
                 cwd=folder,
@@ -196,6 +197,9 @@ class Evening:
                 with open(stack, encoding="utf-8", errors="replace") as file:
                     struck = file.read()
             told = (output + errors).decode(errors="replace")
+            asked = re.search(r"the module has asked (\d+) times", told)
+            if kind == "host" and asked:
+                reached = int(asked[1])
             if hangs:
                 problem = "hangs"
             elif program.returncode < 0:
@@ -239,6 +243,8 @@ def main():
     for part in parts:
         for kind in wanted.kind or KINDS:
             if part.name == "module" and kind == "allocation" and not wanted.part:
+                continue
+            if part.name != "module" and kind == "host":
                 continue
             count, problem, code, told, _ = evening.play(part, kind)
             if problem or code != 0 or count == 0:

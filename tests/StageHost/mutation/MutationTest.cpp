@@ -220,7 +220,7 @@ TEST(ArgumentsByMutation, AreTakenOrComplainedOf) {
         const QString problem = reader.Read(Text(text).split(QLatin1Char(' '), Qt::SkipEmptyParts));
         EXPECT_EQ(problem.isEmpty(), problem.trimmed().isEmpty());
         EXPECT_GT(reader.Result().timeout.count(), 0);
-        EXPECT_TRUE(problem.isEmpty() || !problem.contains(QLatin1Char('\n'))) << problem.toStdString();
+        EXPECT_LE(problem.count(QLatin1Char('\n')), Text(text).count(QLatin1Char('\n'))) << problem.toStdString();
     });
 }
 
