@@ -15,6 +15,7 @@
 #include "MainWait.h"
 #include "NearNames.h"
 #include "Output.h"
+#include "ShowClock.h"
 #include "ToolkitMessages.h"
 
 using namespace stagehost;
@@ -117,6 +118,11 @@ int Run(const Options& options) {
     }
 }
 
+/// Each test has a time of its own, and their host that of the computer.
+QString EnterClock(const Options& options, char** arguments) {
+    return options.command == QLatin1String("test") ? QString() : ShowClock::Enter(options.clock, arguments);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -127,6 +133,8 @@ int main(int argc, char** argv) {
     const QString problem = reader.Read(Words(argc, argv));
     if (const auto exitCode = AnswerAtOnce(reader.Result(), problem))
         return FinalExitCode(*exitCode);
+    if (const QString told = EnterClock(reader.Result(), argv); !told.isEmpty())
+        return FinalExitCode(Fail(reader.Result().json, kExitBadUse, told));
     ShowToolkitMessages(reader.Result().log);
     ChoosePlatform();
     int applicationArguments = 1; // the words are ours, not those of the toolkit

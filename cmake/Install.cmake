@@ -4,7 +4,7 @@ include(GNUInstallDirs)
 
 set(home ${CMAKE_INSTALL_LIBDIR}/stagehost)
 install(TARGETS stagehost calverincheck RUNTIME DESTINATION ${home})
-install(TARGETS kxpCalverinScript logsE LIBRARY DESTINATION ${home})
+install(TARGETS kxpCalverinScript logsE stagehostclock LIBRARY DESTINATION ${home})
 file(RELATIVE_PATH program ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR}/stagehost/stagehost)
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/link)
 file(CREATE_LINK ${program} ${CMAKE_BINARY_DIR}/link/stagehost SYMBOLIC)

@@ -1,6 +1,7 @@
 #include "ArgumentReader.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QCommandLineParser>
 
@@ -23,6 +24,9 @@ constexpr OptionRow kOptions[] = {
      "show traces from this level on: debug, comment, info, normalplus, normal, alarm, error, fatal"},
     {"log-file", nullptr, "FILE", "keep the device log in this file"},
     {"module", nullptr, "FILE", "the module to load (kxpCalverinScript.kxp6 beside the program)"},
+    {"speed", nullptr, "N", "run, watch, test: the time of the show runs N times as fast, from 1 to 3600"},
+    {"clock", nullptr, "TIME",
+     "run, watch, test: the time at which the show begins, as 19:30 or \"2026-12-24 19:30:00\""},
     {"keep-going", nullptr, nullptr, "run: play the steps behind one that failed too"},
     {"tap", nullptr, nullptr, "run: tell the steps as TAP, for test programs"},
     {"junit", nullptr, "FILE", "run: write the steps into this file as JUnit XML, for CI"},
@@ -110,10 +114,18 @@ QString ArgumentReader::Read(const QStringList& typed) {
     }
     if (m_options.tap && m_options.json)
         return QStringLiteral("--tap and --json are two forms of one output: take one");
-    const QString problem = isSet("timeout") ? ReadTimeout(value("timeout")) : QString();
-    if (problem.isEmpty() && isSet("log-level"))
-        return ReadLevel(value("log-level"));
-    return problem.isEmpty() && isSet("link") ? ReadLink(value("link")) : problem;
+    using ReadOne = QString (ArgumentReader::*)(const QString& text);
+    constexpr std::pair<const char*, ReadOne> kValues[] = {{"timeout", &ArgumentReader::ReadTimeout},
+                                                           {"log-level", &ArgumentReader::ReadLevel},
+                                                           {"link", &ArgumentReader::ReadLink},
+                                                           {"speed", &ArgumentReader::ReadSpeed},
+                                                           {"clock", &ArgumentReader::ReadClockTime}};
+    for (const auto& [name, read] : kValues) {
+        const QString problem = isSet(name) ? (this->*read)(value(name)) : QString();
+        if (!problem.isEmpty())
+            return problem;
+    }
+    return {};
 }
 
 /// "--log=DEVICE" is "--log" with a device; toolkits know no option whose value may be missing.
@@ -169,6 +181,30 @@ QString ArgumentReader::ReadTimeout(const QString& text) {
             .arg(text);
     m_options.timeout = std::chrono::milliseconds(milliseconds);
     return {};
+}
+
+/// Only what plays a show has a time of its own.
+QString ArgumentReader::ReadSpeed(const QString& text) {
+    bool number = false;
+    m_options.clock.speed = text.toInt(&number);
+    if (!number || m_options.clock.speed < 1 || m_options.clock.speed > kFastest)
+        return QStringLiteral("--speed needs a whole number from 1 to %1, not \"%2\"").arg(kFastest).arg(text);
+    return WhyNoClock("speed");
+}
+
+QString ArgumentReader::ReadClockTime(const QString& text) {
+    m_options.clock.begin = ReadClock(text);
+    if (m_options.clock.begin.isNull())
+        return QStringLiteral("--clock needs a time as 19:30, 19:30:00 or \"2026-12-24 19:30:00\", not \"%1\"")
+            .arg(text);
+    return WhyNoClock("clock");
+}
+
+QString ArgumentReader::WhyNoClock(const char* option) const {
+    constexpr const char* kWithClock[] = {"", "run", "watch", "test"};
+    const bool has = std::any_of(std::begin(kWithClock), std::end(kWithClock),
+                                 [&](const char* name) { return m_options.command == QLatin1String(name); });
+    return has ? QString() : QStringLiteral("--%1 is for run, watch and test").arg(QLatin1String(option));
 }
 
 QString ArgumentReader::ReadLink(const QString& text) {

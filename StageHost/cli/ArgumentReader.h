@@ -23,6 +23,9 @@ private:
     QString ReadTimeout(const QString& text);
     QString ReadLink(const QString& text);
     QString ReadLevel(const QString& text);
+    QString ReadSpeed(const QString& text);
+    QString ReadClockTime(const QString& text);
+    QString WhyNoClock(const char* option) const;
     QStringList TakeLogDevices(const QStringList& words);
 
     Options m_options;

@@ -7,6 +7,7 @@
 #include "ExitCodes.h"
 #include "Interrupt.h"
 #include "MainWait.h"
+#include "ShowClock.h"
 
 namespace stagehost {
 
@@ -22,7 +23,7 @@ QString CheckerPath() {
 /// @return whether the process has ended by itself. It is over in any case.
 bool HasEnded(QProcess& process, qint64 limitMs) {
     const auto isOver = [&] { return process.state() == QProcess::NotRunning; };
-    if (MainWait::UntilInterrupted(isOver, std::chrono::milliseconds(limitMs)))
+    if (MainWait::UntilInterrupted(isOver, MachineTime(std::chrono::milliseconds(limitMs))))
         return true;
     process.kill();
     process.waitForFinished();
@@ -36,6 +37,7 @@ MaybeFailure RunChecker(QProcess& process, const QString& file, const QStringLis
     QStringList words{QStringLiteral("--timeout"), QString::number(limit.count())};
     words += further;
     const Interrupt interrupt;
+    process.setProcessEnvironment(ShowClock::ComputersEnvironment());
     process.start(CheckerPath(), words << QStringLiteral("--") << file);
     if (!process.waitForStarted())
         return Failure{kExitNoModule, CheckerPath() + QStringLiteral(": ") + process.errorString()};

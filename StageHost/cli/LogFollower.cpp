@@ -4,13 +4,14 @@
 
 #include "BorderText.h"
 #include "FileSpace.h"
+#include "ShowClock.h"
 
 namespace stagehost {
 
 namespace {
 
-constexpr int kLookEvery = 50;            // ms; a log is read by people
-constexpr qint64 kMostKept = 1024 * 1024; // bytes
+constexpr std::chrono::milliseconds kLookEvery(50); // of the computer; a log is read by people
+constexpr qint64 kMostKept = 1024 * 1024;           // bytes
 
 } // namespace
 
@@ -20,7 +21,10 @@ LogFollower::LogFollower(const QString& path, Keep keep, Show show, Skip skip)
     , m_show(std::move(show))
     , m_skip(std::move(skip))
     , m_shown(m_file.size()) {
-    connect(&m_timer, &QTimer::timeout, this, [this] { Look(); });
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        Look();
+        KeepPace(m_timer, kLookEvery);
+    });
     m_timer.start(kLookEvery);
 }
 

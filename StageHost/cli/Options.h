@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include "HostSettings.h"
+#include "ShowClock.h"
 
 namespace stagehost {
 
@@ -29,6 +30,7 @@ struct Options {
     QString logFile;   ///< empty: a temporary one
     QString module;    ///< empty: the one beside the program
     std::chrono::milliseconds timeout{10000};
+    ClockWish clock; ///< of `run`, `watch` and `test`
     bool help = false;
     bool version = false;
 };

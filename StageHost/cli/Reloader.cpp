@@ -10,14 +10,15 @@
 #include "ExitCodes.h"
 #include "Interrupt.h"
 #include "Output.h"
+#include "ShowClock.h"
 
 namespace stagehost {
 
 namespace {
 
-constexpr int kLookEvery = 100;     // ms
-constexpr int kLooksUntilStill = 2; // an editor writes in several steps
-constexpr int kLooksForGone = 10;   // one that replaces a file may take it away or empty it for a while
+constexpr std::chrono::milliseconds kLookEvery(100); // of the computer
+constexpr int kLooksUntilStill = 2;                  // an editor writes in several steps
+constexpr int kLooksForGone = 10; // one that replaces a file may take it away or empty it for a while
 
 /// Sizes and times of files; any way of saving changes one of them.
 QByteArray StateOf(const QStringList& files) {
@@ -54,7 +55,10 @@ Reloader::Reloader(Session& session, const Show& show, const Options& options)
         watched.settled = StateOf(watched.files);
         m_watched.push_back(watched);
     }
-    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { Look(); });
+    QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
+        Look();
+        KeepPace(m_timer, kLookEvery);
+    });
     m_timer.start(kLookEvery);
 }
 

@@ -15,6 +15,7 @@
 #include "Output.h"
 #include "Reloader.h"
 #include "ScriptSession.h"
+#include "ShowClock.h"
 #include "StepPlayer.h"
 #include "StepRecord.h"
 #include "StepText.h"
@@ -261,6 +262,8 @@ int RunShow(const Options& options) {
     if (showFailure)
         session.TellWhereItHangs(*showFailure);
     const auto reloader = options.reload && !showFailure ? std::make_unique<Reloader>(session, show, options) : nullptr;
+    if (!showFailure)
+        ShowClock::Run();
     const auto stepFailure = showFailure ? MaybeFailure() : PlaySteps(session, show, options.keepGoing, report);
     const auto thrown = session.TellThrown();
     int exitCode = report.End(showFailure, stepFailure, thrown);

@@ -15,6 +15,7 @@
 #include "NearNames.h"
 #include "Output.h"
 #include "ScriptPlaces.h"
+#include "ShowClock.h"
 #include "TextFile.h"
 #include "ValueCheck.h"
 #include "ValueFactory.h"
@@ -27,7 +28,7 @@ constexpr std::chrono::milliseconds kModuleCall(5000); // for calls of the contr
 constexpr std::chrono::milliseconds kStop(3000);       // the module waits 25 ms for a script's own stop function
 constexpr std::chrono::milliseconds kStopped(3000);    // for a script that is stopped to say where it was
 constexpr std::chrono::milliseconds kLookForStop(20);
-constexpr int kLookAtLog = 100;                 // ms
+constexpr std::chrono::milliseconds kLookAtLog(100);
 constexpr std::chrono::milliseconds kEnd(8000); // for stop and release of one device together
 
 QString DeviceText(const Device& device, const QString& text) {
@@ -142,7 +143,10 @@ MaybeFailure Session::PrepareLog(HostSettings& settings) {
         path, m_logFolder ? LogFollower::Keep::Little : LogFollower::Keep::All,
         [this](const QString& line) { TakeLine(line); },
         [this](const QByteArray& line) { return m_screen.LeavesOut(line, LogScreen::Clock::now()); });
-    QObject::connect(&m_teller, &QTimer::timeout, &m_teller, [this] { LookAtLog(); });
+    QObject::connect(&m_teller, &QTimer::timeout, &m_teller, [this] {
+        LookAtLog();
+        KeepPace(m_teller, kLookAtLog);
+    });
     m_teller.start(kLookAtLog);
     return PathForBorder(path, settings.log.path);
 }
@@ -358,6 +362,7 @@ MaybeFailure Session::StartDevice(Device& device) {
 }
 
 MaybeFailure Session::Restart(const QString& name, const std::string& setup) {
+    const ShowRest rest; // the module measures a stop by the clock
     Device* device = FindDevice(name);
     const auto values = device->Variables().Kept();
     if (device->Stop(kStop)) {
@@ -420,7 +425,8 @@ MaybeFailure Session::Send(Device& device, const QString& command, const std::ve
     const CommandDefinition* found = definition->FindCommand(ToBorderText(command));
     if (device.MayHold())
         PrintProblem(DeviceText(device, QStringLiteral("waiting until the device gives up the command that failed")));
-    const auto thrown = HearThrown(device, [&] { *outcome = device.Send(*found, inputs, m_options.timeout); });
+    const auto thrown =
+        HearThrown(device, [&] { *outcome = device.Send(*found, inputs, AnswerTime(m_options.timeout)); });
     const QStringList place = JudgeThrown(device, thrown, *outcome);
     JudgeResult(*outcome);
     const int exitCode = ExitCodeOf(*outcome);
@@ -462,7 +468,7 @@ MaybeFailure Session::WaitFor(const ShowWait& wait) {
         return NoVariable(wait.until.name);
     if (!watch.Problem().isEmpty())
         return Failure{kExitBadUse, watch.Problem()};
-    const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : m_options.timeout;
+    const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : AnswerTime(m_options.timeout);
     if (MainWait::UntilInterrupted([&] { return watch.Holds(); }, limit))
         return std::nullopt;
     const QString state =
@@ -523,6 +529,7 @@ Device* Session::FindDevice(const QString& name) {
 }
 
 void Session::EndDevices(int lateCode) {
+    ShowClock::Rest();
     m_host->Model().EndTasks();
     for (const auto& device : m_devices) {
         const ExitGuard guard(kEnd, lateCode, "a device does not come back from its release");

@@ -8,12 +8,13 @@
 #include "Colors.h"
 #include "LogLines.h"
 #include "Output.h"
+#include "ShowClock.h"
 
 namespace stagehost {
 
 namespace {
 
-constexpr std::chrono::milliseconds kMayBeAnswered(500);
+constexpr std::chrono::milliseconds kMayBeAnswered(500); // of the computer
 constexpr std::chrono::seconds kAgainCounts(1);
 constexpr std::chrono::seconds kAnswersCount(15); // a device may run a command that it holds once more, after 5 s
 
@@ -59,7 +60,7 @@ void ThrownTexts::Tell(Clock::time_point now) {
                                          [&](const auto& known) { return IsOf(entry.thrown.text, known.first); });
         if (answer != m_answers.end())
             m_answers.erase(answer);
-        else if (entry.came > now - kMayBeAnswered)
+        else if (entry.came > now - MachineTime(kMayBeAnswered))
             young.push_back(entry);
         else
             Print(entry);
@@ -87,7 +88,7 @@ std::vector<ThrownText> ThrownTexts::End() {
 
 void ThrownTexts::TellBeside(const QString& device, const std::vector<ThrownText>& texts, Clock::time_point now) {
     for (const ThrownText& text : texts)
-        m_waiting.push_back({device, text, now - kMayBeAnswered});
+        m_waiting.push_back({device, text, now - MachineTime(kMayBeAnswered)});
     Tell(now);
 }
 

@@ -13,6 +13,7 @@
 #include "Output.h"
 #include "Reloader.h"
 #include "ScriptSession.h"
+#include "ShowClock.h"
 
 namespace stagehost {
 
@@ -68,9 +69,10 @@ int Watch(Session& session, const Show& show, const Options& options, const QStr
     if (!json)
         PrintProblem(QStringLiteral("%1 runs. \"help\" tells what you can say, \"quit\" ends it.").arg(show.name));
     LiveShow live(session, show);
+    ShowClock::Run();
     int exitCode = kExitOk;
     while (!live.IsOver() && !input.IsOver() && !Interrupt::HasCome()) {
-        if (!MainWait::Until([&] { return input.HasLine() || input.IsOver(); }, kLook) || input.IsOver())
+        if (!MainWait::Until([&] { return input.HasLine() || input.IsOver(); }, MachineTime(kLook)) || input.IsOver())
             continue;
         const QString line = input.TakeLine();
         const LineOutcome outcome = live.Do(line);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "HostCodes.h"
+#include "ShowClock.h"
 
 namespace stagehost {
 
@@ -44,7 +45,7 @@ struct CommandWaiter::Bell {
         std::unique_lock<std::mutex> hold(lock);
         const auto called = [this] { return look || ending; };
         if (waiting)
-            rung.wait_for(hold, kLook, called);
+            rung.wait_for(hold, MachineTime(kLook), called);
         else
             rung.wait(hold, called);
         look = false;

@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include "ShowClock.h"
+
 namespace stagehost {
 
 /// What has been seen since the command was about to be sent.
@@ -125,7 +127,7 @@ CommandWatch::Verdict CommandWatch::Judge(std::chrono::steady_clock::time_point 
         return Verdict::Failed;
     if (!m_seen->failedSince)
         m_seen->failedSince = now;
-    return now - *m_seen->failedSince >= kGrace ? Verdict::Failed : Verdict::Running;
+    return now - *m_seen->failedSince >= MachineTime(kGrace) ? Verdict::Failed : Verdict::Running;
 }
 
 } // namespace stagehost

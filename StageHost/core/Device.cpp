@@ -6,6 +6,7 @@
 #include "BorderText.h"
 #include "Interrupt.h"
 #include "MainWait.h"
+#include "ShowClock.h"
 #include "ValueFactory.h"
 
 namespace stagehost {
@@ -192,7 +193,7 @@ CommandOutcome Device::Await(Call& call, Milliseconds limit) {
     using Verdict = CommandWatch::Verdict;
     Verdict verdict = Verdict::Running;
     const auto judged = [&] { return (verdict = call.watch->Judge(Clock::now())) != Verdict::Running; };
-    while (!MainWait::UntilInterrupted(judged, std::min(kLook, Left(deadline)))) {
+    while (!MainWait::UntilInterrupted(judged, std::min(MachineTime(kLook), Left(deadline)))) {
         if (Clock::now() >= deadline || Interrupt::HasCome())
             return Unanswered();
     }

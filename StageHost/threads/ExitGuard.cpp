@@ -4,11 +4,14 @@
 #include <cstdlib>
 #include <system_error>
 
+#include "ShowClock.h"
+
 namespace stagehost {
 
 ExitGuard::ExitGuard(std::chrono::milliseconds limit, int exitCode, std::string message) {
     try {
-        m_watcher = std::thread([this, limit, exitCode, text = std::move(message)] { Watch(limit, exitCode, text); });
+        m_watcher = std::thread(
+            [this, limit = MachineTime(limit), exitCode, text = std::move(message)] { Watch(limit, exitCode, text); });
     } catch (const std::system_error&) {
         // The call is better made unguarded than not at all: most that are guarded end something.
     }

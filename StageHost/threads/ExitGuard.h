@@ -11,8 +11,8 @@ namespace stagehost {
 /// Guards a call into the module on the main thread that may never come back: when the limit passes, it says so on
 /// standard error and ends the process with the given code, without running anything else of the process.
 ///
-/// It stands around one call and is disarmed by its destructor. Where the system has no thread left for it, nothing is
-/// guarded.
+/// The limit is a time of the computer, whatever the show's is. It stands around one call and is disarmed by its
+/// destructor. Where the system has no thread left for it, nothing is guarded.
 class ExitGuard {
 public:
     /// @param message one line, printed when the guard strikes.   [host main]

@@ -10,6 +10,7 @@
 #include <QTimer>
 
 #include "Interrupt.h"
+#include "ShowClock.h"
 
 namespace stagehost {
 
@@ -51,7 +52,7 @@ bool MainWait::UntilInterrupted(const std::function<bool()>& condition, std::chr
     const QDeadlineTimer deadline(limit);
     do {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline.remainingTimeAsDuration());
-        if (Until(condition, std::min(left, kLookForInterrupt)))
+        if (Until(condition, std::min(left, MachineTime(kLookForInterrupt))))
             return true;
     } while (!deadline.hasExpired() && !Interrupt::HasCome());
     return false;
