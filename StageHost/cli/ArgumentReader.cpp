@@ -1,6 +1,7 @@
 #include "ArgumentReader.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include <QCommandLineParser>
@@ -27,9 +28,11 @@ constexpr OptionRow kOptions[] = {
     {"speed", nullptr, "N", "run, watch, test: the time of the show runs N times as fast, from 1 to 3600"},
     {"clock", nullptr, "TIME",
      "run, watch, test: the time at which the show begins, as 19:30 or \"2026-12-24 19:30:00\""},
-    {"keep-going", nullptr, nullptr, "run: play the steps behind one that failed too"},
-    {"tap", nullptr, nullptr, "run: tell the steps as TAP, for test programs"},
-    {"junit", nullptr, "FILE", "run: write the steps into this file as JUnit XML, for CI"},
+    {"keep-going", nullptr, nullptr, "run, test: play the steps behind one that failed too"},
+    {"tap", nullptr, nullptr, "run, test: tell the steps, or the tests, as TAP, for test programs"},
+    {"junit", nullptr, "FILE", "run, test: write the steps into this file as JUnit XML, for CI"},
+    {"within", nullptr, "MS", "test: how long each test may take, in ms of the computer (60000)"},
+    {"jobs", nullptr, "N", "test: how many tests are played at once (as many as there are processors)"},
     {"strict", nullptr, nullptr, "check: a note counts as a failure"},
     {"wait", nullptr, "NAME=VALUE",
      "send: wait first until this is so, also with !=, <, <=, >, >= or ~; may stand more than once"},
@@ -48,6 +51,21 @@ constexpr LinkRow kLinks[] = {
 
 constexpr int kExecWordsBeforeArguments = 3; // exec FILE FUNCTION
 constexpr int kLongestTimeout = 24 * 60 * 60 * 1000;
+constexpr int kMostJobs = 256;
+
+/// A number from 1 on.
+std::optional<int> WholeNumber(const QString& text, int highest) {
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    return isNumber && number >= 1 && number <= highest ? std::optional(number) : std::nullopt;
+}
+
+QString NeedsMilliseconds(const char* option, const QString& text) {
+    return QStringLiteral("--%1 needs a number of milliseconds from 1 to %2, not \"%3\"")
+        .arg(QLatin1String(option))
+        .arg(kLongestTimeout)
+        .arg(text);
+}
 
 bool TakesNextWord(const QString& word) {
     return std::any_of(std::begin(kOptions), std::end(kOptions), [&](const OptionRow& option) {
@@ -115,11 +133,11 @@ QString ArgumentReader::Read(const QStringList& typed) {
     if (m_options.tap && m_options.json)
         return QStringLiteral("--tap and --json are two forms of one output: take one");
     using ReadOne = QString (ArgumentReader::*)(const QString& text);
-    constexpr std::pair<const char*, ReadOne> kValues[] = {{"timeout", &ArgumentReader::ReadTimeout},
-                                                           {"log-level", &ArgumentReader::ReadLevel},
-                                                           {"link", &ArgumentReader::ReadLink},
-                                                           {"speed", &ArgumentReader::ReadSpeed},
-                                                           {"clock", &ArgumentReader::ReadClockTime}};
+    constexpr std::pair<const char*, ReadOne> kValues[] = {
+        {"timeout", &ArgumentReader::ReadTimeout}, {"log-level", &ArgumentReader::ReadLevel},
+        {"link", &ArgumentReader::ReadLink},       {"speed", &ArgumentReader::ReadSpeed},
+        {"clock", &ArgumentReader::ReadClockTime}, {"within", &ArgumentReader::ReadWithin},
+        {"jobs", &ArgumentReader::ReadJobs}};
     for (const auto& [name, read] : kValues) {
         const QString problem = isSet(name) ? (this->*read)(value(name)) : QString();
         if (!problem.isEmpty())
@@ -173,26 +191,35 @@ int ArgumentReader::OwnWords(const QStringList& words) {
 }
 
 QString ArgumentReader::ReadTimeout(const QString& text) {
-    bool number = false;
-    const int milliseconds = text.toInt(&number);
-    if (!number || milliseconds < 1 || milliseconds > kLongestTimeout)
-        return QStringLiteral("--timeout needs a number of milliseconds from 1 to %1, not \"%2\"")
-            .arg(kLongestTimeout)
-            .arg(text);
-    m_options.timeout = std::chrono::milliseconds(milliseconds);
-    return {};
+    const auto milliseconds = WholeNumber(text, kLongestTimeout);
+    m_options.timeout = std::chrono::milliseconds(milliseconds.value_or(0));
+    return milliseconds ? QString() : NeedsMilliseconds("timeout", text);
+}
+
+QString ArgumentReader::ReadWithin(const QString& text) {
+    const auto milliseconds = WholeNumber(text, kLongestTimeout);
+    m_options.within = std::chrono::milliseconds(milliseconds.value_or(0));
+    return milliseconds ? QString() : NeedsMilliseconds("within", text);
+}
+
+QString ArgumentReader::ReadJobs(const QString& text) {
+    m_options.jobs = WholeNumber(text, kMostJobs);
+    return m_options.jobs
+               ? QString()
+               : QStringLiteral("--jobs needs a whole number from 1 to %1, not \"%2\"").arg(kMostJobs).arg(text);
 }
 
 /// Only what plays a show has a time of its own.
 QString ArgumentReader::ReadSpeed(const QString& text) {
-    bool number = false;
-    m_options.clock.speed = text.toInt(&number);
-    if (!number || m_options.clock.speed < 1 || m_options.clock.speed > kFastest)
+    const auto speed = WholeNumber(text, kFastest);
+    m_options.clock.speed = speed.value_or(1);
+    if (!speed)
         return QStringLiteral("--speed needs a whole number from 1 to %1, not \"%2\"").arg(kFastest).arg(text);
     return WhyNoClock("speed");
 }
 
 QString ArgumentReader::ReadClockTime(const QString& text) {
+    m_options.clockText = text;
     m_options.clock.begin = ReadClock(text);
     if (m_options.clock.begin.isNull())
         return QStringLiteral("--clock needs a time as 19:30, 19:30:00 or \"2026-12-24 19:30:00\", not \"%1\"")
@@ -208,6 +235,7 @@ QString ArgumentReader::WhyNoClock(const char* option) const {
 }
 
 QString ArgumentReader::ReadLink(const QString& text) {
+    m_options.linkText = text;
     for (const auto& row : kLinks) {
         if (text == QLatin1String(row.name)) {
             m_options.link = row.link;

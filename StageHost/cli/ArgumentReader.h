@@ -25,6 +25,8 @@ private:
     QString ReadLevel(const QString& text);
     QString ReadSpeed(const QString& text);
     QString ReadClockTime(const QString& text);
+    QString ReadWithin(const QString& text);
+    QString ReadJobs(const QString& text);
     QString WhyNoClock(const char* option) const;
     QStringList TakeLogDevices(const QStringList& words);
 

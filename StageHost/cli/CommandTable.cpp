@@ -51,6 +51,13 @@ constexpr Command kCommands[] = {
      "stagehost watch --json show.json Level Overture\n"
      "printf 'set Level 50\\nwait Answer yes\\n' | stagehost watch show.json",
      1, kAny, &WatchShow},
+    {"test", "[FOLDER | SHOW.json...]",
+     "plays the shows that are tests, side by side, and tells what failed: those named NAME.test.json, and those with "
+     "the key \"test\"",
+     "stagehost test\n"
+     "stagehost test --junit tests.xml drivers\n"
+     "stagehost test --speed 60 --jobs 4 evening.test.json",
+     0, kAny, &TestShows},
     {"definition", "[SHOW.json | FILE.js]", "shows the commands and variables of a device",
      "stagehost definition\n"
      "stagehost definition lights.js\n"

@@ -14,6 +14,7 @@ int ComposeScript(const Options& options);
 int SendCommand(const Options& options);
 int ShowDefinition(const Options& options);
 int ShowVariables(const Options& options);
+int TestShows(const Options& options);
 int WatchShow(const Options& options);
 int PrintDeclarations(const Options& options);
 int PrintSchema(const Options& options);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 
 #include <QString>
 #include <QStringList>
@@ -30,7 +31,11 @@ struct Options {
     QString logFile;   ///< empty: a temporary one
     QString module;    ///< empty: the one beside the program
     std::chrono::milliseconds timeout{10000};
-    ClockWish clock; ///< of `run`, `watch` and `test`
+    ClockWish clock;                                 ///< of `run`, `watch` and `test`
+    QString clockText;                               ///< what was typed of it
+    QString linkText;                                ///< what was typed; empty: nothing
+    std::optional<std::chrono::milliseconds> within; ///< of `test`: the limit of each
+    std::optional<int> jobs;                         ///< of `test`: how many at once
     bool help = false;
     bool version = false;
 };

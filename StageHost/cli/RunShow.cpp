@@ -4,7 +4,6 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QJsonArray>
-#include <QSaveFile>
 
 #include "BorderText.h"
 #include "Colors.h"
@@ -12,6 +11,7 @@
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "Interrupt.h"
+#include "JUnitFile.h"
 #include "Output.h"
 #include "Reloader.h"
 #include "ScriptSession.h"
@@ -20,7 +20,6 @@
 #include "StepRecord.h"
 #include "StepText.h"
 #include "StepTicker.h"
-#include "TextFile.h"
 
 namespace stagehost {
 
@@ -141,18 +140,10 @@ public:
     MaybeFailure KeepJUnit(const QString& unfinished) {
         if (m_options.junitFile.isEmpty())
             return std::nullopt;
-        const QString refusal = WhyNotReplaceable(m_options.junitFile, "<testsuite");
-        if (!refusal.isEmpty())
-            return Failure{kExitBadUse, QStringLiteral("%1 %2").arg(m_options.junitFile, refusal)};
         ShowRecord record = m_record;
         if (!unfinished.isEmpty())
             record.failure = unfinished;
-        QSaveFile file(m_options.junitFile);
-        const QByteArray text = JUnitText(record);
-        if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
-            return std::nullopt;
-        return Failure{kExitBadUse,
-                       QStringLiteral("%1: cannot be written: %2").arg(m_options.junitFile, file.errorString())};
+        return KeepJUnitFile(m_options.junitFile, JUnitText(record));
     }
 
 private:

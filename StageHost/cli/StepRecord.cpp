@@ -10,18 +10,6 @@ namespace {
 
 using Standing = StepRecord::Standing;
 
-/// Text without the characters that XML 1.0 cannot carry (section 2.2 of the recommendation); each becomes U+FFFD.
-QString ForXml(const QString& text) {
-    QString clean = text;
-    for (QChar& c : clean) {
-        const ushort code = c.unicode();
-        const bool isControl = code < 0x20 && code != '\t' && code != '\n' && code != '\r';
-        if (isControl || code == 0xFFFE || code == 0xFFFF || (c.isSurrogate() && !text.isValidUtf16()))
-            c = QChar(0xFFFD);
-    }
-    return clean;
-}
-
 QString Seconds(double milliseconds) {
     return QString::number(milliseconds / 1000, 'f', 3);
 }
@@ -90,6 +78,17 @@ QString ForYaml(const QString& text) {
 }
 
 } // namespace
+
+QString ForXml(const QString& text) {
+    QString clean = text;
+    for (QChar& c : clean) {
+        const ushort code = c.unicode();
+        const bool isControl = code < 0x20 && code != '\t' && code != '\n' && code != '\r';
+        if (isControl || code == 0xFFFE || code == 0xFFFF || (c.isSurrogate() && !text.isValidUtf16()))
+            c = QChar(0xFFFD);
+    }
+    return clean;
+}
 
 QByteArray JUnitText(const ShowRecord& record) {
     QByteArray text;

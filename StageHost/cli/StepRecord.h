@@ -32,6 +32,10 @@ struct ShowRecord {
 /// "junit-10.xsd" of the Jenkins xUnit plug-in describes. UTF-8.   [any]
 QByteArray JUnitText(const ShowRecord& record);
 
+/// Text without the characters that XML 1.0 cannot carry (section 2.2 of the recommendation); each becomes
+/// U+FFFD.   [any]
+QString ForXml(const QString& text);
+
 /// The lines of the Test Anything Protocol, version 14 of 2022 (testanything.org).   [any]
 QString TapBegin(std::size_t stepCount);
 QString TapLine(int number, const StepRecord& step);

@@ -31,6 +31,8 @@ public:
     bool IsMissing() const { return m_value.isUndefined(); }
     bool IsObject() const { return m_value.isObject(); }
     bool IsText() const { return m_value.isString(); }
+    bool IsTrue() const { return m_value.isBool() && m_value.toBool(); }
+    bool IsFalse() const { return m_value.isBool() && !m_value.toBool(); }
 
     /// No text of a show has a NUL, where everything outside would end it.
     QString Text() const;

@@ -72,6 +72,13 @@ struct ShowStep {
     QString stored;           ///< a stored command by its name, sent as a command is; empty: none
 };
 
+/// How "stagehost test" plays a show.
+struct ShowTest {
+    std::optional<int> within; ///< ms of the computer
+    int speed = 1;
+    QString clock; ///< as --clock takes it; empty: the computer's
+};
+
 /// A show as its file tells it.
 struct Show {
     QString file;   ///< the show file; empty when there is none
@@ -85,6 +92,7 @@ struct Show {
     std::vector<ShowStoredCommand> commands;
     ShowSpec objects; ///< tasks, cues, screens, groups, objects, shows
     std::vector<ShowStep> steps;
+    std::optional<ShowTest> test; ///< nothing: the file does not say that it is one
 
     /// The full path of a file that the show names.   [any]
     QString Path(const QString& named) const;

@@ -36,7 +36,14 @@ inline constexpr ShowKey kShowKeys[] = {
     {"groups", "[group]", false, "user groups"},
     {"objects", "[object]", false, "objects of your own"},
     {"shows", "[loadableShow]", false, "what scripts may load by name"},
+    {"test", "truth | test", false, "\"stagehost test\" plays the show as one of the tests of its folder"},
     {"steps", "[step]", false, "what \"stagehost run\" plays, in order"},
+};
+
+inline constexpr ShowKey kTestKeys[] = {
+    {"within", "whole(1)", false, "ms of the computer that the test may take; 60000 if not given"},
+    {"speed", "whole(1,3600)", false, "how many times as fast the time of the show runs"},
+    {"clock", "text", false, "the time at which the show begins, as \"19:30\" or \"2026-12-24 19:30\""},
 };
 
 inline constexpr ShowKey kHostKeys[] = {
@@ -264,6 +271,7 @@ constexpr ShowObjectKeys Keys(const char* name, const ShowKey (&keys)[Count]) {
 /// All of them; the first is the whole file.
 inline constexpr ShowObjectKeys kShowObjects[] = {
     Keys("show", kShowKeys),
+    Keys("test", kTestKeys),
     Keys("host", kHostKeys),
     Keys("folders", kFoldersKeys),
     Keys("resource", kResourceKeys),

@@ -12,6 +12,7 @@
 #include "HardwareReader.h"
 #include "NameCheck.h"
 #include "NearNames.h"
+#include "ShowClock.h"
 #include "ShowKeys.h"
 #include "StoredCommandXml.h"
 #include "ValueFactory.h"
@@ -52,6 +53,7 @@ void ShowReader::ReadShow(const JsonNode& root) {
     if (!root.ExpectObject(kShowKeys))
         return;
     m_show.name = root.Member(QStringLiteral("name")).TextOr(m_show.name);
+    ReadTest(root.Member(QStringLiteral("test")));
     ReadHost(root.Member(QStringLiteral("host")));
     ReadFolders(root.Member(QStringLiteral("folders")));
     HardwareReader(m_show.resources).Read(root.Member(QStringLiteral("resources")));
@@ -144,6 +146,20 @@ void ShowReader::ReadVariable(const JsonNode& node) {
     if (!member("value").IsMissing() && !MakeValue(variable)->SetText(variable.text))
         member("value").Complain(QStringLiteral("not a value of this type"));
     m_show.variables.push_back(std::move(variable));
+}
+
+void ShowReader::ReadTest(const JsonNode& node) {
+    if (node.IsMissing() || node.IsFalse())
+        return;
+    ShowTest& test = m_show.test.emplace();
+    if (node.IsTrue() || !node.ExpectObject(kTestKeys))
+        return;
+    test.within = node.Member(QStringLiteral("within")).Whole(1);
+    test.speed = node.Member(QStringLiteral("speed")).Whole(1, kFastest).value_or(1);
+    const JsonNode clock = node.Member(QStringLiteral("clock"));
+    test.clock = clock.Text();
+    if (!clock.IsMissing() && ReadClock(test.clock).isNull())
+        clock.Complain(QStringLiteral("not a time of day"));
 }
 
 void ShowReader::ReadPeer(const JsonNode& node) {

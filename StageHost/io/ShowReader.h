@@ -30,6 +30,7 @@ private:
     void ReadTheme(const JsonNode& theme);
     void ReadFolders(const JsonNode& folders);
     void ReadVariable(const JsonNode& node);
+    void ReadTest(const JsonNode& node);
     void ReadPeer(const JsonNode& node);
     void ReadDevice(const JsonNode& node);
     QString NoDevice(const QString& name) const;

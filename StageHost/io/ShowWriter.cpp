@@ -147,10 +147,22 @@ QJsonArray WriteList(const Items& items, Write write) {
     return list;
 }
 
+QJsonValue WriteTest(const ShowTest& test) {
+    QJsonObject object;
+    if (test.within)
+        object.insert(QStringLiteral("within"), *test.within);
+    if (test.speed != ShowTest().speed)
+        object.insert(QStringLiteral("speed"), test.speed);
+    InsertText(object, "clock", test.clock);
+    return object.isEmpty() ? QJsonValue(true) : object;
+}
+
 } // namespace
 
 QByteArray WriteShow(const Show& show) {
     QJsonObject root{{QStringLiteral("name"), show.name}, {QStringLiteral("host"), WriteHost(show.host)}};
+    if (show.test)
+        root.insert(QStringLiteral("test"), WriteTest(*show.test));
     const QJsonObject folders = WriteFolders(show);
     if (!folders.isEmpty())
         root.insert(QStringLiteral("folders"), folders);

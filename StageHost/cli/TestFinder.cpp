@@ -1,0 +1,95 @@
+#include "TestFinder.h"
+
+#include <algorithm>
+
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "ExitCodes.h"
+#include "ShowReader.h"
+#include "TextFile.h"
+
+namespace stagehost {
+
+namespace {
+
+constexpr qint64 kLargestShow = 16 * 1024 * 1024; // bytes; other programs keep larger things in such files
+
+bool SaysThatItIsATest(const QString& file) {
+    if (file.endsWith(QLatin1String(".test.json")))
+        return true;
+    if (QFileInfo(file).size() > kLargestShow)
+        return false;
+    QString problem;
+    const auto bytes = ReadTextBytes(file, &problem);
+    if (!bytes || !bytes->contains("\"test\""))
+        return false;
+    const QJsonValue test = QJsonDocument::fromJson(*bytes).object().value(QLatin1String("test"));
+    return test.isObject() || test.toBool();
+}
+
+ShowTest SettingsOf(const QString& file) {
+    QString problem;
+    const auto bytes = ReadTextBytes(file, &problem);
+    ShowReader reader;
+    const auto show = bytes ? reader.Read(*bytes, file) : std::nullopt;
+    return show ? show->test.value_or(ShowTest()) : ShowTest();
+}
+
+class Finder {
+public:
+    explicit Finder(std::vector<TestShow>& tests)
+        : m_tests(tests) {}
+
+    void Add(const QString& file) {
+        const QString path = QFileInfo(file).canonicalFilePath();
+        if (m_known.contains(path))
+            return;
+        m_known += path;
+        m_tests.push_back({file, SettingsOf(file)});
+    }
+
+    void Search(const QString& folder) {
+        const QDir here(folder);
+        const auto name = [&](const QString& entry) {
+            return folder == QLatin1String(".") ? entry : here.filePath(entry);
+        };
+        for (const QString& entry : here.entryList({QStringLiteral("*.json")}, QDir::Files, QDir::Name))
+            if (SaysThatItIsATest(name(entry)))
+                Add(name(entry));
+        for (const QString& entry : here.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks,
+                                                   QDir::Name)) // hidden ones are left out
+            Search(name(entry));
+    }
+
+private:
+    std::vector<TestShow>& m_tests;
+    QStringList m_known; ///< canonical paths
+};
+
+} // namespace
+
+MaybeFailure FindTests(const QStringList& places, std::vector<TestShow>& tests) {
+    Finder finder(tests);
+    const QStringList searched = places.isEmpty() ? QStringList{QStringLiteral(".")} : places;
+    for (const QString& place : searched) {
+        const QFileInfo info(place);
+        if (!info.exists())
+            return Failure{kExitBadUse, QStringLiteral("%1: there is no such file or folder").arg(place)};
+        if (info.isDir())
+            finder.Search(QDir::cleanPath(place));
+        else
+            finder.Add(place);
+    }
+    if (!tests.empty())
+        return std::nullopt;
+    const QString where = places.isEmpty() ? QStringLiteral("this folder") : places.join(QStringLiteral(", "));
+    return Failure{kExitBadUse,
+                   QStringLiteral("there is no test in %1: a test is a show named NAME.test.json, or one with "
+                                  "the key \"test\"")
+                       .arg(where)};
+}
+
+} // namespace stagehost
