@@ -217,7 +217,8 @@ MaybeFailure StartShow(Session& session, const Show& show, ShowReport& report) {
 MaybeFailure PlaySteps(Session& session, const Show& show, bool keepGoing, ShowReport& report) {
     StepPlayer player(session, show);
     MaybeFailure first;
-    for (std::size_t index = 0; index < show.steps.size() && (keepGoing || !first) && !Interrupt::HasCome(); ++index) {
+    std::size_t index = 0;
+    for (; index < show.steps.size() && (keepGoing || !first) && !Interrupt::HasCome(); ++index) {
         report.StepBegins(index);
         StepOutcome outcome;
         {
@@ -235,6 +236,10 @@ MaybeFailure PlaySteps(Session& session, const Show& show, bool keepGoing, ShowR
         PrintProblem(OnErrors(Ink::Bad, failure.text));
         PrintPlace(failure.place);
         first = first ? first : MaybeFailure(failure);
+    }
+    if (!first && index < show.steps.size()) {
+        first = Failure{kExitNoAnswer, QStringLiteral("interrupted before step %1").arg(index + 1)};
+        PrintProblem(OnErrors(Ink::Bad, first->text));
     }
     return first;
 }

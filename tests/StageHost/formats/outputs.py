@@ -66,6 +66,7 @@ try:
     hold("`exec`, `send`", [json.loads(run("exec", dimmer, "Blackout")), json.loads(run("send", dimmer, "script", "Blackout")),
                             json.loads(run("send", "thrown.js", "script", "f"))])
     hold("`run`", [json.loads(run("run", show)), json.loads(run("run", "thrown.json"))])
+    hold("`test`", [json.loads(run("test", "examples/cuelist", "thrown.json", "noted.js"))])
     hold("`check`", [json.loads(run("check", script)) for script in (dimmer, "bad.js", "noted.js", "top.js")])
     hold("`definition`", [json.loads(run("definition", dimmer))])
     hold("`variables`", [json.loads(run("variables", dimmer))])
