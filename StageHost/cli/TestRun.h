@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include "ChildProcess.h"
 #include "Options.h"
 #include "TestFinder.h"
 
@@ -44,6 +45,12 @@ public:
     TestOutcome Outcome();
 
 private:
+    /// Ends by this object's word alone: Ctrl-C would be a second request, which ends a run without its devices.
+    class Process : public QProcess {
+    protected:
+        void setupChildProcess() override { BelongToParentAlone(); }
+    };
+
     QStringList Words(const Options& options) const;
     void End();
     QString WhyNotWell(const QJsonObject& show) const;
@@ -52,7 +59,7 @@ private:
     const TestShow m_test;
     const std::chrono::milliseconds m_limit;
     QTemporaryDir m_folder; ///< holds what the run writes
-    QProcess m_process;
+    Process m_process;
     QTimer m_alarm;
     QElapsedTimer m_clock;
     double m_milliseconds = 0;
