@@ -6,6 +6,28 @@
 #include "CaseProcess.h"
 #include "Cases.h"
 
+namespace {
+
+/// What the host's main thread does while another one sends commands.
+void Disturb(Trial& trial, HostedDevice& device) {
+    switch (trial.Roll(4)) {
+    case 0:
+        device->Stop();
+        break;
+    case 1:
+        Trial::ExpectCode(device->SetSetup(BusySetup(", Other: function () {}").c_str()), KXP_OK, "SetSetup");
+        break;
+    case 2:
+        device->Stop();
+        Trial::ExpectCode(device->Start(), KXP_OK, "Start");
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
 void EndsAtAnyInstant(Trial& trial) {
     ModuleHost host;
     LoadOrFail(host, trial);
@@ -23,8 +45,7 @@ void EndsAtAnyInstant(Trial& trial) {
         trial.Step("the end of a device after " + std::to_string(pause.count()) +
                    " us of commands from another thread");
         std::this_thread::sleep_for(pause);
-        if (trial.Roll(2) == 0)
-            device->Stop();
+        Disturb(trial, device);
         isOver = true;
         caller.join(); // calls and Release do not overlap: the contract promises that to the module
         device.End();

@@ -155,3 +155,23 @@ void AnswersReachScripts(Trial& trial) {
             for (const char* function : {"Ask", "AskLater"})
                 Ask(trial, way, function);
 }
+
+void AnswersOnOlderLink(Trial& trial) {
+    for (int round = trial.Times(1000, 2); round > 0; --round) {
+        ModuleHost host;
+        ContextTally tally;
+        host.OfferOlderLink();
+        LoadOrFail(host, trial);
+        HostedDevice device(host);
+        StartBusy(device, AskingSetup());
+        trial.Step("a request on the older link");
+        std::vector<std::string> texts(kFunctionParameters);
+        texts[0] = "Ask";
+        Trial::ExpectCode(device.Send(FunctionCommand(device), texts, &tally), KXP_OK, "ExecuteCommand");
+        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the command that asks ends");
+        Trial::Expect(WaitForText(device, "Got", "Perform"), "the script gets the text of the link");
+        device.End();
+        Trial::Expect(host.OlderLink().TextsOut() == 0,
+                      std::to_string(host.OlderLink().TextsOut()) + " texts of the link were not given back");
+    }
+}

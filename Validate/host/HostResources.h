@@ -5,6 +5,7 @@
 
 #include "FaceAnswer.h"
 #include "GuardedPages.h"
+#include "HostValues.h"
 #include "IDMXResource.h"
 #include "IIOResource.h"
 #include "IResourceProvider.h"
@@ -158,7 +159,10 @@ private:
 /// Hands out the one of the kind, whatever its number. The resources go with it.
 class HostResources final : public IResourceProvider, public Guarded {
 public:
-    HostResources() { GuardedName(this, "the resources of a host that is gone"); }
+    explicit HostResources(const Hearing& hearing)
+        : m_hearing(hearing) {
+        GuardedName(this, "the resources of a host that is gone");
+    }
 
     HostSerial& Serial() { return *m_serial; }
     HostUniverse& Universe() { return *m_universe; }
@@ -169,6 +173,8 @@ public:
     }
     KXPCode Release() override { return KXP_OK; }
     IMInterface* GetResource(std::uint32_t kind, std::int32_t, std::uint32_t) override {
+        if (m_hearing)
+            m_hearing("GetResource");
         switch (kind) {
         case KXP_SERIAL_RESOURCE:
             return static_cast<ISerialResource*>(m_serial.get());
@@ -184,6 +190,7 @@ public:
     IIOResourceChannel* SelectChannel(std::uint32_t, const char*, KXPWindow) override { return nullptr; }
 
 private:
+    const Hearing& m_hearing;
     const std::unique_ptr<HostSerial> m_serial = std::make_unique<HostSerial>();
     const std::unique_ptr<HostUniverse> m_universe = std::make_unique<HostUniverse>();
     const std::unique_ptr<HostIo> m_io = std::make_unique<HostIo>();

@@ -51,11 +51,14 @@ KXPCode ModuleHost::QueryInterface(const char* name, void** out) {
                        {"IManagerRuntimeInfo", static_cast<IManagerRuntimeInfo*>(this)},
                        {"IFolderManager", static_cast<IFolderManager*>(this)},
                        {"IObjectFactoryManager", static_cast<IObjectFactoryManager*>(this)},
-                       {"IManagerRemoteManager2", static_cast<IManagerRemoteManager2*>(this)},
+                       {m_isOlder ? "IManagerRemoteManager" : "IManagerRemoteManager2",
+                        m_isOlder ? static_cast<void*>(static_cast<IManagerRemoteManager*>(&m_olderManager))
+                                  : static_cast<void*>(static_cast<IManagerRemoteManager2*>(this))},
                        {"IResourceProvider", static_cast<IResourceProvider*>(m_resources.get())}});
 }
 
 std::uint32_t ModuleHost::GetLogSettings(std::uint32_t*, std::uint32_t*, char*, std::uint32_t*, std::uint32_t*) {
+    Hear("GetLogSettings");
     return 0xFFFFFFFFU;
 }
 
@@ -65,6 +68,7 @@ KXPWindow ModuleHost::GetMainWindow() {
 }
 
 std::uint32_t ModuleHost::GetRuntimeInfo(KXPRuntimeInfo* out) {
+    Hear("GetRuntimeInfo");
     if (out == nullptr || out->size != sizeof(KXPRuntimeInfo))
         return 0;
     std::strcpy(out->appName, "kxpvalidate");
@@ -90,6 +94,15 @@ KXPCode ModuleHost::UnregisterFactory(const char* name) {
     if (name == nullptr)
         return KXP_NULL_ARGUMENT;
     return m_factories.erase(name) == 1 ? KXP_OK : KXPCode{KXP_NOT_IMPLEMENTED};
+}
+
+KXPCode ModuleHost::OlderManager::QueryInterface(const char* name, void** out) {
+    return AnswerFace(name, out, {{"IManagerRemoteManager", static_cast<IManagerRemoteManager*>(this)}});
+}
+
+IManagerRemote* ModuleHost::OlderManager::GetRemote() {
+    host.Hear("GetRemote");
+    return &link;
 }
 
 IManagerRemote2* ModuleHost::GetRemote(IKXPDevice* device) {

@@ -7,6 +7,7 @@
 
 #include "DynamicLibrary.h"
 #include "HostLink.h"
+#include "HostOlderLink.h"
 #include "HostResources.h"
 #include "HostValues.h"
 #include "IKXPModule.h"
@@ -25,6 +26,9 @@ public:
     ModuleHost(const ModuleHost&) = delete;
     ModuleHost& operator=(const ModuleHost&) = delete;
 
+    /// Offers the older link alone from now on. Before Load.
+    void OfferOlderLink() { m_isOlder = true; }
+    HostOlderLink& OlderLink() { return m_olderManager.link; }
     /// Loads the file, initialises its module. @return what is wrong; empty when nothing is.
     std::string Load(const std::string& file);
     /// Terminates and releases the module; harmless twice.
@@ -61,11 +65,29 @@ public:
     IManagerRemote2* GetRemote(IKXPDevice* device) override;
 
 private:
+    /// Both managers have an operation of one name, so this one is an object of its own.
+    struct OlderManager final : IManagerRemoteManager {
+        explicit OlderManager(const ModuleHost& itsHost)
+            : host(itsHost)
+            , link(*new HostOlderLink(itsHost.hearing)) {}
+        ~OlderManager() { delete &link; }
+        OlderManager(const OlderManager&) = delete;
+        OlderManager& operator=(const OlderManager&) = delete;
+        KXPCode QueryInterface(const char* name, void** out) override;
+        KXPCode Release() override { return KXP_OK; }
+        IManagerRemote* GetRemote() override;
+
+        const ModuleHost& host;
+        HostOlderLink& link;
+    };
+
     void Hear(const char* call) const;
 
+    bool m_isOlder = false;
+    OlderManager m_olderManager{*this};
     DynamicLibrary m_library;
     IKXPModule* m_module = nullptr;
-    const std::unique_ptr<HostResources> m_resources = std::make_unique<HostResources>();
+    const std::unique_ptr<HostResources> m_resources = std::make_unique<HostResources>(hearing);
     std::map<std::string, IObjectFactory*> m_factories;
     std::map<const IKXPDevice*, std::unique_ptr<HostLink>> m_links;
     std::string m_folder; ///< an empty one of this process, removed at the end

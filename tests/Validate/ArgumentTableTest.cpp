@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include "PromisedThreads.h"
+
 namespace {
 
 using Operations = std::set<std::string>; ///< "IKXPDevice::Start"
@@ -108,6 +110,34 @@ TEST(ArgumentTable, KnowsNoFaceOfTheHostThatTheHeadersLack) {
     const auto faces = FacesOfTheContract();
     for (const std::string& face : kFacesOfTheHost)
         EXPECT_EQ(faces.count(face), 1U) << face;
+}
+
+/// The words in brackets with which the headers end the description of each operation.
+std::map<std::string, std::string> ThreadsOfTheContract() {
+    static const std::regex classBegin("^class (\\w+)( final)?( : .*)? \\{$");
+    static const std::regex operation("^\\s+virtual .*?(\\w+)\\(");
+    static const std::regex words("\\[([a-z, ]+)\\]$");
+    std::map<std::string, std::string> threads;
+    for (const auto& entry : std::filesystem::directory_iterator(CONTRACT_FOLDER)) {
+        std::ifstream header(entry.path());
+        std::string face;
+        std::string last;
+        std::smatch match;
+        for (std::string line; std::getline(header, line);)
+            if (std::regex_search(line, match, classBegin))
+                face = match[1];
+            else if (std::regex_search(line, match, words))
+                last = match[1];
+            else if (std::regex_search(line, match, operation))
+                threads[face + "::" + match[1].str()] = last;
+    }
+    return threads;
+}
+
+TEST(PromisedThreads, AreThoseOfTheHeaders) {
+    auto threads = ThreadsOfTheContract();
+    for (const PromisedThread& one : AllPromisedThreads())
+        EXPECT_EQ(threads[std::string(one.face) + "::" + one.name], one.word) << one.face << "::" << one.name;
 }
 
 TEST(HeaderReader, SeesWhatAHeaderAdds) {

@@ -144,6 +144,9 @@ public:
         m_list.push_back(this);
         if (auto* manager = QueryFace<IManagerRemoteManager2>(host, "IManagerRemoteManager2"))
             m_link = manager->GetRemote(this);
+        if (auto* manager = QueryFace<IManagerRemoteManager>(host, "IManagerRemoteManager"))
+            m_olderLink = manager->GetRemote();
+        m_info = QueryFace<IManagerRuntimeInfo>(host, "IManagerRuntimeInfo");
     }
 
     /// The module is gone.
@@ -385,6 +388,8 @@ private:
         std::unique_lock<std::mutex> alone(one, std::defer_lock);
         if (Has("runaway-scripts"))
             alone.lock();
+        if (Has("threads-as-promised"))
+            m_info->GetMainWindow();
         if (request.function == "Run")
             RunAway();
         else if (request.function == "Ask" || request.function == "AskLater")
@@ -405,6 +410,10 @@ private:
 
     /// @param waits for the answer; else a later tick writes it.
     void Ask(bool waits) {
+        if (m_link == nullptr) {
+            AskOlder();
+            return;
+        }
         auto* question = new Question;
         const KXPCode code = m_link->Perform("host", "", "", question, nullptr);
         if (!waits) {
@@ -417,6 +426,14 @@ private:
         question->Release();
     }
 
+    void AskOlder() {
+        char* text = nullptr;
+        m_olderLink->Perform("host", "", "", &text);
+        Write("Got", text);
+        if (!Has("older-link"))
+            m_olderLink->FreeText(&text);
+    }
+
     void Write(const char* variable, const std::string& text) {
         const std::lock_guard<std::recursive_mutex> guard(m_values);
         if (IData* value = m_variables != nullptr ? m_variables->GetVariable(variable) : nullptr)
@@ -426,6 +443,8 @@ private:
     std::vector<Device*>& m_list;
     IDeviceVariables* m_variables = nullptr;
     IManagerRemote2* m_link = nullptr;
+    IManagerRemote* m_olderLink = nullptr;
+    IManagerRuntimeInfo* m_info = nullptr;
     std::vector<Question*> m_later; ///< of the device's thread
     std::string m_name;
     std::string m_setup = "<DeviceData Version=\"1000\"></DeviceData>";
