@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <thread>
 
@@ -122,14 +123,16 @@ void KeepsSetups(Trial& trial) {
     }
 }
 
-void RefusesBrokenSetups(Trial& trial) {
+namespace {
+
+void BreakSome(Trial& trial, int rounds) {
     ModuleHost host;
     LoadOrFail(host, trial);
     HostedDevice device(host);
     if (device->SetSetup(BusySetup().c_str()) != KXP_OK)
         throw Skipped("the module takes no setup with a script");
     std::string before = device.Setup();
-    for (int round = trial.Times(1000000, 200); round > 0; --round) {
+    while (rounds-- > 0) {
         const std::string broken = Break(trial, before);
         trial.Step("a setup of " + std::to_string(broken.size()) + " bytes");
         if (device->SetSetup(broken.c_str()) != KXP_OK) {
@@ -139,6 +142,15 @@ void RefusesBrokenSetups(Trial& trial) {
         Trial::ExpectCode(device->SetSetup(before.c_str()), KXP_OK, "SetSetup of the setup of before");
         before = device.Setup();
     }
+}
+
+} // namespace
+
+/// A module may collect commands of all setups that it has seen: it is loaded anew after some.
+void RefusesBrokenSetups(Trial& trial) {
+    constexpr int kOfOneLoad = 200;
+    for (int left = trial.Times(1000000, 200); left > 0; left -= kOfOneLoad)
+        BreakSome(trial, std::min(left, kOfOneLoad));
 }
 
 /// Each new setup brings a new definition, with which the values of the old one are deleted, while the script writes
