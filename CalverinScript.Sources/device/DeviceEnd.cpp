@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 
 #include <QThread>
 
+#include "FreeMemory.h"
 #include "IModuleServices.h"
 #include "ISetupInterface.h"
 #include "ModuleShared.h"
@@ -15,6 +17,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds kHostCallEnd(50);
+constexpr std::chrono::milliseconds kMemoryRest(1000);
 
 /// Polls a condition that another thread makes true, for a time that a person does not notice.
 template <typename Condition>
@@ -22,6 +25,16 @@ void WaitUntil(Condition condition, std::chrono::milliseconds time) {
     const TimeLimit limit{time};
     while (!condition() && !limit.IsOver())
         QThread::usleep(200);
+}
+
+/// Hands back what devices have left free, in pieces between those that others use: with devices that come and go it would
+/// grow for hours. Once a second at most, since a host that ends releases all it has.   [host main]
+void ReturnDevicesMemory() {
+    static std::optional<TimeLimit> rest;
+    if (rest && !rest->IsOver())
+        return;
+    ReturnFreeMemory();
+    rest.emplace(kMemoryRest);
 }
 
 } // namespace
@@ -38,6 +51,7 @@ KXPCode MCalverinScript_Device::Release() {
     WaitUntil([this] { return HasEnded(); }, kHostCallEnd);
     Abandoned().Add(this);
     Abandoned().Sweep();
+    ReturnDevicesMemory();
     return KXP_OK;
 }
 
