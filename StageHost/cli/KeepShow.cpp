@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 
 #include <QFileInfo>
@@ -54,10 +55,17 @@ private:
     QJsonArray m_list;
 };
 
-MaybeFailure Open(Session& session, ShowFile& file, const Options& options) {
+/// What the session of a command is for.
+enum class Keeping {
+    Setups,   ///< the command tells by itself what is not as it was
+    Commands, ///< as they are stored
+    Running   ///< the devices run, and their peers
+};
+
+MaybeFailure Open(Session& session, ShowFile& file, const Options& options, Keeping keeping) {
     if (auto failure = file.Open(options.arguments.first()))
         return failure;
-    return session.Open(file.Content());
+    return keeping == Keeping::Running ? session.OpenWithPeers(file.Content()) : session.Open(file.Content());
 }
 
 QString RefusedSetupText() {
@@ -104,6 +112,13 @@ QString KeepSetup(Session& session, ShowFile& file, const Device& device) {
     QString setup = session.SetupToKeep(device);
     file.SetSetup(name, setup);
     return setup;
+}
+
+/// A value that a user gives stands in the place of the peer that the setting has named.
+void TakePlaceOfPeer(ShowFile& file, const ShowDevice& described, const GivenSetting& word) {
+    const auto& named = described.peerSettings;
+    if (std::any_of(named.begin(), named.end(), [&](const auto& entry) { return entry.first == word.name; }))
+        file.SetSetting(described.name, word.name, word.text);
 }
 
 /// A script that is loaded at the start of a show is in no setup before the first dialog, which looks into it itself.
@@ -190,6 +205,8 @@ MaybeFailure RenewSetups(Session& session, ShowFile& file, const Options& option
         Device& device = *session.FindDevice(described.name);
         if (auto failure = RenewSetup(session, device, file.Content(), described, options, words))
             return failure;
+        for (const auto& word : words)
+            TakePlaceOfPeer(file, described, word);
         const QString setup = KeepSetup(session, file, device);
         const bool same = setup == described.setup && !file.HasChangedSettings(described.name);
         const char* what = described.setup.isEmpty() ? "made" : same ? "as before" : "renewed";
@@ -274,7 +291,7 @@ int Update(Session& session, ShowFile& file, KeepReport& report) {
 
 /// Opens the show, does the work and writes the file when that went well.
 template <typename Work>
-int Keep(const Options& options, bool quiet, KXPWindow window, Work work) {
+int Keep(const Options& options, Keeping keeping, KXPWindow window, Work work) {
     if (!options.sets.isEmpty())
         return Fail(
             options.json, kExitBadUse,
@@ -282,12 +299,12 @@ int Keep(const Options& options, bool quiet, KXPWindow window, Work work) {
     ShowFile file;
     WindowDialogs dialogs;
     Session session(options);
-    session.SetQuiet(quiet);
+    session.SetQuiet(keeping == Keeping::Setups);
     session.SetMainWindow(window);
     session.SetDialogs(window != 0 ? &dialogs : nullptr);
     KeepReport report(options.json);
     int exitCode = kExitOk;
-    auto failure = Open(session, file, options);
+    auto failure = Open(session, file, options, keeping);
     if (!failure)
         failure = work(session, file, report, exitCode);
     if (failure)
@@ -301,29 +318,31 @@ int KeepSetups(const Options& options) {
     if (options.window && !SetupWindow::IsPossible())
         return Fail(options.json, kExitBadUse, QStringLiteral("there is no screen to show a window on"));
     const auto window = options.window ? std::make_unique<SetupWindow>(options.arguments.first()) : nullptr;
-    return Keep(options, true, SetupWindow::Current(), [&](Session& session, ShowFile& file, KeepReport& report, int&) {
-        return window ? AskForSetup(session, file, options, *window, report)
-                      : RenewSetups(session, file, options, report);
-    });
+    return Keep(options, Keeping::Setups, SetupWindow::Current(),
+                [&](Session& session, ShowFile& file, KeepReport& report, int&) {
+                    return window ? AskForSetup(session, file, options, *window, report)
+                                  : RenewSetups(session, file, options, report);
+                });
 }
 
 int ShowPanel(const Options& options) {
     if (!SetupWindow::IsPossible())
         return Fail(options.json, kExitBadUse, QStringLiteral("there is no screen to show a window on"));
     PanelWindow window(options.arguments.first());
-    return Keep(options, false, window.winId(), [&](Session& session, ShowFile& file, KeepReport& report, int&) {
-        return RunPanel(session, file, options, window, report);
-    });
+    return Keep(options, Keeping::Running, window.winId(),
+                [&](Session& session, ShowFile& file, KeepReport& report, int&) {
+                    return RunPanel(session, file, options, window, report);
+                });
 }
 
 int StoreCommand(const Options& options) {
-    return Keep(options, false, 0, [&](Session& session, ShowFile& file, KeepReport& report, int&) {
+    return Keep(options, Keeping::Commands, 0, [&](Session& session, ShowFile& file, KeepReport& report, int&) {
         return Store(session, file, options.arguments, report);
     });
 }
 
 int UpdateCommands(const Options& options) {
-    return Keep(options, true, 0, [&](Session& session, ShowFile& file, KeepReport& report, int& exitCode) {
+    return Keep(options, Keeping::Setups, 0, [&](Session& session, ShowFile& file, KeepReport& report, int& exitCode) {
         exitCode = Update(session, file, report);
         return MaybeFailure();
     });

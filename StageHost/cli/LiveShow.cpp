@@ -34,6 +34,14 @@ LineOutcome OutcomeOf(KXPCode code, const QString& text) {
     return {kExitScriptFailed, HostCodeLine(code)};
 }
 
+template <std::size_t Count>
+QStringList WordList(const char* const (&words)[Count]) {
+    QStringList list;
+    for (const char* word : words)
+        list += QLatin1String(word);
+    return list;
+}
+
 std::optional<int> ReadMilliseconds(const QString& word) {
     bool isNumber = false;
     const int time = word.toInt(&isNumber);
@@ -68,6 +76,11 @@ const LiveShow::Row LiveShow::kRows[] = {
     {"wait", "NAME VALUE [MS] | NAME=VALUE [MS]",
      "waits until a variable, channel, resource or property has a value; with !=, <, <=, >, >= or ~ (a pattern) too", 1,
      4, &LiveShow::WaitLine},
+    {"peer",
+     "NAME leave|return|stall|resume|obey | NAME lie late|cut|repeat|reset|silence|nonsense | NAME call FUNCTION "
+     "[ARG...] | NAME received|matches TEXT [MS]",
+     "has a peer be gone, misbehave or call a function of its script, or waits for what it receives", 2, -1,
+     &LiveShow::PeerLine},
     {"pause", "MS", "lets a time pass", 1, 1, &LiveShow::PauseLine},
     {"play", "", "plays the steps of the show", 0, 0, &LiveShow::Play},
     {"help", "", "shows these lines", 0, 0, &LiveShow::HelpLine},
@@ -220,6 +233,51 @@ LineOutcome LiveShow::WaitLine(const QStringList& words) {
         if (!time)
             return NoMilliseconds(words.at(used));
         wait.within = *time;
+    }
+    return OutcomeOf(m_session.WaitFor(wait), {});
+}
+
+/// The same words as in a step.
+LineOutcome LiveShow::PeerLine(const QStringList& words) {
+    const QString& word = words.at(1);
+    if (word == QLatin1String("received") || word == QLatin1String("matches"))
+        return PeerFrame(words);
+    PeerDeed deed{words.at(0), word, {}, {}, {}};
+    QStringList known = WordList(kPeerDeeds) << QStringLiteral("call") << QStringLiteral("received") << QStringLiteral("matches");
+    if (!known.contains(word))
+        return {kExitBadUse, QStringLiteral("a peer knows no \"%1\"").arg(word) + NamesInstead(word, known)};
+    if (word == QLatin1String("call")) {
+        deed.deed.clear();
+        deed.function = words.value(2);
+        deed.arguments = QJsonArray::fromStringList(words.mid(3));
+    } else if (word == QLatin1String("lie")) {
+        deed.with = words.value(2);
+        known = WordList(kPeerLies);
+        if (!known.contains(deed.with))
+            return {kExitBadUse, QStringLiteral("a peer cannot lie with \"%1\"").arg(deed.with) + NamesInstead(deed.with, known)};
+    }
+    const int most = deed.deed.isEmpty() ? words.size() : (deed.with.isEmpty() ? 2 : 3);
+    if (words.size() > most || (deed.deed.isEmpty() && deed.function.isEmpty()))
+        return {kExitBadUse, QStringLiteral("the form is: peer NAME %1%2").arg(word, QLatin1String(deed.deed.isEmpty() ? " FUNCTION [ARG...]" : ""))};
+    QString result;
+    const auto failure = m_session.Work(deed, &result);
+    return OutcomeOf(failure, result);
+}
+
+/// "peer NAME received TEXT [MS]", "peer NAME matches PATTERN [MS]".
+LineOutcome LiveShow::PeerFrame(const QStringList& words) {
+    const bool isPattern = words.at(1) == QLatin1String("matches");
+    if (words.size() < 3 || words.size() > 4)
+        return {kExitBadUse, QStringLiteral("the form is: peer NAME %1 TEXT [MS]").arg(words.at(1))};
+    ShowWait wait;
+    wait.receipt = PeerReceipt{words.at(0), words.at(2), isPattern};
+    const QString problem = isPattern ? WhyNoCondition({words.at(0), Comparison::Matches, words.at(2)}) : QString();
+    if (!problem.isEmpty())
+        return {kExitBadUse, problem};
+    if (words.size() == 4) {
+        wait.within = ReadMilliseconds(words.at(3));
+        if (!wait.within)
+            return NoMilliseconds(words.at(3));
     }
     return OutcomeOf(m_session.WaitFor(wait), {});
 }

@@ -37,6 +37,8 @@ private:
     LineOutcome StoredLine(const QStringList& words);
     LineOutcome TaskLine(const QStringList& words);
     LineOutcome CueLine(const QStringList& words);
+    LineOutcome PeerLine(const QStringList& words);
+    LineOutcome PeerFrame(const QStringList& words);
     LineOutcome WaitLine(const QStringList& words);
     LineOutcome PauseLine(const QStringList& words);
     LineOutcome Play(const QStringList& words);

@@ -16,7 +16,7 @@ namespace stagehost {
 
 namespace {
 
-constexpr std::chrono::milliseconds kLookEvery(100); // of the computer
+constexpr std::chrono::milliseconds kLookAtFiles(100); // of the computer
 constexpr int kLooksUntilStill = 2;                  // an editor writes in several steps
 constexpr int kLooksForGone = 10; // one that replaces a file may take it away or empty it for a while
 
@@ -57,9 +57,9 @@ Reloader::Reloader(Session& session, const Show& show, const Options& options)
     }
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
         Look();
-        KeepPace(m_timer, kLookEvery);
+        KeepPace(m_timer, kLookAtFiles);
     });
-    m_timer.start(kLookEvery);
+    m_timer.start(kLookAtFiles);
 }
 
 void Reloader::Look() {

@@ -193,13 +193,11 @@ private:
 
 /// Opens the show and starts its devices.
 MaybeFailure StartShow(Session& session, const Show& show, ShowReport& report) {
-    if (auto failure = session.Open(show))
+    if (auto failure = session.OpenWithPeers(show))
         return failure;
     if (auto failure = CheckCommands(session, show))
         return failure;
     report.Begin(session);
-    if (auto failure = session.StartPeers())
-        return failure;
     for (const auto& device : session.Devices()) {
         if (auto failure = session.StartDevice(*device))
             return failure;

@@ -42,7 +42,7 @@ MaybeFailure SendTo(Session& session, const Show& show, const Options& options, 
         return failure;
     if (show.FindDevice(words.at(1)) == nullptr)
         return NoDevice(show, words.at(1));
-    if (auto failure = session.Open(show))
+    if (auto failure = session.OpenWithPeers(show))
         return failure;
     if (auto failure = session.Start())
         return failure;

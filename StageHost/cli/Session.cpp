@@ -88,7 +88,8 @@ void JudgeResult(CommandOutcome& outcome) {
 Session::Session(const Options& options)
     : m_options(options)
     , m_thrown([this](const QString& device, const QStringList& place) { return UsersPlace(device, place); })
-    , m_screen(options) {}
+    , m_screen(options)
+    , m_peers(&PrintProblem) {}
 
 Session::~Session() {
     Close(kExitOk);
@@ -250,14 +251,15 @@ void Session::CheckStored() {
     }
 }
 
-MaybeFailure Session::StartPeers() {
-    const QString problem = m_peers.Start(m_show);
-    return problem.isEmpty() ? MaybeFailure() : Failure{kExitBadUse, problem};
+MaybeFailure Session::OpenWithPeers(const Show& show) {
+    Show reached = show;
+    const QString problem = m_peers.Start(reached);
+    if (!problem.isEmpty())
+        return Failure{Interrupt::HasCome() ? kExitNoAnswer : kExitBadUse, problem};
+    return Open(reached);
 }
 
 MaybeFailure Session::Start() {
-    if (auto failure = StartPeers())
-        return failure;
     for (const auto& device : m_devices) {
         if (auto failure = StartDevice(*device))
             return failure;
@@ -459,7 +461,30 @@ MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
     return Send(*FindDevice(FromBorderText(action.device)), FromBorderText(action.command), inputs, outcome);
 }
 
+MaybeFailure Session::Work(const PeerDeed& deed, QString* result) {
+    Peer* peer = m_peers.Find(deed.peer);
+    if (peer == nullptr)
+        return NoPeer(deed.peer);
+    const QString problem = peer->Do(deed, AnswerTime(m_options.timeout), result);
+    if (problem.isEmpty())
+        return std::nullopt;
+    return Failure{Interrupt::HasCome() ? kExitNoAnswer : kExitScriptFailed,
+                   QStringLiteral("peer %1: %2").arg(deed.peer, problem)};
+}
+
+MaybeFailure Session::WaitForFrame(const PeerReceipt& receipt, std::chrono::milliseconds limit) {
+    Peer* peer = m_peers.Find(receipt.peer);
+    if (peer == nullptr)
+        return NoPeer(receipt.peer);
+    const QString problem = peer->WaitFor(receipt, limit);
+    return problem.isEmpty() ? MaybeFailure()
+                             : Failure{kExitNoAnswer, QStringLiteral("peer %1: %2").arg(receipt.peer, problem)};
+}
+
 MaybeFailure Session::WaitFor(const ShowWait& wait) {
+    const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : AnswerTime(m_options.timeout);
+    if (wait.receipt)
+        return WaitForFrame(*wait.receipt, limit);
     const QString never = ValueCheck(m_show).WhyNeverHolds(wait.until);
     if (!never.isEmpty())
         return Failure{kExitBadUse, Quoted(wait.until.name) + QLatin1Char(' ') + never};
@@ -468,7 +493,6 @@ MaybeFailure Session::WaitFor(const ShowWait& wait) {
         return NoVariable(wait.until.name);
     if (!watch.Problem().isEmpty())
         return Failure{kExitBadUse, watch.Problem()};
-    const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : AnswerTime(m_options.timeout);
     if (MainWait::UntilInterrupted([&] { return watch.Holds(); }, limit))
         return std::nullopt;
     const QString state =
@@ -492,6 +516,13 @@ Failure NoDevice(const Show& show, const QString& name) {
     for (const auto& device : show.devices)
         known += device.name;
     return {kExitBadUse, QStringLiteral("the show has no device \"%1\"").arg(name) + NamesInstead(name, known)};
+}
+
+Failure Session::NoPeer(const QString& name) const {
+    QStringList known;
+    for (const auto& peer : m_show.peers)
+        known += peer.name;
+    return {kExitBadUse, QStringLiteral("the show has no peer \"%1\"").arg(name) + NamesInstead(name, known)};
 }
 
 Failure Session::NoVariable(const QString& name) const {
@@ -564,8 +595,10 @@ void Session::TellStopped() {
 }
 
 int Session::Close(int exitCode) {
-    if (!m_host)
+    if (!m_host) {
+        m_peers.End();
         return exitCode;
+    }
     const int lateCode = exitCode == kExitOk ? kExitNoAnswer : exitCode;
     EndDevices(lateCode);
     m_devices.clear();

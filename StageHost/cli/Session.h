@@ -44,10 +44,10 @@ public:
     /// Loads the module and makes the show's variables and devices.
     MaybeFailure Open(const Show& show);
 
-    /// Starts the peers of the show; before the first device.
-    MaybeFailure StartPeers();
+    /// Starts the peers of the show first, so that settings and ports can name them.
+    MaybeFailure OpenWithPeers(const Show& show);
 
-    /// Starts the peers and every device, and loads its script into it.
+    /// Starts every device, and loads its script into it.
     MaybeFailure Start();
 
     /// Starts one device. @return what is wrong when it does not come back in time.
@@ -102,6 +102,8 @@ public:
     /// Waits until a condition holds, as long as the wait says or for the limit of answers. A name that is not there,
     /// and a condition that can never hold, is a failure at once.
     MaybeFailure WaitFor(const ShowWait& wait);
+    /// Has a peer of the show do something. @param result receives what a call gave.
+    MaybeFailure Work(const PeerDeed& deed, QString* result);
     /// Lets a time pass while the show goes on. @return a failure when the user ends it.
     static MaybeFailure Pause(std::chrono::milliseconds time);
 
@@ -109,6 +111,7 @@ public:
 
     /// What is said to somebody who names what the show does not have, with the names that it has.
     Failure NoDevice(const QString& name) const { return stagehost::NoDevice(m_show, name); }
+    Failure NoPeer(const QString& name) const;
     Failure NoVariable(const QString& name) const;
     Failure NoObject(ObjectKind kind, const QString& name) const;
     Failure NoObject(const QString& name) const; ///< of any kind
@@ -144,6 +147,7 @@ private:
     std::vector<ThrownText> HearThrown(const Device& device, const std::function<void()>& work);
     QStringList JudgeThrown(const Device& device, std::vector<ThrownText> thrown, CommandOutcome& outcome);
     QStringList UsersPlace(const QString& device, const QStringList& place) const;
+    MaybeFailure WaitForFrame(const PeerReceipt& receipt, std::chrono::milliseconds limit);
     void TakeLine(const QString& line);
     void EndDevices(int lateCode);
     void TellStopped();

@@ -94,7 +94,7 @@ void PrintDevice(Device& device) {
 }
 
 MaybeFailure OpenWithScripts(Session& session, const Show& show, bool withScripts) {
-    if (auto failure = session.Open(show))
+    if (auto failure = session.OpenWithPeers(show))
         return failure;
     if (!withScripts)
         return std::nullopt;

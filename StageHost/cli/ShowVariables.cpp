@@ -52,7 +52,7 @@ void PrintVariables(const Options& options, const Variables& variables) {
 }
 
 MaybeFailure OpenAndChoose(Session& session, const Options& options, const Show& show, Variables& chosen) {
-    if (auto failure = session.Open(show))
+    if (auto failure = session.OpenWithPeers(show))
         return failure;
     if (auto failure = session.Start())
         return failure;

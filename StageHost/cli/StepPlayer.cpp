@@ -48,7 +48,9 @@ StepOutcome StepPlayer::Play(const ShowStep& step) {
         outcome.failure = PlayStored(step, outcome.command);
         return outcome;
     }
-    if (step.pause)
+    if (step.deed)
+        outcome.failure = PlayDeed(step, outcome.command);
+    else if (step.pause)
         outcome.failure = Session::Pause(std::chrono::milliseconds(*step.pause));
     else
         outcome.failure = step.wait ? m_session.WaitFor(*step.wait) : PlayAction(step.action);
@@ -68,6 +70,13 @@ MaybeFailure StepPlayer::PlayCommand(const ShowStep& step, CommandOutcome& outco
 
 MaybeFailure StepPlayer::PlayStored(const ShowStep& step, CommandOutcome& outcome) {
     const auto failure = m_session.SendStored(step.stored, &outcome);
+    return Compare(step, outcome, failure);
+}
+
+MaybeFailure StepPlayer::PlayDeed(const ShowStep& step, CommandOutcome& outcome) {
+    QString result;
+    const auto failure = m_session.Work(*step.deed, &result);
+    outcome.result = ToBorderText(result);
     return Compare(step, outcome, failure);
 }
 

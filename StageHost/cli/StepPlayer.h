@@ -20,6 +20,7 @@ public:
 private:
     MaybeFailure PlayCommand(const ShowStep& step, CommandOutcome& outcome);
     MaybeFailure PlayStored(const ShowStep& step, CommandOutcome& outcome);
+    MaybeFailure PlayDeed(const ShowStep& step, CommandOutcome& outcome);
     MaybeFailure PlayAction(const ActionSpec& action);
     MaybeFailure ReadInputs(const ShowStep& step, std::vector<ParameterInput>& inputs);
     MaybeFailure ReadInput(const ShowParameter& parameter, ParameterInput& input);

@@ -33,9 +33,24 @@ QStringList ParameterTexts(const ShowStep& step, const CommandDefinition* comman
     return texts;
 }
 
+QString DeedText(const PeerDeed& deed) {
+    if (!deed.deed.isEmpty())
+        return QStringLiteral("peer %1: %2 %3").arg(deed.peer, deed.deed, deed.with).trimmed();
+    QStringList arguments;
+    for (const QJsonValue argument : deed.arguments)
+        arguments += OneLine(argument.toString());
+    return QStringLiteral("peer %1: call %2 (%3)").arg(deed.peer, deed.function, arguments.join(QStringLiteral(", ")));
+}
+
 } // namespace
 
 QString ActionText(const ShowStep& step) {
+    if (step.deed)
+        return DeedText(*step.deed);
+    if (step.wait && step.wait->receipt)
+        return QStringLiteral("wait until peer %1 has received %2%3")
+            .arg(step.wait->receipt->peer, QLatin1String(step.wait->receipt->isPattern ? "a match of " : ""),
+                 OneLine(step.wait->receipt->text));
     if (!step.stored.isEmpty())
         return QStringLiteral("stored command ") + step.stored;
     if (step.pause)

@@ -50,7 +50,7 @@ MaybeFailure CheckNames(Session& session, const QStringList& names) {
 }
 
 MaybeFailure Open(Session& session, const Show& show, const QStringList& names) {
-    if (auto failure = session.Open(show))
+    if (auto failure = session.OpenWithPeers(show))
         return failure;
     if (auto failure = CheckCommands(session, show))
         return failure;

@@ -58,8 +58,9 @@ SerialPlan ReadSerial(const JsonNode& node) {
     SerialPlan plan;
     if (!node.ExpectObject(kSerialKeys))
         return plan;
-    plan.port = Of(node, "port").Text();
-    if (plan.port.isEmpty())
+    const bool isPeers = Of(node, "port").IsObject(); // read with the peers
+    plan.port = isPeers ? QString() : Of(node, "port").Text();
+    if (plan.port.isEmpty() && !isPeers)
         Of(node, "port").Complain(QStringLiteral("expected the name of a port, such as /dev/ttyUSB0"));
     ReadSetting(Of(node, "baudRate"), plan.settings, SerialSetting::BaudRate, 50, 4000000);
     ReadSetting(Of(node, "dataSize"), plan.settings, SerialSetting::DataSize, 5, 8);

@@ -20,6 +20,11 @@ const ShowDevice* Show::FindDevice(const QString& deviceName) const {
     return found == devices.end() ? nullptr : &*found;
 }
 
+const ShowPeer* Show::FindPeer(const QString& peerName) const {
+    const auto found = std::find_if(peers.begin(), peers.end(), [&](const auto& peer) { return peer.name == peerName; });
+    return found == peers.end() ? nullptr : &*found;
+}
+
 Show EmptyShow(const QString& folder) {
     Show show;
     show.folder = QDir(folder).absolutePath();

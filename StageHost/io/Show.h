@@ -10,6 +10,7 @@
 #include "Condition.h"
 #include "HardwareSpec.h"
 #include "HostSettings.h"
+#include "ShowPeer.h"
 #include "ShowSpec.h"
 #include "ValueSpec.h"
 
@@ -24,18 +25,13 @@ struct ShowDevice {
     Conduct conduct = Conduct::Normal;
     QString driverFile;                                ///< the script of which the setup is made; named as scriptFile
     std::vector<std::pair<QString, QString>> settings; ///< names and texts that stand over the setup, see SettingRule
+    std::vector<std::pair<QString, PeerAddress>> peerSettings{}; ///< the same, with what is known once the peers run
 };
 
 /// A stored command of a show, see StoredCommandXml.
 struct ShowStoredCommand {
     QString name;
     QString xml;
-};
-
-/// A program that stands for the other end of a device's line, and runs as long as the show does.
-struct ShowPeer {
-    QString name;
-    QStringList run; ///< the program and its words; a program with a "/" is a file of the show's folder, or absolute
 };
 
 /// What a step gives to one parameter of its command.
@@ -55,7 +51,8 @@ struct ShowParameter {
 /// Something that has to become so.
 struct ShowWait {
     Condition until;
-    std::optional<int> within; ///< ms; the limit for answers when it is not given
+    std::optional<int> within{};          ///< ms; the limit for answers when it is not given
+    std::optional<PeerReceipt> receipt{}; ///< in the place of the condition
 };
 
 /// One step of a show: a command and what is expected of it, something else that the show does, or a wait.
@@ -70,6 +67,7 @@ struct ShowStep {
     std::optional<ShowWait> wait;
     std::optional<int> pause; ///< ms in which nothing is done
     QString stored;           ///< a stored command by its name, sent as a command is; empty: none
+    std::optional<PeerDeed> deed; ///< of a peer; the expected result is that of its call
 };
 
 /// How "stagehost test" plays a show.
@@ -88,6 +86,7 @@ struct Show {
     HardwareSpec resources;
     std::vector<ValueSpec> variables;
     std::vector<ShowPeer> peers;
+    std::vector<std::pair<std::size_t, PeerAddress>> peerPorts; ///< places of serial ports in the resources
     std::vector<ShowDevice> devices;
     std::vector<ShowStoredCommand> commands;
     ShowSpec objects; ///< tasks, cues, screens, groups, objects, shows
@@ -99,6 +98,8 @@ struct Show {
 
     /// The device of that name, or null.   [any]
     const ShowDevice* FindDevice(const QString& deviceName) const;
+
+    const ShowPeer* FindPeer(const QString& peerName) const;
 };
 
 /// Names of the host's folders in show files, each with its number.

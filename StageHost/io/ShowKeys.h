@@ -71,7 +71,7 @@ inline constexpr ShowKey kResourceKeys[] = {
 };
 
 inline constexpr ShowKey kSerialKeys[] = {
-    {"port", "text", true,
+    {"port", "text | peerAddress", true,
      "the system's name of the port, or one that begins with \"./\" for a port in the show's folder"},
     {"baudRate", "whole(50,4000000)", false, "until a script sets another one"},
     {"parity", "\"none\" \"odd\" \"even\"", false, "until a script sets another one"},
@@ -127,7 +127,18 @@ inline constexpr ShowKey kVariableKeys[] = {
 
 inline constexpr ShowKey kPeerKeys[] = {
     {"name", "text", true, "its name in what is told of it"},
-    {"run", "[scalar]", true, "the program and its words; a program with a \"/\" is relative to the show"},
+    {"script", "text", false, "a script that plays the device, see docs/counterparts.md"},
+    {"replay", "text", false, "a file of what was said on a line, that is said again"},
+    {"run", "[scalar]", false, "a program and its words; a program with a \"/\" is relative to the show"},
+    {"options", "{scalar}", false, "of a script: values by the names that it asks for"},
+    {"seed", "whole(0)", false, "of a script: the same chance in each run"},
+};
+
+inline constexpr ShowKey kPeerAddressKeys[] = {
+    {"peer", "text", true, "the peer that is reached there"},
+    {"endpoint", "text", false, "which of its endpoints, where it has several"},
+    {"of", "\"host\" \"port\" \"path\" \"address\" \"url\"", false,
+     "what of it; what fits the setting's name if not given"},
 };
 
 inline constexpr ShowKey kDeviceKeys[] = {
@@ -136,7 +147,7 @@ inline constexpr ShowKey kDeviceKeys[] = {
     {"script", "text", false, "a script file that is loaded after the start"},
     {"scriptText", "text", false, "a script that is loaded after the start"},
     {"setup", "text", false, "the device's own setup text, as it gave it"},
-    {"settings", "{scalar}", false, "values that stand over the setup"},
+    {"settings", "{scalar | peerAddress}", false, "values that stand over the setup"},
     {"requests", "\"normal\" \"refused\" \"neverEnd\"", false, "how the device takes what scripts ask of it"},
 };
 
@@ -231,12 +242,21 @@ inline constexpr ShowKey kStepKeys[] = {
     {"cue", "text", false, "a cue is run"},
     {"wait", "wait", false, "something is waited for"},
     {"pause", "whole(1)", false, "ms in which nothing is done"},
+    {"peer", "text", false, "a peer of the show does something"},
+    {"do", "\"leave\" \"return\" \"stall\" \"resume\" \"lie\" \"obey\"", false,
+     "it is gone, comes back, neither reads nor speaks, goes on, misbehaves, behaves again"},
+    {"with", "\"late\" \"cut\" \"repeat\" \"reset\" \"silence\" \"nonsense\"", false, "how it misbehaves"},
+    {"call", "text", false, "in the place of \"do\": a function of its script"},
+    {"args", "[scalar]", false, "what that is called with"},
 };
 
 inline constexpr ShowKey kWaitKeys[] = {
     {"until", "text", false, "what has to be so: NAME=VALUE, or with !=, <, <=, >, >= or ~ (a pattern)"},
     {"variable", "text", false, "in its place a variable, a channel or another resource"},
     {"value", "scalar", false, "and its value in the text form, or the state of a resource"},
+    {"peer", "text", false, "in the place of all that a peer of the show"},
+    {"received", "text", false, "has received this frame, behind the one that was waited for before"},
+    {"matches", "text", false, "or one that this pattern finds something in"},
     {"within", "whole(1)", false, "ms; the limit for answers if not given"},
 };
 
@@ -282,6 +302,7 @@ inline constexpr ShowObjectKeys kShowObjects[] = {
     Keys("channel", kChannelKeys),
     Keys("variable", kVariableKeys),
     Keys("peer", kPeerKeys),
+    Keys("peerAddress", kPeerAddressKeys),
     Keys("device", kDeviceKeys),
     Keys("storedCommand", kStoredCommandKeys),
     Keys("task", kTaskKeys),

@@ -12,6 +12,7 @@
 #include "HardwareReader.h"
 #include "NameCheck.h"
 #include "NearNames.h"
+#include "PeersReader.h"
 #include "ShowClock.h"
 #include "ShowKeys.h"
 #include "StoredCommandXml.h"
@@ -56,10 +57,12 @@ void ShowReader::ReadShow(const JsonNode& root) {
     ReadTest(root.Member(QStringLiteral("test")));
     ReadHost(root.Member(QStringLiteral("host")));
     ReadFolders(root.Member(QStringLiteral("folders")));
-    HardwareReader(m_show.resources).Read(root.Member(QStringLiteral("resources")));
+    PeersReader(m_show).Read(root.Member(QStringLiteral("peers")));
+    const JsonNode resources = root.Member(QStringLiteral("resources"));
+    HardwareReader(m_show.resources).Read(resources);
     FindOwnPorts();
+    ReadPeerPorts(resources);
     root.Member(QStringLiteral("variables")).ForEach([this](const JsonNode& node) { ReadVariable(node); });
-    root.Member(QStringLiteral("peers")).ForEach([this](const JsonNode& node) { ReadPeer(node); });
     root.Member(QStringLiteral("devices")).ForEach([this](const JsonNode& node) { ReadDevice(node); });
     root.Member(QStringLiteral("commands")).ForEach([this](const JsonNode& node) { ReadStoredCommand(node); });
     ObjectsReader objects(m_show);
@@ -73,6 +76,17 @@ void ShowReader::FindOwnPorts() {
         auto* serial = std::get_if<SerialPlan>(&resource.plan);
         if (serial != nullptr && serial->port.startsWith(QLatin1String("./")))
             serial->port = m_show.Path(serial->port);
+    }
+}
+
+/// Serial ports that a peer makes; which they are is known once it runs.
+void ShowReader::ReadPeerPorts(const JsonNode& resources) {
+    std::size_t place = 0;
+    for (const JsonNode& resource : resources.Items()) {
+        const JsonNode port = resource.Member(QStringLiteral("serial")).Member(QStringLiteral("port"));
+        if (port.IsObject())
+            m_show.peerPorts.emplace_back(place, PeersReader(m_show).ReadAddress(port));
+        ++place;
     }
 }
 
@@ -162,28 +176,14 @@ void ShowReader::ReadTest(const JsonNode& node) {
         clock.Complain(QStringLiteral("not a time of day"));
 }
 
-void ShowReader::ReadPeer(const JsonNode& node) {
-    if (!node.ExpectObject(kPeerKeys))
-        return;
-    const JsonNode run = node.Member(QStringLiteral("run"));
-    ShowPeer peer{node.Member(QStringLiteral("name")).Text(), {}};
-    CheckName(node.Member(QStringLiteral("name")), ToBorderText(peer.name), "a peer");
-    run.ForEach([&](const JsonNode& word) { peer.run += word.Scalar(); });
-    const QString program = peer.run.value(0);
-    if (program.isEmpty())
-        run.Complain(QStringLiteral("expected a program and its words"));
-    else if (program.contains(QLatin1Char('/')) && !QFileInfo(m_show.Path(program)).isFile())
-        run.Complain(QStringLiteral("there is no file ") + Quoted(program));
-    m_show.peers.push_back(peer);
-}
-
 void ShowReader::ReadDevice(const JsonNode& node) {
     if (!node.ExpectObject(kDeviceKeys))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     ShowDevice device{member("name").Text(),           member("script").Text(), member("scriptText").Text(),
                       member("setup").Text(),          ReadConduct(node),       member("driver").Text(),
-                      ReadSettings(member("settings"))};
+                      {}};
+    ReadSettings(member("settings"), device);
     CheckName(member("name"), member("name").Border(device.name), "a device");
     if (m_show.FindDevice(device.name) != nullptr)
         member("name").Complain(QStringLiteral("another device has this name"));
@@ -197,7 +197,7 @@ void ShowReader::ReadDevice(const JsonNode& node) {
         member("script").Complain(QStringLiteral("there is no file ") + Quoted(device.scriptFile));
     if (!device.driverFile.isEmpty() && !QFileInfo(m_show.Path(device.driverFile)).isFile())
         member("driver").Complain(QStringLiteral("there is no file ") + Quoted(device.driverFile));
-    if (!device.settings.empty() && device.driverFile.isEmpty() && device.setup.isEmpty() &&
+    if (!(device.settings.empty() && device.peerSettings.empty()) && device.driverFile.isEmpty() && device.setup.isEmpty() &&
         device.scriptFile.isEmpty() && device.scriptText.isEmpty())
         member("settings").Complain(QStringLiteral("the device has neither a driver nor a script that has settings"));
     m_show.devices.push_back(device);
@@ -217,12 +217,15 @@ QString ShowReader::NoVariable(const QString& name) const {
     return QStringLiteral("there is no variable ") + Quoted(name) + NamesInstead(name, known);
 }
 
-std::vector<std::pair<QString, QString>> ShowReader::ReadSettings(const JsonNode& node) {
+void ShowReader::ReadSettings(const JsonNode& node, ShowDevice& device) {
     node.ExpectObjectOfAny();
-    std::vector<std::pair<QString, QString>> settings;
-    for (const QString& name : node.MemberNames())
-        settings.emplace_back(name, node.Member(name).Scalar());
-    return settings;
+    for (const QString& name : node.MemberNames()) {
+        const JsonNode value = node.Member(name);
+        if (value.IsObject())
+            device.peerSettings.emplace_back(name, PeersReader(m_show).ReadAddress(value));
+        else
+            device.settings.emplace_back(name, value.Scalar());
+    }
 }
 
 void ShowReader::ReadStoredCommand(const JsonNode& node) {
@@ -253,10 +256,10 @@ void ShowReader::ReadStep(const JsonNode& node, ObjectsReader& objects) {
     step.say = member("say").Text();
     const auto given = [&](const char* name) { return member(name).IsMissing() ? 0 : 1; };
     if (given("device") + given("stored") + given("set") + given("ramp") + given("task") + given("cue") +
-            given("wait") + given("pause") !=
+            given("wait") + given("pause") + given("peer") !=
         1)
-        node.Complain(QStringLiteral(
-            "expected one of \"device\", \"stored\", \"set\", \"ramp\", \"task\", \"cue\", \"wait\" and \"pause\""));
+        node.Complain(QStringLiteral("expected one of \"device\", \"stored\", \"set\", \"ramp\", \"task\", \"cue\", "
+                                     "\"wait\", \"pause\" and \"peer\""));
     else if (member("device").IsMissing())
         ReadOtherStep(node, objects, step);
     else
@@ -267,9 +270,19 @@ void ShowReader::ReadStep(const JsonNode& node, ObjectsReader& objects) {
 void ShowReader::ReadOtherStep(const JsonNode& node, ObjectsReader& objects, ShowStep& step) {
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
     const bool sends = !member("stored").IsMissing();
+    const bool works = !member("peer").IsMissing();
     for (const char* name : {"command", "params", "expect"}) {
-        if (!member(name).IsMissing() && !(sends && QLatin1String(name) == QLatin1String("expect")))
+        if (!member(name).IsMissing() && !((sends || works) && QLatin1String(name) == QLatin1String("expect")))
             member(name).Complain(QStringLiteral("needs a \"device\""));
+    }
+    for (const char* name : {"do", "with", "call", "args"}) {
+        if (!member(name).IsMissing() && !works)
+            member(name).Complain(QStringLiteral("needs a \"peer\""));
+    }
+    if (works) {
+        step.deed = PeersReader(m_show).ReadDeed(node);
+        ReadExpectation(node, step);
+        return;
     }
     if (sends) {
         objects.CheckStored(member("stored"));
@@ -290,6 +303,16 @@ void ShowReader::ReadWait(const JsonNode& wait, const ObjectsReader& objects, Sh
     if (wait.IsMissing() || !wait.ExpectObject(kWaitKeys))
         return;
     step.wait.emplace();
+    step.wait->within = wait.Member(QStringLiteral("within")).Whole(1);
+    for (const char* name : {"received", "matches"}) {
+        const JsonNode member = wait.Member(QLatin1String(name));
+        if (!member.IsMissing() && wait.Member(QStringLiteral("peer")).IsMissing())
+            member.Complain(QStringLiteral("needs a \"peer\""));
+    }
+    if (!wait.Member(QStringLiteral("peer")).IsMissing()) {
+        step.wait->receipt = PeersReader(m_show).ReadReceipt(wait);
+        return;
+    }
     const JsonNode until = wait.Member(QStringLiteral("until"));
     const JsonNode variable = wait.Member(QStringLiteral("variable"));
     const JsonNode value = wait.Member(QStringLiteral("value"));
@@ -306,7 +329,6 @@ void ShowReader::ReadWait(const JsonNode& wait, const ObjectsReader& objects, Sh
             objects.CheckAwaited(until, step.wait->until.name);
     }
     (until.IsMissing() ? value : until).ComplainUnlessEmpty(objects.Values().WhyNeverHolds(step.wait->until));
-    step.wait->within = wait.Member(QStringLiteral("within")).Whole(1);
 }
 
 void ShowReader::ReadCommandStep(const JsonNode& node, ShowStep& step) {

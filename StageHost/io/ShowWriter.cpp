@@ -64,8 +64,56 @@ QJsonObject WriteVariable(const ValueSpec& variable) {
     return object;
 }
 
+QJsonObject WritePairs(const std::vector<std::pair<QString, QString>>& pairs) {
+    QJsonObject object;
+    for (const auto& [name, text] : pairs)
+        object.insert(name, text);
+    return object;
+}
+
 QJsonObject WritePeer(const ShowPeer& peer) {
-    return {{QStringLiteral("name"), peer.name}, {QStringLiteral("run"), QJsonArray::fromStringList(peer.run)}};
+    QJsonObject object{{QStringLiteral("name"), peer.name}};
+    if (peer.kind == ShowPeer::Kind::Program)
+        object.insert(QStringLiteral("run"), QJsonArray::fromStringList(peer.run));
+    InsertText(object, peer.kind == ShowPeer::Kind::Script ? "script" : "replay", peer.file);
+    if (!peer.options.empty())
+        object.insert(QStringLiteral("options"), WritePairs(peer.options));
+    if (peer.seed)
+        object.insert(QStringLiteral("seed"), *peer.seed);
+    return object;
+}
+
+QJsonObject WriteAddress(const PeerAddress& address) {
+    QJsonObject object{{QStringLiteral("peer"), address.peer}};
+    InsertText(object, "endpoint", address.endpoint);
+    for (const PeerPartName& row : kPeerParts)
+        if (row.part == address.part)
+            object.insert(QStringLiteral("of"), QLatin1String(row.name));
+    return object;
+}
+
+QJsonArray WriteResources(const Show& show) {
+    std::vector<QJsonObject> resources;
+    for (const ResourceSpec& resource : show.resources)
+        resources.push_back(WriteResource(resource));
+    for (const auto& [place, address] : show.peerPorts) {
+        QJsonObject serial = resources[place].value(QStringLiteral("serial")).toObject();
+        serial.insert(QStringLiteral("port"), WriteAddress(address));
+        resources[place].insert(QStringLiteral("serial"), serial);
+    }
+    QJsonArray list;
+    for (const QJsonObject& resource : resources)
+        list.append(resource);
+    return list;
+}
+
+void WriteDeed(const PeerDeed& deed, QJsonObject& object) {
+    object.insert(QStringLiteral("peer"), deed.peer);
+    InsertText(object, "do", deed.deed);
+    InsertText(object, "with", deed.with);
+    InsertText(object, "call", deed.function);
+    if (!deed.arguments.isEmpty())
+        object.insert(QStringLiteral("args"), deed.arguments);
 }
 
 QJsonObject WriteDevice(const ShowDevice& device) {
@@ -74,9 +122,9 @@ QJsonObject WriteDevice(const ShowDevice& device) {
     InsertText(object, "scriptText", device.scriptText);
     InsertText(object, "driver", device.driverFile);
     InsertText(object, "setup", device.setup);
-    QJsonObject settings;
-    for (const auto& [name, text] : device.settings)
-        settings.insert(name, text);
+    QJsonObject settings = WritePairs(device.settings);
+    for (const auto& [name, address] : device.peerSettings)
+        settings.insert(name, WriteAddress(address));
     if (!settings.isEmpty())
         object.insert(QStringLiteral("settings"), settings);
     WriteConduct(device.conduct, object);
@@ -104,7 +152,10 @@ QJsonValue WriteParameter(const ShowParameter& parameter) {
 
 QJsonObject WriteWait(const ShowWait& wait) {
     QJsonObject object;
-    if (wait.until.comparison == Comparison::Is)
+    if (wait.receipt)
+        object = {{QStringLiteral("peer"), wait.receipt->peer},
+                  {wait.receipt->isPattern ? QStringLiteral("matches") : QStringLiteral("received"), wait.receipt->text}};
+    else if (wait.until.comparison == Comparison::Is)
         object = {{QStringLiteral("variable"), wait.until.name}, {QStringLiteral("value"), wait.until.value}};
     else
         object = {{QStringLiteral("until"), wait.until.Text()}};
@@ -124,6 +175,8 @@ QJsonObject WriteStep(const ShowStep& step) {
         object.insert(QStringLiteral("wait"), WriteWait(*step.wait));
     if (step.pause)
         object.insert(QStringLiteral("pause"), *step.pause);
+    if (step.deed)
+        WriteDeed(*step.deed, object);
     QJsonObject parameters;
     for (const auto& parameter : step.parameters)
         parameters.insert(parameter.name, WriteParameter(parameter));
@@ -167,7 +220,7 @@ QByteArray WriteShow(const Show& show) {
     if (!folders.isEmpty())
         root.insert(QStringLiteral("folders"), folders);
     if (!show.resources.empty())
-        root.insert(QStringLiteral("resources"), WriteList(show.resources, &WriteResource));
+        root.insert(QStringLiteral("resources"), WriteResources(show));
     root.insert(QStringLiteral("variables"), WriteList(show.variables, &WriteVariable));
     if (!show.peers.empty())
         root.insert(QStringLiteral("peers"), WriteList(show.peers, &WritePeer));
