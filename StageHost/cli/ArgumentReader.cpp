@@ -36,6 +36,8 @@ constexpr OptionRow kOptions[] = {
     {"strict", nullptr, nullptr, "check: a note counts as a failure"},
     {"wait", nullptr, "NAME=VALUE",
      "send: wait first until this is so, also with !=, <, <=, >, >= or ~; may stand more than once"},
+    {"listen", nullptr, "[HOST:]PORT", "counterpart: be reached there (any free port of 127.0.0.1)"},
+    {"seed", nullptr, "N", "counterpart: draw the same chance as another run with this number"},
     {"window", nullptr, nullptr, "setup: let the user change the device's setup in its dialog"},
     {"help", "h", nullptr, "this help"},
     {"version", "v", nullptr, "the version of stagehost"},
@@ -111,6 +113,7 @@ QString ArgumentReader::Read(const QStringList& typed) {
     m_options.keepGoing = isSet("keep-going");
     m_options.tap = isSet("tap");
     m_options.junitFile = value("junit");
+    m_options.listen = value("listen");
     m_options.waits = parser.values(QStringLiteral("wait"));
     m_options.window = isSet("window");
     m_options.reload = isSet("reload");
@@ -137,7 +140,7 @@ QString ArgumentReader::Read(const QStringList& typed) {
         {"timeout", &ArgumentReader::ReadTimeout}, {"log-level", &ArgumentReader::ReadLevel},
         {"link", &ArgumentReader::ReadLink},       {"speed", &ArgumentReader::ReadSpeed},
         {"clock", &ArgumentReader::ReadClockTime}, {"within", &ArgumentReader::ReadWithin},
-        {"jobs", &ArgumentReader::ReadJobs}};
+        {"jobs", &ArgumentReader::ReadJobs},     {"seed", &ArgumentReader::ReadSeed}};
     for (const auto& [name, read] : kValues) {
         const QString problem = isSet(name) ? (this->*read)(value(name)) : QString();
         if (!problem.isEmpty())
@@ -232,6 +235,12 @@ QString ArgumentReader::WhyNoClock(const char* option) const {
     const bool has = std::any_of(std::begin(kWithClock), std::end(kWithClock),
                                  [&](const char* name) { return m_options.command == QLatin1String(name); });
     return has ? QString() : QStringLiteral("--%1 is for run, watch and test").arg(QLatin1String(option));
+}
+
+QString ArgumentReader::ReadSeed(const QString& text) {
+    bool isNumber = false;
+    m_options.seed = text.toUInt(&isNumber);
+    return isNumber ? QString() : QStringLiteral("--seed needs a whole number from 0 on, not \"%1\"").arg(text);
 }
 
 QString ArgumentReader::ReadLink(const QString& text) {

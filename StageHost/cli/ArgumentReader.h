@@ -21,6 +21,7 @@ public:
 private:
     static int OwnWords(const QStringList& words);
     QString ReadTimeout(const QString& text);
+    QString ReadSeed(const QString& text);
     QString ReadLink(const QString& text);
     QString ReadLevel(const QString& text);
     QString ReadSpeed(const QString& text);

@@ -9,7 +9,7 @@ namespace {
 /// "Select graphic rendition" of ECMA-48, by Ink.
 constexpr const char* kRenditions[] = {"1", "32", "31", "33", "2"};
 
-bool HasColors(Channel channel) {
+bool HasColors(StandardChannel channel) {
     return IsTerminal(channel) && qgetenv("NO_COLOR").isEmpty() && qgetenv("TERM") != "dumb";
 }
 
@@ -20,12 +20,12 @@ QString InColor(Ink ink, const QString& text) {
 } // namespace
 
 QString OnOutput(Ink ink, const QString& text) {
-    static const bool hasColors = HasColors(Channel::Output);
+    static const bool hasColors = HasColors(StandardChannel::Output);
     return hasColors && !text.isEmpty() ? InColor(ink, text) : text;
 }
 
 QString OnErrors(Ink ink, const QString& text) {
-    static const bool hasColors = HasColors(Channel::Error);
+    static const bool hasColors = HasColors(StandardChannel::Error);
     return hasColors && !text.isEmpty() ? InColor(ink, text) : text;
 }
 

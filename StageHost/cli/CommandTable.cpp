@@ -82,6 +82,11 @@ constexpr Command kCommands[] = {
      "stagehost store show.json \"Half light\" desk \"Fade to\" level=50 seconds=2\n"
      "stagehost store show.json Follow desk \"Fade to\" level:=Level   (the variable Level stands for the parameter)",
      4, kAny, &StoreCommand},
+    {"counterpart", "FILE.js [NAME=VALUE...]",
+     "plays a device that is not there, as a script says; shows start such peers by themselves",
+     "stagehost counterpart fake-beamer.js\n"
+     "stagehost counterpart --listen 4352 --seed 7 fake-beamer.js password=secret",
+     1, kAny, &PlayCounterpart},
     {"declarations", "", "prints what a script sees as a TypeScript declaration file, for other editors",
      "stagehost declarations > calverin.d.ts", 0, 0, &PrintDeclarations},
     {"schema", "", "prints the JSON Schema of show files, for other editors and programs",

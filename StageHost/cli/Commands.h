@@ -23,5 +23,6 @@ int KeepSetups(const Options& options);
 int ShowPanel(const Options& options);
 int StoreCommand(const Options& options);
 int UpdateCommands(const Options& options);
+int PlayCounterpart(const Options& options);
 
 } // namespace stagehost

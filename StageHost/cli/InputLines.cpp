@@ -16,7 +16,7 @@ InputLines::InputLines() {
     if (m_ended)
         return;
     m_notifier = std::make_unique<QSocketNotifier>(m_input.handle(), QSocketNotifier::Read);
-    if (IsTerminal(Channel::Input) && IsTerminal(Channel::Output))
+    if (IsTerminal(StandardChannel::Input) && IsTerminal(StandardChannel::Output))
         m_editor = std::make_unique<LineEditor>([this](const QString* line) { TakeTyped(line); });
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
                      [this] { m_editor ? m_editor->Read() : Read(); });

@@ -243,7 +243,8 @@ LineOutcome LiveShow::PeerLine(const QStringList& words) {
     if (word == QLatin1String("received") || word == QLatin1String("matches"))
         return PeerFrame(words);
     PeerDeed deed{words.at(0), word, {}, {}, {}};
-    QStringList known = WordList(kPeerDeeds) << QStringLiteral("call") << QStringLiteral("received") << QStringLiteral("matches");
+    QStringList known = WordList(kPeerDeeds)
+                        << QStringLiteral("call") << QStringLiteral("received") << QStringLiteral("matches");
     if (!known.contains(word))
         return {kExitBadUse, QStringLiteral("a peer knows no \"%1\"").arg(word) + NamesInstead(word, known)};
     if (word == QLatin1String("call")) {
@@ -254,11 +255,13 @@ LineOutcome LiveShow::PeerLine(const QStringList& words) {
         deed.with = words.value(2);
         known = WordList(kPeerLies);
         if (!known.contains(deed.with))
-            return {kExitBadUse, QStringLiteral("a peer cannot lie with \"%1\"").arg(deed.with) + NamesInstead(deed.with, known)};
+            return {kExitBadUse,
+                    QStringLiteral("a peer cannot lie with \"%1\"").arg(deed.with) + NamesInstead(deed.with, known)};
     }
     const int most = deed.deed.isEmpty() ? words.size() : (deed.with.isEmpty() ? 2 : 3);
     if (words.size() > most || (deed.deed.isEmpty() && deed.function.isEmpty()))
-        return {kExitBadUse, QStringLiteral("the form is: peer NAME %1%2").arg(word, QLatin1String(deed.deed.isEmpty() ? " FUNCTION [ARG...]" : ""))};
+        return {kExitBadUse, QStringLiteral("the form is: peer NAME %1%2")
+                                 .arg(word, QLatin1String(deed.deed.isEmpty() ? " FUNCTION [ARG...]" : ""))};
     QString result;
     const auto failure = m_session.Work(deed, &result);
     return OutcomeOf(failure, result);

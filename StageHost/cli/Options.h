@@ -18,12 +18,14 @@ struct Options {
     Link link = Link::Both;
     bool json = false;
     bool log = false;
-    QStringList logDevices; ///< of --log=DEVICE; empty for all
-    int leastLevel = 0;     ///< place in kLogLevels from which on lines of the log are shown
-    bool strict = false;    ///< of `check`
-    bool keepGoing = false; ///< of `run`
-    bool tap = false;       ///< of `run`
-    QString junitFile;      ///< of `run`; empty: none
+    QStringList logDevices;        ///< of --log=DEVICE; empty for all
+    int leastLevel = 0;            ///< place in kLogLevels from which on lines of the log are shown
+    bool strict = false;           ///< of `check`
+    bool keepGoing = false;        ///< of `run`
+    bool tap = false;              ///< of `run`
+    QString junitFile;             ///< of `run`; empty: none
+    QString listen;                ///< of `counterpart` and `replay`: [HOST:]PORT; empty: any free port
+    std::optional<quint64> seed{}; ///< of what is drawn by chance
     bool window = false;
     bool reload = false;
     QStringList waits; ///< of `send`: conditions

@@ -13,7 +13,7 @@ constexpr int kTickMs = 1000;
 } // namespace
 
 StepTicker::StepTicker() {
-    if (!IsTerminal(Channel::Output) || !IsTerminal(Channel::Error))
+    if (!IsTerminal(StandardChannel::Output) || !IsTerminal(StandardChannel::Error))
         return;
     m_clock.start();
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { Show(); });

@@ -21,7 +21,8 @@ const ShowDevice* Show::FindDevice(const QString& deviceName) const {
 }
 
 const ShowPeer* Show::FindPeer(const QString& peerName) const {
-    const auto found = std::find_if(peers.begin(), peers.end(), [&](const auto& peer) { return peer.name == peerName; });
+    const auto found =
+        std::find_if(peers.begin(), peers.end(), [&](const auto& peer) { return peer.name == peerName; });
     return found == peers.end() ? nullptr : &*found;
 }
 

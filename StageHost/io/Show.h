@@ -65,8 +65,8 @@ struct ShowStep {
     std::optional<QString> expectedError; ///< the step has to fail with this text
     ActionSpec action;                    ///< variables, a task or a cue; never a command
     std::optional<ShowWait> wait;
-    std::optional<int> pause; ///< ms in which nothing is done
-    QString stored;           ///< a stored command by its name, sent as a command is; empty: none
+    std::optional<int> pause;     ///< ms in which nothing is done
+    QString stored;               ///< a stored command by its name, sent as a command is; empty: none
     std::optional<PeerDeed> deed; ///< of a peer; the expected result is that of its call
 };
 

@@ -180,8 +180,12 @@ void ShowReader::ReadDevice(const JsonNode& node) {
     if (!node.ExpectObject(kDeviceKeys))
         return;
     const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
-    ShowDevice device{member("name").Text(),           member("script").Text(), member("scriptText").Text(),
-                      member("setup").Text(),          ReadConduct(node),       member("driver").Text(),
+    ShowDevice device{member("name").Text(),
+                      member("script").Text(),
+                      member("scriptText").Text(),
+                      member("setup").Text(),
+                      ReadConduct(node),
+                      member("driver").Text(),
                       {}};
     ReadSettings(member("settings"), device);
     CheckName(member("name"), member("name").Border(device.name), "a device");
@@ -197,8 +201,8 @@ void ShowReader::ReadDevice(const JsonNode& node) {
         member("script").Complain(QStringLiteral("there is no file ") + Quoted(device.scriptFile));
     if (!device.driverFile.isEmpty() && !QFileInfo(m_show.Path(device.driverFile)).isFile())
         member("driver").Complain(QStringLiteral("there is no file ") + Quoted(device.driverFile));
-    if (!(device.settings.empty() && device.peerSettings.empty()) && device.driverFile.isEmpty() && device.setup.isEmpty() &&
-        device.scriptFile.isEmpty() && device.scriptText.isEmpty())
+    if (!(device.settings.empty() && device.peerSettings.empty()) && device.driverFile.isEmpty() &&
+        device.setup.isEmpty() && device.scriptFile.isEmpty() && device.scriptText.isEmpty())
         member("settings").Complain(QStringLiteral("the device has neither a driver nor a script that has settings"));
     m_show.devices.push_back(device);
 }

@@ -153,8 +153,9 @@ QJsonValue WriteParameter(const ShowParameter& parameter) {
 QJsonObject WriteWait(const ShowWait& wait) {
     QJsonObject object;
     if (wait.receipt)
-        object = {{QStringLiteral("peer"), wait.receipt->peer},
-                  {wait.receipt->isPattern ? QStringLiteral("matches") : QStringLiteral("received"), wait.receipt->text}};
+        object = {
+            {QStringLiteral("peer"), wait.receipt->peer},
+            {wait.receipt->isPattern ? QStringLiteral("matches") : QStringLiteral("received"), wait.receipt->text}};
     else if (wait.until.comparison == Comparison::Is)
         object = {{QStringLiteral("variable"), wait.until.name}, {QStringLiteral("value"), wait.until.value}};
     else

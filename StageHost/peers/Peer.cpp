@@ -178,8 +178,9 @@ QString Peer::WaitFor(const PeerReceipt& receipt, std::chrono::milliseconds limi
     for (QString& other : others)
         other = Shown(other);
     const QString wanted = (receipt.isPattern ? QStringLiteral("like ") : QString()) + Shown(receipt.text);
-    const QString state = QStringLiteral("has received %1, but should: %2")
-                              .arg(others.isEmpty() ? QStringLiteral("nothing") : others.join(QStringLiteral(", ")), wanted);
+    const QString state =
+        QStringLiteral("has received %1, but should: %2")
+            .arg(others.isEmpty() ? QStringLiteral("nothing") : others.join(QStringLiteral(", ")), wanted);
     if (!m_over.isEmpty())
         return QStringLiteral("%1; it %2").arg(state, m_over);
     return Interrupt::HasCome() ? QStringLiteral("interrupted while it ") + state

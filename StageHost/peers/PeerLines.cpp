@@ -41,8 +41,7 @@ void PeerLines::Take(const QByteArray& bytes) {
 }
 
 void PeerLines::TakeLine(const QByteArray& line) {
-    const QJsonObject object =
-        line.startsWith('{') ? QJsonDocument::fromJson(line).object() : QJsonObject();
+    const QJsonObject object = line.startsWith('{') ? QJsonDocument::fromJson(line).object() : QJsonObject();
     TakeObject(object);
     const bool fails = object.contains(QStringLiteral("problem"));
     m_ready = m_ready || !fails;

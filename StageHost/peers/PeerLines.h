@@ -18,8 +18,8 @@ struct PeerEndpoint {
     QString path; ///< of a serial line
 };
 
-/// What a peer tells on its standard output: first that it is ready, `{"ready":true,"tcp":PORT}`, then what matters to a
-/// test: frames that it has received, problems, answers to what it was told to do. A program that tells anything else
+/// What a peer tells on its standard output: first that it is ready, `{"ready":true,"tcp":PORT}`, then what matters to
+/// a test: frames that it has received, problems, answers to what it was told to do. A program that tells anything else
 /// is ready with its first line, and what it prints is left out. What is kept is bounded: of frames the last 10,000, of
 /// a line 1 MiB.   [host main]
 class PeerLines {
@@ -50,7 +50,7 @@ private:
     void TakeObject(const QJsonObject& object);
     void TakeReady(const QJsonObject& object);
 
-    QByteArray m_rest; ///< the begin of a line
+    QByteArray m_rest;    ///< the begin of a line
     bool m_skips = false; ///< the rest of a line that is too long
     bool m_ready = false;
     std::map<QString, PeerEndpoint> m_endpoints;

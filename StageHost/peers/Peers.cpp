@@ -108,9 +108,10 @@ QString Peers::WaitUntilReady(const Show& show) const {
             continue;
         if (Interrupt::HasCome())
             return QStringLiteral("interrupted before peer %1 was ready").arg(peer.Name());
-        return QStringLiteral("peer %1: %2").arg(
-            peer.Name(), peer.WhyOver().isEmpty() ? QStringLiteral("has not said within %1 ms that it is ready").arg(limit.count())
-                                                  : peer.WhyOver());
+        return QStringLiteral("peer %1: %2")
+            .arg(peer.Name(), peer.WhyOver().isEmpty()
+                                  ? QStringLiteral("has not said within %1 ms that it is ready").arg(limit.count())
+                                  : peer.WhyOver());
     }
     return {};
 }
@@ -146,9 +147,10 @@ QString Peers::TextOf(const PeerAddress& address, const QString& taker, QString&
         return QStringLiteral("peer %1 has no endpoint %2").arg(address.peer, Quoted(address.endpoint)) +
                NamesInstead(address.endpoint, lines.EndpointNames());
     text = PartText(*endpoint, address.part.value_or(PartFor(taker, *endpoint)));
-    return text.isEmpty() ? QStringLiteral("peer %1 is reached %2").arg(
-                                address.peer, endpoint->port == 0 ? QStringLiteral("by a serial line: it has a \"path\" alone")
-                                                                  : QStringLiteral("by the network: it has no \"path\""))
+    return text.isEmpty() ? QStringLiteral("peer %1 is reached %2")
+                                .arg(address.peer, endpoint->port == 0
+                                                       ? QStringLiteral("by a serial line: it has a \"path\" alone")
+                                                       : QStringLiteral("by the network: it has no \"path\""))
                           : QString();
 }
 

@@ -4,7 +4,7 @@
 
 namespace stagehost {
 
-bool IsTerminal(Channel channel) {
+bool IsTerminal(StandardChannel channel) {
     return isatty(static_cast<int>(channel)) == 1;
 }
 
