@@ -38,7 +38,7 @@ QString DeedText(const PeerDeed& deed) {
         return QStringLiteral("peer %1: %2 %3").arg(deed.peer, deed.deed, deed.with).trimmed();
     QStringList arguments;
     for (const QJsonValue argument : deed.arguments)
-        arguments += OneLine(argument.toString());
+        arguments += OneLine(argument.toVariant().toString());
     return QStringLiteral("peer %1: call %2 (%3)").arg(deed.peer, deed.function, arguments.join(QStringLiteral(", ")));
 }
 

@@ -62,6 +62,11 @@ QString JsonNode::Scalar() const {
     return TextWithoutNul();
 }
 
+QJsonValue JsonNode::ScalarValue() const {
+    const QString text = Scalar();
+    return m_value.isString() ? QJsonValue(text) : m_value;
+}
+
 JsonNode JsonNode::Member(const QString& name) const {
     return {m_value.toObject().value(name), m_path.isEmpty() ? name : m_path + QLatin1Char('.') + name, m_complaints};
 }

@@ -43,6 +43,9 @@ public:
     /// Text as it is, and numbers and truth values in their text form.
     QString Scalar() const;
 
+    /// The value itself, where it is a scalar; otherwise complains.
+    QJsonValue ScalarValue() const;
+
     /// The text without a complaint about its type: the neutral value for what is none.
     QString PlainText() const { return m_value.toString(); }
 

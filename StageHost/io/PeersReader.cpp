@@ -121,7 +121,7 @@ PeerDeed PeersReader::ReadDeed(const JsonNode& step) const {
     }
     if (calls) {
         deed.function = member("call").Text();
-        member("args").ForEach([&](const JsonNode& argument) { deed.arguments.append(argument.Scalar()); });
+        member("args").ForEach([&](const JsonNode& argument) { deed.arguments.append(argument.ScalarValue()); });
         const ShowPeer* peer = m_show.FindPeer(deed.peer);
         if (peer != nullptr && peer->kind != ShowPeer::Kind::Script)
             member("call").Complain(QStringLiteral("the peer has no \"script\""));

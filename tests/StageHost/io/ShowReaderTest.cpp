@@ -41,7 +41,8 @@ constexpr const char* kFullShow = R"json({
                                                 "source": "desk", "rate": 30, "continuous": true } },
         { "id": 3, "name": "console", "dmxIn": { "protocol": "artnet", "universe": 17, "at": "10.0.0.5", "port": 7000 } },
         { "id": 9, "name": "doors", "channels": { "digitalIn": ["stage", { "name": "foyer", "value": 1 }],
-                                                  "analogOut": [{ "name": "fan", "value": -5, "min": -10, "max": 10 }] } }
+                                                  "analogOut": [{ "name": "fan", "value": -5, "min": -10, "max": 10 }] } },
+        { "id": 10, "name": "line", "serial": { "port": { "peer": "once" } } }
     ],
     "variables": [
         { "name": "level", "type": "Integer", "value": 5, "min": 0, "max": 10 },
@@ -50,10 +51,13 @@ constexpr const char* kFullShow = R"json({
         { "name": "time", "type": "Time", "value": "00:00:01/00", "timeCodeType": 1 },
         { "name": "mode", "type": "Enum", "items": ["a", "b"], "value": "b" }
     ],
-    "peers": [{ "name": "fake desk", "run": ["python3", "peer.py", 4001] }],
+    "peers": [{ "name": "fake desk", "run": ["python3", "peer.py", 4001] },
+              { "name": "fake", "script": "desk.js", "options": { "warm": 3 }, "seed": 7 },
+              { "name": "once", "replay": "desk.js" }],
     "devices": [
         { "name": "desk", "script": "desk.js", "setup": "<setup/>",
-          "settings": { "port": 9000, "host": "x", "loud": true, "rate": 0.5 } },
+          "settings": { "port": 9000, "host": "x", "loud": true, "rate": 0.5, "away": { "peer": "fake" },
+                        "backup": { "peer": "fake", "endpoint": "control", "of": "address" } } },
         { "name": "lamp", "scriptText": "({})", "requests": "neverEnd" }
     ],
     "tasks": [
@@ -82,7 +86,11 @@ constexpr const char* kFullShow = R"json({
         { "say": "now", "task": "overture", "action": "pause" },
         { "cue": "thunder" },
         { "ramp": { "doors.fan": { "to": 9, "time": 250 } } },
-        { "wait": { "variable": "level", "value": 8, "within": 50 } }
+        { "wait": { "variable": "level", "value": 8, "within": 50 } },
+        { "peer": "fake", "do": "lie", "with": "late" },
+        { "peer": "fake", "call": "set", "args": [4, "x", true], "expect": { "result": "ok" } },
+        { "wait": { "peer": "once", "received": "a\r", "within": 60 } },
+        { "wait": { "peer": "once", "matches": "^a" } }
     ]
 })json";
 
@@ -129,7 +137,7 @@ TEST(ShowReader, ReadsEverythingThatAShowCanHold) {
     EXPECT_EQ(show->variables[4].items.size(), 2u);
     ASSERT_EQ(show->devices.size(), 2u);
     EXPECT_EQ(show->devices[0].setup, QStringLiteral("<setup/>"));
-    ASSERT_EQ(show->steps.size(), 7u);
+    ASSERT_EQ(show->steps.size(), 11u);
     EXPECT_EQ(show->steps[0].command, QStringLiteral("3"));
     ASSERT_EQ(show->steps[0].parameters.size(), 7u);
     EXPECT_EQ(show->steps[0].parameters[1].text, QStringLiteral("1.5"));
@@ -147,7 +155,7 @@ TEST(ShowReader, ReadsTheResourcesOfAShow) {
     ShowReader reader;
     const auto show = ReadFile(reader, WrittenFile(folder, "show.json", kFullShow));
     ASSERT_TRUE(show.has_value()) << reader.Complaints().join(QLatin1Char('\n')).toStdString();
-    ASSERT_EQ(show->resources.size(), 4u);
+    ASSERT_EQ(show->resources.size(), 5u);
     const auto& port = std::get<SerialPlan>(show->resources[0].plan);
     EXPECT_EQ(port.port, QStringLiteral("/dev/ttyS0"));
     EXPECT_EQ(port.settings.Get(SerialSetting::BaudRate), 19200u);
@@ -174,6 +182,43 @@ TEST(ShowReader, ReadsTheResourcesOfAShow) {
     EXPECT_EQ(doors[static_cast<std::size_t>(ChannelType::AnalogOut)][0].minimum, -10);
     ASSERT_EQ(show->steps[5].action.ramps.size(), 1u);
     EXPECT_EQ(show->steps[5].action.ramps[0].time, 250);
+}
+
+TEST(ShowReader, ReadsThePeersOfAShowAndWritesThemAgain) {
+    const QTemporaryDir folder;
+    WrittenFile(folder, "desk.js", "({})");
+    ShowReader reader;
+    const auto read = ReadFile(reader, WrittenFile(folder, "show.json", kFullShow));
+    ASSERT_TRUE(read.has_value()) << reader.Complaints().join(QLatin1Char('\n')).toStdString();
+    ShowReader second;
+    const auto again = second.Read(WriteShow(*read), read->file);
+    ASSERT_TRUE(again.has_value()) << second.Complaints().join(QLatin1Char('\n')).toStdString();
+    for (const Show& show : {*read, *again}) {
+        ASSERT_EQ(show.peers.size(), 3u);
+        EXPECT_EQ(show.peers[0].run.size(), 3);
+        EXPECT_EQ(show.peers[1].kind, ShowPeer::Kind::Script);
+        EXPECT_EQ(show.peers[1].file, QStringLiteral("desk.js"));
+        EXPECT_EQ(show.peers[1].options[0], (std::pair<QString, QString>(QStringLiteral("warm"), QStringLiteral("3"))));
+        EXPECT_EQ(show.peers[1].seed, 7);
+        EXPECT_EQ(show.peers[2].kind, ShowPeer::Kind::Replay);
+        ASSERT_EQ(show.devices[0].peerSettings.size(), 2u);
+        EXPECT_EQ(show.devices[0].peerSettings[0].second.peer, QStringLiteral("fake"));
+        EXPECT_EQ(show.devices[0].peerSettings[0].second.part, std::nullopt);
+        EXPECT_EQ(show.devices[0].peerSettings[1].second.endpoint, QStringLiteral("control"));
+        EXPECT_EQ(show.devices[0].peerSettings[1].second.part, PeerAddress::Part::Address);
+        ASSERT_EQ(show.peerPorts.size(), 1u);
+        EXPECT_EQ(show.peerPorts[0].first, 4u);
+        EXPECT_EQ(show.peerPorts[0].second.peer, QStringLiteral("once"));
+        EXPECT_EQ(show.steps[7].deed->deed, QStringLiteral("lie"));
+        EXPECT_EQ(show.steps[7].deed->with, QStringLiteral("late"));
+        EXPECT_EQ(show.steps[8].deed->function, QStringLiteral("set"));
+        EXPECT_EQ(show.steps[8].deed->arguments, (QJsonArray{4, QStringLiteral("x"), true}));
+        EXPECT_EQ(show.steps[8].expectedResult, QStringLiteral("ok"));
+        EXPECT_EQ(show.steps[9].wait->receipt->text, QStringLiteral("a\r"));
+        EXPECT_FALSE(show.steps[9].wait->receipt->isPattern);
+        EXPECT_EQ(show.steps[9].wait->within, 60);
+        EXPECT_TRUE(show.steps[10].wait->receipt->isPattern);
+    }
 }
 
 TEST(ShowReader, UniversesStayOnTheLoopbackUntilAnAddressIsNamed) {
