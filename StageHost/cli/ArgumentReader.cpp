@@ -140,7 +140,7 @@ QString ArgumentReader::Read(const QStringList& typed) {
         {"timeout", &ArgumentReader::ReadTimeout}, {"log-level", &ArgumentReader::ReadLevel},
         {"link", &ArgumentReader::ReadLink},       {"speed", &ArgumentReader::ReadSpeed},
         {"clock", &ArgumentReader::ReadClockTime}, {"within", &ArgumentReader::ReadWithin},
-        {"jobs", &ArgumentReader::ReadJobs},     {"seed", &ArgumentReader::ReadSeed}};
+        {"jobs", &ArgumentReader::ReadJobs},       {"seed", &ArgumentReader::ReadSeed}};
     for (const auto& [name, read] : kValues) {
         const QString problem = isSet(name) ? (this->*read)(value(name)) : QString();
         if (!problem.isEmpty())

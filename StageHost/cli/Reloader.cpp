@@ -17,7 +17,7 @@ namespace stagehost {
 namespace {
 
 constexpr std::chrono::milliseconds kLookAtFiles(100); // of the computer
-constexpr int kLooksUntilStill = 2;                  // an editor writes in several steps
+constexpr int kLooksUntilStill = 2;                    // an editor writes in several steps
 constexpr int kLooksForGone = 10; // one that replaces a file may take it away or empty it for a while
 
 /// Sizes and times of files; any way of saving changes one of them.

@@ -8,6 +8,7 @@
 #include "Interrupt.h"
 #include "JsonNode.h"
 #include "NearNames.h"
+#include "ShowClock.h"
 
 namespace stagehost {
 
@@ -100,7 +101,7 @@ QString Peers::WaitUntilReady(const Show& show) const {
     for (std::size_t place = 0; place < m_running.size(); ++place) {
         Peer& peer = *m_running[place];
         const bool needed = show.peers[place].kind != ShowPeer::Kind::Program || IsNamed(show, peer.Name());
-        const auto limit = needed ? kNeeded : std::chrono::milliseconds(deadline.remainingTime());
+        const auto limit = MachineTime(needed ? kNeeded : std::chrono::milliseconds(deadline.remainingTime()));
         const bool isReady = peer.WaitUntilReady(limit);
         if (!isReady && !needed && !peer.WhyOver().isEmpty())
             m_tell(QStringLiteral("peer %1: %2").arg(peer.Name(), peer.WhyOver()));
@@ -110,7 +111,7 @@ QString Peers::WaitUntilReady(const Show& show) const {
             return QStringLiteral("interrupted before peer %1 was ready").arg(peer.Name());
         return QStringLiteral("peer %1: %2")
             .arg(peer.Name(), peer.WhyOver().isEmpty()
-                                  ? QStringLiteral("has not said within %1 ms that it is ready").arg(limit.count())
+                                  ? QStringLiteral("has not said within %1 ms that it is ready").arg(kNeeded.count())
                                   : peer.WhyOver());
     }
     return {};
