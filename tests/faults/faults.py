@@ -37,6 +37,8 @@ NEW_FILE = b"what the server has\n" * 400
 # Where a library ends the process by itself. The words are those of the stack of the call that failed, or of what the library says.
 # docs/scripts.md tells them to those who write scripts.
 LIBRARY_ENDS = {
+    # Its D-Bus thread, which the network part of the toolkit starts, does not start, and is waited for or torn down all the same.
+    "thread": [r"QDBusConnection"],
     "descriptor": [r"Can not continue without a thread pipe", r"no Qt platform plugin could be initialized"],
 }
 
@@ -212,7 +214,7 @@ class Evening:
 
 
 def is_the_library(kind, problem, told, struck):
-    return problem.startswith("ends by SIGABRT") and any(re.search(words, told + struck) for words in LIBRARY_ENDS.get(kind, []))
+    return problem.startswith("ends by ") and any(re.search(words, told + struck) for words in LIBRARY_ENDS.get(kind, []))
 
 
 def numbers(count, first, most):
