@@ -2,6 +2,8 @@
 
 #include <cmath>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include <QScriptContext>
 #include <QScriptEngine>
@@ -108,11 +110,25 @@ void AccessorPool::Bind(QScriptValue& object, const QString& member, VariableOri
     object.setProperty(member, function, kAccessor);
 }
 
+/// Asks the host without the lock. It may replace its values from inside, and what it gives then is not kept: the newer
+/// call has looked everything up.
 void AccessorPool::Rebind(VariableOrigin origin, const std::function<IData*(const QString& name)>& find) {
-    const std::lock_guard<std::mutex> guard(m_lock);
-    for (auto& entry : m_variables)
-        if (entry.first.first == origin)
-            entry.second->data = find(entry.first.second);
+    std::vector<std::pair<QString, BoundVariable*>> known;
+    unsigned number = 0;
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        number = ++m_rebinds[origin];
+        for (const auto& [key, variable] : m_variables)
+            if (key.first == origin)
+                known.emplace_back(key.second, variable.get());
+    }
+    for (const auto& [name, variable] : known) {
+        IData* const found = find(name);
+        const std::lock_guard<std::mutex> guard(m_lock);
+        if (number != m_rebinds[origin])
+            return;
+        variable->data = found;
+    }
 }
 
 /// Called with one argument to write and without to read. What a value means for the type may run script, which may do

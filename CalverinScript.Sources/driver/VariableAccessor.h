@@ -35,7 +35,7 @@ public:
     /// Replaces the member by an accessor.   [the thread of the object's engine]
     void Bind(QScriptValue& object, const QString& member, VariableOrigin origin, const QString& name, IData* data);
 
-    /// Looks every variable of that origin up again; find gives null for one that is gone.   [any]
+    /// Looks every variable of that origin up again; find gives null for one that is gone, and may call this again. [any]
     void Rebind(VariableOrigin origin, const std::function<IData*(const QString& name)>& find);
 
     /// What hears of values that a variable has not taken, with the variable's name, the text and why; before any script runs.
@@ -53,7 +53,8 @@ private:
     const std::atomic<bool>& m_closed;
     Misfit m_tellMisfit; ///< called on the engine's thread, outside the host's values
     VisitGate m_gate;
-    std::mutex m_lock; ///< guards the map, whose entries stay in place
+    std::mutex m_lock;                            ///< guards both maps; the entries of the second stay in place
+    std::map<VariableOrigin, unsigned> m_rebinds; ///< counts them
     std::map<std::pair<VariableOrigin, QString>, std::unique_ptr<BoundVariable>> m_variables;
 };
 

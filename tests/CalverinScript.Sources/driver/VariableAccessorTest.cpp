@@ -150,6 +150,19 @@ TEST_F(Accessors, FollowAVariableThatIsMadeAnewAndLetGoOfOneThatIsGone) {
     EXPECT_EQ(other.Text(), "22");
 }
 
+TEST_F(Accessors, AreThoseOfTheLastReplacementWhenTheHostComesBackFromInsideTheLookUp) {
+    GivenDeviceVariable("Level", KXP_INTEGER_DATA, "1");
+    GivenDeviceVariable("Speed", KXP_INTEGER_DATA, "1");
+    Run("({ Device: { Level: 0, Speed: 0 } })");
+    TypedValue dropped("Desk.Level", KXP_INTEGER_DATA, "2");
+    TypedValue fresh("Desk.Level", KXP_INTEGER_DATA, "3");
+    accessors.Rebind(VariableOrigin::Device, [&](const QString&) {
+        accessors.Rebind(VariableOrigin::Device, [&](const QString&) { return &fresh; });
+        return &dropped;
+    });
+    EXPECT_EQ(Evaluate("published.Device.Level + ' ' + published.Device.Speed"), "3 3");
+}
+
 TEST_F(Accessors, WaitWhileTheHostReplacesItsValues) {
     GivenDeviceVariable("Level", KXP_INTEGER_DATA, "1");
     Run("({ Device: { Level: 0 } })");
