@@ -113,7 +113,7 @@ private:
         Trial::Expect(count == 1, "GetDeviceCount from inside");
         m_device->SetName("from inside");
         m_device.Setup();
-        if (call == "SetDefinition" || number % kSetupEach == 0)
+        if (call == "SetDefinition" || call == "GetVariable" || number % kSetupEach == 0)
             m_device->SetSetup(BusySetup(", Inside: function () {}").c_str());
     }
 
