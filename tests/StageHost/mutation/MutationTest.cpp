@@ -219,7 +219,7 @@ TEST(ArgumentsByMutation, AreTakenOrComplainedOf) {
         ArgumentReader reader;
         const QString problem = reader.Read(Text(text).split(QLatin1Char(' '), Qt::SkipEmptyParts));
         EXPECT_EQ(problem.isEmpty(), problem.trimmed().isEmpty());
-        EXPECT_GT(reader.Result().timeout.count(), 0);
+        EXPECT_TRUE(!problem.isEmpty() || reader.Result().timeout.count() > 0);
         EXPECT_LE(problem.count(QLatin1Char('\n')), Text(text).count(QLatin1Char('\n'))) << problem.toStdString();
     });
 }
