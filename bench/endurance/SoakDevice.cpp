@@ -68,6 +68,7 @@ void SoakDevice::Release() {
         return;
     m_host.SetDevice(m_name, nullptr);
     device->Stop();
+    m_host.CloseLink(device);
     device->Release();
     m_host.DropLink(device);
 }

@@ -30,6 +30,17 @@ void SoakHost::SetDevice(const std::string& name, IKXPDevice* device) {
     m_devices[name] = device;
 }
 
+void SoakHost::CloseLink(IKXPDevice* device) {
+    std::shared_ptr<SoakLink> link;
+    {
+        const std::lock_guard<std::mutex> hold(m_linksLock);
+        const auto found = m_links.find(device);
+        link = found != m_links.end() ? found->second : nullptr;
+    }
+    if (link)
+        link->Close();
+}
+
 void SoakHost::DropLink(IKXPDevice* device) {
     const std::lock_guard<std::mutex> hold(m_linksLock);
     m_links.erase(device);

@@ -29,6 +29,8 @@ public:
     /// Whom the name means from now on; null for nobody. Returns when no call to the one before is under way.   [host
     /// main]
     void SetDevice(const std::string& name, IKXPDevice* device);
+    /// Has the link of a device call it no more: nobody may once it is released.   [host main]
+    void CloseLink(IKXPDevice* device);
     /// Forgets the link of a device that has been released.   [host main]
     void DropLink(IKXPDevice* device);
     /// Sends a request to the device of that name; where there is none, it counts as refused and is gone.   [any host

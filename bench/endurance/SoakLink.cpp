@@ -41,8 +41,14 @@ KXPCode SoakLink::Text(IExecContext* context, const char* text) {
 
 KXPCode SoakLink::SetHandler(IManagerRemoteHandler* handler) {
     const std::lock_guard<std::mutex> hold(m_lock);
-    m_handler = handler;
+    m_handler = m_closed ? nullptr : handler;
     return KXP_OK;
+}
+
+void SoakLink::Close() {
+    const std::lock_guard<std::mutex> hold(m_lock);
+    m_handler = nullptr;
+    m_closed = true;
 }
 
 void SoakLink::Tell(const std::string& variable, const std::string& value) {

@@ -18,6 +18,9 @@ public:
     /// Tells the device of a change, if it listens.   [any host thread]
     void Tell(const std::string& variable, const std::string& value);
 
+    /// Calls the device no more, since it is about to go. Returns when no call is under way.   [host main]
+    void Close();
+
     KXPCode QueryInterface(const char*, void**) override { return KXP_NO_INTERFACE; }
     KXPCode Release() override { return KXP_OK; }
     KXPCode SetHandler(IManagerRemoteHandler* handler) override;
@@ -55,4 +58,5 @@ private:
     SoakHost& m_host;
     std::mutex m_lock; ///< held while the handler is called, so that one that is taken away is called no more
     IManagerRemoteHandler* m_handler = nullptr; ///< under the lock
+    bool m_closed = false;                      ///< under the lock
 };
