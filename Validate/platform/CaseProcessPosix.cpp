@@ -12,6 +12,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -76,7 +77,8 @@ CaseEnd RunInProcess(const std::function<int(int)>& work, std::chrono::milliseco
     const pid_t child = fork();
     if (child == 0) {
         close(pipes[0]);
-        setpgid(0, 0); // so that what the module starts ends with it
+        setpgid(0, 0);                    // so that what the module starts ends with it
+        prctl(PR_SET_PDEATHSIG, SIGKILL); // the user's Ctrl-C reaches this process's parent alone
         _exit(work(pipes[1]));
     }
     close(pipes[1]);
