@@ -184,7 +184,7 @@ FramingRule Counterpart::ReadRule(const QScriptValue& rule) {
     return read;
 }
 
-/// What comes while the script runs waits at the door: also the cutting, since a script may do that.
+/// What comes while the script runs waits at the door: also the cutting, since a script may do that, and the end.
 CounterpartEnd::News Counterpart::NewsOf(int id) {
     return {[this, id](LineId line, const QString& who) {
                 m_door.Enter([this, id, line, who] { Tell(id, "opened", {line, who}); });
@@ -195,10 +195,10 @@ CounterpartEnd::News Counterpart::NewsOf(int id) {
             },
             [this, id](LineId line) { m_door.Enter([this, id, line] { Tell(id, "ended", {line}); }); },
             [this, id](LineId line, const QString& why) {
-                m_door.Enter([this, id, line, why] { Tell(id, "closed", {line, why}); });
+                Tell(id, "closed", {line, why});
             },
             [this](const QString& problem) { m_voice.Problem(problem); },
-            [this](const std::function<void()>& cut) { m_door.Enter(cut); }};
+            [this](std::function<void()> work) { m_door.Enter(std::move(work)); }};
 }
 
 void Counterpart::Tell(int id, const char* event, QScriptValueList values) {

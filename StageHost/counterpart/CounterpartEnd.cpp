@@ -26,9 +26,12 @@ void CounterpartEnd::Close(LineId line, PrankedPiece::End how) {
         found->second.speaker->End(how);
 }
 
+/// A frame may be cut just now for the script that asks for this: its line stays until that has come back.
 void CounterpartEnd::Leave() {
+    const auto gone = std::make_shared<std::map<LineId, Line>>(std::move(m_lines));
     m_lines.clear();
     m_endpoint->Leave();
+    m_news.enter([gone] {});
 }
 
 void CounterpartEnd::Stall() {
@@ -46,14 +49,17 @@ void CounterpartEnd::Resume() {
 }
 
 void CounterpartEnd::Opened(LineId line, const QString& who) {
-    auto speaker = std::make_unique<Speaker>(*m_endpoint, line);
+    auto speaker = std::make_unique<Speaker>(*m_endpoint, line, [this, line] {
+        QMetaObject::invokeMethod(
+            &m_later, [this, line] { Forget(line, {}); }, Qt::QueuedConnection);
+    });
     speaker->Hold(m_isStalled);
     m_lines.emplace(line, Line{Framing(m_rule), std::move(speaker)});
     m_news.opened(line, who);
 }
 
 void CounterpartEnd::Came(LineId line, const QByteArray& bytes) {
-    m_news.cut([this, line, bytes] {
+    m_news.enter([this, line, bytes] {
         const auto found = m_lines.find(line);
         if (found == m_lines.end())
             return;
@@ -80,8 +86,14 @@ void CounterpartEnd::Ended(LineId line) {
 }
 
 void CounterpartEnd::Closed(LineId line, const QString& why) {
-    m_lines.erase(line);
-    m_news.closed(line, why);
+    Forget(line, why);
+}
+
+void CounterpartEnd::Forget(LineId line, const QString& why) {
+    m_news.enter([this, line, why] {
+        if (m_lines.erase(line) > 0)
+            m_news.closed(line, why);
+    });
 }
 
 } // namespace stagehost

@@ -5,6 +5,8 @@
 #include <memory>
 #include <optional>
 
+#include <QObject>
+
 #include "Framing.h"
 #include "Speaker.h"
 
@@ -21,8 +23,9 @@ public:
         std::function<void(LineId line)> ended;
         std::function<void(LineId line, const QString& why)> closed;
         std::function<void(const QString& problem)> problem;
-        /// Cuts what has come; where frames are cut by the script itself, that is inside it.
-        std::function<void(const std::function<void()>& cut)> cut;
+        /// Does something that may enter the script, or takes away what a call of the script may stand on: now, or
+        /// behind the script that runs.
+        std::function<void(std::function<void()> work)> enter;
     };
 
     CounterpartEnd(QString name, LineKind kind, FramingRule rule, News news);
@@ -48,6 +51,7 @@ private:
     void Ended(LineId line) override;
     void Closed(LineId line, const QString& why) override;
     void Cut(LineId line);
+    void Forget(LineId line, const QString& why);
 
     const QString m_name;
     const FramingRule m_rule;
@@ -60,6 +64,7 @@ private:
     std::map<LineId, Line> m_lines;
     std::unique_ptr<Mischief> m_mischief;
     bool m_isStalled = false;
+    QObject m_later; ///< what is posted goes with it
 };
 
 } // namespace stagehost

@@ -92,7 +92,8 @@ QScriptValue ScriptDoor::Call(QScriptValue function, const QScriptValueList& arg
     return result;
 }
 
-/// Runs inside the script, which lets events in. An error tells where the script is; one that could catch it is aborted.
+/// Runs inside the script, which lets events in. An error tells where the script is; one that could catch it is
+/// aborted.
 void ScriptDoor::BreakOff() {
     m_isBrokenOff = true;
     if (!m_catches)

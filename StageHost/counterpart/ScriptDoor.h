@@ -51,7 +51,7 @@ private:
     QStringList m_source;
     std::deque<std::function<void()>> m_waiting;
     bool m_isInside = false;
-    bool m_catches = false; ///< whether it may catch what is thrown into it
+    bool m_catches = false;     ///< whether it may catch what is thrown into it
     bool m_isBrokenOff = false; ///< and the failure of that has not been taken
 };
 

@@ -8,9 +8,10 @@ constexpr std::size_t kMostParts = 100000;
 
 } // namespace
 
-Speaker::Speaker(Endpoint& endpoint, LineId line)
+Speaker::Speaker(Endpoint& endpoint, LineId line, std::function<void()> over)
     : m_endpoint(endpoint)
-    , m_line(line) {
+    , m_line(line)
+    , m_over(std::move(over)) {
     m_timer.setSingleShot(true);
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
         m_hasWaited = true;
@@ -65,6 +66,8 @@ void Speaker::Do(const Part& part) {
         m_endpoint.EndSending(m_line);
     else if (part.end == End::Reset)
         m_endpoint.Reset(m_line);
+    if (part.end == End::Close || part.end == End::Reset)
+        m_over();
 }
 
 } // namespace stagehost

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 
 #include <QTimer>
 
@@ -12,8 +13,9 @@ namespace stagehost {
 /// Says on one line what is due, in order, with the waits and ends that a prank asks for.   [host main]
 class Speaker {
 public:
-    /// @param endpoint must outlive the speaker.
-    Speaker(Endpoint& endpoint, LineId line);
+    /// @param endpoint must outlive the speaker. @param over is called once the line was closed or reset here, and does
+    /// not delete the speaker.
+    Speaker(Endpoint& endpoint, LineId line, std::function<void()> over);
 
     /// @return false when too much waits already; it is left out then.
     bool Say(const PrankedPiece& piece);
@@ -34,6 +36,7 @@ private:
 
     Endpoint& m_endpoint;
     const LineId m_line;
+    const std::function<void()> m_over;
     std::deque<Part> m_parts;
     QTimer m_timer; ///< runs while the first part waits
     bool m_hasWaited = false;

@@ -186,6 +186,34 @@ TEST_F(Counterpart, ClosesInOrderBehindWhatItSays) {
     EXPECT_EQ(socket.readAll(), "");
 }
 
+TEST_F(Counterpart, HearsOfLinesThatAPrankHasEndedAndOfNoneThatItHasClosedItself) {
+    const char* script =
+        "var d = Counterpart.tcp();\n"
+        "d.onClose = function (c) { note('closed ' + c.id + ' ' + c.isOpen + ' ' + d.lines().length); };\n"
+        "d.onBytes = function (c, b) { if (b === 'close') c.close(); else c.say('text'); };\n"
+        "d.misbehave('cut');";
+    GivenTcp(script);
+    const quint16 port = socket.peerPort();
+    socket.write("close");
+    EXPECT_TRUE(IsSentAway());
+    Connect(port);
+    socket.write("say");
+    socket.flush();
+    EXPECT_TRUE(host.WaitForOutput("closed 2 false 0")) << host.Output().toStdString();
+    EXPECT_FALSE(host.Output().contains(Text("closed 1")));
+}
+
+TEST_F(Counterpart, MayLeaveFromInsideItsOwnFraming) {
+    GivenTcp("var d = Counterpart.tcp({ frame: function (b) { d.leave(); d.comeBack(); return b.length; } });\n"
+             "d.onFrame = function () { note('never'); };");
+    const quint16 port = socket.peerPort();
+    socket.write("x");
+    EXPECT_TRUE(IsSentAway());
+    Connect(port);
+    host.Say("call none");
+    EXPECT_TRUE(host.WaitForOutput("refused"));
+}
+
 TEST_F(Counterpart, TakesOptionsByTheKindOfTheirDefaults) {
     const char* script = "var d = Counterpart.tcp(), n = option('count', 2), w = option('word', 'x'), t = "
                          "option('sure', false);\n"

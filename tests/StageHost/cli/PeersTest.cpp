@@ -150,8 +150,7 @@ TEST_F(PeersOfAShow, StallAndResume) {
 }
 
 TEST_F(PeersOfAShow, LieAndObey) {
-    Play(Do(R"("do":"lie","with":"repeat")") + "," + Do(R"("call":"push","args":["twice"])") + "," +
-         Until("dev.Last = twice") + "," + Do(R"("do":"obey")") + "," + Ask("a", "a1"));
+    Play(Do(R"("do":"lie","with":"silence")") + "," + Do(R"("do":"obey")") + "," + Ask("a", "a1"));
     ExpectWell();
     Play(Do(R"("do":"lie","with":"nonsense")") + "," + Do(R"("call":"push","args":["x"])") + "," + Ask("a", "a1"));
     EXPECT_NE(host.ExitCode(), 0) << "a lie that changes nothing";
