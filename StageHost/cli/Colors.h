@@ -13,4 +13,8 @@ enum class Ink { Heading, Good, Bad, Warning, Faint };
 QString OnOutput(Ink ink, const QString& text);
 QString OnErrors(Ink ink, const QString& text);
 
+/// What is written of a text: at a terminal the control characters of scripts and devices are shown, as \x1b, so that
+/// they work nothing there.   [any]
+QString ForChannel(bool isTerminal, const QString& text);
+
 } // namespace stagehost

@@ -12,6 +12,7 @@
 #include "ExitCodes.h"
 #include "HostCodes.h"
 #include "ScriptPlaces.h"
+#include "Terminal.h"
 
 namespace stagehost {
 
@@ -32,10 +33,16 @@ bool WriteBytes(std::FILE* stream, const QByteArray& bytes) {
     return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
 }
 
+bool GoesToATerminal(std::FILE* stream) {
+    static const bool output = IsTerminal(Channel::Output);
+    static const bool errors = IsTerminal(Channel::Error);
+    return stream == stdout ? output : errors;
+}
+
 bool Write(std::FILE* stream, const QString& text) {
     if (beforeOutput != nullptr)
         beforeOutput();
-    const bool written = WriteBytes(stream, text.toUtf8());
+    const bool written = WriteBytes(stream, ForChannel(GoesToATerminal(stream), text).toUtf8());
     if (behindOutput != nullptr)
         behindOutput();
     return written;

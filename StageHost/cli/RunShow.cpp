@@ -242,12 +242,24 @@ MaybeFailure PlaySteps(Session& session, const Show& show, bool keepGoing, ShowR
     return first;
 }
 
+/// A show that cannot be read is told in every form that was asked for as well.
+int FailUnread(const Options& options, const Failure& failure) {
+    const QString name = QFileInfo(options.arguments.first()).completeBaseName();
+    const ShowRecord record{name, QDateTime::currentDateTime(), 0, {}, failure.text};
+    if (options.tap)
+        Print(TapBegin(0) + TapEnd(record));
+    if (!options.junitFile.isEmpty())
+        if (const auto lost = KeepJUnitFile(options.junitFile, JUnitText(record)))
+            PrintProblem(OnErrors(Ink::Bad, lost->text));
+    return Fail(options.json, failure);
+}
+
 } // namespace
 
 int RunShow(const Options& options) {
     Show show;
     if (auto failure = ReadShow(options.arguments.first(), show))
-        return Fail(options.json, *failure);
+        return FailUnread(options, *failure);
     Session session(options);
     ShowReport report(options, show);
     if (auto failure = report.KeepJUnit(QStringLiteral("the show has not come to its end")))

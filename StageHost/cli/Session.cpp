@@ -367,7 +367,8 @@ MaybeFailure Session::Restart(const QString& name, const std::string& setup) {
     const ShowRest rest; // the module measures a stop by the clock
     Device* device = FindDevice(name);
     const auto values = device->Variables().Kept();
-    if (device->Stop(kStop)) {
+    const bool hasStopped = !device->IsBlocked() && device->Stop(kStop);
+    if (hasStopped) {
         if (const auto refused = device->TakeSetup(setup))
             return Failure{kExitNoModule, DeviceText(*device, refused->text)};
     } else if (Interrupt::HasCome()) {
@@ -375,11 +376,22 @@ MaybeFailure Session::Restart(const QString& name, const std::string& setup) {
     } else if (auto failure = MakeAnew(name, setup)) {
         return failure;
     }
-    device = FindDevice(name);
-    device->Variables().GiveBack(values);
-    if (const auto error = device->Variables().FindState("Error"))
-        error->SetText(""); // of the edition before
-    return StartDevice(*device);
+    const auto start = [&] {
+        Device& made = *FindDevice(name);
+        made.Variables().GiveBack(values);
+        if (const auto error = made.Variables().FindState("Error"))
+            error->SetText(""); // of the edition before
+        return StartDevice(made);
+    };
+    auto failure = start();
+    if (!hasStopped || !failure || !FindDevice(name)->IsBlocked() || Interrupt::HasCome())
+        return failure;
+    // The module waits for a stop function for a moment only: that it has never returned shows now.
+    PrintProblem(DeviceText(*FindDevice(name), QStringLiteral("its script has not come back from its stop, or does not "
+                                                              "from its start; a new device takes its place")));
+    if (auto lost = MakeAnew(name, setup))
+        return lost;
+    return start();
 }
 
 /// A script that never ends is left behind with its device.

@@ -128,12 +128,13 @@ MaybeFailure StepPlayer::Compare(const ShowStep& step, const CommandOutcome& out
         return failure;
     // A step that expects a result hears of a failure by it; the text behind the mark is not expected twice.
     const bool isByResult = outcome.result.compare(0, std::strlen(kFailureMark), kFailureMark) == 0;
-    const QString error = failure && !(isByResult && step.expectedResult) ? failure->text : QString();
+    const bool hasFailed = failure && !(isByResult && step.expectedResult);
+    const QString error = hasFailed ? failure->text : QString();
     const QString expectedError = step.expectedError.value_or(QString());
-    if (error != expectedError)
+    if (error != expectedError || (hasFailed && !step.expectedError))
         return Failure{kExitScriptFailed,
                        expectedError.isEmpty()
-                           ? error
+                           ? error.isEmpty() ? QStringLiteral("has failed without a text") : error
                            : QStringLiteral("expected the error \"%1\", not \"%2\"").arg(expectedError, error),
                        failure ? failure->place : QStringList()};
     const QString result = FromBorderText(outcome.result);

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include "BorderText.h"
 
@@ -10,6 +11,7 @@ namespace stagehost {
 namespace {
 
 constexpr qint64 kMostBytes = qint64{64} << 20;
+constexpr qint64 kDateLength = 11; // "2026-11-22 "
 
 /// A pipe or a device may never come to an end, or not even to a beginning.
 QString NotRegular(const QFileInfo& info) {
@@ -59,7 +61,14 @@ QString WhyNotAppendable(const QString& file) {
     const QString kind = NotRegular(QFileInfo(file));
     if (!kind.isEmpty())
         return QStringLiteral("it ") + kind;
+    static const QRegularExpression date(QStringLiteral("^\\d{4}-\\d\\d-\\d\\d "));
     QFile target(file);
+    if (target.open(QIODevice::ReadOnly)) {
+        const QByteArray begin = target.read(kDateLength);
+        if (!begin.isEmpty() && !date.match(QString::fromLatin1(begin)).hasMatch())
+            return QStringLiteral("it is there, and is no log");
+        target.close();
+    }
     return target.open(QIODevice::Append) ? QString() : target.errorString();
 }
 

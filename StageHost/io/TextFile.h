@@ -19,7 +19,9 @@ std::optional<QString> ReadText(const QString& file, QString* problem);
 /// @param mark what stands in the first line or two of every report.   [any]
 QString WhyNotReplaceable(const QString& file, const char* mark);
 
-/// Why nothing can be written behind the end of a file, which is made if it is not there; empty when it can.
+/// Why nothing can be written behind the end of a log, which is made if it is not there; empty when it can. A file
+/// whose first line does not begin with a date, as those of logs do, is somebody's script, show or text, and is left
+/// alone.
 QString WhyNotAppendable(const QString& file);
 
 } // namespace stagehost

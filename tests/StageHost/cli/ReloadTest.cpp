@@ -160,6 +160,30 @@ TEST_F(Reloading, ReplacesAScriptThatNeverEnds) {
     EXPECT_EQ(host.ExitCode(), 3) << "the command that hung";
 }
 
+TEST_F(Reloading, GoesOnInANewDeviceWhenTheOldEditionNeverComesBackFromItsStop) {
+    Save(Edition(1, ", _mStop: function () { while (true) ; }"));
+    Watch({Text("--timeout"), Text("3000")});
+    ThenItRuns(1);
+    Save(Edition(2));
+    EXPECT_TRUE(host.WaitForErrors("reloaded script (driver.js)")) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().contains(Text("script: its script has not come back from its stop")))
+        << host.Errors().toStdString();
+    host.Say("send script Tell");
+    EXPECT_TRUE(host.WaitForOutput("edition 2 here")) << host.Errors().toStdString();
+    End();
+}
+
+TEST_F(Reloading, GoesOnWithTheOldEditionWhenTheNewOneNeverComesBackFromItsStart) {
+    Save(Edition(1));
+    Watch({Text("--timeout"), Text("3000")});
+    ThenItRuns(1);
+    Save("({ Device: { Edition: 2 }, _mStart: function () { while (true) ; } })");
+    EXPECT_TRUE(host.WaitForErrors("script goes on with the edition that it has")) << host.Errors().toStdString();
+    host.Say("send script Tell");
+    EXPECT_TRUE(host.WaitForOutput("edition 1 here")) << host.Errors().toStdString();
+    End();
+}
+
 TEST_F(Reloading, RunsADeviceThatHoldsItsDriverInTheShowAndOneThatLoadsItsScript) {
     Save(Edition(1));
     const QString show = host.File(Text("show.json"), R"({ "devices": [

@@ -78,6 +78,45 @@ TEST_F(Steps, AreWokenByWhatComesLater) {
     EXPECT_TRUE(host.Output().contains(Text("\n6. pause of 30 ms\n"))) << host.Output().toStdString();
 }
 
+TEST_F(Steps, ALateFailureWithoutATextFailsItsStep) {
+    Play(R"({"device":"lamp","command":"Late","params":{"text":"error: "}})");
+    EXPECT_EQ(host.ExitCode(), 1) << host.Output().toStdString();
+    EXPECT_TRUE(host.Errors().contains(Text("has failed without a text"))) << host.Errors().toStdString();
+    Play(R"({"device":"lamp","command":"Late","params":{"text":"error: "},"expect":{"result":"error: "}})");
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+}
+
+TEST_F(Steps, OfAShowThatCannotBeReadAreReportedInEachForm) {
+    const QString show = host.File(Text("bad.json"), R"({"devices": 3})");
+    const QString file = host.Folder() + Text("/bad.xml");
+    host.Run({Text("run"), Text("--tap"), Text("--junit"), file, show});
+    EXPECT_EQ(host.ExitCode(), 2);
+    EXPECT_TRUE(host.Output().startsWith(Text("TAP version 14\n1..0\nBail out! "))) << host.Output().toStdString();
+    QFile junit(file);
+    ASSERT_TRUE(junit.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(junit.readAll().contains("devices: expected a list"));
+}
+
+TEST_F(Steps, AScriptOrAShowIsNoLog) {
+    const QString show = Show(R"({"pause":1})");
+    for (const QString& file : {show, QString(host.Folder() + Text("/lamp.js"))}) {
+        const auto content = [&] {
+            QFile one(file);
+            return one.open(QIODevice::ReadOnly) ? one.readAll() : QByteArray();
+        };
+        const QByteArray before = content();
+        host.Run({Text("run"), Text("--log-file"), file, show});
+        EXPECT_EQ(host.ExitCode(), 2);
+        EXPECT_TRUE(host.Errors().contains(Text("it is there, and is no log"))) << host.Errors().toStdString();
+        EXPECT_EQ(content(), before);
+    }
+    const QString log = host.Folder() + Text("/log");
+    for (int run = 0; run < 2; ++run) {
+        host.Run({Text("run"), Text("--log-file"), log, show});
+        EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+    }
+}
+
 TEST_F(Steps, ThatWaitForNothingThatCanBeAreRefused) {
     const std::pair<QByteArray, const char*> rows[] = {
         {Until("Rate"), "steps[0].wait.until: expected NAME=VALUE"},

@@ -7,6 +7,7 @@ import os
 import pty
 import subprocess
 import sys
+import tempfile
 
 stagehost, examples = (os.path.abspath(path) for path in sys.argv[1:3])
 command = [stagehost, "run", examples + "/cuelist/show.json"]
@@ -51,6 +52,15 @@ expect(GREEN in at_terminal(command, NO_COLOR=""), "an empty NO_COLOR counts")
 expect("\x1b[" not in at_terminal(command, TERM="dumb"), "a dumb terminal gets colours")
 plain = subprocess.run(command, capture_output=True, text=True, timeout=60)
 expect("\x1b" not in plain.stdout + plain.stderr, "a program gets colours")
+with tempfile.TemporaryDirectory() as folder:
+    script = os.path.join(folder, "loud.js")
+    with open(script, "w", encoding="utf-8") as file:
+        file.write("({ f: function () { print('a\\x1b[2Jb'); return 'c\\x1b]0;title\\x07d\\x9be'; } })")
+    seen = at_terminal([stagehost, "exec", script, "f"])
+    expect("a\\x1b[2Jb" in seen, f"a trace works the terminal: {seen!r}")
+    expect("c\\x1b]0;title\\x07d\\x9be" in seen, f"a result works the terminal: {seen!r}")
+    plain = subprocess.run([stagehost, "exec", script, "f"], capture_output=True, timeout=60)
+    expect(plain.stdout == "c\x1b]0;title\x07d\x9be\n".encode(), "a program gets another result than the script gave")
 for problem in problems:
     print(problem)
 sys.exit(1 if problems else 0)
