@@ -169,7 +169,8 @@ TEST_F(TestShows, AreSuitesOfOneFileOfJUnit) {
             elements += xml.name().toString();
             if (xml.name() == QLatin1String("testsuites")) {
                 EXPECT_EQ(xml.attributes().value(Text("tests")).toString(), Text("4"));
-                EXPECT_EQ(xml.attributes().value(Text("failures")).toString(), Text("2"));
+                EXPECT_EQ(xml.attributes().value(Text("failures")).toString(), Text("1"));
+                EXPECT_EQ(xml.attributes().value(Text("errors")).toString(), Text("1"));
                 EXPECT_EQ(xml.attributes().value(Text("skipped")).toString(), Text("1"));
             }
         }
