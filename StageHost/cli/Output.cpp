@@ -34,8 +34,8 @@ bool WriteBytes(std::FILE* stream, const QByteArray& bytes) {
 }
 
 bool GoesToATerminal(std::FILE* stream) {
-    static const bool output = IsTerminal(Channel::Output);
-    static const bool errors = IsTerminal(Channel::Error);
+    static const bool output = IsTerminal(StandardChannel::Output);
+    static const bool errors = IsTerminal(StandardChannel::Error);
     return stream == stdout ? output : errors;
 }
 

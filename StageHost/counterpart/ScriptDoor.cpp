@@ -4,6 +4,8 @@
 #include <QScriptContext>
 #include <QScriptSyntaxCheckResult>
 
+#include "ShowClock.h"
+
 namespace stagehost {
 
 namespace {
@@ -68,7 +70,7 @@ void ScriptDoor::Enter(std::function<void()> work) {
     while (!m_waiting.empty()) {
         const std::function<void()> next = std::move(m_waiting.front());
         m_waiting.pop_front();
-        m_guard.start(kLongestCallMs);
+        m_guard.start(MachineTime(std::chrono::milliseconds(kLongestCallMs)));
         next();
         m_guard.stop();
     }
@@ -100,7 +102,7 @@ void ScriptDoor::BreakOff() {
         m_engine.currentContext()->throwError(TooLong());
     else
         m_engine.abortEvaluation();
-    m_guard.start(kLookMs);
+    m_guard.start(MachineTime(std::chrono::milliseconds(kLookMs)));
 }
 
 std::optional<ScriptFailure> ScriptDoor::TakeFailure() {
