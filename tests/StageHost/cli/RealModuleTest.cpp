@@ -304,8 +304,7 @@ TEST_F(ScriptAtTheDesk, IsStoppedAsAtAnyEndWhenARunIsInterrupted) {
     host.Interrupt();
     host.Finish();
     EXPECT_EQ(host.ExitCode(), 3);
-    EXPECT_TRUE(host.Errors().contains(Text("interrupted ")))
-        << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().contains(Text("interrupted "))) << host.Errors().toStdString();
     EXPECT_TRUE(host.Errors().contains(Text("lamps are off\n"))) << host.Errors().toStdString();
 }
 
