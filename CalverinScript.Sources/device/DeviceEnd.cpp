@@ -1,8 +1,8 @@
 #include "MCalverinScript_Device.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
-#include <optional>
 
 #include <QThread>
 
@@ -28,13 +28,15 @@ void WaitUntil(Condition condition, std::chrono::milliseconds time) {
 }
 
 /// Hands back what devices have left free, in pieces between those that others use: with devices that come and go it would
-/// grow for hours. Once a second at most, since a host that ends releases all it has.   [host main]
+/// grow for hours. Once a second at most, since a host that ends releases all it has.   [host main; any, for hosts that release there]
 void ReturnDevicesMemory() {
-    static std::optional<TimeLimit> rest;
-    if (rest && !rest->IsOver())
-        return;
-    ReturnFreeMemory();
-    rest.emplace(kMemoryRest);
+    using Clock = std::chrono::steady_clock;
+    static std::atomic<Clock::rep> restsUntil{0};
+    const Clock::rep now = Clock::now().time_since_epoch().count();
+    Clock::rep until = restsUntil;
+    const Clock::rep next = now + Clock::duration(kMemoryRest).count();
+    if (now >= until && restsUntil.compare_exchange_strong(until, next))
+        ReturnFreeMemory();
 }
 
 } // namespace
