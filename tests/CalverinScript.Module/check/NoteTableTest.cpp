@@ -166,12 +166,19 @@ TEST(NoteTable, IsInTheManualRowByRow) {
     EXPECT_EQ(codes.join(QLatin1Char('\n')).toStdString(), expected.join(QLatin1Char('\n')).toStdString());
 }
 
+/// A device that is played for a driver is written against another object, and is no driver.
+bool IsCounterpart(const QString& script) {
+    return script.contains(QStringLiteral("Counterpart."));
+}
+
 TEST(NoteTable, SaysNothingOfTheExamplesAndTheScriptsOfTheManual) {
     int seen = 0;
     QDirIterator examples(QStringLiteral(EXAMPLES), {QStringLiteral("*.js")}, QDir::Files,
                           QDirIterator::Subdirectories);
     while (examples.hasNext()) {
         const QString path = examples.next();
+        if (IsCounterpart(Content(path)))
+            continue;
         EXPECT_EQ(NotesOn(Content(path)), "") << path.toStdString();
         ++seen;
     }
@@ -186,7 +193,10 @@ TEST(NoteTable, SaysNothingOfTheExamplesAndTheScriptsOfTheManual) {
             QRegularExpression(QStringLiteral("```js\\n(.*?)```"), QRegularExpression::DotMatchesEverythingOption)
                 .globalMatch(Content(path));
         while (scripts.hasNext()) {
-            EXPECT_EQ(NotesOn(inFront + scripts.next().captured(1)), "") << path.toStdString();
+            const QString script = scripts.next().captured(1);
+            if (IsCounterpart(script))
+                continue;
+            EXPECT_EQ(NotesOn(inFront + script), "") << path.toStdString();
             ++seen;
         }
     }
