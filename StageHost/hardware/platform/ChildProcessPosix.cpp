@@ -1,9 +1,9 @@
 #include "ChildProcess.h"
 
+#include <csignal>
+
 #include <sys/prctl.h>
 #include <unistd.h>
-
-#include <csignal>
 
 namespace stagehost {
 
