@@ -36,9 +36,22 @@ constexpr OptionRow kOptions[] = {
     {"strict", nullptr, nullptr, "check: a note counts as a failure"},
     {"wait", nullptr, "NAME=VALUE",
      "send: wait first until this is so, also with !=, <, <=, >, >= or ~; may stand more than once"},
-    {"listen", nullptr, "[HOST:]PORT", "counterpart: be reached there (any free port of 127.0.0.1)"},
+    {"listen", nullptr, "[HOST:]PORT",
+     "counterpart, record, replay: be reached there (any free port of 127.0.0.1); for a serial line the path of a "
+     "link"},
     {"seed", nullptr, "N", "counterpart: draw the same chance as another run with this number"},
     {"window", nullptr, nullptr, "setup: let the user change the device's setup in its dialog"},
+    {"tcp", nullptr, "[LISTEN:]HOST:PORT",
+     "record: the device, and before it the port, or the address and port, that programs connect to"},
+    {"udp", nullptr, "[LISTEN:]HOST:PORT", "record: the same for a device that takes datagrams"},
+    {"serial", nullptr, "PORT", "record: the serial port of the device"},
+    {"line", nullptr, "BAUD[,BITS][,rts]",
+     "record: the settings of the serial line, such as 9600,8n1 (what the port has)"},
+    {"mischief", nullptr, "SEED", "record: the line misbehaves, each time the same with the same number"},
+    {"pranks", nullptr, "LIST", "record: with what, such as late,cut,reset (everything it can)"},
+    {"one-in", nullptr, "N", "record: how many pieces pass on the average before one is played with (4)"},
+    {"fast", nullptr, nullptr, "replay: answer at once and not after the time that it took"},
+    {"any-order", nullptr, nullptr, "replay: answer requests in whatever order they come"},
     {"help", "h", nullptr, "this help"},
     {"version", "v", nullptr, "the version of stagehost"},
 };
@@ -118,6 +131,15 @@ QString ArgumentReader::Read(const QStringList& typed) {
     m_options.window = isSet("window");
     m_options.reload = isSet("reload");
     m_options.sets = parser.values(QStringLiteral("set"));
+    m_options.tcp = value("tcp");
+    m_options.udp = value("udp");
+    m_options.serial = value("serial");
+    m_options.line = value("line");
+    m_options.mischief = value("mischief");
+    m_options.pranks = value("pranks");
+    m_options.oneIn = value("one-in");
+    m_options.fast = isSet("fast");
+    m_options.anyOrder = isSet("any-order");
     m_options.logFile = value("log-file");
     m_options.module = value("module");
     const QStringList rest = parser.positionalArguments() + words.mid(own);

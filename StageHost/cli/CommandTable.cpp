@@ -87,6 +87,20 @@ constexpr Command kCommands[] = {
      "stagehost counterpart fake-beamer.js\n"
      "stagehost counterpart --listen 4352 --seed 7 fake-beamer.js password=secret",
      1, kAny, &PlayCounterpart},
+    {"record", "--tcp|--udp [LISTEN:]HOST:PORT FILE | --serial PORT FILE",
+     "stands between a program and its device, passes everything on, and writes what goes by into a file;\n"
+     "with --mischief it is a line that misbehaves",
+     "stagehost record --tcp 10.0.0.7:4352 evening.traffic\n"
+     "stagehost record --tcp 14352:127.0.0.1:4352 evening.traffic   (programs connect to port 14352)\n"
+     "stagehost record --serial /dev/ttyUSB0 --line 9600,8n1 --listen ./switcher evening.traffic\n"
+     "stagehost record --tcp 10.0.0.7:4352 --mischief 7 --pranks late,split,reset bad.traffic",
+     1, 1, &RecordTraffic},
+    {"replay", "FILE",
+     "plays the device of a file that record has written: greets, answers what is asked as it was answered then, and\n"
+     "tells what it does not know. With --json it hears on standard input what a show says to its peers",
+     "stagehost replay evening.traffic\n"
+     "stagehost replay --fast --any-order --listen 4352 evening.traffic",
+     1, 1, &ReplayTraffic},
     {"declarations", "", "prints what a script sees as a TypeScript declaration file, for other editors",
      "stagehost declarations > calverin.d.ts", 0, 0, &PrintDeclarations},
     {"schema", "", "prints the JSON Schema of show files, for other editors and programs",

@@ -22,6 +22,8 @@ int NewDriver(const Options& options);
 int KeepSetups(const Options& options);
 int ShowPanel(const Options& options);
 int StoreCommand(const Options& options);
+int RecordTraffic(const Options& options);
+int ReplayTraffic(const Options& options);
 int UpdateCommands(const Options& options);
 int PlayCounterpart(const Options& options);
 

@@ -15,7 +15,8 @@ struct ChannelNews {
     std::function<void()> drained;                     ///< all that waited to be sent has been handed to the system
     /// A datagram was not taken at the other side, as far as the system knows; the channel goes on.
     std::function<void(const QString& why)> refused;
-    /// The channel is over, and was not closed here. @param why empty when both sides have ended in order.
+    /// The channel is over, and was not closed here. @param why empty when both sides have ended in
+    /// order, which `ended` has told before.
     std::function<void(const QString& why, bool isReset)> lost;
 };
 

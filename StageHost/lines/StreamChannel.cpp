@@ -32,14 +32,14 @@ std::shared_ptr<StreamChannel> StreamChannel::ConnectTo(const NetAddress& addres
     channel->m_connects = true;
     channel->Watch();
     if (channel->m_descriptor < 0)
-        QTimer::singleShot(0, &channel->m_patience, [channel] { channel->Lose(channel->m_problem, false); });
+        QTimer::singleShot(0, channel->m_patience.get(), [channel] { channel->Lose(channel->m_problem, false); });
     return channel;
 }
 
 StreamChannel::StreamChannel(int descriptor)
     : m_descriptor(descriptor) {
-    m_patience.setSingleShot(true);
-    QObject::connect(&m_patience, &QTimer::timeout, &m_patience, [this] { LetGo(&CloseWithReset); });
+    m_patience->setSingleShot(true);
+    QObject::connect(m_patience.get(), &QTimer::timeout, m_patience.get(), [this] { LetGo(&CloseWithReset); });
 }
 
 StreamChannel::~StreamChannel() {
@@ -95,7 +95,7 @@ void StreamChannel::Close() {
     if (m_isTerminal || (m_connects && Unsent() == 0))
         return LetGo(&CloseLine);
     m_self = shared_from_this();
-    m_patience.start(kPatienceWithRest);
+    m_patience->start(kPatienceWithRest);
     ListenToNotifiers();
     AfterWriting();
 }
@@ -125,10 +125,10 @@ void StreamChannel::ReadyToRead() {
     case IoState::End:
         m_hearsNoMore = true;
         ListenToNotifiers();
-        if (m_saysNoMore)
-            return Lose({}, false);
         if (m_news.ended)
             ChannelNews(m_news).ended();
+        if (m_saysNoMore && m_descriptor >= 0)
+            Lose({}, false);
         return;
     case IoState::Reset:
     case IoState::Failed: // of a terminal: the program has closed it, which is an end in order
@@ -144,9 +144,9 @@ void StreamChannel::ReadyToWrite() {
 }
 
 void StreamChannel::FinishConnecting() {
-    const QString problem = QString::fromStdString(ConnectProblem(m_descriptor));
-    if (!problem.isEmpty())
-        return Lose(problem, false);
+    const IoResult result = FinishConnect(m_descriptor);
+    if (result.state != IoState::Done)
+        return Lose(QString::fromStdString(result.problem), result.state == IoState::Reset);
     m_connects = false;
     ListenToNotifiers();
     if (m_news.connected)
@@ -201,7 +201,7 @@ void StreamChannel::LetGo(void (*close)(int)) {
         (*notifier)->setEnabled(false);
         notifier->release()->deleteLater();
     }
-    m_patience.stop();
+    m_patience->stop();
     m_waiting.clear();
     m_sent = 0;
     if (m_descriptor >= 0)

@@ -6,6 +6,7 @@
 #include <QTimer>
 
 #include "Channel.h"
+#include "DeleteLater.h"
 #include "LineCalls.h"
 
 namespace stagehost {
@@ -47,7 +48,7 @@ private:
     int m_descriptor;
     std::unique_ptr<QSocketNotifier> m_readable;
     std::unique_ptr<QSocketNotifier> m_writable;
-    QTimer m_patience; ///< with a closed channel: for what still has to leave
+    DeletedLater<QTimer> m_patience{new QTimer}; ///< with a closed channel: for what still has to leave
     QByteArray m_waiting;
     int m_sent = 0;    ///< bytes of m_waiting that have left
     QString m_problem; ///< why the connect could not even begin

@@ -45,8 +45,8 @@ int AcceptFrom(int listener, NetAddress& who);
 
 /// Begins to connect; the socket becomes writable when it is known how that went.
 int BeginConnect(const NetAddress& address, std::string& problem);
-/// Why the connect failed; empty when it stands.
-std::string ConnectProblem(int descriptor);
+/// Done when the connection stands.
+IoResult FinishConnect(int descriptor);
 
 /// A socket for datagrams. @param address with port 0 for any free one.
 int OpenDatagrams(const NetAddress& address, std::string& problem);

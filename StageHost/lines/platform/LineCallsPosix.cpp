@@ -139,11 +139,13 @@ int BeginConnect(const NetAddress& address, std::string& problem) {
     return OpenConnected(address, SOCK_STREAM, problem);
 }
 
-std::string ConnectProblem(int descriptor) {
+IoResult FinishConnect(int descriptor) {
     int error = 0;
     socklen_t length = sizeof error;
     getsockopt(descriptor, SOL_SOCKET, SO_ERROR, &error, &length);
-    return error == 0 ? std::string() : std::strerror(error);
+    if (error == 0)
+        return {IoState::Done, 0, {}};
+    return {error == ECONNRESET ? IoState::Reset : IoState::Failed, 0, std::strerror(error)};
 }
 
 int OpenDatagrams(const NetAddress& address, std::string& problem) {

@@ -7,6 +7,7 @@ import json
 import os
 import re
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
@@ -31,6 +32,25 @@ def paths(value, here, told):
     else:
         return {here}
     return set().union(*inner)
+
+
+def replayed():
+    """The lines of a replay that is asked what it knows, what it does not know, and to do what it cannot do."""
+    with open("some.traffic", "w", encoding="utf-8") as file:
+        file.write('{"traffic":1,"kind":"tcp","device":"127.0.0.1:1"}\n{"connection":1,"from":"program","text":"ask\\r"}\n'
+                   '{"connection":1,"from":"device","text":"answer\\r"}\n')
+    program = subprocess.Popen([stagehost, "--json", "replay", "some.traffic"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+    lines = [json.loads(program.stdout.readline())]
+    with socket.create_connection(("127.0.0.1", lines[0]["tcp"])) as caller:
+        caller.sendall(b"ask\r")
+        caller.recv(100)
+        caller.sendall(b"axe\r")
+        program.stdin.write('{"do":"dance"}\n')
+        program.stdin.flush()
+        while not any("unknown" in line for line in lines) or not any("problem" in line for line in lines):
+            lines.append(json.loads(program.stdout.readline()))
+    program.communicate(timeout=120)
+    return lines
 
 
 def hold(section, values):
@@ -69,6 +89,7 @@ try:
     hold("`test`", [json.loads(run("test", "examples/cuelist", "thrown.json", "noted.js"))])
     hold("`check`", [json.loads(run("check", script)) for script in (dimmer, "bad.js", "noted.js", "top.js")])
     hold("`definition`", [json.loads(run("definition", dimmer))])
+    hold("`record`, `replay`", replayed())
     hold("`variables`", [json.loads(run("variables", dimmer))])
     hold("`new`", [json.loads(run("new", "udp", "demo"))])
     hold("`setup`", [json.loads(run("setup", show))])

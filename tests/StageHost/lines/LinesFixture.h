@@ -38,7 +38,11 @@ public:
         if (onCame)
             onCame(line, bytes);
     }
-    void Ended(stagehost::LineId line) override { all += QStringLiteral("ended %1").arg(line); }
+    void Ended(stagehost::LineId line) override {
+        all += QStringLiteral("ended %1").arg(line);
+        if (onEnded)
+            onEnded(line);
+    }
     void Drained(stagehost::LineId) override { ++drained; }
     void Closed(stagehost::LineId line, const QString& why) override {
         all += QStringLiteral("closed %1").arg(line);
@@ -56,6 +60,7 @@ public:
     bool joins = true;
     int drained = 0;
     std::function<void(stagehost::LineId)> onOpened;
+    std::function<void(stagehost::LineId)> onEnded;
     std::function<void(stagehost::LineId, const QByteArray&)> onCame;
 };
 
