@@ -27,6 +27,8 @@ QStringList WordsOf(const Show& show, const ShowPeer& peer) {
     const bool isScript = peer.kind == ShowPeer::Kind::Script;
     QStringList words{QCoreApplication::applicationFilePath(),
                       isScript ? QStringLiteral("counterpart") : QStringLiteral("replay"), QStringLiteral("--json")};
+    if (!isScript)
+        words += QStringLiteral("--any-order"); // drivers poll, and no two evenings poll alike
     if (peer.seed)
         words += {QStringLiteral("--seed"), QString::number(*peer.seed)};
     words += {QStringLiteral("--"), peer.file};

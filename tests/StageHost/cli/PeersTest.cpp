@@ -328,3 +328,23 @@ TEST_F(PeersOfAShow, EndAlsoWhenTheHostIsKilled) {
     host.Kill();
     EXPECT_TRUE(HasEnded(child));
 }
+
+TEST_F(PeersOfAShow, ReplaysAnswerADriverThatPollsOftenerThanTheOneOfTheRecording) {
+    host.File(Text("evening.traffic"), R"({"device":"127.0.0.1:1","kind":"tcp","traffic":1}
+{"at":0.1,"connection":1,"event":"opened","who":"127.0.0.1:2"}
+{"at":0.1,"connection":1,"from":"program","text":"STATE\r"}
+{"at":0.2,"connection":1,"from":"device","text":"off\r"}
+{"at":0.3,"connection":1,"from":"program","text":"ON\r"}
+{"at":0.4,"connection":1,"from":"device","text":"ok\r"}
+{"at":0.5,"connection":1,"from":"program","text":"STATE\r"}
+{"at":0.6,"connection":1,"from":"device","text":"on\r"}
+{"at":0.7,"event":"end"}
+)");
+    const QByteArray steps =
+        Ask("STATE", "off") + "," + Ask("STATE", "off") + "," + Ask("ON", "ok") + "," + Ask("STATE", "on");
+    host.Run({Text("run"), host.File(Text("replayed.json"), R"({"peers":[{"name":"fake","replay":"evening.traffic"}],
+            "devices":[{"name":"dev","driver":"driver.js","settings":{"host":{"peer":"fake"},"port":{"peer":"fake"}}}],
+            "steps":[{"wait":{"until":"dev.Online = yes","within":30000}},)" +
+                                                                steps + "]}")});
+    ExpectWell();
+}
