@@ -1,20 +1,20 @@
 #include "Options.h"
 
-#include <cstdlib>
+#include <charconv>
 
 namespace {
 
 bool ReadNumber(const std::string& text, std::uint64_t& number) {
-    char* end = nullptr;
-    number = std::strtoull(text.c_str(), &end, 10);
-    return !text.empty() && *end == '\0' && text[0] != '-';
+    const char* const end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    return read.ec == std::errc() && read.ptr == end;
 }
 
 std::string TakeValue(const std::string& option, const std::string& value, Options& options) {
     std::uint64_t number = 0;
     if (option == "--only") {
         options.only = value;
-        return {};
+        return value.empty() ? "--only needs a case; --list shows them" : std::string();
     }
     if (!ReadNumber(value, number))
         return option + " needs a number, not \"" + value + "\"";

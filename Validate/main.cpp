@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <iostream>
 #include <sstream>
 
@@ -69,6 +70,27 @@ int BadUse(const std::string& problem) {
     return kExitBadUse;
 }
 
+/// The whole path of the module, since a case may change the working folder. @return empty, or why there is none.
+std::string FindModule(std::string& file) {
+    std::error_code error;
+    const std::filesystem::path whole = std::filesystem::canonical(file, error);
+    if (error)
+        return file + ": " + error.message();
+    if (!std::filesystem::is_regular_file(whole, error))
+        return file + " is no regular file";
+    file = whole.string();
+    return {};
+}
+
+/// Results that nobody can read are none.
+int Written(int exitCode) {
+    std::cout.flush();
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0 && std::cout.good())
+        return exitCode;
+    std::cerr << "kxpvalidate: the output cannot be written\n";
+    return kExitBadUse;
+}
+
 int Validate(const Options& options) {
     int failed = 0;
     for (const Case& one : AllCases()) {
@@ -94,10 +116,15 @@ int main(int count, char** words) {
     if (!problem.empty())
         return BadUse(problem);
     if (options.list)
-        return List();
+        return Written(List());
     const auto& cases = AllCases();
     if (!options.only.empty() &&
         std::none_of(cases.begin(), cases.end(), [&](const Case& one) { return options.only == one.name; }))
         return BadUse("there is no case \"" + options.only + "\"; --list shows them");
-    return Validate(options);
+    const std::string missing = FindModule(options.moduleFile);
+    if (!missing.empty()) {
+        std::cerr << "kxpvalidate: " << missing << "\n";
+        return kExitBadUse;
+    }
+    return Written(Validate(options));
 }

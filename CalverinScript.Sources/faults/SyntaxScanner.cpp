@@ -38,7 +38,7 @@ bool IsHexDigit(QChar c) {
 }
 
 template <typename Words>
-bool HasWord(const Words& words, QStringRef text) {
+bool HasWord(const Words& words, const QStringRef& text) {
     return std::any_of(std::begin(words), std::end(words), [&](const char* one) { return text == QLatin1String(one); });
 }
 

@@ -247,7 +247,11 @@ QString ArgumentReader::ReadClockTime(const QString& text) {
     m_options.clockText = text;
     m_options.clock.begin = ReadClock(text);
     if (m_options.clock.begin.isNull())
-        return QStringLiteral("--clock needs a time as 19:30, 19:30:00 or \"2026-12-24 19:30:00\", not \"%1\"")
+        return QStringLiteral(
+                   "--clock needs a time of the years %1 to %2 as 19:30, 19:30:00 or \"2026-12-24 19:30:00\", "
+                   "that the clocks here show; not \"%3\"")
+            .arg(kFirstYear)
+            .arg(kLastYear)
             .arg(text);
     return WhyNoClock("clock");
 }

@@ -33,7 +33,9 @@ QDateTime ReadClock(const QString& text) {
     const auto* form = hour.size() > 5 ? "HH:mm:ss" : "HH:mm";
     const QTime time = QTime::fromString(hour, QLatin1String(form));
     const QDateTime read(date, time);
-    const bool isThere = read.isValid() && QDateTime::fromSecsSinceEpoch(read.toSecsSinceEpoch()).time() == time;
+    const bool isCounted = date.year() >= kFirstYear && date.year() <= kLastYear;
+    const bool isThere =
+        read.isValid() && isCounted && QDateTime::fromSecsSinceEpoch(read.toSecsSinceEpoch()).time() == time;
     return isThere ? read : QDateTime();
 }
 

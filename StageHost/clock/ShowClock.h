@@ -24,6 +24,8 @@ inline constexpr int kFastest = 3600; // an hour in a second
 /// Reads "08:30", "08:30:15", or one with a date in front: "2026-12-24 19:30". Local time.
 /// @return null when the text is none, or when that time is left out on that day.   [any]
 QDateTime ReadClock(const QString& text);
+inline constexpr int kFirstYear = 1970;
+inline constexpr int kLastYear = 2199; // nanoseconds since 1970 fill 63 bits some decades later
 
 /// The time of the show that this process plays: that of the computer, or another that runs faster while the show
 /// does. Its beginning and its end, where programs start and end, take the time of the computer.

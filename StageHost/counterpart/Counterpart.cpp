@@ -357,7 +357,7 @@ QString Counterpart::Work(const QString& deed, const QStringList& lies) {
         const bool isAboutTruth = deed == QLatin1String("lie") || deed == QLatin1String("obey");
         if (deed == QLatin1String("leave"))
             Tell(static_cast<int>(id), "left", {});
-        const QString problem = isAboutTruth ? SetLies(*m_ends[id], lies, 1) : WorkEnd(*m_ends[id], deed);
+        QString problem = isAboutTruth ? SetLies(*m_ends[id], lies, 1) : WorkEnd(*m_ends[id], deed);
         if (!problem.isEmpty())
             return problem;
     }

@@ -43,8 +43,8 @@ void PeerLines::Take(const QByteArray& bytes) {
 void PeerLines::TakeLine(const QByteArray& line) {
     const QJsonObject object = line.startsWith('{') ? QJsonDocument::fromJson(line).object() : QJsonObject();
     TakeObject(object);
-    const bool fails = object.contains(QStringLiteral("problem"));
-    m_ready = m_ready || !fails;
+    const bool speaksFirst = object.contains(QStringLiteral("problem")) || object.contains(QStringLiteral("note"));
+    m_ready = m_ready || !speaksFirst; // a script may note something before its endpoints are open
 }
 
 void PeerLines::TakeObject(const QJsonObject& object) {

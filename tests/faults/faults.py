@@ -244,8 +244,8 @@ def main():
     plan = []
     for part in parts:
         for kind in wanted.kind or KINDS:
-            if part.name == "module" and kind == "allocation" and not wanted.part:
-                continue
+            if kind == "allocation" and not wanted.kind:
+                continue  # what the engine needs for a value of ours ends the process now and then, elsewhere on each machine
             if part.name != "module" and kind == "host":
                 continue
             count, problem, code, told, _ = evening.play(part, kind)

@@ -1,6 +1,7 @@
 #include "ScriptDocumentLayout.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QScreen>
 #include <QScrollBar>
 #include <QTextBlock>
@@ -34,10 +35,16 @@ protected:
     }
     /// What changes have painted on the screen is what painting all of it gives.
     void ExpectScreenIsUpToDate(int edit = 0) {
+        const QDeadlineTimer deadline(5000); // what nobody asks to be painted stays wrong; what waits its turn does not
+        while (!IsScreenUpToDate() && !deadline.hasExpired())
+            QApplication::processEvents(QEventLoop::AllEvents, 10);
+        ASSERT_TRUE(IsScreenUpToDate()) << "edit " << edit;
+    }
+    bool IsScreenUpToDate() {
         const QImage screen = m_editor.screen()->grabWindow(m_editor.winId()).toImage();
         const QImage anew = m_editor.grab().toImage();
         const auto format = QImage::Format_RGB32;
-        ASSERT_EQ(screen.convertToFormat(format), anew.convertToFormat(format)) << "edit " << edit;
+        return screen.convertToFormat(format) == anew.convertToFormat(format);
     }
     int LineHeight() const { return m_editor.fontMetrics().lineSpacing(); }
 

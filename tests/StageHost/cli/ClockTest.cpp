@@ -108,8 +108,12 @@ TEST_F(Clock, IsOfShowsAloneAndSaysWhatItTakes) {
          "--speed needs a whole number from 1 to 3600, not \"0\""},
         {{Text("--speed"), Text("fast"), Text("run"), Text("x.json")}, "--speed needs a whole number"},
         {{Text("--speed"), Text("2"), Text("check"), Text("x.js")}, "--speed is for run, watch and test"},
-        {{Text("--clock"), Text("25:00"), Text("run"), Text("x.json")}, "--clock needs a time as 19:30"},
-        {{Text("--clock"), Text("2026-02-30 10:00"), Text("run"), Text("x.json")}, "--clock needs a time as 19:30"},
+        {{Text("--clock"), Text("25:00"), Text("run"), Text("x.json")},
+         "--clock needs a time of the years 1970 to 2199 as 19:30"},
+        {{Text("--clock"), Text("2300-01-01 10:00"), Text("run"), Text("x.json")}, "--clock needs a time of the years"},
+        {{Text("--clock"), Text("1600-01-01 00:00"), Text("run"), Text("x.json")}, "--clock needs a time of the years"},
+        {{Text("--clock"), Text("2026-02-30 10:00"), Text("run"), Text("x.json")},
+         "--clock needs a time of the years 1970 to 2199 as 19:30"},
         {{Text("--clock"), Text("10:00"), Text("schema")}, "--clock is for run, watch and test"},
     };
     for (const auto& [words, told] : rows) {

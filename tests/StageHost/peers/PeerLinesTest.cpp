@@ -30,6 +30,15 @@ TEST(PeerLines, AProblemIsNoSignOfReadinessAndKeepsItsPlace) {
     EXPECT_TRUE(lines.TakeProblems().isEmpty());
 }
 
+TEST(PeerLines, ANoteIsNoSignOfReadiness) {
+    PeerLines lines;
+    lines.Take("{\"note\":\"here I am\"}\n");
+    EXPECT_FALSE(lines.IsReady());
+    lines.Take("{\"ready\":true,\"tcp\":4352}\n");
+    EXPECT_TRUE(lines.IsReady());
+    EXPECT_NE(lines.Find({}), nullptr);
+}
+
 TEST(PeerLines, TheReadyLineTellsWhereEachEndpointIs) {
     PeerLines lines;
     lines.Take("{\"ready\":true,\"tcp\":4352}\n");
