@@ -523,15 +523,6 @@ MaybeFailure Session::Pause(std::chrono::milliseconds time) {
                                 : std::nullopt;
 }
 
-Device* Session::FindDevice(const QString& name) {
-    const std::string border = ToBorderText(name);
-    for (const auto& device : m_devices) {
-        if (device->Name() == border)
-            return device.get();
-    }
-    return nullptr;
-}
-
 void Session::EndDevices(int lateCode) {
     ShowClock::Rest();
     m_host->Model().EndTasks();

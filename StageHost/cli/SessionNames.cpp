@@ -3,9 +3,18 @@
 #include "NearNames.h"
 #include "Session.h"
 
-/// What is said of names that a show does not have.
+/// What a show's names stand for, and what is said of those that it does not have.
 
 namespace stagehost {
+
+Device* Session::FindDevice(const QString& name) {
+    const std::string border = ToBorderText(name);
+    for (const auto& device : m_devices) {
+        if (device->Name() == border)
+            return device.get();
+    }
+    return nullptr;
+}
 
 Failure NoDevice(const Show& show, const QString& name) {
     QStringList known;

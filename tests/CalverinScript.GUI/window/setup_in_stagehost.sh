@@ -15,7 +15,8 @@ fail() {
 }
 # Opens the dialog; the rest are keys that end it.
 run() {
-    "$stagehost" setup --window "$work/show.json" desk >"$work/log" 2>&1 &
+    # A shell has what it starts behind itself ignore Ctrl-C, and the program keeps to that.
+    env --default-signal=INT "$stagehost" setup --window "$work/show.json" desk >"$work/log" 2>&1 &
     pid=$!
     eventually has_keyboard "$title"
     eventually is_centred_on "$title" "stagehost: .*"
