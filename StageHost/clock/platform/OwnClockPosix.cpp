@@ -134,6 +134,7 @@ void RunOwnClock(int speed) {
     syscall(SYS_clock_nanosleep, CLOCK_MONOTONIC, 0, &moment, nullptr);
     SetClock(speed, 0);
 }
+
 int OwnClockSpeed() {
     return Page() == nullptr ? 1 : static_cast<int>(std::max<std::int64_t>(Page()->Read().speed, 1));
 }
