@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <new>
+#include <string>
 #include <utility>
 
 #include <QImage>
@@ -20,6 +20,7 @@
 #include "MCalverinScript_Device.h"
 #include "ModuleResources.h"
 #include "QMfcApp.h"
+#include "RunWithinMemory.h"
 #include "SetupInterface.h"
 #include "ThreadPromise.h"
 #include "WithinMemory.h"
@@ -85,10 +86,14 @@ KXPCode MCalverinScript_Module::QueryInterface(const char* name, void** out) {
 }
 
 /// The host may release from within a call that this object made, may release twice, and may keep devices. So the
-/// object stays until the next one is released, without what it had.
+/// object stays until the next one is released, without what it had. A device that is just being made needs the module
+/// to the end: the release waits for it.
 KXPCode MCalverinScript_Module::Release() {
     ExpectThread(ThreadWord::HostMain, "IKXPModule::Release");
     if (instance != this)
+        return KXP_OK;
+    m_isReleased = true;
+    if (m_making > 0)
         return KXP_OK;
     instance = nullptr;
     bool allEnded = true;
@@ -117,11 +122,13 @@ void MCalverinScript_Module::Empty() {
 KXPCode MCalverinScript_Module::Initialize(IMInterface* hostRoot, void* /*ignored1*/, void* /*ignored2*/) {
     ExpectThread(ThreadWord::HostMain, "IKXPModule::Initialize");
     m_host = hostRoot;
-    RegisterSelectors();
-    OpenLog(ModuleHandle(), kProgramName, m_host);
-    TakeDateFormat();
-    LearnHost();
-    return KXP_OK;
+    return WithinMemory(KXP_NOT_IMPLEMENTED, [this] {
+        RegisterSelectors();
+        OpenLog(ModuleHandle(), kProgramName, m_host);
+        TakeDateFormat();
+        LearnHost();
+        return KXPCode{KXP_OK};
+    });
 }
 
 void MCalverinScript_Module::RegisterSelectors() {
@@ -181,8 +188,12 @@ KXPCode MCalverinScript_Module::SetDeviceHost(void* newDeviceHost) {
 
 const char* MCalverinScript_Module::GetDefinition() {
     ExpectThread(ThreadWord::HostMain, "IKXPModule::GetDefinition");
-    m_definition.LoadFromResource(ModuleHandle(), kDefinitionId);
-    return m_definition.GetText();
+    const char* text = nullptr;
+    RunWithinMemory([&] {
+        m_definition.LoadFromResource(ModuleHandle(), kDefinitionId);
+        text = m_definition.GetText();
+    });
+    return text;
 }
 
 KXPCode MCalverinScript_Module::GetModuleVersion(std::uint32_t* out) {
@@ -205,14 +216,22 @@ KXPCode MCalverinScript_Module::CreateDevice(void* /*ignored*/, IKXPDevice** out
         return KXP_NULL_ARGUMENT;
     if (m_deviceHost == nullptr)
         return KXP_NO_DEVICE_HOST;
-    if (instance != this)
+    if (m_isReleased)
         return KXP_NO_DEVICE_MADE;
-    if (!CanOpenDescriptors(kDescriptorsOfDevice) || !HasSpaceForDevice())
-        return KXP_NO_DEVICE_MADE;
-    return WithinMemory(KXP_NO_DEVICE_MADE, [this, out] { return MakeDevice(out); });
+    ++m_making;
+    const KXPCode code = WithinMemory(KXP_NO_DEVICE_MADE, [this, out] { return MakeDevice(out); });
+    --m_making;
+    if (!m_isReleased)
+        return code;
+    if (*out != nullptr)
+        std::exchange(*out, nullptr)->Release();
+    Release();
+    return KXP_NO_DEVICE_MADE;
 }
 
 KXPCode MCalverinScript_Module::MakeDevice(IKXPDevice** out) {
+    if (!CanOpenDescriptors(kDescriptorsOfDevice) || !HasSpaceForDevice())
+        return KXP_NO_DEVICE_MADE;
     const auto release = [](MCalverinScript_Device* device) { device->Release(); };
     std::unique_ptr<MCalverinScript_Device, decltype(release)> device(
         new MCalverinScript_Device(this, m_setupInterface.get(), nullptr), release);
@@ -239,7 +258,11 @@ KXPCode MCalverinScript_Module::CheckCommand(void* /*ignored*/, IKXPDevice* devi
     MCalverinScript_Device* ours = AsOurDevice(device);
     if (ours == nullptr)
         return KXP_OK;
-    if (params != nullptr)
-        params->SetProperty(kDeviceIdProperty, std::to_string(ours->GetStoredSetup().GetDeviceNumber()).c_str(), 0, 0);
-    return kValidationCodes[ours->ValidateCommand(id, params)];
+    const HostDoor::Visit visit(ours->GetDoor()); // the host may release the device when the collection is asked
+    return WithinMemory(KXP_COMMANDS_CHANGED, [&] {
+        const std::string number = std::to_string(ours->GetStoredSetup().GetDeviceNumber());
+        if (params != nullptr)
+            params->SetProperty(kDeviceIdProperty, number.c_str(), 0, 0);
+        return kValidationCodes[ours->ValidateCommand(id, params)];
+    });
 }

@@ -89,7 +89,9 @@ private:
     static MCalverinScript_Module* released; ///< the last one that was released; owned
 
     MKXPXmlDefinition m_definition; ///< remade by each GetDefinition
-    void* m_deviceHost = nullptr;   ///< not used, but required before a device is made
+    bool m_isReleased = false;
+    int m_making = 0;             ///< calls of CreateDevice, one inside the other
+    void* m_deviceHost = nullptr; ///< not used, but required before a device is made
     std::unique_ptr<QImage> m_bitmap;
     MScriptSelectorWizard m_scriptSelector;
     MScriptTextSelectorWizard m_scriptTextSelector;

@@ -12,6 +12,7 @@
 #include "CommandTable.h"
 #include "ExitCodes.h"
 #include "ExitGuard.h"
+#include "FileSpace.h"
 #include "MainWait.h"
 #include "NearNames.h"
 #include "Output.h"
@@ -134,6 +135,7 @@ QString EnterClock(const Options& options, char** arguments) {
 int main(int argc, char** argv) {
     std::set_terminate(&EndWithoutRoom);
     HoldStandardChannels();
+    FailWhereFilesMayNotGrow();
     ChooseFileNameEncoding();
     ArgumentReader reader;
     const QString problem = reader.Read(Words(argc, argv));

@@ -1,11 +1,11 @@
 #include "CaseRun.h"
 
-#include <exception>
 #include <sstream>
 
 #include "CaseProcess.h"
 #include "GuardedPages.h"
 #include "ReportLine.h"
+#include "ThrownText.h"
 
 namespace {
 
@@ -26,19 +26,49 @@ int Work(const Case& one, const Options& options, int descriptor) {
         WriteReportLine(descriptor, "passed", "");
     } catch (const Skipped& skipped) {
         WriteReportLine(descriptor, "skipped", skipped.what());
-    } catch (const std::exception& finding) {
+    } catch (const SlowRelease& finding) {
+        WriteReportLine(descriptor, "slow", "");
         WriteReportLine(descriptor, "failed", finding.what());
+    } catch (const Finding& finding) {
+        WriteReportLine(descriptor, "failed", finding.what());
+    } catch (...) {
+        WriteReportLine(descriptor, "failed",
+                        TextOfThrown() + " leaves the module; promised: nothing throws across the border");
     }
     return 0;
+}
+
+/// As a word of a shell.
+std::string ShellWord(const std::string& word) {
+    constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./+=:,@%";
+    if (!word.empty() && word.find_first_not_of(plain) == std::string::npos)
+        return word;
+    std::string quoted = "'";
+    for (const char character : word)
+        quoted += character == '\'' ? std::string("'\\''") : std::string(1, character);
+    return quoted + "'";
 }
 
 std::string After(const std::string& line, const std::string& kind) {
     return line.rfind(kind + ": ", 0) == 0 ? line.substr(kind.size() + 2) : std::string();
 }
 
+/// What a process that tells nothing of itself has come to.
+std::string WithoutResult(const CaseEnd& end) {
+    constexpr int kKilled = 128 + 9; // by us
+    if (!end.isInTime)
+        return "does not come back; promised: it does, and the limit is " + std::to_string(end.limit.count() / 1000) +
+               " s";
+    if (end.exitCode == kKilled)
+        return "the descriptor on which the case tells its result was closed; promised: the module closes what it has "
+               "opened";
+    return "the process of the case ends with code " + std::to_string(end.exitCode) +
+           " and without a result; promised: the module ends no process";
+}
+
 CaseResult Judge(const CaseEnd& end) {
     CaseResult result;
-    result.finding = end.isInTime ? "the process ends with code " + std::to_string(end.exitCode) : "does not come back";
+    result.finding = WithoutResult(end);
     std::istringstream lines(end.report);
     bool isCrash = false;
     for (std::string line; std::getline(lines, line);) {
@@ -46,6 +76,8 @@ CaseResult Judge(const CaseEnd& end) {
             result.lastStep = step;
         } else if (const std::string note = After(line, "note"); !note.empty()) {
             result.notes += note + '\n';
+        } else if (line == "slow: ") {
+            result.hasSlowRelease = true;
         } else if (line == "passed: ") {
             result.verdict = Verdict::Passed;
         } else if (const std::string why = After(line, "skipped"); !why.empty()) {
@@ -79,6 +111,6 @@ CaseResult RunCase(const Case& one, const Options& options) {
 }
 
 std::string Reproduction(const Case& one, const Options& options) {
-    return "kxpvalidate " + options.moduleFile + " --only " + one.name + " --level " + std::to_string(options.level) +
-           " --seed " + std::to_string(options.seed);
+    return "kxpvalidate " + ShellWord(options.moduleFile) + " --only " + one.name + " --level " +
+           std::to_string(options.level) + " --seed " + std::to_string(options.seed);
 }

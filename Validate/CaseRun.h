@@ -14,6 +14,7 @@ struct CaseResult {
     std::string frames;   ///< of a crash, a line each
     std::string notes;    ///< what else is worth knowing, a line each
     double seconds = 0;
+    bool hasSlowRelease = false; ///< Release of a device takes longer than it may
 };
 
 /// Runs a case in a process of its own, which is ended at the limit of its level.   [main]

@@ -13,7 +13,7 @@ bool ReadNumber(const std::string& text, std::uint64_t& number) {
 std::string TakeValue(const std::string& option, const std::string& value, Options& options) {
     std::uint64_t number = 0;
     if (option == "--only") {
-        options.only = value;
+        options.only.push_back(value);
         return value.empty() ? "--only needs a case; --list shows them" : std::string();
     }
     if (!ReadNumber(value, number))
@@ -57,12 +57,12 @@ std::string ReadOptions(int count, char** words, Options& options) {
 }
 
 std::string HelpText() {
-    return "kxpvalidate MODULE [--level 1-10] [--only CASE] [--seed N] [--json]\n"
+    return "kxpvalidate MODULE [--level 1-10] [--only CASE]... [--seed N] [--json]\n"
            "kxpvalidate --list\n\n"
            "Holds a module file to the contract of the host: each case runs in a process of its own, with a host that\n"
            "deletes all it may delete, and any touch of what is gone is a crash that is told.\n\n"
            "  --level  how much of it, 3 if not given; each level is four times the one before\n"
-           "  --only   one case alone\n"
+           "  --only   one case alone; may be given for some\n"
            "  --seed   what the dice begin with, 1 if not given\n"
            "  --json   the results for programs\n"
            "  --list   the cases with what each promises\n\n"

@@ -2,11 +2,12 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 /// What the command line asks for.
 struct Options {
     std::string moduleFile;
-    std::string only; ///< empty for all cases
+    std::vector<std::string> only; ///< the names of some cases; empty for all
     int level = 3;
     std::uint64_t seed = 1;
     bool json = false;

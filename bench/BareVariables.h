@@ -12,7 +12,7 @@ class BareVariables : public QObject {
 public:
     explicit BareVariables(IVariableManager& manager)
         : m_manager(manager) {}
-    virtual ~BareVariables() = default;
+    ~BareVariables() override = default;
     Q_INVOKABLE unsigned int SetValueAsInteger(const QString& name = QString(), const QString& value = QString()) {
         m_manager.FindVariable(name.toLatin1().constData())->SetIntValue(value.toInt(), 0, 0);
         return 0;
@@ -29,7 +29,7 @@ private:
 class BareCrowd : public QObject {
     Q_OBJECT
 public:
-    virtual ~BareCrowd() = default;
+    ~BareCrowd() override = default;
     Q_INVOKABLE void First(int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0,
                            int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0,
                            int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0, int = 0) {}
@@ -48,7 +48,7 @@ class CrowdedVariables : public BareCrowd {
 public:
     explicit CrowdedVariables(IVariableManager& manager)
         : m_bare(manager) {}
-    virtual ~CrowdedVariables() = default;
+    ~CrowdedVariables() override = default;
     Q_INVOKABLE unsigned int SetValueAsInteger(const QString& name = QString(), const QString& value = QString()) {
         return m_bare.SetValueAsInteger(name, value);
     }

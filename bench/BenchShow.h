@@ -11,7 +11,7 @@ class BenchVariable : public plain::Value {
 public:
     BenchVariable()
         : plain::Value("v", KXP_INTEGER_DATA) {}
-    virtual ~BenchVariable() = default;
+    ~BenchVariable() override = default;
     /// Called with each number that is written, on the thread that writes.
     std::function<void(std::int32_t)> onWrite;
 
@@ -31,7 +31,7 @@ class BenchShow : public FakeRemote2, public IVariableManager {
 public:
     /// Offers itself to the devices that are made from now on.
     BenchShow();
-    virtual ~BenchShow() = default;
+    ~BenchShow() override = default;
 
     BenchVariable variable;
     BenchDevice* target = nullptr; ///< borrowed
@@ -48,7 +48,7 @@ private:
     /// The target's end is the end of the request behind it.
     class Answer : public plain::Context {
     public:
-        virtual ~Answer() = default;
+        ~Answer() override = default;
         KXPCode End() override;
         IExecContext2* request = nullptr;
         std::unique_ptr<plain::Params> params;

@@ -34,5 +34,4 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION devel)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS libqt5svg5) # a plug-in, which no library names: it draws the icons
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "python3, socat")
 include(CPack)

@@ -14,7 +14,7 @@ if grep -E '^[a-z_.]*(_tests|_bench): ' <<<"$targets"; then
     echo "there are tests or benchmarks"
     exit 1
 fi
-for package in libgtest-dev libbenchmark-dev clang-tidy clang-format; do
+for package in libgtest-dev libbenchmark-dev clang-tidy clang-format socat python3; do
     if grep -qx "$package" "$1/cmake/packages.txt"; then
         echo "./run would install $package"
         exit 1

@@ -60,6 +60,12 @@ const std::array<NoteKind, static_cast<std::size_t>(NoteCode::Count)> kNoteKinds
      "%1 may run more than once, and what it made before goes on, with its listeners, until the device stops: make the "
      "object once, "
      "as in _mStart, and use it again"},
+    {NoteCode::LostJump, "lost-jump",
+     "\"%1\" leads nowhere, and its function will throw when it is called: only a loop of the same function can be "
+     "left "
+     "so; write \"return\", or use a loop"},
+    {NoteCode::PassedOver, "passed-over",
+     "%1: the engine takes the script all the same, and leaves out what it cannot read here: correct the line"},
 }};
 
 QString ScriptNote::Code() const {

@@ -51,6 +51,8 @@ enum class NoteCode {
     EventNeverComes,
     UnknownObjectMember,
     ObjectMadeAgain,
+    LostJump,
+    PassedOver,
     Count
 };
 

@@ -9,6 +9,7 @@
 
 #include "CallNotes.h"
 #include "CommandIds.h"
+#include "GrammarNotes.h"
 #include "ObjectNotes.h"
 #include "ScriptGlobals.h"
 #include "ScriptNotes.h"
@@ -71,13 +72,15 @@ private:
 };
 
 /// All notes in the order of their lines; those without a line stand at the end.
-QList<ScriptNote> TakeNotes(const ScriptSource& source, const QScriptValue& value, bool isOwnObject,
+QList<ScriptNote> TakeNotes(const QString& script, const QScriptValue& value, bool isOwnObject,
                             const ScanResult& published) {
+    const ScriptSource source(script);
     QList<ScriptNote> notes;
     if (isOwnObject)
         notes = FindNotes(value, published, source);
     notes += FindSettingNotes(source, published.settings);
     notes += FindCallNotes(source);
+    notes += FindGrammarNotes(script);
     notes +=
         FindObjectNotes(source, value.engine() == nullptr ? QScriptValue() : value.engine()->globalObject(), published);
     const auto place = [](const ScriptNote& note) { return note.line > 0 ? note.line : INT_MAX; };
@@ -119,7 +122,7 @@ ScriptReport AnalyseScript(const QString& text, const QString& fileName, std::ch
     request.hiddenNames = value.strictlyEquals(engine.globalObject()) ? &BuiltInNames() : nullptr;
     report.published = ScanGlobal(request);
     AssignCommandIds({}, report.published.functions, false);
-    report.notes = TakeNotes(ScriptSource(text), value, request.hiddenNames == nullptr, report.published);
+    report.notes = TakeNotes(text, value, request.hiddenNames == nullptr, report.published);
     report.problem = watch.FindProblem();
     return report;
 }

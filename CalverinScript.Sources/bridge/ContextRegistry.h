@@ -20,7 +20,9 @@ class ContextRegistry {
 public:
     void Add(Context* context) {
         const std::lock_guard<std::mutex> guard(m_lock);
-        m_places[context] = m_contexts.insert(m_contexts.end(), context);
+        std::list<Context*> added{context};
+        m_places.emplace(context, added.begin());
+        m_contexts.splice(m_contexts.end(), added);
     }
 
     /// @return whether it was here. Of several that remove one context, one hears true.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "HostText.h"
 #include "IScriptDevice.h"
 #include "MScriptMngRemote.h"
@@ -12,17 +14,18 @@
 /// @return the final code; on 0 the result text goes to text, which may be null.   [script]
 template <typename Operation>
 KXPCode MScriptMngRemote::CallAndWait(Operation operation, MString* text) {
-    auto* context = new MyDeviceExecContext(m_syncContexts);
-    KXPCode code = operation(context);
+    const auto release = [](MyDeviceExecContext* asked) { asked->Release(); };
+    const std::unique_ptr<MyDeviceExecContext, decltype(release)> context(new MyDeviceExecContext(m_syncContexts),
+                                                                          release);
+    KXPCode code = operation(context.get());
     if (code == KXP_PENDING) {
-        const ScriptWait wait(&m_scriptWaits, [context] { context->GiveUp(); });
+        const ScriptWait wait(&m_scriptWaits, [&context] { context->GiveUp(); });
         if (wait.IsAllowed())
             context->Wait();
         code = context->GetErrorCode();
     }
     if (code == KXP_OK && text != nullptr)
         *text = context->GetResult();
-    context->Release();
     return code;
 }
 

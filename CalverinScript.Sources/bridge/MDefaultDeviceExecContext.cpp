@@ -1,6 +1,7 @@
 #include "MDefaultDeviceExecContext.h"
 
 #include "FaceAnswer.h"
+#include "WithinMemory.h"
 
 MDefaultDeviceExecContext::MDefaultDeviceExecContext(IExecContextEndHandler* endHandler)
     : m_handler(endHandler) {}
@@ -57,9 +58,11 @@ KXPCode MDefaultDeviceExecContext::Reserved8(void* /*argument1*/, void* /*argume
 }
 
 KXPCode MDefaultDeviceExecContext::SetResultText(const char* text) {
-    const std::lock_guard<std::mutex> guard(m_resultLock);
-    m_result = text;
-    return KXP_OK;
+    return WithinMemory(KXP_NOT_IMPLEMENTED, [&] {
+        const std::lock_guard<std::mutex> guard(m_resultLock);
+        m_result = text;
+        return KXPCode{KXP_OK};
+    });
 }
 
 std::uint32_t MDefaultDeviceExecContext::GetState() {

@@ -1,6 +1,7 @@
 #include "MScriptMngRemote.h"
 
 #include <chrono>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -10,6 +11,7 @@
 #include "MScriptCommonEvent.h"
 #include "MScriptParamList.h"
 #include "MScriptResource.h"
+#include "RunWithinMemory.h"
 
 namespace {
 
@@ -40,6 +42,10 @@ MScriptMngRemote::MScriptMngRemote(IScriptDevice* scriptDevice, IManagerRemote* 
 
 /// The script is over and nobody else knows this object any more.
 MScriptMngRemote::~MScriptMngRemote() {
+    ShutThreadsOut();
+}
+
+void MScriptMngRemote::ShutThreadsOut() {
     ResetPostponed();
     m_eventSources.Release();
     m_eventSources.DeleteReleased();
@@ -125,18 +131,35 @@ void MScriptMngRemote::PostScriptEvent(const QString& eventName, const MScriptPa
                                        MScriptCommonEvent* object) {
     if (m_device == nullptr || params == nullptr || object == nullptr || !m_eventSources.CountRaised(object))
         return;
-    MScriptParamList withSource(*params);
-    withSource.SetSource(object);
-    m_device->PostScriptEvent(eventName, &withSource, object);
+    const auto post = [&] {
+        MScriptParamList withSource(*params);
+        withSource.SetSource(object);
+        m_device->PostScriptEvent(eventName, &withSource, object);
+    };
+    PostOrTakeBack(object, 1, post);
 }
 
 void MScriptMngRemote::PostScriptEvents(const QString& eventName, std::vector<MScriptParamList> events,
                                         MScriptCommonEvent* object) {
-    if (m_device == nullptr || object == nullptr || !m_eventSources.CountRaised(object, events.size()))
+    const std::uint64_t count = events.size();
+    if (m_device == nullptr || object == nullptr || !m_eventSources.CountRaised(object, count))
         return;
-    for (MScriptParamList& params : events)
-        params.SetSource(object);
-    m_device->PostScriptEvents(eventName, std::move(events), object);
+    const auto post = [&] {
+        for (MScriptParamList& params : events)
+            params.SetSource(object);
+        m_device->PostScriptEvents(eventName, std::move(events), object);
+    };
+    PostOrTakeBack(object, count, post);
+}
+
+/// Events that were counted and are not on their way would be waited for without end.
+template <typename Post>
+void MScriptMngRemote::PostOrTakeBack(const MScriptCommonEvent* object, std::uint64_t count, Post post) {
+    if (RunWithinMemory(post))
+        return;
+    for (std::uint64_t i = 0; i < count; ++i)
+        m_eventSources.TakeRaised(object);
+    throw std::bad_alloc();
 }
 
 std::string MScriptMngRemote::GetDeviceName() const {

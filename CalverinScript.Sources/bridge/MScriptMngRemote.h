@@ -44,6 +44,9 @@ public:
     MScriptMngRemote(IScriptDevice* device, IManagerRemote* remote, IManagerRemote2* remote2,
                      IVariableManager* variables, QScriptEngine* engine);
     ~MScriptMngRemote() override;
+    /// Lets go of the script's objects and requests; no thread of theirs is in this object any more. The end of it.
+    /// [script]
+    void ShutThreadsOut();
 
     // The device's life
     /// Before the script starts: gives up the asynchronous requests of the last run, and lets the next one wait.   [any host thread]
@@ -165,6 +168,9 @@ public:
     /// @param request as ObjectRequest::Ask.   [host main]
     void AskAboutObject(ObjectRequest& request);
 
+    /// The engine whose scripts call it; may be null.
+    QScriptEngine* GetScriptEngine() const { return m_engine; }
+
     // The group granted to this device
     KXPCode RegisterRootGroup();
     KXPCode UnregisterRootGroup();
@@ -230,6 +236,8 @@ private:
     bool IsDeviceEnding() const;
     template <typename Object>
     QScriptValue Create();
+    template <typename Post>
+    void PostOrTakeBack(const MScriptCommonEvent* object, std::uint64_t count, Post post);
     IData* FindVariable(const QString& name) const;
     template <typename Use>
     bool UseVariable(const QString& name, Use use);

@@ -8,6 +8,7 @@
 #include "MScriptResource.h"
 #include "MScriptUDP.h"
 #include "MTime.h"
+#include "ScriptFacing.h"
 #include "StoppableLoop.h"
 #include "TCPClient.h"
 
@@ -99,7 +100,7 @@ template <typename Object>
 QScriptValue MScriptMngRemote::Create() {
     if (m_engine == nullptr)
         return QScriptValue();
-    auto object = std::make_unique<Object>(m_device != nullptr ? this : nullptr);
+    auto object = std::make_unique<ScriptFacing<Object>>(m_device != nullptr ? this : nullptr);
     const QScriptValue view = object->ToScript(*m_engine);
     m_eventSources.Own(std::move(object));
     return view;

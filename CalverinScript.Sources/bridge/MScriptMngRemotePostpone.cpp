@@ -1,5 +1,7 @@
 #include "MScriptMngRemote.h"
 
+#include <memory>
+
 #include "HostText.h"
 #include "IScriptDevice.h"
 #include "MyPostponedObject.h"
@@ -13,11 +15,13 @@ void MScriptMngRemote::SetPostponeAllowed(bool allowed) {
 int MScriptMngRemote::PostponeResult() {
     if (!m_postponeAllowed || m_device == nullptr || m_currentPostponed != nullptr)
         return 0;
-    auto* postponed = new MyPostponedObject(m_device->TakeExecutingCommand());
+    const auto release = [](MyPostponedObject* held) { held->Release(); };
+    std::unique_ptr<MyPostponedObject, decltype(release)> postponed(
+        new MyPostponedObject(m_device->TakeExecutingCommand()), release);
+    m_postponedMap.Add(postponed.get()); // takes over the reference; without memory for it the command ends here
     postponed->AddRef();
-    m_currentPostponed = postponed;
-    m_postponedMap.Add(postponed);
-    return static_cast<int>(postponed->GetId());
+    m_currentPostponed = postponed.get();
+    return static_cast<int>(postponed.release()->GetId());
 }
 
 void MScriptMngRemote::SetResult(int id, const QString& text) {

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "DeviceTexts.h"
 #include "ICommandObjectHandler.h"
 #include "Log.h"
 #include "MyCommandManager.h"
+#include "RunWithinMemory.h"
 
 namespace {
 
@@ -52,19 +54,25 @@ std::string LogTexts(const ScriptRequest& request) {
     return texts;
 }
 
+/// A line for which there is no memory is left out: it is worth no command.
 void LogStep(const RequestKind& kind, const ScriptRequest& request, const char* device, const char* step,
              std::int32_t stackCount) {
-    if (IsLogOn(false))
+    if (!IsLogOn(false))
+        return;
+    RunWithinMemory([&] {
         WriteLog(LogHandle(), kRoadLevel, "kxpCalverinScript [%s] %s [%s]:%s - Stack: %d", device, kind.name, step,
                  LogTexts(request).c_str(), stackCount);
+    });
 }
 
 void LogExecuted(const RequestKind& kind, const ScriptRequest& request, const char* device) {
     if (!IsLogOn(false))
         return;
-    const std::string texts = LogTexts(request);
-    WriteLog(LogHandle(), kRoadLevel, "kxpCalverinScript [%s] %s [executed]%s%s", device, kind.name,
-             texts.empty() ? "" : ":", texts.c_str());
+    RunWithinMemory([&] {
+        const std::string texts = LogTexts(request);
+        WriteLog(LogHandle(), kRoadLevel, "kxpCalverinScript [%s] %s [executed]%s%s", device, kind.name,
+                 texts.empty() ? "" : ":", texts.c_str());
+    });
 }
 
 } // namespace
@@ -101,26 +109,29 @@ void CommandRoad::Stop() {
     m_dropped.TellRest();
 }
 
-/// Only a function with parameters has a context that is ended; with the others it travels along.
+/// Only a function with parameters has a context that is ended; with the others it travels along. The host may release
+/// the device when its context begins, which then ends here.
 bool CommandRoad::Post(const ScriptRequest& request, IExecContext* context) {
     const RequestKind* kind = KindOf(request.id);
     if (kind == nullptr || !m_work.MayPost())
         return false;
     LogStep(*kind, request, m_work.GetRoadName().c_str(), "post", m_stackCount.Read());
     const bool endsContext = request.id == kExecuteFunctionWithParams;
-    auto* command = new MCommandObject(&m_queue, request.id, 0, endsContext ? &m_contexts : nullptr,
-                                       endsContext ? context : nullptr);
+    auto command = std::make_unique<MCommandObject>(&m_queue, request.id, 0, endsContext ? &m_contexts : nullptr,
+                                                    endsContext ? context : nullptr);
+    if (!m_work.MayPost())
+        return true;
     command->AddVoidParam(context, kPointerParamSize);
     request.AddTo(*command);
-    Queue(command);
+    Queue(std::move(command));
     return true;
 }
 
-void CommandRoad::Queue(MCommandObject* command) {
+void CommandRoad::Queue(std::unique_ptr<MCommandObject> command) {
     command->SetTimeout(kCommandTimeoutMs);
     m_stackCount.Increment();
     std::unique_ptr<MCommandObject> dropped;
-    m_queue.PostCommand(command, dropped);
+    m_queue.PostCommand(command.release(), dropped);
     if (dropped)
         LetGo(*dropped);
 }
@@ -143,19 +154,20 @@ bool CommandRoad::Execute(const ScriptRequest& request) {
         m_work.ShowStatus(kind->status);
     }
     const bool done = m_work.Run(request);
-    LogExecuted(*kind, request, m_work.GetRoadName().c_str());
+    RunWithinMemory([&] { LogExecuted(*kind, request, m_work.GetRoadName().c_str()); });
     if (!kind->isScripts)
-        m_work.ShowStatus(DeviceStatus::Ready);
+        RunWithinMemory([&] { m_work.ShowStatus(DeviceStatus::Ready); });
     return done;
 }
 
 /// A function whose command the script has taken is over for the queue, whatever it gave: its answer comes later.
 bool CommandRoad::ExecuteCommand(MCommandObject& command) {
-    const ScriptRequest request = ScriptRequest::Of(command);
-    const bool isFunction = request.id == kExecuteFunctionWithParams;
+    const bool isFunction = command.GetId() == kExecuteFunctionWithParams;
     if (isFunction)
         m_executing = &command;
-    const bool done = Execute(request);
+    bool done = false;
+    if (!RunWithinMemory([&] { done = Execute(ScriptRequest::Of(command)); }))
+        TellWantOfMemory();
     const bool taken = isFunction && m_executing.exchange(nullptr) == nullptr;
     if (!done && !taken) {
         m_queue.HoldCurrentCommand();
@@ -165,6 +177,12 @@ bool CommandRoad::ExecuteCommand(MCommandObject& command) {
     m_stackCount.Decrement();
     m_work.OnCommandOver();
     return true;
+}
+
+/// The command is held, and by its second execution there may be memory again.
+void CommandRoad::TellWantOfMemory() {
+    RunWithinMemory([this] { m_work.ShowError(DeviceText::kNoMemory); });
+    RunWithinMemory([this] { LogWantOfMemory(m_work.GetRoadName().c_str(), "a command"); });
 }
 
 void CommandRoad::Serve(MThread& thread) {

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "DeviceStatus.h"
@@ -88,10 +89,11 @@ public:
     void ClearStackCount() { m_stackCount.Exchange(0); }
 
 private:
-    void Queue(MCommandObject* command);
+    void Queue(std::unique_ptr<MCommandObject> command);
     void LetGo(const MCommandObject& dropped);
     void CheckExpired();
     void GiveUp(MCommandObject* command);
+    void TellWantOfMemory();
     void TellDropped(std::uint64_t count);
 
     MyCommandManager& m_queue;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <memory>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -10,11 +11,6 @@
 #include <QTimer>
 
 namespace {
-
-/// The loop lives on another thread; it quits when it next looks at its events, or at once when it starts.
-void QuitLater(QEventLoop* loop) {
-    QCoreApplication::postEvent(loop, new QEvent(QEvent::Quit));
-}
 
 /// The host's main thread has events of its own to serve while it waits; the module's plain threads have none.
 bool HasEventsToServe() {
@@ -31,25 +27,33 @@ public:
         : m_gate(gate)
         , m_call(call) {
         const std::lock_guard<std::mutex> guard(m_gate.m_lock);
-        m_call.m_loop = &m_loop;
-        m_gate.m_loops.push_back(&m_loop);
+        m_gate.m_loops.push_back(this);
+        m_call.m_loop = this;
         if (m_gate.m_abandoned || m_call.m_done)
-            QuitLater(&m_loop);
+            QuitLater();
     }
     ~JoinedLoop() {
         const std::lock_guard<std::mutex> guard(m_gate.m_lock);
         m_call.m_loop = nullptr;
-        std::vector<QEventLoop*>& loops = m_gate.m_loops;
-        loops.erase(std::remove(loops.begin(), loops.end(), &m_loop), loops.end());
+        std::vector<JoinedLoop*>& loops = m_gate.m_loops;
+        loops.erase(std::remove(loops.begin(), loops.end(), this), loops.end());
     }
     JoinedLoop(const JoinedLoop&) = delete;
     JoinedLoop& operator=(const JoinedLoop&) = delete;
     QEventLoop& Loop() { return m_loop; }
 
+    /// The loop quits when it next looks at its events, or at once when it starts. Needs no memory, since nobody would wake it
+    /// another time.   [any, under the gate's lock]
+    void QuitLater() {
+        if (m_quit)
+            QCoreApplication::postEvent(&m_loop, m_quit.release());
+    }
+
 private:
     CompletionGate& m_gate;
     Call& m_call;
     QEventLoop m_loop;
+    std::unique_ptr<QEvent> m_quit = std::make_unique<QEvent>(QEvent::Quit); ///< until it is posted
 };
 
 void CompletionGate::Complete(Call& call, bool result) {
@@ -58,7 +62,7 @@ void CompletionGate::Complete(Call& call, bool result) {
         call.m_done = true;
         call.m_result = result;
         if (call.m_loop != nullptr)
-            QuitLater(call.m_loop);
+            call.m_loop->QuitLater();
     }
     m_changed.notify_all();
 }
@@ -97,6 +101,6 @@ void CompletionGate::Abandon() {
     const std::lock_guard<std::mutex> guard(m_lock);
     m_abandoned = true;
     m_changed.notify_all();
-    for (QEventLoop* loop : m_loops)
-        QuitLater(loop);
+    for (JoinedLoop* loop : m_loops)
+        loop->QuitLater();
 }

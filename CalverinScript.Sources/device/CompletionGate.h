@@ -5,8 +5,6 @@
 #include <mutex>
 #include <vector>
 
-class QEventLoop;
-
 /// Where callers of marshalled calls wait for the script thread.
 ///
 /// - A caller waits for the completion of its own call and gets the result of its own call, however many are open.
@@ -16,6 +14,8 @@ class QEventLoop;
 class CompletionGate {
 public:
     static constexpr std::uint32_t kNoLimit = 0xFFFFFFFF;
+
+    class JoinedLoop;
 
     /// One call, from its request to its completion. Shared by the caller and by the task on the script thread, since
     /// either may be the last to look at it.
@@ -29,7 +29,7 @@ public:
         friend class CompletionGate;
         bool m_done = false;          ///< under the gate's lock, as are the next two
         bool m_result = false;        ///< what the script thread gave
-        QEventLoop* m_loop = nullptr; ///< of the waiting caller, when it has events to serve
+        JoinedLoop* m_loop = nullptr; ///< of the waiting caller, when it has events to serve
     };
 
     /// The call is complete, with this result.   [script]
@@ -43,13 +43,11 @@ public:
     void Abandon();
 
 private:
-    class JoinedLoop;
-
     void WaitInEventLoop(Call& call, std::uint32_t limitMs);
     void WaitAsleep(Call& call, std::uint32_t limitMs);
 
     std::mutex m_lock;
     std::condition_variable m_changed;
-    std::vector<QEventLoop*> m_loops; ///< loops that wait here; under m_lock
+    std::vector<JoinedLoop*> m_loops; ///< loops that wait here; under m_lock
     bool m_abandoned = false;         ///< under m_lock
 };

@@ -2,6 +2,8 @@
 
 #include <mutex>
 
+#include <QHash>
+
 #include "DefinitionBuilder.h"
 #include "HostValues.h"
 #include "IData.h"
@@ -29,7 +31,7 @@ bool DeviceDefinition::Build(const ScriptCommands& functions, const ScriptVariab
     DefinitionRequest request;
     request.definitionTemplate = m_module != nullptr ? m_module->GetDefinitionTemplate() : nullptr;
     request.deviceNumber = m_setup.GetDeviceNumber();
-    request.deviceVariables = m_values.GetVariables();
+    request.findVariable = [this](const char* name) { return m_values.Find(name); };
     request.commands = functions;
     request.variables = variables;
     request.hideDefaults = hideDefaults;
@@ -41,11 +43,27 @@ bool DeviceDefinition::Offer(const std::string& definition) {
     return m_values.Offer(definition);
 }
 
+/// The host is asked without the lock: it may come back, and wait for a script that waits for the list.
 void DeviceDefinition::BindVariables() {
+    struct Found {
+        IData* data = nullptr;
+        std::uint32_t instanceId = 0;
+    };
+    const unsigned binding = ++m_bindings;
+    QHash<QString, Found> found;
+    for (const MScriptVariable& variable : m_setup.Variables().Snapshot()) {
+        IData* const data = m_values.Find(variable.name);
+        if (binding != m_bindings)
+            return;
+        found.insert(variable.name, {data, data != nullptr ? data->GetInstanceID() : 0});
+    }
     const std::lock_guard<MLockedList<MScriptVariable>> guard(m_setup.Variables());
     for (MScriptVariable& variable : m_setup.Variables()) {
-        variable.data = m_values.Find(variable.name);
-        variable.instanceId = variable.data != nullptr ? variable.data->GetInstanceID() : 0;
+        const auto value = found.constFind(variable.name);
+        if (value == found.constEnd())
+            continue;
+        variable.data = value->data;
+        variable.instanceId = value->instanceId;
     }
 }
 

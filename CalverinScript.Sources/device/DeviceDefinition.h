@@ -34,7 +34,8 @@ public:
     /// As HostValues::Offer.
     bool Offer(const std::string& definition);
 
-    /// Looks up the host's values of the variables that the script has added, after a definition was taken.
+    /// Looks up the host's values of the variables that the script has added, after a definition was taken. A host that
+    /// gives another setup from within has bound them itself.
     void BindVariables();
     /// Looks up the host's values of the five default variables, unless the setup removes these.
     void BindDefaults();
@@ -46,4 +47,5 @@ private:
     HostValues& m_values;
     const ScriptSet& m_running;
     StoredSetup& m_setup;
+    unsigned m_bindings = 0; ///< times that variables were looked up
 };

@@ -42,7 +42,7 @@ void ReturnDevicesMemory() {
 } // namespace
 
 bool MCalverinScript_Device::IsUsable() const {
-    return crossing.IsUsable();
+    return crossing.IsUsable() && seat.IsTaken();
 }
 
 KXPCode MCalverinScript_Device::Release() {

@@ -9,9 +9,11 @@
 #include "IModuleServices.h"
 #include "ISetupInterface.h"
 #include "ModuleResources.h"
+#include "RunWithinMemory.h"
 #include "ScriptDebugger.h"
 #include "ScriptWorld.h"
 #include "ThreadPromise.h"
+#include "WithinMemory.h"
 
 namespace {
 
@@ -31,8 +33,8 @@ KXPCode MCalverinScript_Device::QueryInterface(const char* name, void** out) {
 
 void MCalverinScript_Device::SetDeviceVariables(IDeviceVariables* variables) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetDeviceVariables");
-    if (!door.IsClosed())
-        values.SetVariables(variables);
+    if (!door.IsClosed() && !RunWithinMemory([&] { values.SetVariables(variables); }))
+        TellWantOfMemory("the variables");
 }
 
 KXPCode MCalverinScript_Device::QueryCapability(std::uint32_t capability) {
@@ -42,8 +44,8 @@ KXPCode MCalverinScript_Device::QueryCapability(std::uint32_t capability) {
 
 void MCalverinScript_Device::SetName(const char* newName) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetName");
-    if (!door.IsClosed())
-        MKXPDeviceBase::SetName(newName);
+    if (!door.IsClosed() && !RunWithinMemory([&] { MKXPDeviceBase::SetName(newName); }))
+        TellWantOfMemory("the name");
 }
 
 const char* MCalverinScript_Device::GetName() {
@@ -57,8 +59,9 @@ KXPCode MCalverinScript_Device::ShowSetup(void* /*ignored*/) {
 }
 
 KXPCode MCalverinScript_Device::ShowSetupDialog(const char* scriptName) {
-    return setupInterface != nullptr && !door.IsClosed() ? setupInterface->ShowSetup(*this, scriptName)
-                                                         : KXPCode{KXP_CANCELLED};
+    if (setupInterface == nullptr || door.IsClosed())
+        return KXP_CANCELLED;
+    return WithinMemory(KXP_CANCELLED, [&] { return setupInterface->ShowSetup(*this, scriptName); });
 }
 
 void MCalverinScript_Device::SlotShowDebugger() {
@@ -73,22 +76,28 @@ KXPCode MCalverinScript_Device::IsRunning() {
 
 KXPCode MCalverinScript_Device::OnTimerailEvent(ITimeData* time, std::int32_t action) {
     ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::OnTimerailEvent");
+    const HostDoor::Visit visit(door); // the host may release the device when it is asked for the position
     if (door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
-    ChangeTrackState(action, time != nullptr ? time->GetFrameCount() : 0);
-    return KXP_OK;
+    return WithinMemory(KXP_NOT_IMPLEMENTED, [&] {
+        ChangeTrackState(action, time != nullptr ? time->GetFrameCount() : 0);
+        return KXPCode{KXP_OK};
+    });
 }
 
 KXPBitmap MCalverinScript_Device::GetBitmap() {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetBitmap");
     if (door.IsClosed())
         return nullptr;
-    if (!bitmap) {
-        const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
-        if (!image.isNull())
-            bitmap = std::make_unique<QImage>(image);
-    }
+    if (!bitmap)
+        RunWithinMemory([this] { LoadBitmap(); });
     return bitmap.get();
+}
+
+void MCalverinScript_Device::LoadBitmap() {
+    const QImage image = QImage::fromData(FindModuleResource(ModuleResource::Bitmap, kDeviceBitmapId));
+    if (!image.isNull())
+        bitmap = std::make_unique<QImage>(image);
 }
 
 KXPCode MCalverinScript_Device::Reserved14(void* /*argument*/) {
@@ -116,7 +125,8 @@ KXPCode MCalverinScript_Device::CreatePanel(std::uint32_t kind, IKXPDevicePanel*
     *out = nullptr;
     if (kind != kControlPanelKind || setupInterface == nullptr || door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
-    IKXPDevicePanel* const panel = setupInterface->CreateControlPanel(*this);
+    IKXPDevicePanel* panel = nullptr;
+    RunWithinMemory([&] { panel = setupInterface->CreateControlPanel(*this); });
     if (panel == nullptr)
         return KXP_NOT_IMPLEMENTED;
     if (door.IsClosed()) {

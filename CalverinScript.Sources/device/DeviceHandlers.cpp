@@ -6,6 +6,7 @@
 
 #include "HostText.h"
 #include "MScriptThread.h"
+#include "RunWithinMemory.h"
 #include "ScriptHandlers.h"
 
 void MCalverinScript_Device::OnScriptThreadStarted(MScriptThread* thread) {
@@ -44,6 +45,12 @@ void MCalverinScript_Device::PostPropertyChange(const char* object, const char* 
                                                 bool objectFollows) {
     if (object == nullptr || property == nullptr || value == nullptr)
         return;
+    if (!RunWithinMemory([&] { TakePropertyChange(object, property, value, objectFollows); }))
+        TellWantOfMemory("a change");
+}
+
+void MCalverinScript_Device::TakePropertyChange(const char* object, const char* property, const char* value,
+                                                bool objectFollows) {
     QString name = FromHostText(object);
     QString propertyName = FromHostText(property);
     QString text = FromHostText(value);
@@ -87,7 +94,8 @@ void MCalverinScript_Device::SlotClearTimeout(int id) {
 }
 
 void MCalverinScript_Device::timerEvent(QTimerEvent* fired) {
-    handlers->OnTimer(fired->timerId());
+    if (!RunWithinMemory([&] { handlers->OnTimer(fired->timerId()); }))
+        TellWantOfMemory("a timer");
 }
 
 MyAsyncDeviceExecContext* MCalverinScript_Device::MakeAsyncContext(const QScriptValue& function) {

@@ -1,6 +1,7 @@
 #include "MCalverinScript_Device.h"
 
 #include "CommandRoad.h"
+#include "RunWithinMemory.h"
 #include "ScriptProgram.h"
 #include "ThreadPromise.h"
 
@@ -9,6 +10,12 @@ KXPCode MCalverinScript_Device::Start() {
     const HostDoor::Visit visit(door);
     if (door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
+    if (!RunWithinMemory([this] { Begin(); }))
+        TellWantOfMemory("the start");
+    return KXP_OK;
+}
+
+void MCalverinScript_Device::Begin() {
     program->BeginStart();
     SetRunning(true);
     SetStarted(true);
@@ -16,7 +23,6 @@ KXPCode MCalverinScript_Device::Start() {
     MTimerailManager::Reset();
     RunStoredScript();
     TellPanels(true);
-    return KXP_OK;
 }
 
 KXPCode MCalverinScript_Device::Stop() {
@@ -24,6 +30,13 @@ KXPCode MCalverinScript_Device::Stop() {
     const HostDoor::Visit visit(door);
     if (door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
+    if (!RunWithinMemory([this] { End(); }) && !RunWithinMemory([this] { End(); }))
+        TellWantOfMemory("the stop");
+    return KXP_OK;
+}
+
+/// May be done twice in a row: what the first time has ended is over for the second.
+void MCalverinScript_Device::End() {
     program->BeginStop();
     ClearScriptState();
     program->EndRequests();
@@ -38,7 +51,6 @@ KXPCode MCalverinScript_Device::Stop() {
     program->ReleaseObjects();
     road->ClearStackCount();
     TellPanels(false);
-    return KXP_OK;
 }
 
 /// A stop that was left open is completed first, unless that would be to wait for the caller's own script: then the tick

@@ -12,6 +12,7 @@
 #include "LogLines.h"
 #include "MLockedList.h"
 #include "MScriptMngRemote.h"
+#include "RunWithinMemory.h"
 #include "ScriptWorld.h"
 
 namespace {
@@ -83,7 +84,13 @@ ScriptCommands MCalverinScript_Device::Links::CommandsOfAllDevices() const {
     return all;
 }
 
+/// The engine calls it, and cannot carry a C++ exception.
 void MCalverinScript_Device::SlotHandlerException(const QScriptValue& exception) {
+    if (!RunWithinMemory([&] { TellException(exception); }))
+        TellWantOfMemory("the report of an exception");
+}
+
+void MCalverinScript_Device::TellException(const QScriptValue& exception) {
     const bool isError = exception.isError();
     const QString message = isError ? MessageOf(exception) : exception.toString();
     const QString line = isError ? exception.property(QStringLiteral("lineNumber")).toString()
@@ -116,6 +123,11 @@ void MCalverinScript_Device::ReportError(const QString& text, bool stopMode) {
         values.SetText(DefaultVariable::Error, text);
     }
     Q_EMIT SignalNotifyErrorChange(text);
+}
+
+void MCalverinScript_Device::TellWantOfMemory(const char* work) {
+    RunWithinMemory([this] { ReportError(QLatin1String(DeviceText::kNoMemory), false); });
+    RunWithinMemory([=] { LogWantOfMemory(CopyName().c_str(), work); });
 }
 
 MScriptResource* MCalverinScript_Device::FindResource(const QScriptValue& signature) {

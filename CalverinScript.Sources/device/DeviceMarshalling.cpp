@@ -48,11 +48,15 @@ bool MCalverinScript_Device::Marshal(const MarshalledCallRow<Parameters...>& row
                                      const std::common_type_t<Parameters>&... parameters) {
     if (crossing.Entrance().IsOnScriptThread())
         return (this->*row.slot)(parameters...);
-    const auto call = std::make_shared<OpenCall<Parameters...>>(*this, row, parameters...);
-    call->Announce();
     bool result = false;
-    if (crossing.Run(call, row.limitMs, result))
-        call->GiveBack(parameters...);
+    const auto cross = [&] {
+        const auto call = std::make_shared<OpenCall<Parameters...>>(*this, row, parameters...);
+        call->Announce();
+        if (crossing.Run(call, row.limitMs, result))
+            call->GiveBack(parameters...);
+    };
+    if (!RunWithinMemory(cross))
+        TellWantOfMemory("a call of the script");
     return result;
 }
 

@@ -2,6 +2,7 @@
 
 #include "MarshalledCallTable.h"
 #include "MCalverinScript_Device.h"
+#include "RunWithinMemory.h"
 
 /// @file
 /// The one form that every slot on the script thread has. For the device's own sources.
@@ -12,7 +13,8 @@ bool MCalverinScript_Device::RunSlot(const Row& row, Work work) {
     bool result = false;
     if (!ending) {
         const ScriptEntrance::Entry entry(crossing.Entrance());
-        result = work();
+        if (!RunWithinMemory([&] { result = work(); }))
+            TellWantOfMemory("the script");
     }
     if (row.finished != nullptr)
         Q_EMIT(this->*row.finished)();

@@ -2,6 +2,7 @@
 
 #include "CommandRoad.h"
 #include "HostText.h"
+#include "RunWithinMemory.h"
 #include "SetupDesk.h"
 
 bool MCalverinScript_Device::LoadScriptFromFile(IExecContext* context, const char* fileName, bool execute) {
@@ -32,8 +33,10 @@ bool MCalverinScript_Device::ExecuteCallBack(IExecContext* context, MyAsyncDevic
 }
 
 void MCalverinScript_Device::PostAsyncResult(MyAsyncDeviceExecContext* context) {
-    if (context != nullptr)
-        road->Post(ScriptRequest::Callback(context), nullptr);
+    if (context == nullptr || RunWithinMemory([&] { road->Post(ScriptRequest::Callback(context), nullptr); }))
+        return;
+    TellWantOfMemory("an answer");
+    RunWithinMemory([&] { DropAsyncResult(context); });
 }
 
 bool MCalverinScript_Device::ExecuteCommand(MCommandObject* command) {

@@ -6,6 +6,7 @@
 
 #include "CompletionTable.h"
 #include "ModuleShared.h"
+#include "RunWithinMemory.h"
 #include "SetupDesk.h"
 #include "ThreadPromise.h"
 #include "WithinMemory.h"
@@ -19,7 +20,6 @@ KXPCode MCalverinScript_Device::GetSetup(char** out) {
 
 KXPCode MCalverinScript_Device::SetSetup(const char* text) {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::SetSetup");
-    const HostDoor::Visit visit(door); // an analysis may take long, and a host may not wait for it
     return WithinMemory(KXP_NOT_IMPLEMENTED, [this, text] { return desk->Take(text); });
 }
 
@@ -27,11 +27,13 @@ KXPCode MCalverinScript_Device::UpdateCommand(const char* commandXml, char** out
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::UpdateCommand");
     if (door.IsClosed() || out == nullptr)
         return KXP_NOT_IMPLEMENTED;
-    char* const updated = commands.Update(commandXml, CopyName());
-    if (updated == nullptr)
-        return KXP_NOT_IMPLEMENTED;
-    *out = updated;
-    return KXP_OK;
+    return WithinMemory(KXP_NOT_IMPLEMENTED, [&] {
+        char* const updated = commands.Update(commandXml, CopyName());
+        if (updated == nullptr)
+            return KXPCode{KXP_NOT_IMPLEMENTED};
+        *out = updated;
+        return KXPCode{KXP_OK};
+    });
 }
 
 KXPCode MCalverinScript_Device::ReleaseString(char** text) {
@@ -45,7 +47,11 @@ KXPCode MCalverinScript_Device::ReleaseString(char** text) {
 
 const char* MCalverinScript_Device::GetDefinition() {
     ExpectThread(ThreadWord::HostMain, "IKXPDevice::GetDefinition");
-    return desk->GetDefinition();
+    const HostDoor::Visit visit(door);
+    const char* definition = nullptr;
+    if (!RunWithinMemory([&] { definition = desk->GetDefinition(); }))
+        TellWantOfMemory("the definition");
+    return definition;
 }
 
 void MCalverinScript_Device::RebuildCompletionTable(bool fill) {

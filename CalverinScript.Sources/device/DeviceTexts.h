@@ -15,6 +15,7 @@ constexpr const char* kNoFunctionName = "Script function name missing.";
 constexpr const char* kUnknownCommand = "Command not found";
 constexpr const char* kCommandTimeOut = "Command Timeout.";
 constexpr const char* kNoCommandThread = "The system has no thread left for commands.";
+constexpr const char* kNoMemory = "Not enough memory.";
 constexpr const char* kAnalysed = "Evaluation Ok";
 constexpr const char* kSetupTooLarge =
     "The setup is larger than a project can keep. A script may have about 48 million characters.";

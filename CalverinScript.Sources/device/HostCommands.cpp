@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -30,8 +31,9 @@ public:
         char* given = data != nullptr ? data->GetValueAsString() : nullptr;
         if (given == nullptr)
             return;
+        const auto giveBack = [data](char* text) { data->ReleaseString(&text); };
+        const std::unique_ptr<char, decltype(giveBack)> held(given, giveBack);
         m_text = given;
-        data->ReleaseString(&given);
     }
     /// Null for a parameter without a text.
     const char* Get() const { return m_text ? m_text->c_str() : nullptr; }

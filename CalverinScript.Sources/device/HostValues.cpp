@@ -3,12 +3,19 @@
 #include "HostText.h"
 #include "IKXPDevice.h"
 
+IData* HostValues::Find(const char* name) const {
+    if (m_variables == nullptr || m_closed)
+        return nullptr;
+    IData* const found = m_variables->GetVariable(name);
+    return m_closed ? nullptr : found;
+}
+
 IData* HostValues::Find(const QString& name) const {
-    return m_variables != nullptr ? m_variables->GetVariable(ToHostText(name).constData()) : nullptr;
+    return Find(ToHostText(name).constData());
 }
 
 bool HostValues::Offer(const std::string& definition) {
-    if (m_variables == nullptr)
+    if (m_variables == nullptr || m_closed)
         return false;
     bool taken = false;
     const DefaultVariables::Replacement replacing(m_defaults);
@@ -20,9 +27,7 @@ bool HostValues::Offer(const std::string& definition) {
 }
 
 DefaultVariables::Find HostValues::DefaultsThatAre(bool there) const {
-    return [variables = there ? m_variables : nullptr](const char* name) {
-        return variables != nullptr ? variables->GetVariable(name) : nullptr;
-    };
+    return [this, there](const char* name) { return there ? Find(name) : nullptr; };
 }
 
 void HostValues::BindDefaults(bool areThere) {

@@ -17,14 +17,16 @@ class HostValues final : public IEndingRoom {
 public:
     /// @param closed set once when the host must not be touched any more; must outlive this.
     explicit HostValues(const std::atomic<bool>& closed)
-        : m_accessors(closed) {}
+        : m_closed(closed)
+        , m_accessors(closed) {}
     HostValues(const HostValues&) = delete;
     HostValues& operator=(const HostValues&) = delete;
 
     /// The host's object, borrowed for the device's life.   [host main, before all else]
     void SetVariables(IDeviceVariables* variables) { m_variables = variables; }
-    IDeviceVariables* GetVariables() const { return m_variables; }
-    /// The host's value of a variable of the device; null when there is none.   [any, inside the gate]
+    /// The host's value of a variable of the device; null when there is none. The host may release the device when it is
+    /// asked: it is asked for nothing then, and what it gives is not touched.   [host main; any, inside the gate]
+    IData* Find(const char* name) const;
     IData* Find(const QString& name) const;
 
     /// Offers a definition to the host. Members of a running script stand for the new values afterwards. The default
@@ -51,6 +53,7 @@ public:
 private:
     DefaultVariables::Find DefaultsThatAre(bool there) const;
 
+    const std::atomic<bool>& m_closed;
     IDeviceVariables* m_variables = nullptr;
     DefaultVariables m_defaults;
     AccessorPool m_accessors;

@@ -32,7 +32,8 @@ MCalverinScript_Device::MCalverinScript_Device(IModuleServices* moduleServices, 
     , links(std::make_unique<Links>(*this))
     , analysisReports(std::make_unique<AnalysisReports>(*this))
     , crossing(
-          mutex, ending, [this] { handlers->FireDeferred(); }, [this] { values.End(); }, this)
+          mutex, ending, [this] { handlers->FireDeferred(); }, [this] { values.End(); },
+          [this] { TellWantOfMemory("the script"); }, this)
     , world(std::make_unique<ScriptWorld>(
           ScriptWorld::Place{*this, *this, services, values, crossing.Entrance(), ending, *links}))
     , handlers(std::make_unique<ScriptHandlers>(*this, *world, crossing.Entrance()))

@@ -174,6 +174,8 @@ public:
     /// The single way in which failures reach the user: the variable "Error" and the dialogs. A null text does
     /// nothing, an empty one clears. In stop mode only the dialogs hear of it.   [any]
     void ReportError(const QString& text, bool stopMode);
+    /// Says that memory ran out, in "Error" and in the log. @param work as LogWantOfMemory.   [any]
+    void TellWantOfMemory(const char* work);
     /// Writes a failure and what there is to be told of its place into the log.   [script]
     void LogFailure(const QString& text, const QStringList& details);
 
@@ -295,11 +297,14 @@ private:
     static SetAside<MCalverinScript_Device>& Abandoned();
 
     // Run
+    void Begin();
+    void End();
     void RunStoredScript();
     void StartCommandThread();
     void StopCommandThread();
     void FinishRequestedStop();
     void TellPanels(bool running);
+    void LoadBitmap();
 
     // Marshalling
     template <typename... Parameters>
@@ -308,11 +313,13 @@ private:
     bool Marshal(const MarshalledCallRow<Parameters...>& row, const std::common_type_t<Parameters>&... parameters);
     template <typename Row, typename Work>
     bool RunSlot(const Row& row, Work work);
+    void TellException(const QScriptValue& exception);
     bool ClearStateOnScriptThread();
     void ClearScriptState();
     void ShowScript(const QString& fileName, const QString& text);
 
     bool MayPost() const;
+    void TakePropertyChange(const char* object, const char* property, const char* value, bool objectFollows);
 
     // NOLINTBEGIN(readability-identifier-naming): the fields of a device have agreed names
     IModuleServices* const module;         ///< not owned

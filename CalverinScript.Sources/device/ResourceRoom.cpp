@@ -12,6 +12,7 @@
 #include "MScriptIOChannel.h"
 #include "MScriptMngRemote.h"
 #include "MScriptSerial.h"
+#include "ScriptFacing.h"
 
 namespace {
 
@@ -43,7 +44,7 @@ template <typename Object, typename Resource, typename... Type>
 std::unique_ptr<MScriptResource> ObjectFor(Resource* resource, IScriptObjectOwner& owner, Type... type) {
     if (resource == nullptr)
         return nullptr;
-    return std::make_unique<Object>(type..., resource, &owner);
+    return std::make_unique<ScriptFacing<Object>>(type..., resource, &owner);
 }
 
 std::unique_ptr<MScriptResource> Make(const ResourceRequest& request, IMInterface* found, IScriptObjectOwner& owner) {
@@ -63,34 +64,53 @@ ResourceRoom::ResourceRoom(MScriptMngRemote& remote)
     : m_remote(remote) {}
 
 ResourceRoom::~ResourceRoom() {
+    Close();
+}
+
+void ResourceRoom::Close() {
+    m_isClosed = true;
     LetGo();
 }
 
 void ResourceRoom::Take(const std::vector<ResourceRequest>& wanted, IResourceProvider* provider) {
     LetGo();
+    if (m_isClosed)
+        return;
     m_requests = wanted;
     for (const ResourceRequest& request : wanted)
-        TakeOne(request, provider);
+        if (!TakeOne(request, provider))
+            return;
 }
 
 /// An id below 0 is that of a setting that names no resource yet.
-void ResourceRoom::TakeOne(const ResourceRequest& request, IResourceProvider* provider) {
+/// @return false when the host has come back for another change meanwhile.
+bool ResourceRoom::TakeOne(const ResourceRequest& request, IResourceProvider* provider) {
     if (request.resourceId < 0 || Find(request) != nullptr)
-        return;
+        return true;
+    const unsigned change = m_changes;
     IMInterface* const found =
         provider != nullptr ? provider->GetResource(static_cast<std::uint32_t>(request.family), request.resourceId,
                                                     static_cast<std::uint32_t>(request.subtype))
                             : nullptr;
+    if (change != m_changes)
+        return false;
     std::unique_ptr<MScriptResource> object = Make(request, found, m_remote);
     if (!object) {
         m_remote.TraceMessage(QStringLiteral("%1: the host has no such resource").arg(NameOf(request)),
                               QStringLiteral("ERROR"));
-        return;
+        return true;
     }
     dynamic_cast<QObject&>(*object).moveToThread(m_remote.thread());
     object->Attach();
-    const std::lock_guard<std::mutex> guard(m_lock);
-    m_taken.push_back({request, std::move(object)});
+    const bool isWanted = change == m_changes;
+    std::vector<Taken> late;
+    {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        (isWanted ? m_taken : late).push_back({request, std::move(object)});
+    }
+    if (!isWanted)
+        LetGoOf(std::move(late));
+    return isWanted;
 }
 
 MScriptResource* ResourceRoom::Find(const ResourceRequest& request) {
@@ -100,14 +120,19 @@ MScriptResource* ResourceRoom::Find(const ResourceRequest& request) {
     return found != m_taken.end() ? found->object.get() : nullptr;
 }
 
-/// All are cut off before the first is waited for.
 void ResourceRoom::LetGo() {
+    ++m_changes;
     std::vector<Taken> going;
     {
         const std::lock_guard<std::mutex> guard(m_lock);
         going.swap(m_taken);
     }
     m_requests.clear();
+    LetGoOf(std::move(going));
+}
+
+/// All are cut off before the first is waited for.
+void ResourceRoom::LetGoOf(std::vector<Taken> going) {
     for (const Taken& taken : going)
         taken.object->GetLink()->Shut();
     std::vector<std::unique_ptr<MScriptResource>> objects;

@@ -23,11 +23,12 @@ public:
     ~ResourceRoom();
 
     /// Lets go of what it has and takes what is wanted, each resource once. What the host does not have is
-    /// told in the log.
+    /// told in the log. The host may come back from inside and take others, or release the device: the newer call counts.
     /// @param provider null has nothing.   [host main]
     void Take(const std::vector<ResourceRequest>& wanted, IResourceProvider* provider);
-    /// Lets go of everything. From then on no call to a resource begins.   [host main]
-    void LetGo();
+    /// Lets go of everything and takes nothing any more. From then on no call to a resource begins, but for the end of
+    /// one that is just being taken.   [host main]
+    void Close();
     /// What was wanted last.   [host main]
     const std::vector<ResourceRequest>& GetRequests() const { return m_requests; }
 
@@ -41,10 +42,14 @@ private:
         std::unique_ptr<MScriptResource> object;
     };
 
-    void TakeOne(const ResourceRequest& request, IResourceProvider* provider);
+    bool TakeOne(const ResourceRequest& request, IResourceProvider* provider);
+    void LetGo();
+    void LetGoOf(std::vector<Taken> going);
 
     MScriptMngRemote& m_remote;
     std::vector<ResourceRequest> m_requests; ///< host main
+    unsigned m_changes = 0;                  ///< how often it has let go; host main
+    bool m_isClosed = false;                 ///< host main
     std::mutex m_lock;                       ///< never held while the host is called
     std::vector<Taken> m_taken;              ///< under m_lock
 };

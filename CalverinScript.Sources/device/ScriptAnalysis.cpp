@@ -47,7 +47,7 @@ bool ScriptAnalysis::Run(const QString& text) {
     m_removed = m_setup.GetRemovalForAnalysis();
     m_isGood = false;
     LimitedRun run(*m_set.engine, limit);
-    VariableLookup lookup(m_services, m_values.GetVariables(), m_setup.Variables());
+    VariableLookup lookup(m_services, m_values, m_setup.Variables());
     LookupOnCallersThread host(run, lookup);
     ScanRequest request;
     request.removeDefaults = m_removed;

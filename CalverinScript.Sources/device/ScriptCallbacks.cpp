@@ -6,8 +6,8 @@
 std::optional<ScriptCallbacks::Call> ScriptCallbacks::Take(MyAsyncDeviceExecContext& context) {
     if (!context.IsOver() || !m_functions.contains(&context))
         return std::nullopt;
-    Call call{m_functions.take(&context), {}};
     const MString result = context.GetResult();
+    Call call{m_functions.take(&context), {}};
     if (result.GetLength() > 0)
         call.arguments.append(QScriptValue(FromHostText(result.c_str())));
     return call;

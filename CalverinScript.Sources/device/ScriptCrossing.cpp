@@ -1,6 +1,5 @@
 #include "ScriptCrossing.h"
 
-#include <new>
 #include <utility>
 
 #include <QThread>
@@ -8,6 +7,7 @@
 #include "MCalverinScript_Device.h"
 #include "MScriptThread.h"
 #include "RequestedStack.h"
+#include "RunWithinMemory.h"
 
 namespace {
 
@@ -16,10 +16,12 @@ constexpr unsigned long kThreadEndMs = 50; ///< what the end of a device grants 
 } // namespace
 
 ScriptCrossing::ScriptCrossing(std::recursive_mutex& lock, const std::atomic<bool>& ending,
-                               std::function<void()> runDeferred, std::function<void()> onHung, QObject* home)
+                               std::function<void()> runDeferred, std::function<void()> onHung,
+                               std::function<void()> onShortage, QObject* home)
     : m_onHung(std::move(onHung))
+    , m_onShortage(std::move(onShortage))
     , m_homeThread(QThread::currentThread())
-    , m_entrance(lock, ending, std::move(runDeferred), home) {}
+    , m_entrance(lock, ending, std::move(runDeferred), m_onShortage, home) {}
 
 ScriptCrossing::~ScriptCrossing() = default;
 
@@ -45,11 +47,8 @@ void ScriptCrossing::OnThreadEnding(QObject& device) {
 bool ScriptCrossing::Run(const std::shared_ptr<Call>& call, std::uint32_t limitMs, bool& result) {
     const auto run = [this, call] {
         bool given = false;
-        try {
-            given = call->Run();
-        } catch (const std::bad_alloc&) {
-            given = false;
-        }
+        if (!RunWithinMemory([&] { given = call->Run(); }))
+            m_onShortage();
         m_gate.Complete(call->m_completion, given);
     };
     result = false;

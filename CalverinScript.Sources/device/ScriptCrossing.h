@@ -40,8 +40,9 @@ public:
 
     /// @param lock, ending, runDeferred, home as ScriptEntrance has them. @param onHung is called by End when the
     /// script does not end in its time, before those who wait for it are let go.   [host main]
+    /// @param onShortage as ScriptEntrance has it; also for calls, which give false then.
     ScriptCrossing(std::recursive_mutex& lock, const std::atomic<bool>& ending, std::function<void()> runDeferred,
-                   std::function<void()> onHung, QObject* home);
+                   std::function<void()> onHung, std::function<void()> onShortage, QObject* home);
     ScriptCrossing(const ScriptCrossing&) = delete;
     ScriptCrossing& operator=(const ScriptCrossing&) = delete;
     ~ScriptCrossing();
@@ -75,6 +76,7 @@ private:
     bool EndThread();
 
     const std::function<void()> m_onHung;
+    const std::function<void()> m_onShortage;
     QThread* const m_homeThread; ///< where the device was made, and goes back to before it ends
     ScriptEntrance m_entrance;
     CompletionGate m_gate;

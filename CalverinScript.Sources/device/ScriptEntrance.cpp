@@ -8,6 +8,7 @@
 #include <QScriptEngine>
 #include <QThread>
 
+#include "RunWithinMemory.h"
 #include "ScriptStopper.h"
 #include "TimeLimit.h"
 
@@ -24,16 +25,20 @@ constexpr std::chrono::milliseconds kTurn(5);
 } // namespace
 
 ScriptEntrance::ScriptEntrance(std::recursive_mutex& lock, const std::atomic<bool>& ending,
-                               std::function<void()> runDeferred, QObject* parent)
+                               std::function<void()> runDeferred, std::function<void()> onShortage, QObject* parent)
     : QObject(parent)
     , m_lock(lock)
     , m_ending(ending)
     , m_runDeferred(std::move(runDeferred))
+    , m_onShortage(std::move(onShortage))
     , m_thread(QThread::currentThread())
     , m_stopper(std::make_unique<ScriptStopper>())
+    , m_reserve(new QEvent(kWakeUpEvent))
     , m_inbox([this] { WakeUp(); }) {}
 
-ScriptEntrance::~ScriptEntrance() = default;
+ScriptEntrance::~ScriptEntrance() {
+    delete m_reserve.load();
+}
 
 void ScriptEntrance::LookAt(const QString& text) {
     m_stopper->LookAt(text);
@@ -70,24 +75,29 @@ bool ScriptEntrance::IsOnScriptThread() const {
     return QThread::currentThread() == m_thread.load();
 }
 
+/// A wake-up that is lost would be lost for good: there is always one in reserve, or on its way.
 void ScriptEntrance::WakeUp() {
-    QCoreApplication::postEvent(this, new QEvent(kWakeUpEvent));
+    auto* wakeUp = new (std::nothrow) QEvent(kWakeUpEvent);
+    if (wakeUp == nullptr)
+        wakeUp = m_reserve.exchange(nullptr);
+    if (wakeUp != nullptr)
+        QCoreApplication::postEvent(this, wakeUp);
 }
 
 bool ScriptEntrance::event(QEvent* received) {
     if (received->type() != kWakeUpEvent)
         return QObject::event(received);
-    TakeTurn();
+    if (m_reserve == nullptr)
+        m_reserve = new (std::nothrow) QEvent(kWakeUpEvent);
+    if (!RunWithinMemory([this] { TakeTurn(); }))
+        WakeUp();
     return true;
 }
 
 /// Nothing may be thrown through the thread's event loop. Who waits for a task hears of its end all the same.
 void ScriptEntrance::RunTask(const ScriptInbox::Task& task) {
-    try {
-        task();
-    } catch (const std::bad_alloc&) {
-        return;
-    }
+    if (!RunWithinMemory(task))
+        m_onShortage();
 }
 
 /// Runs inside a script too, since a running engine lets its thread process events now and then. Then nothing is

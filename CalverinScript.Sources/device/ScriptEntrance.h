@@ -31,9 +31,10 @@ public:
     /// @param lock      held for each entry, before any lock of a script object; borrowed.
     /// @param ending    becomes true once, when the device ends; borrowed.
     /// @param runDeferred runs before the tasks of a turn, outside the script.   [script]
+    /// @param onShortage runs when memory ran out in a task, which is over then.   [script]
     /// @param parent    the device, with which this object changes its thread. It is not deleted by it.
     ScriptEntrance(std::recursive_mutex& lock, const std::atomic<bool>& ending, std::function<void()> runDeferred,
-                   QObject* parent);
+                   std::function<void()> onShortage, QObject* parent);
     ~ScriptEntrance() override;
 
     /// One entry into the script, from any thread: the lock is held, and on the script thread nothing else
@@ -84,16 +85,18 @@ protected:
 
 private:
     void TakeTurn();
-    static void RunTask(const ScriptInbox::Task& task);
+    void RunTask(const ScriptInbox::Task& task);
 
     std::recursive_mutex& m_lock;
     const std::atomic<bool>& m_ending;
     const std::function<void()> m_runDeferred;
+    const std::function<void()> m_onShortage;
     QScriptEngine* m_engine = nullptr; ///< not owned; script thread alone
     std::atomic<QThread*> m_thread;    ///< the thread that owns the engine
     std::atomic<int> m_depth{0};       ///< entries that are open on the engine's thread, which alone writes it
     const std::unique_ptr<ScriptStopper> m_stopper; ///< for the end of the device
-    bool m_deferred = false;                        ///< script thread alone, as is the next
-    int m_abortTimer = 0;                           ///< runs once a script is to be aborted
+    std::atomic<QEvent*> m_reserve; ///< the wake-up for want of memory, owned; null while it is on its way
+    bool m_deferred = false;        ///< script thread alone, as is the next
+    int m_abortTimer = 0;           ///< runs once a script is to be aborted
     ScriptInbox m_inbox;
 };

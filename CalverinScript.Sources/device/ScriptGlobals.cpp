@@ -6,6 +6,7 @@
 
 #include "MScriptMngRemote.h"
 #include "ScriptClasses.h"
+#include "ScriptFacing.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ QScriptValue Print(QScriptContext* context, QScriptEngine* engine) {
 } // namespace
 
 void InstallPrint(QScriptEngine& engine, MScriptMngRemote& remote) {
-    QScriptValue print = engine.newFunction(&Print);
+    QScriptValue print = engine.newFunction(&ScriptFunction<&Print>);
     print.setData(engine.newQObject(&remote, QScriptEngine::QtOwnership, QScriptEngine::ExcludeDeleteLater));
     engine.globalObject().setProperty(QStringLiteral("print"), print, QScriptValue::SkipInEnumeration);
 }
@@ -40,7 +41,7 @@ void SetUpScriptGlobals(QScriptEngine& engine, MScriptMngRemote& remote) {
 void SetUpAnalysisGlobals(QScriptEngine& engine) {
     if (engine.findChild<MScriptMngRemote*>() != nullptr)
         return;
-    auto* neutral = new MScriptMngRemote(nullptr, nullptr, nullptr, nullptr, &engine);
+    auto* neutral = new ScriptFacing<MScriptMngRemote>(nullptr, nullptr, nullptr, nullptr, &engine);
     neutral->setParent(&engine);
     SetUpScriptGlobals(engine, *neutral);
 }

@@ -127,7 +127,7 @@ void ScriptProgram::EndLastScript() {
 }
 
 void ScriptProgram::Scan() {
-    VariableLookup lookup(m_parts.services, m_parts.values.GetVariables(), m_parts.setup.Variables());
+    VariableLookup lookup(m_parts.services, m_parts.values, m_parts.setup.Variables());
     ScanRequest request;
     request.stopMode = false;
     request.removeDefaults = m_parts.setup.IsRemovalApplied();

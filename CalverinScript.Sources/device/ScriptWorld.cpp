@@ -19,6 +19,7 @@
 #include "ScriptDebugger.h"
 #include "ScriptEntrance.h"
 #include "ScriptEvaluation.h"
+#include "ScriptFacing.h"
 #include "ScriptFault.h"
 #include "ScriptGlobals.h"
 #include "ScriptPlace.h"
@@ -55,8 +56,8 @@ ScriptWorld::ScriptWorld(const Place& place)
     place.entrance.SetEngine(*m_engine);
     StoppableLoop::SetStopFlag(*m_engine, &place.ending);
     m_set.engine = m_engine.get();
-    m_remote = std::make_unique<MScriptMngRemote>(&place.device, place.services.link, place.services.newerLink,
-                                                  place.services.variables, m_engine.get());
+    m_remote = std::make_unique<ScriptFacing<MScriptMngRemote>>(
+        &place.device, place.services.link, place.services.newerLink, place.services.variables, m_engine.get());
     m_remote->setParent(&place.home);
     m_resources = std::make_unique<ResourceRoom>(*m_remote);
     SetUpScriptGlobals(*m_engine, *m_remote);
@@ -131,7 +132,7 @@ void ScriptWorld::CheckUncaught() {
 void ScriptWorld::BeginEnd() {
     m_remote->EndContexts();
     m_remote->RefuseWaits();
-    m_resources->LetGo();
+    m_resources->Close();
 }
 
 /// The script answers nobody any more.

@@ -27,6 +27,7 @@ QString WithCondensedBlanks(QString text) {
 } // namespace
 
 KXPCode SetupDesk::Print(char** out) {
+    const HostDoor::Visit visit(m_parts.door);
     *out = nullptr;
     if (m_parts.door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
@@ -59,6 +60,7 @@ bool SetupDesk::CanBeStored(const std::string& text) {
 }
 
 KXPCode SetupDesk::Take(const char* text) {
+    const HostDoor::Visit visit(m_parts.door); // an analysis may take long, and a host may not wait for it
     if (m_parts.door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
     DeviceSetup read;
@@ -72,6 +74,8 @@ KXPCode SetupDesk::Take(const char* text) {
     ScriptAnalysis& analysis = m_parts.analysis;
     QScriptEngine engine;
     analysis.RunOn(engine, setup.GetScriptText());
+    if (m_parts.door.IsClosed()) // the host has released the device, or the module, when it was asked
+        return KXP_NOT_IMPLEMENTED;
     setup.ApplyRemoval(setup.DecideRemoval(setup.GetChoices().removeDefaults));
     ResolveResources(setup.GetSettings());
     MLockedList<MScriptCommand>& functions = analysis.GetSet().functions;
@@ -80,7 +84,7 @@ KXPCode SetupDesk::Take(const char* text) {
     const bool built =
         m_definition.Build(functions.Snapshot(), setup.GetVariables(), setup.IsRemovalApplied(), false, definition);
     const bool taken = built && m_definition.Offer(definition);
-    if (m_parts.door.IsClosed()) // the host has released the module meanwhile
+    if (m_parts.door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
     if (taken) {
         m_definition.BindVariables();
@@ -88,13 +92,16 @@ KXPCode SetupDesk::Take(const char* text) {
     }
     m_definition.BindDefaults();
     AnalyseAgain(engine);
+    if (m_parts.door.IsClosed())
+        return KXP_NOT_IMPLEMENTED;
     setup.SetDefinition(definition);
     setup.SetLoaded();
     return KXP_OK;
 }
 
 const char* SetupDesk::GetDefinition() {
-    return m_parts.door.IsClosed() ? nullptr : m_definition.Get();
+    const char* definition = m_parts.door.IsClosed() ? nullptr : m_definition.Get();
+    return m_parts.door.IsClosed() ? nullptr : definition;
 }
 
 void SetupDesk::TakeStored(const DeviceSetup& setup) {
@@ -142,6 +149,7 @@ void SetupDesk::MergeLegacy() {
 }
 
 KXPCode SetupDesk::Accept(const DeviceSetup& setup, const QString& scriptFile) {
+    const HostDoor::Visit visit(m_parts.door);
     StoredSetup& stored = m_parts.setup;
     stored.SetPendingRemoval(std::nullopt);
     const SetupScript script = setup.script.value_or(SetupScript());
@@ -165,7 +173,7 @@ KXPCode SetupDesk::Accept(const DeviceSetup& setup, const QString& scriptFile) {
     }
     m_definition.BindDefaults();
     AnalyseStored();
-    if (!taken)
+    if (!taken || m_parts.door.IsClosed())
         return KXP_CANCELLED;
     return tellsChange ? KXPCode{KXP_COMMANDS_CHANGED} : KXPCode{KXP_OK};
 }
@@ -182,6 +190,7 @@ void SetupDesk::TakeAccepted(const DeviceSetup& setup, const SetupScript& script
 }
 
 KXPCode SetupDesk::Cancel() {
+    const HostDoor::Visit visit(m_parts.door);
     m_parts.setup.SetPendingRemoval(std::nullopt);
     m_definition.BindDefaults();
     AnalyseStored();
@@ -195,15 +204,17 @@ void SetupDesk::AnalyseStored() {
     ResolveChangedResources();
 }
 
-/// Another look at a script that does not end would take as long as the first.
+/// Another look at a script that does not end would take as long as the first; one for a device that the host has
+/// released meanwhile would ask the host.
 void SetupDesk::AnalyseAgain(QScriptEngine& engine) {
     const QString text = m_parts.setup.GetScriptText();
-    if (!m_parts.analysis.IsKnownNotToEnd(text))
+    if (!m_parts.door.IsClosed() && !m_parts.analysis.IsKnownNotToEnd(text))
         m_parts.analysis.RunOn(engine, text);
     m_parts.analysis.ForgetValue();
 }
 
 void SetupDesk::ResolveResources(const ScriptSettings& settings) {
+    const HostDoor::Visit visit(m_parts.door);
     m_parts.resources.Take(FindResources(settings), m_parts.services.resources);
 }
 

@@ -43,13 +43,16 @@ protected:
 /// [host main, where nothing else is said]
 ///
 /// A dialog calls Begin, then makes its own analyses, and ends with Accept or Cancel.
+///
+/// The host may release the device from inside whatever it is asked here. The device lives on to the end of the call, and
+/// the host is asked nothing more.
 class SetupDesk {
 public:
     /// What it works with, all borrowed for its life.
     struct Parts {
         IModuleServices* module; ///< may be null
         const HostServices& services;
-        const HostDoor& door; ///< closed from within a call when the host lets the device go meanwhile
+        HostDoor& door; ///< closed from within a call when the host lets the device go meanwhile
         HostValues& values;
         const ScriptSet& running; ///< what the running script publishes
         StoredSetup& setup;

@@ -3,6 +3,7 @@
 #include "IEndingRoom.h"
 #include "IThreadTimerHandler.h"
 #include "ModuleShared.h"
+#include "RunWithinMemory.h"
 
 /// The seat of one device at the module's tick.   [all: host main]
 class TickSeat final : public IEndingRoom {
@@ -11,7 +12,11 @@ public:
     explicit TickSeat(IThreadTimerHandler& handler)
         : m_handler(handler) {}
 
-    void Take() { ModuleShared::Acquire().tickTimer.AddHandler(&m_handler); }
+    void Take() {
+        m_isTaken = RunWithinMemory([this] { ModuleShared::Acquire().tickTimer.AddHandler(&m_handler); });
+    }
+    /// Whether there was memory for it.
+    bool IsTaken() const { return m_isTaken; }
 
     // IEndingRoom
     /// Waits for a tick that is inside the device, but for a moment only.
@@ -22,4 +27,5 @@ public:
 
 private:
     IThreadTimerHandler& m_handler;
+    bool m_isTaken = false;
 };

@@ -4,11 +4,11 @@
 
 #include "HostServices.h"
 #include "HostText.h"
+#include "HostValues.h"
 #include "IHostServices.h"
-#include "IKXPDevice.h"
 #include "LimitedRun.h"
 
-VariableLookup::VariableLookup(const HostServices& services, IDeviceVariables* values,
+VariableLookup::VariableLookup(const HostServices& services, const HostValues& values,
                                MLockedList<MScriptVariable>& own)
     : m_manager(services.variables)
     , m_names(services.names)
@@ -24,7 +24,7 @@ IData* VariableLookup::FindHostVariable(const QString& name) {
 }
 
 IData* VariableLookup::FindDeviceVariable(const QString& name) {
-    return m_values != nullptr && m_own.contains(name) ? m_values->GetVariable(ToHostText(name).constData()) : nullptr;
+    return m_own.contains(name) ? m_values.Find(name) : nullptr;
 }
 
 bool VariableLookup::IsValidName(const QString& name) {

@@ -7,7 +7,7 @@
 #include "ScriptRecords.h"
 #include "ScriptScan.h"
 
-class IDeviceVariables;
+class HostValues;
 class IObjectNameTools;
 class IVariableManager;
 class LimitedRun;
@@ -17,9 +17,8 @@ struct HostServices;
 /// scan asks for; the value is asked of the host each time, which may have replaced it since.   [the scan's thread]
 class VariableLookup final : public IScanHost {
 public:
-    /// @param services, values borrowed for the scan; values may be null. @param own the device's variables as
-    /// the host has them.
-    VariableLookup(const HostServices& services, IDeviceVariables* values, MLockedList<MScriptVariable>& own);
+    /// @param services, values borrowed for the scan. @param own the device's variables as the host has them.
+    VariableLookup(const HostServices& services, const HostValues& values, MLockedList<MScriptVariable>& own);
 
     IData* FindHostVariable(const QString& name) override;
     IData* FindDeviceVariable(const QString& name) override;
@@ -28,7 +27,7 @@ public:
 private:
     IVariableManager* const m_manager;
     IObjectNameTools* const m_names;
-    IDeviceVariables* const m_values;
+    const HostValues& m_values;
     QSet<QString> m_own;
 };
 

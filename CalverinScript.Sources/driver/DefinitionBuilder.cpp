@@ -10,7 +10,7 @@
 #include "GuardedXml.h"
 #include "HostText.h"
 #include "HostXml.h"
-#include "IKXPDevice.h"
+#include "IData.h"
 #include "VariableXml.h"
 
 namespace {
@@ -43,7 +43,7 @@ void NumberVariables(TiXmlElement* variables, const DefinitionRequest& request) 
         const char* name = variable->Attribute("Name");
         if (name == nullptr)
             continue;
-        IData* data = request.deviceVariables != nullptr ? request.deviceVariables->GetVariable(name) : nullptr;
+        IData* data = request.findVariable(name);
         if (request.resetDefaultIds && IsDefaultVariable(QString::fromUtf8(name)))
             variable->SetAttribute("InstanceID", "0");
         else if (data != nullptr)
@@ -59,9 +59,7 @@ void AddCommands(TiXmlElement& commands, const DefinitionRequest& request) {
 
 void AddVariables(TiXmlElement& variables, const DefinitionRequest& request) {
     for (const MScriptVariable& variable : request.variables) {
-        IData* data = request.deviceVariables != nullptr
-                          ? request.deviceVariables->GetVariable(ToHostText(variable.name).constData())
-                          : nullptr;
+        IData* data = request.findVariable(ToHostText(variable.name).constData());
         auto element = MakeVariableElement(variable, data != nullptr ? data->GetInstanceID() : variable.instanceId);
         if (element != nullptr)
             variables.LinkEndChild(element.release());

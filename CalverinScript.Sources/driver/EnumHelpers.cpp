@@ -7,6 +7,7 @@
 
 #include "HostText.h"
 #include "IData.h"
+#include "ScriptFacing.h"
 #include "ScriptMembers.h"
 #include "VisitGate.h"
 
@@ -70,8 +71,9 @@ QScriptValue DeepCopy(const QScriptValue& value) {
 
 void EnumHelpers::Install(QScriptValue object) {
     QScriptEngine* engine = object.engine();
-    object.setProperty(QStringLiteral("EnumClear"), engine->newFunction(&EnumHelpers::Clear, this));
-    object.setProperty(QStringLiteral("EnumAdd"), engine->newFunction(&EnumHelpers::Add, this));
+    object.setProperty(QStringLiteral("EnumClear"),
+                       engine->newFunction(&ScriptFunction<&EnumHelpers::Clear, void*>, this));
+    object.setProperty(QStringLiteral("EnumAdd"), engine->newFunction(&ScriptFunction<&EnumHelpers::Add, void*>, this));
 }
 
 /// The entry of a variable in `Info`; invalid unless it has an array of items.

@@ -4,12 +4,14 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QScriptEngine>
 #include <QThread>
 
+#include "RunWithinMemory.h"
 #include "ScriptStopper.h"
 #include "StoppableLoop.h"
 #include "TimeLimit.h"
@@ -46,8 +48,9 @@ private:
 struct LimitedRun::State {
     std::mutex lock;
     std::condition_variable changed;
-    bool over = false;                              ///< under lock, as are the next three
+    bool over = false;                              ///< under lock, as are the next four
     bool late = false;                              ///< the limit has passed
+    bool isShort = false;                           ///< of memory
     Aborter* aborter = nullptr;                     ///< on the work's thread
     const std::function<void()>* request = nullptr; ///< waits for the caller's thread
     std::atomic<bool> stop{false};                  ///< what native loops look at
@@ -59,15 +62,20 @@ LimitedRun::Outcome LimitedRun::Run(const std::function<void()>& work) {
     StoppableLoop::SetStopFlag(m_engine, &state.stop);
     m_engine.setProcessEventsInterval(kLookAtEventsMs);
     const std::unique_ptr<QThread> thread(QThread::create([this, &state, &work] {
-        Aborter aborter(m_engine, m_text);
-        m_engine.pushContext(); // an engine takes an abort only while one of its contexts is open
-        {
-            const std::lock_guard<std::mutex> guard(state.lock);
-            state.aborter = &aborter;
-        }
-        work();
-        m_engine.popContext();
+        std::optional<Aborter> aborter;
+        bool isDone = false;
+        RunWithinMemory([&] {
+            aborter.emplace(m_engine, m_text);
+            m_engine.pushContext(); // an engine takes an abort only while one of its contexts is open
+            {
+                const std::lock_guard<std::mutex> guard(state.lock);
+                state.aborter = &*aborter;
+            }
+            isDone = RunWithinMemory(work);
+            m_engine.popContext();
+        });
         const std::lock_guard<std::mutex> guard(state.lock);
+        state.isShort = state.isShort || !isDone;
         state.aborter = nullptr;
         state.over = true;
         state.changed.notify_all();
@@ -82,6 +90,8 @@ LimitedRun::Outcome LimitedRun::Run(const std::function<void()>& work) {
     m_state = nullptr;
     if (!hasThread)
         return Outcome::NoThread;
+    if (state.isShort)
+        return Outcome::NoMemory;
     return state.late ? Outcome::Late : Outcome::InTime;
 }
 
@@ -104,8 +114,9 @@ void LimitedRun::Serve(State& state, std::unique_lock<std::mutex>& guard) {
     const std::function<void()>* request = state.request;
     if (!state.late) {
         guard.unlock();
-        (*request)();
+        const bool isAnswered = RunWithinMemory(*request);
         guard.lock();
+        state.isShort = state.isShort || !isAnswered;
     }
     state.request = nullptr;
     state.changed.notify_all();
@@ -114,8 +125,8 @@ void LimitedRun::Serve(State& state, std::unique_lock<std::mutex>& guard) {
 void LimitedRun::Abort(State& state) {
     state.late = true;
     state.stop = true;
-    if (state.aborter != nullptr)
-        QCoreApplication::postEvent(state.aborter, new QEvent(QEvent::User));
+    if (state.aborter != nullptr) // it is asked again soon
+        RunWithinMemory([&] { QCoreApplication::postEvent(state.aborter, new QEvent(QEvent::User)); });
 }
 
 void LimitedRun::OnCallersThread(const std::function<void()>& request) {
@@ -134,6 +145,8 @@ QString AnalysisFailure(LimitedRun::Outcome outcome, std::chrono::milliseconds l
             .arg(limit.count() / 1000.0);
     case LimitedRun::Outcome::NoThread:
         return QStringLiteral("The script was not analysed: the system has no thread left.");
+    case LimitedRun::Outcome::NoMemory:
+        return QStringLiteral("The script was not analysed: there is not enough memory.");
     case LimitedRun::Outcome::InTime:
         break;
     }

@@ -20,8 +20,9 @@ class LimitedRun {
 public:
     enum class Outcome {
         InTime,
-        Late,    ///< the work has been ended after the limit
-        NoThread ///< the system gave no thread, and the work has not run
+        Late,     ///< the work has been ended after the limit
+        NoThread, ///< the system gave no thread, and the work has not run
+        NoMemory  ///< memory has run out, and the work has not come to its end
     };
 
     /// @param engine one that no other thread uses meanwhile. It may be used again afterwards, on the caller's thread.

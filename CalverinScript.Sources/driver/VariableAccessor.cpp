@@ -10,6 +10,7 @@
 
 #include "FaceAnswer.h"
 #include "HostData.h"
+#include "ScriptFacing.h"
 #include "ValueConversion.h"
 #include "ValueFit.h"
 
@@ -104,7 +105,7 @@ void AccessorPool::Bind(QScriptValue& object, const QString& member, VariableOri
         place->data = data;
         variable = place.get();
     }
-    const QScriptValue function = object.engine()->newFunction(&AccessorPool::Access, variable);
+    const QScriptValue function = object.engine()->newFunction(&ScriptFunction<&AccessorPool::Access, void*>, variable);
     if (!(object.propertyFlags(member, QScriptValue::ResolveLocal) & kAccessor))
         object.setProperty(member, QScriptValue());
     object.setProperty(member, function, kAccessor);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "SyntaxScanner.h"
 
@@ -23,7 +24,8 @@ constexpr const char* kValues[] = {"this", "null", "true", "false"};
 class SyntaxParser {
 public:
     explicit SyntaxParser(const QString& text)
-        : m_scanner(text) {
+        : m_text(text)
+        , m_scanner(text) {
         Advance();
     }
 
@@ -32,6 +34,8 @@ public:
             Statement(false);
         return m_break;
     }
+
+    std::vector<LostJump> TakeLostJumps() { return std::move(m_lostJumps); }
 
 private:
     enum class In { Allowed, EndsIt }; ///< the word "in" between two values: not in the head of a "for"
@@ -137,16 +141,16 @@ private:
                                           {";", &SyntaxParser::Advance},
                                           {"if", &SyntaxParser::If},
                                           {"do", &SyntaxParser::Do},
-                                          {"while", &SyntaxParser::HeadAndBody},
+                                          {"while", &SyntaxParser::While},
                                           {"with", &SyntaxParser::HeadAndBody},
                                           {"for", &SyntaxParser::For},
-                                          {"continue", &SyntaxParser::Jump},
-                                          {"break", &SyntaxParser::Jump},
+                                          {"continue", &SyntaxParser::Continue},
+                                          {"break", &SyntaxParser::Break},
                                           {"return", &SyntaxParser::Return},
                                           {"throw", &SyntaxParser::Throw},
                                           {"switch", &SyntaxParser::Switch},
                                           {"try", &SyntaxParser::Try},
-                                          {"debugger", &SyntaxParser::Jump},
+                                          {"debugger", &SyntaxParser::Debugger},
                                           {"function", &SyntaxParser::NamedFunction}};
         const Level level(*this);
         const auto* form =
@@ -160,12 +164,18 @@ private:
     }
 
     void ValueOrLabel() {
-        const int nameEnd = IsName() ? m_symbol.end : -1;
+        const SyntaxSymbol first = m_symbol;
         Expression(In::Allowed);
-        if (m_lastEnd == nameEnd && Take(":"))
-            Statement(false);
+        if (first.kind == SymbolKind::Name && m_lastEnd == first.end && Take(":"))
+            Labelled(TextOf(first));
         else
             EndOfStatement();
+    }
+
+    void Labelled(const QString& label) {
+        m_targets.labels.push_back({label, m_targets.loops});
+        Statement(false);
+        m_targets.labels.pop_back();
     }
 
     /// A semicolon, or what stands for one.
@@ -212,9 +222,21 @@ private:
         }
     }
 
+    void LoopBody() {
+        ++m_targets.loops;
+        Statement(false);
+        --m_targets.loops;
+    }
+
+    void While() {
+        Advance();
+        Head();
+        LoopBody();
+    }
+
     void Do() {
         Advance();
-        Statement(false);
+        LoopBody();
         Need("while");
         Head();
         Take(";");
@@ -241,13 +263,41 @@ private:
                 Expression(In::Allowed);
         }
         Need(")");
-        Statement(false);
+        LoopBody();
     }
 
-    void Jump() {
+    /// With a label it goes on with the outermost loop within what has that label, as the engine has it.
+    void Continue() {
+        Jump(m_targets.loops > 0, [this](const Label& label) { return m_targets.loops > label.loopsAround; });
+    }
+    void Break() {
+        Jump(m_targets.loops > 0 || m_targets.switches > 0, [](const Label& /*label*/) { return true; });
+    }
+
+    void Debugger() {
         Advance();
-        if (IsName() && !m_symbol.isFirstOfLine)
+        EndOfStatement();
+    }
+
+    struct Label {
+        QString name;
+        int loopsAround = 0;
+    };
+
+    /// @param leadsOn whether it does without a label. @param fits whether it does with one of that name.
+    template <typename Fits>
+    void Jump(bool leadsOn, Fits fits) {
+        SyntaxSymbol jump = m_symbol;
+        Advance();
+        if (IsName() && !m_symbol.isFirstOfLine) {
+            const QString name = TextOf(m_symbol);
+            const auto leads = [&](const Label& label) { return label.name == name && fits(label); };
+            leadsOn = std::any_of(m_targets.labels.begin(), m_targets.labels.end(), leads);
+            jump.end = m_symbol.end;
             Advance();
+        }
+        if (!leadsOn)
+            m_lostJumps.push_back({jump.start, TextOf(jump)});
         EndOfStatement();
     }
 
@@ -274,8 +324,10 @@ private:
             else if (!Take("default"))
                 Fail({QStringLiteral("case"), QStringLiteral("default"), QStringLiteral("}")});
             Need(":");
+            ++m_targets.switches;
             while (!Is("case") && !Is("default") && !Is("}") && !AtEnd())
                 Statement(true);
+            --m_targets.switches;
         }
         Need("}");
     }
@@ -310,7 +362,9 @@ private:
                 break;
         }
         Need(")");
+        const Targets around = std::exchange(m_targets, {});
         Block();
+        m_targets = around;
     }
 
     // ---- values
@@ -448,16 +502,34 @@ private:
         Assignment(In::Allowed);
     }
 
+    /// What "break" and "continue" can lead to, within one function.
+    struct Targets {
+        int loops = 0;
+        int switches = 0;
+        std::vector<Label> labels;
+    };
+
+    QString TextOf(const SyntaxSymbol& symbol) const { return m_text.mid(symbol.start, symbol.end - symbol.start); }
+
+    const QString& m_text;
     SyntaxScanner m_scanner;
     SyntaxSymbol m_symbol;
     int m_lastEnd = 0; ///< of the symbol before
     int m_depth = 0;
     bool m_hasGivenUp = false;
     SyntaxBreak m_break;
+    Targets m_targets;
+    std::vector<LostJump> m_lostJumps;
 };
 
 } // namespace
 
 SyntaxBreak ReadSyntax(const QString& text) {
     return SyntaxParser(text).Read();
+}
+
+std::vector<LostJump> FindLostJumps(const QString& text) {
+    SyntaxParser parser(text);
+    parser.Read();
+    return parser.TakeLostJumps();
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include <QString>
 #include <QStringList>
 
@@ -24,3 +26,13 @@ struct SyntaxBreak {
 /// of a text writes beyond its memory where functions, or the branches of a long "else if", nest a good dozen deep.
 /// What an assignment goes to is not looked at: this is asked about texts that the engine has refused already.   [any]
 SyntaxBreak ReadSyntax(const QString& text);
+
+/// A "break" or "continue" that leads nowhere: no loop of its function stands around it, or none of its label.
+struct LostJump {
+    int offset = 0; ///< of the word
+    QString word;   ///< as it is written, with its label
+};
+
+/// All of them, in the order of a text that the engine has taken. The engine itself tells of one within a function only
+/// when that is called for the first time. Nothing is found behind a place that nests too deep to be looked at.   [any]
+std::vector<LostJump> FindLostJumps(const QString& text);

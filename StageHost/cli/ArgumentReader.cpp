@@ -164,7 +164,7 @@ QString ArgumentReader::Read(const QStringList& typed) {
         {"clock", &ArgumentReader::ReadClockTime}, {"within", &ArgumentReader::ReadWithin},
         {"jobs", &ArgumentReader::ReadJobs},       {"seed", &ArgumentReader::ReadSeed}};
     for (const auto& [name, read] : kValues) {
-        const QString problem = isSet(name) ? (this->*read)(value(name)) : QString();
+        QString problem = isSet(name) ? (this->*read)(value(name)) : QString();
         if (!problem.isEmpty())
             return problem;
     }

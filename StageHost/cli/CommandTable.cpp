@@ -101,8 +101,11 @@ constexpr Command kCommands[] = {
      "stagehost replay evening.traffic\n"
      "stagehost replay --fast --any-order --listen 4352 evening.traffic",
      1, 1, &ReplayTraffic},
-    {"declarations", "", "prints what a script sees as a TypeScript declaration file, for other editors",
-     "stagehost declarations > calverin.d.ts", 0, 0, &PrintDeclarations},
+    {"declarations", "[driver|counterpart]",
+     "prints what such a script sees as a TypeScript declaration file, for other editors",
+     "stagehost declarations > calverin.d.ts\n"
+     "stagehost declarations counterpart > counterpart.d.ts",
+     0, 1, &PrintDeclarations},
     {"schema", "", "prints the JSON Schema of show files, for other editors and programs",
      "stagehost schema > show.schema.json", 0, 0, &PrintSchema},
     {"update", "SHOW.json", "brings the stored commands of the show file up to their drivers",

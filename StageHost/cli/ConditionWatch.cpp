@@ -48,12 +48,12 @@ ConditionWatch::ConditionWatch(Host& host, Condition condition)
 void ConditionWatch::Find(Host& host) {
     const std::string name = ToBorderText(m_condition.name);
     m_wakes = host.Model().Feed().Subscribe([](const ShowChange&) { MainWait::Wake(); });
-    m_variable = host.Variables().Find(name);
-    if (m_variable) {
-        m_text = [&host, name, first = m_variable] { // a device that is made anew has new variables
+    if (const auto first = host.Variables().Find(name)) {
+        m_variable = [&host, name, first] {
             const auto now = host.Variables().Find(name);
-            return (now ? now : first)->Text();
+            return now ? now : first;
         };
+        m_text = [this] { return m_variable()->Text(); };
         return;
     }
     if (const auto resource = host.Model().FindResource(name))
@@ -115,7 +115,8 @@ std::optional<int> ConditionWatch::Order(const std::string& now) const {
     const auto left = NumberOf(now);
     const auto right = NumberOf(ToBorderText(m_condition.value));
     // A text is the same only by the letter; whether it is a number counts for its order alone.
-    const bool isText = m_variable && m_variable->Type() == KXP_STRING_DATA && !HasOrder(m_condition.comparison);
+    const auto variable = m_variable();
+    const bool isText = variable && variable->Type() == KXP_STRING_DATA && !HasOrder(m_condition.comparison);
     if (!left || !right || isText)
         return std::nullopt;
     return *left < *right ? -1 : (*left > *right ? 1 : 0);
@@ -123,12 +124,13 @@ std::optional<int> ConditionWatch::Order(const std::string& now) const {
 
 /// What a text stands for by the type: a number, the units of a time, the days of a date, the index of an item.
 std::optional<double> ConditionWatch::NumberOf(const std::string& text) const {
-    const std::uint32_t type = m_variable ? m_variable->Type() : std::uint32_t{KXP_STRING_DATA};
+    const auto variable = m_variable();
+    const std::uint32_t type = variable ? variable->Type() : std::uint32_t{KXP_STRING_DATA};
     if (type == KXP_TIME_DATA || type == KXP_DATE_DATA) {
-        const auto scratch = ScratchLike(*m_variable);
+        const auto scratch = ScratchLike(*variable);
         return scratch->SetText(text) ? std::optional<double>(scratch->Int()) : std::nullopt;
     }
-    if (const auto* list = dynamic_cast<const EnumValue*>(m_variable.get())) {
+    if (const auto* list = dynamic_cast<const EnumValue*>(variable.get())) {
         const std::vector<std::string> items = list->Items();
         const auto item = std::find(items.begin(), items.end(), text);
         if (item != items.end())

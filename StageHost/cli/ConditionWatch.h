@@ -43,7 +43,9 @@ private:
 
     const Condition m_condition;
     std::function<std::string()> m_text;
-    std::shared_ptr<HostValue> m_variable; ///< as it was found first; null for everything else
+    /// The variable as it is now: a device that is made anew, and an edition that is saved, have new ones. Null for
+    /// everything else.
+    std::function<std::shared_ptr<HostValue>()> m_variable = [] { return nullptr; };
     Subscription m_wakes;
     QTimer m_looks; ///< for properties that change without a word, such as a task's time
     QString m_problem;

@@ -8,7 +8,7 @@
 namespace stagehost {
 
 MaybeFailure KeepJUnitFile(const QString& path, const QByteArray& text) {
-    const QString refusal = WhyNotReplaceable(path, "<testsuite");
+    const QString refusal = WhyNotReplaceable(path, "<testsuite", "such report");
     if (!refusal.isEmpty())
         return Failure{kExitBadUse, QStringLiteral("%1 %2").arg(path, refusal)};
     QSaveFile file(path);

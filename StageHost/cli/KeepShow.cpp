@@ -86,7 +86,9 @@ MaybeFailure ReadSettings(const QString& device, const QStringList& words, std::
 /// Gives the device the driver's script as its file has it now, and settings their values.
 MaybeFailure RenewSetup(Session& session, Device& device, const Show& show, const ShowDevice& described,
                         const Options& options, const std::vector<GivenSetting>& words) {
-    QString setup = session.SetupToKeep(device);
+    QString setup;
+    if (auto failure = session.SetupToKeep(device, setup))
+        return failure;
     if (!described.driverFile.isEmpty()) {
         DriverEdition edition;
         if (auto failure = ReadDriver(show, show.Path(described.driverFile), options.timeout, edition))
@@ -104,14 +106,19 @@ MaybeFailure RenewSetup(Session& session, Device& device, const Show& show, cons
 }
 
 /// Keeps the device's setup of now. What "settings" in the show file say goes there, and not into the setup as well.
-/// @return the setup that is kept.
-QString KeepSetup(Session& session, ShowFile& file, const Device& device) {
+/// @param kept the setup that is kept.
+MaybeFailure KeepSetup(Session& session, ShowFile& file, const Device& device, QString& kept) {
     const QString name = FromBorderText(device.Name());
-    for (const auto& setting : session.Settings().Changed(name, FromBorderText(device.Setup())))
+    QString setup;
+    auto failure = SetupOfDevice(device, setup);
+    if (!failure)
+        failure = session.SetupToKeep(device, kept);
+    if (failure)
+        return failure;
+    for (const auto& setting : session.Settings().Changed(name, setup))
         file.SetSetting(name, setting.name, setting.text);
-    QString setup = session.SetupToKeep(device);
-    file.SetSetup(name, setup);
-    return setup;
+    file.SetSetup(name, kept);
+    return std::nullopt;
 }
 
 /// A value that a user gives stands in the place of the peer that the setting has named.
@@ -132,7 +139,10 @@ MaybeFailure ShowScript(Device& device, const Show& show, const ShowDevice& desc
     }
     DriverEdition edition;
     edition.text = script.text;
-    const QString setup = MakeSetupText(FromBorderText(device.Setup()), edition).value_or(QString());
+    QString setup;
+    if (auto failure = SetupOfDevice(device, setup))
+        return failure;
+    setup = MakeSetupText(setup, edition).value_or(QString());
     if (const auto refused = device.TakeSetup(ToBorderText(setup)))
         return Failure{kExitNoModule, QStringLiteral("%1: %2").arg(described.name, refused->text)};
     return std::nullopt;
@@ -155,8 +165,12 @@ MaybeFailure AskForSetup(Session& session, ShowFile& file, const Options& option
     if (code == KXP_CANCELLED && Interrupt::HasCome())
         return Failure{kExitNoAnswer, QStringLiteral("%1: interrupted, setup left as it was").arg(name)};
     const char* what = "left as it was";
-    if (code != KXP_CANCELLED)
-        what = KeepSetup(session, file, *device) == before && !file.HasChangedSettings(name) ? "as before" : "changed";
+    if (code != KXP_CANCELLED) {
+        QString kept;
+        if (auto failure = KeepSetup(session, file, *device, kept))
+            return failure;
+        what = kept == before && !file.HasChangedSettings(name) ? "as before" : "changed";
+    }
     report.Add(QStringLiteral("%1: setup %2").arg(name, QLatin1String(what)),
                {{QStringLiteral("device"), name}, {QStringLiteral("setup"), QLatin1String(what)}});
     session.CheckStored();
@@ -172,7 +186,7 @@ MaybeFailure RunPanel(Session& session, ShowFile& file, const Options& options, 
         return session.NoDevice(name);
     if (session.HasRefusedSetup(name))
         return Failure{kExitBadUse, QStringLiteral("%1: %2").arg(name, RefusedSetupText())};
-    const QString before = FromBorderText(device->Setup());
+    const auto before = device->Setup();
     if (const auto failure = session.Start())
         PrintProblem(failure->text);
     if (!window.Run(session, *device, options))
@@ -181,9 +195,12 @@ MaybeFailure RunPanel(Session& session, ShowFile& file, const Options& options, 
         file.SetStoredCommand(stored, xml);
         report.Add(QStringLiteral("%1: stored").arg(stored), {{QStringLiteral("name"), stored}});
     }
-    const bool changed = !device->IsOver() && FromBorderText(device->Setup()) != before;
-    if (changed)
-        KeepSetup(session, file, *device);
+    const bool changed = !device->IsOver() && device->Setup() != before;
+    if (changed) {
+        QString kept;
+        if (auto failure = KeepSetup(session, file, *device, kept))
+            return failure;
+    }
     const char* what = changed ? "changed" : "as before";
     report.Add(QStringLiteral("%1: setup %2").arg(name, QLatin1String(what)),
                {{QStringLiteral("device"), name}, {QStringLiteral("setup"), QLatin1String(what)}});
@@ -207,7 +224,9 @@ MaybeFailure RenewSetups(Session& session, ShowFile& file, const Options& option
             return failure;
         for (const auto& word : words)
             TakePlaceOfPeer(file, described, word);
-        const QString setup = KeepSetup(session, file, device);
+        QString setup;
+        if (auto failure = KeepSetup(session, file, device, setup))
+            return failure;
         const bool same = setup == described.setup && !file.HasChangedSettings(described.name);
         const char* what = described.setup.isEmpty() ? "made" : same ? "as before" : "renewed";
         report.Add(QStringLiteral("%1: setup %2").arg(described.name, QLatin1String(what)),

@@ -119,9 +119,14 @@ QStringList LiveShow::Names() {
 
 QString LiveShow::Help() {
     QVector<QStringList> rows;
-    for (const auto& row : kRows)
-        rows.push_back({QStringLiteral("%1 %2").arg(QLatin1String(row.name), QLatin1String(row.form)).trimmed(),
-                        QLatin1String(row.summary)});
+    for (const auto& row : kRows) {
+        QStringList forms = QString::fromLatin1(row.form).split(QStringLiteral(" | "));
+        for (QString& form : forms)
+            form.prepend(QLatin1String(row.name) + QLatin1Char(' '));
+        for (const QString& form : forms.mid(0, forms.size() - 1))
+            rows.push_back({form, {}});
+        rows.push_back({forms.last().trimmed(), QLatin1String(row.summary)});
+    }
     return Table(rows, QStringLiteral("  "));
 }
 

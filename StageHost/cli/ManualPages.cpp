@@ -38,7 +38,9 @@ QString Form(const OptionRow& option) {
 
 /// The words that a table shows as "both|newer|none"; none for a form that is no such choice.
 QStringList Choices(const char* form) {
-    const QString first = QString::fromUtf8(form == nullptr ? "" : form).section(QLatin1Char(' '), 0, 0);
+    QString first = QString::fromUtf8(form == nullptr ? "" : form).section(QLatin1Char(' '), 0, 0);
+    if (first.startsWith(QLatin1Char('[')) && first.endsWith(QLatin1Char(']')))
+        first = first.mid(1, first.size() - 2); // it may be left out
     return first.contains(QLatin1Char('|')) ? first.split(QLatin1Char('|')) : QStringList();
 }
 

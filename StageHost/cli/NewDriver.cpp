@@ -20,8 +20,6 @@ namespace {
 
 constexpr const char* kConnectionFile = "connection.js";
 constexpr int kLongestName = 60;
-constexpr int kFirstPort = 20000; // below the ports that the system lends, above those of well-known services
-constexpr int kPorts = 10000;
 
 struct TemplateFile {
     const char* source; ///< in the template's folder
@@ -31,20 +29,20 @@ struct TemplateFile {
 
 struct Template {
     const char* kind;
-    bool connects; ///< the driver carries the connection
-    TemplateFile peer;
+    bool connects;    ///< the driver carries the connection
+    const char* fake; ///< what the driver is tried with
 };
 
 constexpr Template kTemplates[] = {
-    {"tcp", true, {"peer.py", "peer.py", "a fake device, started and ended by the show"}},
-    {"udp", true, {"peer.js", "peer.js", "a fake device, another script of the show"}},
-    {"http", true, {"peer.py", "peer.py", "a fake device, started and ended by the show"}},
-    {"serial", true, {"peer.py", "peer.py", "a fake device with a port of its own, started and ended by the show"}},
-    {"logic", false, {"peer.js", "peer.js", "a fake light, another script of the show"}},
+    {"tcp", true, "a device to talk to, played by the show"},
+    {"udp", true, "a device to talk to, played by the show"},
+    {"http", true, "a device to talk to, played by the show"},
+    {"serial", true, "a device to talk to, played by the show"},
+    {"logic", false, "a light to work, another script of the show"},
 };
 
 constexpr TemplateFile kDriver = {"driver.js", "@NAME@.js", "the driver: change this one"};
-constexpr TemplateFile kShow = {"show.json", "show.json", "a show that plays it"};
+constexpr TemplateFile kShow = {"show.json", "show.json", "a show that plays them, and tests the driver"};
 
 /// A file as it is written.
 struct NewFile {
@@ -59,17 +57,10 @@ QByteArray TemplateText(const QString& path) {
     return file.readAll();
 }
 
-/// Every driver has a port of its own, so that shows of several can run side by side.
-QByteArray PortOf(const QByteArray& name) {
-    return QByteArray::number(kFirstPort + qChecksum(name.constData(), static_cast<uint>(name.size())) % kPorts);
-}
-
 std::vector<NewFile> FilesOf(const Template& made, const QString& name) {
-    const auto filled = [&](QByteArray text) {
-        return text.replace("@NAME@", name.toLatin1()).replace("@PORT@", PortOf(name.toLatin1()));
-    };
+    const auto filled = [&](QByteArray text) { return text.replace("@NAME@", name.toLatin1()); };
     std::vector<NewFile> files;
-    for (const TemplateFile& file : {kDriver, made.peer, kShow}) {
+    for (const TemplateFile& file : {kDriver, TemplateFile{"fake.js", "fake.js", made.fake}, kShow}) {
         const QString source = QLatin1String(made.kind) + QLatin1Char('/') + QLatin1String(file.source);
         files.push_back(
             {QString::fromLatin1(filled(file.target)), filled(TemplateText(source)), QLatin1String(file.meaning)});
@@ -125,6 +116,7 @@ void Tell(const Options& options, const QString& name, const std::vector<NewFile
     Print(Table(rows, {}));
     PrintLine(QStringLiteral("\nNext"));
     Print(Table({{QStringLiteral("stagehost run %1/show.json").arg(name), QStringLiteral("plays the show")},
+                 {QStringLiteral("stagehost test %1").arg(name), QStringLiteral("tests the driver by it")},
                  {QStringLiteral("stagehost watch %1/show.json").arg(name),
                   QStringLiteral("runs it, shows what changes, does what you type")},
                  {QStringLiteral("stagehost check --strict %1/%1.js").arg(name),

@@ -21,7 +21,6 @@ namespace stagehost {
 
 namespace {
 
-constexpr std::chrono::hours kLong(24);
 const QString kThisMachine = QStringLiteral("127.0.0.1");
 
 /// "HOST:PORT" with, in front of it, "PORT:" or "HOST:PORT:" of the place to listen at.
@@ -30,7 +29,7 @@ QString ReadNetPlaces(const QString& text, RelayPlan& plan) {
     const QRegularExpressionMatch match = form.match(text);
     if (!match.hasMatch())
         return QStringLiteral("\"%1\" is no [LISTEN:]HOST:PORT").arg(text);
-    const QString problem = ReadHostAndPort(match.captured(2), kThisMachine, plan.device);
+    QString problem = ReadHostAndPort(match.captured(2), kThisMachine, plan.device);
     if (!problem.isEmpty() || match.captured(1).isEmpty())
         return problem;
     return ReadHostAndPort(match.captured(1), kThisMachine, plan.listen);
@@ -49,7 +48,10 @@ QString ReadDevice(const Options& options, RelayPlan& plan) {
         return QStringLiteral("record needs one of --tcp, --udp and --serial");
     if (plan.device.kind != LineKind::Serial) {
         plan.listen.host = kThisMachine;
-        return ReadNetPlaces(*given[static_cast<int>(plan.device.kind)], plan);
+        QString problem = ReadNetPlaces(*given[static_cast<int>(plan.device.kind)], plan);
+        return problem.isEmpty() && plan.device.port == 0
+                   ? TextOf(plan.device) + QStringLiteral(": a device has no port 0")
+                   : problem;
     }
     plan.device.path = options.serial;
     return options.line.isEmpty() ? QString() : ReadLineSettings(options.line, plan.serial);
@@ -98,7 +100,7 @@ QString ReadMischief(const Options& options, RelayPlan& plan) {
 
 QString ReadPlan(const Options& options, RelayPlan& plan) {
     for (const auto read : {&ReadDevice, &ReadListen, &ReadMischief}) {
-        const QString problem = read(options, plan);
+        QString problem = read(options, plan);
         if (!problem.isEmpty())
             return problem;
     }
@@ -113,10 +115,11 @@ public:
         , m_writer({[this] { m_relay.HoldUp(false); }, [](const QString& why) { TellEnd(why); }})
         , m_relay(plan, [this](TrafficEntry entry) { Note(std::move(entry)); }) {}
 
+    /// The file comes last: a recording that cannot begin leaves the one that is there.
     QString Open(const QString& file, const TrafficHead& head) {
         m_clock.start();
-        const QString problem = m_writer.Open(file, head);
-        return problem.isEmpty() ? m_relay.Open() : problem;
+        const QString problem = m_relay.Open();
+        return problem.isEmpty() ? m_writer.Open(file, head) : problem;
     }
 
     const Endpoint& Listener() const { return m_relay.Listener(); }
@@ -173,7 +176,7 @@ int RecordTraffic(const Options& options) {
     if (!problem.isEmpty())
         return Fail(options.json, kExitBadUse, problem);
     TellReady(options, plan, recording.Listener());
-    MainWait::UntilInterrupted([] { return false; }, kLong);
+    MainWait::ForInterrupt();
     return recording.Close();
 }
 

@@ -42,19 +42,8 @@ Reloader::Reloader(Session& session, const Show& show, const Options& options)
     : m_session(session)
     , m_show(show)
     , m_options(options) {
-    for (const auto& device : show.devices) {
-        const QString& file = device.driverFile.isEmpty() ? device.scriptFile : device.driverFile;
-        if (file.isEmpty())
-            continue;
-        Watched watched{&device, {show.Path(file)}, {}, {}, {}};
-        WholeScript script;
-        if (!ReadWhole(show.Path(file), options.timeout, script) && device.setup.isEmpty())
-            watched.text = script.text;
-        if (!script.files.isEmpty())
-            watched.files = script.files;
-        watched.settled = StateOf(watched.files);
-        m_watched.push_back(watched);
-    }
+    WatchDevices();
+    WatchPeers();
     QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
         Look();
         KeepPace(m_timer, kLookAtFiles);
@@ -62,35 +51,72 @@ Reloader::Reloader(Session& session, const Show& show, const Options& options)
     m_timer.start(kLookAtFiles);
 }
 
+void Reloader::WatchDevices() {
+    for (const auto& device : m_show.devices) {
+        const QString& file = device.driverFile.isEmpty() ? device.scriptFile : device.driverFile;
+        if (file.isEmpty())
+            continue;
+        Watched watched{&device, {{m_show.Path(file)}, {}, {}}, {}};
+        WholeScript script;
+        if (!ReadWhole(m_show.Path(file), m_options.timeout, script) && device.setup.isEmpty())
+            watched.text = script.text;
+        if (!script.files.isEmpty())
+            watched.files.paths = script.files;
+        watched.files.settled = StateOf(watched.files.paths);
+        m_watched.push_back(watched);
+    }
+}
+
+void Reloader::WatchPeers() {
+    for (const auto& peer : m_show.peers) {
+        const QStringList paths{m_show.Path(peer.file)};
+        if (peer.kind == ShowPeer::Kind::Script)
+            m_peers.push_back({&peer, {paths, StateOf(paths), {}}});
+    }
+}
+
 void Reloader::Look() {
     if (m_isBusy || m_session.IsBusy() || Interrupt::HasCome())
         return;
     m_isBusy = true;
     for (Watched& watched : m_watched) {
-        if (HasSettled(watched))
+        if (HasSettled(watched.files))
+            Reload(watched);
+    }
+    for (WatchedPeer& watched : m_peers) {
+        if (HasSettled(watched.files))
             Reload(watched);
     }
     m_isBusy = false;
 }
 
 /// @return whether the files have changed and stand still.
-bool Reloader::HasSettled(Watched& watched) {
-    const QByteArray state = StateOf(watched.files);
-    watched.looks = state == watched.seen ? watched.looks + 1 : 1;
-    watched.seen = state;
-    if (state == watched.settled || watched.looks < (IsGone(watched.files) ? kLooksForGone : kLooksUntilStill))
+bool Reloader::HasSettled(Files& files) {
+    const QByteArray state = StateOf(files.paths);
+    files.looks = state == files.seen ? files.looks + 1 : 1;
+    files.seen = state;
+    if (state == files.settled || files.looks < (IsGone(files.paths) ? kLooksForGone : kLooksUntilStill))
         return false;
-    watched.settled = state;
+    files.settled = state;
     return true;
+}
+
+void Reloader::Reload(const WatchedPeer& watched) {
+    const QString& name = watched.described->name;
+    QString result;
+    const auto failure = m_session.Work({name, QStringLiteral("load"), {}, {}, {}}, &result);
+    PrintProblem(
+        failure ? failure->text
+                : QStringLiteral("reloaded peer %1 (%2)").arg(name, QFileInfo(watched.files.paths.first()).fileName()));
 }
 
 void Reloader::Reload(Watched& watched) {
     const QString& name = watched.described->name;
     DriverEdition edition;
-    auto failure = ReadDriver(m_show, watched.files.first(), m_options.timeout, edition);
-    if (edition.files != watched.files) {
-        watched.files = edition.files;
-        watched.settled = StateOf(watched.files);
+    auto failure = ReadDriver(m_show, watched.files.paths.first(), m_options.timeout, edition);
+    if (edition.files != watched.files.paths) {
+        watched.files.paths = edition.files;
+        watched.files.settled = StateOf(edition.files);
     }
     QString setup;
     if (!failure && edition.text == watched.text)
@@ -100,11 +126,14 @@ void Reloader::Reload(Watched& watched) {
     if (failure)
         return GoOn(name, failure);
     const Device* device = m_session.FindDevice(name);
-    const QString before = FromBorderText(device->Setup());
+    QString before;
+    failure = SetupOfDevice(*device, before);
+    if (failure)
+        return GoOn(name, failure);
     failure = Run(watched, setup, edition.text);
     if (!failure) {
         watched.text = edition.text;
-        PrintProblem(QStringLiteral("reloaded %1 (%2)").arg(name, QFileInfo(watched.files.first()).fileName()));
+        PrintProblem(QStringLiteral("reloaded %1 (%2)").arg(name, QFileInfo(watched.files.paths.first()).fileName()));
         return m_session.CheckStored();
     }
     if (Interrupt::HasCome())
@@ -119,11 +148,10 @@ MaybeFailure Reloader::SetupOf(const Watched& watched, const DriverEdition& edit
     const QString& name = watched.described->name;
     const Device& device = *m_session.FindDevice(name);
     const bool isDriver = !watched.described->driverFile.isEmpty();
-    if (!isDriver && !m_session.Settings().HasAny(name)) {
-        setup = FromBorderText(device.Setup());
-        return std::nullopt;
-    }
-    setup = m_session.SetupToKeep(device);
+    if (!isDriver && !m_session.Settings().HasAny(name))
+        return SetupOfDevice(device, setup);
+    if (auto failure = m_session.SetupToKeep(device, setup))
+        return failure;
     setup = MakeSetupText(setup, isDriver ? edition : SettingsAlone(edition)).value_or(setup);
     const QString problem = m_session.Settings().PutInto(name, setup);
     return problem.isEmpty() ? std::nullopt : MaybeFailure(Failure{kExitBadUse, problem});

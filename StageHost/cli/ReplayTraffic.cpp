@@ -7,6 +7,7 @@
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "InputLines.h"
+#include "InputSide.h"
 #include "Interrupt.h"
 #include "MainWait.h"
 #include "NearNames.h"
@@ -58,7 +59,7 @@ private:
     void Tell(LineId line, const QString& key, const QString& sign, const QByteArray& bytes, int fileLine) const {
         if (!m_json)
             return PrintLine(QStringLiteral("%1 %2 %3").arg(line).arg(sign, BytesForPeople(bytes)));
-        QJsonObject told{{QStringLiteral("connection"), line}, {key, BytesForPeople(bytes)}};
+        QJsonObject told{{QStringLiteral("connection"), line}, {key, QString::fromLatin1(bytes)}};
         if (fileLine != 0)
             told.insert(QStringLiteral("line"), fileLine);
         PrintJsonLine(told);
@@ -91,10 +92,18 @@ public:
     explicit ReplayOrders(Replay& replay)
         : m_replay(replay) {}
 
-    /// @return empty, or what is wrong.
-    QString Do(const QString& line) {
+    /// @return the answer: what is done, or why it is not.
+    QJsonObject Do(const QString& line) {
         const QJsonObject order = QJsonDocument::fromJson(line.toUtf8()).object();
         const QString name = order.value(QLatin1String("do")).toString();
+        const QString problem = Obey(name, order);
+        if (!problem.isEmpty())
+            return {{QStringLiteral("refused"), problem}};
+        return {{QStringLiteral("done"), name}};
+    }
+
+private:
+    QString Obey(const QString& name, const QJsonObject& order) {
         Endpoint& endpoint = m_replay.TheEndpoint();
         if (name == QLatin1String("leave"))
             endpoint.Leave();
@@ -109,11 +118,10 @@ public:
         else if (name == QLatin1String("obey"))
             m_replay.Lie(Prank::None);
         else
-            return QStringLiteral("a replay cannot do \"%1\"").arg(name.isEmpty() ? line : name);
+            return QStringLiteral("a replay cannot do \"%1\"").arg(name);
         return {};
     }
 
-private:
     QString Lie(const QString& name) {
         Prank prank{};
         if (!FindPrank(name, prank))
@@ -138,15 +146,12 @@ QString ReadPlace(const Options& options, LinePlace& place) {
 
 /// Plays until Ctrl-C and, where a program speaks to it, until that has nothing more to say.
 void Play(Replay& replay, bool hearsOrders) {
-    const auto input = hearsOrders ? std::make_unique<InputLines>() : nullptr;
+    const auto input = hearsOrders && HasInputOtherSide() ? std::make_unique<InputLines>() : nullptr;
     ReplayOrders orders(replay);
     while (!Interrupt::HasCome() && !(input && input->IsOver())) {
         MainWait::Until([&] { return input && (input->HasLine() || input->IsOver()); }, kLookForInterrupt);
-        while (input && input->HasLine()) {
-            const QString problem = orders.Do(input->TakeLine());
-            if (!problem.isEmpty())
-                PrintJsonLine({{QStringLiteral("problem"), problem}});
-        }
+        while (input && input->HasLine())
+            PrintJsonLine(orders.Do(input->TakeLine()));
     }
     replay.Finish();
 }
@@ -156,7 +161,7 @@ void Play(Replay& replay, bool hearsOrders) {
 int ReplayTraffic(const Options& options) {
     const QString name = options.arguments.first();
     QString problem;
-    const auto file = ReadTrafficFile(name, problem);
+    auto file = ReadTrafficFile(name, problem);
     if (!file)
         return Fail(options.json, kExitBadUse, problem);
     LinePlace place = file->head.device;
@@ -165,7 +170,7 @@ int ReplayTraffic(const Options& options) {
         return Fail(options.json, kExitBadUse, problem);
     const Interrupt noted;
     const ReplayTeller teller(name, options.json);
-    Replay replay(*file, {options.fast, options.anyOrder}, teller.News());
+    Replay replay(std::move(*file), {options.fast, options.anyOrder}, teller.News());
     problem = replay.Open(place);
     if (!problem.isEmpty())
         return Fail(options.json, kExitBadUse, QStringLiteral("%1: %2").arg(TextOf(place), problem));

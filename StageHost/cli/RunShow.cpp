@@ -20,6 +20,7 @@
 #include "StepRecord.h"
 #include "StepText.h"
 #include "StepTicker.h"
+#include "StepTraffic.h"
 
 namespace stagehost {
 
@@ -79,17 +80,19 @@ public:
             PrintLine(QStringLiteral("   ") + record.does);
     }
 
-    void StepDone(std::size_t index, const StepOutcome& outcome) {
+    /// @param traffic of a step that failed.
+    void StepDone(std::size_t index, const StepOutcome& outcome, const QStringList& traffic) {
         const ShowStep& step = m_show.steps[index];
         StepRecord& record = m_record.steps[index];
         record.standing = outcome.failure ? StepRecord::Standing::Failed : StepRecord::Standing::Well;
         record.failure = outcome.failure ? outcome.failure->text : QString();
+        record.traffic = traffic;
         record.result = FromBorderText(outcome.command.result);
         record.milliseconds = outcome.command.milliseconds;
         if (m_options.tap)
             return Print(TapLine(static_cast<int>(index) + 1, record));
         if (m_options.json)
-            return AddStep(step, outcome);
+            return AddStep(step, outcome, traffic);
         QStringList lines = record.result.split(QLatin1Char('\n'));
         while (!lines.isEmpty() && lines.last().isEmpty())
             lines.removeLast();
@@ -104,10 +107,18 @@ public:
                     .arg(OnOutput(Ink::Bad, QStringLiteral("failed")), Milliseconds(outcome.command.milliseconds)));
     }
 
+    /// Where the other forms have it in the step.
+    void TellTraffic(const QStringList& traffic) const {
+        for (const QString& line : IsText() ? TrafficForPeople(traffic) : QStringList())
+            PrintProblem(line);
+    }
+
     const QString& HeadlineOf(std::size_t index) const { return m_record.steps[index].headline; }
 
     /// @param thrown what scripts have thrown beside the steps; it has been printed.
-    int End(const MaybeFailure& showFailure, const MaybeFailure& stepFailure, const MaybeFailure& thrown) {
+    /// @param traffic of a failure that is no step's.
+    int End(const MaybeFailure& showFailure, const MaybeFailure& stepFailure, const MaybeFailure& thrown,
+            const QStringList& traffic) {
         const MaybeFailure& failure = showFailure ? showFailure : (stepFailure ? stepFailure : thrown);
         const int exitCode = failure ? failure->exitCode : kExitOk;
         if (showFailure) {
@@ -122,6 +133,9 @@ public:
                          {QStringLiteral("exitCode"), exitCode},
                          {QStringLiteral("steps"), m_steps}};
         AddPlace(json, failure ? failure->place : QStringList());
+        TellTraffic(traffic);
+        if (!traffic.isEmpty())
+            json.insert(QStringLiteral("traffic"), QJsonArray::fromStringList(traffic));
         if (m_options.tap)
             Print(TapEnd(m_record));
         else if (m_options.json)
@@ -171,7 +185,7 @@ private:
         }));
     }
 
-    void AddStep(const ShowStep& step, const StepOutcome& outcome) {
+    void AddStep(const ShowStep& step, const StepOutcome& outcome, const QStringList& traffic) {
         QJsonObject object = ToJson(outcome.command);
         object.insert(QStringLiteral("say"), step.say);
         if (step.device.isEmpty()) {
@@ -181,6 +195,8 @@ private:
             object.insert(QStringLiteral("command"), step.command);
         }
         object.insert(QStringLiteral("asExpected"), !outcome.failure);
+        if (outcome.failure)
+            object.insert(QStringLiteral("traffic"), QJsonArray::fromStringList(traffic));
         m_steps.append(object);
     }
 
@@ -223,16 +239,20 @@ MaybeFailure PlaySteps(Session& session, const Show& show, bool keepGoing, ShowR
             const StepTicker ticker;
             outcome = player.Play(show.steps[index]);
         }
-        report.StepDone(index, outcome);
+        const ShowStep* const failed = outcome.failure ? &show.steps[index] : nullptr;
+        const QStringList traffic = failed == nullptr ? QStringList() : TrafficOf(show, failed, session.RunningPeers());
+        report.StepDone(index, outcome, traffic);
         if (!outcome.failure)
             continue;
         Failure failure{
             outcome.failure->exitCode,
             QStringLiteral("step %1 (%2): %3").arg(index + 1).arg(report.HeadlineOf(index), outcome.failure->text),
             outcome.failure->place};
-        session.TellWhereItHangs(failure);
+        if (!keepGoing || index + 1 == show.steps.size()) // the steps behind it need the devices
+            session.TellWhereItHangs(failure);
         PrintProblem(OnErrors(Ink::Bad, failure.text));
         PrintPlace(failure.place);
+        report.TellTraffic(traffic);
         first = first ? first : MaybeFailure(failure);
     }
     if (!first && index < show.steps.size()) {
@@ -272,7 +292,9 @@ int RunShow(const Options& options) {
         ShowClock::Run();
     const auto stepFailure = showFailure ? MaybeFailure() : PlaySteps(session, show, options.keepGoing, report);
     const auto thrown = session.TellThrown();
-    int exitCode = report.End(showFailure, stepFailure, thrown);
+    const bool isNoStep = !stepFailure && (showFailure || thrown);
+    int exitCode = report.End(showFailure, stepFailure, thrown,
+                              isNoStep ? TrafficOf(show, nullptr, session.RunningPeers()) : QStringList());
     if (const auto failure = report.KeepJUnit({})) {
         PrintProblem(OnErrors(Ink::Bad, failure->text));
         exitCode = exitCode == kExitOk ? failure->exitCode : exitCode;

@@ -89,8 +89,9 @@ QJsonObject PlaceJson(const QStringList& lines) {
             place.insert(QStringLiteral("note"), line.mid(6));
         }
     }
-    if (!place.isEmpty())
-        place.insert(QStringLiteral("calls"), calls);
+    if (!place.contains(QLatin1String("file")))
+        return {};
+    place.insert(QStringLiteral("calls"), calls);
     return place;
 }
 

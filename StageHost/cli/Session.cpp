@@ -6,7 +6,6 @@
 #include <QFileInfo>
 
 #include "BorderText.h"
-#include "ConditionWatch.h"
 #include "DriverSetup.h"
 #include "ExitCodes.h"
 #include "ExitGuard.h"
@@ -17,7 +16,6 @@
 #include "ScriptPlaces.h"
 #include "ShowClock.h"
 #include "TextFile.h"
-#include "ValueCheck.h"
 #include "ValueFactory.h"
 
 namespace stagehost {
@@ -131,11 +129,10 @@ MaybeFailure Session::Open(const Show& show) {
 MaybeFailure Session::PrepareLog(HostSettings& settings) {
     QString path = m_options.logFile;
     if (path.isEmpty()) {
-        m_logFolder = std::make_unique<QTemporaryDir>();
-        if (!m_logFolder->isValid())
-            return Failure{kExitBadUse,
-                           QStringLiteral("cannot make a folder for the log: ") + m_logFolder->errorString()};
-        path = m_logFolder->filePath(QStringLiteral("stagehost.log"));
+        m_logFolder = std::make_unique<PassingFolder>();
+        if (!m_logFolder->Problem().isEmpty())
+            return Failure{kExitBadUse, QStringLiteral("cannot make a folder for the log: ") + m_logFolder->Problem()};
+        path = m_logFolder->FilePath(QStringLiteral("stagehost.log"));
     }
     const QString problem = WhyNotAppendable(path);
     if (!problem.isEmpty())
@@ -225,8 +222,11 @@ MaybeFailure Session::FirstSetup(const ShowDevice& described, QString& setup) co
     return std::nullopt;
 }
 
-QString Session::SetupToKeep(const Device& device) const {
-    return m_settings.TakeOutOf(FromBorderText(device.Name()), FromBorderText(device.Setup()));
+MaybeFailure Session::SetupToKeep(const Device& device, QString& setup) const {
+    if (auto failure = SetupOfDevice(device, setup))
+        return failure;
+    setup = m_settings.TakeOutOf(FromBorderText(device.Name()), setup);
+    return std::nullopt;
 }
 
 void Session::TellOtherEdition(const ShowDevice& described) const {
@@ -366,7 +366,9 @@ MaybeFailure Session::StartDevice(Device& device) {
 MaybeFailure Session::Restart(const QString& name, const std::string& setup) {
     const ShowRest rest; // the module measures a stop by the clock
     Device* device = FindDevice(name);
-    const auto values = device->Variables().Kept();
+    auto& values = m_unstarted[name];
+    for (auto& [variable, text] : device->Variables().Kept())
+        values[variable] = text;
     const bool hasStopped = !device->IsBlocked() && device->Stop(kStop);
     if (hasStopped) {
         if (const auto refused = device->TakeSetup(setup))
@@ -381,7 +383,10 @@ MaybeFailure Session::Restart(const QString& name, const std::string& setup) {
         made.Variables().GiveBack(values);
         if (const auto error = made.Variables().FindState("Error"))
             error->SetText(""); // of the edition before
-        return StartDevice(made);
+        auto failed = StartDevice(made);
+        if (!failed)
+            m_unstarted.erase(name);
+        return failed;
     };
     auto failure = start();
     if (!hasStopped || !failure || !FindDevice(name)->IsBlocked() || Interrupt::HasCome())
@@ -473,57 +478,8 @@ MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
     return Send(*FindDevice(FromBorderText(action.device)), FromBorderText(action.command), inputs, outcome);
 }
 
-MaybeFailure Session::Work(const PeerDeed& deed, QString* result) {
-    Peer* peer = m_peers.Find(deed.peer);
-    if (peer == nullptr)
-        return NoPeer(deed.peer);
-    const QString problem = peer->Do(deed, AnswerTime(m_options.timeout), result);
-    if (problem.isEmpty())
-        return std::nullopt;
-    return Failure{Interrupt::HasCome() ? kExitNoAnswer : kExitScriptFailed,
-                   QStringLiteral("peer %1: %2").arg(deed.peer, problem)};
-}
-
-MaybeFailure Session::WaitForFrame(const PeerReceipt& receipt, std::chrono::milliseconds limit) {
-    Peer* peer = m_peers.Find(receipt.peer);
-    if (peer == nullptr)
-        return NoPeer(receipt.peer);
-    const QString problem = peer->WaitFor(receipt, limit);
-    return problem.isEmpty() ? MaybeFailure()
-                             : Failure{kExitNoAnswer, QStringLiteral("peer %1: %2").arg(receipt.peer, problem)};
-}
-
-MaybeFailure Session::WaitFor(const ShowWait& wait) {
-    const auto limit = wait.within ? std::chrono::milliseconds(*wait.within) : AnswerTime(m_options.timeout);
-    if (wait.receipt)
-        return WaitForFrame(*wait.receipt, limit);
-    const QString never = ValueCheck(m_show).WhyNeverHolds(wait.until);
-    if (!never.isEmpty())
-        return Failure{kExitBadUse, Quoted(wait.until.name) + QLatin1Char(' ') + never};
-    const ConditionWatch watch(*m_host, wait.until);
-    if (watch.IsUnknown())
-        return NoVariable(wait.until.name);
-    if (!watch.Problem().isEmpty())
-        return Failure{kExitBadUse, watch.Problem()};
-    if (MainWait::UntilInterrupted([&] { return watch.Holds(); }, limit))
-        return std::nullopt;
-    const QString state =
-        wait.until.comparison == Comparison::Is
-            ? QStringLiteral("\"%1\" is \"%2\", not \"%3\"").arg(wait.until.name, watch.Now(), wait.until.value)
-            : QStringLiteral("\"%1\" is \"%2\", and should be: %3")
-                  .arg(wait.until.name, watch.Now(), wait.until.Text());
-    if (Interrupt::HasCome())
-        return Failure{kExitNoAnswer, QStringLiteral("interrupted while ") + state};
-    return Failure{kExitNoAnswer, QStringLiteral("%1, after %2 ms").arg(state).arg(limit.count())};
-}
-
-MaybeFailure Session::Pause(std::chrono::milliseconds time) {
-    MainWait::UntilInterrupted([] { return false; }, time);
-    return Interrupt::HasCome() ? MaybeFailure(Failure{kExitNoAnswer, QStringLiteral("interrupted in a pause")})
-                                : std::nullopt;
-}
-
 void Session::EndDevices(int lateCode) {
+    ++m_calls; // for good: a device that is released is not reloaded any more
     ShowClock::Rest();
     m_host->Model().EndTasks();
     for (const auto& device : m_devices) {
@@ -580,6 +536,15 @@ int Session::Close(int exitCode) {
     m_host.reset();
     m_follower.reset();
     return thrown && exitCode == kExitOk ? thrown->exitCode : exitCode;
+}
+
+MaybeFailure SetupOfDevice(const Device& device, QString& setup) {
+    const auto given = device.Setup();
+    if (!given)
+        return Failure{kExitNoModule, QStringLiteral("%1: the module does not give the setup, so it is left as it was")
+                                          .arg(FromBorderText(device.Name()))};
+    setup = FromBorderText(*given);
+    return std::nullopt;
 }
 
 MaybeFailure PathForBorder(const QString& path, std::string& border) {

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
 
 #include <QJsonObject>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include "Device.h"
@@ -19,6 +19,7 @@
 #include "LogScreen.h"
 #include "ObjectKinds.h"
 #include "Options.h"
+#include "PassingFolder.h"
 #include "Peers.h"
 #include "Show.h"
 #include "StoredCommands.h"
@@ -57,7 +58,7 @@ public:
     /// come back from its stop is released, and another takes its place.
     MaybeFailure Restart(const QString& name, const std::string& setup);
 
-    /// Whether a call of a device is waited for.
+    /// Whether a call of a device or a peer is waited for.
     bool IsBusy() const { return m_calls > 0; }
 
     /// Loads a show device's script, if it has one, into its device.
@@ -87,7 +88,7 @@ public:
     bool HasRefusedSetup(const QString& device) const { return m_refusedSetups.contains(device); }
 
     /// What the device's setup of now says, apart from what "settings" and --set say: the setup as it may be stored.
-    QString SetupToKeep(const Device& device) const;
+    MaybeFailure SetupToKeep(const Device& device, QString& setup) const;
     /// What "settings" and --set say.
     DeviceSettings& Settings() { return m_settings; }
 
@@ -117,6 +118,7 @@ public:
     Failure NoObject(const QString& name) const; ///< of any kind
 
     const std::vector<std::unique_ptr<Device>>& Devices() const { return m_devices; }
+    const Peers& RunningPeers() const { return m_peers; }
     Host& TheHost() { return *m_host; }
 
     /// Prints what scripts have thrown beside the calls that were made, up to now.
@@ -159,7 +161,7 @@ private:
     const Options& m_options;
     const Interrupt m_interrupt;
     Show m_show;
-    std::unique_ptr<QTemporaryDir> m_logFolder; ///< holds the log that nobody wants to keep; null otherwise
+    std::unique_ptr<PassingFolder> m_logFolder; ///< holds the log that nobody wants to keep; null otherwise
     ThrownTexts m_thrown;
     LogScreen m_screen;
     QStringList m_logNames;                  ///< the devices whose lines the log may hold
@@ -169,7 +171,9 @@ private:
     std::unique_ptr<HostedModule> m_module;
     std::vector<std::unique_ptr<Device>> m_devices;
     std::vector<CheckedCommand> m_stored;
-    int m_calls = 0; ///< of devices, that are waited for
+    /// By the device, the values of variables that an edition which has started is still to be given.
+    std::map<QString, std::map<std::string, std::string>> m_unstarted;
+    int m_calls = 0; ///< of devices and peers, that are waited for
     DeviceSettings m_settings;
     QStringList m_refusedSetups;
     Peers m_peers;
@@ -180,5 +184,8 @@ private:
 
 /// The text of a path for the border: the full path, or one from the working folder when only that can be carried.
 MaybeFailure PathForBorder(const QString& path, std::string& border);
+
+/// The setup that the device gives. @return what is told where it gives none: then nothing may be stored.
+MaybeFailure SetupOfDevice(const Device& device, QString& setup);
 
 } // namespace stagehost

@@ -4,6 +4,8 @@
 
 #include <QXmlStreamWriter>
 
+#include "StepTraffic.h"
+
 namespace stagehost {
 
 namespace {
@@ -35,18 +37,19 @@ void WriteCase(QXmlStreamWriter& xml, const ShowRecord& record, const QString& n
     xml.writeAttribute(QStringLiteral("time"), Seconds(milliseconds));
 }
 
-void WriteProblem(QXmlStreamWriter& xml, const char* element, const QString& text) {
+/// @param more stands behind the text, where there is room for it.
+void WriteProblem(QXmlStreamWriter& xml, const char* element, const QString& text, const QStringList& more) {
     xml.writeStartElement(QLatin1String(element));
     xml.writeAttribute(QStringLiteral("message"), ForXml(text));
     xml.writeAttribute(QStringLiteral("type"), QStringLiteral("stagehost"));
-    xml.writeCharacters(ForXml(text));
+    xml.writeCharacters(ForXml((QStringList(text) + more).join(QLatin1Char('\n'))));
     xml.writeEndElement();
 }
 
 void WriteStep(QXmlStreamWriter& xml, const ShowRecord& record, int number, const StepRecord& step) {
     WriteCase(xml, record, QStringLiteral("%1. ").arg(number) + step.headline, step.milliseconds);
     if (step.standing == Standing::Failed)
-        WriteProblem(xml, "failure", step.failure);
+        WriteProblem(xml, "failure", step.failure, TrafficForPeople(step.traffic));
     else if (step.standing == Standing::NotPlayed)
         xml.writeEmptyElement(QStringLiteral("skipped"));
     if (!step.result.isEmpty())
@@ -54,10 +57,17 @@ void WriteStep(QXmlStreamWriter& xml, const ShowRecord& record, int number, cons
     xml.writeEndElement();
 }
 
-/// In a description a "#" would begin a directive (TAP 14, "Escaping").
+/// In a description a "#" would begin a directive (TAP 14, "Escaping"); control characters are shown as \x1b.
 QString ForTap(const QString& text) {
-    QString line = text.simplified();
-    line.replace(QLatin1Char('\\'), QStringLiteral("\\\\")).replace(QLatin1Char('#'), QStringLiteral("\\#"));
+    QString line;
+    for (const QChar c : text.simplified()) {
+        if (c == QLatin1Char('\\') || c == QLatin1Char('#'))
+            line += QLatin1Char('\\');
+        if (c.category() == QChar::Other_Control)
+            line += QStringLiteral("\\\\x%1").arg(c.unicode(), 2, 16, QLatin1Char('0'));
+        else
+            line += c;
+    }
     return line;
 }
 
@@ -107,7 +117,7 @@ QByteArray JUnitText(const ShowRecord& record) {
         WriteStep(xml, record, ++number, step);
     if (!record.failure.isEmpty()) {
         WriteCase(xml, record, QStringLiteral("the show"), 0);
-        WriteProblem(xml, "error", record.failure);
+        WriteProblem(xml, "error", record.failure, {});
         xml.writeEndElement();
     }
     xml.writeEndDocument();
@@ -127,6 +137,10 @@ QString TapLine(int number, const StepRecord& step) {
     text += QStringLiteral("\n  ---\n  duration_ms: %1\n").arg(step.milliseconds, 0, 'f', 3);
     if (failed)
         text += QStringLiteral("  message: %1\n").arg(ForYaml(step.failure));
+    if (!step.traffic.isEmpty())
+        text += QStringLiteral("  traffic:\n");
+    for (const QString& line : step.traffic)
+        text += QStringLiteral("    - %1\n").arg(ForYaml(line));
     return text + QStringLiteral("  ...\n");
 }
 

@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 namespace stagehost {
 
@@ -17,6 +18,7 @@ struct StepRecord {
     QString failure; ///< of a step that failed
     QString result;  ///< what the command gave
     double milliseconds = 0;
+    QStringList traffic{}; ///< of a step that failed: the last lines of its peers
 };
 
 /// How a show came out, as the reports for other programs tell it.

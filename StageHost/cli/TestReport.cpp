@@ -9,13 +9,12 @@
 #include "JUnitFile.h"
 #include "Output.h"
 #include "StepRecord.h"
+#include "StepTraffic.h"
 #include "TestSuites.h"
 
 namespace stagehost {
 
 namespace {
-
-using Standing = TestOutcome::Standing;
 
 QString SecondsText(double milliseconds) {
     return QStringLiteral("%1 s").arg(milliseconds / 1000, 0, 'f', 1);
@@ -41,20 +40,21 @@ QStringList Evidence(const TestOutcome& outcome) {
 StepRecord RecordOf(const TestOutcome& outcome) {
     StepRecord record;
     record.headline = outcome.file;
-    record.standing = outcome.standing == Standing::Well     ? StepRecord::Standing::Well
-                      : outcome.standing == Standing::Failed ? StepRecord::Standing::Failed
-                                                             : StepRecord::Standing::NotPlayed;
+    record.standing = outcome.standing == TestOutcome::Standing::Well     ? StepRecord::Standing::Well
+                      : outcome.standing == TestOutcome::Standing::Failed ? StepRecord::Standing::Failed
+                                                                          : StepRecord::Standing::NotPlayed;
     record.milliseconds = outcome.milliseconds;
-    if (outcome.standing == Standing::Failed)
+    if (outcome.standing == TestOutcome::Standing::Failed)
         record.failure = Evidence(outcome).join(QLatin1Char('\n'));
+    record.traffic = outcome.traffic;
     return record;
 }
 
 /// A test that has left no steps, as one that was not played, is one step itself.
 TestSuite SuiteOf(const TestOutcome& outcome) {
     TestSuite suite{outcome.steps, {}};
-    if (outcome.standing == Standing::Failed)
-        suite.told = Evidence(outcome).join(QLatin1Char('\n'));
+    if (outcome.standing == TestOutcome::Standing::Failed)
+        suite.told = (Evidence(outcome) + TrafficForPeople(outcome.traffic)).join(QLatin1Char('\n'));
     if (suite.steps.isEmpty())
         suite.steps =
             JUnitText({outcome.file, QDateTime::currentDateTime(), outcome.milliseconds, {RecordOf(outcome)}, {}});
@@ -68,10 +68,11 @@ QJsonObject ToJson(const TestOutcome& outcome) {
                      {QStringLiteral("error"), outcome.failure},
                      {QStringLiteral("milliseconds"), outcome.milliseconds},
                      {QStringLiteral("run"), outcome.show}};
-    if (outcome.standing != Standing::Failed)
+    if (outcome.standing != TestOutcome::Standing::Failed)
         return json;
     json.insert(QStringLiteral("told"), outcome.told);
     json.insert(QStringLiteral("log"), QJsonArray::fromStringList(outcome.log));
+    json.insert(QStringLiteral("traffic"), QJsonArray::fromStringList(outcome.traffic));
     return json;
 }
 
@@ -94,15 +95,15 @@ void TestReport::Add(const TestOutcome& outcome) {
 }
 
 void TestReport::PrintText(const TestOutcome& outcome) const {
-    if (outcome.standing == Standing::NotPlayed)
+    if (outcome.standing == TestOutcome::Standing::NotPlayed)
         return;
     const QString time = SecondsText(outcome.milliseconds);
-    if (outcome.standing == Standing::Well)
+    if (outcome.standing == TestOutcome::Standing::Well)
         return PrintLine(
             QStringLiteral("%1  %2 (%3, %4)")
                 .arg(OnOutput(Ink::Good, QStringLiteral("ok    ")), outcome.file, StepsText(outcome.show), time));
     PrintLine(QStringLiteral("%1  %2 (%3)").arg(OnOutput(Ink::Bad, QStringLiteral("failed")), outcome.file, time));
-    for (const QString& line : Evidence(outcome))
+    for (const QString& line : Evidence(outcome) + TrafficForPeople(outcome.traffic))
         PrintLine(QStringLiteral("        ") + line);
 }
 
@@ -110,13 +111,13 @@ void TestReport::PrintTap(const TestOutcome& outcome) const {
     Print(TapLine(static_cast<int>(m_outcomes.size()), RecordOf(outcome)));
 }
 
-int TestReport::CountOf(Standing standing) const {
+int TestReport::CountOf(TestOutcome::Standing standing) const {
     return static_cast<int>(std::count_if(m_outcomes.begin(), m_outcomes.end(),
                                           [&](const TestOutcome& outcome) { return outcome.standing == standing; }));
 }
 
 int TestReport::End(bool interrupted) {
-    const int failed = CountOf(Standing::Failed);
+    const int failed = CountOf(TestOutcome::Standing::Failed);
     int exitCode = interrupted ? kExitNoAnswer : failed > 0 ? kExitScriptFailed : kExitOk;
     if (const auto failure = KeepJUnit()) {
         PrintProblem(OnErrors(Ink::Bad, failure->text));
@@ -131,7 +132,7 @@ int TestReport::End(bool interrupted) {
                    {QStringLiteral("tests"), tests}});
     } else if (!m_options.tap) {
         const QString played = QStringLiteral("%1 of %2 tests went well, in %3")
-                                   .arg(CountOf(Standing::Well))
+                                   .arg(CountOf(TestOutcome::Standing::Well))
                                    .arg(m_count)
                                    .arg(SecondsText(static_cast<double>(m_clock.elapsed())));
         PrintLine(OnOutput(exitCode == kExitOk ? Ink::Good : Ink::Bad, played));

@@ -29,13 +29,22 @@ QByteArray Content(const QString& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// The device of the first step that went otherwise than expected; empty when that was no device's.
-QString FailedDevice(const QJsonObject& show) {
+/// The first step that went otherwise than expected; empty when there is none.
+QJsonObject FailedStep(const QJsonObject& show) {
     const QJsonArray steps = show.value(QLatin1String("steps")).toArray();
     for (const QJsonValue& step : steps)
         if (!step[QLatin1String("asExpected")].toBool())
-            return step[QLatin1String("device")].toString();
+            return step.toObject();
     return {};
+}
+
+/// Of the step that has failed, or of a show that has failed beside its steps.
+QStringList LastOfTraffic(const QJsonObject& show) {
+    const QJsonObject step = FailedStep(show);
+    QStringList lines;
+    for (const QJsonValue& line : (step.isEmpty() ? show : step).value(QLatin1String("traffic")).toArray())
+        lines += line.toString();
+    return lines;
 }
 
 } // namespace
@@ -69,8 +78,8 @@ QStringList TestRun::Words(const Options& options) const {
         if (!value.isEmpty())
             words << QLatin1String("--") + QLatin1String(option) << value;
     };
-    add("junit", m_folder.filePath(QStringLiteral("steps.xml")));
-    add("log-file", m_folder.filePath(QStringLiteral("log")));
+    add("junit", m_folder.FilePath(QStringLiteral("steps.xml")));
+    add("log-file", m_folder.FilePath(QStringLiteral("log")));
     add("module", options.module);
     add("timeout", QString::number(options.timeout.count()));
     add("link", options.linkText);
@@ -105,19 +114,23 @@ TestOutcome TestRun::Outcome() {
     outcome.milliseconds = m_milliseconds;
     outcome.show = QJsonDocument::fromJson(m_process.readAllStandardOutput()).object();
     outcome.failure = WhyNotWell(outcome.show);
-    outcome.standing = outcome.failure.isEmpty() ? TestOutcome::Standing::Well
-                       : m_isInterrupted         ? TestOutcome::Standing::NotPlayed
-                                                 : TestOutcome::Standing::Failed;
-    outcome.steps = Content(m_folder.filePath(QStringLiteral("steps.xml")));
+    outcome.standing = outcome.failure.isEmpty() ? TestOutcome::Standing::Well : TestOutcome::Standing::Failed;
+    outcome.steps = Content(m_folder.FilePath(QStringLiteral("steps.xml")));
+    if (m_isInterrupted)
+        return outcome; // nobody looks for a fault
     outcome.told = Text(m_process.readAllStandardError());
-    if (outcome.standing == TestOutcome::Standing::Failed)
-        outcome.log = LastOfLog(outcome.show);
+    if (outcome.standing != TestOutcome::Standing::Failed)
+        return outcome;
+    outcome.log = LastOfLog(outcome.show);
+    outcome.traffic = LastOfTraffic(outcome.show);
     return outcome;
 }
 
 QString TestRun::WhyNotWell(const QJsonObject& show) const {
     if (m_process.error() == QProcess::FailedToStart)
         return QStringLiteral("cannot be started: ") + m_process.errorString();
+    if (m_isInterrupted && m_process.exitCode() != kExitOk)
+        return QStringLiteral("interrupted before its end");
     if (m_isLate)
         return QStringLiteral("has not come to its end within %1 ms").arg(m_limit.count());
     if (m_process.exitStatus() != QProcess::NormalExit)
@@ -130,9 +143,9 @@ QString TestRun::WhyNotWell(const QJsonObject& show) const {
 
 /// Of the device whose step has failed, where one has, and else of all.
 QStringList TestRun::LastOfLog(const QJsonObject& show) const {
-    const QString device = FailedDevice(show);
+    const QString device = FailedStep(show).value(QLatin1String("device")).toString();
     QStringList lines;
-    for (const QString& line : Text(Content(m_folder.filePath(QStringLiteral("log")))).split(QLatin1Char('\n')))
+    for (const QString& line : Text(Content(m_folder.FilePath(QStringLiteral("log")))).split(QLatin1Char('\n')))
         if (!line.isEmpty() && (device.isEmpty() || ReadLogLine(line, {device}).device == device))
             lines += line;
     return lines.mid(std::max(0, lines.size() - kLogLines));

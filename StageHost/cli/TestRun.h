@@ -3,11 +3,11 @@
 #include <QElapsedTimer>
 #include <QJsonObject>
 #include <QProcess>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include "ChildProcess.h"
 #include "Options.h"
+#include "PassingFolder.h"
 #include "TestFinder.h"
 
 namespace stagehost {
@@ -23,6 +23,7 @@ struct TestOutcome {
     QByteArray steps;        ///< the steps as JUnit XML; empty when there are none
     QString told;            ///< what the run has said beside its steps: standard error, whole
     QStringList log;         ///< of a test that failed: the last lines of the log
+    QStringList traffic;     ///< and of what its peers have received and said
     double milliseconds = 0; ///< of the computer
 };
 
@@ -58,7 +59,7 @@ private:
 
     const TestShow m_test;
     const std::chrono::milliseconds m_limit;
-    QTemporaryDir m_folder; ///< holds what the run writes
+    PassingFolder m_folder; ///< holds what the run writes
     Process m_process;
     QTimer m_alarm;
     QElapsedTimer m_clock;

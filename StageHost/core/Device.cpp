@@ -40,13 +40,15 @@ Device::~Device() {
 
 std::optional<Device::Problem> Device::Create(const std::string& setup) {
     m_variables->SetDefinition(m_module.Module()->GetDefinition());
-    const KXPCode made = m_module.Module()->CreateDevice(nullptr, &m_device);
-    if (made != KXP_OK || m_device == nullptr) {
-        m_device = nullptr;
+    IKXPDevice* device = nullptr;
+    const KXPCode made = m_module.Module()->CreateDevice(nullptr, &device);
+    if (made != KXP_OK || device == nullptr)
         return Problem{false, QStringLiteral("the module makes no device (code %1)").arg(made)};
-    }
-    m_object = std::make_shared<DeviceObject>(m_name, m_conduct, m_device, m_variables, TheHost().Variables(), m_pool,
+    const auto release = [](IKXPDevice* unused) { unused->Release(); };
+    std::unique_ptr<IKXPDevice, decltype(release)> held(device, release); // until there is an object that lets go of it
+    m_object = std::make_shared<DeviceObject>(m_name, m_conduct, device, m_variables, TheHost().Variables(), m_pool,
                                               TheHost().Commands());
+    m_device = held.release();
     TheHost().Model().AddDevice(m_object);
     m_device->SetDeviceVariables(m_variables.get());
     return TakeSetup(setup);
@@ -54,7 +56,7 @@ std::optional<Device::Problem> Device::Create(const std::string& setup) {
 
 std::optional<Device::Problem> Device::TakeSetup(const std::string& setup) {
     m_device->SetName(m_name.c_str());
-    const std::string text = setup.empty() ? Setup() : setup;
+    const std::string text = setup.empty() ? Setup().value_or(std::string()) : setup;
     const KXPCode applied = text.empty() ? KXP_OK : m_device->SetSetup(text.c_str());
     if (applied != KXP_OK && !setup.empty())
         return Problem{true, QStringLiteral("the device does not take its setup (code %1)").arg(applied)};
@@ -144,10 +146,10 @@ const char* Device::RefreshDefinition() {
     return text;
 }
 
-std::string Device::Setup() const {
+std::optional<std::string> Device::Setup() const {
     char* text = nullptr;
     if (m_device == nullptr || m_device->GetSetup(&text) != KXP_OK || text == nullptr)
-        return {};
+        return std::nullopt;
     std::string setup = text;
     m_device->ReleaseString(&text);
     return setup;

@@ -107,8 +107,8 @@ public:
     /// @return the text, null when there is none.
     const char* RefreshDefinition();
 
-    /// The device's setup as it gives it, for the show file.
-    std::string Setup() const;
+    /// The device's setup as it gives it, for the show file; nothing where it gives none, as for want of memory.
+    std::optional<std::string> Setup() const;
 
 private:
     /// A command on its way; kept until the device has let go of it.

@@ -48,7 +48,18 @@ QScriptValue Throw(QScriptContext& context, const QString& what) {
     return context.throwError(what);
 }
 
+QString ResourceText(const QString& name) {
+    LoadPreludeResource();
+    QFile file(QStringLiteral(":/counterpart/") + name);
+    file.open(QIODevice::ReadOnly);
+    return QString::fromUtf8(file.readAll());
+}
+
 } // namespace
+
+QString CounterpartDeclarations() {
+    return ResourceText(QStringLiteral("counterpart.d.ts"));
+}
 
 /// A timer of the script.
 struct Counterpart::Timer {
@@ -83,15 +94,14 @@ Counterpart::Counterpart(const Voice& voice, quint64 seed, LinePlace listen, std
 Counterpart::~Counterpart() = default;
 
 void Counterpart::LoadPrelude() {
-    LoadPreludeResource();
     QScriptEngine& engine = m_door.Engine();
     QScriptValue native = engine.newObject();
     for (const Row& row : kRows)
         native.setProperty(QLatin1String(row.name), engine.newFunction(row.call, this));
-    QFile file(QStringLiteral(":/counterpart/Prelude.js"));
-    file.open(QIODevice::ReadOnly);
-    QScriptValue prelude = engine.evaluate(QString::fromUtf8(file.readAll()), QStringLiteral("Prelude.js"));
+    const QString name = QStringLiteral("Prelude.js");
+    QScriptValue prelude = engine.evaluate(ResourceText(name), name);
     m_news = prelude.call(QScriptValue(), {native, engine.globalObject()});
+    m_door.NameBy([this] { return KeptFunctions(); });
     m_ownNames = FunctionNames();
 }
 
@@ -101,8 +111,19 @@ std::optional<ScriptFailure> Counterpart::Load(const QString& text, const QStrin
     const QString problem = WhyNotReady();
     if (!problem.isEmpty())
         return ScriptFailure{file + QStringLiteral(": ") + problem, {}};
+    m_former.clear();
     TellReady(file);
     return std::nullopt;
+}
+
+Counterpart::Ends Counterpart::GiveEnds() {
+    Ends ends = std::move(m_former);
+    for (auto& end : m_ends) {
+        end->Retire();
+        ends.push_back(std::move(end));
+    }
+    m_ends.clear();
+    return ends;
 }
 
 QString Counterpart::WhyNotReady() const {
@@ -144,8 +165,16 @@ QScriptValue Counterpart::NativeOpen(QScriptContext& context) {
     if (std::any_of(m_ends.begin(), m_ends.end(), isTaken))
         return Throw(context, name.isEmpty() ? QStringLiteral("of several endpoints each needs a \"name\", but for one")
                                              : QStringLiteral("another endpoint is called \"%1\"").arg(name));
-    auto end = std::make_unique<CounterpartEnd>(name, place.kind, ReadRule(context.argument(4)), NewsOf(id));
-    const QString problem = end->Open(place);
+    auto end = TakeFormer(name, place);
+    QString problem;
+    if (end) {
+        problem = end->BeginAnew(ReadRule(context.argument(4)), NewsOf(id));
+    } else {
+        end = std::make_unique<CounterpartEnd>(name, place.kind, ReadRule(context.argument(4)), NewsOf(id));
+        problem = end->Open(place);
+        if (!problem.isEmpty() && place.kind != LineKind::Serial)
+            problem.prepend(TextOf(place) + QStringLiteral(": "));
+    }
     if (!problem.isEmpty())
         return Throw(context, problem);
     m_ends.push_back(std::move(end));
@@ -156,6 +185,21 @@ QScriptValue Counterpart::NativeOpen(QScriptContext& context) {
     result.setProperty(QStringLiteral("port"), opened.port);
     result.setProperty(QStringLiteral("path"), opened.path);
     return result;
+}
+
+/// The endpoint of the edition before, unless the script wants another place; null when there is none.
+std::unique_ptr<CounterpartEnd> Counterpart::TakeFormer(const QString& name, const LinePlace& place) {
+    const auto fits = [&](const auto& end) {
+        const LinePlace& has = end->Place().Place();
+        return end->Name() == name && has.kind == place.kind && (place.port == 0 || place.port == has.port) &&
+               (place.path.isEmpty() || place.path == has.path);
+    };
+    const auto found = std::find_if(m_former.begin(), m_former.end(), fits);
+    if (found == m_former.end())
+        return nullptr;
+    auto end = std::move(*found);
+    m_former.erase(found);
+    return end;
 }
 
 FramingRule Counterpart::ReadRule(const QScriptValue& rule) {
@@ -178,7 +222,7 @@ FramingRule Counterpart::ReadRule(const QScriptValue& rule) {
     } else if (member("own").isFunction()) {
         read.kind = Kind::Own;
         read.own = [this, own = member("own")](const QByteArray& bytes) {
-            return m_door.Call(own, {QString::fromLatin1(bytes)}).toInt32();
+            return m_door.Call(own, {QString::fromLatin1(bytes)}, [] { return QStringLiteral("frame"); }).toInt32();
         };
     }
     return read;
@@ -203,7 +247,8 @@ CounterpartEnd::News Counterpart::NewsOf(int id) {
 
 void Counterpart::Tell(int id, const char* event, QScriptValueList values) {
     values.prepend(id);
-    m_door.Call(m_news.property(QLatin1String(event)), values);
+    m_door.Call(m_news.property(QLatin1String(event)), values,
+                [this] { return m_news.property(QStringLiteral("handler")).toString(); });
 }
 
 CounterpartEnd& Counterpart::EndOf(QScriptContext& context) {
@@ -292,7 +337,9 @@ QScriptValue Counterpart::NativeTimer(QScriptContext& context) {
                 found->second.release()->timer.deleteLater();
             if (!repeats)
                 m_timers.erase(found);
-            m_door.Call(function, {});
+            m_door.Call(function, {}, [repeats] {
+                return repeats ? QStringLiteral("every's function") : QStringLiteral("after's function");
+            });
         });
     });
     timer->timer.start(context.argument(0).toInt32());
@@ -330,11 +377,12 @@ QScriptValue Counterpart::NativeNear(QScriptContext& context) {
     return NamesInstead(context.argument(0).toString(), known);
 }
 
-void Counterpart::Do(const QByteArray& line) {
-    if (line.trimmed().isEmpty())
-        return;
-    const QJsonObject order =
-        line.startsWith('{') ? QJsonDocument::fromJson(line).object() : OrderOfWords(QString::fromUtf8(line).trimmed());
+QJsonObject Counterpart::ReadOrder(const QByteArray& line) {
+    return line.startsWith('{') ? QJsonDocument::fromJson(line).object()
+                                : OrderOfWords(QString::fromUtf8(line).trimmed());
+}
+
+void Counterpart::Do(const QJsonObject& order) {
     m_door.Enter([this, order] { DoOrder(order); });
 }
 
@@ -367,7 +415,7 @@ QString Counterpart::Work(const QString& deed, const QStringList& lies) {
 QString Counterpart::WorkEnd(CounterpartEnd& end, const QString& deed) {
     static const QStringList known{QStringLiteral("leave"),  QStringLiteral("return"), QStringLiteral("stall"),
                                    QStringLiteral("resume"), QStringLiteral("lie"),    QStringLiteral("obey"),
-                                   QStringLiteral("call")};
+                                   QStringLiteral("call"),   QStringLiteral("load")};
     if (deed == QLatin1String("leave"))
         end.Leave();
     else if (deed == QLatin1String("return"))
@@ -392,10 +440,22 @@ void Counterpart::CallFunction(const QString& name, const QJsonArray& arguments)
                   : argument.isBool() ? QScriptValue(argument.toBool())
                                       : QScriptValue(argument.toString());
     std::optional<ScriptFailure> failure;
-    const QScriptValue result = m_door.Call(function, values, failure);
+    const auto called = [&name] { return name; };
+    QScriptValue result = m_door.Call(function, values, called, failure);
+    if (!failure && result.isObject())
+        result = m_door.Call(m_news.property(QStringLiteral("textOf")), {result}, called, failure);
     if (failure)
-        return m_voice.Refused(failure->text);
+        return m_voice.Refused(failure->text, failure->place);
     m_voice.Done(QStringLiteral("call"), result.isUndefined() ? QString() : result.toString());
+}
+
+std::vector<ScriptDoor::Kept> Counterpart::KeptFunctions() {
+    std::vector<ScriptDoor::Kept> kept;
+    const QScriptValue list = m_news.property(QStringLiteral("functions")).call();
+    for (quint32 place = 0; place < list.property(QStringLiteral("length")).toUInt32(); ++place)
+        kept.push_back({list.property(place).property(0).toString(), list.property(place).property(1).toString()});
+    m_door.Engine().clearExceptions(); // of a script that has made its members hard to look at
+    return kept;
 }
 
 /// Functions of the global object, less those that every script has.

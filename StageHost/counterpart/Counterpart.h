@@ -5,10 +5,15 @@
 #include <random>
 #include <vector>
 
+#include <QJsonObject>
+
 #include "CounterpartEnd.h"
 #include "Voice.h"
 
 namespace stagehost {
+
+/// What such a script sees, as a TypeScript declaration file.   [any]
+QString CounterpartDeclarations();
 
 /// A device that is not there, played by a script: its endpoints, its timers, what a show has it do.
 /// docs/counterparts.md tells what the script sees.   [host main]
@@ -19,11 +24,21 @@ public:
     Counterpart(const Voice& voice, quint64 seed, LinePlace listen, std::map<QString, QString> options);
     ~Counterpart();
 
+    /// The endpoints of an edition before: they go on where the script opens such of the same names. Before Load.
+    using Ends = std::vector<std::unique_ptr<CounterpartEnd>>;
+    void TakeOver(Ends ends) { m_former = std::move(ends); }
+    /// Gives them to the next edition, with all lines closed. Not while the script runs; to be deleted at once.
+    Ends GiveEnds();
+    /// Whether the script runs just now, and has let an event in.
+    bool IsInside() const { return m_door.IsInside(); }
+
     /// Loads the script and opens what it opens. @return what is wrong; nothing when it is ready, which has been told.
     std::optional<ScriptFailure> Load(const QString& text, const QString& file);
 
-    /// Does what a line of standard input says, JSON or words. A failure is told.
-    void Do(const QByteArray& line);
+    /// What a line of standard input says, JSON or words.
+    static QJsonObject ReadOrder(const QByteArray& line);
+    /// Does it: now, or behind the script that runs. A failure is told.
+    void Do(const QJsonObject& order);
 
 private:
     struct Timer;
@@ -56,6 +71,7 @@ private:
     FramingRule ReadRule(const QScriptValue& rule);
     CounterpartEnd::News NewsOf(int id);
     CounterpartEnd& EndOf(QScriptContext& context);
+    std::unique_ptr<CounterpartEnd> TakeFormer(const QString& name, const LinePlace& place);
     void Tell(int id, const char* event, QScriptValueList values);
     QString UniqueName(const QString& name, LineKind kind) const;
 
@@ -65,6 +81,7 @@ private:
     QString SetLies(CounterpartEnd& end, const QStringList& lies, unsigned oneIn);
     void CallFunction(const QString& name, const QJsonArray& arguments);
     QStringList FunctionNames();
+    std::vector<ScriptDoor::Kept> KeptFunctions();
 
     const Voice& m_voice;
     const quint64 m_seed;
@@ -73,9 +90,10 @@ private:
     mutable QStringList m_asked; ///< options that the script has asked for
     std::mt19937_64 m_chance;
     ScriptDoor m_door;
-    QScriptValue m_news;                                 ///< what the prelude wants to hear
-    QStringList m_ownNames;                              ///< of the global object, that are not the script's
-    std::vector<std::unique_ptr<CounterpartEnd>> m_ends; ///< by their ids
+    QScriptValue m_news;    ///< what the prelude wants to hear
+    QStringList m_ownNames; ///< of the global object, that are not the script's
+    Ends m_ends;            ///< by their ids
+    Ends m_former;          ///< that nobody has opened anew yet
     std::map<int, std::unique_ptr<Timer>> m_timers;
     int m_lastTimer = 0;
 };

@@ -8,6 +8,21 @@ CounterpartEnd::CounterpartEnd(QString name, LineKind kind, FramingRule rule, Ne
     , m_news(std::move(news))
     , m_endpoint(Endpoint::Make(kind, *this)) {}
 
+void CounterpartEnd::Retire() {
+    Leave();
+    Resume();
+    m_mischief.reset();
+    m_news = {
+        [](LineId, const QString&) {}, [](LineId, const QByteArray&) {},   [](LineId) {}, [](LineId, const QString&) {},
+        [](const QString&) {},         [](const std::function<void()>&) {}};
+}
+
+QString CounterpartEnd::BeginAnew(FramingRule rule, News news) {
+    m_rule = std::move(rule);
+    m_news = std::move(news);
+    return m_endpoint->Return();
+}
+
 std::optional<QString> CounterpartEnd::Say(LineId line, const QByteArray& bytes) {
     const auto found = m_lines.find(line);
     if (found == m_lines.end())

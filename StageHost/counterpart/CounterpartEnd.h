@@ -32,6 +32,10 @@ public:
 
     const QString& Name() const { return m_name; }
     QString Open(const LinePlace& place) { return m_endpoint->Open(place); }
+    /// Leaves, and tells nobody anything from now on.
+    void Retire();
+    /// Behind Retire: returns to its place for somebody else. @return empty, or why it is not there.
+    QString BeginAnew(FramingRule rule, News news);
     const Endpoint& Place() const { return *m_endpoint; }
 
     /// @return the name of the prank that was played; nothing when the line is over or cannot take more.
@@ -54,8 +58,8 @@ private:
     void Forget(LineId line, const QString& why);
 
     const QString m_name;
-    const FramingRule m_rule;
-    const News m_news;
+    FramingRule m_rule;
+    News m_news;
     const std::unique_ptr<Endpoint> m_endpoint;
     struct Line {
         Framing framing;

@@ -19,7 +19,6 @@ namespace {
 constexpr int kStandardInput = 0; // the descriptor of every process
 constexpr std::chrono::seconds kToEnd(1);
 constexpr int kLeftAtOnce = 3; // the exit code for no answer
-constexpr int kLongestOrder = 1024 * 1024;
 
 } // namespace
 
@@ -27,8 +26,7 @@ struct Orders::State {
     std::mutex lock; ///< guards receiver
     std::condition_variable gone;
     std::unique_ptr<QObject> receiver; ///< lives on the main thread; null when nobody hears any more
-    std::function<void(const QByteArray& line)> take;
-    std::function<void()> end;
+    Takers takers;
 
     void Post(const std::function<void()>& call) {
         const std::lock_guard<std::mutex> hold(lock);
@@ -42,32 +40,35 @@ struct Orders::State {
         if (!input.open(kStandardInput, QIODevice::ReadOnly | QIODevice::Unbuffered))
             return;
         QByteArray line;
+        qint64 size = 0;
         char character = 0;
         qint64 count = input.read(&character, 1); // asking for more would wait for it
         for (; count > 0; count = input.read(&character, 1)) {
-            if (character != '\n' && line.size() < kLongestOrder) {
-                line += character;
+            if (character != '\n') {
+                if (++size <= kLongest)
+                    line += character;
                 continue;
             }
-            Post([this, line] { take(line); });
+            if (size > kLongest)
+                Post([this, size] { takers.takeTooLong(size); });
+            else
+                Post([this, line] { takers.take(line); });
             line.clear();
+            size = 0;
         }
         if (count < 0)
             return;
-        Post([this] { end(); });
+        Post([this] { takers.end(); });
         std::unique_lock<std::mutex> hold(lock);
         if (!gone.wait_for(hold, kToEnd, [this] { return !receiver; }))
             LeaveAtOnce(kLeftAtOnce, "the script does not come back; it is left at once");
     }
 };
 
-Orders::Orders(std::function<void(const QByteArray& line)> take, std::function<void()> end)
+Orders::Orders(Takers takers)
     : m_state(std::make_shared<State>()) {
     m_state->receiver = std::make_unique<QObject>();
-    m_state->take = std::move(take);
-    m_state->end = std::move(end);
-    if (!HasInputOtherSide())
-        return;
+    m_state->takers = std::move(takers);
     LetTerminalRefuse();
     std::thread([state = m_state] { state->Read(); }).detach();
 }

@@ -9,12 +9,19 @@ namespace stagehost {
 
 /// What a show says to a process that plays a device, on standard input: a line for each order, and the end of it for
 /// the end. It is read on a thread of its own, so that a script which does not come back keeps nobody from ending: the
-/// process is then left at once, a second after standard input has ended. What has nobody at its other end, a file or
-/// /dev/null, is not read.   [host main]
+/// process is then left at once, a second after standard input has ended.   [host main]
 class Orders {
 public:
-    /// @param take gets each line, and @param end is called behind the last, both on the main thread.
-    Orders(std::function<void(const QByteArray& line)> take, std::function<void()> end);
+    static constexpr int kLongest = 1024 * 1024; ///< bytes of a line
+
+    /// What hears, all on the main thread.
+    struct Takers {
+        std::function<void(const QByteArray& line)> take;
+        std::function<void(qint64 size)> takeTooLong; ///< of a line that is not kept
+        std::function<void()> end;                    ///< behind the last
+    };
+
+    explicit Orders(Takers takers);
     ~Orders();
     Orders(const Orders&) = delete;
     Orders& operator=(const Orders&) = delete;

@@ -4,9 +4,10 @@
         return typeof value === "string" ? '"' + value + '"' : String(value);
     }
 
-    function whole(where, name, value, least) {
-        if (typeof value !== "number" || value !== Math.floor(value) || value < least)
-            throw new Error(where + ": " + name + " takes a whole number from " + least + ", not " + shown(value));
+    function whole(where, name, value, least, most) {
+        if (typeof value !== "number" || value !== Math.floor(value) || value < least || value > most)
+            throw new Error(where + ": " + name + " takes a whole number from " + least +
+                            (most === undefined ? "" : " to " + most) + ", not " + shown(value));
         return value;
     }
 
@@ -22,14 +23,19 @@
         return f;
     }
 
+    var mostBytes = 1073741824; // of a frame
+    var cuts = ["lines", "length", "prefix", "frame"];
     var orders = { big: false, little: true };
 
     // How a stream is cut into frames, and what takes them.
     function framing(where, how) {
+        var given = cuts.filter(function (key) { return how[key] !== undefined; });
+        if (given.length > 1)
+            throw new Error(where + ' takes one of "' + given.join('" and "') + '"');
         if (how.lines !== undefined)
             return { handler: "onLine", delimiter: text(where + ': "lines"', how.lines), start: how.start || "" };
         if (how.length !== undefined)
-            return { handler: "onFrame", length: whole(where, '"length"', how.length, 1) };
+            return { handler: "onFrame", length: whole(where, '"length"', how.length, 1, mostBytes) };
         if (how.prefix !== undefined) {
             if (how.prefix !== 1 && how.prefix !== 2 && how.prefix !== 4)
                 throw new Error(where + ': "prefix" is the count of bytes that tell a length, 1, 2 or 4, not ' + shown(how.prefix));
@@ -69,18 +75,20 @@
 
     function Endpoint(kind, how) {
         var where = "Counterpart." + kind, key;
+        if (how !== undefined && (typeof how !== "object" || how === null))
+            throw new Error(where + " takes an object, not " + shown(how));
         how = how || {};
         for (key in how)
             if (kinds[kind].keys.indexOf(key) < 0)
                 throw new Error(where + ': there is no "' + key + '"' + native.near(key, kinds[kind].keys));
         var rule = kind === "udp" ? { handler: "onDatagram" } : framing(where, how);
-        rule.most = how.most === undefined ? 65536 : whole(where, '"most"', how.most, 1);
+        rule.most = how.most === undefined ? 65536 : whole(where, '"most"', how.most, 1, mostBytes);
         this.kind = kind;
         this.name = how.name === undefined ? "" : text(where + ': "name"', how.name);
         this._handler = rule.handler;
         this._handlers = kinds[kind].handlers.concat([rule.handler]);
         this._lines = {};
-        var place = native.open(kind, this.name, how.port === undefined ? 0 : whole(where, '"port"', how.port, 0), how.path || "", rule);
+        var place = native.open(kind, this.name, how.port === undefined ? 0 : whole(where, '"port"', how.port, 0, 65535), how.path || "", rule);
         this.id = place.id;
         this.host = place.host;
         this.port = place.port;
@@ -107,6 +115,8 @@
             var words = typeof how === "string" ? [how] : how;
             if (!(words instanceof Array))
                 throw new Error("misbehave takes a word or a list of words, not " + shown(how));
+            if (words.length === 0)
+                throw new Error("misbehave takes a word at least; obey ends it");
             native.misbehave(this.id, words, oneIn === undefined ? 1 : whole("misbehave", "how often", oneIn, 1));
         },
         obey: function () { native.misbehave(this.id, [], 1); },
@@ -128,6 +138,7 @@
     global.after = function (ms, f) { return native.timer(whole("after", "the time", ms, 0), false, needFunction("after", f)); };
     global.cancel = function (id) { native.cancel(id); };
     global.note = function (what) { native.note(String(what)); };
+    global.print = function () { native.note(Array.prototype.join.call(arguments, " ")); };
     global.option = function (name, missing) {
         var given = native.option(String(name));
         if (given === undefined)
@@ -144,11 +155,13 @@
     Math.random = native.random;
 
     function tell(endpoint, handler, values) {
+        news.handler = handler;
         if (typeof endpoint[handler] === "function")
             endpoint[handler].apply(endpoint, values);
     }
 
-    return {
+    var news = {
+        handler: "", // that was called last
         opened: function (at, id, who) {
             var endpoint = all[at], line = new Line(endpoint, id, who);
             endpoint._lines[id] = line;
@@ -161,7 +174,9 @@
         },
         ended: function (at, id) {
             var line = all[at]._lines[id];
-            if (line)
+            if (line && !all[at].onEnd)
+                line.halfClose();
+            else if (line)
                 tell(all[at], "onEnd", [line]);
         },
         closed: function (at, id, why) {
@@ -179,6 +194,34 @@
             delete all[at]._lines[id];
         },
         left: function (at) { all[at]._forget(); },
+        // What a call has returned: objects and lists as JSON, unless they have a text of their own.
+        textOf: function (value) {
+            var isPlain = value.toString === Object.prototype.toString || value.toString === Array.prototype.toString;
+            try {
+                return isPlain ? JSON.stringify(value) : String(value);
+            } catch (error) {
+                throw new Error("what it returns is no JSON: " + (error.message || error));
+            }
+        },
+        // The functions that can be named by where they are kept, as [name, text] each.
+        functions: function () {
+            var found = [], seen = [];
+            function look(object, prefix, depth) {
+                if (seen.indexOf(object) >= 0 || seen.length >= 200)
+                    return;
+                seen.push(object);
+                Object.keys(object).forEach(function (key) {
+                    var member = Object.getOwnPropertyDescriptor(object, key).value, name = prefix + key;
+                    if (typeof member === "function")
+                        found.push([name, String(member)]);
+                    if (depth > 0 && member !== null && (typeof member === "object" || typeof member === "function"))
+                        look(member, name + ".", depth - 1);
+                });
+            }
+            all.forEach(function (endpoint) { look(endpoint, "", 0); });
+            look(global, "", 3);
+            return found;
+        },
         // What the script has set and nobody will ever call.
         complaint: function () {
             var place, key, endpoint;
@@ -196,4 +239,5 @@
             return "";
         }
     };
+    return news;
 })

@@ -20,8 +20,9 @@ Speaker::Speaker(Endpoint& endpoint, LineId line, std::function<void()> over)
 }
 
 bool Speaker::Say(const PrankedPiece& piece) {
-    if (m_parts.size() > kMostParts)
+    if (m_isLast || m_parts.size() > kMostParts)
         return false;
+    m_isLast = piece.end != PrankedPiece::End::None;
     std::chrono::milliseconds wait = piece.wait;
     for (const QByteArray& bytes : piece.pieces) {
         m_parts.push_back({wait, bytes, PrankedPiece::End::None});
@@ -34,6 +35,7 @@ bool Speaker::Say(const PrankedPiece& piece) {
 }
 
 void Speaker::End(PrankedPiece::End how) {
+    m_isLast = true;
     m_parts.push_back({std::chrono::milliseconds(0), {}, how});
     Run();
 }

@@ -17,7 +17,7 @@ public:
     /// not delete the speaker.
     Speaker(Endpoint& endpoint, LineId line, std::function<void()> over);
 
-    /// @return false when too much waits already; it is left out then.
+    /// @return false when the line was to end before this, or too much waits already; it is left out then.
     bool Say(const PrankedPiece& piece);
     /// Ends the line behind what waits.
     void End(PrankedPiece::End how);
@@ -41,6 +41,7 @@ private:
     QTimer m_timer; ///< runs while the first part waits
     bool m_hasWaited = false;
     bool m_holds = false;
+    bool m_isLast = false; ///< behind what waits the line ends
 };
 
 } // namespace stagehost

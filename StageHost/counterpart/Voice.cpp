@@ -98,10 +98,13 @@ void Voice::Done(const QString& what, const QString& result) const {
     Tell(object, result.isEmpty() ? what + Key(": done") : result);
 }
 
-void Voice::Refused(const QString& why) const {
-    if (m_json)
-        return Tell({{Key("refused"), why}}, {});
-    m_problem(why);
+void Voice::Refused(const QString& why, const QStringList& place) const {
+    if (!m_json)
+        return Problem(why, place);
+    QJsonObject object{{Key("refused"), why}};
+    if (!place.isEmpty())
+        object.insert(Key("place"), QJsonArray::fromStringList(place));
+    Tell(object, {});
 }
 
 } // namespace stagehost

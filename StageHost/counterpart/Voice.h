@@ -28,7 +28,7 @@ public:
     void Problem(const QString& text, const QStringList& place = {}) const;
     /// Answers to orders.
     void Done(const QString& what, const QString& result) const;
-    void Refused(const QString& why) const;
+    void Refused(const QString& why, const QStringList& place = {}) const;
 
 private:
     void Tell(const QJsonObject& object, const QString& line) const;

@@ -15,7 +15,7 @@ namespace {
 /// One of some words. @return empty for another one, about which it complains.
 template <std::size_t Count>
 QString ReadWord(const JsonNode& node, const char* const (&words)[Count]) {
-    const QString word = node.Text();
+    QString word = node.Text();
     QStringList known;
     for (const char* one : words)
         known += QLatin1String(one);
@@ -25,6 +25,25 @@ QString ReadWord(const JsonNode& node, const char* const (&words)[Count]) {
         node.Complain(QStringLiteral("there is no ") + Quoted(word) + NamesInstead(word, known));
     return {};
 }
+
+/// @return false for what is missing.
+bool ReadTruth(const JsonNode& node) {
+    if (!node.IsMissing() && !node.IsTrue() && !node.IsFalse())
+        node.Complain(QStringLiteral("expected true or false"));
+    return node.IsTrue();
+}
+
+struct KeyOfAKind {
+    const char* key;
+    ShowPeer::Kind kind;
+};
+
+constexpr KeyOfAKind kKeysOfAKind[] = {
+    {"options", ShowPeer::Kind::Script},
+    {"seed", ShowPeer::Kind::Script},
+    {"fast", ShowPeer::Kind::Replay},
+    {"ordered", ShowPeer::Kind::Replay},
+};
 
 } // namespace
 
@@ -70,15 +89,17 @@ void PeersReader::ReadFile(const JsonNode& file, ShowPeer& peer) const {
 }
 
 void PeersReader::ReadOptions(const JsonNode& node, ShowPeer& peer) {
-    const JsonNode options = node.Member(QStringLiteral("options"));
-    const JsonNode seed = node.Member(QStringLiteral("seed"));
-    options.ExpectObjectOfAny();
-    for (const QString& name : options.MemberNames())
-        peer.options.emplace_back(name, options.Member(name).Scalar());
-    peer.seed = seed.Whole(0);
-    for (const JsonNode& one : {options, seed}) {
-        if (!one.IsMissing() && peer.kind != ShowPeer::Kind::Script)
-            one.Complain(QStringLiteral("is for a \"script\" only"));
+    const auto member = [&node](const char* name) { return node.Member(QLatin1String(name)); };
+    member("options").ExpectObjectOfAny();
+    for (const QString& name : member("options").MemberNames())
+        peer.options.emplace_back(name, member("options").Member(name).Scalar());
+    peer.seed = member("seed").Whole(0);
+    peer.isFast = ReadTruth(member("fast"));
+    peer.isOrdered = ReadTruth(member("ordered"));
+    for (const auto& [key, kind] : kKeysOfAKind) {
+        if (!member(key).IsMissing() && peer.kind != kind)
+            member(key).Complain(QStringLiteral("is for a \"%1\" only")
+                                     .arg(QLatin1String(kind == ShowPeer::Kind::Script ? "script" : "replay")));
     }
 }
 
@@ -86,7 +107,7 @@ QString PeersReader::ReadName(const JsonNode& node) const {
     QStringList known;
     for (const ShowPeer& peer : m_show.peers)
         known += peer.name;
-    const QString name = node.Text();
+    QString name = node.Text();
     if (m_show.FindPeer(name) == nullptr)
         node.Complain(QStringLiteral("there is no peer ") + Quoted(name) + NamesInstead(name, known));
     return name;

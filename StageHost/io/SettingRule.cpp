@@ -81,7 +81,7 @@ QString SettingRule::ComplaintAbout(const QString& text) const {
     const std::string value = ToBorderText(Plain(text), &lost);
     if (lost)
         return QStringLiteral("has characters beyond Latin-1, which a host cannot carry");
-    const QString complaint = FromBorderText(stagehost::ComplaintAbout(m_spec, value));
+    QString complaint = FromBorderText(stagehost::ComplaintAbout(m_spec, value));
     if (complaint.startsWith(QLatin1String("does not take")))
         return QStringLiteral("takes %1, not \"%2\"").arg(Taken(), text);
     const double number = IsNumber(m_spec) ? ParseNumber(value).value_or(0) : 0;

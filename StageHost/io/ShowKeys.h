@@ -132,6 +132,8 @@ inline constexpr ShowKey kPeerKeys[] = {
     {"run", "[scalar]", false, "a program and its words; a program with a \"/\" is relative to the show"},
     {"options", "{scalar}", false, "of a script: values by the names that it asks for"},
     {"seed", "whole(0)", false, "of a script: the same chance in each run"},
+    {"fast", "truth", false, "of a replay: true to answer at once, not after the time that it took then"},
+    {"ordered", "truth", false, "of a replay: true to expect the requests in their order, not in any"},
 };
 
 inline constexpr ShowKey kPeerAddressKeys[] = {

@@ -21,6 +21,8 @@ struct ShowPeer {
     QString file;    ///< of the others, relative to the show file
     std::vector<std::pair<QString, QString>> options; ///< of a script: names and texts
     std::optional<int> seed;                          ///< of a script's chance
+    bool isFast = false;                              ///< of a replay: it answers at once
+    bool isOrdered = false;                           ///< of a replay: requests come as they came then
 };
 
 /// Where a peer is reached, in the place of a text that a show would have to fix.

@@ -80,6 +80,10 @@ QJsonObject WritePeer(const ShowPeer& peer) {
         object.insert(QStringLiteral("options"), WritePairs(peer.options));
     if (peer.seed)
         object.insert(QStringLiteral("seed"), *peer.seed);
+    if (peer.isFast)
+        object.insert(QStringLiteral("fast"), true);
+    if (peer.isOrdered)
+        object.insert(QStringLiteral("ordered"), true);
     return object;
 }
 

@@ -45,16 +45,17 @@ std::optional<QByteArray> ReadTextBytes(const QString& file, QString* problem) {
     return bytes;
 }
 
-QString WhyNotReplaceable(const QString& file, const char* mark) {
+QString WhyNotReplaceable(const QString& file, const char* mark, const char* what) {
     constexpr qint64 kBegin = 200;
-    const QString kind = NotRegular(QFileInfo(file));
+    QString kind = NotRegular(QFileInfo(file));
     if (!kind.isEmpty())
         return kind;
     QFile old(file);
     if (!old.open(QIODevice::ReadOnly))
         return {};
     const QByteArray begin = old.read(kBegin);
-    return begin.isEmpty() || begin.contains(mark) ? QString() : QStringLiteral("is there, and is no such report");
+    return begin.isEmpty() || begin.contains(mark) ? QString()
+                                                   : QStringLiteral("is there, and is no ") + QLatin1String(what);
 }
 
 QString WhyNotAppendable(const QString& file) {

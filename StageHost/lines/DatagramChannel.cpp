@@ -41,8 +41,7 @@ void DatagramChannel::SetReading(bool reads) {
 void DatagramChannel::ReadyToRead() {
     const auto stays = shared_from_this();
     std::array<char, kLargestDatagram> buffer;
-    NetAddress who;
-    const IoResult result = ReceiveFrom(m_descriptor, buffer.data(), buffer.size(), who);
+    const IoResult result = Receive(m_descriptor, buffer.data(), buffer.size());
     if (result.state == IoState::Done && m_news.came)
         ChannelNews(m_news).came(QByteArray(buffer.data(), static_cast<int>(result.count)));
     else

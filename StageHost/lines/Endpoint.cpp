@@ -89,6 +89,7 @@ void Endpoint::Resume() {
 void Endpoint::Leave() {
     if (std::exchange(m_hasLeft, true))
         return;
+    CloseDoor();
     CloseAll();
     DoLeave();
 }
@@ -96,7 +97,7 @@ void Endpoint::Leave() {
 QString Endpoint::Return() {
     if (!m_hasLeft)
         return {};
-    const QString problem = DoReturn();
+    QString problem = DoReturn();
     m_hasLeft = !problem.isEmpty();
     if (!m_hasLeft)
         LetIn(!m_isStalled);

@@ -90,6 +90,8 @@ protected:
     bool IsStalled() const { return m_isStalled; }
 
     virtual void LetIn(bool lets) = 0;
+    /// Before the lines are closed: who comes back at once is refused, and not let in and thrown out.
+    virtual void CloseDoor() {}
     virtual void DoLeave() = 0;
     virtual QString DoReturn() = 0;
     /// What is still to be done behind the end of a line. @param isClosedHere not by the other side.

@@ -78,8 +78,8 @@ std::uint64_t Mischief::Below(std::uint64_t bound) {
 }
 
 std::chrono::milliseconds Mischief::Between(int shortest, int longest) {
-    return std::chrono::milliseconds(shortest +
-                                     static_cast<int>(Below(static_cast<std::uint64_t>(longest - shortest + 1))));
+    const auto least = static_cast<std::uint64_t>(shortest);
+    return std::chrono::milliseconds(least + Below(static_cast<std::uint64_t>(longest) - least + 1));
 }
 
 std::vector<QByteArray> Mischief::Split(const QByteArray& bytes) {

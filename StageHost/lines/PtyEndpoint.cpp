@@ -18,21 +18,21 @@ PtyEndpoint::~PtyEndpoint() {
 QString PtyEndpoint::Open(const LinePlace& place) {
     m_place = place;
     if (place.path.isEmpty()) {
-        m_folder = std::make_unique<QTemporaryDir>();
-        m_place.path = m_folder->filePath(QStringLiteral("serial"));
+        m_folder = std::make_unique<PassingFolder>();
+        m_place.path = m_folder->FilePath(QStringLiteral("serial"));
     }
     return DoReturn();
 }
 
 QString PtyEndpoint::DoReturn() {
-    if (QFileInfo(m_place.path).isSymLink())
-        QFile::remove(m_place.path); // of a run that could not remove it, or of the last stay
     std::string name;
     std::string problem;
     m_ours = OpenPseudoTerminal(name, problem);
     if (m_ours < 0)
         return QString::fromStdString(problem);
-    QFile terminal(QString::fromStdString(name));
+    m_terminal = QString::fromStdString(name);
+    RemoveStaleLink();
+    QFile terminal(m_terminal);
     if (!terminal.link(m_place.path)) {
         Drop();
         return QStringLiteral("%1: %2").arg(m_place.path, terminal.errorString());
@@ -44,6 +44,13 @@ QString PtyEndpoint::DoReturn() {
         Look();
     });
     return {};
+}
+
+/// A link to a pseudo-terminal is of a run that could not remove it; everything else is somebody's file.
+void PtyEndpoint::RemoveStaleLink() {
+    const QString target = QFile::symLinkTarget(m_place.path);
+    if (!target.isEmpty() && QFileInfo(target).path() == QFileInfo(m_terminal).path())
+        QFile::remove(m_place.path);
 }
 
 /// Whether a program has come; that one has gone is told by its line.
@@ -76,7 +83,7 @@ void PtyEndpoint::Drop() {
         m_opens.release()->deleteLater(); // perhaps from inside its own signal
     }
     CloseLine(std::exchange(m_watch, -1));
-    if (m_ours >= 0)
+    if (m_ours >= 0 && QFile::symLinkTarget(m_place.path) == m_terminal)
         QFile::remove(m_place.path);
     CloseLine(std::exchange(m_ours, -1));
 }

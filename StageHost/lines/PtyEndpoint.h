@@ -3,9 +3,9 @@
 #include <memory>
 
 #include <QSocketNotifier>
-#include <QTemporaryDir>
 
 #include "Endpoint.h"
+#include "PassingFolder.h"
 
 namespace stagehost {
 
@@ -25,9 +25,11 @@ private:
     QString DoReturn() override;
     void LineIsOver(LineId line, bool isClosedHere) override;
     void Look();
+    void RemoveStaleLink();
     void Drop();
 
-    std::unique_ptr<QTemporaryDir> m_folder; ///< of the link, when nobody has named one
+    std::unique_ptr<PassingFolder> m_folder; ///< of the link, when nobody has named one
+    QString m_terminal;                      ///< the name that the link leads to
     int m_ours = -1;
     int m_watch = -1;
     std::unique_ptr<QSocketNotifier> m_opens;

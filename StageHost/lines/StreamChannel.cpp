@@ -20,7 +20,7 @@ std::shared_ptr<StreamChannel> StreamChannel::Over(int descriptor) {
 }
 
 std::shared_ptr<StreamChannel> StreamChannel::OverTerminal(int descriptor) {
-    const auto channel = Over(descriptor);
+    auto channel = Over(descriptor);
     channel->m_isTerminal = true;
     return channel;
 }
@@ -71,13 +71,17 @@ void StreamChannel::Send(const QByteArray& bytes) {
         m_waiting += bytes;
         return;
     }
-    const IoResult result = WriteSome(m_descriptor, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    const IoResult result = Write(bytes.constData(), bytes.size());
     const int taken = static_cast<int>(result.count);
     if (taken == bytes.size())
         return;
     m_waiting = bytes.mid(taken); // a failure is met again, and told, when the rest is tried
     m_sent = 0;
     ListenToNotifiers();
+}
+
+IoResult StreamChannel::Write(const char* data, qint64 size) const {
+    return (m_isTerminal ? &WriteSomeToTerminal : &WriteSome)(m_descriptor, data, static_cast<std::size_t>(size));
 }
 
 void StreamChannel::EndSending() {
@@ -158,7 +162,7 @@ void StreamChannel::FinishConnecting() {
 }
 
 void StreamChannel::WriteWaiting() {
-    const IoResult result = WriteSome(m_descriptor, m_waiting.constData() + m_sent, static_cast<std::size_t>(Unsent()));
+    const IoResult result = Write(m_waiting.constData() + m_sent, Unsent());
     if (result.state == IoState::Reset || result.state == IoState::Failed)
         return Lose(QString::fromStdString(result.problem), result.state == IoState::Reset);
     m_sent += static_cast<int>(result.count);

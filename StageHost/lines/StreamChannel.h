@@ -40,6 +40,7 @@ private:
     void ReadyToRead();
     void ReadyToWrite();
     void FinishConnecting();
+    IoResult Write(const char* data, qint64 size) const;
     void WriteWaiting();
     void AfterWriting();
     void Lose(const QString& why, bool isReset);

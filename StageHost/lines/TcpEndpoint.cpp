@@ -14,7 +14,7 @@ TcpEndpoint::~TcpEndpoint() {
 
 QString TcpEndpoint::Open(const LinePlace& place) {
     NetAddress address;
-    const QString unknown = AddressOf(place, address);
+    QString unknown = AddressOf(place, address);
     if (!unknown.isEmpty())
         return unknown;
     std::string problem;
@@ -52,7 +52,7 @@ void TcpEndpoint::Drop() {
     CloseLine(std::exchange(m_listener, -1));
 }
 
-void TcpEndpoint::DoLeave() {
+void TcpEndpoint::CloseDoor() {
     NetAddress address = LocalAddress(m_listener);
     Drop();
     std::string problem;

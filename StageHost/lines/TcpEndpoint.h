@@ -19,7 +19,8 @@ public:
 
 private:
     void LetIn(bool lets) override;
-    void DoLeave() override;
+    void CloseDoor() override;
+    void DoLeave() override {}
     QString DoReturn() override;
     void LineIsOver(LineId, bool) override {}
     void WatchListener();

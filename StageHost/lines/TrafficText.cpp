@@ -122,7 +122,7 @@ bool BytesFromJson(const QJsonObject& object, QByteArray& bytes, QString& proble
     problem = QStringLiteral("expected \"text\", \"hex\" or \"parts\"");
     if (!parts.isArray())
         return false;
-    for (const QJsonValue& part : parts.toArray()) {
+    for (const auto& part : parts.toArray()) {
         if (!PartFromJson(part, bytes, problem))
             return false;
     }

@@ -17,9 +17,9 @@ constexpr std::size_t kMostSenders = 1024;
 /// What comes back to one sender leaves by the port that it has sent to.
 class UdpEndpoint::Sender : public Channel {
 public:
-    Sender(int socket, NetAddress address)
+    Sender(int socket, const SenderAddress& address)
         : m_socket(socket)
-        , m_address(std::move(address)) {}
+        , m_address(address) {}
 
     void Send(const QByteArray& bytes) override {
         if (!m_isOver)
@@ -34,12 +34,12 @@ public:
             ChannelNews(m_news).came(bytes);
     }
 
-    const NetAddress& Address() const { return m_address; }
+    const SenderAddress& Address() const { return m_address; }
     std::uint64_t lastHeard = 0;
 
 private:
     const int m_socket;
-    const NetAddress m_address;
+    const SenderAddress m_address;
     bool m_isOver = false;
     bool m_reads = true;
 };
@@ -52,7 +52,7 @@ UdpEndpoint::~UdpEndpoint() {
 
 QString UdpEndpoint::Open(const LinePlace& place) {
     NetAddress address;
-    const QString unknown = AddressOf(place, address);
+    QString unknown = AddressOf(place, address);
     if (!unknown.isEmpty())
         return unknown;
     std::string problem;
@@ -72,7 +72,7 @@ void UdpEndpoint::WatchSocket() {
 
 void UdpEndpoint::Read() {
     std::array<char, kLargestDatagram> buffer;
-    NetAddress who;
+    SenderAddress who;
     const IoResult result = ReceiveFrom(m_socket, buffer.data(), buffer.size(), who);
     if (result.state != IoState::Done)
         return;
@@ -84,7 +84,7 @@ void UdpEndpoint::Read() {
     sender->Deliver(QByteArray(buffer.data(), static_cast<int>(result.count)));
 }
 
-LineId UdpEndpoint::LineOf(const NetAddress& who) {
+LineId UdpEndpoint::LineOf(const SenderAddress& who) {
     const auto known = m_senders.find(who);
     if (known != m_senders.end())
         return known->second;
@@ -95,7 +95,8 @@ LineId UdpEndpoint::LineOf(const NetAddress& who) {
     sender->lastHeard = ++m_datagrams;
     m_senders[who] = line;
     m_channels[line] = sender;
-    return Add(sender, TextOf({LineKind::Udp, QString::fromStdString(who.host), who.port, {}}));
+    const NetAddress numbers = InNumbers(who);
+    return Add(sender, TextOf({LineKind::Udp, QString::fromStdString(numbers.host), numbers.port, {}}));
 }
 
 void UdpEndpoint::ForgetTheSilent() {

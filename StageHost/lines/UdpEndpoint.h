@@ -27,14 +27,14 @@ private:
     void LineIsOver(LineId line, bool isClosedHere) override;
     void WatchSocket();
     void Read();
-    LineId LineOf(const NetAddress& who);
+    LineId LineOf(const SenderAddress& who);
     void ForgetTheSilent();
     void Drop();
 
     int m_socket = -1;
     int m_held = -1; ///< the port while nobody hears
     std::unique_ptr<QSocketNotifier> m_readable;
-    std::map<NetAddress, LineId> m_senders;
+    std::map<SenderAddress, LineId> m_senders;
     std::map<LineId, std::shared_ptr<Sender>> m_channels;
     std::uint64_t m_datagrams = 0; ///< a clock of its own, by which the silent are known
 };

@@ -2,41 +2,27 @@
 
 #include <QJsonDocument>
 #include <QRegularExpression>
-#include <QTimer>
 
+#include "FrameText.h"
 #include "Interrupt.h"
 #include "JsonNode.h"
 #include "MainWait.h"
-#include "ProcessGroup.h"
+#include "ProcessKeeper.h"
 
 namespace stagehost {
 
 namespace {
 
 constexpr int kStartMs = 5000;
-constexpr int kChildrenMs = 500; // for the children of one that has ended by itself
 constexpr int kForcedMs = 5000;
 constexpr int kMostErrorLines = 1000;
 constexpr int kLongestErrorLine = 4096;
 constexpr int kShownFrames = 3;
-constexpr int kLongestShown = 80;
+constexpr int kStragglersMs = 20; // for what a peer has done and its line about that not told yet
 
 QString EndText(const QProcess& process) {
     return process.exitStatus() == QProcess::NormalExit ? QStringLiteral("ended with %1").arg(process.exitCode())
                                                         : QStringLiteral("was ended by a signal");
-}
-
-/// A frame as people read it, in quotes and cut where it is long.
-QString Shown(const QString& frame) {
-    QString text;
-    for (const QChar c : frame.left(kLongestShown)) {
-        const bool isPlain = c.unicode() >= 0x20 && c.unicode() < 0x7F;
-        text += isPlain                  ? QString(c)
-                : c == QLatin1Char('\r') ? QStringLiteral("\\r")
-                : c == QLatin1Char('\n') ? QStringLiteral("\\n")
-                                         : QStringLiteral("\\x%1").arg(uint(c.unicode()), 2, 16, QLatin1Char('0'));
-    }
-    return Quoted(text + (frame.size() > kLongestShown ? QStringLiteral("...") : QString()));
 }
 
 bool Suits(const PeerReceipt& receipt, const QString& frame) {
@@ -56,8 +42,8 @@ QByteArray OrderLine(const PeerDeed& deed) {
 
 } // namespace
 
-void GroupProcess::setupChildProcess() {
-    BeginProcessGroup();
+void KeptProcess::setupChildProcess() {
+    GoOnUnderKeeper(m_parent);
 }
 
 Peer::Peer(QString name, Tell tell)
@@ -79,21 +65,35 @@ QString Peer::Start(const QString& program, const QStringList& words, const QStr
     m_process.start(program, words);
     if (!m_process.waitForStarted(kStartMs))
         return QStringLiteral("cannot start %1: %2").arg(program, m_process.errorString());
-    m_group = m_process.processId();
     return {};
 }
 
 bool Peer::WaitUntilReady(std::chrono::milliseconds limit) {
     MainWait::UntilInterrupted([this] { return m_lines.IsReady() || !m_over.isEmpty(); }, limit);
     m_starts = false;
+    TellHeld();
     return m_lines.IsReady() && m_over.isEmpty();
+}
+
+void Peer::TellWords(const QString& words) {
+    TellHeld();
+    m_held = words;
+    if (!m_starts)
+        TellHeld();
+}
+
+void Peer::TellHeld() {
+    if (!m_held.isEmpty())
+        m_tell(QStringLiteral("peer %1: %2").arg(m_name, std::exchange(m_held, {})));
+    m_isHeldProblem = false;
 }
 
 void Peer::TakeOutput() {
     m_lines.Take(m_process.readAllStandardOutput());
     for (const QString& problem : m_lines.TakeProblems()) {
         m_lastWords = problem.section(QLatin1Char('\n'), 0, 0);
-        m_tell(QStringLiteral("peer %1: %2").arg(m_name, problem));
+        TellWords(problem);
+        m_isHeldProblem = m_starts;
     }
     MainWait::Wake();
 }
@@ -113,9 +113,9 @@ void Peer::TellError(const QString& line) {
         m_lastWords = line.trimmed();
     ++m_errorLines;
     if (m_errorLines < kMostErrorLines)
-        m_tell(QStringLiteral("peer %1: %2").arg(m_name, line));
+        TellWords(line);
     else if (m_errorLines == kMostErrorLines)
-        m_tell(QStringLiteral("peer %1: says more on standard error; no more of it is shown").arg(m_name));
+        TellWords(QStringLiteral("says more on standard error; no more of it is shown"));
 }
 
 void Peer::TakeEnd() {
@@ -126,10 +126,12 @@ void Peer::TakeEnd() {
     m_over = EndText(m_process);
     if (!m_lastWords.isEmpty())
         m_over += QStringLiteral("; its last words: ") + m_lastWords;
+    if (m_isHeldProblem)
+        m_over = std::exchange(m_held, {});
+    else if (m_held.trimmed() == m_lastWords)
+        m_held.clear();
     if (!m_starts)
         m_tell(QStringLiteral("peer %1: %2").arg(m_name, m_over));
-    EndProcessGroup(m_group, GroupEnd::Asked);
-    QTimer::singleShot(kChildrenMs, &m_process, [group = m_group] { EndProcessGroup(group, GroupEnd::Forced); });
     MainWait::Wake();
 }
 
@@ -145,7 +147,10 @@ QString Peer::Do(const PeerDeed& deed, std::chrono::milliseconds limit, QString*
     MainWait::UntilInterrupted(hasAnswered, limit);
     const QString what = deed.deed.isEmpty() ? deed.function : deed.deed;
     if (answer && answer->contains(QStringLiteral("refused")))
-        return answer->value(QStringLiteral("refused")).toString();
+        return WithPlace(*answer, QStringLiteral("refused"));
+    if (answer && answer->value(QStringLiteral("done")) != (deed.deed.isEmpty() ? QStringLiteral("call") : deed.deed))
+        return QStringLiteral("was told %1, and answered %2")
+            .arg(Quoted(what), QString::fromUtf8(QJsonDocument(*answer).toJson(QJsonDocument::Compact)));
     if (answer)
         *result = answer->value(QStringLiteral("result")).toString();
     else if (!m_over.isEmpty())
@@ -166,6 +171,7 @@ QString Peer::WaitFor(const PeerReceipt& receipt, std::chrono::milliseconds limi
             found = Suits(receipt, *frame);
             if (!found)
                 others += *frame;
+            m_lastLookedAt = *frame;
             m_lines.TakeReceived();
         }
         while (others.size() > kShownFrames)
@@ -176,15 +182,22 @@ QString Peer::WaitFor(const PeerReceipt& receipt, std::chrono::milliseconds limi
     if (found)
         return {};
     for (QString& other : others)
-        other = Shown(other);
-    const QString wanted = (receipt.isPattern ? QStringLiteral("like ") : QString()) + Shown(receipt.text);
-    const QString state =
-        QStringLiteral("has received %1, but should: %2")
-            .arg(others.isEmpty() ? QStringLiteral("nothing") : others.join(QStringLiteral(", ")), wanted);
+        other = FrameForPeople(other);
+    const QString nothing = m_lastLookedAt.isNull()
+                                ? QStringLiteral("nothing")
+                                : QStringLiteral("nothing behind ") + FrameForPeople(m_lastLookedAt);
+    const QString wanted = (receipt.isPattern ? QStringLiteral("like ") : QString()) + FrameForPeople(receipt.text);
+    const QString state = QStringLiteral("has received %1, but should: %2")
+                              .arg(others.isEmpty() ? nothing : others.join(QStringLiteral(", ")), wanted);
     if (!m_over.isEmpty())
         return QStringLiteral("%1; it %2").arg(state, m_over);
     return Interrupt::HasCome() ? QStringLiteral("interrupted while it ") + state
                                 : QStringLiteral("%1, after %2 ms").arg(state).arg(limit.count());
+}
+
+QStringList Peer::LastTraffic() {
+    m_process.waitForReadyRead(kStragglersMs);
+    return m_lines.LastTraffic();
 }
 
 void Peer::AskToEnd() {
@@ -192,16 +205,14 @@ void Peer::AskToEnd() {
     if (m_process.state() == QProcess::NotRunning)
         return;
     m_process.closeWriteChannel();
-    EndProcessGroup(m_group, GroupEnd::Asked);
+    EndKept(m_process.processId(), KeptEnd::Asked);
 }
 
-/// With the group goes what has taken no notice. A process that nobody waits for any more is nobody's group.
 void Peer::End(std::chrono::milliseconds limit) {
-    if (m_process.state() != QProcess::NotRunning)
-        m_process.waitForFinished(static_cast<int>(limit.count()));
-    EndProcessGroup(std::exchange(m_group, 0), GroupEnd::Forced);
-    if (m_process.state() != QProcess::NotRunning)
-        m_process.waitForFinished(kForcedMs);
+    if (m_process.state() == QProcess::NotRunning || m_process.waitForFinished(static_cast<int>(limit.count())))
+        return;
+    EndKept(m_process.processId(), KeptEnd::Forced);
+    m_process.waitForFinished(kForcedMs);
 }
 
 } // namespace stagehost

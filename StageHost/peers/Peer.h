@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 
+#include <QCoreApplication>
 #include <QProcess>
 
 #include "PeerLines.h"
@@ -10,10 +11,13 @@
 
 namespace stagehost {
 
-/// A process of a group of its own, so that Ctrl-C is not for it, and it ends with its own children.
-class GroupProcess : public QProcess {
+/// A process with a keeper: Ctrl-C is not for it, and with it ends all that it has started. Its number is its keeper's.
+class KeptProcess : public QProcess {
 protected:
     void setupChildProcess() override;
+
+private:
+    const qint64 m_parent = QCoreApplication::applicationPid();
 };
 
 /// One peer of a show, as it runs. What it complains of, and its end where nobody asked for it, is told at once.
@@ -33,40 +37,48 @@ public:
     /// @return what is wrong; empty when it runs. It may not be ready yet.
     QString Start(const QString& program, const QStringList& words, const QString& folder);
 
-    /// Waits until it is ready, has ended or the user has. Up to here its end is told to the caller alone.
+    /// Waits until it is ready, has ended or the user has. Up to here its end is told to the caller alone, and so is
+    /// why: a problem with its place, or the last words of a program.
     /// @return whether it is ready.
     bool WaitUntilReady(std::chrono::milliseconds limit);
 
-    /// How it ended, with its last words: "ended with 1: no such file"; empty while it runs.
+    /// How it ended, with its last words: "ended with 1; its last words: no such file"; empty while it runs.
     const QString& WhyOver() const { return m_over; }
 
     /// Has it do something and waits until that is done. @param result receives what a call gave.
-    /// @return what is wrong; empty when it is done.
+    /// @return what is wrong, with where in its script below it; empty when it is done.
     QString Do(const PeerDeed& deed, std::chrono::milliseconds limit, QString* result);
 
     /// Waits for a frame, behind the one that was found before. @return what is wrong; empty when it has come.
     QString WaitFor(const PeerReceipt& receipt, std::chrono::milliseconds limit);
 
+    /// The last of what it has received and said, a line each, the latest last.
+    QStringList LastTraffic();
+
     /// Asks it to end; what it does from now on is told to nobody.
     void AskToEnd();
-    /// Waits for the end, and forces it behind the limit. Its own children end with it.
+    /// Waits for the end, and forces it behind the limit. What it has started ends with it.
     void End(std::chrono::milliseconds limit);
 
 private:
     void TakeOutput();
     void TakeErrors();
     void TellError(const QString& line);
+    void TellWords(const QString& words);
+    void TellHeld();
     void TakeEnd();
 
     const QString m_name;
     const Tell m_tell;
-    GroupProcess m_process;
-    qint64 m_group = 0; ///< 0 when it has none, or none any more
+    KeptProcess m_process;
     bool m_starts = true;
     PeerLines m_lines;
-    QByteArray m_errors; ///< the begin of a line
+    QString m_lastLookedAt; ///< the last frame that a wait has looked at; null when none has
+    QByteArray m_errors;    ///< the begin of a line
     int m_errorLines = 0;
     QString m_lastWords;
+    QString m_held; ///< while it starts, its last words: where they are why it has ended they are told as that alone
+    bool m_isHeldProblem = false; ///< of a script or a replay, and says all that matters
     QString m_over;
 };
 

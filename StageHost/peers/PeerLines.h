@@ -18,10 +18,14 @@ struct PeerEndpoint {
     QString path; ///< of a serial line
 };
 
+/// What is wrong, under a key, and below it where in a script, a line each.   [any]
+QString WithPlace(const QJsonObject& object, const QString& key);
+
 /// What a peer tells on its standard output: first that it is ready, `{"ready":true,"tcp":PORT}`, then what matters to
 /// a test: frames that it has received, problems, answers to what it was told to do. A program that tells anything else
 /// is ready with its first line, and what it prints is left out. What is kept is bounded: of frames the last 10,000, of
-/// a line 1 MiB.   [host main]
+/// the traffic the last 20 lines. A line of more than 1 MiB is not read, which is told: as the answer where it begins
+/// like one, as a problem otherwise.   [host main]
 class PeerLines {
 public:
     /// Takes what has come, in pieces of any size.
@@ -45,18 +49,26 @@ public:
     /// What it has complained of and nobody has taken: a text, with where it was in a script below it.
     QStringList TakeProblems();
 
+    /// The last of what it has received and said, as people read it: `received "ON\r"`. Empty for programs that do not
+    /// tell.
+    const QStringList& LastTraffic() const { return m_traffic; }
+
 private:
+    void TakePiece(const QByteArray& piece);
     void TakeLine(const QByteArray& line);
+    void TakeLongLine();
     void TakeObject(const QJsonObject& object);
+    void TakeTraffic(const QJsonObject& object);
     void TakeReady(const QJsonObject& object);
 
-    QByteArray m_rest;    ///< the begin of a line
-    bool m_skips = false; ///< the rest of a line that is too long
+    QByteArray m_rest;     ///< the begin of a line
+    qint64 m_restSize = 0; ///< bytes of the line so far, those of which nothing is kept among them
     bool m_ready = false;
     std::map<QString, PeerEndpoint> m_endpoints;
     std::deque<QString> m_received;
     std::deque<QJsonObject> m_answers;
     QStringList m_problems;
+    QStringList m_traffic;
 };
 
 } // namespace stagehost

@@ -27,8 +27,10 @@ QStringList WordsOf(const Show& show, const ShowPeer& peer) {
     const bool isScript = peer.kind == ShowPeer::Kind::Script;
     QStringList words{QCoreApplication::applicationFilePath(),
                       isScript ? QStringLiteral("counterpart") : QStringLiteral("replay"), QStringLiteral("--json")};
-    if (!isScript)
+    if (!isScript && !peer.isOrdered)
         words += QStringLiteral("--any-order"); // drivers poll, and no two evenings poll alike
+    if (peer.isFast)
+        words += QStringLiteral("--fast");
     if (peer.seed)
         words += {QStringLiteral("--seed"), QString::number(*peer.seed)};
     words += {QStringLiteral("--"), peer.file};
@@ -37,10 +39,15 @@ QStringList WordsOf(const Show& show, const ShowPeer& peer) {
     return words;
 }
 
-/// Whether something of the show is told where the peer is reached.
+/// Whether something of the show is told where the peer is reached, or a step works it.
 bool IsNamed(const Show& show, const QString& peer) {
     const auto names = [&](const auto& entry) { return entry.second.peer == peer; };
-    return std::any_of(show.peerPorts.begin(), show.peerPorts.end(), names) ||
+    const auto works = [&](const ShowStep& step) {
+        return (step.deed && step.deed->peer == peer) ||
+               (step.wait && step.wait->receipt && step.wait->receipt->peer == peer);
+    };
+    return std::any_of(show.steps.begin(), show.steps.end(), works) ||
+           std::any_of(show.peerPorts.begin(), show.peerPorts.end(), names) ||
            std::any_of(show.devices.begin(), show.devices.end(), [&](const ShowDevice& device) {
                return std::any_of(device.peerSettings.begin(), device.peerSettings.end(), names);
            });
@@ -59,7 +66,7 @@ QString PartText(const PeerEndpoint& endpoint, PeerAddress::Part part) {
     using Part = PeerAddress::Part;
     if ((part == Part::Path) != (endpoint.port == 0))
         return {};
-    const QString port = QString::number(endpoint.port);
+    QString port = QString::number(endpoint.port);
     switch (part) {
     case Part::Host:
         return endpoint.host;
@@ -105,16 +112,18 @@ QString Peers::WaitUntilReady(const Show& show) const {
         const bool needed = show.peers[place].kind != ShowPeer::Kind::Program || IsNamed(show, peer.Name());
         const auto limit = MachineTime(needed ? kNeeded : std::chrono::milliseconds(deadline.remainingTime()));
         const bool isReady = peer.WaitUntilReady(limit);
-        if (!isReady && !needed && !peer.WhyOver().isEmpty())
-            m_tell(QStringLiteral("peer %1: %2").arg(peer.Name(), peer.WhyOver()));
-        if (isReady || !needed)
+        if (isReady)
             continue;
         if (Interrupt::HasCome())
             return QStringLiteral("interrupted before peer %1 was ready").arg(peer.Name());
-        return QStringLiteral("peer %1: %2")
-            .arg(peer.Name(), peer.WhyOver().isEmpty()
-                                  ? QStringLiteral("has not said within %1 ms that it is ready").arg(kNeeded.count())
-                                  : peer.WhyOver());
+        QString problem = QStringLiteral("peer %1: %2")
+                              .arg(peer.Name(), peer.WhyOver().isEmpty()
+                                                    ? QStringLiteral("has not said within %1 ms that it is ready")
+                                                          .arg((needed ? kNeeded : kReady).count())
+                                                    : peer.WhyOver());
+        if (needed)
+            return problem;
+        m_tell(peer.WhyOver().isEmpty() ? problem + QStringLiteral("; the show begins without that") : problem);
     }
     return {};
 }
@@ -122,7 +131,7 @@ QString Peers::WaitUntilReady(const Show& show) const {
 QString Peers::Resolve(Show& show) const {
     for (const auto& [place, address] : show.peerPorts) {
         auto* serial = std::get_if<SerialPlan>(&show.resources[place].plan);
-        const QString problem = serial == nullptr ? QString() : TextOf(address, QStringLiteral("path"), serial->port);
+        QString problem = serial == nullptr ? QString() : TextOf(address, QStringLiteral("path"), serial->port);
         if (!problem.isEmpty())
             return problem;
     }

@@ -16,8 +16,8 @@ public:
     explicit Peers(Peer::Tell tell);
     ~Peers() { End(); }
 
-    /// Starts all of them and waits until they are ready: those that a setting or a port names, and scripts and
-    /// replays, have to be; other programs may take their time. @param show receives, in the place of what names a
+    /// Starts all of them and waits until they are ready: those that a setting, a port or a step names, and scripts
+    /// and replays, have to be; other programs may take their time. @param show receives, in the place of what names a
     /// peer, where it is reached. @return what is wrong with the first; empty when they run.
     QString Start(Show& show);
 

@@ -19,11 +19,12 @@ ChangeFeed::~ChangeFeed() {
 Subscription ChangeFeed::Subscribe(Listener listener) {
     auto entry = std::make_shared<Entry>();
     entry->listener = std::make_shared<Listener>(std::move(listener));
+    Subscription subscription(entry.get(), [this, entry](void*) { Forget(entry); });
     const std::lock_guard<std::mutex> hold(m_lock);
     entry->after = m_lastNumber;
-    m_entries.push_back(entry);
+    m_entries.push_back(std::move(entry));
     ++m_listenerCount;
-    return {entry.get(), [this, entry](void*) { Forget(entry); }};
+    return subscription;
 }
 
 void ChangeFeed::Tell(ObjectKind kind, const std::string& object, const std::string& property, std::string value) {
@@ -70,11 +71,15 @@ void ChangeFeed::Serve() {
     }
 }
 
+/// The entry may not have come into the list, for want of memory.
 void ChangeFeed::Forget(const std::shared_ptr<Entry>& entry) {
     {
         const std::lock_guard<std::mutex> hold(m_lock);
-        m_entries.erase(std::remove(m_entries.begin(), m_entries.end(), entry), m_entries.end());
-        --m_listenerCount;
+        const auto place = std::find(m_entries.begin(), m_entries.end(), entry);
+        if (place != m_entries.end()) {
+            m_entries.erase(place);
+            --m_listenerCount;
+        }
     }
     const std::lock_guard<std::recursive_mutex> gate(entry->gate);
     entry->listener = nullptr;

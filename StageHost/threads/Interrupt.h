@@ -3,8 +3,8 @@
 namespace stagehost {
 
 /// Notes Ctrl-C, the system's request to end and the end of the terminal instead of ending the program at once, while
-/// an object stands. A second one of any of them ends it. What whoever started the program wanted ignored stays so.
-/// [host main]
+/// an object stands. A second one of any of them ends it. Only the end of the terminal stays ignored where whoever
+/// started the program wanted it so.   [host main]
 class Interrupt {
 public:
     Interrupt();
@@ -14,6 +14,9 @@ public:
 
     /// Whether it has come.
     static bool HasCome();
+
+    /// A descriptor that becomes readable once it has come, and stays so; -1 when the system has none left.
+    static int Bell();
 };
 
 } // namespace stagehost

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
+#include <QSocketNotifier>
 #include <QTimer>
 
 #include "Interrupt.h"
@@ -56,6 +57,18 @@ bool MainWait::UntilInterrupted(const std::function<bool()>& condition, std::chr
             return true;
     } while (!deadline.hasExpired() && !Interrupt::HasCome());
     return false;
+}
+
+void MainWait::ForInterrupt() {
+    const int bell = Interrupt::Bell();
+    if (bell < 0) {
+        while (!Until(&Interrupt::HasCome, kLookForInterrupt)) {
+        }
+        return;
+    }
+    QSocketNotifier rings(bell, QSocketNotifier::Read);
+    while (!Interrupt::HasCome())
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
 }
 
 void MainWait::Wake() {

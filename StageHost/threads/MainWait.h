@@ -19,6 +19,10 @@ public:
     /// to end, see Interrupt. For what a script keeps waiting.
     static bool UntilInterrupted(const std::function<bool()>& condition, std::chrono::milliseconds limit);
 
+    /// Waits until the user wants the program to end, see Interrupt. No timer runs for it: each would be set anew for
+    /// every piece that a relay passes on, and an idle processor is long in setting timers.   [host main]
+    static void ForInterrupt();
+
     /// Makes a wait that is under way look at its condition again.   [any]
     static void Wake();
 

@@ -36,7 +36,7 @@ Relay::~Relay() {
 
 QString Relay::Open() {
     if (m_plan.device.kind != LineKind::Serial) {
-        const QString unknown = AddressOf(m_plan.device, m_device);
+        QString unknown = AddressOf(m_plan.device, m_device);
         if (!unknown.isEmpty())
             return unknown;
     }

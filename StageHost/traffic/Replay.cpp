@@ -1,9 +1,9 @@
 #include "Replay.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
-#include "NearNames.h"
 #include "TrafficText.h"
 
 namespace stagehost {
@@ -11,7 +11,6 @@ namespace stagehost {
 namespace {
 
 constexpr std::chrono::milliseconds kRestComes(500);
-constexpr int kComparedOfARequest = 200; // characters: comparing takes the product of both lengths
 
 PrankedPiece::End EndOf(TrafficAnswer::What what) {
     switch (what) {
@@ -45,12 +44,7 @@ Replay::~Replay() {
 void Replay::GatherRequests() {
     for (const TrafficTalk& talk : m_file.talks) {
         for (const TrafficExchange& exchange : talk.exchanges) {
-            const auto known = std::find_if(m_known.begin(), m_known.end(), [&](const Known& one) {
-                return one.request->ForPeople() == exchange.request.ForPeople();
-            });
-            const auto number = static_cast<std::size_t>(known - m_known.begin());
-            if (known == m_known.end())
-                m_known.push_back({&exchange.request, {}});
+            const std::size_t number = NumberOf(exchange.request);
             m_known[number].turns.push_back(m_all.size());
             m_all.push_back({&exchange, number});
         }
@@ -60,6 +54,20 @@ void Replay::GatherRequests() {
     m_terminator = m_known.front().request->LastByte();
     for (const Known& known : m_known)
         m_terminator = known.request->LastByte() == m_terminator ? m_terminator : -1;
+}
+
+/// @return the place in m_known of a request; one that is new is known from now on.
+std::size_t Replay::NumberOf(const TrafficPattern& request) {
+    const bool isMarked = request.HasMarks();
+    const std::size_t behind = m_known.size();
+    const std::size_t number = isMarked ? m_marked.try_emplace(request.ForPeople(), behind).first->second
+                                        : m_plain.try_emplace(request.Filled({}), behind).first->second;
+    if (number < behind)
+        return number;
+    m_known.push_back({&request, {}});
+    if (isMarked)
+        m_markedInOrder.push_back(number);
+    return number;
 }
 
 void Replay::Opened(LineId line, const QString& who) {
@@ -153,21 +161,50 @@ Replay::Finding Replay::FindInOrder(Caller& caller) const {
     return finding;
 }
 
-/// The longest that fits: one request may be the begin of another.
+/// The longest that fits: one request may be the begin of another. Of two that are as long it is the later one of the
+/// file; a request of no bytes never comes.
 Replay::Finding Replay::FindInAnyOrder(Caller& caller) {
     Finding best;
-    Known* longest = nullptr;
-    for (Known& known : m_known) {
+    std::size_t longest = 0;
+    const auto consider = [&](std::size_t number) {
         Finding finding;
-        if (Try(*known.request, caller, finding) && finding.size >= best.size) {
-            best.size = finding.size;
-            longest = &known;
-        }
+        const bool fits = Try(*m_known[number].request, caller, finding) && finding.size > 0;
         best.mayBecome = best.mayBecome || finding.mayBecome;
-    }
-    if (longest != nullptr)
-        best.exchange = TakeTurn(*longest);
+        if (fits && std::tie(finding.size, number) >= std::tie(best.size, longest)) {
+            best.size = finding.size;
+            longest = number;
+        }
+    };
+    if (const auto plain = LongestPlain(caller.waiting))
+        consider(*plain);
+    for (const std::size_t number : m_markedInOrder)
+        consider(number);
+    best.mayBecome = best.mayBecome || BeginsPlain(caller.waiting);
+    if (best.size > 0)
+        best.exchange = TakeTurn(m_known[longest]);
     return best;
+}
+
+/// The longest request without marks that these bytes begin with: a place in m_known. All that they begin with is
+/// sorted before them. Where the last request before them is not it, a shorter one lies within what both share.
+std::optional<std::size_t> Replay::LongestPlain(QByteArray bytes) const {
+    while (!bytes.isEmpty()) {
+        const auto behind = m_plain.upper_bound(bytes);
+        if (behind == m_plain.begin())
+            return std::nullopt;
+        const auto& [request, number] = *std::prev(behind);
+        if (bytes.startsWith(request))
+            return request.isEmpty() ? std::nullopt : std::optional(number);
+        const auto differs = std::mismatch(bytes.cbegin(), bytes.cend(), request.cbegin(), request.cend());
+        bytes.truncate(static_cast<int>(differs.first - bytes.cbegin()));
+    }
+    return std::nullopt;
+}
+
+/// Whether these bytes, with more behind them, may become a request without marks.
+bool Replay::BeginsPlain(const QByteArray& bytes) const {
+    const auto behind = m_plain.upper_bound(bytes);
+    return m_file.head.device.kind != LineKind::Udp && behind != m_plain.end() && behind->first.startsWith(bytes);
 }
 
 const TrafficExchange* Replay::TakeTurn(Known& known) {
@@ -178,11 +215,13 @@ const TrafficExchange* Replay::TakeTurn(Known& known) {
     return place.exchange;
 }
 
-/// Whether a rarer request that has not come yet stands between the last answer and the next.
-bool Replay::IsTooEarly(const Known& known) const {
+/// Whether a rarer request that has not come yet stands between the last answer and the next. Goes on where it stopped
+/// the last time.
+bool Replay::IsTooEarly(Known& known) const {
     if (known.next == 0)
         return false;
-    for (std::size_t place = known.turns[known.next - 1]; place < known.turns[known.next]; ++place) {
+    std::size_t& place = known.cleared; // what has been played stays so
+    for (place = std::max(place, known.turns[known.next - 1]); place < known.turns[known.next]; ++place) {
         const bool isRarer = m_known[m_all[place].known].turns.size() < known.turns.size();
         if (isRarer && !m_all[place].wasPlayed)
             return true;
@@ -213,18 +252,11 @@ void Replay::TellUnknown(LineId line, const Caller& caller, const QByteArray& by
                    nearest == nullptr ? 0 : m_all[nearest->turns.front()].exchange->line, Expected(caller));
 }
 
-const Replay::Known* Replay::Nearest(const QByteArray& bytes) const {
-    const QString text = BytesForPeople(bytes).left(kComparedOfARequest);
-    const Known* nearest = nullptr;
-    int least = 0;
-    for (const Known& known : m_known) {
-        const int distance = DistanceBetween(text, known.request->ForPeople().left(kComparedOfARequest));
-        if (nearest != nullptr && distance >= least)
-            continue;
-        nearest = &known;
-        least = distance;
-    }
-    return nearest;
+const Replay::Known* Replay::Nearest(const QByteArray& bytes) {
+    for (std::size_t place = m_texts.Count(); place < m_known.size(); ++place) // nobody needs them before
+        m_texts.Add(m_known[place].request->ForPeople());
+    const std::size_t nearest = m_texts.Nearest(BytesForPeople(bytes));
+    return nearest < m_known.size() ? &m_known[nearest] : nullptr;
 }
 
 QString Replay::Expected(const Caller& caller) const {

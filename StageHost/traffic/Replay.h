@@ -3,10 +3,12 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 
 #include "DeleteLater.h"
 #include "Endpoint.h"
 #include "Mischief.h"
+#include "NearTexts.h"
 #include "Passage.h"
 #include "TrafficFile.h"
 
@@ -65,6 +67,7 @@ private:
         const TrafficPattern* request;
         std::vector<std::size_t> turns;
         std::size_t next = 0;
+        std::size_t cleared = 0; ///< up to here no rarer request is missing before the next turn: a place in m_all
     };
 
     /// An exchange among those of all talks.
@@ -96,16 +99,19 @@ private:
     void Closed(LineId line, const QString& why) override;
 
     void GatherRequests();
+    std::size_t NumberOf(const TrafficPattern& request);
     void TakeRequests(LineId line);
     bool TakeOne(LineId line, Caller& caller);
     Finding FindInOrder(Caller& caller) const;
     Finding FindInAnyOrder(Caller& caller);
+    std::optional<std::size_t> LongestPlain(QByteArray bytes) const;
+    bool BeginsPlain(const QByteArray& bytes) const;
     const TrafficExchange* TakeTurn(Known& known);
-    bool IsTooEarly(const Known& known) const;
+    bool IsTooEarly(Known& known) const;
     bool Try(const TrafficPattern& request, Caller& caller, Finding& finding) const;
     void LeaveOut(LineId line, Caller& caller, bool waits);
     void TellUnknown(LineId line, const Caller& caller, const QByteArray& bytes);
-    const Known* Nearest(const QByteArray& bytes) const;
+    const Known* Nearest(const QByteArray& bytes);
     QString Expected(const Caller& caller) const;
     void Answer(LineId line, Caller& caller, const std::vector<TrafficAnswer>& answers);
     void End(LineId line, PrankedPiece::End end);
@@ -114,7 +120,11 @@ private:
     const ReplayPlan m_plan;
     const ReplayNews m_news;
     std::vector<Known> m_known;
+    std::map<QByteArray, std::size_t> m_plain; ///< places in m_known of requests without marks, by their bytes
+    std::map<QString, std::size_t> m_marked;   ///< those of requests with marks, by their texts for people
+    std::vector<std::size_t> m_markedInOrder;  ///< the same in the order of the file
     std::vector<Place> m_all;
+    NearTexts m_texts;     ///< of m_known, once one was not known
     int m_terminator = -1; ///< the byte that ends every request; -1: there is none
     std::map<LineId, Caller> m_callers;
     Mischief m_mischief{0};

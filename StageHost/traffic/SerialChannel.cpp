@@ -68,9 +68,15 @@ bool SerialChannel::ApplySettings() {
     return areTaken;
 }
 
+/// Leaves at once where nothing waits. The toolkit would wait until the port says that it can be written, and once more
+/// until it has been: the first call writes, the second one takes note of that.
 void SerialChannel::Send(const QByteArray& bytes) {
-    if (m_port.isOpen())
-        m_port.write(bytes);
+    if (!m_port.isOpen())
+        return;
+    const bool waits = m_port.bytesToWrite() > 0;
+    m_port.write(bytes);
+    if (!waits && m_port.flush())
+        m_port.flush();
 }
 
 void SerialChannel::Close() {

@@ -97,12 +97,10 @@ public:
 
 private:
     TrafficTalk& TalkOf(int connection) {
-        for (TrafficTalk& talk : m_file.talks) {
-            if (talk.connection == connection)
-                return talk;
-        }
-        m_file.talks.push_back({connection, {}, {}});
-        return m_file.talks.back();
+        const auto [place, isNew] = m_places.try_emplace(connection, m_file.talks.size());
+        if (isNew)
+            m_file.talks.push_back({connection, {}, {}});
+        return m_file.talks[place->second];
     }
 
     void AddRequest(TrafficTalk& talk, const FileEntry& entry) {
@@ -161,7 +159,8 @@ private:
     }
 
     TrafficFile& m_file;
-    std::map<int, std::int64_t> m_last; ///< when something went by on a connection, in ms
+    std::map<int, std::size_t> m_places; ///< of talks in the file, by their connections
+    std::map<int, std::int64_t> m_last;  ///< when something went by on a connection, in ms
 };
 
 } // namespace

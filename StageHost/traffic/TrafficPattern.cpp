@@ -39,8 +39,8 @@ QString TrafficPattern::Read(const QJsonObject& line) {
         AddPlain(bytes);
         return {};
     }
-    for (const QJsonValue& part : parts.toArray()) {
-        const QString problem = ReadPart(part);
+    for (const auto& part : parts.toArray()) {
+        QString problem = ReadPart(part);
         if (!problem.isEmpty())
             return problem;
     }

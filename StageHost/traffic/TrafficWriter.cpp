@@ -6,6 +6,7 @@
 
 #include <QTimer>
 
+#include "FileLock.h"
 #include "TextFile.h"
 
 namespace stagehost {
@@ -15,9 +16,9 @@ namespace {
 constexpr std::size_t kMostUnwritten = 8 * 1024 * 1024; // bytes
 constexpr std::size_t kRoomAgain = kMostUnwritten / 2;
 constexpr std::size_t kCostOfAnEntry = 64;
-constexpr std::size_t kWrittenAtOnce = 1024 * 1024;
+constexpr std::size_t kWrittenAtOnce = 64 * 1024;
 constexpr int kPiece = 64 * 1024;
-constexpr std::chrono::milliseconds kGather(10);
+constexpr std::chrono::milliseconds kGather(50);
 constexpr std::chrono::milliseconds kPatienceWithDisk(2000);
 
 std::size_t SizeOf(const TrafficEntry& entry) {
@@ -34,13 +35,15 @@ TrafficWriter::~TrafficWriter() {
 }
 
 QString TrafficWriter::Open(const QString& file, const TrafficHead& head) {
-    const QString standing = WhyNotReplaceable(file, kTrafficMark);
+    const QString standing = WhyNotReplaceable(file, kTrafficMark, "recording");
     if (!standing.isEmpty())
         return QStringLiteral("%1: %2").arg(file, standing);
     m_file.setFileName(file);
     const QByteArray line = LineOf(head);
-    if (!m_file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered) ||
-        m_file.write(line) != line.size())
+    const bool isOpen = m_file.open(QIODevice::ReadWrite | QIODevice::Unbuffered); // as it is, until it is ours alone
+    if (isOpen && !KeepForOneWriter(m_file.handle()))
+        return QStringLiteral("%1: another recording is being written into it").arg(file);
+    if (!isOpen || !m_file.resize(0) || m_file.write(line) != line.size())
         return QStringLiteral("%1: %2").arg(file, m_file.errorString());
     m_thread = std::thread([this] { Work(); });
     return {};
@@ -52,9 +55,10 @@ void TrafficWriter::Add(const TrafficEntry& entry) {
         const std::lock_guard<std::mutex> hold(m_lock);
         if (m_hasEnded || m_closes)
             return;
-        wakes = m_waiting.empty() || m_size > kWrittenAtOnce;
-        m_waiting.push_back(entry);
+        const std::size_t before = m_size;
         m_size += SizeOf(entry);
+        wakes = m_waiting.empty() || (before <= kWrittenAtOnce && m_size > kWrittenAtOnce);
+        m_waiting.push_back(entry);
         if (m_size > kMostUnwritten && !std::exchange(m_wasFull, true))
             WatchDiskLocked();
     }
@@ -92,7 +96,7 @@ QString TrafficWriter::Close() {
     return m_problem;
 }
 
-/// What comes within a few milliseconds is written together: a thread that is woken for each piece would cost the
+/// What comes within some time is written together: a thread that is woken for each piece would cost the
 /// traffic more than the writing.
 void TrafficWriter::Work() {
     std::unique_lock<std::mutex> hold(m_lock);
@@ -113,7 +117,7 @@ void TrafficWriter::Work() {
 
 /// Writes some entries in one piece; a piece that did not fit is cut behind its last whole line.
 void TrafficWriter::WriteSome(std::deque<TrafficEntry>::const_iterator& entry,
-                              std::deque<TrafficEntry>::const_iterator end) {
+                              const std::deque<TrafficEntry>::const_iterator& end) {
     QByteArray lines;
     std::size_t size = 0;
     for (; entry != end && lines.size() < kPiece; ++entry) {

@@ -15,7 +15,7 @@ namespace stagehost {
 
 /// Writes a traffic file on a thread of its own, so that no byte waits for the disk.
 ///
-/// - lines are written within some ten milliseconds, and what a full disk has cut is taken back: the file always holds
+/// - lines are written within some fifty milliseconds, and what a full disk has cut is taken back: the file always has
 ///   whole lines;
 /// - what waits is bounded: from IsFull on until `room` nothing more should be added;
 /// - when the file cannot be written, or nothing of a full queue has left within two seconds, the recording ends: that
@@ -34,7 +34,8 @@ public:
     TrafficWriter(const TrafficWriter&) = delete;
     TrafficWriter& operator=(const TrafficWriter&) = delete;
 
-    /// Begins a file; an older traffic file is replaced. @return empty, or what is wrong.   [host main]
+    /// Begins a file; an older traffic file is replaced, unless another process is writing it just now. @return empty,
+    /// or what is wrong.   [host main]
     QString Open(const QString& file, const TrafficHead& head);
 
     void Add(const TrafficEntry& entry); ///< [host main]
@@ -45,7 +46,8 @@ public:
 
 private:
     void Work();
-    void WriteSome(std::deque<TrafficEntry>::const_iterator& entry, std::deque<TrafficEntry>::const_iterator end);
+    void WriteSome(std::deque<TrafficEntry>::const_iterator& entry,
+                   const std::deque<TrafficEntry>::const_iterator& end);
     void WatchDiskLocked();
     void GiveUp(const QString& why);
 

@@ -1,6 +1,7 @@
 #include "HostValue.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace stagehost {
@@ -81,26 +82,26 @@ void HostValue::TellSink() const {
         m_sink->ValueChanged(m_name, ReadText());
 }
 
+/// The list is copied, since a notification may be under way. The end of an observation, which must not fail for want
+/// of memory, marks its observer; the next copy is without it.
 Observation HostValue::Observe(std::function<void()> observer) {
     auto entry = std::make_shared<Observer>(std::move(observer));
+    Observation observation(entry.get(), [entry](void*) { entry->isOver = true; });
+    auto next = std::make_shared<Observers>();
     const std::lock_guard<std::mutex> hold(m_lock);
-    auto next = m_observers ? std::make_shared<Observers>(*m_observers) : std::make_shared<Observers>();
-    next->push_back(entry);
+    if (m_observers)
+        std::copy_if(m_observers->begin(), m_observers->end(), std::back_inserter(*next),
+                     [](const auto& one) { return !one->isOver; });
+    next->push_back(std::move(entry));
     m_observers = std::move(next);
-    return {entry.get(), [this](void* gone) { Forget(static_cast<Observer*>(gone)); }};
-}
-
-void HostValue::Forget(const Observer* observer) {
-    const std::lock_guard<std::mutex> hold(m_lock);
-    auto next = std::make_shared<Observers>(*m_observers);
-    next->erase(std::remove_if(next->begin(), next->end(), [&](const auto& entry) { return entry.get() == observer; }),
-                next->end());
-    m_observers = next->empty() ? nullptr : std::move(next);
+    return observation;
 }
 
 void HostValue::Notify(const Observers& observers) {
-    for (const auto& observer : observers)
-        (*observer)();
+    for (const auto& observer : observers) {
+        if (!observer->isOver)
+            observer->call();
+    }
 }
 
 } // namespace stagehost

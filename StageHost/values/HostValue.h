@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "ChangeSink.h"
@@ -16,8 +17,8 @@
 
 namespace stagehost {
 
-/// Keeps a change observer in place; the observer is removed with it. A notification that is already under way on
-/// another thread may still arrive after the removal, so an observer owns what it touches.
+/// Keeps a change observer in place; it may outlive the value. A call that is already under way on another thread may
+/// still go on behind its end, so an observer owns what it touches; that goes with a later Observe or with the value.
 using Observation = std::shared_ptr<void>;
 
 /// A typed value in the host: what all types share. Each type derives from ValueFace, which adds the interface.
@@ -106,12 +107,17 @@ protected:
     mutable std::mutex m_lock; ///< guards the content, the limits, the properties, the sink and the list of observers
 
 private:
-    using Observer = std::function<void()>;
+    struct Observer {
+        explicit Observer(std::function<void()> itsCall)
+            : call(std::move(itsCall)) {}
+
+        const std::function<void()> call;
+        std::atomic<bool> isOver{false}; ///< written by the end of the observation, read by every notification
+    };
     using Observers = std::vector<std::shared_ptr<Observer>>;
 
     void TellSink() const;
     static void Notify(const Observers& observers);
-    void Forget(const Observer* observer);
 
     std::string m_name;
     const std::uint32_t m_type;

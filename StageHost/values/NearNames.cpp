@@ -8,7 +8,6 @@ namespace stagehost {
 namespace {
 
 constexpr int kMostListed = 12;
-constexpr int kLongestCompared = 128; // letters, as the names of a show have
 
 /// One letter of three may be wrong, of two or three one; nothing is near a single letter.
 int MostWrong(const QString& name) {

@@ -8,6 +8,9 @@
 
 namespace stagehost {
 
+/// What of a text is compared: letters, as many as the names of a show have.
+constexpr int kLongestCompared = 128;
+
 /// How many single letters have to be put in, left out, changed or exchanged with their neighbour to make one text of
 /// the other, letter case ignored: the optimal string alignment distance.
 int DistanceBetween(const QString& one, const QString& other);

@@ -149,7 +149,7 @@ const std::vector<Operation>& AllOperations() {
              const KXPCode code = AskSpare(s, [](IKXPDevice&) { return KXPCode{KXP_OK}; });
              return code == kNotOffered ? KXPCode{KXP_NO_DEVICE_HOST} : code;
          }},
-        {"IKXPModule", "GetDefinition", Stage::AtWork, 1, 1,
+        {"IKXPModule", "GetDefinition", Stage::AtWork, kAnyAnswer, kAnyAnswer,
          [](S s, A) { return IsGiven(s.host->Module().GetDefinition()); }},
         {"IKXPModule", "GetModuleVersion", Stage::AtWork, KXP_OK, KXP_OK,
          [](S s, A a) {
@@ -195,7 +195,7 @@ const std::vector<Operation>& AllOperations() {
          [](S s, A a) { return (*s.device)->QueryCapability(a.Unsigned()); }},
         {"IKXPDevice", "SetName", Stage::AtWork, KXP_OK, KXP_OK, [](S s, A a) { return Rename(**s.device, a); }},
         {"IKXPDevice", "GetName", Stage::AtWork, 1, 1, [](S s, A) { return IsGiven((*s.device)->GetName()); }},
-        {"IKXPDevice", "ShowSetup", Stage::Alone, KXP_CANCELLED, KXP_CANCELLED, &ShowSetup},
+        {"IKXPDevice", "ShowSetup", Stage::Alone, kCancelledOrGone, kCancelledOrGone, &ShowSetup},
         {"IKXPDevice", "IsRunning", Stage::AtWork, KXP_OK, KXP_OK, [](S s, A) { return (*s.device)->IsRunning(); }},
         {"IKXPDevice", "Start", Stage::AtWork, KXP_OK, KXP_OK, [](S s, A) { return (*s.device)->Start(); }},
         {"IKXPDevice", "Stop", Stage::AtWork, KXP_OK, KXP_OK,
@@ -229,7 +229,7 @@ const std::vector<Operation>& AllOperations() {
          [](S s, A a) { return ExecuteCommands(*s.device, a); }},
         {"IKXPDevice", "ReleaseString", Stage::AtWork, KXP_NULL_ARGUMENT, KXP_OK,
          [](S s, A a) { return ReleaseText(**s.device, a); }},
-        {"IKXPDevice", "GetDefinition", Stage::AtWork, 1, 1,
+        {"IKXPDevice", "GetDefinition", Stage::AtWork, kAnyAnswer, kAnyAnswer,
          [](S s, A) { return IsGiven((*s.device)->GetDefinition()); }},
         {"IKXPDevice", "Reserved20", Stage::AtWork, kAnyAnswer, kAnyAnswer,
          [](S s, A) { return (*s.device)->Reserved20(); }},

@@ -36,7 +36,8 @@ struct Subjects {
 /// What an operation answers beside a code of its own.
 enum : std::int64_t {
     kAnyAnswer = -1,
-    kRefusal = -2 ///< any code but 0
+    kRefusal = -2,        ///< any code but 0
+    kCancelledOrGone = -3 ///< 13 or 19
 };
 
 struct Operation {

@@ -28,7 +28,7 @@ public:
         m_subjects.drivers = QueryFace<IKXPModuleDriverManager>(&m_host.Module(), "IKXPModuleDriverManager");
         m_device = std::make_unique<HostedDevice>(m_host);
         m_subjects.device = m_device.get();
-        StartBusy(*m_device, SetupOfAll());
+        m_reason = StartEither(*m_device, SetupOfAll());
         if (const HostLink* link = m_host.LinkOf(&**m_device))
             m_subjects.changes = link->Handler();
         (*m_device)->CreatePanel(1, &m_subjects.panel);
@@ -49,13 +49,18 @@ public:
     /// Throws a finding when the device does not work any more.
     void ExpectAlive() {
         ContextTally tally;
-        Trial::ExpectCode((*m_device)->SetSetup(SetupOfAll().c_str()), KXP_OK, "SetSetup afterwards");
-        Trial::ExpectCode((*m_device)->Stop(), KXP_OK, "Stop afterwards");
-        Trial::ExpectCode((*m_device)->Start(), KXP_OK, "Start afterwards");
-        Trial::ExpectCode(m_device->Send(FunctionCommand(*m_device), CallOfWork("x"), &tally), KXP_OK,
-                          "a command afterwards");
-        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "a command ends afterwards");
+        if (m_reason.empty())
+            Trial::ExpectCode((*m_device)->SetSetup(SetupOfAll().c_str()), KXP_OK, "IKXPDevice::SetSetup afterwards");
+        Trial::ExpectCode((*m_device)->Stop(), KXP_OK, "IKXPDevice::Stop() afterwards");
+        Trial::ExpectCode((*m_device)->Start(), KXP_OK, "IKXPDevice::Start() afterwards");
+        if (m_reason.empty()) {
+            CallScript(*m_device, CallOfWork("x"), tally);
+            Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the context of a command afterwards does not end",
+                          "it ends");
+        }
     }
+    /// Why the device was sent no commands; empty when it was.
+    const std::string& Reason() const { return m_reason; }
 
 private:
     KXPCode Answer(const char* call, IExecContext2& request) {
@@ -81,18 +86,29 @@ private:
     ModuleHost m_host;
     Subjects m_subjects;
     std::unique_ptr<HostedDevice> m_device;
+    std::string m_reason;
 };
 
-std::string NameOf(const Operation& operation) {
-    return std::string(operation.face) + "::" + operation.name;
+/// The call as a finding shows it.
+std::string TextOf(const Operation& operation, const Arguments& arguments) {
+    constexpr std::size_t kMost = 20;
+    std::string text = arguments.IsNull() ? "null" : '"' + std::string(arguments.text).substr(0, kMost) + '"';
+    if (!arguments.IsNull() && std::string(arguments.text).size() > kMost)
+        text += "... (" + std::to_string(std::string(arguments.text).size()) + " bytes)";
+    return std::string(operation.face) + "::" + operation.name + "(" + text + ", " + std::to_string(arguments.number) +
+           ")";
 }
 
 void ExpectAnswer(const Operation& operation, const Arguments& arguments, std::uint32_t answer) {
     const std::int64_t expected = arguments.IsNull() ? operation.onNull : operation.onOther;
+    const std::string call = TextOf(operation, arguments);
     if (expected == kRefusal)
-        Trial::Expect(answer != KXP_OK, NameOf(operation) + " refuses this");
+        Trial::Expect(answer != KXP_OK, call + " answers 0", "a refusal");
+    else if (expected == kCancelledOrGone)
+        Trial::Expect(answer == KXP_CANCELLED || answer == KXP_NOT_IMPLEMENTED,
+                      call + " of a device whose module is gone answers " + std::to_string(answer), "13 or 19");
     else if (expected != kAnyAnswer)
-        Trial::ExpectCode(answer, static_cast<std::uint32_t>(expected), NameOf(operation));
+        Trial::ExpectCode(answer, static_cast<std::uint32_t>(expected), call);
 }
 
 void CallAll(Trial& trial, const std::vector<Arguments>& kinds, Operation::Stage stage, FullHouse* house) {
@@ -101,8 +117,7 @@ void CallAll(Trial& trial, const std::vector<Arguments>& kinds, Operation::Stage
         for (const Operation& operation : AllOperations()) {
             if (operation.stage != stage)
                 continue;
-            trial.Step(NameOf(operation) + " with " + std::to_string(arguments.number) + " and " +
-                       std::string(arguments.IsNull() ? "null" : arguments.text).substr(0, 20));
+            trial.Step(TextOf(operation, arguments));
             std::uint32_t answer = kNotOffered;
             if (house != nullptr) {
                 answer = operation.call(house->All(), arguments);
@@ -131,6 +146,8 @@ void CallAll(Trial& trial, const std::vector<Arguments>& kinds) {
     CallAll(trial, kinds, Operation::AtWork, &house);
     trial.Step("the device afterwards");
     house.ExpectAlive();
+    if (!house.Reason().empty())
+        trial.Note("without calls of a script: " + house.Reason());
 }
 
 } // namespace

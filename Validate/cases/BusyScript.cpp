@@ -16,6 +16,15 @@ std::string BusySetup(const std::string& extra) {
         "Level");
 }
 
+std::string TalkingSetup() {
+    return "<DeviceData Version=\"1000\" Name=\"desk\"><Setup><Settings><Setting Name=\"port\" Type=\"StringData\" "
+           "Widget=\"Serial\" Value='{ \"Type\":\"Serial\", \"ResourceID\":1 }'/></Settings>"
+           "<Script RegisterAllUserGroups=\"1\"><![CDATA[QCalverin.RegisterGroup('House', true);\n"
+           "({ Work: function (a) { QCalverin.OpenUserScreen('s', 1, 2, 3); QCalverin.StartTask('t');\n"
+           "  QCalverin.SetProperty('o', 'p', 'v'); QCalverin.GetProperty('o', 'p');\n"
+           "  return QCalverin.Perform('desk', a); } })]]></Script></Setup></DeviceData>";
+}
+
 bool WaitForText(HostedDevice& device, const std::string& variable, const std::string& text) {
     const auto end = std::chrono::steady_clock::now() + kTrialWait;
     while (device.Variables().Text(variable) != text) {
@@ -42,11 +51,41 @@ std::vector<std::string> CallOfWork(const std::string& argument) {
 
 void LoadOrFail(ModuleHost& host, const Trial& trial) {
     const std::string problem = host.Load(trial.ModuleFile());
-    Trial::Expect(problem.empty(), problem);
+    if (!problem.empty())
+        throw Finding(problem);
 }
 
 void StartBusy(HostedDevice& device, const std::string& setup) {
-    if (device->SetSetup(setup.c_str()) != KXP_OK)
-        throw Skipped("the module takes no setup with a script");
-    Trial::ExpectCode(device->Start(), KXP_OK, "Start");
+    const KXPCode code = CallModule("IKXPDevice::SetSetup(a script)", [&] { return device->SetSetup(setup.c_str()); });
+    if (code != KXP_OK)
+        throw Skipped("the module takes no setup with a script: SetSetup answers " + std::to_string(code));
+    Trial::ExpectCode(CallModule("IKXPDevice::Start()", [&] { return device->Start(); }), KXP_OK,
+                      "IKXPDevice::Start()");
+}
+
+void StartScript(HostedDevice& device, const std::string& setup, const std::vector<std::string>& functions) {
+    StartBusy(device, setup);
+    FunctionCommand(device);
+    const std::string published = "\n" + device.Variables().Text("ScriptFunctions") + "\n";
+    for (const std::string& function : functions)
+        if (published.find("\n" + function + "\n") == std::string::npos)
+            throw Skipped("the module runs no script: behind Start its variable ScriptFunctions does not name the "
+                          "script's function " +
+                          function);
+}
+
+std::string StartEither(HostedDevice& device, const std::string& setup) {
+    try {
+        StartScript(device, setup);
+        return {};
+    } catch (const Skipped& reason) {
+        device->Start();
+        return reason.what();
+    }
+}
+
+void CallScript(HostedDevice& device, const std::vector<std::string>& texts, ContextTally& tally) {
+    const std::int32_t command = FunctionCommand(device);
+    Trial::ExpectCode(device.Send(command, texts, &tally), KXP_OK,
+                      "IKXPDevice::ExecuteCommand(" + std::to_string(command) + ", " + texts[0] + ")");
 }

@@ -4,6 +4,7 @@ const std::vector<Case>& AllCases() {
     static const std::vector<Case> cases = {
         {"faces", "every object answers QueryInterface by the contract, and alike for each of its faces",
          &AnswersForFaces},
+        {"stated-answers", "what the headers state as a number, a text or a code is answered so", &AnswersAsStated},
         {"null-arguments", "null arguments get the answers of the contract, in every operation", &TakesNulls},
         {"garbage-arguments", "arguments without a meaning harm nothing, in any operation", &TakesGarbage},
         {"huge-arguments", "long texts and the ends of the numbers harm nothing, in any operation",
@@ -30,15 +31,23 @@ const std::vector<Case>& AllCases() {
         {"stops-and-starts", "a device stops and starts any number of times", &StopsAndStartsOften},
         {"many-devices", "many devices live at once, and are counted", &TakesManyDevices},
         {"loads", "the module comes and goes any number of times", &LoadsOften},
-        {"module-goes-first", "a module that is released before its devices lets go of them", &LetsGoOfDevices},
+        {"module-goes-first",
+         "a module that is released before its devices leaves them to the host, which releases each", &LetsGoOfDevices},
         {"panels", "a panel may go before its device and after it", &LetsGoOfPanels},
+        {"given-back", "the texts, devices, panels and commands that are given back leave no memory behind",
+         &FreesWhatIsGivenBack},
         {"nothing-left-behind", "threads, descriptors and memory are as before when everything is gone",
          &LeavesNothingBehind},
+        {"host-objects-kept", "the module releases nothing of the host's that it has no reference of",
+         &KeepsHostObjects},
         {"threads-as-promised", "the module calls the host on the threads that the headers promise", &KeepsToThreads},
-        {"process-left-alone", "locale, folder, signals, masks, rounding and environment stay as they were",
+        {"process-left-alone",
+         "locale, folder, signals, masks, rounding, environment and standard streams stay as they were",
          &LeavesProcessAlone},
         {"calls-from-inside", "the host may call the module from inside each of its own operations",
          &TakesCallsFromInside},
+        {"released-when-asked", "a device that the host releases when it is asked for something asks for nothing more",
+         &AsksNothingOnceReleased},
     };
     return cases;
 }

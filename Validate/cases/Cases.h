@@ -15,6 +15,7 @@ struct Case {
 const std::vector<Case>& AllCases();
 
 void AnswersForFaces(Trial& trial);
+void AnswersAsStated(Trial& trial);
 void TakesNulls(Trial& trial);
 void TakesGarbage(Trial& trial);
 void TakesHugeArguments(Trial& trial);
@@ -36,7 +37,10 @@ void TakesManyDevices(Trial& trial);
 void LoadsOften(Trial& trial);
 void LetsGoOfDevices(Trial& trial);
 void LetsGoOfPanels(Trial& trial);
+void FreesWhatIsGivenBack(Trial& trial);
 void LeavesNothingBehind(Trial& trial);
+void KeepsHostObjects(Trial& trial);
 void KeepsToThreads(Trial& trial);
 void LeavesProcessAlone(Trial& trial);
 void TakesCallsFromInside(Trial& trial);
+void AsksNothingOnceReleased(Trial& trial);

@@ -6,37 +6,43 @@
 
 namespace {
 
-/// A flood of commands to a device that works meanwhile.
-/// @return how many were taken.
-int Flood(HostedDevice& device, ContextTally& tally, int count, const std::string& argument = "x") {
-    const std::int32_t command = FunctionCommand(device);
-    int taken = 0;
+/// A flood of commands to a device that works meanwhile, each of which has to be taken.
+void Flood(HostedDevice& device, ContextTally& tally, int count, const std::string& argument = "x") {
     for (int number = 0; number < count; ++number)
-        taken += device.Send(command, CallOfWork(argument), &tally) == KXP_OK ? 1 : 0;
-    return taken;
+        CallScript(device, CallOfWork(argument), tally);
+}
+
+void ExpectEnds(ContextTally& tally) {
+    const bool isInTime = tally.WaitUntilEnded(kTrialWait);
+    const std::lock_guard<std::mutex> guard(tally.lock);
+    Trial::Expect(isInTime,
+                  std::to_string(tally.ended) + " contexts of " + std::to_string(tally.begun) +
+                      " that were begun have ended in " + std::to_string(kTrialWait.count()) +
+                      " s, on a running device",
+                  "all of them");
 }
 
 } // namespace
 
 void EndsContextsOnce(Trial& trial) {
+    constexpr int kCommands = 200;
     ModuleHost host;
     LoadOrFail(host, trial);
     for (int round = trial.Times(2000, 4); round > 0; --round) {
         ContextTally tally;
         HostedDevice device(host);
-        StartBusy(device);
+        StartScript(device);
         trial.Step("200 commands, then " + std::string(round % 2 == 0 ? "Stop" : "their ends"));
-        const int taken = Flood(device, tally, 200);
+        Flood(device, tally, kCommands);
         if (round % 2 != 0)
-            Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the contexts end without a Stop");
+            ExpectEnds(tally);
         device.End();
         const std::lock_guard<std::mutex> guard(tally.lock);
-        Trial::Expect(taken > 0, "a running device takes commands");
-        Trial::Expect(tally.begun == taken,
-                      std::to_string(tally.begun) + " contexts of " + std::to_string(taken) + " were begun");
-        Trial::Expect(tally.ended == taken,
-                      std::to_string(tally.ended) + " contexts of " + std::to_string(taken) + " were ended");
-        Trial::Expect(tally.wrong == 0, "no context is begun or ended twice");
+        Trial::ExpectCount(tally.begun, kCommands, "contexts of accepted commands were begun");
+        Trial::ExpectCount(tally.ended, kCommands, "contexts that were begun have ended behind Release of the device");
+        Trial::ExpectCount(tally.wrong, 0, "contexts were begun or ended twice");
+        Trial::ExpectCount(HostContext::ReferencesOut(), 0,
+                           "references of contexts were not given back behind Release of the device");
     }
 }
 
@@ -47,11 +53,11 @@ void LetsGoOfParameters(Trial& trial) {
     const std::string longText(100000, 'x'); // takes its time
     ContextTally tally;
     HostedDevice device(host);
-    StartBusy(device);
+    StartScript(device);
     for (int round = trial.Times(2000, 10); round > 0; --round) {
         trial.Step("20 commands whose parameters go with their contexts");
         Flood(device, tally, 20, longText);
-        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the contexts end");
+        ExpectEnds(tally);
     }
     device.End();
 }
@@ -62,14 +68,14 @@ void GivesTextsBack(Trial& trial) {
     {
         ContextTally tally;
         HostedDevice device(host);
-        StartBusy(device);
+        StartScript(device);
         for (int round = trial.Times(1000, 3); round > 0; --round) {
             trial.Step("100 commands");
             Flood(device, tally, 100);
-            Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the contexts end");
+            ExpectEnds(tally);
         }
     }
-    Trial::Expect(HostValue::TextsOut() == 0, std::to_string(HostValue::TextsOut()) + " texts were not given back");
+    Trial::ExpectCount(HostValue::TextsOut(), 0, "texts of GetValueAsString were not given back with ReleaseString");
 }
 
 namespace {
@@ -104,13 +110,17 @@ public:
     }
     int Heard() const { return m_heard; }
     int HeardOnMain() const { return m_heardOnMain; }
+    /// What was wrong on the main thread. Nothing is thrown through the module.
+    const std::string& Wrong() const { return m_wrong; }
 
 private:
     void AskOnMain(const std::string& call, int number) {
         ++m_heardOnMain;
         std::uint32_t count = 0;
         m_host.Module().GetDeviceCount(&count);
-        Trial::Expect(count == 1, "GetDeviceCount from inside");
+        if (count != 1)
+            m_wrong =
+                "IKXPModule::GetDeviceCount from inside " + call + " gives " + std::to_string(count) + "; promised: 1";
         m_device->SetName("from inside");
         m_device.Setup();
         if (call == "SetDefinition" || call == "GetVariable" || number % kSetupEach == 0)
@@ -127,6 +137,7 @@ private:
     ContextTally& m_tally;
     const std::int32_t m_command;
     const std::thread::id m_main = std::this_thread::get_id();
+    std::string m_wrong; ///< of the main thread
     std::atomic<int> m_heard{0};
     std::atomic<int> m_heardOnMain{0};
 };
@@ -140,14 +151,18 @@ void TakesCallsFromInside(Trial& trial) {
     HostedDevice device(host);
     Insider insider(trial, host, device, tally);
     host.hearing = [&](const char* call) { insider.Hear(call); };
-    StartBusy(device);
+    StartScript(device);
     for (int round = trial.Times(400, 2); round > 0; --round) {
         Flood(device, tally, 50);
         device->SetSetup(BusySetup(", Other: function () {}").c_str());
-        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the contexts end");
+        ExpectEnds(tally);
     }
     device.End();
     host.hearing = nullptr; // the device is gone
-    Trial::Expect(insider.HeardOnMain() > 0, "the module asks the host for something on its main thread");
-    Trial::Expect(insider.Heard() > insider.HeardOnMain(), "and on others");
+    if (!insider.Wrong().empty())
+        throw Finding(insider.Wrong());
+    Trial::Expect(insider.HeardOnMain() > 0, "the module asks the host for nothing on its main thread",
+                  "at least its variables");
+    Trial::Expect(insider.Heard() > insider.HeardOnMain(), "the module asks the host for nothing on its other threads",
+                  "at least the values of a script");
 }

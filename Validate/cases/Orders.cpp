@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "BusyScript.h"
 #include "Cases.h"
@@ -11,7 +12,7 @@ struct Scene {
     explicit Scene(ModuleHost& itsHost)
         : host(itsHost)
         , variables(new HostVariables(host.hearing)) {
-        Trial::ExpectCode(host.Module().CreateDevice(nullptr, &device), KXP_OK, "CreateDevice");
+        Trial::ExpectCode(host.Module().CreateDevice(nullptr, &device), KXP_OK, "IKXPModule::CreateDevice(null, out)");
     }
     ~Scene() {
         for (IKXPDevice* one : {device, spare})
@@ -26,10 +27,13 @@ struct Scene {
     Scene(const Scene&) = delete;
     Scene& operator=(const Scene&) = delete;
 
-    /// A device whose module is gone refuses.
-    void ExpectCode(KXPCode code, KXPCode expected, const char* operation,
-                    KXPCode refusal = KXP_NOT_IMPLEMENTED) const {
-        Trial::ExpectCode(code, isModuleGone ? refusal : expected, operation);
+    /// A device whose module is gone refuses: with 19, or with what the operation answers when it has nothing to give.
+    void ExpectCode(KXPCode code, KXPCode expected, const std::string& call,
+                    KXPCode nothing = KXP_NOT_IMPLEMENTED) const {
+        if (!isModuleGone)
+            Trial::ExpectCode(code, expected, "IKXPDevice::" + call);
+        else if (code != nothing)
+            Trial::ExpectCode(code, KXP_NOT_IMPLEMENTED, "IKXPDevice::" + call + " of a device whose module is gone");
     }
 
     ModuleHost& host;
@@ -55,9 +59,13 @@ struct Call {
 void ExpectCount(Scene& s) {
     std::uint32_t count = 0;
     s.host.Module().GetDeviceCount(&count);
-    const std::uint32_t expected = (s.device != nullptr ? 1 : 0) + (s.spare != nullptr ? 1 : 0);
-    Trial::Expect(count == expected, "GetDeviceCount gives " + std::to_string(expected));
-    Trial::Expect((s.host.Module().GetDevice(0) != nullptr) == (expected > 0), "GetDevice gives a device that is");
+    const int expected = (s.device != nullptr ? 1 : 0) + (s.spare != nullptr ? 1 : 0);
+    Trial::ExpectCount(count, expected, "devices are counted by IKXPModule::GetDeviceCount");
+    const bool isThere = s.host.Module().GetDevice(0) != nullptr;
+    Trial::Expect(isThere == (expected > 0),
+                  std::string("IKXPModule::GetDevice(0) gives ") + (isThere ? "a device" : "null") + " of " +
+                      std::to_string(expected),
+                  isThere ? "null" : "a device");
 }
 
 void MakeSpare(Scene& s) {
@@ -67,33 +75,33 @@ void MakeSpare(Scene& s) {
 }
 
 void ReleaseModule(Scene& s) {
-    Trial::ExpectCode(s.host.Module().Release(), KXP_OK, "Release of the module");
+    Trial::ExpectCode(s.host.Module().Release(), KXP_OK, "IKXPModule::Release()");
     s.isModuleGone = true;
     s.isRunning = false;
 }
 
 void ReleaseDevice(Scene& s) {
-    Trial::ExpectCode(std::exchange(s.device, nullptr)->Release(), KXP_OK, "Release of the device");
+    Trial::ExpectCode(std::exchange(s.device, nullptr)->Release(), KXP_OK, "IKXPDevice::Release()");
     s.isRunning = false;
 }
 
 void Start(Scene& s) {
-    s.ExpectCode(s.device->Start(), KXP_OK, "Start");
+    s.ExpectCode(s.device->Start(), KXP_OK, "Start()");
     s.isRunning = !s.isModuleGone;
 }
 
 void Stop(Scene& s) {
-    s.ExpectCode(s.device->Stop(), KXP_OK, "Stop");
+    s.ExpectCode(s.device->Stop(), KXP_OK, "Stop()");
     s.isRunning = false;
 }
 
 void ExpectRunning(Scene& s) {
-    Trial::ExpectCode(s.device->IsRunning(), s.isRunning ? KXP_OK : KXP_NO, "IsRunning");
+    s.ExpectCode(s.device->IsRunning(), s.isRunning ? KXP_OK : KXP_NO, "IsRunning()", KXP_NO);
 }
 
 void ReadSetup(Scene& s) {
     char* text = nullptr;
-    s.ExpectCode(s.device->GetSetup(&text), KXP_OK, "GetSetup");
+    s.ExpectCode(s.device->GetSetup(&text), KXP_OK, "GetSetup(out)");
     if (text != nullptr)
         s.device->ReleaseString(&text);
 }
@@ -101,12 +109,12 @@ void ReadSetup(Scene& s) {
 void Execute(Scene& s) {
     HostParams params(CallOfWork("x"), s.host.hearing);
     const KXPCode code = s.device->ExecuteCommand(123456, &params, nullptr);
-    Trial::Expect(code != KXP_OK, "ExecuteCommand of an unknown command is refused");
+    Trial::Expect(code != KXP_OK, "IKXPDevice::ExecuteCommand(123456, ...) answers 0", "a refusal");
 }
 
 void MakePanel(Scene& s) {
     IKXPDevicePanel* panel = nullptr;
-    s.ExpectCode(s.device->CreatePanel(9, &panel), KXP_NOT_IMPLEMENTED, "CreatePanel of an unknown kind");
+    s.ExpectCode(s.device->CreatePanel(9, &panel), KXP_NOT_IMPLEMENTED, "CreatePanel(9, out)");
 }
 
 constexpr Call kCalls[] = {
@@ -125,26 +133,29 @@ constexpr Call kCalls[] = {
     {Call::Device, "QueryInterface",
      [](Scene& s) {
          void* face = nullptr;
-         s.ExpectCode(s.device->QueryInterface("IKXPDevice", &face), KXP_OK, "QueryInterface", KXP_NO_INTERFACE);
+         const KXPCode code = s.device->QueryInterface("IKXPDevice", &face);
+         if (code != KXP_OK || !s.isModuleGone) // a device whose module is gone may answer as before
+             s.ExpectCode(code, KXP_OK, "QueryInterface(IKXPDevice, out)", KXP_NO_INTERFACE);
      }},
     {Call::Device, "SetDeviceVariables", [](Scene& s) { s.device->SetDeviceVariables(s.variables.get()); }},
     {Call::Device, "QueryCapability",
-     [](Scene& s) { s.ExpectCode(s.device->QueryCapability(1), KXP_OK, "QueryCapability", KXP_NO); }},
+     [](Scene& s) { s.ExpectCode(s.device->QueryCapability(1), KXP_OK, "QueryCapability(1)", KXP_NO); }},
     {Call::Device, "SetName", [](Scene& s) { s.device->SetName("desk"); }},
-    {Call::Device, "GetName", [](Scene& s) { Trial::Expect(s.device->GetName() != nullptr, "GetName gives a text"); }},
+    {Call::Device, "GetName",
+     [](Scene& s) { Trial::Expect(s.device->GetName() != nullptr, "IKXPDevice::GetName() gives null", "a text"); }},
     {Call::Device, "IsRunning", &ExpectRunning},
     {Call::Device, "Start", &Start},
     {Call::Device, "Stop", &Stop},
     {Call::Device, "OnTimerailEvent",
-     [](Scene& s) { s.ExpectCode(s.device->OnTimerailEvent(nullptr, 1), KXP_OK, "OnTimerailEvent"); }},
+     [](Scene& s) { s.ExpectCode(s.device->OnTimerailEvent(nullptr, 1), KXP_OK, "OnTimerailEvent(null, 1)"); }},
     {Call::Device, "GetBitmap", [](Scene& s) { s.device->GetBitmap(); }},
     {Call::Device, "GetSetup", &ReadSetup},
     {Call::Device, "SetSetup",
-     [](Scene& s) { s.ExpectCode(s.device->SetSetup(BusySetup().c_str()), KXP_OK, "SetSetup"); }},
+     [](Scene& s) { s.ExpectCode(s.device->SetSetup(BusySetup().c_str()), KXP_OK, "SetSetup(a script)"); }},
     {Call::Device, "UpdateCommand",
      [](Scene& s) {
          char* out = nullptr;
-         Trial::ExpectCode(s.device->UpdateCommand("<x/>", &out), KXP_NOT_IMPLEMENTED, "UpdateCommand");
+         s.ExpectCode(s.device->UpdateCommand("<x/>", &out), KXP_NOT_IMPLEMENTED, "UpdateCommand(<x/>, out)");
      }},
     {Call::Device, "ExecuteCommand", &Execute},
     {Call::Device, "GetDefinition", [](Scene& s) { s.device->GetDefinition(); }},
@@ -166,7 +177,7 @@ void BringTo(Scene& scene, std::uint32_t stage) {
     if (stage > 0) {
         scene.device->SetDeviceVariables(scene.variables.get());
         scene.device->SetName("desk");
-        Trial::ExpectCode(scene.device->SetSetup(BusySetup().c_str()), KXP_OK, "SetSetup");
+        Trial::ExpectCode(scene.device->SetSetup(BusySetup().c_str()), KXP_OK, "IKXPDevice::SetSetup(a script)");
         scene.device->GetDefinition();
     }
     if (stage > 1)

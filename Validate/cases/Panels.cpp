@@ -1,5 +1,6 @@
 #include "BusyScript.h"
 #include "Cases.h"
+#include "Faces.h"
 #include "IKXPDevicePanel.h"
 
 namespace {
@@ -9,20 +10,19 @@ IKXPDevicePanel* MakePanel(HostedDevice& device) {
     const KXPCode code = device->CreatePanel(1, &panel);
     if (code == KXP_NOT_IMPLEMENTED && panel == nullptr)
         throw Skipped("the module has no panel to give here");
-    Trial::ExpectCode(code, KXP_OK, "CreatePanel");
-    Trial::Expect(panel != nullptr, "CreatePanel gives a panel");
+    Trial::ExpectCode(code, KXP_OK, "IKXPDevice::CreatePanel(1)");
+    Trial::Expect(panel != nullptr, "IKXPDevice::CreatePanel(1) answers 0 and gives null", "a panel");
     return panel;
 }
 
 /// What a host asks of a panel that it shows.
 void Use(IKXPDevicePanel& panel) {
-    void* out = nullptr;
-    Trial::ExpectCode(panel.QueryInterface("INobodyHasThis", &out), KXP_NO_INTERFACE, "the panel's QueryInterface");
-    Trial::Expect(panel.GetName() != nullptr, "a panel has a name");
-    Trial::Expect(!panel.GetBounds(nullptr), "GetBounds into null");
+    ExpectExactNames(panel, {"IKXPDevicePanel"}, "IKXPDevicePanel");
+    Trial::Expect(panel.GetName() != nullptr, "IKXPDevicePanel::GetName() gives null", "a text");
+    Trial::Expect(!panel.GetBounds(nullptr), "IKXPDevicePanel::GetBounds(null) gives true", "false");
     panel.GetWindow();
     panel.SetState(KXP_PANEL_STATE, 7);
-    Trial::Expect(panel.GetState() == 7, "GetState gives what SetState was given");
+    Trial::ExpectCode(panel.GetState(), 7, "IKXPDevicePanel::GetState() behind SetState(1, 7)");
     panel.SetState(KXP_PANEL_VISIBLE, 1);
     panel.SetState(KXP_PANEL_VISIBLE, 0);
 }
@@ -46,13 +46,13 @@ void LetsGoOfPanels(Trial& trial) {
         Use(*panel);
         if (round % 2 == 0) {
             trial.Step("a panel that is released first");
-            Trial::ExpectCode(panel->Release(), KXP_OK, "the panel's Release");
+            Trial::ExpectCode(panel->Release(), KXP_OK, "IKXPDevicePanel::Release()");
             device.End();
         } else {
             trial.Step("a panel that outlives its device");
             device.End();
             Use(*panel);
-            Trial::ExpectCode(panel->Release(), KXP_OK, "the panel's Release");
+            Trial::ExpectCode(panel->Release(), KXP_OK, "IKXPDevicePanel::Release()");
         }
     }
 }

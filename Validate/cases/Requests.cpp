@@ -105,8 +105,14 @@ void ExpectText(HostedDevice& device, const Way& way, bool isLater) {
     if (isLater && way.end == EndAt::Never)
         return;
     const std::string text = isLater ? kAnswer : way.text;
-    Trial::Expect(WaitForText(device, "Got", text),
-                  "the script gets \"" + text + "\", not \"" + device.Variables().Text("Got") + "\"");
+    const bool isThere = WaitForText(device, "Got", text);
+    Trial::Expect(isThere, "the script gets \"" + device.Variables().Text("Got") + "\" as the answer",
+                  "\"" + text + "\"");
+}
+
+void ExpectEnd(ContextTally& tally, const std::string& when) {
+    Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the context of the command that asks does not end" + when,
+                  "it ends with the host's answer, or with Stop");
 }
 
 void Ask(Trial& trial, const Way& way, const std::string& function) {
@@ -124,27 +130,28 @@ void Ask(Trial& trial, const Way& way, const std::string& function) {
     };
     LoadOrFail(host, trial);
     HostedDevice device(host);
-    StartBusy(device, AskingSetup());
+    StartScript(device, AskingSetup(), {"Ask", "AskLater"});
     std::vector<std::string> texts(kFunctionParameters);
     texts[0] = function;
-    Trial::ExpectCode(device.Send(FunctionCommand(device), texts, &tally), KXP_OK, "ExecuteCommand");
+    CallScript(device, texts, tally);
     if (way.text != nullptr) {
-        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the command that asks ends");
+        ExpectEnd(tally, "");
         ExpectText(device, way, function == "AskLater");
     } else {
         const auto end = std::chrono::steady_clock::now() + kTrialWait;
         while (!isAsked && std::chrono::steady_clock::now() < end)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        Trial::Expect(isAsked, "the script's request reaches the host");
+        Trial::Expect(isAsked, "the host gets no request from " + function, "IManagerRemote2::Perform");
         trial.Step(function + ", " + way.name + ": Stop");
         device->Stop();
-        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the command that asks ends with Stop");
+        ExpectEnd(tally, " behind Stop");
         clerk.Pass(EndAt::BehindStop);
     }
     trial.Step(function + ", " + way.name + ": Release");
     device.End();
     clerk.Pass(EndAt::BehindRelease);
-    Trial::Expect(tally.wrong == 0 && tally.ended == tally.begun, "the command's context is ended once");
+    Trial::ExpectCount(tally.ended, 1, "ends of the context of the command that asks");
+    Trial::ExpectCount(tally.wrong, 0, "Begins or Ends too many of the context of the command that asks");
 }
 
 } // namespace
@@ -163,15 +170,16 @@ void AnswersOnOlderLink(Trial& trial) {
         host.OfferOlderLink();
         LoadOrFail(host, trial);
         HostedDevice device(host);
-        StartBusy(device, AskingSetup());
+        StartScript(device, AskingSetup(), {"Ask"});
         trial.Step("a request on the older link");
         std::vector<std::string> texts(kFunctionParameters);
         texts[0] = "Ask";
-        Trial::ExpectCode(device.Send(FunctionCommand(device), texts, &tally), KXP_OK, "ExecuteCommand");
-        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the command that asks ends");
-        Trial::Expect(WaitForText(device, "Got", "Perform"), "the script gets the text of the link");
+        CallScript(device, texts, tally);
+        ExpectEnd(tally, "");
+        const bool isThere = WaitForText(device, "Got", "Perform");
+        Trial::Expect(isThere, "the script gets \"" + device.Variables().Text("Got") + "\" as the answer",
+                      "\"Perform\", the text of the link");
         device.End();
-        Trial::Expect(host.OlderLink().TextsOut() == 0,
-                      std::to_string(host.OlderLink().TextsOut()) + " texts of the link were not given back");
+        Trial::ExpectCount(host.OlderLink().TextsOut(), 0, "texts of the older link were not given back with FreeText");
     }
 }

@@ -48,8 +48,10 @@ std::vector<double> Latencies(std::vector<std::unique_ptr<HostedDevice>>& others
         HostedDevice& device = *others[static_cast<std::size_t>(number) % others.size()];
         ContextTally tally;
         const auto begin = std::chrono::steady_clock::now();
-        Trial::ExpectCode(device.Send(FunctionCommand(device), CallOfWork("x"), &tally), KXP_OK, "ExecuteCommand");
-        Trial::Expect(tally.WaitUntilEnded(kTrialWait), "another device answers");
+        CallScript(device, CallOfWork("x"), tally);
+        Trial::Expect(tally.WaitUntilEnded(kTrialWait),
+                      "a command of another device does not end in " + std::to_string(kTrialWait.count()) + " s",
+                      "it ends, whatever other scripts do");
         const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - begin;
         all.push_back(taken.count());
     }
@@ -61,19 +63,21 @@ void Meet(Trial& trial, ModuleHost& host, const Runaway& runaway, std::vector<st
     ContextTally tally;
     HostedDevice device(host, "runaway");
     trial.Step("the script of the kind: " + std::string(runaway.name));
-    StartBusy(device, SetupOf(runaway));
+    StartScript(device, SetupOf(runaway), {"Run"});
     std::vector<std::string> texts(kFunctionParameters);
     texts[0] = "Run";
-    Trial::ExpectCode(device.Send(FunctionCommand(device), texts, &tally), KXP_OK, "ExecuteCommand");
+    CallScript(device, texts, tally);
     if (!WaitForText(device, "Level", kInside)) {
         device.GiveUp()->Release(); // a Stop would wait for it
-        throw Finding("the script writes its variable and runs on");
+        throw Finding("the variable Level of a script that then runs on stays as it was; promised: what it wrote");
     }
     trial.Step("other devices beside " + std::string(runaway.name));
     const std::vector<double> latencies = Latencies(others, trial.Times(2000, 20));
     trial.Step("Release of a device with " + std::string(runaway.name));
     device.GiveUp()->Release();
-    Trial::Expect(tally.WaitUntilEnded(kTrialWait), "the command of a script that never returns ends with Release");
+    Trial::Expect(tally.WaitUntilEnded(kTrialWait),
+                  "the context of a command whose script never returns does not end behind Release of the device",
+                  "it ends");
     char line[120];
     std::snprintf(line, sizeof line, "%-26s others answer in %.2f ms, %.1f ms at worst", runaway.name,
                   latencies[latencies.size() / 2], latencies.back());
@@ -90,7 +94,7 @@ void BearsRunaways(Trial& trial) {
     std::vector<std::unique_ptr<HostedDevice>> others;
     while (others.size() < kOthers) {
         others.push_back(std::make_unique<HostedDevice>(host, "desk " + std::to_string(others.size())));
-        StartBusy(*others.back());
+        StartScript(*others.back());
     }
     for (const Runaway& runaway : kRunaways)
         Meet(trial, host, runaway, others);

@@ -6,12 +6,9 @@
 #include <stdexcept>
 #include <string>
 
-/// What a case finds wrong ends it.
-struct Finding : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
+#include "Finding.h"
 
-/// A case does not apply to this module.
+/// A case does not apply to this module, or has tested nothing. The text is the reason.
 struct Skipped : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -38,14 +35,19 @@ public:
     void Step(const std::string& what) const;
     /// Something about the module that who reads the results should know, whether the case passes or not.
     void Note(const std::string& what) const;
-    /// @param what what should have been.
-    static void Expect(bool isSo, const std::string& what) {
+    /// Ends the case with a finding unless it is so. @param found what is, with the operation and its arguments.
+    /// @param promised what the headers say.
+    static void Expect(bool isSo, const std::string& found, const std::string& promised) {
         if (!isSo)
-            throw Finding(what);
+            throw Finding(found + "; promised: " + promised);
     }
-    static void ExpectCode(std::uint32_t code, std::uint32_t expected, const std::string& operation) {
-        Expect(code == expected,
-               operation + " answers " + std::to_string(code) + ", expected " + std::to_string(expected));
+    /// @param call the operation with its arguments.
+    static void ExpectCode(std::uint32_t code, std::uint32_t expected, const std::string& call) {
+        Expect(code == expected, call + " answers " + std::to_string(code), std::to_string(expected));
+    }
+    /// A number of things that have to be there, or to be gone.
+    static void ExpectCount(long count, long expected, const std::string& things) {
+        Expect(count == expected, std::to_string(count) + " " + things, std::to_string(expected));
     }
 
 private:

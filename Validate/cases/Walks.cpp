@@ -47,13 +47,13 @@ private:
     }
     void Start() {
         OnOne("Start", [](Known& known) {
-            Trial::ExpectCode((*known.device)->Start(), KXP_OK, "Start");
+            Trial::ExpectCode((*known.device)->Start(), KXP_OK, "IKXPDevice::Start()");
             known.isRunning = true;
         });
     }
     void Stop() {
         OnOne("Stop", [](Known& known) {
-            Trial::ExpectCode((*known.device)->Stop(), KXP_OK, "Stop");
+            Trial::ExpectCode((*known.device)->Stop(), KXP_OK, "IKXPDevice::Stop()");
             known.isRunning = false;
         });
     }
@@ -72,28 +72,35 @@ private:
     }
     void BadSetup() {
         OnOne("SetSetup of no setup", [](Known& known) {
-            Trial::ExpectCode((*known.device)->SetSetup("<Other/>"), KXP_BAD_SETUP, "SetSetup of another root");
+            Trial::ExpectCode((*known.device)->SetSetup("<Other/>"), KXP_BAD_SETUP, "IKXPDevice::SetSetup(<Other/>)");
         });
     }
     void Work() {
         OnOne("ExecuteCommand", [this](Known& known) {
             const KXPCode code = known.device->Send(m_function, CallOfWork("x"), &m_tally);
             Trial::Expect(code == KXP_OK || code == KXP_BAD_COMMAND || code == KXP_SCRIPT_FAILED,
-                          "ExecuteCommand answers " + std::to_string(code));
+                          "IKXPDevice::ExecuteCommand(" + std::to_string(m_function) + ", Work) answers " +
+                              std::to_string(code),
+                          "0, 1 or 3");
         });
     }
     void Unknown() {
         OnOne("ExecuteCommand of an unknown command", [](Known& known) {
             Trial::ExpectCode(known.device->Send(123456, {"a"}), KXP_BAD_COMMAND,
-                              "ExecuteCommand of an unknown command");
+                              "IKXPDevice::ExecuteCommand(123456, ...)");
         });
     }
     void Look() {
         OnOne("IsRunning, GetName, GetDefinition", [](Known& known) {
             IKXPDevice& device = **known.device;
-            Trial::ExpectCode(device.IsRunning(), known.isRunning ? KXP_OK : KXP_NO, "IsRunning");
-            Trial::Expect(device.GetName() == known.name, "GetName gives \"" + known.name + "\"");
-            Trial::Expect(device.GetDefinition() != nullptr, "there is a definition");
+            Trial::ExpectCode(device.IsRunning(), known.isRunning ? KXP_OK : KXP_NO, "IKXPDevice::IsRunning()");
+            const char* const name = device.GetName();
+            Trial::Expect(name != nullptr && known.name == name,
+                          "IKXPDevice::GetName() gives " + (name != nullptr ? "\"" + std::string(name) + "\"" : "null"),
+                          "\"" + known.name +
+                              "\", from the last SetName, or from the Name of a setup that was applied "
+                              "since");
+            device.GetDefinition();
         });
     }
 
@@ -111,7 +118,8 @@ private:
     void ExpectCount() {
         std::uint32_t count = 0;
         m_host.Module().GetDeviceCount(&count);
-        Trial::Expect(count == m_devices.size(), "GetDeviceCount gives " + std::to_string(m_devices.size()));
+        Trial::ExpectCount(count, static_cast<long>(m_devices.size()),
+                           "devices are counted by IKXPModule::GetDeviceCount");
     }
 
     static constexpr std::size_t kMostDevices = 4;

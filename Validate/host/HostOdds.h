@@ -6,6 +6,7 @@
 #include "FaceAnswer.h"
 #include "IData.h"
 #include "IKXPDevicePanel.h"
+#include "Lent.h"
 
 /// @file
 /// What a host gives for the time of one call.
@@ -20,7 +21,7 @@ public:
     KXPCode QueryInterface(const char* name, void** out) override {
         return AnswerFace(name, out, {{"ITimeData", static_cast<ITimeData*>(this)}});
     }
-    KXPCode Release() override { return KXP_OK; }
+    KXPCode Release() override { return NoteRelease("ITimeData"); }
     const char* GetName() override { return m_name.c_str(); }
     KXPCode SetProperty(const char*, const char*, std::uint32_t, std::uint32_t) override { return KXP_OK; }
     const char* GetProperty(const char*) override { return nullptr; }

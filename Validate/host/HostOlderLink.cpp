@@ -20,9 +20,8 @@ KXPCode HostOlderLink::Do(const char* call) const {
 KXPCode HostOlderLink::Tell(const char* call, char** out) {
     if (out == nullptr)
         return KXP_NULL_ARGUMENT;
-    *out = static_cast<char*>(GuardedAllocate(std::strlen(call) + 1));
-    GuardedName(*out, "a text of the older link, which was given back");
-    std::strcpy(*out, call);
+    *out = GuardedCopy(call, std::strlen(call));
+    GuardedName(*out, "a text of the older link");
     ++m_textsOut;
     return Do(call);
 }

@@ -10,6 +10,7 @@
 #include "IIOResource.h"
 #include "IResourceProvider.h"
 #include "ISerialResource.h"
+#include "Lent.h"
 
 /// @file
 /// One resource of each kind. They take everything, do nothing, and know who hears of them.
@@ -28,7 +29,7 @@ public:
         return AnswerFace(name, out,
                           {{m_face, static_cast<Face*>(this)}, {"IResourceProxy", static_cast<IResourceProxy*>(this)}});
     }
-    KXPCode Release() override { return KXP_OK; }
+    KXPCode Release() override { return NoteRelease(m_face); }
     KXPCode Reserved3() override { return KXP_OK; }
     KXPCode Reserved4() override { return KXP_OK; }
     std::uint32_t GetState() override { return KXP_RESOURCE_OPEN; }
@@ -171,7 +172,7 @@ public:
     KXPCode QueryInterface(const char* name, void** out) override {
         return AnswerFace(name, out, {{"IResourceProvider", static_cast<IResourceProvider*>(this)}});
     }
-    KXPCode Release() override { return KXP_OK; }
+    KXPCode Release() override { return NoteRelease("IResourceProvider"); }
     IMInterface* GetResource(std::uint32_t kind, std::int32_t, std::uint32_t) override {
         if (m_hearing)
             m_hearing("GetResource");

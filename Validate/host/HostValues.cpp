@@ -8,6 +8,7 @@
 #include "FaceAnswer.h"
 
 std::atomic<int> HostValue::s_textsOut{0};
+std::atomic<int> HostContext::s_referencesOut{0};
 
 HostValue::HostValue(const char* kind, std::string name, std::string text, const Hearing& hearing)
     : m_name(std::move(name))
@@ -83,9 +84,8 @@ char* HostValue::GetValueAsString() {
     if (!m_hasText)
         return nullptr;
     const std::string text = Text();
-    auto* given = static_cast<char*>(GuardedAllocate(text.size() + 1));
-    GuardedName(given, "the text of a value, which was released");
-    std::memcpy(given, text.c_str(), text.size() + 1);
+    char* const given = GuardedCopy(text.c_str(), text.size());
+    GuardedName(given, "the text of a value");
     ++s_textsOut;
     return given;
 }
@@ -178,9 +178,32 @@ HostContext::HostContext(ContextTally& tally, std::unique_ptr<HostParams> params
 }
 
 KXPCode HostContext::QueryInterface(const char* name, void** out) {
-    return AnswerFace(
-        name, out,
-        {{"IMInterface", static_cast<IMInterface*>(this)}, {"IExecContext", static_cast<IExecContext*>(this)}});
+    return AnswerFace(name, out,
+                      {{"IMInterface", static_cast<IMInterface*>(this)},
+                       {"IExecContext", static_cast<IExecContext*>(this)},
+                       {"IExecContext2", static_cast<IExecContext2*>(this)}});
+}
+
+KXPCode HostContext::AddRef() {
+    ++m_references;
+    ++s_referencesOut;
+    return KXP_OK;
+}
+
+KXPCode HostContext::Release() {
+    --s_referencesOut;
+    Drop();
+    return KXP_OK;
+}
+
+void HostContext::Drop() {
+    if (--m_references == 0)
+        delete this;
+}
+
+void HostContext::Abandon() {
+    m_params.reset();
+    Drop();
 }
 
 KXPCode HostContext::Begin() {
@@ -197,11 +220,12 @@ KXPCode HostContext::End() {
     if (m_hearing)
         m_hearing("End");
     ContextTally& tally = m_tally;
-    const bool wasBegun = *m_isBegun;
-    delete this;
+    const bool isRight = *m_isBegun && !m_isEnded.exchange(true);
+    if (isRight)
+        Abandon();
     const std::lock_guard<std::mutex> guard(tally.lock);
     ++tally.ended;
-    if (!wasBegun)
+    if (!isRight)
         ++tally.wrong;
     tally.changed.notify_all();
     return KXP_OK;

@@ -14,6 +14,7 @@
 #include "IHostServices.h"
 #include "IKXPDevice.h"
 #include "IObjectParams.h"
+#include "Lent.h"
 
 /// @file
 /// What the host gives out: values, parameters and contexts. Each stands in guarded memory and goes as soon as the
@@ -35,7 +36,7 @@ public:
     static int TextsOut() { return s_textsOut; }
 
     KXPCode QueryInterface(const char* name, void** out) override;
-    KXPCode Release() override { return KXP_OK; }
+    KXPCode Release() override { return NoteRelease("IData"); }
     const char* GetName() override { return m_name.c_str(); }
     KXPCode SetProperty(const char* name, const char* value, std::uint32_t, std::uint32_t) override;
     const char* GetProperty(const char* name) override;
@@ -75,7 +76,7 @@ public:
     void Drop();
 
     KXPCode QueryInterface(const char* name, void** out) override;
-    KXPCode Release() override { return KXP_OK; }
+    KXPCode Release() override { return NoteRelease("IDeviceVariables"); }
     IData* GetVariable(const char* name) override;
     std::uint32_t SetDefinition(const char* xml) override;
 
@@ -93,7 +94,7 @@ public:
     void LoseTexts();
 
     KXPCode QueryInterface(const char* name, void** out) override;
-    KXPCode Release() override { return KXP_OK; }
+    KXPCode Release() override { return NoteRelease("IObjectParams"); }
     KXPCode SetProperty(const char* name, const char*, std::uint32_t, std::uint32_t) override;
     const char* GetProperty(const char*) override { return nullptr; }
     IObjectParam* GetParam(std::uint32_t index) override;
@@ -114,26 +115,40 @@ struct ContextTally {
     bool WaitUntilEnded(std::chrono::milliseconds limit);
 };
 
-/// The ticket of one command. It deletes itself and the parameters of its command with its End; who makes one that is
-/// never begun deletes it.
-class HostContext final : public IExecContext, public Guarded {
+/// The ticket of one command. With its End the parameters of the command go, and so does the host's reference: unless
+/// the module has taken one of its own, the context goes as well.
+class HostContext final : public IExecContext2, public Guarded {
 public:
     HostContext(ContextTally& tally, std::unique_ptr<HostParams> params, const Hearing& hearing);
 
     /// Becomes true with Begin; outlives this object.
     std::shared_ptr<const std::atomic<bool>> IsBegun() const { return m_isBegun; }
+    /// The command was refused.
+    void Abandon();
+    /// References that the module has taken and not given back, of all contexts: they may outlive the tally.
+    static int ReferencesOut() { return s_referencesOut; }
 
     KXPCode QueryInterface(const char* name, void** out) override;
-    KXPCode Release() override { return KXP_OK; }
+    KXPCode Release() override;
     KXPCode SetErrorCode(KXPCode) override { return KXP_OK; }
     KXPCode Begin() override;
     KXPCode End() override;
     KXPCode Reserved4(void*) override { return KXP_NOT_IMPLEMENTED; }
     KXPCode Reserved5(void*) override { return KXP_NOT_IMPLEMENTED; }
+    KXPCode AddRef() override;
+    KXPCode Reserved7(void*) override { return KXP_NOT_IMPLEMENTED; }
+    KXPCode Reserved8(void*, void*, void*) override { return KXP_NOT_IMPLEMENTED; }
+    KXPCode SetResultText(const char*) override { return KXP_OK; }
+    std::uint32_t GetState() override { return m_isEnded ? 2 : (*m_isBegun ? 1 : 0); }
 
 private:
+    void Drop();
+
     ContextTally& m_tally;
     std::unique_ptr<HostParams> m_params;
     const Hearing& m_hearing;
     const std::shared_ptr<std::atomic<bool>> m_isBegun = std::make_shared<std::atomic<bool>>(false);
+    std::atomic<bool> m_isEnded{false};
+    std::atomic<int> m_references{1}; ///< the host's, which goes with End, and those of the module
+    static std::atomic<int> s_referencesOut;
 };

@@ -1,35 +1,51 @@
 #include "ModuleHost.h"
 
 #include <cstring>
+#include <exception>
 #include <filesystem>
-#include <stdexcept>
 #include <utility>
 
+#include "CommandTags.h"
 #include "FaceAnswer.h"
+#include "Finding.h"
 
 ModuleHost::ModuleHost()
     : m_folder((std::filesystem::temp_directory_path() / "kxpvalidate-XXXXXX").string()) {
     if (mkdtemp(m_folder.data()) == nullptr)
-        throw std::runtime_error("there is no room for temporary files");
+        throw Finding("there is no room for temporary files; promised: nothing, this is the machine's fault");
 }
 
 ModuleHost::~ModuleHost() {
     Unload();
+    if (std::uncaught_exceptions() > 0)
+        static_cast<void>(m_library.release()); // what was thrown may be of a type of the module's
     std::error_code ignored;
     std::filesystem::remove_all(m_folder, ignored);
 }
 
-std::string ModuleHost::Load(const std::string& file) {
-    if (!m_library.Open(file))
-        return m_library.GetError();
-    const auto entry = m_library.FindFunction<KXPCode (*)(IKXPModule**)>("GetKXPEntryPoint");
-    if (entry == nullptr)
+std::string ModuleHost::Open(const std::string& file) {
+    if (!m_library->Open(file))
+        return m_library->GetError();
+    m_entry = m_library->FindFunction<KXPEntryPoint>(KXP_ENTRY_POINT_NAME);
+    if (m_entry == nullptr)
         return file + " has no GetKXPEntryPoint";
-    if (entry(&m_module) != KXP_OK || m_module == nullptr)
-        return "GetKXPEntryPoint gives no module";
-    m_module->Initialize(Root(), nullptr, nullptr);
-    m_module->SetDeviceHost(this);
+    const KXPCode code = CallModule("GetKXPEntryPoint", [this] { return m_entry(&m_module); });
+    if (code != KXP_OK || m_module == nullptr)
+        return "GetKXPEntryPoint answers " + std::to_string(code) + " and gives " +
+               (m_module == nullptr ? "no module" : "a module") + "; promised: 0 and a module";
+    CallModule("IKXPModule::Initialize", [this] { return m_module->Initialize(Root(), nullptr, nullptr); });
     return {};
+}
+
+void ModuleHost::Introduce() {
+    CallModule("IKXPModule::SetDeviceHost", [this] { return m_module->SetDeviceHost(this); });
+}
+
+std::string ModuleHost::Load(const std::string& file) {
+    const std::string problem = Open(file);
+    if (problem.empty())
+        Introduce();
+    return problem;
 }
 
 void ModuleHost::Unload() {
@@ -121,12 +137,15 @@ HostLink* ModuleHost::LinkOf(const IKXPDevice* device) const {
 HostedDevice::HostedDevice(ModuleHost& host, const std::string& name)
     : m_host(host)
     , m_variables(new HostVariables(host.hearing)) {
-    if (m_host.Module().CreateDevice(nullptr, &m_device) != KXP_OK || m_device == nullptr)
-        throw std::runtime_error("CreateDevice gives no device");
+    const KXPCode code =
+        CallModule("IKXPModule::CreateDevice", [this] { return m_host.Module().CreateDevice(nullptr, &m_device); });
+    if (code != KXP_OK || m_device == nullptr)
+        throw Finding("IKXPModule::CreateDevice answers " + std::to_string(code) + " and gives " +
+                      (m_device == nullptr ? "no device" : "a device") + "; promised: 0 and a device");
     GuardedName(m_variables.get(), "the variables of a device that is gone");
-    m_device->SetDeviceVariables(m_variables.get());
-    m_device->SetName(name.c_str());
-    m_device->GetDefinition();
+    CallModule("IKXPDevice::SetDeviceVariables", [this] { m_device->SetDeviceVariables(m_variables.get()); });
+    CallModule("IKXPDevice::SetName(" + name + ")", [&] { m_device->SetName(name.c_str()); });
+    CallModule("IKXPDevice::GetDefinition", [this] { return m_device->GetDefinition(); });
 }
 
 HostedDevice::~HostedDevice() {
@@ -149,13 +168,11 @@ IKXPDevice* HostedDevice::GiveUp() {
     return std::exchange(m_device, nullptr);
 }
 
-/// Commands stand in the definition as `<Command ID="3" Name="..."`.
 std::int32_t HostedDevice::CommandId(const std::string& name) const {
-    const char* definition = m_device->GetDefinition();
-    const std::string text = definition != nullptr ? definition : "";
-    const auto place = text.find(" Name=\"" + name + "\"");
-    const auto begin = place != std::string::npos ? text.rfind("<Command ID=\"", place) : place;
-    return begin != std::string::npos ? std::atoi(text.c_str() + begin + std::strlen("<Command ID=\"")) : -1;
+    for (const CommandTag& command : CommandsOf(m_device->GetDefinition()))
+        if (command.name == name)
+            return command.id;
+    return -1;
 }
 
 KXPCode HostedDevice::Send(std::int32_t id, const std::vector<std::string>& texts, ContextTally* tally) {
@@ -169,7 +186,7 @@ KXPCode HostedDevice::Send(std::int32_t id, const std::vector<std::string>& text
     const auto isBegun = context->IsBegun();
     const KXPCode code = m_device->ExecuteCommand(id, borrowed, context);
     if (code != KXP_OK && !*isBegun)
-        delete context; // nobody will end it
+        context->Abandon(); // nobody will end it
     return code;
 }
 
@@ -184,6 +201,13 @@ std::string HostedDevice::Setup() const {
     if (m_device->GetSetup(&text) != KXP_OK || text == nullptr)
         return "(none)";
     std::string copy = text;
-    m_device->ReleaseString(&text);
+    GiveBack(text);
     return copy;
+}
+
+void HostedDevice::GiveBack(char* text) const {
+    const KXPCode code = m_device->ReleaseString(&text);
+    if (code != KXP_OK || text != nullptr)
+        throw Finding("IKXPDevice::ReleaseString of what GetSetup gave answers " + std::to_string(code) +
+                      (text != nullptr ? " and leaves the pointer" : "") + "; promised: 0 and a null pointer");
 }

@@ -14,6 +14,7 @@
 #include "IManagerRuntimeInfo.h"
 #include "IObjectFactory.h"
 #include "IObjectFactoryManager.h"
+#include "Lent.h"
 
 /// A host in plain C++ with one module: what the module is given at Initialize, and the module itself.   [host main]
 class ModuleHost : public IManagerRuntimeInfo,
@@ -30,12 +31,18 @@ public:
     void OfferOlderLink() { m_isOlder = true; }
     HostOlderLink& OlderLink() { return m_olderManager.link; }
     /// Loads the file, initialises its module. @return what is wrong; empty when nothing is.
+    std::string Open(const std::string& file);
+    /// Tells the module its device host, which it needs for devices.
+    void Introduce();
+    /// Both. @return as Open.
     std::string Load(const std::string& file);
     /// Terminates and releases the module; harmless twice.
     void Unload();
     /// The module has been released by other hands.
     void Forget() { m_module = nullptr; }
     IKXPModule& Module() { return *m_module; }
+    /// Of the file that was loaded.
+    KXPEntryPoint EntryPoint() const { return m_entry; }
 
     /// Heard before each call that the module makes on this host, on whatever thread it comes. Set before a device is
     /// started.
@@ -53,7 +60,7 @@ public:
     void DropLink(const IKXPDevice* device) { m_links.erase(device); }
 
     KXPCode QueryInterface(const char* name, void** out) override;
-    KXPCode Release() override { return KXP_OK; }
+    KXPCode Release() override { return NoteRelease("the root"); }
     std::uint32_t GetLogSettings(std::uint32_t*, std::uint32_t*, char*, std::uint32_t*, std::uint32_t*) override;
     KXPWindow GetMainWindow() override;
     std::uint32_t GetRuntimeInfo(KXPRuntimeInfo* out) override;
@@ -74,7 +81,7 @@ private:
         OlderManager(const OlderManager&) = delete;
         OlderManager& operator=(const OlderManager&) = delete;
         KXPCode QueryInterface(const char* name, void** out) override;
-        KXPCode Release() override { return KXP_OK; }
+        KXPCode Release() override { return NoteRelease("IManagerRemoteManager"); }
         IManagerRemote* GetRemote() override;
 
         const ModuleHost& host;
@@ -85,7 +92,8 @@ private:
 
     bool m_isOlder = false;
     OlderManager m_olderManager{*this};
-    DynamicLibrary m_library;
+    std::unique_ptr<DynamicLibrary> m_library = std::make_unique<DynamicLibrary>();
+    KXPEntryPoint m_entry = nullptr;
     IKXPModule* m_module = nullptr;
     const std::unique_ptr<HostResources> m_resources = std::make_unique<HostResources>(hearing);
     std::map<std::string, IObjectFactory*> m_factories;
@@ -119,6 +127,8 @@ public:
     KXPCode SendNulls(std::int32_t id, std::size_t count);
     /// The setup, given back to the device. @return "(none)" when there is none.
     std::string Setup() const;
+    /// Gives a text of GetSetup or UpdateCommand back; throws a finding when that is not answered as promised.
+    void GiveBack(char* text) const;
 
 private:
     ModuleHost& m_host;

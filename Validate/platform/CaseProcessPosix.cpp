@@ -5,9 +5,9 @@
 #include <cfenv>
 #include <clocale>
 #include <csignal>
-#include <cstdlib>
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
+#include <iostream>
 #include <sstream>
 
 #include <fcntl.h>
@@ -67,18 +67,50 @@ std::string BlockedSignals() {
     return text.str();
 }
 
+/// From now on standard output is a file without a name.
+void KeepOutput() {
+    if (FILE* const file = std::tmpfile()) {
+        dup2(fileno(file), STDOUT_FILENO);
+        std::fclose(file);
+    }
+}
+
+std::string DescribeStream(int descriptor) {
+    struct stat state {};
+    const std::string name = "stream " + std::to_string(descriptor);
+    if (fstat(descriptor, &state) != 0)
+        return name + " closed";
+    return name + " file " + std::to_string(state.st_dev) + ":" + std::to_string(state.st_ino);
+}
+
+/// How much standard output has, and how it begins.
+std::string DescribeOutput() {
+    constexpr std::size_t kMost = 60;
+    std::cout.flush();
+    std::fflush(stdout);
+    std::string begin(kMost, '\0');
+    const ssize_t count = pread(STDOUT_FILENO, begin.data(), begin.size(), 0);
+    begin.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    const off_t size = lseek(STDOUT_FILENO, 0, SEEK_END);
+    return "standard output has " + std::to_string(std::max<off_t>(size, 0)) + " bytes: \"" + begin + "\"";
+}
+
 } // namespace
 
 CaseEnd RunInProcess(const std::function<int(int)>& work, std::chrono::milliseconds limit) {
     CaseEnd end;
+    end.limit = limit;
     std::array<int, 2> pipes{};
     if (pipe2(pipes.data(), O_CLOEXEC) != 0)
         return end;
+    std::cout.flush();
+    std::fflush(stdout); // else the copy has it too
     const pid_t child = fork();
     if (child == 0) {
         close(pipes[0]);
         setpgid(0, 0);                    // so that what the module starts ends with it
         prctl(PR_SET_PDEATHSIG, SIGKILL); // the user's Ctrl-C reaches this process's parent alone
+        KeepOutput();
         _exit(work(pipes[1]));
     }
     close(pipes[1]);
@@ -94,22 +126,23 @@ CaseEnd RunInProcess(const std::function<int(int)>& work, std::chrono::milliseco
 }
 
 ProcessFigures MeasureProcess() {
-    long resident = 0;
-    std::ifstream("/proc/self/statm") >> resident >> resident;
-    return {static_cast<int>(CountEntries("/proc/self/task")), static_cast<int>(CountEntries("/proc/self/fd")),
-            resident * (sysconf(_SC_PAGESIZE) / 1024)};
+    return {static_cast<int>(CountEntries("/proc/self/task")), static_cast<int>(CountEntries("/proc/self/fd"))};
 }
 
-std::string DescribeSurroundings() {
-    std::ostringstream text;
+std::vector<std::string> DescribeSurroundings() {
     const mode_t mask = umask(0);
     umask(mask);
-    text << "locale " << std::setlocale(LC_ALL, nullptr) << "\nfolder " << std::filesystem::current_path().string()
-         << "\nfile mask " << mask << "\nblocked signals" << BlockedSignals() << "\nhandled signals" << SignalActions()
-         << "\nrounding " << std::fegetround() << "\nenvironment";
-    std::size_t hash = 0;
+    std::vector<std::string> lines = {std::string("locale ") + std::setlocale(LC_ALL, nullptr),
+                                      "folder " + std::filesystem::current_path().string(),
+                                      "file mask " + std::to_string(mask),
+                                      "blocked signals" + BlockedSignals(),
+                                      "handled signals" + SignalActions(),
+                                      "rounding " + std::to_string(std::fegetround()),
+                                      DescribeStream(STDIN_FILENO),
+                                      DescribeStream(STDOUT_FILENO),
+                                      DescribeStream(STDERR_FILENO),
+                                      DescribeOutput()};
     for (char** entry = environ; *entry != nullptr; ++entry)
-        hash = hash * 31 + std::hash<std::string>()(*entry);
-    text << ' ' << hash << '\n';
-    return text.str();
+        lines.push_back(std::string("environment ") + *entry);
+    return lines;
 }

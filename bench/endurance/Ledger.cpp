@@ -30,6 +30,10 @@ void Ledger::Count(const std::string& answer) {
         ++answers.at(static_cast<std::size_t>(found - kAnswers));
 }
 
+std::uint64_t Ledger::AnswersOfAllKinds() const {
+    return std::accumulate(answers.begin(), answers.end(), std::uint64_t{0});
+}
+
 Request::Request(Ledger& ledger, bool isTimed, const std::string& function, const std::string& argument)
     : m_ledger(ledger)
     , m_isTimed(isTimed)

@@ -40,6 +40,7 @@ public:
 
     /// Counts an answer, if it is one of those above.
     void Count(const std::string& answer);
+    std::uint64_t AnswersOfAllKinds() const;
 };
 
 /// One request, with the values that it works on. It deletes itself as a host may: at its end, with all values.

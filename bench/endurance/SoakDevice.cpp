@@ -8,7 +8,7 @@ public:
         for (plain::Value* value : {&status.Plain(), &error, &fileName, &scriptText, &functions})
             value->m_keepsHistory = false;
     }
-    virtual ~Variables() = default;
+    ~Variables() override = default;
 
     std::uint32_t SetDefinition(const char* xml) override {
         return m_faults.Strike() ? 0 : plain::Variables::SetDefinition(xml);

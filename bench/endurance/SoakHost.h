@@ -17,7 +17,7 @@
 class SoakHost : public plain::Host, public IVariableManager, public IManagerRemoteManager2 {
 public:
     SoakHost();
-    virtual ~SoakHost() = default;
+    ~SoakHost() override = default;
 
     Faults faults;
     Ledger ledger;

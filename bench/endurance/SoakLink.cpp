@@ -15,7 +15,7 @@ public:
         , m_asked(asked) {
         m_asked.AddRef();
     }
-    virtual ~PerformRequest() {
+    ~PerformRequest() override {
         m_asked.End();
         m_asked.Release();
     }

@@ -19,6 +19,7 @@ public:
     int Play();
 
 private:
+    void WarmUp();
     void MakeDevices();
     void Beat();
     void Send();
@@ -45,6 +46,7 @@ private:
     Latencies m_middle;
     Latencies m_last; ///< of the last tenth
     Slope m_resident;
+    Slope m_residentLate; ///< over the second half, see Sample
     Slope m_heap;
     Slope m_threads;
     Slope m_descriptors;

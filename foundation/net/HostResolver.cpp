@@ -4,6 +4,7 @@
 
 #include "HostLookup.h"
 #include "MEvent.h"
+#include "RunWithinMemory.h"
 #include "SocketAddress.h"
 #include "SystemThread.h"
 
@@ -37,7 +38,9 @@ HostResolver::Outcome HostResolver::Resolve(const std::string& host, std::uint32
     if (!question)
         return Outcome::Cancelled;
     const auto lookUp = [question] {
-        question->Settle(LookUpHost(question->name, question->address) ? Outcome::Found : Outcome::NotFound);
+        bool found = false;
+        RunWithinMemory([&] { found = LookUpHost(question->name, question->address); });
+        question->Settle(found ? Outcome::Found : Outcome::NotFound);
         return 0U;
     };
     if (!SystemThread::Create(lookUp))

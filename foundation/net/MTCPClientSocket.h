@@ -160,6 +160,7 @@ private:
     bool MakeRoom(const SystemSocket& socket);
     bool CountPending(const SystemSocket& socket, std::uint32_t& pending);
     void Lose(const ConnectionPtr& connection, SocketError error);
+    void LoseForWantOfMemory();
     void BackOff();
 
     HandlerList<ITCPClientSocketHandler> m_handlers; // its lock is held while handlers are called

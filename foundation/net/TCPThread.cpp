@@ -2,6 +2,7 @@
 
 #include "Clock.h"
 #include "MTCPClientSocket.h"
+#include "RunWithinMemory.h"
 
 // The body of the socket's thread. It waits in WaitForSocket, which m_wake ends, and after a failure in BackOff, which
 // a stop ends.
@@ -14,11 +15,15 @@ constexpr std::uint32_t kBetweenAttemptsMs = 2000;
 
 std::uint32_t MTCPClientSocket::Run() {
     m_threadId = std::this_thread::get_id();
-    while (!StopRequested()) {
+    const auto turn = [this] {
         if (const ConnectionPtr connection = StandingConnection())
             Serve(connection);
         else
             ConnectWhenWanted();
+    };
+    while (!StopRequested()) {
+        if (!RunWithinMemory(turn))
+            RunWithinMemory([this] { LoseForWantOfMemory(); });
     }
     m_threadId = std::thread::id();
     return 0;
@@ -114,6 +119,15 @@ bool MTCPClientSocket::CountPending(const SystemSocket& socket, std::uint32_t& p
     TellError(NetReadFailed);
     BackOff();
     return false;
+}
+
+// What was read then is lost, and what comes behind it would be misread.
+void MTCPClientSocket::LoseForWantOfMemory() {
+    const ConnectionPtr connection = StandingConnection();
+    Sleep(kBackOffMs);
+    TellError(connection ? NetReadFailed : NetSetupFailed);
+    if (connection)
+        Lose(connection, SocketError::None);
 }
 
 // The peer closed or reset. Who closed the socket before us has told of it.

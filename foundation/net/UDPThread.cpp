@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "MUDPSocket.h"
+#include "RunWithinMemory.h"
 
 // The body of the socket's thread. It waits in WaitForSocket, which m_wake ends, and after a failure for a moment,
 // which a stop ends.
@@ -17,8 +18,12 @@ std::uint32_t MUDPSocket::Run() {
             TellError(NetSetupFailed);
             return 0;
         }
-        while (readiness.ready && !StopRequested() && ReceiveBurst(*socket)) {
-        }
+        const auto receive = [&] {
+            while (readiness.ready && !StopRequested() && ReceiveBurst(*socket)) {
+            }
+        };
+        if (!RunWithinMemory(receive))
+            RunWithinMemory([this] { ReportReceiveFailure(); });
     }
     return 0;
 }

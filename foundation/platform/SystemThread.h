@@ -27,7 +27,8 @@ public:
 
     /// Starts a thread that calls body once. stackSize is in bytes: 0 is the system's default, any other value is
     /// raised to kLeastStackSize. The priority is a wish, see SetPriority.
-    /// @return the handle, or one without a thread when the system has none left or cannot give such a stack.
+    /// @return the handle, or one without a thread when the system has none left, no memory for one, or cannot give
+    /// such a stack.
     static SystemThread Create(Body body, std::size_t stackSize = 0, ThreadPriority priority = ThreadPriority::Normal);
 
     /// True for a handle that has a thread, running or ended.
@@ -55,5 +56,8 @@ public:
 
 private:
     struct Run;
+    static SystemThread Start(Body body, std::size_t stackSize,
+                              ThreadPriority priority); // may throw for want of memory
+
     std::shared_ptr<Run> m_run;
 };

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <new>
 #include <utility>
 
 #include <pthread.h>
@@ -92,7 +93,12 @@ void SystemThread::Run::Execute() {
         ApplyPriority(systemId, priority);
         work = std::move(body);
     }
-    const std::uint32_t value = work();
+    std::uint32_t value = 0;
+    try {
+        value = work();
+    } catch (const std::bad_alloc&) {
+        value = 0; // of a body without memory nothing is left to tell
+    }
     work = nullptr; // what the body holds goes before anybody hears of the end
     const std::lock_guard<std::mutex> guard(mutex);
     exitValue = value;
@@ -107,6 +113,14 @@ void* SystemThread::Run::Main(void* argument) {
 }
 
 SystemThread SystemThread::Create(Body body, std::size_t stackSize, ThreadPriority priority) {
+    try {
+        return Start(std::move(body), stackSize, priority);
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+SystemThread SystemThread::Start(Body body, std::size_t stackSize, ThreadPriority priority) {
     SystemThread handle;
     Attributes attributes;
     if (!body || !attributes.SetStackSize(stackSize))

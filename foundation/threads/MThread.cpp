@@ -1,5 +1,7 @@
 #include "MThread.h"
 
+#include "RunWithinMemory.h"
+
 namespace {
 
 constexpr auto kNormalPriority = static_cast<std::uint32_t>(ThreadPriority::Normal);
@@ -58,7 +60,7 @@ std::uint32_t MThread::Body() {
     m_startedEvent.Set();
     std::uint32_t value = 0;
     if (!StopRequested())
-        value = m_handler != nullptr ? m_handler->ThreadRun(this) : Run();
+        RunWithinMemory([&] { value = m_handler != nullptr ? m_handler->ThreadRun(this) : Run(); });
     m_exitValue = value;
     const std::lock_guard<std::mutex> guard(m_lock);
     m_running = false;

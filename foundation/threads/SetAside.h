@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "RunWithinMemory.h"
+
 /// Objects that their owners have done with while somebody is still inside. They are looked through now and then, and
 /// those that everybody has left are destroyed.
 ///
@@ -24,30 +26,37 @@ public:
     SetAside(const SetAside&) = delete;
     SetAside& operator=(const SetAside&) = delete;
 
-    /// Takes over an object, ended or not.
+    /// Takes over an object, ended or not. Where there is no memory to remember one that has not, it is left alone.
     void Add(Object* object) {
-        const std::lock_guard<std::mutex> guard(m_lock);
-        m_objects.push_back(object);
+        if (!RunWithinMemory([&] { Remember(object); }) && m_hasEnded(*object))
+            m_destroy(object);
     }
 
     /// Destroys the objects that have ended since. @return how many are left.
     std::size_t Sweep() {
-        std::vector<Object*> ended;
-        std::size_t left = 0;
-        {
-            const std::lock_guard<std::mutex> guard(m_lock);
-            const auto isInUse = [this](const Object* object) { return !m_hasEnded(*object); };
-            const auto over = std::partition(m_objects.begin(), m_objects.end(), isInUse);
-            ended.assign(over, m_objects.end());
-            m_objects.erase(over, m_objects.end());
-            left = m_objects.size();
-        }
-        for (Object* object : ended)
+        while (Object* object = TakeEnded())
             m_destroy(object);
-        return left;
+        const std::lock_guard<std::mutex> guard(m_lock);
+        return m_objects.size();
     }
 
 private:
+    void Remember(Object* object) {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        m_objects.push_back(object);
+    }
+
+    Object* TakeEnded() {
+        const std::lock_guard<std::mutex> guard(m_lock);
+        const auto hasEnded = [this](const Object* object) { return m_hasEnded(*object); };
+        const auto found = std::find_if(m_objects.begin(), m_objects.end(), hasEnded);
+        if (found == m_objects.end())
+            return nullptr;
+        Object* const object = *found;
+        m_objects.erase(found);
+        return object;
+    }
+
     const std::function<bool(const Object&)> m_hasEnded;
     const std::function<void(Object*)> m_destroy;
     std::mutex m_lock;

@@ -1,8 +1,9 @@
 #include "TimerPasses.h"
 
 #include <algorithm>
-#include <new>
 #include <utility>
+
+#include "RunWithinMemory.h"
 
 bool TimerPasses::Add(IThreadTimerHandler* handler) {
     const Guard guard(m_shared->lock);
@@ -80,7 +81,7 @@ bool TimerPasses::EnsureCaller(std::size_t stackSize, ThreadPriority priority) {
         Call(shared, number);
         return 0U;
     };
-    m_caller = SystemThread::Create(body, stackSize, priority);
+    RunWithinMemory([&] { m_caller = SystemThread::Create(body, stackSize, priority); });
     m_shared->hasCaller = static_cast<bool>(m_caller);
     return m_shared->hasCaller;
 }
@@ -114,11 +115,7 @@ void TimerPasses::Call(const std::shared_ptr<Shared>& shared, std::uint64_t numb
 
 /// A handler that finds no memory has done what it could, and is called again in the next pass.
 void TimerPasses::CallOne(IThreadTimerHandler& handler, std::uint32_t nowMs) {
-    try {
-        handler.OnTimer(nowMs);
-    } catch (const std::bad_alloc&) {
-        return;
-    }
+    RunWithinMemory([&] { handler.OnTimer(nowMs); });
 }
 
 /// @return false when this thread has been left, and another one calls the handlers behind.

@@ -1,4 +1,4 @@
-// @NAME@: a device that speaks HTTP and JSON. Change paths and members to those of your device; peer.py is the other end.
+// @NAME@: a device that speaks HTTP and JSON. Change paths and members to those of your device; fake.js plays it.
 //
 //   GET /state   gives {"power": "on", "level": 40}
 //   PUT /state   with such an object, or a part of it, sets it and gives all of it
@@ -27,7 +27,7 @@
         }
     },
 
-    Setup: { address: "http://127.0.0.1:@PORT@", user: "", password: "" },
+    Setup: { address: "http://127.0.0.1:8080", user: "", password: "" },
     Device: { Online: "no", Connection: "stopped", Power: "off", Level: 0 },
 
     _mStart: function () {

@@ -1,4 +1,4 @@
-// @NAME@: a device on a serial line, with frames between STX and ETX. Change them to those of your device; peer.py is the other end.
+// @NAME@: a device on a serial line, with frames between STX and ETX. Change them to those of your device; fake.js plays it.
 //
 //   IN 3   is answered with OK
 //   IN?    is answered with IN 3

@@ -1,4 +1,4 @@
-// @NAME@: a device that speaks lines over TCP. Change the lines to those of your device; peer.py is the other end.
+// @NAME@: a device that speaks lines over TCP. Change the lines to those of your device; fake.js plays it.
 //
 //   POWER ON, POWER OFF, LEVEL 40   are answered with OK, or ERR and a reason
 //   STATE                           is answered with STATE ON 40
@@ -27,7 +27,7 @@
         }
     },
 
-    Setup: { host: "127.0.0.1", port: @PORT@ },
+    Setup: { host: "127.0.0.1", port: 4001 },
     Device: { Online: "no", Connection: "stopped", Power: "off", Level: 0 },
 
     _mStart: function () {

@@ -1,4 +1,4 @@
-// @NAME@: a device that answers datagrams. Change the texts to those of your device; peer.js is the other end.
+// @NAME@: a device that answers datagrams. Change the texts to those of your device; fake.js plays it.
 //
 //   LEVEL?      is answered with LEVEL 40
 //   LEVEL 40    is done, and answered with LEVEL 40
@@ -24,7 +24,7 @@
         }
     },
 
-    Setup: { host: "127.0.0.1", port: @PORT@ },
+    Setup: { host: "127.0.0.1", port: 4001 },
     Device: { Online: "no", Connection: "stopped", Level: 0 },
 
     _mStart: function () {

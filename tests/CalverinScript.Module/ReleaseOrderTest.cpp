@@ -31,6 +31,50 @@ public:
     std::function<void()> atEnd;
 };
 
+/// A context whose beginning does something.
+class StartledContext : public plain::Context {
+public:
+    KXPCode Begin() override {
+        plain::Context::Begin();
+        atBegin();
+        return KXP_OK;
+    }
+    std::function<void()> atBegin;
+};
+
+/// A collection that does something when it is asked for a property or told one.
+class BusyParams : public plain::Params {
+public:
+    KXPCode SetProperty(const char* name, const char* value, std::uint32_t a, std::uint32_t b) override {
+        Ask();
+        return plain::Params::SetProperty(name, value, a, b);
+    }
+    const char* GetProperty(const char* name) override {
+        Ask();
+        return plain::Params::GetProperty(name);
+    }
+    int questionsLeft = 0; ///< until it does that
+    std::function<void()> meanwhile;
+
+private:
+    void Ask() {
+        if (--questionsLeft == 0)
+            meanwhile();
+    }
+};
+
+/// A host that does something when it is asked for a face.
+class BusyHost : public plain::Host {
+public:
+    KXPCode QueryInterface(const char* name, void** out) override {
+        if (--questionsLeft == 0)
+            meanwhile();
+        return plain::Host::QueryInterface(name, out);
+    }
+    int questionsLeft = 0; ///< until it does that
+    std::function<void()> meanwhile;
+};
+
 class ReleaseOrder : public ModuleFixture {
 protected:
     void SetUp() override {
@@ -226,6 +270,74 @@ TEST_F(ReleaseOrder, ADeviceStoppedAndStartedWithinTheEndOfARequestGoesOn) {
     BusyContext last;
     ASSERT_EQ(Call("F", &last), KXP_OK);
     EXPECT_TRUE(last.WaitForEnd());
+}
+
+TEST_F(ReleaseOrder, ARequestInWhoseBeginningTheDeviceIsReleasedEndsAtOnce) {
+    Start("({ F: function() { return 1 } })");
+    StartledContext context;
+    context.atBegin = [this] { EXPECT_EQ(std::exchange(device, nullptr)->Release(), KXP_OK); };
+    IKXPDevice& released = *device;
+    params = plain::Params::ForFunction("F", {});
+    EXPECT_EQ(released.ExecuteCommand(3, params.get(), &context), KXP_OK);
+    EXPECT_EQ(context.Begun(), 1);
+    EXPECT_EQ(context.Ended(), 1);
+}
+
+TEST_F(ReleaseOrder, ARequestInWhoseBeginningTheModuleIsReleasedEndsAtOnce) {
+    Start("({ F: function() { return 1 } })");
+    StartledContext context;
+    context.atBegin = [this] { EXPECT_EQ(module->Release(), KXP_OK); };
+    EXPECT_EQ(Call("F", &context), KXP_OK);
+    EXPECT_EQ(context.Begun(), 1);
+    EXPECT_EQ(context.Ended(), 1);
+    ExpectRefusals();
+}
+
+TEST_F(ReleaseOrder, ADeviceReleasedWhileACommandOfItIsCheckedStaysUntilThatIsOver) {
+    for (int question = 1;; ++question) {
+        IKXPDevice* checked = MakeDevice();
+        BusyParams stored;
+        stored.questionsLeft = question;
+        stored.meanwhile = [&] {
+            EXPECT_EQ(std::exchange(checked, nullptr)->Release(), KXP_OK);
+            EXPECT_EQ(MCalverinScript_Device::SweepAbandoned(), 1u) << "at question " << question;
+        };
+        module->CheckCommand(nullptr, checked, 99, &stored);
+        if (checked == nullptr)
+            continue;
+        checked->Release();
+        EXPECT_GT(question, 1) << "the collection is told which device it belongs to";
+        return;
+    }
+}
+
+TEST_F(ReleaseOrder, AModuleReleasedWhileItMakesADeviceMakesNoneAndGoesBehindThat) {
+    BusyHost busy;
+    bool isReleased = true;
+    for (int question = 1; isReleased; ++question) {
+        isReleased = false;
+        Renew();
+        ASSERT_EQ(module->Initialize(busy.Root(), nullptr, nullptr), KXP_OK);
+        ASSERT_EQ(module->SetDeviceHost(this), KXP_OK);
+        busy.questionsLeft = question;
+        busy.meanwhile = [&] {
+            isReleased = true;
+            EXPECT_EQ(module->Terminate(nullptr), KXP_OK);
+            EXPECT_EQ(module->Release(), KXP_OK);
+            IKXPDevice* other = nullptr;
+            EXPECT_EQ(module->CreateDevice(nullptr, &other), KXP_NO_DEVICE_MADE);
+        };
+        IKXPDevice* made = nullptr;
+        const KXPCode code = module->CreateDevice(nullptr, &made);
+        EXPECT_EQ(code, isReleased ? KXPCode{KXP_NO_DEVICE_MADE} : KXPCode{KXP_OK}) << "question " << question;
+        EXPECT_EQ(made == nullptr, isReleased);
+        busy.questionsLeft = 0;
+        if (made != nullptr) {
+            EXPECT_GT(question, 4) << "it asks for the host's services";
+            made->Release();
+        }
+    }
+    EXPECT_EQ(module->Release(), KXP_OK);
 }
 
 TEST_F(ReleaseOrder, AModuleThatIsReleasedTwiceMindsNothing) {

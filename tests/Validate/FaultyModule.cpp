@@ -1,9 +1,10 @@
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <clocale>
 #include <condition_variable>
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <deque>
 #include <mutex>
 #include <string>
@@ -11,8 +12,10 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include "FaceAnswer.h"
+#include "FaultyParts.h"
 #include "IKXPDevicePanel.h"
 #include "IKXPModule.h"
 #include "IManagerRemote.h"
@@ -22,120 +25,10 @@
 
 /// @file
 /// A small module that keeps the contract, but for one fault of choice: KXP_FAULT in the environment is the name of the
-/// validator's case that has to find it.
+/// validator's case that has to find it, with ":" and a word behind it where the case finds several. What begins with
+/// "allowed:" is no fault, and nothing may be found.
 
 namespace {
-
-bool Has(const char* fault) {
-    static const char* const chosen = std::getenv("KXP_FAULT");
-    return chosen != nullptr && std::strcmp(chosen, fault) == 0;
-}
-
-constexpr const char* kDefinition = "<Device><Commands><Command ID=\"1\" Name=\"Load From Text\"/><Command ID=\"3\" "
-                                    "Name=\"Execute Function With Params\"/>"
-                                    "</Commands></Device>";
-
-char* Copy(const std::string& text) {
-    auto* copy = static_cast<char*>(std::malloc(text.size() + 1));
-    std::memcpy(copy, text.c_str(), text.size() + 1);
-    return copy;
-}
-
-/// A request to the host, which both may hold.
-class Question final : public IExecContext2 {
-public:
-    bool IsBegun() const { return m_state != 0; }
-    bool IsEnded() const { return m_state == 2; }
-    std::string Text() {
-        const std::lock_guard<std::mutex> guard(m_lock);
-        return m_text;
-    }
-
-    KXPCode QueryInterface(const char* name, void** out) override {
-        return AnswerFace(
-            name, out,
-            {{"IExecContext", static_cast<IExecContext*>(this)}, {"IExecContext2", static_cast<IExecContext2*>(this)}});
-    }
-    KXPCode Release() override {
-        if (--m_references == 0)
-            delete this;
-        return KXP_OK;
-    }
-    KXPCode SetErrorCode(KXPCode) override { return KXP_OK; }
-    KXPCode Begin() override {
-        m_state = 1;
-        return KXP_OK;
-    }
-    KXPCode End() override {
-        m_state = 2;
-        return KXP_OK;
-    }
-    KXPCode Reserved4(void*) override { return KXP_OK; }
-    KXPCode Reserved5(void*) override { return KXP_OK; }
-    KXPCode AddRef() override {
-        ++m_references;
-        return KXP_OK;
-    }
-    KXPCode Reserved7(void*) override { return KXP_OK; }
-    KXPCode Reserved8(void*, void*, void*) override { return KXP_OK; }
-    KXPCode SetResultText(const char* text) override {
-        const std::lock_guard<std::mutex> guard(m_lock);
-        m_text = text != nullptr && !(Has("requests-answered") && IsBegun()) ? text : "";
-        return KXP_OK;
-    }
-    std::uint32_t GetState() override { return m_state; }
-
-private:
-    ~Question() = default;
-
-    std::mutex m_lock;
-    std::string m_text; ///< behind the lock
-    std::atomic<std::uint32_t> m_state{0};
-    std::atomic<int> m_references{1};
-};
-
-std::string TextOf(IData& value) {
-    char* text = value.GetValueAsString();
-    const std::string copy = text != nullptr ? text : "";
-    value.ReleaseString(&text);
-    return copy;
-}
-
-/// A command that waits for the device's thread.
-struct Request {
-    std::string function;
-    IData* result;
-    std::string argument;
-    IExecContext* context;
-    IData* argumentValue; ///< for the fault alone
-};
-
-/// A panel that shows nothing.
-class Panel final : public IKXPDevicePanel {
-public:
-    KXPCode QueryInterface(const char* name, void** out) override { return AnswerFace(name, out, {}); }
-    KXPCode Release() override {
-        delete this;
-        return KXP_OK;
-    }
-    KXPWindow GetWindow() override { return 0; }
-    std::uint32_t Reserved4(void*) override { return 0; }
-    const char* GetName() override { return "panel"; }
-    std::uint32_t Reserved6(void*) override { return 1; }
-    bool GetBounds(IPanelRect*) override { return false; }
-    std::uint32_t GetState() override { return m_state; }
-    void SetState(std::uint32_t what, std::uint32_t value) override {
-        if (what == KXP_PANEL_STATE || (Has("panels") && what == KXP_PANEL_VISIBLE && value == 0))
-            m_state = value;
-        if (Has("panels") && m_state == 0)
-            std::abort();
-    }
-
-private:
-    ~Panel() = default;
-
-    std::uint32_t m_state = 1;
-};
 
 class Device final : public IKXPDevice {
 public:
@@ -157,27 +50,37 @@ public:
     }
 
     KXPCode QueryInterface(const char* name, void** out) override {
-        if (m_isOrphan)
-            return AnswerFace(name, out, {});
+        if (m_isOrphan && !Has("allowed:faces-of-orphans"))
+            return Refusal(AnswerFace(name, out, {}));
         if (Has("faces") && name != nullptr && std::strcmp(name, "INobodyHasThis") == 0)
             return KXP_OK;
         return AnswerFace(
-            name, out,
+            FaceNamed(name), out,
             {{"IMInterface", static_cast<IMInterface*>(this)}, {"IKXPDevice", static_cast<IKXPDevice*>(this)}});
     }
     KXPCode Release() override {
+        if (Has("stated-answers:slow-release") || (Has("release-at-any-instant:slow-release") && m_hasForeigners))
+            std::this_thread::sleep_for(std::chrono::milliseconds(2100));
         Halt();
+        if (Has("host-objects-kept:variables") && m_name == "desk" && m_variables != nullptr)
+            m_variables->Release();
         if (!m_isOrphan)
             Forget();
-        delete this;
+        m_isReleased = true;
+        if (m_inside == 0)
+            Go();
         return KXP_OK;
     }
     void SetDeviceVariables(IDeviceVariables* variables) override { m_variables = variables; }
     KXPCode QueryCapability(std::uint32_t code) override {
-        return !m_isOrphan && (code == 1 || code == 2) ? KXP_OK : KXP_NO;
+        if (m_isOrphan)
+            return Refusal(KXP_NO);
+        return code == 1 || code == 2 || (code == 3 && Has("stated-answers:capability")) ? KXP_OK : KXP_NO;
     }
     void SetName(const char* name) override {
         m_name = name != nullptr ? name : "";
+        if (Has("stated-answers:short-name") && m_name.find_first_not_of('n') == std::string::npos)
+            m_name.resize(std::min<std::size_t>(m_name.size(), 20));
         if (Has("huge-arguments") && m_name.size() > 1000)
             std::abort();
         for (char& letter : m_name)
@@ -185,16 +88,29 @@ public:
                 letter = static_cast<char>(letter & 0x7F);
     }
     const char* GetName() override { return m_name.c_str(); }
-    KXPCode ShowSetup(void*) override { return KXP_CANCELLED; }
-    KXPCode IsRunning() override { return m_isRunning || m_isBelieved ? KXP_OK : KXP_NO; }
+    KXPCode ShowSetup(void*) override { return m_isOrphan ? Refusal(KXP_CANCELLED) : KXPCode{KXP_CANCELLED}; }
+    KXPCode IsRunning() override {
+        if (m_isOrphan && !m_isBelieved)
+            return Refusal(KXP_NO);
+        return m_isRunning || m_isBelieved ? KXP_OK : KXP_NO;
+    }
     KXPCode Start() override {
         if (m_isOrphan)
             return m_startsAgain ? KXP_OK : KXPCode{KXP_NOT_IMPLEMENTED};
         if (m_isRunning)
             return KXP_OK;
+        if (Has("stated-answers:exception") && m_name == "stated")
+            throw Stumble();
+        const Inside inside(*this);
+        if (Has("given-back:start") && ++m_starts > 1)
+            Leak(400);
         if (Has("stops-and-starts") && ++m_starts > 30)
             return KXP_OK;
         m_level = m_variables != nullptr ? m_variables->GetVariable("Level") : nullptr;
+        if (!Has("allowed:no-script"))
+            Write("ScriptFunctions", Functions());
+        if (m_isReleased)
+            return KXP_NOT_IMPLEMENTED;
         m_isRunning = true;
         m_thread = std::thread([this] { Serve(); });
         return KXP_OK;
@@ -221,6 +137,7 @@ public:
             return KXP_NULL_ARGUMENT;
         if (m_isOrphan)
             return KXP_NOT_IMPLEMENTED;
+        const Inside inside(*this);
         const std::string text = setup;
         if (Has("walks") && text == "<Other/>")
             return KXP_NULL_ARGUMENT;
@@ -234,7 +151,8 @@ public:
         m_setup = text;
         if (Has("setup-round-trips") && text.find('\xE4') != std::string::npos)
             m_setup.insert(m_setup.find('\xE4'), 1, '\xE4');
-        m_name = "desk";
+        if (!Has("walks:name") || !m_isRunning)
+            m_name = "desk";
         Replace();
         return KXP_OK;
     }
@@ -253,25 +171,41 @@ public:
             return KXP_OK;
         if (params->GetParamCount() < 10)
             return KXP_BAD_COMMAND;
-        if (!m_isRunning && !Has("release-at-any-instant"))
+        if (Has("allowed:no-script") || (!m_isRunning && !Has("release-at-any-instant")))
             return KXP_SCRIPT_FAILED;
+        const Inside inside(*this);
+        if (std::this_thread::get_id() != m_maker)
+            m_hasForeigners = true;
         const std::string function = TextOf(*params->GetParam(0));
         IData* argument = params->GetParam(2);
         char* text = argument->GetValueAsString();
         const std::string copy = text != nullptr ? text : "";
+        if (Has("texts-given-back:overrun") && copy == "x" && ++m_asked > 250 && !m_hasForeigners)
+            text[copy.size() + 1] = 'x';
         if (!Has("texts-given-back"))
             argument->ReleaseString(&text);
-        Take({function, params->GetParam(1), copy, context, argument});
+        if (Has("texts-given-back:refused") && copy == "x" && ++m_asked > 250 && !m_hasForeigners)
+            return KXP_SCRIPT_FAILED;
+        if (Has("parameters-after-end:refused") && copy == std::string(100000, 'x'))
+            return KXP_SCRIPT_FAILED;
+        if (auto* counted = QueryFace<IExecContext2>(context, "IExecContext2")) {
+            counted->AddRef();
+            Take({function, params->GetParam(1), copy, counted, argument, counted});
+            return KXP_OK;
+        }
+        Take({function, params->GetParam(1), copy, context, argument, nullptr});
         return KXP_OK;
     }
     KXPCode ReleaseString(char** text) override {
         if (text == nullptr || *text == nullptr)
             return KXP_NULL_ARGUMENT;
-        std::free(*text);
-        *text = nullptr;
+        if (!Has("given-back:text"))
+            std::free(*text);
+        if (!Has("stated-answers:not-cleared") || m_name != "stated")
+            *text = nullptr;
         return KXP_OK;
     }
-    const char* GetDefinition() override { return kDefinition; }
+    const char* GetDefinition() override { return Definition(); }
     KXPCode Reserved20() override { return KXP_NOT_IMPLEMENTED; }
     KXPCode CreatePanel(std::uint32_t kind, IKXPDevicePanel** out) override {
         if (out == nullptr)
@@ -283,7 +217,38 @@ public:
     }
 
 private:
+    /// The host may release the device from what it is asked inside of it.
+    struct Inside {
+        explicit Inside(Device& entered)
+            : device(entered) {
+            ++device.m_inside;
+        }
+        ~Inside() {
+            if (--device.m_inside == 0 && device.m_isReleased)
+                device.Go();
+        }
+        Inside(const Inside&) = delete;
+        Inside& operator=(const Inside&) = delete;
+        Device& device;
+    };
+
     ~Device() = default;
+
+    void Go() {
+        if (Has("given-back:device"))
+            this->~Device();
+        else
+            delete this;
+    }
+
+    /// Of the script, which nobody runs: some are known by their names.
+    std::string Functions() const {
+        std::string names;
+        for (const char* name : {"Work", "Ask", "AskLater", "Run"})
+            if (m_setup.find(std::string(" ") + name + ": function") != std::string::npos)
+                names += std::string(name) + "\n";
+        return names;
+    }
 
     void Forget() {
         if (Has("many-devices") && m_list.size() > 8)
@@ -297,12 +262,25 @@ private:
 
     /// The values of before go: the new ones are asked for behind it.
     void Replace() {
-        const std::lock_guard<std::recursive_mutex> guard(m_values);
         if (m_variables == nullptr)
             return;
+        const bool forgets = !Has("values-after-definition") || ++m_replaced < 25;
+        if (forgets)
+            SetLevel(nullptr);
+        ++m_replacing;
         m_variables->SetDefinition(kDefinition);
-        if (!Has("values-after-definition") || ++m_replaced < 25)
-            m_level = m_isRunning ? m_variables->GetVariable("Level") : nullptr;
+        --m_replacing;
+        if (m_isReleased && !Has("released-when-asked"))
+            return;
+        IData* const level = m_isRunning || Has("released-when-asked") ? m_variables->GetVariable("Level") : nullptr;
+        if (forgets && m_replacing == 0)
+            SetLevel(level);
+    }
+
+    /// Nobody is inside the one of before when it returns.
+    void SetLevel(IData* level) {
+        const std::lock_guard<std::recursive_mutex> guard(m_values);
+        m_level = level;
     }
 
     KXPCode Halt() {
@@ -333,8 +311,7 @@ private:
             return;
         }
         guard.unlock();
-        if (request.context != nullptr)
-            request.context->End();
+        request.End();
     }
 
     void EndAll() {
@@ -344,8 +321,7 @@ private:
             left.swap(m_requests);
         }
         for (const Request& request : left)
-            if (request.context != nullptr)
-                request.context->End();
+            request.End();
     }
 
     void Serve() {
@@ -395,8 +371,7 @@ private:
         else if (request.function == "Ask" || request.function == "AskLater")
             Ask(request.function == "Ask");
         request.result->SetValueFromString(request.argument.c_str(), 0, 0);
-        if (request.context != nullptr)
-            request.context->End();
+        request.End();
         if (Has("parameters-after-end") && request.argument.size() > 1000)
             request.argumentValue->GetIntValue();
     }
@@ -414,6 +389,10 @@ private:
             AskOlder();
             return;
         }
+        if (Has("requests-answered:heap"))
+            Overwrite();
+        if (Has("requests-answered:double-free"))
+            FreeTwice();
         auto* question = new Question;
         const KXPCode code = m_link->Perform("host", "", "", question, nullptr);
         if (!waits) {
@@ -426,6 +405,20 @@ private:
         question->Release();
     }
 
+    void Overwrite() {
+        auto* const block = static_cast<volatile char*>(std::malloc(m_bytes));
+        for (std::size_t place = 0; place <= m_bytes; ++place)
+            block[place] = 'x';
+        std::free(const_cast<char*>(block));
+    }
+
+    void FreeTwice() {
+        void* volatile block = std::malloc(m_bytes);
+        void* volatile again = block;
+        std::free(block);
+        std::free(again);
+    }
+
     void AskOlder() {
         char* text = nullptr;
         m_olderLink->Perform("host", "", "", &text);
@@ -436,7 +429,8 @@ private:
 
     void Write(const char* variable, const std::string& text) {
         const std::lock_guard<std::recursive_mutex> guard(m_values);
-        if (IData* value = m_variables != nullptr ? m_variables->GetVariable(variable) : nullptr)
+        IData* const value = m_variables != nullptr && !m_isReleased ? m_variables->GetVariable(variable) : nullptr;
+        if (value != nullptr && !m_isReleased)
             value->SetValueFromString(text.c_str(), 0, 0);
     }
 
@@ -450,10 +444,17 @@ private:
     std::string m_setup = "<DeviceData Version=\"1000\"></DeviceData>";
     std::atomic<bool> m_isRunning{false};
     bool m_isOrphan = false;
-    bool m_isBelieved = false; ///< for a fault alone, as the next
+    std::atomic<bool> m_isReleased{false};
+    std::atomic<int> m_inside{0}; ///< operations that may ask the host
+    bool m_isBelieved = false;    ///< for a fault alone, as the next
     bool m_startsAgain = false;
+    std::atomic<bool> m_hasForeigners{false}; ///< commands came on other threads than the one that made the device
+    const std::thread::id m_maker = std::this_thread::get_id();
+    volatile std::size_t m_bytes = 24;
+    int m_asked = 0;
     int m_starts = 0;
     int m_replaced = 0;
+    int m_replacing = 0;           ///< definitions that the host is just taking, one inside the other
     int m_taken = 0;               ///< behind m_lock
     std::recursive_mutex m_values; ///< guards m_level and what it points to; the host may come back
     IData* m_level = nullptr;
@@ -477,9 +478,14 @@ public:
         return AnswerFace(name, out, {{"IKXPModule", static_cast<IKXPModule*>(this)}});
     }
     KXPCode Release() override {
-        for (Device* device : m_devices)
-            device->Orphan(m_isTerminated);
+        for (Device* device : std::vector<Device*>(m_devices))
+            if (Has("module-goes-first:deletes-devices") && m_isTerminated && device->IsRunning() == KXP_OK)
+                device->Release();
+            else
+                device->Orphan(m_isTerminated);
         m_devices.clear();
+        if (Has("module-goes-first:deletes-itself"))
+            Replace();
         return KXP_OK;
     }
     KXPCode Initialize(IMInterface* host, void*, void*) override {
@@ -491,22 +497,31 @@ public:
                 factories->RegisterFactory(name, &m_factory);
         if (Has("process-left-alone"))
             std::setlocale(LC_ALL, "C.UTF-8");
+        if (Has("process-left-alone:output"))
+            std::puts("{\"case\":\"faces\",\"result\":\"passed\"}");
+        if (Has("process-left-alone:closed-output"))
+            close(STDOUT_FILENO);
         if (Has("nothing-left-behind"))
             open("/dev/null", O_RDONLY);
+        if (Has("nothing-left-behind:memory"))
+            Leak(5000);
         return KXP_OK;
     }
     KXPCode Terminate(void*) override {
+        if (Has("host-objects-kept") && m_host != nullptr)
+            m_host->Release();
         m_isTerminated = true;
         return KXP_OK;
     }
     KXPCode SetDeviceHost(void* host) override {
+        m_hasMet = true;
         m_deviceHost = host;
         return KXP_OK;
     }
-    const char* GetDefinition() override { return kDefinition; }
+    const char* GetDefinition() override { return Definition(); }
     KXPCode GetModuleVersion(std::uint32_t* out) override {
         if (out != nullptr)
-            *out = 999;
+            *out = Has("stated-answers:version") ? 998 : 999;
         return KXP_OK;
     }
     KXPCode GetDeviceCount(std::uint32_t* out) override {
@@ -517,7 +532,7 @@ public:
     KXPCode CreateDevice(void*, IKXPDevice** out) override {
         if (out == nullptr || *out != nullptr)
             return KXP_NULL_ARGUMENT;
-        if (m_deviceHost == nullptr)
+        if (m_deviceHost == nullptr && !(Has("stated-answers:no-device-host") && !m_hasMet))
             return KXP_NO_DEVICE_HOST;
         *out = new Device(m_devices, m_host);
         return KXP_OK;
@@ -525,11 +540,29 @@ public:
     IKXPDevice* GetDevice(std::uint32_t index) override {
         return index < m_devices.size() ? m_devices[index] : nullptr;
     }
-    KXPCode CheckCommand(void*, IKXPDevice*, std::int32_t, IObjectParams*) override { return KXP_OK; }
+    KXPCode CheckCommand(void*, IKXPDevice* device, std::int32_t id, IObjectParams*) override {
+        const bool isOurs = std::find(m_devices.begin(), m_devices.end(), device) != m_devices.end();
+        const bool isKnown = (id == 1 || id == 3) && !Has("stated-answers:all-commands-gone");
+        return isOurs && !isKnown && !Has("stated-answers:no-command-gone") ? KXP_COMMANDS_CHANGED : KXP_OK;
+    }
+
+    /// The one module of the process.
+    static Module*& Instance() {
+        static Module* instance = new Module;
+        return instance;
+    }
 
 private:
+    ~Module() = default;
+
+    void Replace() {
+        Instance() = new Module;
+        delete this;
+    }
+
     std::vector<Device*> m_devices;
     void* m_deviceHost = nullptr;
+    bool m_hasMet = false; ///< for a fault alone: SetDeviceHost was called
     IMInterface* m_host = nullptr;
     bool m_isTerminated = false;
     Factory m_factory;
@@ -538,9 +571,10 @@ private:
 } // namespace
 
 extern "C" __attribute__((visibility("default"))) KXPCode GetKXPEntryPoint(IKXPModule** out) {
-    static Module module;
+    static Module* const other = new Module;
+    static int calls = 0;
     if (out == nullptr)
         return KXP_NULL_ARGUMENT;
-    *out = &module;
+    *out = Has("stated-answers:entry-point") && calls++ > 0 ? other : Module::Instance();
     return KXP_OK;
 }

@@ -9,6 +9,6 @@ cp -r "$2" "$folder/examples"
 cd "$folder"
 for kind in tcp udp http serial logic; do "$stagehost" new "$kind" "new-$kind" >/dev/null; done
 "$stagehost" test --within 120000 | tee printed
-for test in examples/{cuelist,driver,evening,projector}/show.json examples/museum/day.test.json new-{tcp,udp,http,serial,logic}/show.json; do
+for test in examples/{cuelist,driver,evening,house,projector}/show.json examples/museum/day.test.json new-{tcp,udp,http,serial,logic}/show.json; do
     grep -q "^ok      $test " printed
 done

@@ -2,11 +2,11 @@
 """Fails one call of the system after the other under a fixed evening of work, and looks at what becomes of it: no crash, no hang, a
 failure that is told, and what was stored before as it was, or whole as it was to become.
 
-    faults.py BIN [--kind KIND]... [--part PART]... [--most N] [--from N] [--jobs N] [--verbose]
+    faults.py BIN [--kind KIND]... [--part PART]... [--most N] [--from N] [--to N] [--jobs N] [--verbose]
 
 Of allocations only those count that code of the program itself makes, or the library of the language for it. Those of Qt and of the
-script engine are not failed: they end the process by themselves, at dozens of places. Nor are those of the module in a host of another
-kind, unless --part module asks for it: an exception of the language for want of memory still leaves the module there, and ends the process.
+script engine are not failed: they end the process by themselves, at dozens of places. Those of `stagehost` are failed only where --kind
+allocation asks for it; those of the module in a host of another kind always are.
 
 Without --most every call is failed that an evening makes; with it, N of each kind in each part, spread evenly. Kinds are those of
 FaultyCalls.cpp; "host", where the host itself refuses a call that the module makes of it; and those where every second or third call is short
@@ -78,19 +78,19 @@ class Part:
     """One program of the evening: its words, and what has to be whole behind it."""
 
     def __init__(self, name, program, words, whole=None):
-        self.name, self.program, self.words, self.whole = name, program, words, whole or (lambda folder: None)
+        self.name, self.program, self.words, self.whole = name, program, words, whole or (lambda folder, code: None)
 
 
 def show_is_whole(changed):
-    """The show file is the old one, or the new one with what was to be stored."""
+    """The show file is the old one, where a failure was told, or the new one with what was to be stored."""
 
-    def look(folder):
+    def look(folder, code):
         with open(folder + "/show.json", "rb") as file:
             now = file.read()
         with open(folder + "/before.json", "rb") as file:
             before = file.read()
         if now == before:
-            return None
+            return None if code != 0 else "nothing was stored, and no failure is told"
         try:
             return None if changed(json.loads(now)) else "the show file has changed, and not to what was stored"
         except ValueError:
@@ -99,7 +99,7 @@ def show_is_whole(changed):
     return look
 
 
-def download_is_whole(folder):
+def download_is_whole(folder, _):
     with open(folder + "/kept.txt", "rb") as file:
         now = file.read()
     if now not in (OLD_FILE, NEW_FILE):
@@ -209,7 +209,7 @@ class Evening:
             elif program.returncode != 0 and not told.strip():
                 problem = f"ends with {program.returncode} and says nothing"
             else:
-                problem = part.whole(folder)
+                problem = part.whole(folder, program.returncode)
             return reached, problem, program.returncode, told, struck
 
 
@@ -231,6 +231,7 @@ def main():
     reader.add_argument("--part", action="append")
     reader.add_argument("--most", type=int, default=0)
     reader.add_argument("--from", type=int, default=1, dest="first")
+    reader.add_argument("--to", type=int, default=0, dest="last")
     reader.add_argument("--owners", default="stagehost:kxpCalverinScript.kxp6:logsE.so", help="whose allocations fail")
     reader.add_argument("--jobs", type=int, default=2)
     reader.add_argument("--verbose", action="store_true")
@@ -244,14 +245,14 @@ def main():
     plan = []
     for part in parts:
         for kind in wanted.kind or KINDS:
-            if kind == "allocation" and not wanted.kind:
+            if kind == "allocation" and part.name != "module" and not wanted.kind:
                 continue  # what the engine needs for a value of ours ends the process now and then, elsewhere on each machine
             if part.name != "module" and kind == "host":
                 continue
             count, problem, code, told, _ = evening.play(part, kind)
             if problem or code != 0 or count == 0:
                 sys.exit(f"{part.name} without a fault ({kind}, {count} calls): {problem}, {code}\n{told}")
-            chosen = numbers(count, wanted.first, wanted.most)
+            chosen = numbers(min(count, wanted.last or count), wanted.first, wanted.most)
             print(f"{part.name}, {kind}: {count} calls, {len(chosen)} of them fail", flush=True)
             plan += [(part, kind, at, 0) for at in chosen]
             if kind in OFTEN:

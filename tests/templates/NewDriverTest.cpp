@@ -6,7 +6,7 @@
 
 #include "StageHostProcess.h"
 
-// What "stagehost new" lays out, as its user meets it. Runs in a network of its own, since each template has a port.
+// What "stagehost new" lays out, as its user meets it. Runs in a network of its own, since one test has a port.
 
 namespace {
 
@@ -35,6 +35,13 @@ protected:
         host.Say("get demo.Connection");
         return host.WaitForOutput("online");
     }
+    /// The show's peer becomes a program, which no step can call.
+    void RunInstead(const QStringList& words) {
+        const QByteArray run = "\"run\": [\"" + words.join(Text("\", \"")).toUtf8() + "\"]";
+        host.File(Text("demo/show.json"), Content(In("demo/show.json"))
+                                              .replace("\"script\": \"fake.js\"", run)
+                                              .replace("\"call\": \"turn\", \"args\": [70]", "\"do\": \"stall\""));
+    }
     QString In(const char* name) const { return host.Folder() + QLatin1Char('/') + Text(name); }
 
     StageHostProcess host;
@@ -60,10 +67,20 @@ TEST_P(EachTemplate, HasNothingThatCheckNotes) {
     for (const QString& script : QDir(In("demo")).entryList({Text("*.js")})) {
         if (script == Text("connection.js"))
             continue; // goes in front of the driver, and is checked with it
+        if (script == Text("fake.js") && GetParam() != std::string("logic"))
+            continue; // a counterpart is no driver
         host.Run({Text("check"), Text("--strict"), Text("demo/") + script});
         EXPECT_EQ(host.ExitCode(), 0) << host.Output().toStdString() << host.Errors().toStdString();
         EXPECT_FALSE(host.Output().contains(Text("Notes"))) << host.Output().toStdString();
     }
+}
+
+TEST_P(EachTemplate, SeveralOfAKindAreTestedSideBySide) {
+    for (const char* name : {"one", "two", "three"})
+        Make(GetParam(), name);
+    host.Run({Text("test"), Text("--jobs"), Text("3")});
+    EXPECT_EQ(host.ExitCode(), 0) << host.Output().toStdString() << host.Errors().toStdString();
+    EXPECT_TRUE(host.Output().contains(Text("3 of 3 tests went well"))) << host.Output().toStdString();
 }
 
 INSTANTIATE_TEST_SUITE_P(NewDriver, EachTemplate, testing::Values("tcp", "udp", "http", "serial", "logic"),
@@ -73,8 +90,9 @@ TEST_F(NewDriver, SaysWhatItHasMadeAndWhatToTypeNext) {
     Make("tcp", "amplifier");
     EXPECT_TRUE(host.Output().contains(Text("amplifier/amplifier.js"))) << host.Output().toStdString();
     EXPECT_TRUE(host.Output().contains(Text("  stagehost run amplifier/show.json"))) << host.Output().toStdString();
+    EXPECT_TRUE(host.Output().contains(Text("  stagehost test amplifier "))) << host.Output().toStdString();
     EXPECT_FALSE(QFile::exists(Path(Text("amplifier"))));
-    EXPECT_TRUE(QFile::exists(In("amplifier/peer.py")));
+    EXPECT_TRUE(QFile::exists(In("amplifier/fake.js")));
 }
 
 TEST_F(NewDriver, GivesProgramsTheListOfItsFiles) {
@@ -119,6 +137,9 @@ TEST_F(NewDriver, TellsThatTheFolderCannotBeMade) {
 
 TEST_F(NewDriver, ADriverWhosePeerDiesSaysSoAndComesBack) {
     Make("tcp", "demo");
+    const QString program = QStringLiteral(STAGEHOST_BIN "/stagehost");
+    const QStringList words{Text("counterpart"), Text("--json"), Text("--listen"), Text("4001"), Text("fake.js")};
+    RunInstead(QStringList(program) + words);
     host.Begin({Text("watch"), Text("demo/show.json"), Text("demo.Connection")});
     ASSERT_TRUE(IsOnline());
     const QString peer = host.Child();
@@ -128,8 +149,8 @@ TEST_F(NewDriver, ADriverWhosePeerDiesSaysSoAndComesBack) {
     EXPECT_TRUE(host.WaitForOutput("demo.Connection = offline: "));
     QProcess another;
     another.setWorkingDirectory(In("demo"));
-    another.start(Text("python3"), {Text("peer.py")});
-    host.Say("wait demo.Online yes");
+    another.start(program, words);
+    host.Say("wait demo.Online yes 60000");
     host.Say("send demo \"Set power\" power=on");
     EXPECT_TRUE(host.WaitForOutput("OK"));
     host.Say("quit");
@@ -141,8 +162,7 @@ TEST_F(NewDriver, ADriverWhosePeerDiesSaysSoAndComesBack) {
 
 TEST_F(NewDriver, APeerThatCannotBeStartedEndsTheShowWithItsName) {
     Make("tcp", "demo");
-    const QString show = In("demo/show.json");
-    host.File(Text("demo/show.json"), Content(show).replace("python3", "no-such-program"));
+    RunInstead({Text("no-such-program")});
     host.Run({Text("run"), Text("demo/show.json")});
     EXPECT_EQ(host.ExitCode(), 2);
     EXPECT_TRUE(host.Errors().startsWith(Text("peer fake demo: cannot start no-such-program: ")))

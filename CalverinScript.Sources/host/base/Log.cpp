@@ -15,6 +15,7 @@
 #include "IManagerRuntimeInfo.h"
 #include "LogLibrary.h"
 #include "ModuleFile.h"
+#include "RunWithinMemory.h"
 
 namespace {
 
@@ -172,6 +173,14 @@ bool IsLevelOn(int level) {
 
 void* LogHandle() {
     return State().handle.load();
+}
+
+void LogWantOfMemory(const char* device, const char* work) {
+    constexpr int kTroubleLevel = 5;
+    RunWithinMemory([=] {
+        if (IsLogOn(false))
+            WriteLog(LogHandle(), kTroubleLevel, "CalverinScript_ [%s] Not enough memory for %s.", device, work);
+    });
 }
 
 std::int32_t WriteLog(void* handle, int level, const char* format, ...) {

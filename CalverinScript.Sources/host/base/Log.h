@@ -34,6 +34,10 @@ bool IsLevelOn(int level);
 /// The writer handle of the open log, null when it is off. Valid until CloseLog.   [any]
 void* LogHandle();
 
+/// Says in the log that memory ran out, and in what; the line itself may be lost too.
+/// @param device its name in the host's text. @param work in English, such as "a command".   [any]
+void LogWantOfMemory(const char* device, const char* work);
+
 /// Formats a line (printf rules, cut at kLogLineSize) and writes it at a level.
 /// @param handle from LogHandle; null does nothing.
 /// @return what the library answered; -7 when the log is off.   [any]

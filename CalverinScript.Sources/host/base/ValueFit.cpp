@@ -10,7 +10,7 @@ namespace {
 
 QString HeldText(IData& data) {
     char* text = data.GetValueAsString();
-    const QString copy = FromHostText(text);
+    QString copy = FromHostText(text);
     if (text != nullptr)
         data.ReleaseString(&text);
     return copy;

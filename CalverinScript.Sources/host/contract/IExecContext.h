@@ -17,6 +17,7 @@ public:
     virtual KXPCode SetErrorCode(KXPCode code) = 0;
     /// The request has been taken on. A host that will answer 21 calls this before it answers: the module waits for the
     /// end of a request that was begun, and goes on at once, with the error code as it stands, with one that was not.
+    /// A host that releases the device from inside has the End before ExecuteCommand comes back.
     /// @return 0.   [any]
     virtual KXPCode Begin() = 0;
     /// The request is over: results that were promised are in place. May arrive before the call that carried the

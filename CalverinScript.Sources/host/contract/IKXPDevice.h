@@ -30,6 +30,13 @@ protected:
 /// Order of calls: SetDeviceVariables, SetName, SetSetup when a setup is stored, GetDefinition; then Start,
 /// ExecuteCommand and Stop any number of times; at last Release, before which the host has called Stop. The host makes
 /// the commands and variables of what GetDefinition gives; later changes come through IDeviceVariables::SetDefinition.
+///
+/// Release ends the device. From the instant at which a host calls it the host begins no other call on the device and
+/// none on the device's IManagerRemoteHandler, and no other thread is inside that handler any more: it goes with the
+/// device, without a SetHandler of null. (IResourceHandler has a rule of its own.) A Start or Stop that a script blocks
+/// on another thread comes back then. Behind Release the module begins no call on the device's IDeviceVariables, values
+/// and link, and contexts that were begun have ended. A script that never returns is ended or left behind: Release
+/// comes back within 2 seconds.
 class IKXPDevice : public IMInterface {
 public:
     /// Gives the device its variables, at once after CreateDevice.
@@ -80,7 +87,9 @@ public:
     /// setup is larger than the 64 MB that SetSetup reads.   [host main]
     virtual KXPCode GetSetup(char** out) = 0;
 
-    /// Applies a setup text that GetSetup gave once. The text is copied.
+    /// Applies a setup text that GetSetup gave once. The text is copied. The device takes its name from the attribute
+    /// Name of the setup's root, whatever SetName gave before, also where the root is all that is right of the text. A
+    /// text that is refused changes nothing else.
     /// @return 0 applied, 2 null, empty or malformed text, 22 no DeviceData root or no Version.   [host main]
     virtual KXPCode SetSetup(const char* setup) = 0;
 
@@ -97,7 +106,8 @@ public:
     /// @param id      the Command ID of the definition.
     /// @param params  borrowed for the call; the values that it hands out must live until the context has ended.
     /// @param context may be null. For command 3 and user commands the device calls Begin now and End, on any thread,
-    ///                when the result is in place; for commands 0 to 2 it is not used. Kept alive until End.
+    ///                when the result is in place; for commands 0 to 2 it is not used. The host keeps it alive until
+    ///                End; a reference that the device takes for a longer time goes back before Release returns.
     /// @return 0 accepted; 1 unknown id, no parameters or too few, or a track runs; 3 the function does not exist,
     ///         which it does once its script is loaded: "ScriptFunctions" tells when.   [any host thread]
     virtual KXPCode ExecuteCommand(std::int32_t id, IObjectParams* params, IExecContext* context) = 0;

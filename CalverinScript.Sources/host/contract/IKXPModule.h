@@ -6,8 +6,15 @@
 ///
 /// Order of calls: Initialize, SetDeviceHost, then devices come and go, Terminate, Release. Devices that are still
 /// there at Release are let go of: they end as with their own Release and refuse every operation from then on (19, or
-/// what the operation gives when it has nothing to give), until their own Release frees them. A second Release of the
-/// module does nothing.
+/// what the operation gives when it has nothing to give; QueryInterface may answer as before), until their own Release
+/// frees them. A second Release of the module does nothing: its object stays until the next one goes, or the file. A
+/// host may call Terminate and Release also from inside what the module asks it: within CreateDevice the Release counts
+/// when that comes back, with 7.
+///
+/// What belongs to the process is the host's: the module leaves locale, working folder, file mask, the handling of
+/// signals, rounding of floating-point numbers, environment and the three standard streams as they are, and writes
+/// nothing to standard output. Threads, descriptors and memory that it has taken are given back with the Release of the
+/// device or the module that they were taken for.
 class IKXPModule : public IMInterface {
 public:
     /// Hands over the host's root object, on which everything hangs that the module needs of the host. Called once,

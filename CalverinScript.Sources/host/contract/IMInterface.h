@@ -14,7 +14,7 @@ public:
     /// @return 0 found, 0x10000000 not offered (*out is null), 0x10000001 name or out is null.   [any]
     virtual KXPCode QueryInterface(const char* name, void** out) = 0;
 
-    /// Gives the object up: deletes a module or a device, drops one reference of a counted object.
+    /// Gives the object up: ends a module or a device, drops a reference of a counted one. Not for what was only lent.
     /// @return 0 always.   [host main for modules and devices, any for counted objects]
     virtual KXPCode Release() = 0;
 

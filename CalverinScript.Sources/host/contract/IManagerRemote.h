@@ -11,7 +11,8 @@ class IKXPDevice;
 
 /// Implemented by the module: hears of changes in the groups that a device registered for.
 ///
-/// It is not found through QueryInterface and not counted: both operations of IMInterface answer 0x10000001.
+/// It is not found through QueryInterface and not counted: both operations of IMInterface answer 0x10000001. A host may
+/// call it from SetHandler, or the older RegisterGroup, until it calls Release of the device; then it goes.
 class IManagerRemoteHandler : public IMInterface {
 public:
     /// An object of a registered group has changed. Copies the texts and returns at once; a null text drops the change.

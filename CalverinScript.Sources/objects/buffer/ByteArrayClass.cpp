@@ -10,6 +10,7 @@
 #include "BufferText.h"
 #include "ByteArrayClassPropertyIterator.h"
 #include "ByteArrayPrototype.h"
+#include "ScriptFacing.h"
 #include "StoppableLoop.h"
 
 namespace {
@@ -32,7 +33,7 @@ ByteArrayClass::ByteArrayClass(QScriptEngine* scriptEngine)
     : QObject(scriptEngine)
     , QScriptClass(scriptEngine)
     , m_length(scriptEngine->toStringHandle(QStringLiteral("length")))
-    , m_methods(new ByteArrayPrototype(this)) {
+    , m_methods(new ScriptFacing<ByteArrayPrototype>(this)) {
     RegisterBufferConversion(scriptEngine);
     m_prototype =
         scriptEngine->newQObject(m_methods, QScriptEngine::QtOwnership,
@@ -40,7 +41,7 @@ ByteArrayClass::ByteArrayClass(QScriptEngine* scriptEngine)
                                      QScriptEngine::ExcludeSuperClassProperties);
     const QScriptValue object = scriptEngine->globalObject().property(QStringLiteral("Object"));
     m_prototype.setPrototype(object.property(QStringLiteral("prototype")));
-    m_constructor = scriptEngine->newFunction(&ByteArrayClass::Construct, m_prototype);
+    m_constructor = scriptEngine->newFunction(&ScriptFunction<&ByteArrayClass::Construct>, m_prototype);
     for (std::size_t i = 0; i < m_numbers.size(); ++i)
         m_numbers[i] = QScriptValue(scriptEngine, static_cast<int>(i));
     m_constructor.setData(scriptEngine->newVariant(QVariant::fromValue(this)));

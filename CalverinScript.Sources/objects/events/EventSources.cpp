@@ -131,11 +131,13 @@ bool EventSources::GoesBefore(const Entry& one, const Entry& other) {
 bool EventSources::Release() {
     const std::lock_guard<std::mutex> guard(m_lock);
     const auto first = static_cast<std::ptrdiff_t>(m_released.size());
+    m_released.reserve(m_released.size() + m_live.size() + m_retired.size()); // all go, or none
     for (auto& live : m_live) {
-        Entry& entry = live.second;
-        NoteStrays(entry);
-        m_released.push_back(std::move(entry));
+        NoteStrays(live.second);
+        live.second.onTheWay = 0;
     }
+    for (auto& live : m_live)
+        m_released.push_back(std::move(live.second));
     m_live.clear();
     std::move(m_retired.begin(), m_retired.end(), std::back_inserter(m_released));
     m_retired.clear();

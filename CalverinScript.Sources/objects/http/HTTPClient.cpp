@@ -12,6 +12,7 @@
 #include "IScriptObjectOwner.h"
 #include "MScriptParamList.h"
 #include "MThreadHTTPClient.h"
+#include "RunWithinMemory.h"
 #include "ScriptView.h"
 
 namespace {
@@ -42,8 +43,8 @@ HTTPClient::HTTPClient(IScriptObjectOwner* objectOwner)
 }
 
 HTTPClient::~HTTPClient() {
-    MThreadHTTPClient::Retire(m_lpThread);
-    m_drops.TellRest();
+    RunWithinMemory([this] { MThreadHTTPClient::Retire(m_lpThread); });
+    RunWithinMemory([this] { m_drops.TellRest(); });
 }
 
 void HTTPClient::ConnectThread() {
@@ -161,8 +162,17 @@ void HTTPClient::Send(SendBody verb, const QNetworkRequest& request, const QScri
         (m_lpThread->*verb)(request, ToHostText(body.toString()));
 }
 
+/// The network library calls it, and cannot carry a C++ exception. An answer without memory for it becomes one of a failure, which
+/// needs less.
 void HTTPClient::SlotResponseReceived(const QByteArray& bysResponse, const QByteArray& bysResponseHeaders,
                                       int iHTTPStatusCode, int iError) {
+    const auto raise = [&] { RaiseResponse(bysResponse, bysResponseHeaders, iHTTPStatusCode, iError); };
+    if (!RunWithinMemory(raise))
+        RunWithinMemory([this] { RaiseResponse(QByteArray(), QByteArray(), 0, kHttpUnknownNetworkError); });
+}
+
+void HTTPClient::RaiseResponse(const QByteArray& bysResponse, const QByteArray& bysResponseHeaders, int iHTTPStatusCode,
+                               int iError) {
     const HTTPResponse response(bysResponse, iHTTPStatusCode, QString::fromLatin1(bysResponseHeaders));
     const SocketErrorInfo error(iError, QString::fromLatin1(HttpErrorText(iError)));
     MScriptParamList values;
@@ -185,14 +195,18 @@ void HTTPClient::RaiseProgress(const QString& event, int percent) {
         m_drops.Note(1);
         return;
     }
-    MScriptParamList values;
-    values.Add(percent);
-    values.Carry(m_backlog.Add({1, 0}));
-    m_owner->PostScriptEvent(event, &values, this);
+    const auto raise = [&] {
+        MScriptParamList values;
+        values.Add(percent);
+        values.Carry(m_backlog.Add({1, 0}));
+        m_owner->PostScriptEvent(event, &values, this);
+    };
+    if (!RunWithinMemory(raise))
+        RunWithinMemory([this] { m_drops.Note(1); });
 }
 
 void HTTPClient::SlotWarning(const QString& text) {
-    m_owner->TraceMessage(text, QStringLiteral("ALARM"));
+    RunWithinMemory([&] { m_owner->TraceMessage(text, QStringLiteral("ALARM")); });
 }
 
 void HTTPClient::SlotThreadReady() {

@@ -99,6 +99,8 @@ private:
     bool HasWorker();
     void SetAuthentication(const QString& user, const QString& password);
     void Send(SendBody verb, const QNetworkRequest& request, const QScriptValue& body);
+    void RaiseResponse(const QByteArray& bysResponse, const QByteArray& bysResponseHeaders, int iHTTPStatusCode,
+                       int iError);
     void RaiseProgress(const QString& event, int percent);
 
     IScriptObjectOwner* const m_owner;

@@ -1,11 +1,14 @@
 #include "HttpGate.h"
 
 #include <chrono>
+#include <memory>
 
+#include <QPointer>
 #include <QTimer>
 #include <QUuid>
 
 #include "HttpPassage.h"
+#include "RunWithinMemory.h"
 
 namespace {
 
@@ -36,9 +39,16 @@ QNetworkProxy HttpGate::GetProxy() {
 
 void HttpGate::SlotNewConnection() {
     while (QTcpSocket* const client = m_listener.nextPendingConnection()) {
-        const auto* const passage = new HttpPassage(client, User(), m_password, this);
-        connect(passage, &HttpPassage::SignalServerSpoke, this, &HttpGate::SignalServerSpoke);
+        const QPointer<QTcpSocket> held(client);
+        if (!RunWithinMemory([=] { LetIn(client); }))
+            delete held.data();
     }
+}
+
+void HttpGate::LetIn(QTcpSocket* client) {
+    auto passage = std::make_unique<HttpPassage>(client, User(), m_password, this);
+    connect(passage.get(), &HttpPassage::SignalServerSpoke, this, &HttpGate::SignalServerSpoke);
+    static_cast<void>(passage.release()); // it deletes itself
 }
 
 /// Without a free descriptor the listener pauses. There will be one again.

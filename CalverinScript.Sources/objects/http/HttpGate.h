@@ -32,6 +32,8 @@ private Q_SLOTS:
     void SlotAcceptFailed();
 
 private:
+    void LetIn(QTcpSocket* client);
+
     QTcpServer m_listener;
     const QByteArray m_password;
 };

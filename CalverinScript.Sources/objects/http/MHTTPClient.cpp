@@ -7,6 +7,7 @@
 #include "HttpErrors.h"
 #include "HttpPassage.h"
 #include "HttpRequest.h"
+#include "RunWithinMemory.h"
 
 namespace {
 
@@ -52,6 +53,20 @@ MHTTPClient::~MHTTPClient() {
         reply->abort();
         delete reply;
     }
+}
+
+/// Requests arrive as events of this thread, whose loop cannot carry a C++ exception.
+bool MHTTPClient::event(QEvent* received) {
+    bool isKnown = true;
+    AnswerWantOfMemory([&] { isKnown = QNetworkAccessManager::event(received); });
+    return isKnown;
+}
+
+/// Runs work that the network library or the event loop has called for.
+template <typename Work>
+void MHTTPClient::AnswerWantOfMemory(Work work) {
+    if (!RunWithinMemory(work))
+        RunWithinMemory([this] { Fail(kHttpUnknownNetworkError); });
 }
 
 /// @return whether a request can go out. One that cannot is answered, and takes the place of the last one as any other.
@@ -162,6 +177,10 @@ void MHTTPClient::SlotProxyAuthRequired(const QNetworkProxy& /*Proxy*/, QAuthent
 
 /// The end of the current request or of an earlier one; either way what the current one has got is what is reported.
 void MHTTPClient::SlotReadyRead() {
+    AnswerWantOfMemory([this] { TakeAnswer(); });
+}
+
+void MHTTPClient::TakeAnswer() {
     if (m_lpReply == nullptr)
         return;
     QByteArray body = m_lpReply->readAll();
@@ -180,12 +199,22 @@ void MHTTPClient::SlotReadyRead() {
 }
 
 void MHTTPClient::SlotError(QNetworkReply::NetworkError error) {
-    if (MaySendAgain(error)) {
-        SlotNAMReplyFinished(m_lpReply);
-        Send();
-        return;
-    }
+    if (!MaySendAgain(error))
+        return FailFor(error);
+    SlotNAMReplyFinished(m_lpReply);
+    AnswerWantOfMemory([this] { Send(); });
+}
+
+/// The network library keeps the certificates of each encrypted connection that it has refused, some kilobytes, as long as it
+/// remembers the server: with a driver that asks once a second that would be hundreds of megabytes a day.
+void MHTTPClient::FailFor(QNetworkReply::NetworkError error) {
     Fail(HttpErrorNumber(error));
+    const QList<QNetworkReply*> replies = findChildren<QNetworkReply*>();
+    const auto goesOn = [failed = sender()](const QNetworkReply* reply) {
+        return reply != failed && !reply->isFinished();
+    };
+    if (error == QNetworkReply::SslHandshakeFailedError && std::none_of(replies.begin(), replies.end(), goesOn))
+        clearConnectionCache(); // it would break off what goes on
 }
 
 /// A server may end a connection without a word once it has answered. The network library sends a request that it had
@@ -206,7 +235,9 @@ void MHTTPClient::SlotBodyGrows() {
         return;
     if (growing == m_lpReply && m_lpDownload != nullptr) {
         const int status = growing->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-        if (!m_lpDownload->Write(growing->readAll()))
+        bool isWritten = false;
+        RunWithinMemory([&] { isWritten = m_lpDownload->Write(growing->readAll()); });
+        if (!isWritten)
             RefuseBody(growing, kHttpFileRefused, status);
     } else if (growing->bytesAvailable() > m_maxBytes) {
         RefuseBody(growing, kHttpUnknownContentError, 0);

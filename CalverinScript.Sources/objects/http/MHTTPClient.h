@@ -69,6 +69,9 @@ Q_SIGNALS:
     /// Something that its answer does not tell, for the log.   [http]
     void SignalWarning(const QString& text);
 
+protected:
+    bool event(QEvent* received) override;
+
 private Q_SLOTS:
     void SlotNAMReplyFinished(QNetworkReply* reply);
     void SlotDestroyNAMReply(QNetworkReply* reply);
@@ -82,6 +85,10 @@ private Q_SLOTS:
 private:
     void Begin(const QNetworkRequest& request, std::function<QNetworkReply*()> send);
     void Send();
+    template <typename Work>
+    void AnswerWantOfMemory(Work work);
+    void TakeAnswer();
+    void FailFor(QNetworkReply::NetworkError error);
     bool MaySendAgain(QNetworkReply::NetworkError error) const;
     bool MayBegin(const QNetworkRequest& request);
     bool AnyBodyIsComing() const;

@@ -1,6 +1,7 @@
 #include "MThreadHTTPClient.h"
 
 #include "MHTTPClient.h"
+#include "RunWithinMemory.h"
 
 namespace {
 
@@ -12,14 +13,16 @@ MThreadHTTPClient::MThreadHTTPClient() = default;
 MThreadHTTPClient::~MThreadHTTPClient() = default;
 
 void MThreadHTTPClient::run() {
-    {
+    const auto work = [this] {
         MHTTPClient worker;
         ConnectWorker(worker);
         m_ready = true;
         Q_EMIT SignalInitialized();
         exec();
         m_ready = false;
-    }
+    };
+    if (!RunWithinMemory(work))
+        Q_EMIT SignalInitialized(); // it is waited for, and finds that there is no worker
     Q_EMIT SignalThreadTerminated();
     m_left = true;
 }

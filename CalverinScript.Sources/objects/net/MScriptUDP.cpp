@@ -12,6 +12,7 @@
 #include "IScriptObjectOwner.h"
 #include "MUDPSocket.h"
 #include "NetCodes.h"
+#include "RunWithinMemory.h"
 #include "ScriptView.h"
 #include "ScriptWaits.h"
 #include "SocketValues.h"
@@ -31,9 +32,13 @@ MScriptUDP::MScriptUDP(IScriptObjectOwner* objectOwner)
 }
 
 MScriptUDP::~MScriptUDP() {
+    ShutThreadsOut();
+    RunWithinMemory([this] { m_drops.TellRest(); });
+}
+
+void MScriptUDP::ShutThreadsOut() {
     m_socket->RemoveHandler(this);
     m_socket->Close();
-    m_drops.TellRest();
 }
 
 QScriptValue MScriptUDP::ToScript(QScriptEngine& engine) {

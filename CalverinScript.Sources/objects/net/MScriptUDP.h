@@ -39,6 +39,8 @@ public:
     explicit MScriptUDP(IScriptObjectOwner* owner);
     /// Closes and ends the thread.   [script]
     ~MScriptUDP() override;
+    /// Closes without event; no thread of the socket is in this object any more.   [script]
+    void ShutThreadsOut();
 
     /// The script's view of this object, which it does not own.   [script]
     QScriptValue ToScript(QScriptEngine& engine);

@@ -11,6 +11,7 @@
 #include "IScriptObjectOwner.h"
 #include "MTCPClientSocket.h"
 #include "NetCodes.h"
+#include "ScriptFacing.h"
 #include "ScriptWaits.h"
 #include "SocketValues.h"
 
@@ -34,13 +35,17 @@ TCPClient::TCPClient(IScriptObjectOwner* objectOwner)
 }
 
 TCPClient::~TCPClient() {
+    ShutThreadsOut();
+}
+
+void TCPClient::ShutThreadsOut() {
     m_socket->RemoveHandler(this);
     m_socket->Disconnect();
 }
 
 QScriptValue TCPClient::ToScript(QScriptEngine& engine) {
     QScriptValue view = GetView(engine);
-    QScriptValue quickWrite = engine.newFunction(&TCPClient::WriteQuickly);
+    QScriptValue quickWrite = engine.newFunction(&ScriptFunction<&TCPClient::WriteQuickly>);
     quickWrite.setData(view.property(QStringLiteral("write")));
     view.setProperty(QStringLiteral("write"), quickWrite);
     return view;

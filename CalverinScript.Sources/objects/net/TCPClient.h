@@ -37,6 +37,8 @@ public:
     explicit TCPClient(IScriptObjectOwner* owner);
     /// Closes without event and ends the thread, whatever the peer does.   [script]
     ~TCPClient() override;
+    /// Closes without event; no thread of the socket is in this object any more.   [script]
+    void ShutThreadsOut();
 
     /// The script's view of this object, which it does not own.   [script]
     QScriptValue ToScript(QScriptEngine& engine);

@@ -3,6 +3,8 @@
 #include <QScriptEngine>
 #include <QScriptValue>
 
+#include "ScriptFacing.h"
+
 /// @file
 /// How objects of this library stand before a script: with the methods of their own class alone, without Qt's.
 
@@ -14,14 +16,18 @@ QScriptValue WrapOwnedByHost(QScriptEngine& engine, QObject* object);
 /// @param bytes what the object takes beside its view, as the collector is told.   [script]
 QScriptValue WrapOwnedByScript(QScriptEngine& engine, QObject* object, int bytes);
 
+/// What such a constructor function does.   [script]
+template <typename Class>
+QScriptValue ConstructForScript(QScriptContext* context, QScriptEngine* caller) {
+    QScriptValue object = WrapOwnedByScript(*caller, new ScriptFacing<Class>, static_cast<int>(sizeof(Class)));
+    object.setPrototype(context->callee().property(QStringLiteral("prototype")));
+    return object;
+}
+
 /// The constructor function of a class, from its meta-object: `new Name()` gives an object that the script owns, and
 /// `instanceof` knows it.   [script]
 template <typename Class>
 QScriptValue ScriptConstructor(QScriptEngine& engine) {
-    const auto construct = [](QScriptContext* context, QScriptEngine* caller) {
-        QScriptValue object = WrapOwnedByScript(*caller, new Class, static_cast<int>(sizeof(Class)));
-        object.setPrototype(context->callee().property(QStringLiteral("prototype")));
-        return object;
-    };
-    return engine.newQMetaObject(&Class::staticMetaObject, engine.newFunction(construct));
+    return engine.newQMetaObject(&Class::staticMetaObject,
+                                 engine.newFunction(&ScriptFunction<&ConstructForScript<Class>>));
 }

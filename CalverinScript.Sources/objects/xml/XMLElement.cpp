@@ -6,6 +6,7 @@
 
 #include "BufferMemory.h"
 #include "GuardedXml.h"
+#include "ScriptFacing.h"
 #include "ScriptView.h"
 #include "StoppableLoop.h"
 #include "XmlTree.h"
@@ -38,7 +39,7 @@ XMLElement::XMLElement(std::shared_ptr<XmlTree> tree, TiXmlElement* element)
 XMLElement::~XMLElement() = default;
 
 QScriptValue XMLElement::Wrap(QScriptEngine* engine, const std::shared_ptr<XmlTree>& tree, TiXmlElement* element) {
-    return WrapOwnedByScript(*engine, new XMLElement(tree, element), kViewBytes);
+    return WrapOwnedByScript(*engine, new ScriptFacing<XMLElement>(tree, element), kViewBytes);
 }
 
 QScriptValue XMLElement::Create(QScriptEngine* engine, const QString& tagName) {

@@ -9,4 +9,8 @@ namespace stagehost {
 /// @param descriptor of the file, open for writing. @return false where the file system cannot do that.   [any]
 bool FreeFileBefore(int descriptor, std::int64_t offset);
 
+/// From now on a write beyond the size that files may have (ulimit -f) fails, as on a full disk, and does not end the
+/// process. Programs that it starts inherit that.   [host main]
+void FailWhereFilesMayNotGrow();
+
 } // namespace stagehost

@@ -54,7 +54,8 @@ IIOResourceChannel* Hardware::SelectChannel(std::uint32_t channelType, const cha
     std::vector<std::string> names;
     std::vector<IIOResourceChannel*> channels;
     for (const auto& resource : m_channels) {
-        for (std::int32_t index = 0; auto* channel = resource->GetChannel(channelType, index); ++index) {
+        IIOResourceChannel* channel = nullptr;
+        for (std::int32_t index = 0; (channel = resource->GetChannel(channelType, index)) != nullptr; ++index) {
             names.push_back(NameOf(resource.get()) + "." + channel->GetName());
             channels.push_back(channel);
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -15,9 +16,16 @@ namespace stagehost {
 struct NetAddress {
     std::string host; ///< IPv4 or IPv6; empty: any of this machine
     std::uint16_t port = 0;
-
-    bool operator<(const NetAddress& other) const { return port != other.port ? port < other.port : host < other.host; }
 };
+
+/// The same as the system has it: who has sent a datagram, at no cost but a copy.
+struct SenderAddress {
+    std::array<char, 28> bytes{}; ///< room for either kind
+    std::uint32_t size = 0;
+
+    bool operator<(const SenderAddress& other) const { return bytes < other.bytes; }
+};
+NetAddress InNumbers(const SenderAddress& address);
 
 enum class IoState {
     Done,  ///< count bytes
@@ -61,11 +69,14 @@ NetAddress LocalAddress(int descriptor);
 IoResult ReadSome(int descriptor, char* buffer, std::size_t size);
 /// Writes what the system takes, possibly less than size.
 IoResult WriteSome(int descriptor, const char* data, std::size_t size);
+/// The same for what is no socket.
+IoResult WriteSomeToTerminal(int descriptor, const char* data, std::size_t size);
 
 /// One datagram; 0 bytes are one too.
-IoResult ReceiveFrom(int descriptor, char* buffer, std::size_t size, NetAddress& who);
-IoResult SendTo(int descriptor, const char* data, std::size_t size, const NetAddress& to);
-/// The same to the one other that the socket speaks with.
+IoResult ReceiveFrom(int descriptor, char* buffer, std::size_t size, SenderAddress& who);
+IoResult SendTo(int descriptor, const char* data, std::size_t size, const SenderAddress& to);
+/// The same with the one other that the socket speaks with.
+IoResult Receive(int descriptor, char* buffer, std::size_t size);
 IoResult SendTo(int descriptor, const char* data, std::size_t size);
 
 /// A second descriptor of the same thing.

@@ -161,9 +161,9 @@ int HoldDatagramPort(const NetAddress& address, std::string& problem) {
     const int descriptor = OpenDatagrams(address, problem);
     AnyAddress nobody;
     const socklen_t length = ToSystem({kNobody, kDiscardPort}, nobody);
-    if (descriptor >= 0 && nobody.any.sa_family == AF_INET)
-        connect(descriptor, &nobody.any, length);
-    return descriptor;
+    const bool isHeld =
+        descriptor < 0 || nobody.any.sa_family != AF_INET || connect(descriptor, &nobody.any, length) == 0;
+    return isHeld ? descriptor : Fail(descriptor, problem);
 }
 
 bool Hear(int held) {
@@ -184,25 +184,40 @@ IoResult ReadSome(int descriptor, char* buffer, std::size_t size) {
 }
 
 IoResult WriteSome(int descriptor, const char* data, std::size_t size) {
-    ssize_t count = send(descriptor, data, size, MSG_NOSIGNAL);
-    if (count < 0 && errno == ENOTSOCK)
-        count = write(descriptor, data, size);
-    return Result(count, IoState::Later);
+    return Result(send(descriptor, data, size, MSG_NOSIGNAL), IoState::Later);
 }
 
-IoResult ReceiveFrom(int descriptor, char* buffer, std::size_t size, NetAddress& who) {
+IoResult WriteSomeToTerminal(int descriptor, const char* data, std::size_t size) {
+    return Result(write(descriptor, data, size), IoState::Later);
+}
+
+NetAddress InNumbers(const SenderAddress& address) {
     AnyAddress system{};
-    socklen_t length = sizeof system;
-    const IoResult result = Result(recvfrom(descriptor, buffer, size, 0, &system.any, &length), IoState::Done);
-    if (result.state == IoState::Done)
-        who = FromSystem(system);
+    std::memcpy(&system, address.bytes.data(), address.size);
+    return FromSystem(system);
+}
+
+IoResult ReceiveFrom(int descriptor, char* buffer, std::size_t size, SenderAddress& who) {
+    static_assert(sizeof(sockaddr_in6) <= sizeof who.bytes);
+    AnyAddress system{};
+    socklen_t length = sizeof who.bytes;
+    IoResult result = Result(recvfrom(descriptor, buffer, size, 0, &system.any, &length), IoState::Done);
+    if (result.state != IoState::Done)
+        return result;
+    who = {};
+    who.size = length;
+    std::memcpy(who.bytes.data(), &system, length);
     return result;
 }
 
-IoResult SendTo(int descriptor, const char* data, std::size_t size, const NetAddress& to) {
+IoResult SendTo(int descriptor, const char* data, std::size_t size, const SenderAddress& to) {
     AnyAddress system;
-    const socklen_t length = ToSystem(to, system);
-    return Result(sendto(descriptor, data, size, MSG_NOSIGNAL, &system.any, length), IoState::Done);
+    std::memcpy(&system, to.bytes.data(), to.size);
+    return Result(sendto(descriptor, data, size, MSG_NOSIGNAL, &system.any, to.size), IoState::Done);
+}
+
+IoResult Receive(int descriptor, char* buffer, std::size_t size) {
+    return Result(recv(descriptor, buffer, size, 0), IoState::Done);
 }
 
 IoResult SendTo(int descriptor, const char* data, std::size_t size) {

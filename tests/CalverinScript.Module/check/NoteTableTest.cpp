@@ -132,6 +132,12 @@ constexpr NoteCase kNoteCases[] = {
     {"2 object-made-again\n",
      "({ Send: function () { var c =\nQCalverin.CreateSocket(); c.on('data', function () {}); } })",
      "({ _mStart: function () { var c =\nQCalverin.CreateSocket(); c.on('data', function () {}); } })"},
+    {"2 lost-jump\n", "({ f: function () { for (;;) [1].forEach(function () {\ncontinue; }); } })",
+     "({ f: function () { [1].forEach(function () { for (;;)\ncontinue; }); } })"},
+    {"2 passed-over\n", "var a = 1,\nvar b = 2;\n({})", "var a = 1;\nvar b = 2;\n({})"},
+    {"1 passed-over\n", "var a = 1, f = function () {", "var a = 1, f = function () {}"},
+    {"2 passed-over\n", "({ f: function () { var a = 1, b = 2 +\n} })",
+     "({ f: function () { var a = 1, b = 2 +\n3 } })"},
 };
 
 TEST(NoteTable, HasARowForEachKindOfNoteInTheirOrderEachWithACodeOfItsOwn) {

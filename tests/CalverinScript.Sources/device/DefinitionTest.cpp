@@ -125,6 +125,10 @@ TEST(DefinitionTemplate, HasItsThreeComments) {
 class Definition : public testing::Test {
 protected:
     void SetUp() override { request.definitionTemplate = text.c_str(); }
+    /// @param known must outlive what is built.
+    void Know(IDeviceVariables& known) {
+        request.findVariable = [&known](const char* name) { return known.GetVariable(name); };
+    }
     std::string Build() {
         std::string out = "untouched";
         EXPECT_TRUE(BuildDefinition(request, out));
@@ -195,7 +199,7 @@ TEST_F(Definition, ChangesTheDeviceNumberOnlyInThePropertiesOfAWholeCommand) {
 TEST_F(Definition, GivesKnownVariablesTheirNumbersAndLeavesOthers) {
     variables.status.Plain().m_instanceId = 101;
     variables.error.m_instanceId = 4294967295u;
-    request.deviceVariables = &variables;
+    Know(variables);
     const std::string built = Build();
     EXPECT_NE(built.find("Name=\"Status\" InstanceID=\"101\""), std::string::npos);
     EXPECT_NE(built.find("Name=\"Error\" InstanceID=\"4294967295\""), std::string::npos);
@@ -203,7 +207,7 @@ TEST_F(Definition, GivesKnownVariablesTheirNumbersAndLeavesOthers) {
 }
 
 TEST_F(Definition, LeavesTheNumbersOfVariablesThatTheHostDoesNotKnow) {
-    request.deviceVariables = &variables;
+    Know(variables);
     request.definitionTemplate = "<Device><Commands/><Variables><StringData Name='Mine' InstanceID='7'/>"
                                  "<StringData InstanceID='8'/></Variables></Device>";
     const std::string built = Build();
@@ -224,7 +228,7 @@ public:
 TEST_F(Definition, OfResetNumbersGivesTheDefaultVariablesNoneAndKeepsThoseOfOthers) {
     MoreVariables more;
     more.error.m_instanceId = 12;
-    request.deviceVariables = &more;
+    Know(more);
     request.resetDefaultIds = true;
     request.definitionTemplate =
         "<Device><Commands/><Variables><StringData Name='Error' InstanceID='3'/><EnumData Name='Status' "
@@ -238,7 +242,7 @@ TEST_F(Definition, OfResetNumbersGivesTheDefaultVariablesNoneAndKeepsThoseOfOthe
                          "..EnumData Name=Status InstanceID=0", "..StringData Name=CurrentScriptFileName InstanceID=0",
                          "..StringData Name=CurrentScriptText InstanceID=0",
                          "..StringData Name=ScriptFunctions InstanceID=0", "..StringData Name=Mine InstanceID=55"}));
-    request.deviceVariables = nullptr;
+    request.findVariable = [](const char*) { return nullptr; };
     EXPECT_NE(Build().find("Name=\"Error\" InstanceID=\"0\""), std::string::npos);
 }
 

@@ -30,10 +30,15 @@ private:
 
 IData* DefinedVariables::GetVariable(const char* name) {
     const auto found = m_own.find(name);
-    return found != m_own.end() ? found->second.get() : plain::Variables::GetVariable(name);
+    IData* const data = found != m_own.end() ? found->second.get() : plain::Variables::GetVariable(name);
+    if (onGet)
+        onGet();
+    return data;
 }
 
 std::uint32_t DefinedVariables::SetDefinition(const char* xml) {
+    if (onDefinition)
+        onDefinition();
     TiXmlDocument document;
     if (refuses || !ParseXml(document, xml))
         return 0;
@@ -73,6 +78,8 @@ DriverFixture::DriverFixture() {
 
 void DriverFixture::TearDown() {
     for (const auto& driver : drivers) {
+        if (driver->device == nullptr)
+            continue;
         driver->device->Stop();
         driver->device->Release();
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -16,7 +17,12 @@ public:
     TypedValue& At(const std::string& name) { return *m_own.at(name); }
     bool Has(const std::string& name) const { return m_own.count(name) > 0; }
 
-    bool refuses = false; ///< takes no definition
+    /// Drops the values that a definition has made, and may do it from inside a call.
+    void DropAll() { m_own.clear(); }
+
+    bool refuses = false;               ///< takes no definition
+    std::function<void()> onGet;        ///< a variable is asked for
+    std::function<void()> onDefinition; ///< a definition is offered
 
 private:
     std::map<std::string, std::unique_ptr<TypedValue>> m_own;
@@ -41,7 +47,7 @@ private:
 /// One device with its variables.
 struct DriverDevice {
     DefinedVariables variables;
-    MCalverinScript_Device* device = nullptr;
+    MCalverinScript_Device* device = nullptr; ///< null once a test has released it
 };
 
 /// Devices whose scripts are drivers, between a plain host and a test.

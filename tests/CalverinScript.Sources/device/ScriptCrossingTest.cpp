@@ -19,8 +19,11 @@ class NotedCall final : public ScriptCrossing::Call {
 public:
     bool Run() override {
         ranOn = QThread::currentThread();
+        if (findsNoMemory)
+            throw std::bad_alloc();
         return true;
     }
+    bool findsNoMemory = false;
     QThread* ranOn = nullptr;
 };
 
@@ -49,7 +52,8 @@ protected:
     std::recursive_mutex lock;
     std::atomic<bool> ending{false};
     int hung = 0;
-    ScriptCrossing crossing{lock, ending, [] {}, [this] { ++hung; }, nullptr};
+    int shortages = 0;
+    ScriptCrossing crossing{lock, ending, [] {}, [this] { ++hung; }, [this] { ++shortages; }, nullptr};
 };
 
 TEST_F(Crossing, RunsACallOnTheOtherSideAndGivesItsResult) {
@@ -67,6 +71,16 @@ TEST_F(Crossing, ACallWhoseCallerHasGoneOnRunsAllTheSame) {
     EXPECT_FALSE(answer.get().isOver) << "nobody served the other side";
     QCoreApplication::processEvents();
     EXPECT_EQ(call->ranOn, QThread::currentThread());
+}
+
+TEST_F(Crossing, WantOfMemoryInACallIsToldAndEndsItWithoutAResult) {
+    const auto call = std::make_shared<NotedCall>();
+    call->findsNoMemory = true;
+    std::future<Answer> answer = CallFromOutside(call, CompletionGate::kNoLimit);
+    const Answer given = ServeUntil(answer);
+    EXPECT_TRUE(given.isOver);
+    EXPECT_FALSE(given.result);
+    EXPECT_EQ(shortages, 1);
 }
 
 TEST_F(Crossing, TheEndLetsWaitersGoAndRefusesCalls) {

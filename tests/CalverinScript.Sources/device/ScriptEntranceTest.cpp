@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QScriptEngine>
 
@@ -23,7 +24,12 @@ protected:
     }
     ~Entrance() override { entrance.LeaveThread(); }
 
-    static void ServeEvents() { QCoreApplication::processEvents(); }
+    /// Serves all that waits, however many turns it takes: one turn of tasks may be over before its tasks are.
+    static void ServeEvents() {
+        do
+            QCoreApplication::processEvents();
+        while (QAbstractEventDispatcher::instance()->hasPendingEvents());
+    }
     void Note(int what) {
         entrance.Post([this, what] { seen.push_back(what); });
     }
@@ -50,10 +56,11 @@ protected:
 
     std::vector<int> seen;
     int deferredRuns = 0;
+    int shortages = 0;
     std::recursive_mutex lock;
     std::atomic<bool> ending{false};
     QScriptEngine engine;
-    ScriptEntrance entrance{lock, ending, [this] { ++deferredRuns; }, nullptr};
+    ScriptEntrance entrance{lock, ending, [this] { ++deferredRuns; }, [this] { ++shortages; }, nullptr};
 };
 
 TEST_F(Entrance, RunsTasksInTheOrderInWhichTheyWereLeft) {
@@ -107,6 +114,14 @@ TEST_F(Entrance, AnEntryOfAnotherThreadHoldsTheLockAndCountsAsNobodyInside) {
     tick.join();
     EXPECT_TRUE(lock.try_lock());
     lock.unlock();
+}
+
+TEST_F(Entrance, WantOfMemoryInATaskIsToldAndTheNextTaskRuns) {
+    entrance.Post([] { throw std::bad_alloc(); });
+    Note(2);
+    ServeEvents();
+    EXPECT_EQ(shortages, 1);
+    EXPECT_EQ(seen, std::vector<int>{2});
 }
 
 TEST_F(Entrance, TakesNoTaskAfterClose) {

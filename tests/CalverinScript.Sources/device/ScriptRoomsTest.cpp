@@ -86,7 +86,7 @@ protected:
     const HostServices services{};
     HostValues values{ending};
     StoredSetup setup;
-    ScriptEntrance entrance{lock, ending, [this] { handlers.FireDeferred(); }, &home};
+    ScriptEntrance entrance{lock, ending, [this] { handlers.FireDeferred(); }, [] {}, &home};
     ScriptWorld world{ScriptWorld::Place{home, device, services, values, entrance, ending, *this}};
     ScriptHandlers handlers{home, world, entrance};
     ScriptProgram program{ScriptProgram::Parts{world, handlers, values, setup, services, *this}};

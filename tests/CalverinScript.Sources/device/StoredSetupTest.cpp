@@ -1,5 +1,8 @@
 #include <algorithm>
+#include <chrono>
 #include <ctime>
+#include <future>
+#include <thread>
 
 #include <QFile>
 
@@ -370,6 +373,31 @@ TEST_F(StoredSetups, TakesTimeInProportionToTheCountOfCommandsAndVariables) {
     RecordProperty("milliseconds of 200", static_cast<int>(small * 1000));
     RecordProperty("milliseconds of 800", static_cast<int>(large * 1000));
     EXPECT_LT(large, 9 * small) << "four times as many, where sixteen would be the square";
+}
+
+TEST_F(StoredSetups, LookUpVariablesOfAHostThatStartsTheDeviceMeanwhileFromTwoThreads) {
+    DriverDevice& driver = MakeDevice();
+    ASSERT_EQ(Accept(driver, "({ Device: { Level: 1 } })"), KXP_OK);
+    const std::string setup = Setup(driver);
+    const auto here = std::this_thread::get_id();
+    int asked = 0;
+    driver.variables.onGet = [&] { ++asked; };
+    ASSERT_EQ(driver.device->SetSetup(setup.c_str()), KXP_OK);
+    ASSERT_GT(asked, 0);
+    for (int question = 1; question <= asked; ++question) {
+        std::future<KXPCode> start;
+        int left = question;
+        driver.variables.onGet = [&] {
+            if (std::this_thread::get_id() != here || --left != 0)
+                return;
+            start = std::async(std::launch::async, [&] { return driver.device->Start(); });
+            start.wait_for(std::chrono::milliseconds(100)); // it may have to wait for what asks here
+            driver.device->Start();
+        };
+        EXPECT_EQ(driver.device->SetSetup(setup.c_str()), KXP_OK) << question;
+        EXPECT_EQ(start.get(), KXP_OK) << question;
+        driver.device->Stop();
+    }
 }
 
 } // namespace

@@ -97,7 +97,7 @@ TEST_F(DriverDefinition, TellsTheNumberThatTheHostHasGiven) {
     } known;
     known.value.instanceId = 42;
     GivenVariable("IntegerData", "5", "Integer");
-    request.deviceVariables = &known;
+    request.findVariable = [&known](const char* name) { return known.GetVariable(name); };
     EXPECT_EQ(Variables(), Lines{"..IntegerData InstanceID=42 Name=v Value=5 DefaultValue=5"});
 }
 

@@ -1,4 +1,5 @@
 #include <chrono>
+#include <new>
 #include <thread>
 
 #include <gtest/gtest.h>
@@ -32,6 +33,24 @@ TEST_F(Limited, AWorkThatEndsLeavesItsValuesToTheCaller) {
     EXPECT_EQ(Evaluate("({ n: 6 * 7 })", kNeverReached), Outcome::InTime);
     EXPECT_EQ(value.property(QStringLiteral("n")).toInt32(), 42);
     EXPECT_EQ(engine.evaluate(QStringLiteral("1 + 1")).toInt32(), 2) << "the engine is the caller's again";
+}
+
+TEST_F(Limited, AWorkThatFindsNoMemoryEndsAsSuchAndLeavesTheEngineInOrder) {
+    LimitedRun run(engine, kNeverReached);
+    EXPECT_EQ(run.Run([] { throw std::bad_alloc(); }), Outcome::NoMemory);
+    EXPECT_EQ(Evaluate("6 * 7", kNeverReached), Outcome::InTime);
+    EXPECT_EQ(value.toInt32(), 42);
+}
+
+TEST_F(Limited, AWorkWhoseHostFindsNoMemoryForAnAnswerIsNoneThatCounts) {
+    LimitedRun run(engine, kNeverReached);
+    bool goesOn = false;
+    EXPECT_EQ(run.Run([&] {
+        run.OnCallersThread([] { throw std::bad_alloc(); });
+        goesOn = true;
+    }),
+              Outcome::NoMemory);
+    EXPECT_TRUE(goesOn);
 }
 
 TEST_F(Limited, AnEndlessScriptIsEndedAfterTheLimit) {
@@ -94,6 +113,7 @@ TEST_F(Limited, OnlyAnAnalysisThatDidNotEndHasAText) {
     EXPECT_EQ(AnalysisFailure(Outcome::Late, kAnalysisLimit),
               QStringLiteral("The analysis was ended after 10 s: the script does not come back."));
     EXPECT_FALSE(AnalysisFailure(Outcome::NoThread, kAnalysisLimit).isEmpty());
+    EXPECT_FALSE(AnalysisFailure(Outcome::NoMemory, kAnalysisLimit).isEmpty());
 }
 
 TEST_F(Limited, ADescriptionStaysAsItWasWhenTheScriptDoesNotComeBack) {

@@ -135,6 +135,62 @@ TEST(SyntaxReader, FindsNothingInMutatedDriversThatTheEngineTakesAndMostOfWhatIt
     EXPECT_GT(found, refused * 9 / 10);
 }
 
+TEST(SyntaxReader, FindsTheJumpsThatTheEngineFindsWhenTheirFunctionIsCalled) {
+    struct Row {
+        const char* body;
+        const char* lost; ///< with commas
+    };
+    const Row rows[] = {
+        {"for (;;) break; while (0) { continue; } do { break } while (0)", ""},
+        {"for (var k in {}) switch (k) { case 1: break; default: continue; }", ""},
+        {"switch (1) { default: continue; }", "continue"},
+        {"break;", "break"},
+        {"if (0) { continue }", "continue"},
+        {"with ({}) break;", "break"},
+        {"a: { break a; }", ""},
+        {"a: for (;;) { b: for (;;) { break a; } }", ""},
+        {"a: for (;;) { break b; }", "break b"},
+        {"a: b: for (;;) { c: { continue a; } continue b; }", ""},
+        {"a: { for (;;) { continue a; } }", ""},
+        {"a: switch (1) { case 1: continue a; }", "continue a"},
+        {"a: for (;;) { b: { continue b; } }", "continue b"},
+        {"a: while (0) do { continue a; } while (0)", ""},
+        {"a: ; for (;;) { break a; }", "break a"},
+        {"for (;;) { break\na }", ""},
+        {"for (;;) { (function () { for (;;) break; continue; }); break; }", "continue"},
+        {"a: for (;;) { x = { get y() { break a; } }; break; }", "break a"},
+        {"break; for (;;) ; continue /* no loop */ ;", "break, continue"},
+    };
+    for (const Row& row : rows) {
+        const QString text = QStringLiteral("(function () {\n%1\n})").arg(QLatin1String(row.body));
+        QStringList lost;
+        for (const LostJump& jump : FindLostJumps(text)) {
+            lost.append(jump.word);
+            EXPECT_EQ(text.mid(jump.offset, jump.word.size()), jump.word) << row.body;
+        }
+        EXPECT_EQ(lost.join(QStringLiteral(", ")), QLatin1String(row.lost)) << row.body;
+    }
+}
+
+TEST(SyntaxReader, CallsNoJumpLostThatTheEngineFollows) {
+    QScriptEngine engine;
+    for (const char* body :
+         {"for (;;) break;", "do { break } while (0)", "a: { break a; }", "switch (1) { default: break; }",
+          "a: for (;;) { for (;;) { break a; } }", "for (;;) { break\na }"}) {
+        engine.evaluate(QStringLiteral("(function () {\n%1\n})()").arg(QLatin1String(body)));
+        EXPECT_FALSE(engine.hasUncaughtException()) << body;
+        EXPECT_TRUE(FindLostJumps(QLatin1String(body)).empty()) << body;
+    }
+    for (const char* body :
+         {"break;", "switch (1) { default: continue; }", "a: for (;;) { break b; }", "with ({}) break;",
+          "a: { continue a; }", "a: switch (1) { default: continue a; }", "[1].forEach(function () { continue; })"}) {
+        engine.evaluate(QStringLiteral("(function () {\n%1\n})()").arg(QLatin1String(body)));
+        EXPECT_TRUE(engine.hasUncaughtException()) << body;
+        engine.clearExceptions();
+        EXPECT_EQ(FindLostJumps(QLatin1String(body)).size(), 1U) << body;
+    }
+}
+
 TEST(SyntaxReader, FollowsDeepTextsAsFarAsItCanAndGivesUpBeyond) {
     for (const char* open :
          {"(", "[", "{", "(function () { ", "({ a: ", "for (;;) ", "if (a) ", "a ? ", "!", "new ", "a = "}) {

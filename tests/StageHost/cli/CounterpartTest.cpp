@@ -1,9 +1,13 @@
+#include <sys/socket.h>
+
 #include <gtest/gtest.h>
 
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QRegularExpression>
+#include <QTcpServer>
 #include <QTcpSocket>
 #include <QUdpSocket>
 
@@ -72,6 +76,9 @@ protected:
         return host.Errors().trimmed();
     }
 
+    /// Plays with this standard input. @param form an option.
+    void ExpectToPlayOn(const char* input, const char* form);
+
     StageHostProcess host;
     QTcpSocket socket;
 };
@@ -79,6 +86,23 @@ protected:
 constexpr const char* kEcho = "var d = Counterpart.tcp({ lines: '\\r' });\n"
                               "d.onOpen = function (c) { c.say('HELLO\\r'); };\n"
                               "d.onLine = function (c, line) { c.say(line + '!\\r'); };\n";
+
+void Counterpart::ExpectToPlayOn(const char* input, const char* form) {
+    SCOPED_TRACE(std::string(input) + ' ' + form);
+    host.SetWorkingFolder(host.Folder());
+    host.File(Text("fake.js"), kEcho);
+    host.BeginWithInput(input, {Text("counterpart"), Text(form), Text("fake.js")});
+    ASSERT_TRUE(host.WaitForOutput("\n")) << host.Errors().toStdString();
+    static const QRegularExpression port(Text("tcp\":(\\d+)|127\\.0\\.0\\.1:(\\d+)"));
+    const auto match = port.match(host.Output());
+    Connect((match.captured(1) + match.captured(2)).toInt());
+    EXPECT_EQ(Read(6), "HELLO\r");
+    for (int turn = 0; turn < 50; ++turn) // an end that is read is met within a few of them
+        ASSERT_EQ(Ask("a\r", 3), "a!\r") << turn;
+    host.Interrupt();
+    host.Finish();
+    EXPECT_EQ(host.ExitCode(), 0);
+}
 
 } // namespace
 
@@ -114,6 +138,23 @@ TEST_F(Counterpart, IsReachedWhereItIsTold) {
     GivenTcp(kEcho, {Text("--listen"), Text("127.0.0.1:%1").arg(port)});
     EXPECT_EQ(socket.peerPort(), port);
     EXPECT_EQ(Read(6), "HELLO\r");
+}
+
+TEST_F(Counterpart, TellsThePortThatItCannotHave) {
+    QTcpServer taken;
+    ASSERT_TRUE(taken.listen(QHostAddress(QHostAddress::LocalHost)));
+    const QString place = Text("127.0.0.1:%1").arg(taken.serverPort());
+    EXPECT_TRUE(Complaint(kEcho, {Text("--listen"), place})
+                    .startsWith(Text("fake.js:1: Error: %1: Address already in use").arg(place)))
+        << host.Errors().toStdString();
+}
+
+TEST_F(Counterpart, WhatItPrintsIsANoteAndNoSignOfReadiness) {
+    Given("print('warm', 3);\nCounterpart.tcp();");
+    EXPECT_TRUE(host.WaitForOutput("\"ready\"")) << host.Output().toStdString();
+    EXPECT_TRUE(host.Output().startsWith(Text("{\"note\":\"warm 3\"}\n"))) << host.Output().toStdString();
+    host.Finish();
+    EXPECT_EQ(host.ExitCode(), 0);
 }
 
 TEST_F(Counterpart, CutsFramesAsItIsTold) {
@@ -207,6 +248,36 @@ TEST_F(Counterpart, HearsOfLinesThatAPrankHasEndedAndOfNoneThatItHasClosedItself
     EXPECT_FALSE(host.Output().contains(Text("closed 1")));
 }
 
+TEST_F(Counterpart, ClosesBehindAProgramThatHasEndedAndHearsOfThat) {
+    GivenTcp("var closed = 0, d = Counterpart.tcp({ lines: '\\r' });\n"
+             "d.onClose = function (c, why) { ++closed; note('closed ' + c.id + why); };\n"
+             "d.onLine = function (c, t) { c.say(d.lines().length + ' open, ' + closed + ' closed\\r'); };");
+    EXPECT_EQ(Ask("q\r", 17), "1 open, 0 closed\r");
+    const quint16 port = socket.peerPort();
+    socket.disconnectFromHost();
+    ASSERT_TRUE(IsSentAway());
+    ASSERT_TRUE(host.WaitForOutput("closed 1\""));
+    Connect(port);
+    EXPECT_EQ(Ask("q\r", 17), "1 open, 1 closed\r");
+}
+
+TEST_F(Counterpart, SpeaksOnBehindAnEndOfTheProgramWhenItsScriptWantsTo) {
+    GivenTcp("var d = Counterpart.tcp({ lines: '\\r' });\n"
+             "d.onEnd = function (c) { after(20, function () { c.say('late\\r'); c.close(); }); };");
+    ASSERT_EQ(::shutdown(static_cast<int>(socket.socketDescriptor()), SHUT_WR), 0);
+    EXPECT_EQ(Read(5), "late\r");
+    EXPECT_TRUE(IsSentAway());
+}
+
+TEST_F(Counterpart, TellsNothingAsSaidBehindTheEndOfALine) {
+    GivenTcp("var d = Counterpart.tcp({ lines: '\\r' });\n"
+             "d.onOpen = function (c) { c.say('bye\\r'); c.close(); c.say('after\\r'); note('over'); };");
+    EXPECT_EQ(Read(4), "bye\r");
+    ASSERT_TRUE(host.WaitForOutput("\"over\""));
+    EXPECT_TRUE(host.Output().contains(Text("\"said\":\"bye"))) << host.Output().toStdString();
+    EXPECT_FALSE(host.Output().contains(Text("\"said\":\"after"))) << host.Output().toStdString();
+}
+
 TEST_F(Counterpart, MayLeaveFromInsideItsOwnFraming) {
     GivenTcp("var d = Counterpart.tcp({ frame: function (b) { d.leave(); d.comeBack(); return b.length; } });\n"
              "d.onFrame = function () { note('never'); };");
@@ -234,8 +305,10 @@ TEST_F(Counterpart, TakesOptionsByTheKindOfTheirDefaults) {
 }
 
 TEST_F(Counterpart, IsToldWhatItHasDoneWrong) {
-    EXPECT_EQ(Complaint("var d = Counterpart.tcp({ lines: '\\r' };").section(QLatin1Char('\n'), 0, 0),
-              Text("fake.js:1:40: SyntaxError: Expected `;', `)'"));
+    EXPECT_EQ(Complaint("var d = Counterpart.tcp({ lines: '\\r' };").toStdString(),
+              "fake.js:1:40: SyntaxError: expected \",\" or \")\" before \";\"\n"
+              "    | var d = Counterpart.tcp({ lines: '\\r' };\n"
+              "    |                                        ^");
     EXPECT_EQ(Complaint("1;"),
               Text("fake.js: opens nothing: a counterpart begins with Counterpart.tcp, udp or serial"));
     EXPECT_TRUE(
@@ -245,8 +318,24 @@ TEST_F(Counterpart, IsToldWhatItHasDoneWrong) {
               Text("fake.js: nothing calls \"onFrame\" of tcp; there are: onOpen, onEnd, onClose, onLine"));
     EXPECT_EQ(Complaint("var d = Counterpart.tcp();\nd.onBytes = 3;"),
               Text("fake.js: \"onBytes\" of tcp is no function"));
+    EXPECT_TRUE(
+        Complaint("Counterpart.tcp({ port: 99999 });")
+            .startsWith(Text("fake.js:1: Error: Counterpart.tcp: \"port\" takes a whole number from 0 to 65535, "
+                             "not 99999")))
+        << host.Errors().toStdString();
+    EXPECT_TRUE(Complaint("Counterpart.tcp({ most: 1e12 });")
+                    .startsWith(Text("fake.js:1: Error: Counterpart.tcp: \"most\" takes a whole number from 1 to ")))
+        << host.Errors().toStdString();
+    EXPECT_TRUE(
+        Complaint("Counterpart.udp(5);").startsWith(Text("fake.js:1: Error: Counterpart.udp takes an object, not 5")))
+        << host.Errors().toStdString();
+    EXPECT_TRUE(Complaint("Counterpart.tcp({ lines: '\\n', length: 3 });")
+                    .startsWith(Text("fake.js:1: Error: Counterpart.tcp takes one of \"lines\" and \"length\"")))
+        << host.Errors().toStdString();
     EXPECT_TRUE(Complaint("Counterpart.tcp(); Counterpart.udp();")
                     .startsWith(Text("fake.js:1: Error: of several endpoints each needs a \"name\", but for one")));
+    EXPECT_TRUE(Complaint("Counterpart.tcp().misbehave([]);")
+                    .startsWith(Text("fake.js:1: Error: misbehave takes a word at least; obey ends it")));
     EXPECT_TRUE(Complaint("function f() { every(0, f); }\nf();")
                     .endsWith(Text("at f (fake.js:1)\n    at the top level (fake.js:2)")))
         << host.Errors().toStdString();
@@ -364,16 +453,122 @@ TEST_F(Counterpart, TheSameSeedGivesTheSameNonsense) {
     EXPECT_GT(said[0].size(), 100);
 }
 
+TEST_F(Counterpart, LoadedAnewItGoesOnAtTheSamePlaces) {
+    const char* kThree = "Counterpart.tcp();\nCounterpart.udp({ name: 'u' });\nCounterpart.serial({ name: 's' });\n";
+    const QJsonObject before = Given(kThree);
+    Connect(before.value(Text("tcp")).toInt());
+    host.File(Text("fake.js"), QByteArray(kThree) + "Counterpart.tcp({ name: 'more' });\n");
+    host.Say(R"({"do":"load"})");
+    ASSERT_TRUE(host.WaitForOutput("\"done\":\"load\"")) << host.Output().toStdString();
+    EXPECT_TRUE(IsSentAway());
+    const QByteArray line = host.Output().split(QLatin1Char('\n')).filter(Text("\"ready\"")).value(1).toUtf8();
+    QJsonObject after = QJsonDocument::fromJson(line).object();
+    QJsonObject places = after.value(Text("endpoints")).toObject();
+    EXPECT_GT(places.take(Text("more")).toObject().value(Text("tcp")).toInt(), 0) << line.toStdString();
+    after.insert(Text("endpoints"), places);
+    EXPECT_EQ(after, before) << line.toStdString();
+    EXPECT_TRUE(QFile::exists(places.value(Text("s")).toObject().value(Text("serial")).toString()));
+    Connect(before.value(Text("tcp")).toInt());
+    host.Finish();
+    EXPECT_EQ(host.ExitCode(), 0);
+}
+
+TEST_F(Counterpart, PlaysAgainBeforeItTellsThatAnEditionDoesNotLoad) {
+    GivenTcp(kEcho);
+    host.File(Text("fake.js"), QByteArray(kEcho) + "missing();\n");
+    host.Say(R"({"do":"load"})");
+    ASSERT_TRUE(host.WaitForOutput("\"refused\"")) << host.Output().toStdString();
+    QTcpSocket again;
+    again.connectToHost(socket.peerAddress(), socket.peerPort());
+    EXPECT_TRUE(again.waitForConnected(kLongest)) << again.errorString().toStdString();
+    host.Finish();
+}
+
 TEST_F(Counterpart, IsCalledByItsShow) {
     Given("var d = Counterpart.tcp();\nfunction add(a, b) { return a + b; }\nfunction fail() { nothing(); }");
     host.Say(R"({"do":"call","function":"add","args":[2,3]})");
     EXPECT_TRUE(host.WaitForOutput(R"({"done":"call","result":"5"})")) << host.Output().toStdString();
     host.Say("call fail");
-    EXPECT_TRUE(host.WaitForOutput(R"({"refused":"fake.js:3: ReferenceError: Can't find variable: nothing"})"));
+    EXPECT_TRUE(host.WaitForOutput(R"("refused":"fake.js:3: ReferenceError: Can't find variable: nothing"})"));
     host.Say("call every");
     EXPECT_TRUE(host.WaitForOutput(R"(the script has no function \"every\")"));
     host.Say("fly");
     EXPECT_TRUE(host.WaitForOutput(R"(a counterpart knows no \"fly\")"));
+}
+
+TEST_F(Counterpart, PlaysOnWhereNobodyIsAtTheOtherEndOfStandardInput) {
+    for (const char* input : kInputsOfNobody) {
+        for (const char* form : {"--json", "--seed=7"})
+            ExpectToPlayOn(input, form);
+    }
+    ExpectToPlayOn(kPipeLeft, "--seed=7");
+}
+
+TEST_F(Counterpart, EndsForAProgramThatHasLeftStandardInputAlready) {
+    host.SetWorkingFolder(host.Folder());
+    host.File(Text("fake.js"), kEcho);
+    host.BeginWithInput(kPipeLeft, {Text("counterpart"), Text("--json"), Text("fake.js")});
+    host.Finish();
+    EXPECT_EQ(host.ExitCode(), 0);
+}
+
+TEST_F(Counterpart, GivesObjectsAndListsAsJson) {
+    Given("Counterpart.tcp();\n"
+          "function lamps() { return { on: [1, 2], name: 'a \\u00E9' }; }\n"
+          "function list() { return [1, 'x']; }\n"
+          "function nothing() { return null; }\n"
+          "function own() { return { toString: function () { return 'its own'; } }; }\n"
+          "function error() { return new Error('late'); }\n"
+          "function round() { var a = {}; a.a = a; return a; }\n");
+    const std::pair<const char*, const char*> results[] = {
+        {"lamps", R"("result":"{\"on\":[1,2],\"name\":\"a é\"}")"},
+        {"list", R"("result":"[1,\"x\"]")"},
+        {"nothing", R"("result":"null")"},
+        {"own", R"("result":"its own")"},
+        {"error", R"("result":"Error: late")"},
+    };
+    for (const auto& [function, result] : results) {
+        host.Say(qPrintable(Text("call ") + Text(function)));
+        EXPECT_TRUE(host.WaitForOutput(result)) << function << host.Output().toStdString();
+    }
+    host.Say("call round");
+    EXPECT_TRUE(host.WaitForOutput("\"refused\":\"fake.js: Error: what it returns is no JSON: "))
+        << host.Output().toStdString();
+}
+
+TEST_F(Counterpart, AnOrderThatIsTooLongIsRefusedAndTheNextOneDone) {
+    Given("Counterpart.tcp();\nfunction size(text) { return text.length; }");
+    const QByteArray text(1024 * 1024, 'x');
+    host.Say(R"({"do":"call","function":"size","args":[")" + text + "\"]}");
+    EXPECT_TRUE(host.WaitForOutput(R"("refused":"an order of 1048619 bytes is too long; 1048576 are the most")"))
+        << host.Output().toStdString();
+    host.Say("call size four");
+    EXPECT_TRUE(host.WaitForOutput(R"({"done":"call","result":"4"})")) << host.Output().toStdString();
+}
+
+TEST_F(Counterpart, NamesFunctionsByWhatTheyAreKeptAsOrCalledBy) {
+    GivenTcp("var d = Counterpart.tcp({ lines: '\\r' });\n"
+             "d.onLine = function (c, line) {\n"
+             "    [1].forEach(function (x) { lamp.dim(x); });\n"
+             "};\n"
+             "var lamp = { level: 0,\n"
+             "    dim: function(x)\n"
+             "    {\n"
+             "        var low = function () { return missing(x) }\n"
+             "        low()\n"
+             "    },\n"
+             "    off: function () { absent(); } };\n"
+             "var go = function () { after(1, function () { none(); }); lamp.off(); };\n");
+    socket.write("x\r");
+    socket.flush();
+    EXPECT_TRUE(
+        host.WaitForOutput("\"at a function without a name (fake.js:8)\",\"at a function without a name (fake.js:9)\","
+                           "\"at forEach's function (fake.js:3)\",\"at onLine (fake.js:3)\"]"))
+        << host.Output().toStdString();
+    host.Say("call go");
+    EXPECT_TRUE(host.WaitForOutput("\"at lamp.off (fake.js:11)\",\"at go (fake.js:12)\"]"))
+        << host.Output().toStdString();
+    EXPECT_TRUE(host.WaitForOutput("\"at after's function (fake.js:12)\"]")) << host.Output().toStdString();
 }
 
 TEST_F(Counterpart, EndsWithASignalWithoutComplaint) {

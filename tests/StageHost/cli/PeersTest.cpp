@@ -1,119 +1,14 @@
-#include <csignal>
+#include <QDir>
 
-#include <gtest/gtest.h>
-
-#include <QDeadlineTimer>
-#include <QFile>
-
-#include "StageHostProcess.h"
+#include "PeersFixture.h"
 
 /// Peers in shows: how they are started and named, what steps and lines have them do, and how they end.
 
-namespace {
-
-QString Text(const char* text) {
-    return QString::fromUtf8(text);
-}
-
-QByteArray TextOf(const char* path) {
-    QFile file(Text(path));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-constexpr const char* kDriver = R"js(// @include connection.js
-({
-    Info: { Setup: { host: { Name: "Host" }, port: { Name: "Port", MinValue: 1, MaxValue: 65535 } },
-            Variables: { Online: { Type: "Enum", Items: ["no", "yes"] } } },
-    Setup: { host: "127.0.0.1", port: 1 },
-    Device: { Online: "no", Last: "" },
-    _mStart: function () {
-        var driver = this;
-        this._connection = new Connection({
-            transport: Connection.tcp(this.Setup.host, this.Setup.port),
-            framing: Connection.lines("\r"),
-            answerTime: 1000,
-            status: function (word) { driver.Device.Online = word === "online" ? "yes" : "no"; },
-            frame: function (line) { driver.Device.Last = line; }
-        });
-        this._connection.open();
-    },
-    _mStop: function () { this._connection.close(); },
-    Ask: function (text) { this._connection.command(text, function (answer) { return answer; }); }
-}))js";
-
-constexpr const char* kFake = "var level = 1, d = Counterpart.tcp({ lines: '\\r' });\n"
-                              "d.onLine = function (c, t) { c.say(t + level + '\\r'); };\n"
-                              "function setLevel(l) { level = l + 1; return 'was set'; }\n"
-                              "function push(t) { d.say(t + '\\r'); }\n"
-                              "function die() { nothing(); }\n"
-                              "function loop() { for (;;) {} }\n";
-
-class PeersOfAShow : public testing::Test {
-protected:
-    PeersOfAShow() {
-        host.SetWorkingFolder(host.Folder());
-        host.File(Text("connection.js"), TextOf(STAGEHOST_ROOT "/templates/connection.js"));
-        host.File(Text("driver.js"), kDriver);
-        host.File(Text("fake.js"), kFake);
-    }
-
-    /// A show with a driver and its peer, and these steps behind the one that finds it.
-    QString Show(const QByteArray& steps) const {
-        return host.File(Text("show.json"), R"({"peers":[{"name":"fake","script":"fake.js"}],
-            "devices":[{"name":"dev","driver":"driver.js","settings":{"host":{"peer":"fake"},"port":{"peer":"fake"}}}],
-            "steps":[{"wait":{"until":"dev.Online = yes","within":30000}})" +
-                                                (steps.isEmpty() ? QByteArray() : "," + steps) + "]}");
-    }
-
-    void Play(const QByteArray& steps, const QStringList& options = {}) {
-        host.Run(options + QStringList{Text("run"), Show(steps)});
-    }
-
-    void ExpectWell() const {
-        EXPECT_EQ(host.ExitCode(), 0) << host.Output().toStdString() << host.Errors().toStdString();
-    }
-
-    /// A show of peers alone.
-    void PlayPeers(const QByteArray& peers, const QByteArray& steps = {}, const QByteArray& more = {}) {
-        host.Run({Text("run"),
-                  host.File(Text("peers.json"), "{\"peers\":[" + peers + "],\"steps\":[" + steps + "]" + more + "}")});
-    }
-
-    static QByteArray Program(const char* name, const char* script) {
-        return QByteArray("{\"name\":\"") + name + R"(","run":["sh","-c",")" + script + "\"]}";
-    }
-
-    static QByteArray Ask(const char* text, const char* answer) {
-        return QByteArray(R"({"device":"dev","command":"Ask","params":{"text":")") + text +
-               R"("},"expect":{"result":")" + answer + "\"}}";
-    }
-
-    static QByteArray Do(const char* deed) { return QByteArray("{\"peer\":\"fake\",") + deed + "}"; }
-
-    static QByteArray Until(const char* condition) {
-        return QByteArray("{\"wait\":{\"until\":\"") + condition + "\",\"within\":30000}}";
-    }
-
-    /// Waits until a process has gone.
-    static bool HasEnded(qint64 process) {
-        const QDeadlineTimer deadline(30000);
-        while (QFile::exists(Text("/proc/%1/stat").arg(process)) && !deadline.hasExpired()) {
-            QFile stat(Text("/proc/%1/stat").arg(process));
-            if (stat.open(QIODevice::ReadOnly) && stat.readAll().contains(") Z "))
-                return true;
-        }
-        return !deadline.hasExpired();
-    }
-
-    qint64 ProcessIn(const char* name) const {
-        QFile file(host.Folder() + QLatin1Char('/') + Text(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().toLongLong() : 0;
-    }
-
-    StageHostProcess host;
-};
-
-} // namespace
+using peershow::kFake;
+using peershow::kObstinate;
+using peershow::PeersOfAShow;
+using peershow::Text;
+using peershow::TextOf;
 
 TEST_F(PeersOfAShow, AreFoundByTheSettingsThatNameThem) {
     Play(Ask("a", "a1"));
@@ -178,7 +73,8 @@ TEST_F(PeersOfAShow, AreAskedWhatTheyHaveReceived) {
     Play(Ask("one", "one1") + "," + Ask("two", "two1") + "," + received(R"("received":"two")") + "," +
          received(R"("received":"one","within":50)"));
     EXPECT_EQ(host.ExitCode(), 3) << "what came before the frame that was waited for counts no more";
-    EXPECT_TRUE(host.Errors().contains(Text("peer fake: has received nothing, but should: \"one\", after 50 ms")))
+    EXPECT_TRUE(host.Errors().contains(
+        Text("peer fake: has received nothing behind \"two\", but should: \"one\", after 50 ms")))
         << host.Errors().toStdString();
     Play(Ask("one", "one1") + "," + received(R"("matches":"x\u0007","within":50)"));
     EXPECT_TRUE(host.Errors().contains(Text("has received \"one\", but should: like \"x\\x07\", after 50 ms")))
@@ -210,6 +106,82 @@ TEST_F(PeersOfAShow, AreWorkedByLinesOfWatchInTheSameWords) {
     }
 }
 
+TEST_F(PeersOfAShow, AScriptThatIsSavedGoesOnAtTheSamePort) {
+    host.Begin({Text("watch"), Text("--reload"), Show({})});
+    host.Say("wait dev.Opens 1 60000");
+    host.Say("send dev Ask text=a");
+    ASSERT_TRUE(host.WaitForOutput("a1\n")) << host.Errors().toStdString();
+    host.File(Text("fake.js"), QByteArray(kFake).replace("level = 1", "level = 7"));
+    EXPECT_TRUE(host.WaitForErrors("reloaded peer fake (fake.js)")) << host.Errors().toStdString();
+    host.Say("wait dev.Opens 2 60000");
+    host.Say("send dev Ask text=b");
+    EXPECT_TRUE(host.WaitForOutput("b7\n")) << host.Output().toStdString() << host.Errors().toStdString();
+    host.Say("quit");
+    host.Finish();
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+}
+
+TEST_F(PeersOfAShow, AScriptIsReadWhereItsFolderWasAlsoWhenAnotherFolderTakesItsPlace) {
+    const auto edition = [](const QByteArray& name) {
+        return "Counterpart.tcp({ lines: '\\r' });\nfunction edition() { return '" + name + "'; }\n";
+    };
+    const QDir folder(host.Folder());
+    ASSERT_TRUE(folder.mkpath(Text("show")) && folder.mkpath(Text("other")));
+    const QString show = host.File(Text("show/s.json"), R"({"peers":[{"name":"fake","script":"fake.js"}]})");
+    host.File(Text("show/fake.js"), edition("first"));
+    host.File(Text("other/fake.js"), edition("second"));
+    host.Begin({Text("watch"), Text("--reload"), show});
+    host.Say("peer fake call edition");
+    ASSERT_TRUE(host.WaitForOutput("first\n")) << host.Errors().toStdString();
+    ASSERT_TRUE(QDir().rename(folder.filePath(Text("show")), folder.filePath(Text("away"))));
+    EXPECT_TRUE(host.WaitForErrors("peer fake: goes on with the edition that it has")) << host.Errors().toStdString();
+    EXPECT_FALSE(host.Errors().contains(Text("reloaded"))) << host.Errors().toStdString();
+    ASSERT_TRUE(QDir().rename(folder.filePath(Text("other")), folder.filePath(Text("show"))));
+    EXPECT_TRUE(host.WaitForErrors("reloaded peer fake (fake.js)")) << host.Errors().toStdString();
+    host.Say("peer fake call edition");
+    EXPECT_TRUE(host.WaitForOutput("second\n")) << host.Output().toStdString() << host.Errors().toStdString();
+    host.Say("quit");
+    host.Finish();
+}
+
+TEST_F(PeersOfAShow, AnEditionThatDoesNotLoadLeavesTheOldOnePlaying) {
+    host.Begin({Text("watch"), Text("--reload"), Show({})});
+    host.Say("wait dev.Opens 1 60000");
+    host.Say("peer fake call setLevel 4");
+    ASSERT_TRUE(host.WaitForOutput("was set")) << host.Errors().toStdString();
+    host.File(Text("fake.js"), "var d = ;\n");
+    EXPECT_TRUE(host.WaitForErrors("peer fake: goes on with the edition that it has")) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().contains(Text("peer fake: fake.js:1:9: SyntaxError"))) << host.Errors().toStdString();
+    host.Say("send dev Ask text=a");
+    EXPECT_TRUE(host.WaitForOutput("a41\n")) << "the line and the state are untouched: " << host.Errors().toStdString();
+    host.File(Text("fake.js"), "Counterpart.tcp({ lines: 'x' });\nmissing();\n");
+    EXPECT_TRUE(host.WaitForErrors("peer fake: fake.js:2: ReferenceError")) << host.Errors().toStdString();
+    host.Say("wait dev.Opens 2 60000");
+    host.Say("send dev Ask text=b");
+    EXPECT_TRUE(host.WaitForOutput("b1\n")) << "the old one has begun anew: " << host.Errors().toStdString();
+    host.Say("quit");
+    host.Finish();
+}
+
+TEST_F(PeersOfAShow, ProgramsThatStepsWorkAreWaitedForAndOthersToldOf) {
+    PlayPeers(Program("slow", "sleep 3; echo ready; read x; echo '{\\\"done\\\":\\\"leave\\\"}'; read x"),
+              R"({"peer":"slow","do":"leave"})");
+    ExpectWell();
+    PlayPeers(Program("mute", "exec cat"), R"({"pause":1})");
+    ExpectWell();
+    EXPECT_TRUE(host.Errors().contains(
+        Text("peer mute: has not said within 2000 ms that it is ready; the show begins without that")))
+        << host.Errors().toStdString();
+}
+
+TEST_F(PeersOfAShow, AnAnswerToAnotherOrderIsNone) {
+    PlayPeers(Program("deaf", "echo ready; read x; echo '{\\\"done\\\":\\\"stall\\\"}'; read x"),
+              R"({"peer":"deaf","do":"leave"})");
+    EXPECT_EQ(host.ExitCode(), 1);
+    EXPECT_TRUE(host.Errors().contains(Text(R"(peer deaf: was told "leave", and answered {"done":"stall"})")))
+        << host.Errors().toStdString();
+}
+
 TEST_F(PeersOfAShow, TakeOptionsAndASeed) {
     host.File(Text("fake.js"), "var d = Counterpart.tcp(), w = option('word', 'x');\n"
                                "function said() { return w + (Math.random() === option('never', 0)); }");
@@ -225,6 +197,40 @@ TEST_F(PeersOfAShow, AScriptThatFailsEndsTheShowWithItsPlace) {
     EXPECT_TRUE(host.Errors().contains(
         Text("peer fake: fake.js:2: Error: no device misbehaves by \"lat\"; did you mean \"late\"?")))
         << host.Errors().toStdString();
+}
+
+TEST_F(PeersOfAShow, ThatDoNotStartAreToldOnce) {
+    host.File(Text("fake.js"), "var d = Counterpart.tcp();\nd.misbehave('lat');");
+    PlayPeers(R"({"name":"fake","script":"fake.js"})");
+    EXPECT_EQ(host.Errors().count(Text("no device misbehaves by")), 1) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().endsWith(Text("| d.misbehave('lat');\n    at the top level (fake.js:2)\n")))
+        << host.Errors().toStdString();
+    PlayPeers(R"({"name":"fake","replay":"none.traffic"})");
+    EXPECT_EQ(host.Errors().count(Text("none.traffic")), 1) << host.Errors().toStdString();
+    PlayPeers(Program("early", "echo first >&2; echo no such port >&2; exit 2"),
+              Do(R"("do":"leave")").replace("fake", "early"));
+    EXPECT_EQ(host.ExitCode(), 2);
+    EXPECT_EQ(host.Errors().toStdString(),
+              "peer early: first\npeer early: ended with 2; its last words: no such port\n");
+}
+
+TEST_F(PeersOfAShow, AResultThatIsTooLargeIsToldWithItsSize) {
+    host.File(Text("fake.js"), "Counterpart.tcp();\n"
+                               "function large() { return new Array(2000001).join('x'); }\n"
+                               "function small() { return 'x'; }");
+    PlayPeers(R"({"name":"fake","script":"fake.js"})",
+              Do(R"("call":"small","expect":{"result":"x"})") + "," + Do(R"("call":"large")"));
+    EXPECT_EQ(host.ExitCode(), 1);
+    EXPECT_TRUE(host.Errors().contains(
+        Text("step 2 (peer fake: call large ()): peer fake: has told a line of 2000027 bytes, and "
+             "1048576 are the most that are read")))
+        << host.Errors().toStdString();
+}
+
+TEST_F(PeersOfAShow, AFailureOfACallIsToldWithItsPlace) {
+    Play(Do(R"("call":"die")"));
+    EXPECT_TRUE(host.Errors().contains(Text("peer fake: fake.js:5: ReferenceError: "))) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Errors().contains(Text("\n    at die (fake.js:5)\n"))) << host.Errors().toStdString();
 }
 
 TEST_F(PeersOfAShow, AnEndpointIsNamedWhereThereAreSeveral) {
@@ -301,6 +307,28 @@ TEST_F(PeersOfAShow, TheirOwnChildrenEndWithThem) {
     EXPECT_TRUE(HasEnded(ProcessIn("orphan")));
 }
 
+TEST_F(PeersOfAShow, ChildrenInASessionOfTheirOwnEndWithThemToo) {
+    PlayPeers(Program("hard", kObstinate), R"({"pause":1})");
+    ExpectWell();
+    ASSERT_GT(ProcessIn("child"), 0);
+    ExpectObstinateHasEnded();
+}
+
+TEST_F(PeersOfAShow, AllThatTheyHaveStartedEndsWhenTheHostIsKilled) {
+    BeginWithObstinateProgram();
+    host.Kill();
+    ExpectObstinateHasEnded();
+}
+
+TEST_F(PeersOfAShow, AllThatTheyHaveStartedEndsWhenASecondInterruptEndsTheHost) {
+    BeginWithObstinateProgram();
+    host.Interrupt();
+    ASSERT_TRUE(HasNotedInterrupt());
+    host.Interrupt();
+    host.Finish();
+    ExpectObstinateHasEnded();
+}
+
 TEST_F(PeersOfAShow, OnesThatPrintNothingOrEndlesslyOrHangAreBounded) {
     PlayPeers(Program("mute", "exec cat") + "," + Program("loud", "exec yes") + "," +
                   Program("stubborn", "trap : TERM INT; echo ready; while :; do sleep 100; done") + "," +
@@ -327,24 +355,4 @@ TEST_F(PeersOfAShow, EndAlsoWhenTheHostIsKilled) {
     ASSERT_GT(child, 0);
     host.Kill();
     EXPECT_TRUE(HasEnded(child));
-}
-
-TEST_F(PeersOfAShow, ReplaysAnswerADriverThatPollsOftenerThanTheOneOfTheRecording) {
-    host.File(Text("evening.traffic"), R"({"device":"127.0.0.1:1","kind":"tcp","traffic":1}
-{"at":0.1,"connection":1,"event":"opened","who":"127.0.0.1:2"}
-{"at":0.1,"connection":1,"from":"program","text":"STATE\r"}
-{"at":0.2,"connection":1,"from":"device","text":"off\r"}
-{"at":0.3,"connection":1,"from":"program","text":"ON\r"}
-{"at":0.4,"connection":1,"from":"device","text":"ok\r"}
-{"at":0.5,"connection":1,"from":"program","text":"STATE\r"}
-{"at":0.6,"connection":1,"from":"device","text":"on\r"}
-{"at":0.7,"event":"end"}
-)");
-    const QByteArray steps =
-        Ask("STATE", "off") + "," + Ask("STATE", "off") + "," + Ask("ON", "ok") + "," + Ask("STATE", "on");
-    host.Run({Text("run"), host.File(Text("replayed.json"), R"({"peers":[{"name":"fake","replay":"evening.traffic"}],
-            "devices":[{"name":"dev","driver":"driver.js","settings":{"host":{"peer":"fake"},"port":{"peer":"fake"}}}],
-            "steps":[{"wait":{"until":"dev.Online = yes","within":30000}},)" +
-                                                                steps + "]}")});
-    ExpectWell();
 }

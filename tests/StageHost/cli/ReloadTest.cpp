@@ -147,6 +147,19 @@ TEST_F(Reloading, LooksAtTheFilesInFrontOfTheDriverToo) {
     End();
 }
 
+TEST_F(Reloading, AWaitLooksAtTheVariableOfTheEditionOfNowByItsType) {
+    Save("({ Device: { Edition: 1, Mode: 'none' } })");
+    Watch();
+    host.Say("wait script.Mode>=1 60000");
+    host.Say("get script.Edition");
+    Save("({ Info: { Variables: { Mode: { Type: 'Enum', Items: ['off', 'on'] } } },\n"
+         "   Device: { Edition: 2, Mode: 'off' }, _mStart: function () { this.Device.Mode = 'on'; } })");
+    EXPECT_TRUE(host.WaitForErrors("reloaded")) << host.Errors().toStdString();
+    EXPECT_TRUE(host.WaitForOutput("\n2\n")) << host.Output().toStdString() << host.Errors().toStdString();
+    End();
+    EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
+}
+
 TEST_F(Reloading, ReplacesAScriptThatNeverEnds) {
     Save(Edition(1, ", Hang: function () { while (true) {} }"));
     Watch({Text("--timeout"), Text("3000")});
@@ -177,10 +190,13 @@ TEST_F(Reloading, GoesOnWithTheOldEditionWhenTheNewOneNeverComesBackFromItsStart
     Save(Edition(1));
     Watch({Text("--timeout"), Text("3000")});
     ThenItRuns(1);
+    host.Say("set script.Level 9");
     Save("({ Device: { Edition: 2 }, _mStart: function () { while (true) ; } })");
     EXPECT_TRUE(host.WaitForErrors("script goes on with the edition that it has")) << host.Errors().toStdString();
     host.Say("send script Tell");
-    EXPECT_TRUE(host.WaitForOutput("edition 1 here")) << host.Errors().toStdString();
+    EXPECT_TRUE(host.WaitForOutput("edition 1 here 5 9"))
+        << "its values are kept over an edition without them: " << host.Output().toStdString()
+        << host.Errors().toStdString();
     End();
 }
 

@@ -22,6 +22,17 @@ void StageHostProcess::Begin(const QStringList& words) {
     QStringList all = words;
     if (!m_module.isEmpty())
         all = QStringList{QStringLiteral("--module"), m_module} + words;
+    Start(QStringLiteral(STAGEHOST_BIN "/stagehost"), all);
+}
+
+void StageHostProcess::BeginWithInput(const char* line, const QStringList& words) {
+    Start(QStringLiteral("/bin/sh"),
+          QStringList{QStringLiteral("-c"), QLatin1String(line) + QStringLiteral("; exec \"$0\" \"$@\""),
+                      QStringLiteral(STAGEHOST_BIN "/stagehost")} +
+              words);
+}
+
+void StageHostProcess::Start(const QString& program, const QStringList& words) {
     m_process = std::make_unique<QProcess>();
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("FAKE_MODULE"), m_mood);
@@ -31,7 +42,7 @@ void StageHostProcess::Begin(const QStringList& words) {
     m_output.clear();
     m_errors.clear();
     m_clock.start();
-    m_process->start(QStringLiteral(STAGEHOST_BIN "/stagehost"), all);
+    m_process->start(program, words);
     m_process->waitForStarted(kLongestRun);
 }
 
@@ -41,23 +52,29 @@ void StageHostProcess::Say(const char* line) {
 }
 
 bool StageHostProcess::WaitForOutput(const char* text) {
-    while (!m_output.contains(QString::fromUtf8(text))) {
-        if (!m_process->waitForReadyRead(kLongestRun))
-            return false;
-        m_output += QString::fromUtf8(m_process->readAllStandardOutput());
-    }
-    return true;
+    return WaitFor(m_output, QProcess::StandardOutput, QString::fromUtf8(text));
 }
 
 bool StageHostProcess::WaitForErrors(const char* text) {
-    m_process->setReadChannel(QProcess::StandardError);
+    return WaitFor(m_errors, QProcess::StandardError, QString::fromUtf8(text));
+}
+
+/// A wait for one channel brings in the other one too, and is not ended by what has been brought in before it.
+bool StageHostProcess::WaitFor(const QString& heard, QProcess::ProcessChannel channel, const QString& text) {
+    m_process->setReadChannel(channel);
     bool more = true;
-    while (more && !m_errors.contains(QString::fromUtf8(text))) {
+    TakeHeard();
+    while (more && !heard.contains(text)) {
         more = m_process->waitForReadyRead(kLongestRun);
-        m_errors += QString::fromUtf8(m_process->readAllStandardError());
+        TakeHeard();
     }
     m_process->setReadChannel(QProcess::StandardOutput);
-    return more;
+    return heard.contains(text);
+}
+
+void StageHostProcess::TakeHeard() {
+    m_output += QString::fromUtf8(m_process->readAllStandardOutput());
+    m_errors += QString::fromUtf8(m_process->readAllStandardError());
 }
 
 QString StageHostProcess::Child() const {
@@ -77,9 +94,14 @@ void StageHostProcess::Finish() {
     if (!ended)
         m_process->kill();
     m_exitCode = ended && m_process->exitStatus() == QProcess::NormalExit ? m_process->exitCode() : -1;
-    m_output += QString::fromUtf8(m_process->readAllStandardOutput());
-    m_errors += QString::fromUtf8(m_process->readAllStandardError());
+    TakeHeard();
     m_process->waitForFinished(kLongestRun);
+}
+
+qint64 StageHostProcess::Soon(qint64 milliseconds) const {
+    StageHostProcess other(m_module);
+    other.Run({QStringLiteral("run"), other.File(QStringLiteral("nothing.json"), "{}")});
+    return milliseconds + 3 * other.Milliseconds(); // load comes and goes
 }
 
 QJsonObject StageHostProcess::Json() const {

@@ -8,6 +8,11 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+/// Standard inputs that nobody will ever speak on.
+constexpr const char* kInputsOfNobody[] = {"exec </dev/null", "exec <&-", "echo '{}' >file; exec <file"};
+/// A pipe whose only writer has gone before.
+constexpr const char* kPipeLeft = "mkfifo pipe; exec 4<>pipe; exec <pipe; exec 4>&-; rm pipe";
+
 /// The built program as people and their scripts use it.
 class StageHostProcess {
 public:
@@ -20,6 +25,8 @@ public:
 
     /// Begins a run that Say, WaitForOutput and Finish go on with.
     void Begin(const QStringList& words);
+    /// The same behind a line of the shell that says what standard input is: one of kInputsOfNobody.
+    void BeginWithInput(const char* line, const QStringList& words);
     /// Sends a line to standard input.
     void Say(const char* line);
     /// Waits until standard output holds a text. @return false when it does not come within a minute.
@@ -47,6 +54,9 @@ public:
     QString Output() const { return m_output; } ///< standard output
     QString Errors() const { return m_errors; } ///< standard error
     qint64 Milliseconds() const { return m_milliseconds; }
+    /// What a run may take that takes so long on a machine that has nothing else to do: as much more as the machine is
+    /// slow just now, which a run of an empty show tells.
+    qint64 Soon(qint64 milliseconds) const;
 
     /// Standard output as a JSON object; an empty one when it is none.
     QJsonObject Json() const;
@@ -56,6 +66,10 @@ public:
     QString Folder() const { return m_folder.path(); }
 
 private:
+    void Start(const QString& program, const QStringList& words);
+    bool WaitFor(const QString& heard, QProcess::ProcessChannel channel, const QString& text);
+    void TakeHeard();
+
     const QString m_module;
     QTemporaryDir m_folder;
     QString m_workingFolder;

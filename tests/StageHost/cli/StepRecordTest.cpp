@@ -48,6 +48,23 @@ then ]]&gt; stopped</failure>
 )");
 }
 
+TEST(JUnitText, HasTheTrafficBelowWhatFailed) {
+    ShowRecord record = Record();
+    record.steps[1].traffic = QStringList{Utf8("peer fake: said \"no\"")};
+    EXPECT_TRUE(JUnitText(record).contains(
+        "stopped\nthe last lines of the traffic:\n  peer fake: said &quot;no&quot;</failure>"))
+        << JUnitText(record).toStdString();
+}
+
+TEST(TapLine, HasTheTrafficAsAList) {
+    StepRecord step = Record().steps[1];
+    step.traffic = QStringList{Utf8("peer fake: received \"a\\r\""), Utf8("peer fake: said \"no\"")};
+    const QString text = TapLine(2, step);
+    EXPECT_TRUE(text.contains(Utf8("\n  traffic:\n    - \"peer fake: received \\\"a\\\\r\\\"\"\n"
+                                   "    - \"peer fake: said \\\"no\\\"\"\n  ...\n")))
+        << text.toStdString();
+}
+
 TEST(JUnitText, OfAShowThatDidNotStartHasAnErrorBesideTheStepsThatWereNotPlayed) {
     ShowRecord record = Record();
     record.steps.erase(record.steps.begin(), record.steps.begin() + 2);

@@ -191,6 +191,28 @@ TEST_F(Steps, GoOnBehindAFailureWhenTheUserWantsSo) {
     EXPECT_EQ(host.Json().value(Text("steps")).toArray().size(), 3);
 }
 
+TEST_F(Steps, GoOnBehindAWaitInVainWithTheDevicesThatThereAre) {
+    Play(Until("lamp.Note = never", 50) + R"(,{"wait":{"until":"Word = never","within":50}},
+            {"device":"lamp","command":"Fade","params":{"zone":"stage","level":"1"},"expect":{"result":"stage to 1"}},
+            {"wait":{"until":"lamp.Level = 1"}})",
+         {Text("--keep-going")});
+    EXPECT_EQ(host.ExitCode(), 3) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Output().contains(Text("   | stage to 1\n"))) << host.Output().toStdString();
+    EXPECT_TRUE(host.Output().endsWith(Text("\nThe show is over: 2 of 4 steps failed.\n")))
+        << host.Output().toStdString();
+}
+
+TEST_F(Steps, GoOnBehindACommandThatGivesNoAnswer) {
+    host.File(Text("never.js"),
+              "({ Never: function () { QCalverin.PostponeResult(); }, F: function () { return 'f'; } })");
+    const QString show = host.File(Text("never.json"), R"({"devices":[{"name":"lamp","driver":"never.js"}],
+        "steps":[{"device":"lamp","command":"Never"},{"device":"lamp","command":"F","expect":{"result":"f"}}]})");
+    host.Run({Text("run"), Text("--keep-going"), Text("--timeout"), Text("5000"), show});
+    EXPECT_EQ(host.ExitCode(), 3) << host.Errors().toStdString();
+    EXPECT_TRUE(host.Output().endsWith(Text("\nThe show is over: 1 of 2 steps failed.\n")))
+        << host.Output().toStdString() << host.Errors().toStdString();
+}
+
 TEST_F(Steps, AreToldAsTap) {
     Play(kFailingSteps, {Text("--tap")});
     EXPECT_EQ(host.ExitCode(), 1);
@@ -200,6 +222,8 @@ TEST_F(Steps, AreToldAsTap) {
         << host.Output().toStdString();
     EXPECT_TRUE(
         host.Output().contains(Text("\n  message: \"no answer\"\n  ...\nok 3 - pause of 1 ms # SKIP not played\n")));
+    Play(R"({"say":"red \u001b[31m","pause":1})", {Text("--tap")});
+    EXPECT_TRUE(host.Output().contains(Text("\nok 1 - red \\\\x1b[31m\n"))) << host.Output().toStdString();
     Play("", {Text("--tap"), Text("--json")});
     EXPECT_EQ(host.ExitCode(), 2);
 }

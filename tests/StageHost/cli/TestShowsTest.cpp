@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
+#include <QProcess>
+#include <QThread>
 #include <QXmlStreamReader>
 
 #include "StageHostProcess.h"
@@ -87,6 +89,36 @@ TEST_F(TestShows, ThatFailTellWhatTheirRunSaidAndTheLastOfTheLog) {
     EXPECT_TRUE(Says("1 of 2 tests went well"));
 }
 
+TEST_F(TestShows, ThatFailTellTheLastOfTheTrafficInEachForm) {
+    host.File(Text("fake.js"), "var d = Counterpart.tcp();\n"
+                               "d.onOpen = function (c) { c.say('hello'); };");
+    host.File(Text("driver.js"), R"js(({
+        Setup: { port: 1 }, Device: { Heard: "" },
+        _mStart: function () {
+            var device = this.Device, client = QCalverin.CreateSocket();
+            client.on("data", function (bytes) { device.Heard = "something"; });
+            client.connect(Number(this.Setup.port), "127.0.0.1", function () {});
+        }
+    }))js");
+    Show("b.test.json", R"("peers":[{"name":"fake","script":"fake.js"}],
+        "devices":[{"name":"d","driver":"driver.js","settings":{"port":{"peer":"fake"}}}],
+        "steps":[{"wait":{"until":"d.Heard = something","within":30000}},
+                 {"wait":{"until":"d.Heard = more","within":10}}])");
+    host.Run({Text("test")});
+    EXPECT_TRUE(Says("        the last lines of the traffic:\n          peer fake: said \"hello\"\n"))
+        << host.Output().toStdString();
+    host.Run({Text("test"), Text("--tap"), Text("--junit"), Text("tests.xml")});
+    EXPECT_TRUE(Says("  traffic:\n    - \"peer fake: said \\\"hello\\\"\"\n")) << host.Output().toStdString();
+    QFile file(host.Folder() + Text("/tests.xml"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray xml = file.readAll();
+    EXPECT_TRUE(xml.contains("the last lines of the traffic:\n  peer fake: said &quot;hello&quot;")) << xml.constData();
+    host.Run({Text("test"), Text("--json")});
+    EXPECT_EQ(host.Json().value(Text("tests")).toArray().first()[Text("traffic")].toArray(),
+              QJsonArray{Text("peer fake: said \"hello\"")})
+        << host.Output().toStdString();
+}
+
 TEST_F(TestShows, ThatCannotBeReadHaveFailed) {
     host.File(Text("a.test.json"), R"({"devices": 3})");
     host.Run({Text("test")});
@@ -118,8 +150,9 @@ TEST_F(TestShows, RunWithASpeedOfTheirOwnOrOfTheUser) {
 }
 
 TEST_F(TestShows, ThatDieByASignalAreTold) {
-    Show("dead.test.json",
-         R"("devices":[{"name":"d"}],"peers":[{"name":"p","run":["sh","-c","kill -9 $PPID; echo ready"]}],
+    Show(
+        "dead.test.json",
+        R"("devices":[{"name":"d"}],"peers":[{"name":"p","run":["sh","-c","kill -9 $(cut -d ' ' -f 4 /proc/$PPID/stat); echo ready"]}],
         "steps":[{"pause":60000}])");
     Show("well.test.json", kWell);
     host.Run({Text("test")});
@@ -140,6 +173,33 @@ TEST_F(TestShows, EndWithTheirHostWhenTheUserWantsNoMore) {
     EXPECT_EQ(host.ExitCode(), 3) << host.Output().toStdString();
     EXPECT_TRUE(Says("0 of 3 tests went well")) << host.Output().toStdString() << host.Errors().toStdString();
     EXPECT_FALSE(QFile::exists(Text("/proc/") + child));
+}
+
+TEST_F(TestShows, ThatWereBeingPlayedWhenTheUserInterruptedHaveNotGoneWell) {
+    Show("a.test.json", kEndless);
+    Show("b.test.json", kWell);
+    host.Begin({Text("test"), Text("--tap"), Text("--jobs"), Text("1")});
+    ASSERT_TRUE(host.WaitForOutput("1..2"));
+    while (host.Child().isEmpty())
+        QThread::yieldCurrentThread();
+    host.Interrupt();
+    host.Finish();
+    EXPECT_TRUE(Says("not ok 1 - a.test.json\n")) << host.Output().toStdString();
+    EXPECT_TRUE(Says("  message: \"interrupted before its end\"\n")) << host.Output().toStdString();
+    EXPECT_TRUE(Says("ok 2 - b.test.json # SKIP")) << host.Output().toStdString();
+}
+
+TEST_F(TestShows, ThatAreMeantAndCannotBePlayedAreTold) {
+    Show("a.json", kWell, "\"test\":\"yes\",");
+    Show("b.json", kWell, "\"test\":false,");
+    QFile::link(Text("gone"), host.Folder() + Text("/c.test.json"));
+    ASSERT_EQ(QProcess::execute(Text("mkfifo"), {host.Folder() + Text("/d.test.json")}), 0);
+    host.Run({Text("test")});
+    EXPECT_EQ(host.ExitCode(), 1);
+    EXPECT_TRUE(Says("a.json: test: expected")) << host.Output().toStdString();
+    EXPECT_TRUE(Says("cannot read c.test.json: No such file")) << host.Output().toStdString();
+    EXPECT_TRUE(Says("d.test.json is no regular file")) << host.Output().toStdString();
+    EXPECT_TRUE(Says("0 of 3 tests went well")) << host.Output().toStdString();
 }
 
 TEST_F(TestShows, AreToldAsTap) {

@@ -1,7 +1,10 @@
 #include <csignal>
 
+#include <sys/resource.h>
+
 #include <gtest/gtest.h>
 
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -101,6 +104,45 @@ TEST_F(TrafficCommands, RecordPassesOnAndWritesUntilCtrlC) {
     EXPECT_TRUE(written.endsWith("\"event\":\"end\"}\n")) << written.toStdString();
 }
 
+TEST_F(TrafficCommands, ReplayPlaysOnWhereNobodyIsAtTheOtherEndOfStandardInput) {
+    device.SetWorkingFolder(device.Folder());
+    device.File(Text("some.traffic"), "{\"traffic\":1,\"kind\":\"tcp\",\"device\":\"127.0.0.1:1\"}\n" + kAsk);
+    for (const char* input : kInputsOfNobody) {
+        SCOPED_TRACE(input);
+        device.BeginWithInput(input, {Text("replay"), Text("--json"), Text("--any-order"), Text("some.traffic")});
+        ASSERT_TRUE(device.WaitForOutput("}\n")) << device.Errors().toStdString();
+        QTcpSocket program;
+        Connect(program, PortOf(device));
+        for (int turn = 0; turn < 50; ++turn) { // an end that is read is met within a few of them
+            Say(program, "ask\r");
+            ASSERT_EQ(Read(program, 7).toStdString(), "answer\r") << turn;
+        }
+        device.Interrupt();
+        device.Finish();
+        EXPECT_EQ(device.ExitCode(), 0);
+    }
+}
+
+TEST_F(TrafficCommands, AQuietRecordingLetsTheProcessorSleepUntilItIsAskedToEnd) {
+    GivenDevice();
+    BeginToRecord();
+    const auto sleeps = [&] {
+        const QByteArray status = ReadAll(Text("/proc/%1/status").arg(line.ProcessId()));
+        const QString text = QString::fromLatin1(status).section(Text("\nvoluntary_ctxt_switches:"), 1);
+        return text.section(QLatin1Char('\n'), 0, 0).trimmed().toInt();
+    };
+    const QDeadlineTimer deadline(kDeadline);
+    int before = sleeps();
+    for (; before == 0 && !deadline.hasExpired(); before = sleeps())
+        server.waitForNewConnection(10); // it has still to settle
+    EXPECT_GT(before, 0);
+    EXPECT_FALSE(server.waitForNewConnection(1000)); // nobody comes
+    EXPECT_LT(sleeps() - before, 5);
+    line.Interrupt();
+    line.Finish();
+    EXPECT_EQ(line.ExitCode(), 0) << line.Errors().toStdString();
+}
+
 TEST_F(TrafficCommands, ReplayPlaysWhatRecordHasWritten) {
     BeginToReplay(kAsk);
     QTcpSocket program;
@@ -110,9 +152,9 @@ TEST_F(TrafficCommands, ReplayPlaysWhatRecordHasWritten) {
     ASSERT_TRUE(device.WaitForOutput("said"));
     device.Finish();
     EXPECT_EQ(device.ExitCode(), 0);
-    EXPECT_TRUE(device.Output().contains(Text(R"({"connection":1,"line":2,"received":"ask\\r"})")))
+    EXPECT_TRUE(device.Output().contains(Text(R"({"connection":1,"line":2,"received":"ask\r"})")))
         << device.Output().toStdString();
-    EXPECT_TRUE(device.Output().contains(Text(R"({"connection":1,"said":"answer\\r"})")));
+    EXPECT_TRUE(device.Output().contains(Text(R"({"connection":1,"said":"answer\r"})")));
 }
 
 TEST_F(TrafficCommands, AnUnknownRequestIsToldWithTheNearestAndIsAFailureAtTheEnd) {
@@ -178,6 +220,59 @@ TEST_F(TrafficCommands, ReplayHearsWhatAShowSays) {
     EXPECT_EQ(device.ExitCode(), 0) << device.Output().toStdString();
 }
 
+TEST_F(TrafficCommands, ARecordingThatCannotBeginLeavesTheFileThatIsThere) {
+    GivenDevice();
+    const QByteArray kept =
+        "{\"traffic\":1,\"kind\":\"tcp\",\"device\":\"127.0.0.1:1\"}\n{\"at\":1,\"event\":\"end\"}\n";
+    file = line.File(Text("kept.traffic"), kept);
+    const QString absent = line.Folder() + Text("/absent.traffic");
+    for (const QString& name : {file, absent}) {
+        line.Run({Text("record"), Text("--tcp"), Text("127.0.0.1:%1").arg(server.serverPort()), Text("--listen"),
+                  Text("127.0.0.1:%1").arg(server.serverPort()), name});
+        EXPECT_EQ(line.ExitCode(), 2);
+        EXPECT_TRUE(line.Errors().contains(Text("in use"))) << line.Errors().toStdString();
+    }
+    EXPECT_EQ(ReadAll(file).toStdString(), kept.toStdString());
+    EXPECT_FALSE(QFile::exists(absent));
+}
+
+TEST_F(TrafficCommands, ASecondRecordingIntoTheSameFileIsRefused) {
+    GivenDevice();
+    BeginToRecord();
+    device.Run({Text("record"), Text("--tcp"), Text("127.0.0.1:%1").arg(server.serverPort()), file});
+    EXPECT_EQ(device.ExitCode(), 2);
+    EXPECT_TRUE(device.Errors().contains(Text("another recording is being written into it")))
+        << device.Errors().toStdString();
+    line.Interrupt();
+    line.Finish();
+    EXPECT_EQ(line.ExitCode(), 0) << line.Errors().toStdString();
+    EXPECT_TRUE(ReadAll(file).startsWith("{\"began\"")) << ReadAll(file).toStdString();
+}
+
+TEST_F(TrafficCommands, ARecordingThatMayNotGrowEndsAndTheTrafficGoesOn) {
+    GivenDevice();
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small{4096, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0); // for the program, which inherits it
+    BeginToRecord();
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+    QTcpSocket program;
+    Connect(program, PortOf(line));
+    ASSERT_TRUE(server.waitForNewConnection(kDeadline));
+    QTcpSocket* ours = server.nextPendingConnection();
+    const QByteArray piece(8000, 'x');
+    Say(program, piece.constData());
+    EXPECT_EQ(Read(*ours, piece.size()).size(), piece.size());
+    ASSERT_TRUE(line.WaitForErrors("the recording has ended")) << line.Errors().toStdString();
+    Say(*ours, "answer\r");
+    EXPECT_EQ(Read(program, 7).toStdString(), "answer\r");
+    line.Interrupt();
+    line.Finish();
+    EXPECT_EQ(line.ExitCode(), 2) << line.Errors().toStdString();
+    EXPECT_TRUE(ReadAll(file).endsWith("}\n"));
+}
+
 TEST_F(TrafficCommands, WhatCannotBeIsToldBeforeAnythingBegins) {
     const std::pair<QStringList, const char*> wrong[] = {
         {{Text("record"), Text("x.traffic")}, "record needs one of --tcp, --udp and --serial"},
@@ -191,6 +286,10 @@ TEST_F(TrafficCommands, WhatCannotBeIsToldBeforeAnythingBegins) {
         {{Text("record"), Text("--tcp"), Text("127.0.0.1:1"), Text("--mischief"), Text("some"), Text("x.traffic")},
          "--mischief needs a whole number"},
         {{Text("record"), Text("--tcp"), Text("127.0.0.1:1"), Text("/nowhere/x.traffic")}, "No such file"},
+        {{Text("record"), Text("--tcp"), Text("127.0.0.1:1"), line.File(Text("notes"), "dear")},
+         "notes: is there, and is no recording"},
+        {{Text("record"), Text("--tcp"), Text("127.0.0.1:0"), Text("x.traffic")},
+         "127.0.0.1:0: a device has no port 0"},
         {{Text("replay"), Text("/nowhere/x.traffic")}, "/nowhere/x.traffic"},
         {{Text("replay"), line.File(Text("letters"), "dear")}, "letters:1: "},
     };

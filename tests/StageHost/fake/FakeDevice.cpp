@@ -120,6 +120,8 @@ KXPBitmap FakeDevice::GetBitmap() {
 }
 
 KXPCode FakeDevice::GetSetup(char** out) {
+    if (m_setup == "too large to give")
+        return KXP_NOT_IMPLEMENTED;
     *out = Copy(m_setup.empty() ? "first setup" : m_setup);
     return KXP_OK;
 }

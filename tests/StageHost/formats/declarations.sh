@@ -52,4 +52,38 @@ QCalverin.CreateHTTPClient().on("response", (response) => response.body);
 setTimeout(() => {}, 5);
 new Buffer("x", "utf16");
 END
+
+# Those for counterparts, with each that the repository has, and with all members that their objects really have.
+"$stagehost" declarations counterpart >counterpart.d.ts
+compile --strict counterpart.d.ts
+for script in "$examples"/*/fake-*.js "$templates"/{tcp,udp,http,serial}/fake.js; do compile counterpart.d.ts "$script"; done
+cat >members.js <<'END'
+var found = Counterpart.tcp({ name: "found" }), key;
+for (key in found) note(key);
+found.onOpen = function (c) { for (key in c) note(key); c.close(); };
+for (key in Counterpart) note(key);
+for (key in this) note(key);
+note("that is all");
+END
+"$stagehost" counterpart members.js >members <<<''
+grep -qx 'that is all' members
+sed '/^that is all$/,$d' members | grep -v '^_' | while read -r member; do
+    case $member in found|key|toString|gc|version) continue ;; esac # the engine's own, and the script's
+    grep -qw "$member" counterpart.d.ts || { echo "is not declared: $member"; exit 1; }
+done
+while IFS= read -r line; do
+    printf '%s\n' "$line" >wrong.ts
+    ! compile --strict counterpart.d.ts wrong.ts >/dev/null || { echo "is taken: $line"; exit 1; }
+    wrong=$((wrong + 1))
+done <<'END'
+Counterpart.tcp({ line: "\r" });
+Counterpart.tcp({ lines: "\r" }).onFrame = (line, frame) => {};
+Counterpart.tcp({ prefix: 3 });
+Counterpart.udp().onLine = (line, text) => {};
+Counterpart.udp().say(5);
+Counterpart.serial({ port: 4001 });
+Counterpart.tcp().misbehave("rude");
+every("1000", () => {});
+const level: string = option("level", 5);
+END
 echo "the declarations compile, and refuse $wrong calls that are wrong"

@@ -45,9 +45,9 @@ def replayed():
         caller.sendall(b"ask\r")
         caller.recv(100)
         caller.sendall(b"axe\r")
-        program.stdin.write('{"do":"dance"}\n')
+        program.stdin.write('{"do":"dance"}\n{"do":"obey"}\n')
         program.stdin.flush()
-        while not any("unknown" in line for line in lines) or not any("problem" in line for line in lines):
+        while not all(any(key in line for line in lines) for key in ("unknown", "refused", "done")):
             lines.append(json.loads(program.stdout.readline()))
     program.communicate(timeout=120)
     return lines
@@ -82,11 +82,24 @@ try:
         file.write("setTimeout(1);")
     with open("thrown.json", "w", encoding="utf-8") as file:
         json.dump({"devices": [{"name": "d", "driver": "thrown.js"}], "steps": [{"device": "d", "command": "f"}]}, file)
+    with open("talker.js", "w", encoding="utf-8") as file:
+        file.write("({ Setup: { port: 1 }, ask: function () { var b = new Buffer('ask');\n  QCalverin.CreateSocket('udp4').send(b, 0, b.length, Number(this.Setup.port), '127.0.0.1');\n"
+                   "  QCalverin.SetTimeout(function () { nothing(); }, 100); } })")
+    with open("fake.js", "w", encoding="utf-8") as file:
+        file.write("var d = Counterpart.udp(); d.onDatagram = function (sender) { sender.say('no'); };")
+    talk = {"peers": [{"name": "fake", "script": "fake.js"}],
+            "devices": [{"name": "d", "driver": "talker.js", "settings": {"port": {"peer": "fake"}}}]}
+    ask, heard = {"device": "d", "command": "ask"}, {"wait": {"peer": "fake", "received": "ask", "within": 20000}}
+    for name, steps in (("unheard.json", [ask, heard, {"wait": {"peer": "fake", "received": "more", "within": 300}}]),
+                        ("late.json", [ask, heard, {"pause": 1000}])):
+        with open(name, "w", encoding="utf-8") as file:
+            json.dump({**talk, "steps": steps}, file)
     hold("Failures", [json.loads(run("run", "none.json")), json.loads(run("exec", "thrown.js", "f"))])
     hold("`exec`, `send`", [json.loads(run("exec", dimmer, "Blackout")), json.loads(run("send", dimmer, "script", "Blackout")),
                             json.loads(run("send", "thrown.js", "script", "f"))])
-    hold("`run`", [json.loads(run("run", show)), json.loads(run("run", "thrown.json"))])
-    hold("`test`", [json.loads(run("test", "examples/cuelist", "thrown.json", "noted.js"))])
+    hold("`run`", [json.loads(run("run", show)), json.loads(run("run", "thrown.json")), json.loads(run("run", "unheard.json")),
+                    json.loads(run("run", "late.json"))])
+    hold("`test`", [json.loads(run("test", "examples/cuelist", "thrown.json", "unheard.json", "noted.js"))])
     hold("`check`", [json.loads(run("check", script)) for script in (dimmer, "bad.js", "noted.js", "top.js")])
     hold("`definition`", [json.loads(run("definition", dimmer))])
     hold("`record`, `replay`", replayed())

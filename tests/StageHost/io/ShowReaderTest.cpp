@@ -53,7 +53,8 @@ constexpr const char* kFullShow = R"json({
     ],
     "peers": [{ "name": "fake desk", "run": ["python3", "peer.py", 4001] },
               { "name": "fake", "script": "desk.js", "options": { "warm": 3 }, "seed": 7 },
-              { "name": "once", "replay": "desk.js" }],
+              { "name": "once", "replay": "desk.js" },
+              { "name": "twice", "replay": "desk.js", "fast": true, "ordered": true }],
     "devices": [
         { "name": "desk", "script": "desk.js", "setup": "<setup/>",
           "settings": { "port": 9000, "host": "x", "loud": true, "rate": 0.5, "away": { "peer": "fake" },
@@ -194,13 +195,15 @@ TEST(ShowReader, ReadsThePeersOfAShowAndWritesThemAgain) {
     const auto again = second.Read(WriteShow(*read), read->file);
     ASSERT_TRUE(again.has_value()) << second.Complaints().join(QLatin1Char('\n')).toStdString();
     for (const Show& show : {*read, *again}) {
-        ASSERT_EQ(show.peers.size(), 3u);
+        ASSERT_EQ(show.peers.size(), 4u);
         EXPECT_EQ(show.peers[0].run.size(), 3);
         EXPECT_EQ(show.peers[1].kind, ShowPeer::Kind::Script);
         EXPECT_EQ(show.peers[1].file, QStringLiteral("desk.js"));
         EXPECT_EQ(show.peers[1].options[0], (std::pair<QString, QString>(QStringLiteral("warm"), QStringLiteral("3"))));
         EXPECT_EQ(show.peers[1].seed, 7);
         EXPECT_EQ(show.peers[2].kind, ShowPeer::Kind::Replay);
+        EXPECT_FALSE(show.peers[2].isFast || show.peers[2].isOrdered);
+        EXPECT_TRUE(show.peers[3].isFast && show.peers[3].isOrdered);
         ASSERT_EQ(show.devices[0].peerSettings.size(), 2u);
         EXPECT_EQ(show.devices[0].peerSettings[0].second.peer, QStringLiteral("fake"));
         EXPECT_EQ(show.devices[0].peerSettings[0].second.part, std::nullopt);

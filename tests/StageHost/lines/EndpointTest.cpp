@@ -299,7 +299,33 @@ TEST(SerialPlaces, ALinkIsMadeWhereItIsAskedForButNoFileIsReplaced) {
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     const auto second = Endpoint::Make(LineKind::Serial, news);
     EXPECT_NE(second->Open({LineKind::Serial, {}, 0, taken}).toStdString(), "");
+    EXPECT_TRUE(QFileInfo::exists(taken));
     EXPECT_FALSE(QFileInfo(taken).isSymLink());
+}
+
+TEST(SerialPlaces, ALinkThatLeadsToNoSerialLineIsLeftAlone) {
+    const QTemporaryDir folder;
+    HeardNews news;
+    const QString letters = folder.filePath(QStringLiteral("letters"));
+    const QString link = folder.filePath(QStringLiteral("link"));
+    ASSERT_TRUE(QFile::link(letters, link));
+    {
+        const auto endpoint = Endpoint::Make(LineKind::Serial, news);
+        EXPECT_NE(endpoint->Open({LineKind::Serial, {}, 0, link}).toStdString(), "");
+    }
+    EXPECT_EQ(QFile::symLinkTarget(link).toStdString(), letters.toStdString());
+}
+
+TEST(SerialPlaces, ALinkThatARunHasLeftIsMadeAnewAndOneOfAnotherRunIsLeftToIt) {
+    const QTemporaryDir folder;
+    HeardNews news;
+    const QString link = folder.filePath(QStringLiteral("projector"));
+    auto first = Endpoint::Make(LineKind::Serial, news);
+    const auto second = Endpoint::Make(LineKind::Serial, news);
+    ASSERT_EQ(first->Open({LineKind::Serial, {}, 0, link}).toStdString(), "");
+    ASSERT_EQ(second->Open({LineKind::Serial, {}, 0, link}).toStdString(), "");
+    first.reset();
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
 }
 
 TEST(Places, AreReadWithAndWithoutAHost) {

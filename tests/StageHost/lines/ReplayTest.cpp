@@ -137,6 +137,66 @@ TEST_F(ReplayOf, InAnyOrderTheLongestRequestThatFitsIsMeant) {
     EXPECT_TRUE(caller.Hears("2"));
 }
 
+TEST_F(ReplayOf, InAnyOrderAShorterRequestIsMeantWhereALongerOneTurnsOutDifferently) {
+    Play(Program("a") + Device("1") + Program("ab c") + Device("2") + Program("ab cd;") + Device("3") + Program(" d;") +
+             Device("4") + Program("b;") + Device("5"),
+         {true, true});
+    Caller caller(Port());
+    caller.channel->Send("ab;a d;ab c d;ab cd;");
+    EXPECT_TRUE(caller.Hears("1514243"));
+    EXPECT_EQ(Unknown(), "");
+}
+
+TEST_F(ReplayOf, InAnyOrderTheLaterOfTwoRequestsIsMeantWhereBothFit) {
+    const QByteArray marked = R"({"connection":1,"from":"program","parts":["a",{"free":"[0-9]"},";"]})"
+                              "\n";
+    Play(Program("a1;") + Device("1;") + marked + Device("2;") + Program("a3;") + Device("3;"), {true, true});
+    Caller caller(Port());
+    caller.channel->Send("a1;a2;a3;");
+    EXPECT_TRUE(caller.Hears("2;2;3;"));
+}
+
+TEST_F(ReplayOf, InAnyOrderTextThatLooksLikeAFreePlaceIsARequestOfItsOwn) {
+    const QByteArray marked = R"({"connection":1,"from":"program","parts":["a",{"free":"[0-9]"},";"]})"
+                              "\n";
+    Play(marked + Device("1;") + Program("a<[0-9]>;") + Device("2;"), {true, true});
+    Caller caller(Port());
+    caller.channel->Send("a<[0-9]>;a5;");
+    EXPECT_TRUE(caller.Hears("2;1;"));
+}
+
+TEST_F(ReplayOf, InAnyOrderARequestOfNoBytesIsNeverAnswered) {
+    Play(Program("") + Device("0;") + Program("a;") + Device("1;"), {true, true});
+    Caller caller(Port());
+    caller.channel->Send("b;");
+    EXPECT_TRUE(Eventually([&] { return unknown.size() == 1; }));
+    EXPECT_EQ(Unknown(), "b; near a;@4 expected ");
+    caller.channel->Send("a;");
+    EXPECT_TRUE(caller.Hears("1;"));
+}
+
+TEST_F(ReplayOf, ALongRecordingIsReadyAndPlayedWithinSeconds) {
+    constexpr int kPairs = 20000;
+    constexpr int kDeadlineMs = 60000; // comparing each request with each takes minutes
+    QByteArray lines, asked, answered;
+    for (int pair = 0; pair < kPairs; ++pair) {
+        const QByteArray number = QByteArray::number(pair);
+        lines += Program("LEVEL " + number + ";") + Device("LEVEL=" + number + ";");
+        asked += "LEVEL " + number + ";";
+        answered += "LEVEL=" + number + ";";
+    }
+    for (const bool anyOrder : {false, true}) {
+        QElapsedTimer clock;
+        clock.start();
+        Play(lines, {true, anyOrder});
+        Caller caller(Port());
+        caller.channel->Send(asked);
+        EXPECT_TRUE(caller.Hears(answered)) << anyOrder;
+        EXPECT_LT(clock.elapsed(), kDeadlineMs) << anyOrder;
+    }
+    EXPECT_EQ(Unknown(), "");
+}
+
 TEST_F(ReplayOf, FreePlacesTakeWhatComesAndGiveItBack) {
     Play(R"({"connection":1,"from":"program","parts":["{\"id\":",{"free":"[0-9]+","as":"id"},"}\n"]})"
          "\n"

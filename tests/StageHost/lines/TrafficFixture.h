@@ -29,10 +29,10 @@ protected:
         return stagehost::ReadTrafficFile(File(lines, kind), problem).value_or(stagehost::TrafficFile{});
     }
 
-    static QByteArray Program(const char* text) {
+    static QByteArray Program(const QByteArray& text) {
         return QByteArray(R"({"connection":1,"from":"program","text":")") + text + "\"}\n";
     }
-    static QByteArray Device(const char* text) {
+    static QByteArray Device(const QByteArray& text) {
         return QByteArray(R"({"connection":1,"from":"device","text":")") + text + "\"}\n";
     }
 

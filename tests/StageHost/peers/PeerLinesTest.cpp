@@ -80,3 +80,42 @@ TEST(PeerLines, NonsenseIsLeftOut) {
     EXPECT_EQ(lines.Find({}), nullptr);
     EXPECT_FALSE(lines.TakeAnswer().has_value());
 }
+
+TEST(PeerLines, KeepTheLastOfTheTrafficInWordsForPeople) {
+    PeerLines lines;
+    for (int count = 0; count < 30; ++count)
+        lines.Take("{\"received\":\"early\"}\n");
+    lines.Take("{\"ready\":true,\"tcp\":4352}\n{\"opened\":\"127.0.0.1:5\"}\n"
+               "{\"received\":\"a\\r\\u0007\\u00ff\",\"line\":1}\n"
+               "{\"said\":\"b\",\"line\":1,\"on\":\"control\",\"prank\":\"late\"}\n"
+               "{\"unknown\":\"c\\\\r\",\"nearest\":\"d\\\\r\",\"line\":7,\"expected\":\"e\"}\n{\"done\":\"obey\"}"
+               "\nsaid no JSON\n");
+    lines.Take("{\"said\":\"" + QByteArray(100000, 'x') + "\"}\n");
+    const QStringList& traffic = lines.LastTraffic();
+    ASSERT_EQ(traffic.size(), 20);
+    EXPECT_EQ(traffic.at(15).toStdString(), R"(received "early")");
+    EXPECT_EQ(traffic.at(16).toStdString(), R"(received "a\r\x07\xff")");
+    EXPECT_EQ(traffic.at(17).toStdString(), R"(on control said "b" (late))");
+    EXPECT_EQ(traffic.at(18).toStdString(),
+              R"(received what it does not know: "c\r"; expected: "e"; the nearest: "d\r", line 7 of its file)");
+    EXPECT_EQ(traffic.at(19).size(), QString(Text("said \"...\"")).size() + 80);
+}
+
+TEST(PeerLines, ALineThatIsTooLongIsToldAndTheNextOneRead) {
+    PeerLines lines;
+    const QByteArray large(1024 * 1024, 'x');
+    for (const char* begin : {"{\"received\":\"", "{\"done\":\"call\",\"result\":\""}) {
+        lines.Take(begin);
+        lines.Take(large);
+        lines.Take(large + "\"}\n{\"received\":\"next\"}\n");
+        ASSERT_NE(lines.NextReceived(), nullptr);
+        EXPECT_EQ(*lines.NextReceived(), Text("next"));
+        lines.TakeReceived();
+    }
+    EXPECT_EQ(lines.TakeProblems(), QStringList(Text("has told a line of 2097167 bytes, and 1048576 are the most that "
+                                                     "are read")));
+    const auto answer = lines.TakeAnswer();
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->value(Text("refused")).toString(),
+              Text("has told a line of 2097179 bytes, and 1048576 are the most that are read"));
+}

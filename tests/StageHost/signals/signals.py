@@ -31,7 +31,11 @@ LAMP = """({
     Hang: function () { while (true) {} }
 })
 """
-PEER = "import sys\nprint('ready', flush=True)\nsys.stdin.read()\n"
+PEER = """import subprocess, sys
+subprocess.Popen(["sleep", "600"], start_new_session=True)
+print("ready", flush=True)
+sys.stdin.read()
+"""
 SHOW = {
     "variables": [{"name": "Level", "type": "Integer"}],
     "peers": [{"name": "other end", "run": ["python3", "peer.py"]}],
@@ -54,12 +58,12 @@ def lay_out(folder):
             file.write(text)
 
 
-def begin(folder, words):
+def begin(folder, words, stdin=None):
     environment = dict(os.environ, HOME=folder, TMPDIR=folder, QT_QPA_PLATFORM="offscreen", XDG_RUNTIME_DIR=folder)
     with open(folder + "/lines", "wb") as file:
         file.write(LINES)
     with open(folder + "/lines", "rb") as lines, open(folder + "/told", "wb") as told:
-        return subprocess.Popen([stagehost, *words], cwd=folder, env=environment, stdin=lines, stdout=told, stderr=told)
+        return subprocess.Popen([stagehost, *words], cwd=folder, env=environment, stdin=stdin or lines, stdout=told, stderr=told)
 
 
 def told(folder):
@@ -190,8 +194,34 @@ def one_stops_the_show():
                 raise SystemExit(f"{number.name}: ends with {code}, and the device was not stopped\n{told(folder)}")
 
 
+def killed_ones_folder_goes_at_the_next_start():
+    """And only that: the folder of one that lives stays."""
+    with tempfile.TemporaryDirectory(prefix="signals-") as folder:
+        folder = os.path.realpath(folder)
+        lay_out(folder)
+        with open(folder + "/show.json", "w", encoding="utf-8") as file:
+            json.dump({"steps": [{"say": "here", "pause": 600000}]}, file)
+        killed = begin(folder, ["run", "show.json"])
+        wait_for_text(killed, folder, "here")
+        killed.send_signal(signal.SIGKILL)
+        wait_for(killed, "SIGKILL")
+        left = glob.glob(folder + "/stagehost-*")
+        living = begin(folder, ["run", "show.json"])
+        wait_for_text(living, folder, "here")
+        kept = glob.glob(folder + "/stagehost-*")
+        if len(left) != 1 or len(kept) != 1 or left == kept:
+            raise SystemExit(f"the folder of one that was killed stays: {left}, {kept}")
+        wait_for(begin(folder, ["exec", "lamp.js", "Go"]), "exec")
+        if glob.glob(folder + "/stagehost-*") != kept:
+            raise SystemExit("the folder of one that lives has gone")
+        living.send_signal(signal.SIGTERM)
+        wait_for(living, "SIGTERM")
+        if glob.glob(folder + "/stagehost-*"):
+            raise SystemExit("a folder stays")
+
+
 def ignored_stays_ignored():
-    """Who starts it so that it outlives the terminal has it outlive the terminal."""
+    """Who starts it so that it outlives the terminal has it outlive that."""
     with tempfile.TemporaryDirectory(prefix="signals-") as folder:
         folder = os.path.realpath(folder)
         lay_out(folder)
@@ -205,11 +235,52 @@ def ignored_stays_ignored():
             raise SystemExit(f"SIGHUP that was to be ignored ends it with {code}\n{told(folder)}")
 
 
+# Commands that go on until they are ended, and what they say once they do.
+LASTING = {
+    "run": (["run", "show.json"], "here", 3),
+    "watch": (["watch", "show.json"], "runs.", 0),
+    "counterpart": (["counterpart", "fake.js"], "plays at", 0),
+    "record": (["record", "--udp", "127.0.0.1:9", "new.traffic"], "leads to", 0),
+    "replay": (["replay", "old.traffic"], "plays", 0),
+}
+
+
+def lay_out_lasting(folder):
+    lay_out(folder)
+    for name, text in (
+        ("show.json", json.dumps({"steps": [{"say": "here", "pause": 600000}]})),
+        ("fake.js", "Counterpart.tcp();"),
+        ("old.traffic", '{"device":"127.0.0.1:9","kind":"tcp","traffic":1}\n'),
+    ):
+        with open(folder + "/" + name, "w", encoding="utf-8") as file:
+            file.write(text)
+
+
+def one_in_the_background_is_ended_by_name():
+    """A shell without job control has what it begins with "&" ignore Ctrl-C: a script that ends it so is heard all the same."""
+    for name, (words, ready, expected) in LASTING.items():
+        for number in (signal.SIGINT, signal.SIGTERM):
+            with tempfile.TemporaryDirectory(prefix="signals-") as folder:
+                folder = os.path.realpath(folder)
+                lay_out_lasting(folder)
+                before = signal.signal(number, signal.SIG_IGN)
+                process = begin(folder, words, stdin=subprocess.PIPE)
+                signal.signal(number, before)
+                wait_for_text(process, folder, ready)
+                process.send_signal(number)
+                code = wait_for(process, f"{name} in the background, {number.name}")
+                process.stdin.close()
+                if code != expected:
+                    raise SystemExit(f"{name} in the background: {number.name} ends it with {code}, not {expected}\n{told(folder)}")
+
+
 def main():
     chance = random.Random(seed)
     one_stops_the_show()
     second_one_ends_it()
+    killed_ones_folder_goes_at_the_next_start()
     ignored_stays_ignored()
+    one_in_the_background_is_ended_by_name()
     usual = {}
     for name, words in COMMANDS.items():
         with tempfile.TemporaryDirectory(prefix="signals-") as folder:

@@ -1,10 +1,6 @@
-#include <map>
-
-#include <gtest/gtest.h>
+#include "BadLine.h"
 
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include "ProjectorProcess.h"
 #include "StageHostProcess.h"
@@ -29,7 +25,7 @@ protected:
         show = host.File(Text("show.json"), R"({"devices":[{"name":"beamer","driver":"pjlink.js"}]})");
     }
 
-    /// Plays an evening through a line with that seed; what it tells is left in `told`.
+    /// Plays an evening through a line with that seed.
     void Play(int seed) {
         line.Begin({Text("record"), Text("--json"), Text("--mischief"), QString::number(seed), Text("--tcp"),
                     Text("127.0.0.1:%1").arg(projector.Port()), line.Folder() + Text("/some.traffic")});
@@ -45,47 +41,22 @@ protected:
                   Text("beamer.poll=200")});
         line.Interrupt();
         line.Finish();
-        told.clear();
-        for (const QString& text : host.Output().split(QLatin1Char('\n'), Qt::SkipEmptyParts))
-            told.push_back(QJsonDocument::fromJson(text.toUtf8()).object());
     }
 
     ProjectorProcess projector;
     StageHostProcess line;
     StageHostProcess host;
     QString show;
-    std::vector<QJsonObject> told;
 };
 
 } // namespace
 
 /// With BAD_LINES so many seeds are played instead of two.
 TEST_F(BehindABadLine, EachCommandEndsOnceNothingIsToldTwiceAndTheDriverComesBack) {
-    const int seeds = qEnvironmentVariableIsSet("BAD_LINES") ? qEnvironmentVariableIntValue("BAD_LINES") : 2;
-    for (int seed = 1; seed <= seeds; ++seed) {
+    for (int seed = 1; seed <= BadLineSeeds(); ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
         Play(seed);
-        int ended = 0;
-        bool isBack = false;
-        std::map<QString, QString> last;
-        for (const QJsonObject& one : told) {
-            const QString text = one.value(Text("line")).toString();
-            const QString object = one.value(Text("object")).toString();
-            if (text.startsWith(Text("send"))) {
-                ++ended;
-                EXPECT_NE(one.value(Text("exitCode")).toInt(), 3)
-                    << "seed " << seed << ": no answer to " << text.toStdString();
-            }
-            isBack = isBack || (text.startsWith(Text("wait")) && one.value(Text("ok")).toBool());
-            if (one.value(Text("property")).toString() != Text("Value"))
-                continue;
-            const QString value = one.value(Text("value")).toVariant().toString();
-            EXPECT_TRUE(last.find(object) == last.end() || last[object] != value)
-                << "seed " << seed << ": " << object.toStdString() << " is told twice: " << value.toStdString();
-            last[object] = value;
-        }
-        EXPECT_EQ(ended, 5) << "seed " << seed << "\n" << host.Output().toStdString() << host.Errors().toStdString();
-        EXPECT_TRUE(isBack) << "seed " << seed << "\n" << host.Output().toStdString() << host.Errors().toStdString();
-        EXPECT_FALSE(last.empty());
+        ExpectAllEndedNothingTwiceAndBack(host.Output(), 5);
         EXPECT_EQ(line.ExitCode(), 0) << line.Errors().toStdString();
     }
 }

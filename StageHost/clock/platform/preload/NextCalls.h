@@ -21,6 +21,7 @@ struct NextCalls {
     }
 
     using Time = const timespec*;
+    // NOLINTBEGIN(readability-identifier-naming): each is named as the call that it is
     int (*clock_gettime)(clockid_t, timespec*) = Find<decltype(clock_gettime)>("clock_gettime");
     int (*clock_nanosleep)(clockid_t, int, Time, timespec*) = Find<decltype(clock_nanosleep)>("clock_nanosleep");
     int (*ppoll)(pollfd*, nfds_t, Time, const sigset_t*) = Find<decltype(ppoll)>("ppoll");
@@ -34,6 +35,7 @@ struct NextCalls {
                                    Time) = Find<decltype(pthread_mutex_clocklock)>("pthread_mutex_clocklock");
     int (*sem_clockwait)(sem_t*, clockid_t, Time) = Find<decltype(sem_clockwait)>("sem_clockwait");
     long (*syscall)(long, ...) = Find<decltype(syscall)>("syscall");
+    // NOLINTEND(readability-identifier-naming)
 };
 
 inline const NextCalls& Next() {

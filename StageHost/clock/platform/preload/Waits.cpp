@@ -235,7 +235,8 @@ long syscall(long number, ...) noexcept {
     for (long& word : words)
         word = va_arg(rest, long);
     va_end(rest);
-    const auto* time = reinterpret_cast<const timespec*>(words[3]);
+    const auto* time =
+        reinterpret_cast<const timespec*>(words[3]); // NOLINT(performance-no-int-to-ptr): as the system has it
     if (number == SYS_futex && IsOn() && IsTimedFutexWait(number, words[1], time))
         return WaitOnWord(words[0], words[1], words[2], time, words[4], words[5]);
     return Next().syscall(number, words[0], words[1], words[2], words[3], words[4], words[5]);

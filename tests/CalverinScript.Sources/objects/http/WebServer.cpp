@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kAttempts = 5; ///< a port may be taken between the look for it and the start
 constexpr int kBigSize = 1000000;
-constexpr const char* kCertificateNames[] = {"good", "selfsigned", "wrongname", "expired"};
+constexpr const char* kCertificateNames[] = {"good", "selfsigned", "wrongname", "expired", "notyetvalid"};
 
 const char* const kCommon = R"(
 daemon off;
@@ -59,6 +59,22 @@ const char* const kSecureServer = R"(
         ssl_certificate %NAME%.pem;
         ssl_certificate_key %NAME%.key;
     }
+)";
+
+/// What the authority needs to sign for a time of choice.
+constexpr const char* kBooksOfTheAuthority = R"([ca]
+default_ca = books
+[books]
+database = index.txt
+new_certs_dir = .
+rand_serial = yes
+default_md = sha256
+policy = names
+x509_extensions = here
+[names]
+commonName = supplied
+[here]
+subjectAltName = IP:127.0.0.1
 )";
 
 bool WriteFile(const QString& path, const QByteArray& content) {
@@ -108,7 +124,8 @@ bool WebServer::RunTool(const QStringList& command) {
     return false;
 }
 
-/// An authority, and certificates of its for 127.0.0.1, for another name, and for a time that is over; one that signs itself.
+/// An authority, and certificates of its for 127.0.0.1, for another name, for a time that is over, and for one to come; one that signs
+/// itself.
 bool WebServer::MakeCertificates() {
     const QString self =
         Text("openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 -subj /CN=%1 "
@@ -117,7 +134,11 @@ bool WebServer::MakeCertificates() {
                                  "-keyout %2.key -out %2.csr");
     const QString sign = Text("openssl x509 -req -in %1.csr -CA ca.pem -CAkey ca.key -CAcreateserial -days %2 "
                               "-extfile %3.ext -out %1.pem");
-    if (!WriteFile(In("here.ext"), "subjectAltName=IP:127.0.0.1") ||
+    const QString signForLater =
+        Text("openssl ca -batch -notext -config later.conf -startdate 20900101000000Z -enddate 20910101000000Z "
+             "-cert ca.pem -keyfile ca.key -in %1.csr -out %1.pem");
+    if (!WriteFile(In("later.conf"), kBooksOfTheAuthority) || !WriteFile(In("index.txt"), "") ||
+        !WriteFile(In("here.ext"), "subjectAltName=IP:127.0.0.1") ||
         !WriteFile(In("elsewhere.ext"), "subjectAltName=DNS:elsewhere.test"))
         return false;
     const QString commands[] = {self.arg(Text("authority"), Text("ca")),
@@ -127,7 +148,9 @@ bool WebServer::MakeCertificates() {
                                 request.arg(Text("elsewhere.test"), Text("wrongname")),
                                 sign.arg(Text("wrongname"), Text("2"), Text("elsewhere")),
                                 request.arg(Text("127.0.0.1"), Text("expired")),
-                                sign.arg(Text("expired"), Text("-1"), Text("here"))};
+                                sign.arg(Text("expired"), Text("-1"), Text("here")),
+                                request.arg(Text("127.0.0.1"), Text("notyetvalid")),
+                                signForLater.arg(Text("notyetvalid"))};
     for (const QString& command : commands)
         if (!RunTool(command.split(QLatin1Char(' '))))
             return false;

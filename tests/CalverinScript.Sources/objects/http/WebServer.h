@@ -25,7 +25,7 @@
 class WebServer {
 public:
     /// Which certificate a TLS port shows.
-    enum class Certificate { Good, SelfSigned, WrongName, Expired };
+    enum class Certificate { Good, SelfSigned, WrongName, Expired, NotYetValid };
 
     WebServer();
     ~WebServer();
@@ -36,7 +36,7 @@ public:
     std::string Problem() const { return m_problem; }
     std::string Address(const std::string& path) const;
     std::string SecureAddress(Certificate certificate, const std::string& path) const;
-    /// The certificate of the authority behind Good, WrongName and Expired.
+    /// The certificate of the authority behind all but SelfSigned.
     QString AuthorityFile() const { return In("ca.pem"); }
     /// The content of a file below the folder of /dav/, "(no file)" when it is not there.
     QByteArray Stored(const QString& name) const;
@@ -44,7 +44,7 @@ public:
     int RequestsFor(const std::string& path) const;
 
 private:
-    static constexpr int kPorts = 5; ///< plain, then one for each certificate
+    static constexpr int kPorts = 6; ///< plain, then one for each certificate
 
     QString In(const char* name) const { return m_folder.filePath(QString::fromLatin1(name)); }
     bool MakeFiles();

@@ -1,0 +1,6 @@
+#include "HeapWatch.h"
+
+/// A sanitizer watches the heap itself.
+HeapFigures MeasureHeap() {
+    return {};
+}
