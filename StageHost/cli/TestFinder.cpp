@@ -1,8 +1,10 @@
 #include "TestFinder.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -15,10 +17,11 @@ namespace stagehost {
 
 namespace {
 
+constexpr char kTestEnd[] = ".test.json";
 constexpr qint64 kLargestShow = 16 * 1024 * 1024; // bytes; other programs keep larger things in such files
 
 bool SaysThatItIsATest(const QString& file) {
-    if (file.endsWith(QLatin1String(".test.json")))
+    if (file.endsWith(QLatin1String(kTestEnd)))
         return true;
     if (QFileInfo(file).size() > kLargestShow)
         return false;
@@ -52,6 +55,7 @@ public:
     }
 
     void Search(const QString& folder) {
+        LookForUnreadableNames(folder);
         const QDir here(folder);
         const auto name = [&](const QString& entry) {
             return folder == QLatin1String(".") ? entry : here.filePath(entry);
@@ -65,9 +69,25 @@ public:
             Search(name(entry));
     }
 
+    /// The first test whose name the toolkit cannot put into text, and so leaves out of what it lists; empty without
+    /// one.
+    QString Unreadable() const { return m_unreadable; }
+
 private:
+    void LookForUnreadableNames(const QString& folder) {
+        std::error_code failed;
+        std::filesystem::directory_iterator entry(QFile::encodeName(folder).toStdString(), failed);
+        for (; !failed && entry != std::filesystem::directory_iterator(); entry.increment(failed)) {
+            const QByteArray name = QByteArray::fromStdString(entry->path().filename().string());
+            const QString text = QFile::decodeName(name);
+            if (m_unreadable.isEmpty() && name.endsWith(kTestEnd) && QFile::encodeName(text) != name)
+                m_unreadable = QDir(folder).filePath(text);
+        }
+    }
+
     std::vector<TestShow>& m_tests;
     QStringList m_known; ///< canonical paths
+    QString m_unreadable;
 };
 
 } // namespace
@@ -84,6 +104,11 @@ MaybeFailure FindTests(const QStringList& places, std::vector<TestShow>& tests) 
         else
             finder.Add(place);
     }
+    if (!finder.Unreadable().isEmpty())
+        return Failure{kExitBadUse,
+                       QStringLiteral("%1: this name is no text in the encoding of this computer; give the "
+                                      "test another one")
+                           .arg(finder.Unreadable())};
     if (!tests.empty())
         return std::nullopt;
     const QString where = places.isEmpty() ? QStringLiteral("this folder") : places.join(QStringLiteral(", "));

@@ -127,6 +127,8 @@ void StreamChannel::ReadyToRead() {
             ChannelNews(m_news).came(QByteArray(buffer.data(), static_cast<int>(result.count)));
         return;
     case IoState::End:
+        if (m_isTerminal) // somebody has thrown away what was there to be read
+            return;
         m_hearsNoMore = true;
         ListenToNotifiers();
         if (m_news.ended)

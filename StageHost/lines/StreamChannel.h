@@ -17,7 +17,8 @@ public:
     /// Takes over a descriptor that is connected.
     static std::shared_ptr<StreamChannel> Over(int descriptor);
 
-    /// Takes over our end of a pseudo-terminal, which has no halves to close and nothing to wait for.
+    /// Takes over a terminal, a serial port or our end of a pseudo-terminal, which has no halves to close and nothing
+    /// to wait for.
     static std::shared_ptr<StreamChannel> OverTerminal(int descriptor);
 
     /// Begins to connect; what is sent meanwhile waits. A failure is told as `lost`, never from inside this call.

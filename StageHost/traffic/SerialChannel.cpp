@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kTryAgain(1000);
 constexpr std::chrono::milliseconds kLookAtPort(50);
-constexpr qint64 kMostRead = 64 * 1024; // bytes: what the toolkit may hold of what came
 
 constexpr SerialSetting kAppliedInOrder[] = {SerialSetting::BaudRate,     SerialSetting::DataSize,
                                              SerialSetting::Parity,       SerialSetting::StopBits,
@@ -26,16 +25,10 @@ SerialChannel::SerialChannel(const QString& path, const SerialSettings& settings
     , m_settings(settings) {
     m_retry.setInterval(kTryAgain);
     m_look.setInterval(kLookAtPort);
-    m_port.setReadBufferSize(kMostRead);
     QObject::connect(&m_retry, &QTimer::timeout, &m_retry, [this] { TryToOpen(); });
     QObject::connect(&m_look, &QTimer::timeout, &m_look, [this] {
         if (IsHungUp(m_port.handle()))
             Lose(QStringLiteral("the port has gone"));
-    });
-    QObject::connect(&m_port, &QSerialPort::readyRead, &m_retry, [this] { Read(); });
-    QObject::connect(&m_port, &QSerialPort::bytesWritten, &m_retry, [this] {
-        if (m_port.bytesToWrite() == 0 && m_news.drained)
-            ChannelNews(m_news).drained();
     });
 }
 
@@ -54,6 +47,7 @@ void SerialChannel::TryToOpen() {
         return Lose(m_port.errorString());
     if (!ApplySettings())
         return Lose(QStringLiteral("the port does not take these settings"));
+    TakeOverBytes();
     m_retry.stop();
     m_look.start();
     m_isTold = false;
@@ -68,41 +62,51 @@ bool SerialChannel::ApplySettings() {
     return areTaken;
 }
 
-/// Leaves at once where nothing waits. The toolkit would wait until the port says that it can be written, and once more
-/// until it has been: the first call writes, the second one takes note of that.
+/// The toolkit's look at what comes is put aside, so that each byte has one reader.
+void SerialChannel::TakeOverBytes() {
+    for (QSocketNotifier* const look : m_port.findChildren<QSocketNotifier*>())
+        look->setEnabled(false);
+    m_bytes = StreamChannel::OverTerminal(SecondDescriptor(static_cast<int>(m_port.handle())));
+    ChannelNews news;
+    news.came = [this](const QByteArray& bytes) {
+        if (m_news.came)
+            ChannelNews(m_news).came(bytes);
+    };
+    news.drained = [this] {
+        if (m_news.drained)
+            ChannelNews(m_news).drained();
+    };
+    news.lost = [this](const QString&, bool) { Lose(QStringLiteral("the port has gone")); };
+    m_bytes->SetNews(std::move(news));
+    m_bytes->SetReading(m_reads);
+}
+
 void SerialChannel::Send(const QByteArray& bytes) {
-    if (!m_port.isOpen())
-        return;
-    const bool waits = m_port.bytesToWrite() > 0;
-    m_port.write(bytes);
-    if (!waits && m_port.flush())
-        m_port.flush();
+    if (m_bytes)
+        m_bytes->Send(bytes);
 }
 
 void SerialChannel::Close() {
     m_news = {};
     m_retry.stop();
-    m_look.stop();
-    if (m_port.isOpen() && m_port.bytesToWrite() > 0)
-        m_port.flush();
-    m_port.close();
+    LetGo();
 }
 
 void SerialChannel::SetReading(bool reads) {
     m_reads = reads;
-    if (reads && m_port.bytesAvailable() > 0)
-        QTimer::singleShot(0, &m_retry, [this] { Read(); });
+    if (m_bytes)
+        m_bytes->SetReading(reads);
 }
 
-/// What is not read stays with the toolkit, and beyond its bound with the system.
-void SerialChannel::Read() {
-    if (m_reads && m_port.bytesAvailable() > 0 && m_news.came)
-        ChannelNews(m_news).came(m_port.readAll());
+void SerialChannel::LetGo() {
+    m_look.stop();
+    if (const auto bytes = std::exchange(m_bytes, nullptr))
+        bytes->Close();
+    m_port.close();
 }
 
 void SerialChannel::Lose(const QString& why) {
-    m_look.stop();
-    m_port.close();
+    LetGo();
     m_retry.start();
     if (std::exchange(m_isTold, true) || !m_news.lost)
         return;

@@ -163,6 +163,36 @@ private:
     std::map<int, std::int64_t> m_last;  ///< when something went by on a connection, in ms
 };
 
+/// Names that are the same as a free place which a file does not have: mistyped, most likely.
+class NameCheck {
+public:
+    void Add(const FileEntry& entry) {
+        for (const QString& name : entry.bytes.NamesOfFree())
+            m_free += name;
+        for (const QString& name : entry.bytes.NamesOfSame())
+            m_same.try_emplace(name, entry.line);
+    }
+
+    /// @return empty, or what is wrong with the first one. @param line its line.
+    QString Problem(int& line) const {
+        for (const auto& [name, where] : m_same) {
+            if (m_free.contains(name))
+                continue;
+            line = where;
+            return QStringLiteral("\"same\": no free place of this file has the name \"%1\" (\"as\")").arg(name);
+        }
+        return {};
+    }
+
+private:
+    QStringList m_free;
+    std::map<QString, int> m_same; ///< the line that has each first
+};
+
+QString WithPlace(const QString& file, int line, const QString& problem) {
+    return QStringLiteral("%1:%2: %3").arg(file, QString::number(line), problem);
+}
+
 } // namespace
 
 std::optional<TrafficFile> ReadTrafficFile(const QString& file, QString& problem) {
@@ -171,6 +201,7 @@ std::optional<TrafficFile> ReadTrafficFile(const QString& file, QString& problem
         return std::nullopt;
     TrafficFile traffic;
     TalkBuilder builder(traffic);
+    NameCheck names;
     int number = 0;
     for (const QByteArray& text : bytes->split('\n')) {
         ++number;
@@ -184,11 +215,16 @@ std::optional<TrafficFile> ReadTrafficFile(const QString& file, QString& problem
         if (wrong.isEmpty())
             wrong = number == 1 ? ReadHead(line, traffic.head) : ReadEntry(line, entry);
         if (!wrong.isEmpty()) {
-            problem = QStringLiteral("%1:%2: %3").arg(file, QString::number(number), wrong);
+            problem = WithPlace(file, number, wrong);
             return std::nullopt;
         }
+        names.Add(entry);
         if (number > 1 && entry.connection > 0)
             builder.Add(entry);
+    }
+    if (const QString wrong = names.Problem(number); !wrong.isEmpty()) {
+        problem = WithPlace(file, number, wrong);
+        return std::nullopt;
     }
     builder.PartLines();
     return traffic;

@@ -52,7 +52,7 @@ QString TrafficPattern::ReadPart(const QJsonValue& value) {
     const QJsonValue free = object.value(QLatin1String("free"));
     const QJsonValue same = object.value(QLatin1String("same"));
     const QString name = object.value(QLatin1String("as")).toString();
-    if (same.isString()) {
+    if (same.isString() && !same.toString().isEmpty()) {
         m_parts.push_back({{}, {}, same.toString(), true});
         return {};
     }
@@ -66,6 +66,8 @@ QString TrafficPattern::ReadPart(const QJsonValue& value) {
         return expression.isValid() ? QString()
                                     : QStringLiteral("\"free\": %1: %2").arg(free.toString(), expression.errorString());
     }
+    if (!same.isUndefined())
+        return QStringLiteral("\"same\": expected the name of a free place");
     if (!free.isUndefined())
         return QStringLiteral("\"free\": expected a regular expression or a count of bytes");
     QByteArray bytes;
@@ -79,6 +81,14 @@ QString TrafficPattern::ReadPart(const QJsonValue& value) {
 bool TrafficPattern::HasMarks() const {
     return std::any_of(m_parts.begin(), m_parts.end(),
                        [](const Part& part) { return part.isSame || !part.free.isEmpty(); });
+}
+
+QStringList TrafficPattern::Names(bool ofSame) const {
+    QStringList names;
+    for (const Part& part : m_parts)
+        if (part.isSame == ofSame && !part.name.isEmpty())
+            names += part.name;
+    return names;
 }
 
 int TrafficPattern::LastByte() const {

@@ -7,6 +7,7 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QString>
+#include <QStringList>
 
 namespace stagehost {
 
@@ -39,6 +40,9 @@ public:
 
     bool IsEmpty() const { return m_parts.empty(); }
     bool HasMarks() const;
+    /// The names of its free places, or of those that are the same as one.
+    QStringList NamesOfFree() const { return Names(false); }
+    QStringList NamesOfSame() const { return Names(true); }
     /// The last byte, -1 where that is not certain.
     int LastByte() const;
     /// In one line, free places in angle brackets: %1CKSM <[0-9]+>\r
@@ -56,6 +60,7 @@ private:
 
     QString ReadPart(const QJsonValue& value);
     void AddPlain(const QByteArray& bytes);
+    QStringList Names(bool ofSame) const;
     QString Expression(const FreePlaces& places) const;
     Match FitsPlain(const QByteArray& begin) const;
 

@@ -1,3 +1,6 @@
+#include <cstdio>
+#include <fstream>
+
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -72,6 +75,17 @@ TEST_F(TestShows, ThatAreNotThereAreTold) {
     host.Run({Text("test"), Text("--jobs"), Text("0")});
     EXPECT_EQ(host.ExitCode(), 2);
     EXPECT_TRUE(host.Errors().contains(Text("--jobs needs a whole number from 1 to 256")));
+}
+
+TEST_F(TestShows, WithNamesThatAreNoTextAreTold) {
+    Show("one.test.json", kWell);
+    const std::string name = host.Folder().toStdString() + "/caf\xE9.test.json";
+    std::ofstream(name) << "{}";
+    host.Run({Text("test")});
+    EXPECT_EQ(host.ExitCode(), 2);
+    EXPECT_TRUE(host.Errors().contains(Text(".test.json: this name is no text in the encoding of this computer")))
+        << host.Errors().toStdString();
+    std::remove(name.c_str());
 }
 
 TEST_F(TestShows, ThatFailTellWhatTheirRunSaidAndTheLastOfTheLog) {

@@ -91,6 +91,12 @@ TEST_F(TrafficFiles, WhatIsWrongIsToldWithItsLine) {
     EXPECT_EQ(Problem(R"({"connection":1,"from":"program","parts":[{"free":true}]})"),
               ":2: \"free\": expected a regular expression or a count of bytes");
     EXPECT_EQ(Problem(R"({"at":"now","connection":1,"from":"device","text":""})"), ":2: \"at\": expected seconds");
+    EXPECT_EQ(Problem(R"({"connection":1,"from":"program","parts":[{"free":"[0-9]+","as":"id"}]})"
+                      "\n"
+                      R"({"connection":1,"from":"device","parts":[{"same":"di"}]})"),
+              ":3: \"same\": no free place of this file has the name \"di\" (\"as\")");
+    EXPECT_EQ(Problem(R"({"connection":1,"from":"device","parts":[{"same":1}]})"),
+              ":2: \"same\": expected the name of a free place");
     EXPECT_EQ(Problem({}, "can"), ":1: \"kind\": expected \"tcp\", \"udp\" or \"serial\"");
     EXPECT_EQ(Problem("\n" + Program("a") + "\n"), "");
 }
