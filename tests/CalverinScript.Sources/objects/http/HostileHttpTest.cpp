@@ -3,7 +3,6 @@
 #include "HostileRounds.h"
 #include "HttpFixture.h"
 #include "OtherClient.h"
-#include "WebServer.h"
 
 // The table of servers that misbehave over HTTP, each again and again beside another client that is at work.
 
@@ -100,18 +99,8 @@ std::ostream& operator<<(std::ostream& out, const HttpRow& row) {
     return out << row.name;
 }
 
-class HostileHttp : public HttpFixture, public testing::WithParamInterface<HttpRow> {
+class HostileHttp : public BesideAWebServer, public testing::WithParamInterface<HttpRow> {
 protected:
-    static void SetUpTestSuite() { web = new WebServer; }
-    static void TearDownTestSuite() {
-        delete web;
-        web = nullptr;
-    }
-    void SetUp() override {
-        ASSERT_EQ(web->Problem(), "");
-        HttpFixture::SetUp();
-    }
-
     void Ask(const std::string& address) {
         const HttpRow& row = GetParam();
         for (int count = 0; count < row.requests && !HasFailure(); ++count) {
@@ -138,10 +127,7 @@ protected:
         else
             Ask(server.Address());
     }
-
-    static WebServer* web;
 };
-WebServer* HostileHttp::web = nullptr;
 
 TEST_P(HostileHttp, EndsAsStatedEachTimeWhileOthersAreServed) {
     OtherClient other(web->Address("/hello.txt"));

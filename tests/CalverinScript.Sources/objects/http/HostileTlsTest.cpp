@@ -81,16 +81,10 @@ std::ostream& operator<<(std::ostream& out, const TlsRow& row) {
     return out << row.name;
 }
 
-class HostileTls : public HttpFixture, public testing::WithParamInterface<TlsRow> {
+class HostileTls : public BesideAWebServer, public testing::WithParamInterface<TlsRow> {
 protected:
-    static void SetUpTestSuite() { web = new WebServer; }
-    static void TearDownTestSuite() {
-        delete web;
-        web = nullptr;
-    }
     void SetUp() override {
-        ASSERT_EQ(web->Problem(), "");
-        HttpFixture::SetUp();
+        BesideAWebServer::SetUp();
         if (GetParam().certificate && *GetParam().certificate != WebServer::Certificate::Good)
             TrustTheAuthority();
     }
@@ -109,8 +103,6 @@ protected:
         EXPECT_EQ(keeper.AnswersLeft(), 0U);
     }
 
-    static WebServer* web;
-
 private:
     void TrustTheAuthority() {
         QSslConfiguration trusting = m_before;
@@ -120,7 +112,6 @@ private:
 
     const QSslConfiguration m_before = QSslConfiguration::defaultConfiguration();
 };
-WebServer* HostileTls::web = nullptr;
 
 TEST_P(HostileTls, GivesItsNumberEachTimeWhileOthersAreServed) {
     OtherClient other(web->Address("/hello.txt"));

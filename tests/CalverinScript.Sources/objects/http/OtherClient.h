@@ -1,8 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "HttpFixture.h"
+#include "WebServer.h"
 
 /// Another client, on the thread that asks it, which is at work while hostile servers are.
 class OtherClient {
@@ -19,4 +21,17 @@ private:
     EventKeeper m_keeper;
     const std::string m_address;
     HTTPClient m_client{&m_keeper};
+};
+
+/// A client beside a server that keeps to the rules, which the tests of a suite share.
+class BesideAWebServer : public HttpFixture {
+protected:
+    static void SetUpTestSuite() { web = std::make_unique<WebServer>(); }
+    static void TearDownTestSuite() { web.reset(); }
+    void SetUp() override {
+        ASSERT_EQ(web->Problem(), "");
+        HttpFixture::SetUp();
+    }
+
+    inline static std::unique_ptr<WebServer> web;
 };
