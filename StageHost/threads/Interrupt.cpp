@@ -9,9 +9,9 @@ namespace stagehost {
 
 namespace {
 
-volatile std::sig_atomic_t come = 0;  // written by the signal handler, read by the main thread
-volatile std::sig_atomic_t bell = -1; // written by the main thread, once; read by the signal handler
-int noting = 0;                       // the objects that stand; host main alone
+volatile std::sig_atomic_t come = 0;           // written by the signal handler, read by the main thread
+volatile std::sig_atomic_t interruptBell = -1; // written by the main thread, once; read by the signal handler
+int noting = 0;                                // the objects that stand; host main alone
 
 /// The numbers of those that are heard, 0 for the others. Written by the main thread while none is heard.
 volatile std::sig_atomic_t heard[std::tuple_size<decltype(EndRequests())>::value] = {};
@@ -26,8 +26,8 @@ void StopHearing() {
 /// The first of any kind is noted, so that the second of any kind ends the program.
 extern "C" void NoteInterrupt(int /*number*/) {
     come = 1;
-    if (bell >= 0)
-        RingBell(bell);
+    if (interruptBell >= 0)
+        RingBell(interruptBell);
     StopHearing();
 }
 
@@ -56,11 +56,11 @@ bool Interrupt::HasCome() {
 }
 
 int Interrupt::Bell() {
-    if (bell < 0)
-        bell = MakeBell();
-    if (bell >= 0 && HasCome())
-        RingBell(bell);
-    return bell;
+    if (interruptBell < 0)
+        interruptBell = MakeBell();
+    if (interruptBell >= 0 && HasCome())
+        RingBell(interruptBell);
+    return interruptBell;
 }
 
 } // namespace stagehost
