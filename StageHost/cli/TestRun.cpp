@@ -42,7 +42,7 @@ QJsonObject FailedStep(const QJsonObject& show) {
 QStringList LastOfTraffic(const QJsonObject& show) {
     const QJsonObject step = FailedStep(show);
     QStringList lines;
-    for (const QJsonValue& line : (step.isEmpty() ? show : step).value(QLatin1String("traffic")).toArray())
+    for (const auto& line : (step.isEmpty() ? show : step).value(QLatin1String("traffic")).toArray())
         lines += line.toString();
     return lines;
 }
