@@ -40,7 +40,7 @@ void ExpectExactNames(IMInterface& object, std::initializer_list<const char*> na
     void* out = nullptr;
     for (const std::string& name : unknown) {
         out = &canary;
-        const std::string call = ask + '"' + name + "\")";
+        const std::string call = std::string(ask).append(1, '"').append(name).append("\")");
         Trial::ExpectCode(object.QueryInterface(name.c_str(), &out), KXP_NO_INTERFACE, call);
         Trial::Expect(out == nullptr, call + " leaves the pointer as it was", "it is cleared");
     }

@@ -18,7 +18,7 @@ std::string PlayEvening(Trial& trial) {
     HostedDevice first(host, "first");
     HostedDevice second(host, "second");
     second->Start();
-    if (const std::string idle = StartEither(first); !idle.empty())
+    if (std::string idle = StartEither(first); !idle.empty())
         return idle;
     for (int number = 0; number < 50; ++number)
         CallScript(first, CallOfWork("x"), tally);

@@ -42,7 +42,7 @@ void ModuleHost::Introduce() {
 }
 
 std::string ModuleHost::Load(const std::string& file) {
-    const std::string problem = Open(file);
+    std::string problem = Open(file);
     if (problem.empty())
         Introduce();
     return problem;
