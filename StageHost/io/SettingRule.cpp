@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include <QStringList>
+
 #include "BorderText.h"
 #include "DataTypes.h"
 #include "PlainNumbers.h"
