@@ -1,5 +1,6 @@
 #include "ConditionWatch.h"
 #include "ExitCodes.h"
+#include "JsonNode.h"
 #include "MainWait.h"
 #include "Session.h"
 #include "ShowClock.h"
