@@ -2,12 +2,6 @@
 
 #include <gtest/gtest.h>
 
-// What the leak sanitizer overlooks, where it is built in: tables that the font library keeps to the end of the process.
-extern "C" Q_DECL_EXPORT const char* __lsan_default_suppressions(); // NOLINT(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions() {              // NOLINT(bugprone-reserved-identifier)
-    return "leak:libfontconfig.so\n";
-}
-
 // Without a screen, unless the environment asks for one. The application stays to the end of the process: the platform
 // that draws without a screen never frees what it made for one, which would be taken for a leak of ours.
 int main(int argc, char** argv) {

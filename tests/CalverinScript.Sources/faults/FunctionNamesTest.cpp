@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QStringList>
+
 namespace {
 
 /// The function of each line, "-" where there is none.
