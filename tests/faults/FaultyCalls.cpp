@@ -39,10 +39,12 @@
 #include <unwind.h>
 
 extern "C" {
+// NOLINTBEGIN(clang-diagnostic-reserved-identifier): the names that the C library gives its own
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
 void __libc_free(void* block);
+// NOLINTEND(clang-diagnostic-reserved-identifier)
 }
 
 namespace {
