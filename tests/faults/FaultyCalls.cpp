@@ -39,12 +39,11 @@
 #include <unwind.h>
 
 extern "C" {
-// NOLINTBEGIN(clang-diagnostic-reserved-identifier): the names that the C library gives its own
-void* __libc_malloc(std::size_t size);
-void* __libc_calloc(std::size_t count, std::size_t size);
-void* __libc_realloc(void* block, std::size_t size);
-void __libc_free(void* block);
-// NOLINTEND(clang-diagnostic-reserved-identifier)
+// The allocator behind the one that stands here, by the names that the C library gives it.
+void* LibcMalloc(std::size_t size) __asm__("__libc_malloc");
+void* LibcCalloc(std::size_t count, std::size_t size) __asm__("__libc_calloc");
+void* LibcRealloc(void* block, std::size_t size) __asm__("__libc_realloc");
+void LibcFree(void* block) __asm__("__libc_free");
 }
 
 namespace {
@@ -294,16 +293,15 @@ mode_t ModeOf(int flags, va_list arguments) {
 extern "C" {
 
 void* malloc(std::size_t size) {
-    return AllocationStrikes(__builtin_return_address(0)) ? Failed<void*>(ENOMEM, nullptr) : __libc_malloc(size);
+    return AllocationStrikes(__builtin_return_address(0)) ? Failed<void*>(ENOMEM, nullptr) : LibcMalloc(size);
 }
 
 void* calloc(std::size_t count, std::size_t size) {
-    return AllocationStrikes(__builtin_return_address(0)) ? Failed<void*>(ENOMEM, nullptr) : __libc_calloc(count, size);
+    return AllocationStrikes(__builtin_return_address(0)) ? Failed<void*>(ENOMEM, nullptr) : LibcCalloc(count, size);
 }
 
 void* realloc(void* block, std::size_t size) {
-    return AllocationStrikes(__builtin_return_address(0)) ? Failed<void*>(ENOMEM, nullptr)
-                                                          : __libc_realloc(block, size);
+    return AllocationStrikes(__builtin_return_address(0)) ? Failed<void*>(ENOMEM, nullptr) : LibcRealloc(block, size);
 }
 
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*), void* argument) {
@@ -509,25 +507,25 @@ int ppoll(pollfd* entries, nfds_t count, const timespec* limit, const sigset_t* 
 
 /// As the library of the language has it, but with the allocation counted for who asked for it.
 void* operator new(std::size_t size) {
-    void* block = AllocationStrikes(__builtin_return_address(0)) ? nullptr : __libc_malloc(size == 0 ? 1 : size);
+    void* block = AllocationStrikes(__builtin_return_address(0)) ? nullptr : LibcMalloc(size == 0 ? 1 : size);
     if (block == nullptr)
         throw std::bad_alloc();
     return block;
 }
 
 void* operator new[](std::size_t size) {
-    void* block = AllocationStrikes(__builtin_return_address(0)) ? nullptr : __libc_malloc(size == 0 ? 1 : size);
+    void* block = AllocationStrikes(__builtin_return_address(0)) ? nullptr : LibcMalloc(size == 0 ? 1 : size);
     if (block == nullptr)
         throw std::bad_alloc();
     return block;
 }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return AllocationStrikes(__builtin_return_address(0)) ? nullptr : __libc_malloc(size == 0 ? 1 : size);
+    return AllocationStrikes(__builtin_return_address(0)) ? nullptr : LibcMalloc(size == 0 ? 1 : size);
 }
 
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return AllocationStrikes(__builtin_return_address(0)) ? nullptr : __libc_malloc(size == 0 ? 1 : size);
+    return AllocationStrikes(__builtin_return_address(0)) ? nullptr : LibcMalloc(size == 0 ? 1 : size);
 }
 
 #pragma GCC visibility pop
