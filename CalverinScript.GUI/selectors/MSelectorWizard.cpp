@@ -96,9 +96,11 @@ std::uint32_t MSelectorWizard::AskFor(IObjectParams* params, const char* name) c
     IObjectParam* param = FindParam(params, name);
     if (param == nullptr || !CanShowDialogs())
         return 0;
+    const Place place = ThePlace();
     const char* id = params->GetProperty(kDeviceIdProperty);
     const Subject subject{TakeText(*param), id != nullptr ? id : ""};
-    const Place place = ThePlace();
+    if (ThePlace().module != place.module) // the host has released the module meanwhile
+        return 0;
     const ModalLoop loop;
     QWinWidget parent(MainWindowOf(place.host));
     const std::optional<QString> chosen = Ask(parent, place, subject);

@@ -18,6 +18,7 @@
 namespace {
 
 constexpr int kExceptionLevel = 5;
+constexpr int kRemarkLevel = 7;
 
 } // namespace
 
@@ -93,6 +94,13 @@ void MCalverinScript_Device::SlotHandlerException(const QScriptValue& exception)
 void MCalverinScript_Device::TellException(const QScriptValue& exception) {
     const bool isError = exception.isError();
     const QString message = isError ? MessageOf(exception) : exception.toString();
+    if (program->IsStopRepeated()) {
+        if (IsLogOn(false))
+            WriteLog(LogHandle(), kRemarkLevel,
+                     "CalverinScript_ [%s] the script that was stopped, _mStop once more: %s", CopyName().c_str(),
+                     ToHostText(message).constData());
+        return;
+    }
     const QString line = isError ? exception.property(QStringLiteral("lineNumber")).toString()
                                  : QString::number(world->Engine().uncaughtExceptionLineNumber());
     ReportError(ScriptFailure(message), false);

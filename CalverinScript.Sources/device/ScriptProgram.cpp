@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include <QScriptEngine>
 
@@ -121,7 +122,9 @@ void ScriptProgram::RegisterGroups() {
 void ScriptProgram::EndLastScript() {
     m_parts.world.Remote().AllowWaits();
     m_parts.handlers.ClearAll();
+    m_isStopRepeated = std::exchange(m_wasStopped, false);
     m_parts.owner.StopProgram();
+    m_isStopRepeated = false;
     m_hasStopFunction = false;
     m_parts.world.Remote().ReleaseScriptObjects();
 }
@@ -166,6 +169,7 @@ bool ScriptProgram::CallStop() {
     const bool callable = !Set().global.isError() && function.isFunction();
     if (callable)
         m_parts.world.Call(function, {QScriptValue(!wasStopping)});
+    m_wasStopped = m_wasStopped || wasStopping;
     AskForStop();
     return callable;
 }

@@ -50,6 +50,9 @@ public:
     bool CallFunction(const char* name, IData* result, const char** params);
     /// Calls the stop function. @return false when there is none.
     bool CallStop();
+    /// Whether the stop function of a script that was stopped before runs once more, ahead of the next one. What that script
+    /// had of sockets and resources is gone by then, so what the function throws is no failure of anybody.
+    bool IsStopRepeated() const { return m_isStopRepeated; }
     /// Another script is shown; the one that runs stays.
     void Show(const QString& fileName, const QString& text);
 
@@ -98,6 +101,8 @@ private:
     void AskForStop();
 
     const Parts m_parts;
+    bool m_wasStopped = false; ///< the stop function has been called for a stop; script thread alone, as is the next
+    bool m_isStopRepeated = false;              ///< while it is called once more
     std::atomic<bool> m_startPending{false};    ///< set by a start, taken by the evaluation that follows
     std::atomic<bool> m_stopPending{false};     ///< set by a stop, taken by the stop function
     std::atomic<bool> m_hasStopFunction{false}; ///< written by the script thread

@@ -31,7 +31,11 @@ QString PtyEndpoint::DoReturn() {
     if (m_ours < 0)
         return QString::fromStdString(problem);
     m_terminal = QString::fromStdString(name);
-    RemoveStaleLink();
+    const QString taken = ClearPlace();
+    if (!taken.isEmpty()) {
+        Drop();
+        return taken;
+    }
     QFile terminal(m_terminal);
     if (!terminal.link(m_place.path)) {
         Drop();
@@ -46,11 +50,16 @@ QString PtyEndpoint::DoReturn() {
     return {};
 }
 
-/// A link to a pseudo-terminal is of a run that could not remove it; everything else is somebody's file.
-void PtyEndpoint::RemoveStaleLink() {
+/// A link to a pseudo-terminal that nobody has, or that has become ours, is of a run that could not remove it.
+/// Everything else is somebody's. @return what is there, empty for nothing.
+QString PtyEndpoint::ClearPlace() const {
     const QString target = QFile::symLinkTarget(m_place.path);
-    if (!target.isEmpty() && QFileInfo(target).path() == QFileInfo(m_terminal).path())
-        QFile::remove(m_place.path);
+    if (target.isEmpty() || QFileInfo(target).path() != QFileInfo(m_terminal).path())
+        return {};
+    if (target != m_terminal && QFileInfo::exists(target))
+        return QStringLiteral("%1: leads to %2, which is in use").arg(m_place.path, target);
+    QFile::remove(m_place.path);
+    return {};
 }
 
 /// Whether a program has come; that one has gone is told by its line.

@@ -25,7 +25,7 @@ private:
     QString DoReturn() override;
     void LineIsOver(LineId line, bool isClosedHere) override;
     void Look();
-    void RemoveStaleLink();
+    QString ClearPlace() const;
     void Drop();
 
     std::unique_ptr<PassingFolder> m_folder; ///< of the link, when nobody has named one

@@ -8,7 +8,8 @@
 /// The place of an operation counts from 1, inherited operations included; a reserved operation carries its place in
 /// its name, and the module never calls it. The host owns every resource. The module never releases one: it uses what
 /// IResourceProvider gave it until RemoveHandler and Close have returned, and begins no call after that. A call that is
-/// still inside then keeps the resource from going.
+/// still inside then keeps the resource from going. A host that releases the device or the module from inside such a
+/// call gets back what is left when that call has returned, and keeps its resources until then.
 
 /// States of a resource. Any other number is a state of the host's own that no script hears of.
 enum KXPResourceState : std::uint32_t { KXP_RESOURCE_CLOSED = 0, KXP_RESOURCE_OPEN = 2 };

@@ -48,6 +48,7 @@ bool ResourceLink::WaitUntilUnused(std::chrono::milliseconds limit) {
 void ResourceLink::Look() {
     if (m_resource == nullptr)
         return;
+    const auto stays = shared_from_this();
     const std::uint64_t look = BeginLook();
     std::uint32_t state = 0;
     if (Use([&] { state = m_resource->GetState(); }))

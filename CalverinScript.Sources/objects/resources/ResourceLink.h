@@ -3,6 +3,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -16,8 +17,9 @@ class MScriptCommonEvent;
 ///
 /// - No lock is held while the host is called: it may call back, on any thread.
 /// - From Shut on no call begins, and none of the object's events is raised here.
+/// - A call holds the link: from inside the host may release the device that the object belongs to.
 /// - Of looks at the state that overlap, the one that began last counts, so "open" and "close" are told in their order.
-class ResourceLink {
+class ResourceLink : public std::enable_shared_from_this<ResourceLink> {
 public:
     /// @param resource the host's, may be null. @param owner may be null. @param object raises the events; its address
     /// alone is used.
@@ -30,6 +32,7 @@ public:
     bool Use(Call call) {
         if (!Enter())
             return false;
+        const auto stays = shared_from_this();
         const Inside inside{*this};
         call();
         return true;

@@ -27,7 +27,11 @@ public:
         m_properties[name] = text;
         return KXP_OK;
     }
+    std::function<void()> onProperty;
+
     const char* GetProperty(const char* name) override {
+        if (onProperty)
+            onProperty();
         const auto found = m_properties.find(name);
         return found != m_properties.end() ? found->second.c_str() : nullptr;
     }
@@ -490,6 +494,15 @@ TEST_F(TheSelectors, MayBeReleasedFromWhatTheyAskTheHost) {
         EXPECT_EQ(Select(asking, [](QWidget& dialog) { Escape(dialog); }), 1u);
         EXPECT_EQ(made, nullptr);
         host.isAsked = nullptr;
+    }
+}
+
+TEST_F(TheSelectors, AskNobodyWhenTheModuleIsReleasedFromWhatTheyAskTheHost) {
+    for (IPropertySelector* selector : std::initializer_list<IPropertySelector*>{&files, &texts, &functions}) {
+        MSelectorWizard::SetPlace(host.Root(), &module);
+        params.onProperty = [] { MSelectorWizard::SetPlace(nullptr, nullptr); };
+        EXPECT_EQ(selector->Select(nullptr, &params, kParameter, nullptr), 0u);
+        EXPECT_EQ(params.value.History().size(), 0u);
     }
 }
 

@@ -111,6 +111,13 @@ protected:
         }
     }
 
+    void Asked() {
+        if (m_driver != nullptr && m_driver->device == nullptr)
+            ++m_askedBehind;
+        else if (std::this_thread::get_id() == m_hostMain && m_left > 0 && --m_left == 0)
+            Release();
+    }
+
     bool isSetUp = true; ///< whether a dialog was accepted before the operation
     AskingProvider provider;
     AskingTime time;
@@ -124,12 +131,6 @@ private:
         "   Setup: { main: '{ \"Type\":\"Serial\", \"ResourceID\":0 }', spare: '{ \"Type\":\"Serial\", "
         "\"ResourceID\":1 }' } })";
 
-    void Asked() {
-        if (m_driver != nullptr && m_driver->device == nullptr)
-            ++m_askedBehind;
-        else if (std::this_thread::get_id() == m_hostMain && m_left > 0 && --m_left == 0)
-            Release();
-    }
     void Release() {
         std::exchange(m_driver->device, nullptr)->Release();
         m_driver->variables.DropAll();
@@ -174,6 +175,14 @@ TEST_F(ReleasedFromInside, AChoiceOfResourcesInADialogAsksNothingMore) {
               }),
               4)
         << "two ports, each given and each told who hears of it";
+}
+
+TEST_F(ReleasedFromInside, AResourceThatHasBecomeOpenIsAskedNothingMore) {
+    for (const auto& port : ports)
+        port->onGetState = [this] { Asked(); };
+    EXPECT_EQ(
+        ReleaseAtEachQuestionOf([this](MCalverinScript_Device&) { ports.front()->BecomeState(KXP_RESOURCE_OPEN); }), 1)
+        << "its state";
 }
 
 TEST_F(ReleasedFromInside, AStartThatLooksUpTheDefaultVariablesAsksNothingMore) {

@@ -59,6 +59,20 @@ TEST_F(StartStop, AStartAfterAStopEndsTheOldScriptOnceMoreAsAReloadDoesAndThatIs
     EXPECT_EQ(Call("Get"), "stop false;stop true;");
 }
 
+TEST_F(StartStop, WhatTheRepeatedStopThrowsIsNoFailureSinceItsSocketsAreGone) {
+    const char* const kSaysGoodbye = "var link = QCalverin.CreateSocket();"
+                                     "({ _mStop: function() { link.end() }, F: function() { return 'ok' } })";
+    GivenScript(kSaysGoodbye);
+    device->Stop();
+    EXPECT_EQ(Error(), "");
+    GivenScript(kSaysGoodbye);
+    EXPECT_EQ(Error(), "");
+    EXPECT_EQ(Call("F"), "ok");
+    WhenTextIsLoaded("({ _mStop: function() { throw new Error('at a reload') } })");
+    WhenTextIsLoaded("({})");
+    EXPECT_EQ(Error(), "Script: at a reload") << "of a script that has not been stopped it is one";
+}
+
 TEST_F(StartStop, AScriptThatFailsLeavesTheDeviceStarted) {
     GivenScript("throw new Error('at start')");
     EXPECT_EQ(device->IsRunning(), KXP_OK);

@@ -77,6 +77,16 @@ TEST_F(TestShows, ThatAreNotThereAreTold) {
     EXPECT_TRUE(host.Errors().contains(Text("--jobs needs a whole number from 1 to 256")));
 }
 
+TEST_F(TestShows, ThatAreNoJsonHaveFailedUnlessTheyAreAnotherPrograms) {
+    Show("one.test.json", kWell);
+    host.File(Text("typo.json"), R"({"test":true,"steps":[{"pause":1},]})");
+    host.File(Text("package.json"), R"({"scripts":{"test":"none of ours"},})");
+    host.Run({Text("test")});
+    EXPECT_EQ(host.ExitCode(), 1);
+    EXPECT_TRUE(Says("typo.json")) << host.Output().toStdString();
+    EXPECT_TRUE(Says("1 of 2 tests went well")) << host.Output().toStdString();
+}
+
 TEST_F(TestShows, WithNamesThatAreNoTextAreTold) {
     Show("one.test.json", kWell);
     const std::string name = host.Folder().toStdString() + "/caf\xE9.test.json";

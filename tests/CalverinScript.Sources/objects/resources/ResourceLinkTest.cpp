@@ -37,7 +37,8 @@ protected:
     Listening owner;
     MScriptCommonEvent object;
     plain::FakeSerial port;
-    ResourceLink link{&port, &owner, &object};
+    const std::shared_ptr<ResourceLink> held = std::make_shared<ResourceLink>(&port, &owner, &object);
+    ResourceLink& link = *held;
 };
 
 TEST_F(Link, TellsTheFirstStateAndThenChangesAlone) {
@@ -66,10 +67,8 @@ TEST_F(Link, KeepsStatesOfTheHostsOwnWithoutTellingThem) {
 }
 
 TEST_F(Link, HasNothingToTellWithoutResourceOrOwner) {
-    ResourceLink nowhere(nullptr, &owner, &object);
-    nowhere.Look();
-    ResourceLink unheard(&port, nullptr, &object);
-    unheard.Look();
+    std::make_shared<ResourceLink>(nullptr, &owner, &object)->Look();
+    std::make_shared<ResourceLink>(&port, nullptr, &object)->Look();
     EXPECT_EQ(owner.Take(), "");
     EXPECT_EQ(port.stateQuestions, 1u);
 }
