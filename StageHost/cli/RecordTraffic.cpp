@@ -15,6 +15,7 @@
 #include "NearNames.h"
 #include "Output.h"
 #include "Relay.h"
+#include "TrafficText.h"
 #include "TrafficWriter.h"
 
 namespace stagehost {
@@ -46,6 +47,8 @@ QString ReadDevice(const Options& options, RelayPlan& plan) {
     }
     if (count != 1)
         return QStringLiteral("record needs one of --tcp, --udp and --serial");
+    if (plan.device.kind != LineKind::Serial && !options.line.isEmpty())
+        return QStringLiteral("--line is for a serial line");
     if (plan.device.kind != LineKind::Serial) {
         plan.listen.host = kThisMachine;
         QString problem = ReadNetPlaces(*given[static_cast<int>(plan.device.kind)], plan);
@@ -140,7 +143,7 @@ private:
         if (entry.event == TrafficEvent::Unreachable)
             PrintProblem(QStringLiteral("the device cannot be reached: %1").arg(entry.text));
         if (!m_json && entry.event == TrafficEvent::Opened)
-            PrintLine(QStringLiteral("connection %1 %2").arg(entry.connection).arg(entry.text));
+            PrintLine(QStringLiteral("connection %1 %2").arg(entry.connection).arg(NameOfProgram(entry.text)));
         m_writer.Add(entry);
         if (m_writer.IsFull())
             m_relay.HoldUp(true);

@@ -53,7 +53,7 @@ private:
         if (m_json)
             PrintJsonLine({{QStringLiteral("connection"), line}, {QStringLiteral("opened"), who}});
         else
-            PrintLine(QStringLiteral("%1   connection of %2").arg(line).arg(who));
+            PrintLine(QStringLiteral("%1   connection of %2").arg(line).arg(NameOfProgram(who)));
     }
 
     void Tell(LineId line, const QString& key, const QString& sign, const QByteArray& bytes, int fileLine) const {

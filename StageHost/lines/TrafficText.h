@@ -24,4 +24,9 @@ bool BytesFromHex(const QString& hex, QByteArray& bytes);
 /// For people, in one line: %1POWR 1\r with \r, \n, \t, \\ and \xFF for what is no text.
 QString BytesForPeople(const QByteArray& bytes);
 
+/// Who has come to a line, for people: a serial line does not know.
+inline QString NameOfProgram(const QString& who) {
+    return who.isEmpty() ? QStringLiteral("a program") : who;
+}
+
 } // namespace stagehost

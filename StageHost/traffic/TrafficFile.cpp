@@ -64,7 +64,10 @@ QString ReadEntry(const QJsonObject& line, FileEntry& entry) {
     }
     if (!FindSide(line.value(QLatin1String("from")).toString(), entry.by))
         return QStringLiteral("\"from\": expected \"program\" or \"device\"");
-    return entry.bytes.Read(line);
+    QString problem = entry.bytes.Read(line);
+    if (problem.isEmpty() && entry.by == Side::Device && entry.bytes.HasFree())
+        problem = QStringLiteral("\"free\": of what the program says; an answer has \"same\"");
+    return problem;
 }
 
 /// Puts the entries of the file together into talks.

@@ -15,6 +15,13 @@ QString Characters(const QByteArray& bytes) {
     return QString::fromLatin1(bytes.constData(), bytes.size());
 }
 
+/// In the expression of a whole line a free place is one group among others.
+bool CountsGroups(const QString& expression) {
+    static const QRegularExpression reference(
+        QStringLiteral(R"((?<!\\)(?:\\\\)*(?:\\[1-9gk]|\(\?(?:<[A-Za-z_]|['P&R]|[+-]?[0-9])))"));
+    return reference.match(expression).hasMatch();
+}
+
 } // namespace
 
 TrafficPattern::TrafficPattern(const QByteArray& bytes) {
@@ -62,6 +69,9 @@ QString TrafficPattern::ReadPart(const QJsonValue& value) {
     }
     if (free.isString() && !free.toString().isEmpty()) {
         const QRegularExpression expression(free.toString());
+        if (CountsGroups(free.toString()))
+            return QStringLiteral("\"free\": %1: groups have no names here, and nothing refers to one")
+                .arg(free.toString());
         m_parts.push_back({{}, free.toString(), name, false});
         return expression.isValid() ? QString()
                                     : QStringLiteral("\"free\": %1: %2").arg(free.toString(), expression.errorString());
@@ -89,6 +99,10 @@ QStringList TrafficPattern::Names(bool ofSame) const {
         if (part.isSame == ofSame && !part.name.isEmpty())
             names += part.name;
     return names;
+}
+
+bool TrafficPattern::HasFree() const {
+    return std::any_of(m_parts.begin(), m_parts.end(), [](const Part& part) { return !part.free.isEmpty(); });
 }
 
 int TrafficPattern::LastByte() const {

@@ -40,6 +40,7 @@ public:
 
     bool IsEmpty() const { return m_parts.empty(); }
     bool HasMarks() const;
+    bool HasFree() const;
     /// The names of its free places, or of those that are the same as one.
     QStringList NamesOfFree() const { return Names(false); }
     QStringList NamesOfSame() const { return Names(true); }

@@ -95,6 +95,17 @@ TEST_F(TrafficFiles, WhatIsWrongIsToldWithItsLine) {
                       "\n"
                       R"({"connection":1,"from":"device","parts":[{"same":"di"}]})"),
               ":3: \"same\": no free place of this file has the name \"di\" (\"as\")");
+    for (const char* counting :
+         {R"~(([a-z])\\1)~", R"~((?<id>[0-9]+))~", R"~((?1)x)~", R"~(\\k<id>)~", R"~((?P<id>.))~"})
+        EXPECT_NE(Problem(QByteArray(R"({"connection":1,"from":"program","parts":[{"free":")") + counting + "\"}]}")
+                      .find("groups have no names here"),
+                  std::string::npos)
+            << counting;
+    for (const char* plain : {R"~((?:a|b)(?<=b))~", R"~(\\\\1)~", R"~([0-9]{1,3}(a))~"})
+        EXPECT_EQ(Problem(QByteArray(R"({"connection":1,"from":"program","parts":[{"free":")") + plain + "\"}]}"), "")
+            << plain;
+    EXPECT_EQ(Problem(R"({"connection":1,"from":"device","parts":[{"free":4}]})"),
+              ":2: \"free\": of what the program says; an answer has \"same\"");
     EXPECT_EQ(Problem(R"({"connection":1,"from":"device","parts":[{"same":1}]})"),
               ":2: \"same\": expected the name of a free place");
     EXPECT_EQ(Problem({}, "can"), ":1: \"kind\": expected \"tcp\", \"udp\" or \"serial\"");
