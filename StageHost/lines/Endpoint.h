@@ -68,6 +68,8 @@ public:
     void Reset(LineId line);      ///< the other side sees a reset
     void SetReading(LineId line, bool reads);
     std::vector<LineId> Lines() const;
+    /// Lets in at once who has come and has not been seen yet.
+    virtual void LookForPrograms() {}
 
     void Stall();
     void Resume();

@@ -45,7 +45,7 @@ QString PtyEndpoint::DoReturn() {
     m_opens = std::make_unique<QSocketNotifier>(m_watch, QSocketNotifier::Read);
     QObject::connect(m_opens.get(), &QSocketNotifier::activated, m_opens.get(), [this] {
         ForgetOpens(m_watch);
-        Look();
+        LookForPrograms();
     });
     return {};
 }
@@ -63,7 +63,7 @@ QString PtyEndpoint::ClearPlace() const {
 }
 
 /// Whether a program has come; that one has gone is told by its line.
-void PtyEndpoint::Look() {
+void PtyEndpoint::LookForPrograms() {
     if (m_line != 0 || !m_letsIn || m_ours < 0 || !IsOpenByOthers(m_ours))
         return;
     m_line = NextLine();
@@ -77,13 +77,13 @@ void PtyEndpoint::LineIsOver(LineId, bool isClosedHere) {
         DoReturn();
     } else if (m_ours >= 0) {
         DropUnread(m_ours);
-        Look();
+        LookForPrograms();
     }
 }
 
 void PtyEndpoint::LetIn(bool lets) {
     m_letsIn = lets;
-    Look();
+    LookForPrograms();
 }
 
 void PtyEndpoint::Drop() {

@@ -18,13 +18,13 @@ public:
     ~PtyEndpoint() override;
 
     QString Open(const LinePlace& place) override;
+    void LookForPrograms() override;
 
 private:
     void LetIn(bool lets) override;
     void DoLeave() override;
     QString DoReturn() override;
     void LineIsOver(LineId line, bool isClosedHere) override;
-    void Look();
     QString ClearPlace() const;
     void Drop();
 

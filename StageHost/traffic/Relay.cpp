@@ -54,7 +54,10 @@ void Relay::OpenSerialDevice() {
     m_serial = port;
     const auto line = [this] { return m_pairs.empty() ? 0 : m_pairs.begin()->first; };
     ChannelNews news;
-    news.came = [this, line](const QByteArray& bytes) { Pass(line(), Side::Device, bytes); };
+    news.came = [this, line](const QByteArray& bytes) {
+        m_endpoint->LookForPrograms();
+        Pass(line(), Side::Device, bytes);
+    };
     news.connected = [this] { Tell(0, TrafficEvent::Back, Side::Device); };
     news.drained = [this, line] { SetReading(line()); };
     news.lost = [this](const QString& why, bool) { Tell(0, TrafficEvent::Unreachable, Side::Device, why); };

@@ -202,6 +202,24 @@ TEST_F(RelayOf, ASerialLineTakesAProgramOnAPseudoTerminalToTheRealPort) {
     EXPECT_TRUE(Eventually([&] { return noted.last() == QStringLiteral("0 back"); })) << Notes();
 }
 
+TEST_F(RelayOf, WhatASerialDeviceSaysAtOnceReachesTheProgramThatHasJustCome) {
+    for (int round = 0; round < 20; ++round) {
+        GivenDevice(LineKind::Serial);
+        plan.listen.path.clear();
+        GivenRelay();
+        ASSERT_TRUE(heard.Becomes("opened 1"));
+        QSerialPort program;
+        program.setPortName(QFileInfo(relay->Listener().Place().path).canonicalFilePath());
+        ASSERT_TRUE(program.open(QIODevice::ReadWrite));
+        device->Send(1, "hello");
+        EXPECT_TRUE(Eventually([&] { return program.bytesAvailable() == 5; })) << Notes();
+        program.close();
+        relay.reset();
+        device.reset();
+        heard.all.clear();
+    }
+}
+
 TEST_F(RelayOf, MischiefIsTheSameForTheSameSeedAndNothingButWhatIsAskedFor) {
     GivenDevice(LineKind::Tcp);
     plan.mischief = MischiefPlan{7, {Prank::Repeat, Prank::Split, Prank::Late}, 2};
