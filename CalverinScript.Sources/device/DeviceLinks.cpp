@@ -13,6 +13,7 @@
 #include "MLockedList.h"
 #include "MScriptMngRemote.h"
 #include "RunWithinMemory.h"
+#include "ScriptProgram.h"
 #include "ScriptWorld.h"
 
 namespace {

@@ -172,7 +172,7 @@ QScriptValue Counterpart::NativeOpen(QScriptContext& context) {
     } else {
         end = std::make_unique<CounterpartEnd>(name, place.kind, ReadRule(context.argument(4)), NewsOf(id));
         problem = end->Open(place);
-        if (!problem.isEmpty() && place.kind != LineKind::Serial)
+        if (!problem.isEmpty() && (place.kind != LineKind::Serial || !place.path.isEmpty()))
             problem.prepend(TextOf(place) + QStringLiteral(": "));
     }
     if (!problem.isEmpty())

@@ -31,7 +31,7 @@ QString PtyEndpoint::DoReturn() {
     if (m_ours < 0)
         return QString::fromStdString(problem);
     m_terminal = QString::fromStdString(name);
-    const QString taken = ClearPlace();
+    QString taken = ClearPlace();
     if (!taken.isEmpty()) {
         Drop();
         return taken;
@@ -39,7 +39,7 @@ QString PtyEndpoint::DoReturn() {
     QFile terminal(m_terminal);
     if (!terminal.link(m_place.path)) {
         Drop();
-        return QStringLiteral("%1: %2").arg(m_place.path, terminal.errorString());
+        return terminal.errorString();
     }
     m_watch = WatchOpens(name);
     m_opens = std::make_unique<QSocketNotifier>(m_watch, QSocketNotifier::Read);
@@ -57,7 +57,7 @@ QString PtyEndpoint::ClearPlace() const {
     if (target.isEmpty() || QFileInfo(target).path() != QFileInfo(m_terminal).path())
         return {};
     if (target != m_terminal && QFileInfo::exists(target))
-        return QStringLiteral("%1: leads to %2, which is in use").arg(m_place.path, target);
+        return QStringLiteral("leads to %1, which is in use").arg(target);
     QFile::remove(m_place.path);
     return {};
 }
