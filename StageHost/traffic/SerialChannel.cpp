@@ -47,7 +47,8 @@ void SerialChannel::TryToOpen() {
         return Lose(m_port.errorString());
     if (!ApplySettings())
         return Lose(QStringLiteral("the port does not take these settings"));
-    TakeOverBytes();
+    if (!TakeOverBytes())
+        return Lose(QStringLiteral("no descriptor is left for the port"));
     m_retry.stop();
     m_look.start();
     m_isTold = false;
@@ -63,10 +64,13 @@ bool SerialChannel::ApplySettings() {
 }
 
 /// The toolkit's look at what comes is put aside, so that each byte has one reader.
-void SerialChannel::TakeOverBytes() {
+bool SerialChannel::TakeOverBytes() {
+    const int second = SecondDescriptor(static_cast<int>(m_port.handle()));
+    if (second < 0)
+        return false;
     for (QSocketNotifier* const look : m_port.findChildren<QSocketNotifier*>())
         look->setEnabled(false);
-    m_bytes = StreamChannel::OverTerminal(SecondDescriptor(static_cast<int>(m_port.handle())));
+    m_bytes = StreamChannel::OverTerminal(second);
     ChannelNews news;
     news.came = [this](const QByteArray& bytes) {
         if (m_news.came)
@@ -79,6 +83,7 @@ void SerialChannel::TakeOverBytes() {
     news.lost = [this](const QString&, bool) { Lose(QStringLiteral("the port has gone")); };
     m_bytes->SetNews(std::move(news));
     m_bytes->SetReading(m_reads);
+    return true;
 }
 
 void SerialChannel::Send(const QByteArray& bytes) {

@@ -14,8 +14,8 @@ namespace stagehost {
 /// each second until it is closed; `lost` is told each time that it goes, `connected` when it is there. What is sent
 /// meanwhile is lost, as on a cable that leads nowhere.
 ///
-/// The toolkit opens the port, sets it up and puts it back; its bytes pass without it, in half of the time.   [host
-/// main]
+/// The toolkit opens the port, sets it up and puts it back; its bytes pass without it, which spares each piece
+/// the way through its buffers and notifiers.   [host main]
 class SerialChannel final : public Channel {
 public:
     SerialChannel(const QString& path, const SerialSettings& settings);
@@ -32,7 +32,7 @@ public:
 private:
     void TryToOpen();
     bool ApplySettings();
-    void TakeOverBytes();
+    bool TakeOverBytes();
     void LetGo();
     void Lose(const QString& why);
 

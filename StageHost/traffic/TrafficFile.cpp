@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <set>
 
 #include <QJsonDocument>
 
@@ -171,7 +172,7 @@ class NameCheck {
 public:
     void Add(const FileEntry& entry) {
         for (const QString& name : entry.bytes.NamesOfFree())
-            m_free += name;
+            m_free.insert(name);
         for (const QString& name : entry.bytes.NamesOfSame())
             m_same.try_emplace(name, entry.line);
     }
@@ -179,7 +180,7 @@ public:
     /// @return empty, or what is wrong with the first one. @param line its line.
     QString Problem(int& line) const {
         for (const auto& [name, where] : m_same) {
-            if (m_free.contains(name))
+            if (m_free.count(name) > 0)
                 continue;
             line = where;
             return QStringLiteral("\"same\": no free place of this file has the name \"%1\" (\"as\")").arg(name);
@@ -188,7 +189,7 @@ public:
     }
 
 private:
-    QStringList m_free;
+    std::set<QString> m_free;
     std::map<QString, int> m_same; ///< the line that has each first
 };
 
