@@ -66,8 +66,11 @@ QString PtyEndpoint::ClearPlace() const {
 void PtyEndpoint::LookForPrograms() {
     if (m_line != 0 || !m_letsIn || m_ours < 0 || !IsOpenByOthers(m_ours))
         return;
+    const int second = SecondDescriptor(m_ours);
+    if (second < 0) // none is left: the next opening, or the next piece of the device, tries again
+        return;
     m_line = NextLine();
-    Add(StreamChannel::OverTerminal(SecondDescriptor(m_ours)), {});
+    Add(StreamChannel::OverTerminal(second), {});
 }
 
 void PtyEndpoint::LineIsOver(LineId, bool isClosedHere) {
