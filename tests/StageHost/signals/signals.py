@@ -275,6 +275,7 @@ def one_in_the_background_is_ended_by_name():
 
 
 def main():
+    signal.signal(signal.SIGHUP, signal.SIG_DFL)  # under nohup it would be ignored here, and so in every program that is begun
     chance = random.Random(seed)
     one_stops_the_show()
     second_one_ends_it()
