@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/socket.h>
 
 #include <gtest/gtest.h>
@@ -192,8 +193,10 @@ TEST_F(Counterpart, MakesASerialLineOfItsOwn) {
                                "d.onLine = function (c, t) { c.say('\\x02OK ' + t + '\\x03'); };")
                              .value(Text("serial"))
                              .toString();
-    QFile line(path);
-    ASSERT_TRUE(line.open(QIODevice::ReadWrite | QIODevice::Unbuffered)) << path.toStdString();
+    // Without O_NOCTTY the line would become the terminal of a leader of a session, and its end a SIGHUP to these tests.
+    const int port = open(path.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    QFile line;
+    ASSERT_TRUE(line.open(port, QIODevice::ReadWrite | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle)) << path.toStdString();
     line.write("\x02IN?\x03");
     QByteArray answer;
     char character = 0;
