@@ -35,12 +35,22 @@ const sum: Buffer = new Checksum().ComputeChecksum("x");
 END
 compile --strict calverin.d.ts right.ts
 
+# Of lines on standard input each must be refused with some declarations; all are compiled at once, each in a file by itself.
 wrong=0
-while IFS= read -r line; do
-    printf '%s\n' "$line" >wrong.ts
-    ! compile --strict calverin.d.ts wrong.ts >/dev/null || { echo "is taken: $line"; exit 1; }
-    wrong=$((wrong + 1))
-done <<'END'
+refuses() {
+    local line count=0 number
+    while IFS= read -r line; do
+        count=$((count + 1))
+        printf '{ %s }\n' "$line" >"wrong$count.ts"
+    done
+    compile --strict "$1" wrong*.ts >refused || true
+    for number in $(seq "$count"); do
+        grep -q "^wrong$number.ts(" refused || { echo "is taken: $(cat "wrong$number.ts")"; exit 1; }
+    done
+    rm wrong*.ts
+    wrong=$((wrong + count))
+}
+refuses calverin.d.ts <<'END'
 QCalverin.SetVal("a", "b");
 QCalverin.SetTimeout("text", 10);
 QCalverin.SetTimeout(() => {});
@@ -71,11 +81,7 @@ sed '/^that is all$/,$d' members | grep -v '^_' | while read -r member; do
     case $member in found|key|toString|gc|version) continue ;; esac # the engine's own, and the script's
     grep -qw "$member" counterpart.d.ts || { echo "is not declared: $member"; exit 1; }
 done
-while IFS= read -r line; do
-    printf '%s\n' "$line" >wrong.ts
-    ! compile --strict counterpart.d.ts wrong.ts >/dev/null || { echo "is taken: $line"; exit 1; }
-    wrong=$((wrong + 1))
-done <<'END'
+refuses counterpart.d.ts <<'END'
 Counterpart.tcp({ line: "\r" });
 Counterpart.tcp({ lines: "\r" }).onFrame = (line, frame) => {};
 Counterpart.tcp({ prefix: 3 });
