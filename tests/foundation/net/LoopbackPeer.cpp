@@ -1,8 +1,10 @@
 #include "LoopbackPeer.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <string>
 #include <utility>
 
 #include <arpa/inet.h>
@@ -184,6 +186,14 @@ std::size_t CountDescriptors() {
 
 std::size_t CountThreads() {
     return CountEntries("/proc/self/task");
+}
+
+std::vector<int> Threads() {
+    std::vector<int> numbers;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task"))
+        numbers.push_back(std::stoi(entry.path().filename().string()));
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
 }
 
 std::vector<int> SocketDescriptors() {

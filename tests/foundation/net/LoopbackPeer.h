@@ -70,6 +70,8 @@ std::uint16_t ClosedPort();
 
 std::size_t CountDescriptors();
 std::size_t CountThreads();
+/// The numbers of the threads that the process has now, in order.
+std::vector<int> Threads();
 /// The descriptors of the sockets that the process has now.
 std::vector<int> SocketDescriptors();
 std::uint16_t LocalPortOf(int descriptor);
