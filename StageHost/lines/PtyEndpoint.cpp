@@ -1,14 +1,22 @@
 #include "PtyEndpoint.h"
 
+#include <chrono>
 #include <utility>
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTimer>
 
 #include "PseudoTerminal.h"
 #include "StreamChannel.h"
 
 namespace stagehost {
+
+namespace {
+
+constexpr std::chrono::milliseconds kLookAgain(1000);
+
+} // namespace
 
 PtyEndpoint::~PtyEndpoint() {
     CloseAll();
@@ -67,8 +75,8 @@ void PtyEndpoint::LookForPrograms() {
     if (m_line != 0 || !m_letsIn || m_ours < 0 || !IsOpenByOthers(m_ours))
         return;
     const int second = SecondDescriptor(m_ours);
-    if (second < 0) // none is left: the next opening, or the next piece of the device, tries again
-        return;
+    if (second < 0) // none is left; nothing tells when one is
+        return QTimer::singleShot(kLookAgain, m_opens.get(), [this] { LookForPrograms(); });
     m_line = NextLine();
     Add(StreamChannel::OverTerminal(second), {});
 }

@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <QUdpSocket>
 
+#include "FewDescriptors.h"
 #include "LinesFixture.h"
 
 using namespace stagehost;
@@ -274,6 +275,17 @@ TEST_F(SerialLines, WhoLeavesHangsUpAndReturnsUnderTheSameName) {
     EXPECT_EQ(endpoint->Place().path, name);
     ASSERT_TRUE(OpenPort());
     EXPECT_TRUE(news.Becomes("opened 1, opened 2")) << news.Text();
+}
+
+TEST_F(SerialLines, AProgramForWhichNoDescriptorIsLeftIsLetInWhenOneIs) {
+    ASSERT_TRUE(OpenPort());
+    {
+        const FewDescriptors none;
+        for (int i = 0; i < 10; ++i)
+            QCoreApplication::processEvents();
+        EXPECT_EQ(news.Text(), "");
+    }
+    EXPECT_TRUE(news.Becomes("opened 1")) << news.Text();
 }
 
 TEST_F(SerialLines, ALineThatIsClosedHereIsPulledOutAndPutBack) {

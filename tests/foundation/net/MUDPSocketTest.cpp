@@ -1,7 +1,6 @@
 #include <thread>
 
-#include <sys/resource.h>
-
+#include "FewDescriptors.h"
 #include "UDPFixture.h"
 
 namespace {
@@ -108,17 +107,12 @@ TEST_F(UDPBind, TwoThatAreNotExclusiveShareAPort) {
 }
 
 TEST_F(UDPBind, WithoutDescriptorsGivesACode) {
-    rlimit limit{};
-    getrlimit(RLIMIT_NOFILE, &limit);
-    const rlimit none{3, limit.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
-    const std::int32_t bound = socket->Bind(false, nullptr, 0);
-    const std::int32_t sent = socket->SendTo("x", 1, "127.0.0.1", 9);
-    const std::int32_t set = socket->SetMulticastScope(1);
-    setrlimit(RLIMIT_NOFILE, &limit);
-    EXPECT_EQ(bound, -2);
-    EXPECT_EQ(sent, -2);
-    EXPECT_EQ(set, -2);
+    {
+        const FewDescriptors none(3);
+        EXPECT_EQ(socket->Bind(false, nullptr, 0), -2);
+        EXPECT_EQ(socket->SendTo("x", 1, "127.0.0.1", 9), -2);
+        EXPECT_EQ(socket->SetMulticastScope(1), -2);
+    }
     EXPECT_EQ(socket->Bind(false, nullptr, 0), 0);
 }
 

@@ -1,7 +1,6 @@
 #include <chrono>
 
-#include <sys/resource.h>
-
+#include "FewDescriptors.h"
 #include "TCPFixture.h"
 
 namespace {
@@ -184,13 +183,10 @@ TEST_F(TCPConnect, AfterDisconnectItConnectsAtOnceAgain) {
 
 TEST_F(TCPConnect, WithoutDescriptorsGivesACodeAndWorksAgainLater) {
     GivenPort(listener.GetPort());
-    rlimit limit{};
-    getrlimit(RLIMIT_NOFILE, &limit);
-    const rlimit none{3, limit.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
-    const std::int32_t code = client->Connect();
-    setrlimit(RLIMIT_NOFILE, &limit);
-    EXPECT_EQ(code, -14) << "the thread could not be woken";
+    {
+        const FewDescriptors none(3);
+        EXPECT_EQ(client->Connect(), -14) << "the thread could not be woken";
+    }
     EXPECT_EQ(client->Connect(), 0);
 }
 
@@ -198,11 +194,6 @@ TEST_F(TCPConnect, WithoutADescriptorForTheSocketGivesMinus2) {
     GivenPort(ClosedPort());
     EXPECT_EQ(client->Connect(), -5);
     client->Disconnect();
-    rlimit limit{};
-    getrlimit(RLIMIT_NOFILE, &limit);
-    const rlimit none{3, limit.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &none);
-    const std::int32_t code = client->Connect();
-    setrlimit(RLIMIT_NOFILE, &limit);
-    EXPECT_EQ(code, -2);
+    const FewDescriptors none(3);
+    EXPECT_EQ(client->Connect(), -2);
 }

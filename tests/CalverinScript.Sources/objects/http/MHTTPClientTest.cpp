@@ -12,10 +12,10 @@
 #include <QNetworkProxy>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include "EventLoopUntil.h"
+#include "FewDescriptors.h"
 #include "HostileServer.h"
 
 // The worker on the test's own thread: what it does with more than one request, and with answers that never end.
@@ -382,13 +382,10 @@ TEST_F(WorkerWithALimit, AnAnswerAtTheLimitIsWhole) {
 
 TEST_F(Worker, WithoutFreeDescriptorsARequestFailsAndTheProcessLives) {
     const HostileServer server(&AnswerQuickOnes);
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
-    rlimit few = before;
-    few.rlim_cur = 4;
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
-    worker.SlotGet(To(server, "/quick"));
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    {
+        const FewDescriptors few(4);
+        worker.SlotGet(To(server, "/quick"));
+    }
     ASSERT_EQ(responses.size(), 1U);
     EXPECT_EQ(responses[0].error, 99);
 }
