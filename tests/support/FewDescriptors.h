@@ -3,7 +3,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-/// While it lives the process opens no descriptor whose number is not below the given one; those that are open stay usable.
+/// While it lives the process opens no descriptor whose number is not below the given one; those that are open stay
+/// usable.
 class FewDescriptors {
 public:
     /// Those that it has, and none more. A smaller number keeps it from waiting for more than that at once, too.
