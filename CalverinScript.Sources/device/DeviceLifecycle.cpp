@@ -43,11 +43,11 @@ void MCalverinScript_Device::End() {
     ExecuteStopFunction();
     const bool isOver = program->EndStop();
     SetStarted(false);
+    if (!isOver)
+        road->AskToStop(); // later it could meet the thread of a start: a host may begin one as soon as nothing runs
     SetRunning(false);
     if (isOver)
         StopCommandThread();
-    else
-        road->AskToStop();
     program->ReleaseObjects();
     road->ClearStackCount();
     TellPanels(false);
