@@ -99,6 +99,15 @@ bool CommandRoad::HasThread() {
     return !m_isMissing;
 }
 
+void CommandRoad::BeginRun() {
+    m_queue.KeepFromHere(true);
+}
+
+void CommandRoad::EndRun() {
+    m_queue.KeepFromHere(false);
+    m_thread.Stop(false);
+}
+
 /// The commands that go end the contexts of their requests.
 void CommandRoad::Stop() {
     m_isMissing = false;
@@ -188,11 +197,9 @@ void CommandRoad::TellWantOfMemory() {
 void CommandRoad::Serve(MThread& thread) {
     while (!thread.StopRequested()) {
         m_queue.WaitForCommand(kInfinite);
-        while (m_queue.TakeNextCommand() == kCommandDone) {
-            if (thread.StopRequested())
-                return;
+        // What is taken is executed: it may be of a run that has begun behind the stop.
+        while (!thread.StopRequested() && m_queue.TakeNextCommand() == kCommandDone)
             m_queue.ExecuteCurrentCommand();
-        }
     }
 }
 

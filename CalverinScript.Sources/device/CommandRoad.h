@@ -51,20 +51,27 @@ public:
     CommandRoad(MyCommandManager& queue, IThreadHandler& threadBody, ICommandObjectHandler& contexts,
                 ICommandWork& work, std::size_t stackSize);
 
+    /// A run begins: what is posted from here on outlives the Stop of the run before, which may come late.
+    /// [any host thread, command]
+    void BeginRun();
     /// Starts the command thread; nothing when it runs. One that was asked to end, and is still in a handler, is waited
     /// for; when that thread itself asks, it goes on.   [any host thread, command]
     void Start();
     /// Whether somebody executes what is posted. A thread that the system did not give is asked for again. True while
     /// the road is not started: its commands wait for the start.   [any host thread]
     bool HasThread();
-    /// Asks the command thread to end behind the command in execution, and waits for nobody: Stop has to follow. [any]
-    void AskToStop() { m_thread.Stop(false); }
-    /// Ends the command thread behind the command in execution, and drops what waits. The command thread itself may
-    /// ask: it ends when it is back from what it does.   [any host thread, tick, command]
+    /// The run ends: asks the command thread to end behind the command in execution, and waits for nobody. Stop has to
+    /// follow, be it behind the beginning of another run.   [any]
+    void EndRun();
+    /// Ends the command thread behind the command in execution, and drops what waits of runs that have ended. The command
+    /// thread itself may ask: it ends when it is back from what it does.   [any host thread, tick, command]
     void Stop();
 
     // IEndingRoom
-    void End() override { Stop(); }
+    void End() override {
+        EndRun();
+        Stop();
+    }
     /// Whether the command thread is out of everything that it was called into.   [any]
     bool HasEnded() const override { return m_thread.Wait(0); }
 

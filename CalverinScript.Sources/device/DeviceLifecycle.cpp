@@ -17,6 +17,7 @@ KXPCode MCalverinScript_Device::Start() {
 
 void MCalverinScript_Device::Begin() {
     program->BeginStart();
+    road->BeginRun();
     SetRunning(true);
     SetStarted(true);
     StartCommandThread();
@@ -42,9 +43,8 @@ void MCalverinScript_Device::End() {
     program->EndRequests();
     ExecuteStopFunction();
     const bool isOver = program->EndStop();
+    road->EndRun(); // a host may start anew as soon as it sees that nothing runs, and that would be another run
     SetStarted(false);
-    if (!isOver)
-        road->AskToStop(); // later it could meet the thread of a start: a host may begin one as soon as nothing runs
     SetRunning(false);
     if (isOver)
         StopCommandThread();

@@ -109,6 +109,10 @@ public:
     /// Deletes the queue and the current command. Waits for an execution that holds the lock.   [thread: any]
     void ClearCommands();
 
+    /// With true, what is posted from here on outlives ClearCommands while it waits, until a call with false; another
+    /// one with true changes nothing.   [thread: any]
+    void KeepFromHere(bool keeps) { m_queue.KeepFromHere(keeps); }
+
     /// Commands that wait, the current one not counted.   [thread: any]
     std::int32_t GetQueuedCount() const { return m_queue.Count(); }
 

@@ -53,6 +53,45 @@ TEST(CommandQueue, ClearingAndDestroyingDeleteWhatWaits) {
     EXPECT_EQ(requests.Ended(), 3U);
 }
 
+TEST(CommandQueue, ClearingLeavesWhatIsKept) {
+    Requests requests;
+    CommandQueue queue;
+    const auto append = [&](int id) { queue.Append(Command(id, &requests), 10); };
+    append(1);
+    append(2);
+    queue.KeepFromHere(true);
+    append(3);
+    queue.KeepFromHere(true);
+    append(4);
+    EXPECT_EQ(queue.TakeOldest()->GetId(), 1);
+    queue.Clear();
+    EXPECT_EQ(requests.Ended(), 2U);
+    queue.Clear();
+    EXPECT_EQ(queue.Count(), 2) << "it has no more than what is kept";
+    EXPECT_EQ(queue.TakeOldest()->GetId(), 3);
+    EXPECT_EQ(queue.TakeOldest()->GetId(), 4);
+    append(5);
+    queue.Clear();
+    EXPECT_EQ(queue.Count(), 1) << "and keeps still";
+    queue.KeepFromHere(false);
+    append(6);
+    queue.Clear();
+    EXPECT_EQ(requests.Ended(), 6U);
+    EXPECT_TRUE(queue.IsEmpty());
+    append(7);
+    EXPECT_EQ(queue.TakeOldest()->GetId(), 7) << "usable again after it was cleared";
+}
+
+TEST(CommandQueue, KeptCommandsGoWithTheQueue) {
+    Requests requests;
+    {
+        CommandQueue queue;
+        queue.KeepFromHere(true);
+        queue.Append(Command(1, &requests), 10);
+    }
+    EXPECT_EQ(requests.Ended(), 1U);
+}
+
 TEST(CommandQueue, EachCommandLeavesExactlyOnce) {
     Requests requests;
     CommandQueue queue;
