@@ -146,7 +146,7 @@ void CommandRoad::Queue(std::unique_ptr<MCommandObject> command) {
 }
 
 void CommandRoad::LetGo(const MCommandObject& dropped) {
-    m_stackCount.Decrement();
+    m_stackCount.DecrementUnlessZero();
     m_dropped.Note(1);
     const ScriptRequest request = ScriptRequest::Of(dropped);
     if (request.id == kScriptCallback)
@@ -183,7 +183,7 @@ bool CommandRoad::ExecuteCommand(MCommandObject& command) {
         return false;
     }
     m_queue.FinishCurrentCommand(taken ? &command : nullptr);
-    m_stackCount.Decrement();
+    m_stackCount.DecrementUnlessZero();
     m_work.OnCommandOver();
     return true;
 }
@@ -227,7 +227,7 @@ void CommandRoad::GiveUp(MCommandObject* command) {
         WriteLog(LogHandle(), kTroubleLevel, "CalverinScript_ [%s] Command Timeout ID : %d",
                  m_work.GetRoadName().c_str(), command != nullptr ? command->GetId() : -1);
     m_queue.FinishCurrentCommand(nullptr);
-    m_stackCount.Decrement();
+    m_stackCount.DecrementUnlessZero();
     if (m_queue.TakeNextCommand() == kCommandDone)
         m_queue.ExecuteCurrentCommand();
 }

@@ -91,7 +91,7 @@ public:
     /// @return null outside a function with parameters, and when it has been taken already.   [script]
     MCommandObject* TakeExecuting() { return m_executing.exchange(nullptr); }
 
-    /// Commands that are posted and not over.   [any]
+    /// Commands that are posted and not over. One in execution while a stop clears the count is no longer counted.   [any]
     std::int32_t GetStackCount() const { return m_stackCount.Read(); }
     void ClearStackCount() { m_stackCount.Exchange(0); }
 

@@ -20,13 +20,10 @@ public:
     }
 
     /// Adds 1 unless the value is 0. @return whether it did.
-    bool IncrementUnlessZero() {
-        std::int32_t value = m_value.load();
-        while (value != 0)
-            if (m_value.compare_exchange_weak(value, static_cast<std::int32_t>(static_cast<std::uint32_t>(value) + 1U)))
-                return true;
-        return false;
-    }
+    bool IncrementUnlessZero() { return AddUnlessZero(1U); }
+
+    /// Takes 1 away unless the value is 0. @return whether it did.
+    bool DecrementUnlessZero() { return AddUnlessZero(~0U); }
 
     std::int32_t Read() const { return m_value.load(); }
 
@@ -34,5 +31,14 @@ public:
     std::int32_t Exchange(std::int32_t value) { return m_value.exchange(value); }
 
 private:
+    bool AddUnlessZero(std::uint32_t summand) {
+        std::int32_t value = m_value.load();
+        while (value != 0)
+            if (m_value.compare_exchange_weak(value,
+                                              static_cast<std::int32_t>(static_cast<std::uint32_t>(value) + summand)))
+                return true;
+        return false;
+    }
+
     std::atomic<std::int32_t> m_value;
 };

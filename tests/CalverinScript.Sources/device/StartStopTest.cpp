@@ -112,6 +112,7 @@ TEST_F(ObservedScript, MayMakeTheHostStopTheDeviceWithoutWaitingForItself) {
     EXPECT_EQ(device->IsRunning(), KXP_NO);
     GivenScript("({ Ask: function() { return 'answered' } })");
     EXPECT_EQ(Call("Ask"), "answered") << "the start completes what the stop has left";
+    EXPECT_TRUE(NothingIsPending()) << device->GetStackCount();
 }
 
 TEST_F(ObservedScript, MayMakeTheHostStopTheDeviceFromATimer) {

@@ -22,6 +22,17 @@ TEST(InterlockedCounter, WrapsAtBothEnds) {
     EXPECT_EQ(counter.Decrement(), std::numeric_limits<std::int32_t>::max());
 }
 
+TEST(InterlockedCounter, LeavesAZeroAloneWhenItIsAskedTo) {
+    InterlockedCounter counter(1);
+    EXPECT_TRUE(counter.DecrementUnlessZero());
+    EXPECT_FALSE(counter.DecrementUnlessZero());
+    EXPECT_FALSE(counter.IncrementUnlessZero());
+    EXPECT_EQ(counter.Read(), 0);
+    counter.Exchange(2);
+    EXPECT_TRUE(counter.IncrementUnlessZero());
+    EXPECT_EQ(counter.Read(), 3);
+}
+
 TEST(InterlockedCounter, LosesNothingBetweenThreads) {
     InterlockedCounter counter;
     std::vector<std::thread> threads;
