@@ -5,7 +5,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QTimer>
 
 #include "PseudoTerminal.h"
 #include "StreamChannel.h"
@@ -17,6 +16,13 @@ namespace {
 constexpr std::chrono::milliseconds kLookAgain(1000);
 
 } // namespace
+
+PtyEndpoint::PtyEndpoint(EndpointNews& news)
+    : Endpoint(news) {
+    m_lookAgain.setSingleShot(true);
+    m_lookAgain.setInterval(kLookAgain);
+    QObject::connect(&m_lookAgain, &QTimer::timeout, &m_lookAgain, [this] { LookForPrograms(); });
+}
 
 PtyEndpoint::~PtyEndpoint() {
     CloseAll();
@@ -76,7 +82,7 @@ void PtyEndpoint::LookForPrograms() {
         return;
     const int second = SecondDescriptor(m_ours);
     if (second < 0) // none is left; nothing tells when one is
-        return QTimer::singleShot(kLookAgain, m_opens.get(), [this] { LookForPrograms(); });
+        return m_lookAgain.start();
     m_line = NextLine();
     Add(StreamChannel::OverTerminal(second), {});
 }

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include "Endpoint.h"
 #include "PassingFolder.h"
@@ -13,8 +14,7 @@ namespace stagehost {
 /// an adapter does that was pulled out and put back.   [host main]
 class PtyEndpoint final : public Endpoint {
 public:
-    explicit PtyEndpoint(EndpointNews& news)
-        : Endpoint(news) {}
+    explicit PtyEndpoint(EndpointNews& news);
     ~PtyEndpoint() override;
 
     QString Open(const LinePlace& place) override;
@@ -33,7 +33,8 @@ private:
     int m_ours = -1;
     int m_watch = -1;
     std::unique_ptr<QSocketNotifier> m_opens;
-    LineId m_line = 0; ///< the one that is open; 0: none
+    QTimer m_lookAgain; ///< runs while a program waits for a descriptor of ours
+    LineId m_line = 0;  ///< the one that is open; 0: none
     bool m_letsIn = true;
 };
 
