@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <utility>
+
 #include <gtest/gtest.h>
 
 #include <QDateTime>
@@ -52,9 +55,16 @@ TEST_F(Clock, TimersPausesAndWaitsFollowTheTimeOfTheShow) {
     host.Run({Text("run"), Text("--speed"), Text("300"), show});
     EXPECT_EQ(host.ExitCode(), 0) << host.Errors().toStdString();
     EXPECT_LT(host.Milliseconds(), 55000) << "ten minutes and a half";
-    EXPECT_TRUE(Printed().mid(0, 3) == QStringList({Text("tick 1 at 1"), Text("tick 2 at 2"), Text("tick 3 at 3")}))
-        << host.Errors().toStdString();
-    EXPECT_GE(Printed().size(), 60);
+    const QRegularExpression tick(Text("^tick (\\d+) at (\\d+)$"));
+    int ticks = 0;
+    int place = 0; // in tens of seconds; a busy computer leaves some of them out, at 33 ms each
+    for (auto match = tick.match(Printed().value(0)); match.hasMatch(); match = tick.match(Printed().value(ticks))) {
+        EXPECT_EQ(match.captured(1).toInt(), ++ticks);
+        EXPECT_GE(match.captured(2).toInt(), std::max(place, ticks)) << "not before its time";
+        place = match.captured(2).toInt();
+    }
+    EXPECT_GE(ticks, 30) << host.Errors().toStdString();
+    EXPECT_GE(place, 60) << host.Errors().toStdString();
     EXPECT_EQ(Printed().last(), Text("stopped")) << "the end of a show has the computer's time";
 }
 
