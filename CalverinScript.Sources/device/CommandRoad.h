@@ -72,6 +72,8 @@ public:
         EndRun();
         Stop();
     }
+    /// Whether the caller is the command thread.   [any]
+    bool IsOnThread() const { return m_thread.IsCurrent(); }
     /// Whether the command thread is out of everything that it was called into.   [any]
     bool HasEnded() const override { return m_thread.Wait(0); }
 

@@ -62,6 +62,7 @@ void MCalverinScript_Device::LetGo() {
     if (!door.Close())
         return;
     const HostDoor::Visit visit(door); // a request that ends here may make the host release the device
+    stops.Open();
     ending = true;
     if (setupInterface != nullptr)
         setupInterface->ForgetDevice(*this);

@@ -8,6 +8,8 @@
 KXPCode MCalverinScript_Device::Start() {
     ExpectThread(ThreadWord::AnyHostThread, "IKXPDevice::Start");
     const HostDoor::Visit visit(door);
+    if (!crossing.Entrance().IsOnScriptThread() && !road->IsOnThread()) // for which a stop may be waiting
+        stops.AwaitStops();
     if (door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
     if (!RunWithinMemory([this] { Begin(); }))
@@ -31,6 +33,7 @@ KXPCode MCalverinScript_Device::Stop() {
     const HostDoor::Visit visit(door);
     if (door.IsClosed())
         return KXP_NOT_IMPLEMENTED;
+    const StopGate::Stop underWay(stops);
     if (!RunWithinMemory([this] { End(); }) && !RunWithinMemory([this] { End(); }))
         TellWantOfMemory("the stop");
     return KXP_OK;

@@ -28,6 +28,7 @@
 #include "MyCommandManager.h"
 #include "ScriptCrossing.h"
 #include "ShownScript.h"
+#include "StopGate.h"
 #include "StoredSetup.h"
 #include "TickSeat.h"
 #include "UserCommands.h"
@@ -334,6 +335,7 @@ private:
     const HostServices services; ///< what the host offers
     HostValues values;           ///< the host's values of the device's variables
     HostDoor door;               ///< the host's threads inside the device
+    StopGate stops;              ///< those of them that stop it
     StoredSetup storedSetup;     ///< what the host keeps of the device
     UserCommands commands;       ///< the commands that the script adds
     const std::unique_ptr<Links> links;

@@ -21,7 +21,7 @@ PtyEndpoint::PtyEndpoint(EndpointNews& news)
     : Endpoint(news) {
     m_lookAgain.setSingleShot(true);
     m_lookAgain.setInterval(kLookAgain);
-    QObject::connect(&m_lookAgain, &QTimer::timeout, &m_lookAgain, [this] { LookForPrograms(); });
+    QObject::connect(&m_lookAgain, &QTimer::timeout, &m_lookAgain, [this] { LookAgain(); });
 }
 
 PtyEndpoint::~PtyEndpoint() {
@@ -55,7 +55,11 @@ QString PtyEndpoint::DoReturn() {
         Drop();
         return terminal.errorString();
     }
-    m_watch = WatchOpens(name);
+    m_watch = WatchOpens(name, problem);
+    if (m_watch < 0) {
+        Drop();
+        return QString::fromStdString(problem);
+    }
     m_opens = std::make_unique<QSocketNotifier>(m_watch, QSocketNotifier::Read);
     QObject::connect(m_opens.get(), &QSocketNotifier::activated, m_opens.get(), [this] {
         ForgetOpens(m_watch);
@@ -81,7 +85,7 @@ void PtyEndpoint::LookForPrograms() {
     if (m_line != 0 || !m_letsIn || m_ours < 0 || !IsOpenByOthers(m_ours))
         return;
     const int second = SecondDescriptor(m_ours);
-    if (second < 0) // none is left; nothing tells when one is
+    if (second < 0)
         return m_lookAgain.start();
     m_line = NextLine();
     Add(StreamChannel::OverTerminal(second), {});
@@ -91,11 +95,18 @@ void PtyEndpoint::LineIsOver(LineId, bool isClosedHere) {
     m_line = 0;
     if (isClosedHere) {
         Drop();
-        DoReturn();
+        LookAgain();
     } else if (m_ours >= 0) {
         DropUnread(m_ours);
         LookForPrograms();
     }
+}
+
+/// Nothing tells when a descriptor is left again.
+void PtyEndpoint::LookAgain() {
+    if (m_ours < 0 && !DoReturn().isEmpty())
+        m_lookAgain.start();
+    LookForPrograms();
 }
 
 void PtyEndpoint::LetIn(bool lets) {
@@ -104,6 +115,7 @@ void PtyEndpoint::LetIn(bool lets) {
 }
 
 void PtyEndpoint::Drop() {
+    m_lookAgain.stop();
     if (m_opens) {
         m_opens->setEnabled(false);
         m_opens.release()->deleteLater(); // perhaps from inside its own signal

@@ -25,6 +25,7 @@ private:
     void DoLeave() override;
     QString DoReturn() override;
     void LineIsOver(LineId line, bool isClosedHere) override;
+    void LookAgain();
     QString ClearPlace() const;
     void Drop();
 
@@ -33,7 +34,7 @@ private:
     int m_ours = -1;
     int m_watch = -1;
     std::unique_ptr<QSocketNotifier> m_opens;
-    QTimer m_lookAgain; ///< runs while a program waits for a descriptor of ours
+    QTimer m_lookAgain; ///< runs while a descriptor of ours is missing: for a program that has come, or for the port
     LineId m_line = 0;  ///< the one that is open; 0: none
     bool m_letsIn = true;
 };

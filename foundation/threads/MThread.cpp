@@ -78,9 +78,13 @@ bool MThread::Stop(bool /*terminate*/) {
     return true;
 }
 
-void MThread::TakeStopBack() {
+bool MThread::IsCurrent() const {
     const std::lock_guard<std::mutex> guard(m_lock);
-    if (m_running && m_thread.IsCurrent())
+    return m_running && m_thread.IsCurrent();
+}
+
+void MThread::TakeStopBack() {
+    if (IsCurrent())
         m_stopRequested = false;
 }
 

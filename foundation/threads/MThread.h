@@ -44,6 +44,9 @@ public:
     /// @return true when there is a thread to ask.
     bool Stop(bool terminate = false);
 
+    /// Whether the caller is the thread that runs.   [thread: any]
+    bool IsCurrent() const;
+
     /// Takes a request to end back: the body goes on.   [thread: the started one]
     void TakeStopBack();
 

@@ -10,6 +10,8 @@ public:
     /// Those that it has, and none more. A smaller number keeps it from waiting for more than that at once, too.
     FewDescriptors()
         : FewDescriptors(FirstFree()) {}
+    /// So many more than it has.
+    static FewDescriptors More(int count) { return FewDescriptors(FirstFree() + static_cast<rlim_t>(count)); }
     explicit FewDescriptors(rlim_t most) {
         getrlimit(RLIMIT_NOFILE, &m_before);
         const rlimit few{most, m_before.rlim_max};

@@ -18,7 +18,7 @@ bool IsOpenByOthers(int ours);
 void DropUnread(int ours);
 
 /// A descriptor that becomes readable when somebody opens or closes that port; ForgetOpens makes it wait for the next.
-int WatchOpens(const std::string& name);
+int WatchOpens(const std::string& name, std::string& problem);
 void ForgetOpens(int watch);
 
 } // namespace stagehost

@@ -22,23 +22,28 @@ void PassAllBytes(int ours) {
     tcsetattr(ours, TCSANOW, &line);
 }
 
+/// @return -1, with the reason of the last call.
+int GiveUp(int descriptor, std::string& problem) {
+    problem = std::strerror(errno);
+    if (descriptor >= 0)
+        close(descriptor);
+    return -1;
+}
+
 } // namespace
 
 int OpenPseudoTerminal(std::string& name, std::string& problem) {
     const int ours = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     char path[64] = {};
-    if (ours < 0 || grantpt(ours) != 0 || unlockpt(ours) != 0 || ptsname_r(ours, path, sizeof path) != 0) {
-        problem = std::strerror(errno);
-        if (ours >= 0)
-            close(ours);
-        return -1;
-    }
+    if (ours < 0 || grantpt(ours) != 0 || unlockpt(ours) != 0 || ptsname_r(ours, path, sizeof path) != 0)
+        return GiveUp(ours, problem);
     name = path;
     PassAllBytes(ours);
-    const int theirs =
-        open(path, O_RDWR | O_NOCTTY | O_CLOEXEC); // until a port was open once, nobody seems to have left it
-    if (theirs >= 0)
-        close(theirs);
+    // Until a port was open once, nobody seems to have left it.
+    const int theirs = open(path, O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (theirs < 0)
+        return GiveUp(ours, problem);
+    close(theirs);
     return ours;
 }
 
@@ -51,10 +56,10 @@ void DropUnread(int ours) {
     tcflush(ours, TCOFLUSH);
 }
 
-int WatchOpens(const std::string& name) {
+int WatchOpens(const std::string& name, std::string& problem) {
     const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (watch >= 0)
-        inotify_add_watch(watch, name.c_str(), IN_OPEN | IN_CLOSE);
+    if (watch < 0 || inotify_add_watch(watch, name.c_str(), IN_OPEN | IN_CLOSE) < 0)
+        return GiveUp(watch, problem);
     return watch;
 }
 

@@ -1,6 +1,9 @@
 #include "DeviceFixture.h"
 
 #include <algorithm>
+#include <atomic>
+#include <future>
+#include <thread>
 
 #include <QElapsedTimer>
 #include <QScriptEngine>
@@ -8,6 +11,7 @@
 #include "DeviceTexts.h"
 #include "ModuleShared.h"
 #include "ScriptWorld.h"
+#include "StopGate.h"
 
 namespace {
 
@@ -151,6 +155,70 @@ TEST_F(ObservedScript, ThatStopsTheDeviceIsFollowedByNoOtherCommand) {
     EXPECT_TRUE(second.WaitForEnd());
     EXPECT_EQ(write->At(1).Text(), "written");
     EXPECT_EQ(ask->At(1).Text(), "");
+}
+
+TEST_F(StartStop, AStartMayFollowAsSoonAsNothingRunsAndFindsTheStopOver) {
+    GivenScript("({ Ask: function() { return 'answered' } })");
+    std::vector<std::unique_ptr<plain::Params>> old;
+    for (int round = 0; round < 200; ++round) {
+        for (int i = 0; i < 5; ++i)
+            ASSERT_EQ(Send(3, *old.emplace_back(plain::Params::ForFunction("Ask", {}))), KXP_OK);
+        std::thread stopper([this] { device->Stop(); });
+        while (device->IsRunning() == KXP_OK) {
+        }
+        device->Start();
+        EXPECT_EQ(Call("Ask"), "answered") << round;
+        stopper.join(); // it waits for nothing of the new run
+        EXPECT_EQ(device->IsRunning(), KXP_OK) << round;
+        EXPECT_EQ(Call("Ask"), "answered") << round;
+    }
+}
+
+TEST_F(StartStop, AStartInsideAStopOfTheSameThreadDoesNotWaitForIt) {
+    StopGate gate;
+    const StopGate::Stop outer(gate);
+    {
+        const StopGate::Stop inner(gate);
+        gate.AwaitStops();
+    }
+    gate.AwaitStops();
+}
+
+TEST_F(StartStop, AStartWaitsForTheStopsOfOthersButNotForEver) {
+    StopGate gate;
+    std::promise<void> mayEnd;
+    std::promise<void> isInside;
+    std::atomic<bool> hasEnded{false};
+    std::thread other([&] {
+        const StopGate::Stop stop(gate);
+        isInside.set_value();
+        mayEnd.get_future().wait();
+        hasEnded = true;
+    });
+    isInside.get_future().wait();
+    gate.AwaitStops();
+    EXPECT_FALSE(hasEnded) << "its patience is over";
+    std::thread waiter([&] {
+        gate.AwaitStops();
+        EXPECT_TRUE(hasEnded);
+    });
+    mayEnd.set_value();
+    other.join();
+    waiter.join();
+}
+
+TEST_F(StartStop, NobodyWaitsForStopsOfADeviceThatEnds) {
+    StopGate gate;
+    QElapsedTimer clock;
+    clock.start();
+    std::thread waiter;
+    {
+        const StopGate::Stop stop(gate);
+        waiter = std::thread([&] { gate.AwaitStops(); });
+        gate.Open();
+        waiter.join();
+    }
+    EXPECT_LT(clock.elapsed(), StopGate::kPatience.count());
 }
 
 TEST_F(StartStop, StopWithoutAStopFunctionWaitsForNothing) {

@@ -288,6 +288,36 @@ TEST_F(SerialLines, AProgramForWhichNoDescriptorIsLeftIsLetInWhenOneIs) {
     EXPECT_TRUE(news.Becomes("opened 1")) << news.Text();
 }
 
+TEST_F(SerialLines, APortForWhichDescriptorsAreMissingIsRefusedUntilAllAreThere) {
+    endpoint->Leave();
+    int refused = 0;
+    for (QString problem = QStringLiteral("first"); !problem.isEmpty() && refused < 10; ++refused) {
+        const FewDescriptors few = FewDescriptors::More(refused);
+        problem = endpoint->Return();
+    }
+    EXPECT_GE(refused, 2) << "its own end and the look at who opens it take one each";
+    EXPECT_LT(refused, 10);
+    for (int i = 0; i < 10; ++i)
+        QCoreApplication::processEvents();
+    EXPECT_EQ(news.Text(), "") << "nobody has come";
+    ASSERT_TRUE(OpenPort());
+    EXPECT_TRUE(news.Becomes("opened 1")) << news.Text();
+}
+
+TEST_F(SerialLines, APortThatCannotBePutBackComesWhenDescriptorsAreLeft) {
+    ASSERT_TRUE(OpenPort());
+    ASSERT_TRUE(news.Becomes("opened 1"));
+    {
+        const FewDescriptors none(3);
+        endpoint->Close(1);
+        for (int i = 0; i < 10; ++i)
+            QCoreApplication::processEvents();
+    }
+    port.close();
+    EXPECT_TRUE(Eventually([&] { return port.isOpen() || OpenPort(); }));
+    EXPECT_TRUE(Eventually([&] { return news.all.contains(QStringLiteral("opened 2")); })) << news.Text();
+}
+
 TEST_F(SerialLines, ALineThatIsClosedHereIsPulledOutAndPutBack) {
     ASSERT_TRUE(OpenPort());
     ASSERT_TRUE(news.Becomes("opened 1"));
