@@ -193,10 +193,12 @@ TEST_F(Counterpart, MakesASerialLineOfItsOwn) {
                                "d.onLine = function (c, t) { c.say('\\x02OK ' + t + '\\x03'); };")
                              .value(Text("serial"))
                              .toString();
-    // Without O_NOCTTY the line would become the terminal of a leader of a session, and its end a SIGHUP to these tests.
+    // Without O_NOCTTY the line would become the terminal of a leader of a session, and its end a SIGHUP to these
+    // tests.
     const int port = open(path.toLocal8Bit().constData(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     QFile line;
-    ASSERT_TRUE(line.open(port, QIODevice::ReadWrite | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle)) << path.toStdString();
+    ASSERT_TRUE(line.open(port, QIODevice::ReadWrite | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle))
+        << path.toStdString();
     line.write("\x02IN?\x03");
     QByteArray answer;
     char character = 0;
