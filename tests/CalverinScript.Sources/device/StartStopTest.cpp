@@ -1,8 +1,6 @@
 #include "DeviceFixture.h"
 
 #include <algorithm>
-#include <atomic>
-#include <future>
 #include <thread>
 
 #include <QElapsedTimer>
@@ -11,7 +9,6 @@
 #include "DeviceTexts.h"
 #include "ModuleShared.h"
 #include "ScriptWorld.h"
-#include "StopGate.h"
 
 namespace {
 
@@ -172,53 +169,6 @@ TEST_F(StartStop, AStartMayFollowAsSoonAsNothingRunsAndFindsTheStopOver) {
         EXPECT_EQ(device->IsRunning(), KXP_OK) << round;
         EXPECT_EQ(Call("Ask"), "answered") << round;
     }
-}
-
-TEST_F(StartStop, AStartInsideAStopOfTheSameThreadDoesNotWaitForIt) {
-    StopGate gate;
-    const StopGate::Stop outer(gate);
-    {
-        const StopGate::Stop inner(gate);
-        gate.AwaitStops();
-    }
-    gate.AwaitStops();
-}
-
-TEST_F(StartStop, AStartWaitsForTheStopsOfOthersButNotForEver) {
-    StopGate gate;
-    std::promise<void> mayEnd;
-    std::promise<void> isInside;
-    std::atomic<bool> hasEnded{false};
-    std::thread other([&] {
-        const StopGate::Stop stop(gate);
-        isInside.set_value();
-        mayEnd.get_future().wait();
-        hasEnded = true;
-    });
-    isInside.get_future().wait();
-    gate.AwaitStops();
-    EXPECT_FALSE(hasEnded) << "its patience is over";
-    std::thread waiter([&] {
-        gate.AwaitStops();
-        EXPECT_TRUE(hasEnded);
-    });
-    mayEnd.set_value();
-    other.join();
-    waiter.join();
-}
-
-TEST_F(StartStop, NobodyWaitsForStopsOfADeviceThatEnds) {
-    StopGate gate;
-    QElapsedTimer clock;
-    clock.start();
-    std::thread waiter;
-    {
-        const StopGate::Stop stop(gate);
-        waiter = std::thread([&] { gate.AwaitStops(); });
-        gate.Open();
-        waiter.join();
-    }
-    EXPECT_LT(clock.elapsed(), StopGate::kPatience.count());
 }
 
 TEST_F(StartStop, StopWithoutAStopFunctionWaitsForNothing) {
