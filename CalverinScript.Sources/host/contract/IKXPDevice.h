@@ -64,6 +64,8 @@ public:
     /// Starts the device: returns when the script's top level and its _mStart have
     /// run, or when the script failed, which is not reported here but in the
     /// variable "Error". A script that never returns blocks this call until Release.
+    /// Waits for each Stop in which another thread still is, for two seconds at most.
+    /// Commands behind it belong to the new run, those before that Stop to the old one.
     /// @return 0 always.   [any host thread]
     virtual KXPCode Start() = 0;
 
