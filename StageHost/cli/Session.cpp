@@ -479,6 +479,9 @@ MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
 }
 
 void Session::EndDevices(int lateCode) {
+    const bool again = std::exchange(m_haveDevicesEnded, true);
+    const auto hang = std::count_if(m_devices.begin(), m_devices.end(),
+                                    [](const auto& device) { return device->IsBlocked(); });
     ++m_calls; // for good: a device that is released is not reloaded any more
     ShowClock::Rest();
     m_host->Model().EndTasks();
@@ -487,23 +490,26 @@ void Session::EndDevices(int lateCode) {
         if (!device->Shutdown(kStop))
             LeaveAtOnce(lateCode, "a call into the module does not come back");
     }
+    if (!again)
+        AwaitStopped(hang);
 }
 
 /// A script that is stopped writes that into the log as it leaves its thread, shortly after its device is gone.
+void Session::AwaitStopped(std::ptrdiff_t scripts) {
+    const auto told = [&] {
+        m_follower->Look();
+        return m_thrown.Stopped() >= scripts;
+    };
+    const auto deadline = ThrownTexts::Clock::now() + kStopped;
+    while (!told() && ThrownTexts::Clock::now() < deadline)
+        MainWait::Until([] { return false; }, kLookForStop);
+}
+
 void Session::TellWhereItHangs(Failure& failure) {
     if (!m_host || failure.exitCode != kExitNoAnswer)
         return;
-    const bool hangs =
-        std::any_of(m_devices.begin(), m_devices.end(), [](const auto& device) { return device->IsBlocked(); });
     EndDevices(failure.exitCode);
-    const auto told = [&] {
-        m_follower->Look();
-        failure.place = m_thrown.TakeStopped();
-        return !failure.place.isEmpty();
-    };
-    const auto deadline = ThrownTexts::Clock::now() + kStopped;
-    while (hangs && !told() && ThrownTexts::Clock::now() < deadline)
-        MainWait::Until([] { return false; }, kLookForStop);
+    failure.place = m_thrown.TakeStopped();
 }
 
 /// Where scripts were that did not come back as their devices ended, and nobody waited for.

@@ -152,6 +152,7 @@ private:
     MaybeFailure WaitForFrame(const PeerReceipt& receipt, std::chrono::milliseconds limit);
     void TakeLine(const QString& line);
     void EndDevices(int lateCode);
+    void AwaitStopped(std::ptrdiff_t scripts);
     void TellStopped();
     void LookAtLog();
     MaybeFailure SetupToGive(const ShowDevice& described, const QString& stored, std::string& setup);
@@ -174,6 +175,7 @@ private:
     /// By the device, the values of variables that an edition which has started is still to be given.
     std::map<QString, std::map<std::string, std::string>> m_unstarted;
     int m_calls = 0; ///< of devices and peers, that are waited for
+    bool m_haveDevicesEnded = false;
     DeviceSettings m_settings;
     QStringList m_refusedSetups;
     Peers m_peers;

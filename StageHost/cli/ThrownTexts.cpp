@@ -127,6 +127,11 @@ QStringList ThrownTexts::TakeStopped() {
     return TakeStoppedAt(m_stopped.begin());
 }
 
+std::ptrdiff_t ThrownTexts::Stopped() const {
+    return std::count_if(m_stopped.begin(), m_stopped.end(),
+                         [](const Entry& entry) { return !entry.thrown.place.isEmpty(); });
+}
+
 /// "lights.js:3: lights stopped in spin, which did not come back"
 QStringList ThrownTexts::TakeStoppedAt(std::vector<Entry>::iterator entry) {
     if (entry == m_stopped.end() || entry->thrown.place.isEmpty())

@@ -66,6 +66,8 @@ public:
     QStringList TakeStopped(const QString& device);
     /// The same of any device.
     QStringList TakeStopped();
+    /// How many of them wait to be taken.
+    std::ptrdiff_t Stopped() const;
 
     /// Whether a text that was thrown is the message that a command has failed with.
     static bool IsOf(const QString& thrown, const QString& failure);

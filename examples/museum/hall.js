@@ -23,7 +23,8 @@
     Device: { Light: "off", Films: 0 },
 
     _minute: 60000, // ms
-    _films: 0,
+    _closing: 0,    // ms since 1970, as is the next
+    _nextFilm: 0,
 
     _mStart: function () {
         this._at(this.Setup.opens, this._open);
@@ -32,28 +33,33 @@
 
     // Does something today at that hour, and the hall's number of minutes later, unless that is over.
     _at: function (hour, work) {
-        var hall = this, time = new Date();
-        time.setHours(hour, this.Setup.number, 0, 0);
-        var wait = time.getTime() - new Date().getTime();
+        var hall = this, wait = this._today(hour) - new Date().getTime();
         if (wait >= 0)
             QCalverin.SetTimeout(function () { work.call(hall); }, wait);
     },
 
-    _open: function () {
-        var hall = this, every = this.Setup.film * this._minute;
-        this.Device.Light = "on";
-        QCalverin.SetTimeout(function () {
-            hall._begin();
-            hall._films = QCalverin.SetInterval(function () { hall._begin(); }, every);
-        }, every / 2);
+    _today: function (hour) {
+        return new Date().setHours(hour, this.Setup.number, 0, 0);
     },
 
-    _begin: function () {
-        this.Device.Films = Number(this.Device.Films) + 1;
+    _open: function () {
+        this.Device.Light = "on";
+        this._closing = this._today(this.Setup.closes);
+        this._nextFilm = this._today(this.Setup.opens) + this.Setup.film * this._minute / 2;
+        this._play();
+    },
+
+    // Each film has a time of its own, so that none shifts the next, and one that a busy computer was late for is not left out.
+    _play: function () {
+        var hall = this, now = new Date().getTime(), every = this.Setup.film * this._minute;
+        for (; this._nextFilm <= now && this._nextFilm < this._closing; this._nextFilm += every)
+            this.Device.Films = Number(this.Device.Films) + 1;
+        if (this._nextFilm < this._closing)
+            QCalverin.SetTimeout(function () { hall._play(); }, this._nextFilm - now);
     },
 
     _close: function () {
-        QCalverin.ClearInterval(this._films);
+        this._play();
         this.Device.Light = "off";
         print("closed after " + this.Device.Films + " films");
     }

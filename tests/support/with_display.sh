@@ -17,8 +17,9 @@ fail() {
 }
 . "$(dirname "$0")/by_hand.sh"
 
-# A number of a display that nobody uses is told on the descriptor.
-Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$place/display" 2>"$place/log" &
+# A number of a display that nobody uses is told on the descriptor. No key repeats itself (-r): on a busy computer each would
+# seem to be held.
+Xvfb -displayfd 3 -r -screen 0 1280x1024x24 -nolisten tcp 3>"$place/display" 2>"$place/log" &
 pids+=($!)
 eventually test -s "$place/display"
 DISPLAY=:$(cat "$place/display")

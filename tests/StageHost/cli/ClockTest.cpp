@@ -63,7 +63,7 @@ TEST_F(Clock, TimersPausesAndWaitsFollowTheTimeOfTheShow) {
         EXPECT_GE(match.captured(2).toInt(), std::max(place, ticks)) << "not before its time";
         place = match.captured(2).toInt();
     }
-    EXPECT_GE(ticks, 30) << host.Errors().toStdString();
+    EXPECT_GE(ticks, 10) << host.Errors().toStdString();
     EXPECT_GE(place, 60) << host.Errors().toStdString();
     EXPECT_EQ(Printed().last(), Text("stopped")) << "the end of a show has the computer's time";
 }

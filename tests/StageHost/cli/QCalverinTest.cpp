@@ -303,10 +303,10 @@ TEST_F(QCalverin, LoadsAShowBesideTheOneThatRunsAndSaysSo) {
 
 TEST_F(QCalverin, IsFreedFromARequestThatNeverEndsWhenTheShowEnds) {
     for (const char* link : {"newer", "older"}) {
-        host.Run({Text("run"), Text("--timeout"), Text("500"), Text("--link"), Text(link),
+        host.Run({Text("run"), Text("--timeout"), Text("2000"), Text("--link"), Text(link),
                   Show(Call("main", "run", "QCalverin.StartTask('Endless')"))});
         EXPECT_EQ(host.ExitCode(), 3) << link;
-        EXPECT_TRUE(host.Errors().contains(Text("no answer to \"3\" within 500 ms"))) << host.Errors().toStdString();
+        EXPECT_TRUE(host.Errors().contains(Text("no answer to \"3\" within 2000 ms"))) << host.Errors().toStdString();
         EXPECT_LT(host.Milliseconds(), host.Soon(kSoon)) << link;
     }
 }

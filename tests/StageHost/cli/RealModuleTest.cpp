@@ -247,14 +247,14 @@ TEST_F(ScriptAtTheDesk, ChecksAScriptThatThrowsAtItsTopLevel) {
 
 TEST_F(ScriptAtTheDesk, IsNotHeldUpByAFunctionThatNeverReturns) {
     GivenScript("({ hang: function () { while (true) {} } })");
-    Exec({Text("hang")}, {Text("--timeout"), Text("500")});
-    ThenFails(3, "no answer to \"Execute Function With Params\" within 500 ms\n"
+    Exec({Text("hang")}, {Text("--timeout"), Text("2000")});
+    ThenFails(3, "no answer to \"Execute Function With Params\" within 2000 ms\n"
                  "    script.js:1: script stopped in hang, which did not come back\n"
                  "    | ({ hang: function () { while (true) {} } })\n"
                  "    | ^\n"
                  "    at hang (script.js:1)");
     EXPECT_LT(host.Milliseconds(), host.Soon(kSoon));
-    Exec({Text("hang")}, {Text("--timeout"), Text("500"), Text("--json")});
+    Exec({Text("hang")}, {Text("--timeout"), Text("2000"), Text("--json")});
     EXPECT_EQ(host.Json().value(Text("where")).toObject().value(Text("line")).toInt(), 1);
 }
 
@@ -262,7 +262,7 @@ TEST_F(ScriptAtTheDesk, TellsAtTheEndOfAWatchedShowWhichDeviceHung) {
     GivenScript("({ hang: function () {\n  while (true) {}\n} })");
     const QString show = host.File(Text("show.json"), R"({"devices":[{"name":"desk","driver":"script.js"}]})");
     host.SetInput("send desk hang\nlist\n");
-    host.Run({Text("watch"), Text("--timeout"), Text("500"), show});
+    host.Run({Text("watch"), Text("--timeout"), Text("2000"), show});
     EXPECT_EQ(host.ExitCode(), 3);
     EXPECT_TRUE(host.Errors().contains(
         script + Text(":2: desk stopped in hang, which did not come back\n    | while (true) {}\n")))
