@@ -480,8 +480,8 @@ MaybeFailure Session::SendStored(const QString& name, CommandOutcome* outcome) {
 
 void Session::EndDevices(int lateCode) {
     const bool again = std::exchange(m_haveDevicesEnded, true);
-    const auto hang = std::count_if(m_devices.begin(), m_devices.end(),
-                                    [](const auto& device) { return device->IsBlocked(); });
+    const auto hang =
+        std::count_if(m_devices.begin(), m_devices.end(), [](const auto& device) { return device->IsBlocked(); });
     ++m_calls; // for good: a device that is released is not reloaded any more
     ShowClock::Rest();
     m_host->Model().EndTasks();
