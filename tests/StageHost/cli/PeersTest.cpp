@@ -340,9 +340,9 @@ TEST_F(PeersOfAShow, OnesThatPrintNothingOrEndlesslyOrHangAreBounded) {
 }
 
 TEST_F(PeersOfAShow, AScriptThatLoopsDoesNotHoldUpTheEnd) {
-    Play(Do(R"("call":"loop")"), {Text("--timeout"), Text("3000")});
+    Play(Do(R"("call":"loop")"), {Text("--timeout"), Text("1500")});
     EXPECT_EQ(host.ExitCode(), 1) << host.Errors().toStdString();
-    EXPECT_TRUE(host.Errors().contains(Text("peer fake: no answer to \"loop\" within 3000 ms")))
+    EXPECT_TRUE(host.Errors().contains(Text("peer fake: no answer to \"loop\" within 1500 ms")))
         << host.Errors().toStdString();
 }
 
