@@ -26,6 +26,7 @@ constexpr std::chrono::milliseconds kModuleCall(5000); // for calls of the contr
 constexpr std::chrono::milliseconds kStop(3000);       // the module waits 25 ms for a script's own stop function
 constexpr std::chrono::milliseconds kStopped(3000);    // for a script that is stopped to say where it was
 constexpr std::chrono::milliseconds kLookForStop(20);
+constexpr std::chrono::milliseconds kRestOfPlace(200); // between the lines of that, which the log gets one by one
 constexpr std::chrono::milliseconds kLookAtLog(100);
 constexpr std::chrono::milliseconds kEnd(8000); // for stop and release of one device together
 
@@ -495,10 +496,11 @@ void Session::EndDevices(int lateCode) {
 }
 
 /// A script that is stopped writes that into the log as it leaves its thread, shortly after its device is gone.
+/// @param scripts how many are waited for.
 void Session::AwaitStopped(std::ptrdiff_t scripts) {
     const auto told = [&] {
         m_follower->Look();
-        return m_thrown.Stopped() >= scripts;
+        return m_thrown.Stopped(ThrownTexts::Clock::now() - kRestOfPlace) >= scripts;
     };
     const auto deadline = ThrownTexts::Clock::now() + kStopped;
     while (!told() && ThrownTexts::Clock::now() < deadline)

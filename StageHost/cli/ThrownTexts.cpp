@@ -24,7 +24,7 @@ void ThrownTexts::Take(const LogLine& line, Clock::time_point now) {
     if (line.kind == LogLine::Kind::Failure)
         TakeFailure(line, now);
     else if (line.kind == LogLine::Kind::Detail)
-        TakeDetail(line);
+        TakeDetail(line, now);
 }
 
 void ThrownTexts::TakeFailure(const LogLine& line, Clock::time_point now) {
@@ -36,7 +36,7 @@ void ThrownTexts::TakeFailure(const LogLine& line, Clock::time_point now) {
 }
 
 /// More about what the device has told last.
-void ThrownTexts::TakeDetail(const LogLine& line) {
+void ThrownTexts::TakeDetail(const LogLine& line, Clock::time_point now) {
     Entry* last = nullptr;
     for (auto* entries : {&m_waiting, &m_kept, &m_stopped}) {
         for (auto& entry : *entries) {
@@ -44,8 +44,10 @@ void ThrownTexts::TakeDetail(const LogLine& line) {
                 last = &entry;
         }
     }
-    if (last != nullptr)
-        last->thrown.place += line.text.mid(static_cast<int>(std::strlen(KXP_LOG_DETAIL)));
+    if (last == nullptr)
+        return;
+    last->thrown.place += line.text.mid(static_cast<int>(std::strlen(KXP_LOG_DETAIL)));
+    last->grown = now;
 }
 
 void ThrownTexts::Answered(const std::vector<std::string>& failures, Clock::time_point now) {
@@ -127,9 +129,9 @@ QStringList ThrownTexts::TakeStopped() {
     return TakeStoppedAt(m_stopped.begin());
 }
 
-std::ptrdiff_t ThrownTexts::Stopped() const {
+std::ptrdiff_t ThrownTexts::Stopped(Clock::time_point then) const {
     return std::count_if(m_stopped.begin(), m_stopped.end(),
-                         [](const Entry& entry) { return !entry.thrown.place.isEmpty(); });
+                         [&](const Entry& entry) { return !entry.thrown.place.isEmpty() && entry.grown <= then; });
 }
 
 /// "lights.js:3: lights stopped in spin, which did not come back"

@@ -66,8 +66,8 @@ public:
     QStringList TakeStopped(const QString& device);
     /// The same of any device.
     QStringList TakeStopped();
-    /// How many of them wait to be taken.
-    std::ptrdiff_t Stopped() const;
+    /// How many of them wait to be taken of which nothing more has come since then.
+    std::ptrdiff_t Stopped(Clock::time_point then) const;
 
     /// Whether a text that was thrown is the message that a command has failed with.
     static bool IsOf(const QString& thrown, const QString& failure);
@@ -77,10 +77,11 @@ private:
         QString device;
         ThrownText thrown;
         Clock::time_point came;
+        Clock::time_point grown = came; ///< when the last line about it came
     };
 
     void TakeFailure(const LogLine& line, Clock::time_point now);
-    void TakeDetail(const LogLine& line);
+    void TakeDetail(const LogLine& line, Clock::time_point now);
     QStringList TakeStoppedAt(std::vector<Entry>::iterator entry);
     void Print(const Entry& entry);
     void TellAgain();

@@ -114,3 +114,17 @@ TEST_F(ThrownTextsTest, KeepsWhereAScriptWasStoppedForWhoAsks) {
     EXPECT_TRUE(thrown.TakeStopped().isEmpty());
     EXPECT_EQ(Told(), QString());
 }
+
+TEST_F(ThrownTextsTest, APlaceIsCompleteWhenTheLogHasGivenNoMoreOfItForAWhile) {
+    Logs(QStringLiteral("x: CalverinScript_ [desk] Script Stopped"));
+    EXPECT_EQ(thrown.Stopped(now), 0) << "nothing is known of the place";
+    Logs(QStringLiteral("x: CalverinScript_ [desk]     /d/desk.js:3: stopped in spin, which did not come back"));
+    EXPECT_EQ(thrown.Stopped(now), 1);
+    const auto first = now;
+    now += 100ms;
+    Logs(QStringLiteral("x: CalverinScript_ [desk]     at spin (/d/desk.js:3)"));
+    EXPECT_EQ(thrown.Stopped(first), 0) << "it has grown since";
+    EXPECT_EQ(thrown.Stopped(now), 1);
+    EXPECT_EQ(thrown.TakeStopped().size(), 2);
+    EXPECT_EQ(thrown.Stopped(now), 0);
+}
