@@ -117,10 +117,12 @@ bool Device::Shutdown(Milliseconds limit) {
     TheHost().Model().RemoveDevice(m_name);
     m_object->Close();
     TheHost().EndWaitingOfOlderLink();
+    WithdrawCalls();
     const bool quiet = MainWait::Until([this] { return AllBack(); }, kBlockedStop);
     if (m_started && quiet)
         RunInTime(m_pool.Run([device = m_device] { device->Stop(); }), m_blocked ? kBlockedStop : limit,
                   &MainWait::Until);
+    WithdrawCalls();
     TheHost().CloseLink(m_device);
     m_device->Release();
     TheHost().ForgetDevice(m_device);
@@ -243,6 +245,12 @@ bool Device::RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit, Wa
     const bool inTime = wait([&] { return task->IsDone(); }, limit);
     m_blocked = m_blocked || !inTime;
     return inTime;
+}
+
+/// On a busy computer a call may not have begun when nobody waits for it any more; the device may be gone by then.
+void Device::WithdrawCalls() {
+    for (const auto& task : m_tasks)
+        task->Withdraw();
 }
 
 bool Device::AllBack() const {

@@ -126,6 +126,7 @@ private:
     void Complete(CommandOutcome& outcome, const Call& call) const;
     void Settle();
     bool RunInTime(const std::shared_ptr<Task>& task, Milliseconds limit, Wait wait);
+    void WithdrawCalls();
     bool AllBack() const;
 
     Host& TheHost() { return m_module.TheHost(); }

@@ -20,18 +20,39 @@ public:
     explicit PooledTask(std::function<void()> call)
         : m_call(std::move(call)) {}
 
-    bool IsDone() const override { return m_done.load(std::memory_order_acquire); }
+    bool IsDone() const override { return m_phase == Phase::Done; }
+
+    bool Withdraw() override {
+        if (!Begin())
+            return false;
+        End();
+        return true;
+    }
 
     void Run() {
+        if (!Begin())
+            return;
         m_call();
-        m_call = nullptr;
-        m_done.store(true, std::memory_order_release);
+        End();
         MainWait::Wake();
     }
 
 private:
-    std::function<void()> m_call;
-    std::atomic<bool> m_done{false};
+    enum class Phase { Waiting, Begun, Done };
+
+    /// Whether the call is the caller's from now on.
+    bool Begin() {
+        Phase waiting = Phase::Waiting;
+        return m_phase.compare_exchange_strong(waiting, Phase::Begun);
+    }
+
+    void End() {
+        m_call = nullptr;
+        m_phase = Phase::Done;
+    }
+
+    std::function<void()> m_call; ///< used by whose Begin it was
+    std::atomic<Phase> m_phase{Phase::Waiting};
 };
 
 } // namespace

@@ -10,8 +10,10 @@ namespace stagehost {
 class Task {
 public:
     virtual ~Task() = default;
-    /// Whether the call has come back.   [any]
+    /// Whether the call has come back, or will never begin.   [any]
     virtual bool IsDone() const = 0;
+    /// Keeps the call from beginning, for who is about to give up what it uses. @return false when it has begun. [any]
+    virtual bool Withdraw() = 0;
 };
 
 /// The host's threads for calls that may block: commands, Start and Stop. Tasks begin in the order in which they were

@@ -3,6 +3,7 @@
 #include "Device.h"
 #include "HostedModule.h"
 #include "MainWait.h"
+#include "NoMoreThreads.h"
 #include "RemoteShow.h"
 
 using namespace stagehost;
@@ -168,4 +169,22 @@ TEST_F(DeviceObjectTest, PlaysTheCommandsOfATaskAndNotesWhatFails) {
     std::promise<std::string> failure;
     host.Model().Run(command, [&](const std::string& what) { failure.set_value(what); });
     EXPECT_EQ(failure.get_future().get(), "desk, 3: boom");
+}
+
+TEST_F(DeviceObjectTest, IsNotCalledOnceItIsReleasedByACallThatHadToWaitForAThread) {
+    GivenARunningScript("function hello say hello\n");
+    const NoMoreThreads none;
+    std::promise<void> gate;
+    const auto open = gate.get_future().share();
+    constexpr int kMoreThanThereAreThreads = 100;
+    for (int number = 0; number < kMoreThanThereAreThreads; ++number)
+        host.Pool().Run([open] { open.wait(); });
+    const auto definition = desk->Variables().Definition();
+    constexpr std::chrono::milliseconds kShort(50);
+    EXPECT_EQ(desk->Send(*definition->FindCommand("3"), {{"Script Function Name", "hello", {}}}, kShort).kind,
+              CommandOutcome::Kind::NoAnswer);
+    EXPECT_TRUE(desk->Shutdown(kShort)) << "nothing of it runs: neither the command nor the stop has begun";
+    const auto last = host.Pool().Run([] {});
+    gate.set_value();
+    EXPECT_TRUE(MainWait::Until([&] { return last->IsDone(); }, kLong));
 }

@@ -7,6 +7,7 @@
 
 #include "ExitGuard.h"
 #include "MainWait.h"
+#include "NoMoreThreads.h"
 
 using namespace stagehost;
 
@@ -47,6 +48,43 @@ TEST(WorkerPool, FinishesWhatWasGivenBeforeItCloses) {
         pool.Run([&] { ++done; });
     EXPECT_TRUE(pool.Close(kLong));
     EXPECT_EQ(done, 50);
+}
+
+TEST(WorkerPool, ACallWithoutAThreadWaitsForOneThatGetsFree) {
+    WorkerPool pool;
+    std::promise<void> gate;
+    const auto occupied = pool.Run([&] { gate.get_future().wait(); });
+    const NoMoreThreads none;
+    std::atomic<bool> ran{false};
+    const auto task = pool.Run([&] { ran = true; });
+    EXPECT_FALSE(task->IsDone());
+    gate.set_value();
+    EXPECT_TRUE(MainWait::Until([&] { return task->IsDone(); }, kLong));
+    EXPECT_TRUE(ran);
+}
+
+TEST(WorkerPool, ACallThatIsWithdrawnNeverBegins) {
+    WorkerPool pool;
+    std::promise<void> gate;
+    std::promise<void> begun;
+    const auto occupied = pool.Run([&] {
+        begun.set_value();
+        gate.get_future().wait();
+    });
+    begun.get_future().wait();
+    const NoMoreThreads none;
+    const auto used = std::make_shared<std::atomic<bool>>(false);
+    const auto task = pool.Run([used] { *used = true; });
+    EXPECT_TRUE(task->Withdraw());
+    EXPECT_TRUE(task->IsDone());
+    EXPECT_EQ(used.use_count(), 1) << "what it would have used is let go of";
+    EXPECT_FALSE(task->Withdraw());
+    EXPECT_FALSE(occupied->Withdraw());
+    EXPECT_FALSE(occupied->IsDone());
+    gate.set_value();
+    EXPECT_TRUE(pool.Close(kLong));
+    EXPECT_TRUE(occupied->IsDone());
+    EXPECT_FALSE(*used);
 }
 
 TEST(MainWait, LooksOnceWhenTheLimitIsZero) {
