@@ -162,9 +162,7 @@ TEST_F(DeviceObjectTest, PlaysTheCommandsOfATaskAndNotesWhatFails) {
     command.command = "3";
     command.parameters = {{"Script Function Name", "hello", false}, {"Result", "Mood", true}};
     host.Model().Run(command, [](const std::string& what) { ADD_FAILURE() << what; });
-    const auto mood = host.Variables().Find("Mood");
-    const Observation look = mood->Observe(&MainWait::Wake);
-    EXPECT_TRUE(MainWait::Until([&] { return mood->Text() == "hello"; }, kLong));
+    AwaitMood("hello");
     command.parameters = {{"Script Function Name", "bad", false}};
     std::promise<std::string> failure;
     host.Model().Run(command, [&](const std::string& what) { failure.set_value(what); });

@@ -124,6 +124,7 @@ TEST_F(NewerLinkTest, ReadsAndSetsProperties) {
 
 TEST_F(NewerLinkTest, PerformsActionsOfEveryKindOfObject) {
     EXPECT_EQ(Ask(&Remote::Perform, "Overture", "Start", "").text, "Running");
+    AwaitMood("first");
     EXPECT_EQ(Ask(&Remote::Perform, "Overture", "Stop", "<parameters/>").text, "Stopped");
     EXPECT_EQ(
         Ask(&Remote::Perform, "Overture", "GotoLine", "<parameters><parameter name='Line' value='2'/></parameters>")

@@ -47,6 +47,7 @@ TEST_F(OlderLinkTest, ReadsAndSetsProperties) {
 
 TEST_F(OlderLinkTest, PerformsAndTellsObjects) {
     EXPECT_EQ(AskText(&Remote::Perform, "Overture", "Start", "").text, "Running");
+    AwaitMood("first");
     EXPECT_EQ(AskText(&Remote::Perform, "Overture", "Fly", "").code, KXPCode{kNoSuchAction});
     EXPECT_NE(AskText(&Remote::GetObjectList, "", 3u).text.find("Name=\"Overture\""), std::string::npos);
     EXPECT_NE(AskText(&Remote::GetObject, "Hall", std::uint16_t{0}).text.find("Temperature"), std::string::npos);

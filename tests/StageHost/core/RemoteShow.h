@@ -7,6 +7,7 @@
 #include "ExecContext.h"
 #include "Host.h"
 #include "HostCodes.h"
+#include "MainWait.h"
 #include "ValueFactory.h"
 
 /// A show with one object of each kind, and the two links to it. Tests ask by a link and look at the answer.
@@ -39,6 +40,13 @@ protected:
     }
 
     std::string TextOf(const char* variable) { return host.Variables().Find(variable)->Text(); }
+
+    /// Tasks set it when their thread gets to it.
+    void AwaitMood(const char* text) {
+        const auto mood = host.Variables().Find("Mood");
+        const Observation look = mood->Observe(&MainWait::Wake);
+        EXPECT_TRUE(MainWait::Until([&] { return mood->Text() == text; }, kLong)) << mood->Text();
+    }
 
     static HostSettings SettingsWith(Link link) {
         HostSettings settings;

@@ -52,9 +52,9 @@ TEST(WorkerPool, FinishesWhatWasGivenBeforeItCloses) {
 
 TEST(WorkerPool, ACallWithoutAThreadWaitsForOneThatGetsFree) {
     WorkerPool pool;
+    const NoMoreThreads none;
     std::promise<void> gate;
     const auto occupied = pool.Run([&] { gate.get_future().wait(); });
-    const NoMoreThreads none;
     std::atomic<bool> ran{false};
     const auto task = pool.Run([&] { ran = true; });
     EXPECT_FALSE(task->IsDone());
@@ -65,6 +65,7 @@ TEST(WorkerPool, ACallWithoutAThreadWaitsForOneThatGetsFree) {
 
 TEST(WorkerPool, ACallThatIsWithdrawnNeverBegins) {
     WorkerPool pool;
+    const NoMoreThreads none;
     std::promise<void> gate;
     std::promise<void> begun;
     const auto occupied = pool.Run([&] {
@@ -72,7 +73,6 @@ TEST(WorkerPool, ACallThatIsWithdrawnNeverBegins) {
         gate.get_future().wait();
     });
     begun.get_future().wait();
-    const NoMoreThreads none;
     const auto used = std::make_shared<std::atomic<bool>>(false);
     const auto task = pool.Run([used] { *used = true; });
     EXPECT_TRUE(task->Withdraw());
